@@ -1,0 +1,19 @@
+#pragma once
+
+#include <initializer_list>
+#include <string>
+
+#include "ExecATCallback.h"
+
+// The WriteComm that the system, PIN and network families share: runs one command through the execute-AT
+// callback and, when it succeeds and the modem echoed the command ("AT+CSQ\r\r\n+CSQ: 20,99\r\n..."), cuts
+// the answer so that it starts at the first "\r\n" after the echo. Returns 1 without a callback, else the
+// callback's code (0, 2 time-out, 30 cancelled, 1 failure). Most commands listen for the final results
+// "OK", "+CME ERROR" and "ERROR".
+int FamilyWriteComm(ExecATCallback execAT, std::string& response, const char* command, const char* expected,
+                    int timeoutMs, std::initializer_list<const char*> finals = {"OK", "+CME ERROR", "ERROR"});
+
+// True when the answer holds "OK" anywhere, the test the set commands make.
+inline bool AnswerHasOk(const std::string& answer) {
+    return answer.find("OK") != std::string::npos;
+}

@@ -1,0 +1,209 @@
+#include "NetworkAnswerParsers.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "Gsm7BitAlphabet.h"
+#include "NetworkUtility.h"
+
+namespace {
+
+constexpr std::size_t kMaxListItemLength = 45;
+constexpr int kMaxOperatorLength = 16;
+constexpr int kSpnBytes = 17;  // EF-SPN: display byte and 16 name bytes
+constexpr int kSpdiText = 501; // at most 500 hexadecimal characters
+
+// The line of text that starts at at, without its "\r\n".
+std::string LineAt(const std::string& text, std::size_t at) {
+    const std::size_t end = text.find("\r\n", at);
+    return text.substr(at, end == std::string::npos ? std::string::npos : end - at);
+}
+
+bool ReadInt(const char* text, int& value) {
+    return std::sscanf(text, "%d", &value) == 1;
+}
+
+int HexValue(char ch) {
+    if (ch >= '0' && ch <= '9')
+        return ch - '0';
+    if (ch >= 'A' && ch <= 'F')
+        return ch - 'A' + 10;
+    if (ch >= 'a' && ch <= 'f')
+        return ch - 'a' + 10;
+    return -1;
+}
+
+// The byte of two hexadecimal characters, or -1.
+int HexByte(char high, char low) {
+    const int h = HexValue(high);
+    const int l = HexValue(low);
+    return h < 0 || l < 0 ? -1 : h * 16 + l;
+}
+
+} // namespace
+
+int ParseCopsAnswer(const std::string& answer, TNetworkBaseInfo& info) {
+    const std::size_t at = answer.find("+COPS: ");
+    if (at == std::string::npos)
+        return 1;
+    const std::string line = LineAt(answer, at);
+    int value = 0;
+    if (std::sscanf(line.c_str(), "+COPS: %d", &value) == 1)
+        info.nMode = value;
+
+    const std::size_t comma = line.find(',');
+    if (comma == std::string::npos)
+        return 0;
+    if (ReadInt(line.c_str() + comma + 1, value))
+        info.nFormat = value;
+
+    const std::size_t open = line.find('"', comma + 1);
+    const std::size_t close = open == std::string::npos ? open : line.find('"', open + 1);
+    if (close == std::string::npos)
+        return 0;
+    const std::size_t length = close - open - 1;
+    if (length >= 1 && length <= kMaxOperatorLength) {
+        std::memcpy(info.szOperator, line.data() + open + 1, length);
+        info.szOperator[length] = '\0';
+    }
+
+    const std::size_t technology = line.find(',', close + 1);
+    if (technology != std::string::npos && ReadInt(line.c_str() + technology + 1, value))
+        info.nAcT = value;
+    return 0;
+}
+
+int ParseCopsListAnswer(const std::string& answer, std::list<TNetworkListItem>& items) {
+    const std::size_t at = answer.find("+COPS: ");
+    if (at == std::string::npos)
+        return 1;
+    const std::size_t modeLists = answer.find(",,", at);
+    for (std::size_t open = answer.find('(', at); open != std::string::npos;
+         open = answer.find('(', open + 1)) {
+        if (modeLists != std::string::npos && open >= modeLists)
+            break;
+        const std::size_t close = answer.find(')', open + 1);
+        if (close == std::string::npos || close - open - 1 > kMaxListItemLength)
+            break;
+        TNetworkListItem item;
+        CNetworkUtility::ParseItemString(std::string_view(answer).substr(open + 1, close - open - 1), item);
+        items.push_back(item);
+        open = close;
+    }
+    return 0;
+}
+
+int DecodeSimAlphaIdentifier(const unsigned char* bytes, int length, char16_t* name, int size) {
+    if (bytes == nullptr || name == nullptr || length <= 0 || size <= 0)
+        return 0;
+    int written = 0;
+    if (bytes[0] == 0x80) {
+        // 0x80, then big-endian UCS2 characters, padded with FF.
+        for (int i = 1; i + 1 < length && written < size; i += 2) {
+            const char16_t ch = static_cast<char16_t>(bytes[i] << 8 | bytes[i + 1]);
+            if (ch == 0xFFFF)
+                break;
+            name[written++] = ch;
+        }
+        return written;
+    }
+    if (bytes[0] == 0x81 || bytes[0] == 0x82) {
+        // 0x81, count, base bits 15..8 as one byte shifted by 7; or 0x82, count, base as two bytes. A byte
+        // with its high bit set is base + its low 7 bits, any other a GSM default-alphabet character.
+        const bool shortBase = bytes[0] == 0x81;
+        const int header = shortBase ? 3 : 4;
+        if (length < header)
+            return 0;
+        const int count = bytes[1];
+        const unsigned base = shortBase ? unsigned(bytes[2]) << 7 : unsigned(bytes[2]) << 8 | bytes[3];
+        for (int i = header; i < length && written < count && written < size; ++i) {
+            const unsigned char byte = bytes[i];
+            name[written++] = (byte & 0x80) != 0 ? static_cast<char16_t>(base + (byte & 0x7F))
+                                                 : static_cast<char16_t>(Gsm7DefaultToUnicode(byte));
+        }
+        return written;
+    }
+    const int used = static_cast<int>(std::find(bytes, bytes + length, 0xFF) - bytes);
+    wchar_t text[kSpNameSize] = {};
+    const int room = std::min(size, kSpNameSize);
+    CNetworkUtility::Default7BitToWstring(bytes, used, text, room);
+    while (written < room && text[written] != 0) {
+        name[written] = static_cast<char16_t>(text[written]);
+        ++written;
+    }
+    return written;
+}
+
+int ParseSpnmAnswer(const std::string& answer, TServiceProviderInfo& info) {
+    info = TServiceProviderInfo{};
+    const std::size_t at = answer.find("+SPNM: ");
+    if (at == std::string::npos)
+        return 1;
+    const std::size_t start = at + std::strlen("+SPNM: ");
+    const std::size_t end = answer.find("\r\n", start);
+    if (end == std::string::npos)
+        return 1;
+
+    // Only the first 17 bytes count; a longer answer is simply cut.
+    char hex[kSpnBytes * 2 + 1] = {};
+    CNetworkUtility::TrimString(std::string_view(answer).substr(start, end - start), hex, sizeof hex);
+    unsigned char bytes[kSpnBytes] = {};
+    int count = 0;
+    for (int i = 0; count < kSpnBytes && hex[i] != '\0' && hex[i + 1] != '\0'; i += 2) {
+        const int byte = HexByte(hex[i], hex[i + 1]);
+        if (byte < 0)
+            break;
+        bytes[count++] = static_cast<unsigned char>(byte);
+    }
+    if (count > 0)
+        info.nDisplay = bytes[0];
+    if (count >= 2)
+        DecodeSimAlphaIdentifier(bytes + 1, count - 1, info.wszSpName, kSpNameSize - 1);
+    info.nPresent = 1;
+    return 0;
+}
+
+void ParseSpdiAnswer(const std::string& answer, int& count, std::vector<TSpdiEntry>& entries) {
+    count = 0;
+    entries.clear();
+    const std::size_t at = answer.find("+SPDI: ");
+    if (at == std::string::npos)
+        return;
+    const std::size_t start = at + std::strlen("+SPDI: ");
+    const std::size_t end = answer.find("\r\n", start);
+    if (end == std::string::npos)
+        return;
+
+    char buffer[kSpdiText] = {};
+    CNetworkUtility::TrimString(std::string_view(answer).substr(start, end - start), buffer, sizeof buffer);
+    for (char& ch : buffer)
+        ch = static_cast<char>(std::toupper(static_cast<unsigned char>(ch)));
+    const std::string_view text(buffer);
+    // A3 <length> 80 <length of the PLMN list> <3 octets per network>
+    if (text.size() <= 8 || text.substr(0, 2) != "A3")
+        return;
+    const int listLength = HexByte(text[6], text[7]);
+    if (listLength < 0)
+        return;
+
+    const int slots = listLength / 3;
+    entries.assign(static_cast<std::size_t>(slots), TSpdiEntry{});
+    int empty = 0;
+    for (int i = 0; i < slots; ++i) {
+        const std::size_t group = 8 + 6 * static_cast<std::size_t>(i);
+        if (group + 6 > text.size())
+            break;
+        const std::string_view plmn = text.substr(group, 6);
+        if (plmn == "FFFFFF") {
+            ++empty;
+            continue;
+        }
+        // Nibble-swapped MCC and MNC: "64F000" is 460 00, "130062" is 310 260.
+        TSpdiEntry& slot = entries[static_cast<std::size_t>(i)];
+        slot = {plmn[1], plmn[0], plmn[3], plmn[5], plmn[4], plmn[2] != 'F' ? plmn[2] : '\0', '\0', '\0'};
+    }
+    count = slots - empty;
+}

@@ -1,0 +1,270 @@
+#include "ComOperation.h"
+
+#include "DebugSink.h"
+
+#include <array>
+#include <chrono>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace {
+
+// Lines of these kinds may arrive in the middle of any answer; the position is the report type.
+constexpr std::array<const char*, 8> kReportPrefixes = {
+    "+CMTI:",
+    "+CDSI:",
+    "+CUSD:",
+    "RING",
+    "NO CARRIER",
+    "+STIN:",
+    "+CME ERROR: retry operation",
+    "DIAL CONNECT REQUEST",
+};
+
+// Searched in this order as plain substrings: "OK" inside a data line ends the command too.
+constexpr std::array<const char*, 4> kFinalResults = {"+CME ERROR:", "+CMS ERROR:", "ERROR", "OK"};
+
+constexpr const char* kLineDelimiter = "\r\n";
+constexpr size_t kReadBufferSize = 5120;
+constexpr int kTimeOutsBeforeReopen = 40;
+
+int32_t g_nTimeOutCount = 0;
+
+using Ticks = std::chrono::duration<int64_t, std::ratio<1, 60>>;
+
+int64_t NowTicks() {
+    return std::chrono::duration_cast<Ticks>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+// No line speed is chosen: a USB modem's virtual serial line ignores it. Keep the port's own speed,
+// since B0 would drop DTR and hang the modem up.
+speed_t PortSpeed(int fd) {
+    termios current{};
+    if (tcgetattr(fd, &current) == 0 && cfgetospeed(&current) != B0)
+        return cfgetospeed(&current);
+    return B115200;
+}
+
+} // namespace
+
+ComOperation* ComOperation::GetInstance() {
+    static ComOperation* instance = new ComOperation();
+    return instance;
+}
+
+ComOperation::ComOperation() : _nFd(0), _szDevicePath{}, _cCancel(0) {}
+
+int32_t ComOperation::GetTimeOutCount() {
+    return g_nTimeOutCount;
+}
+
+void ComOperation::ResetTimeOutCount() {
+    g_nTimeOutCount = 0;
+}
+
+int32_t ComOperation::openCom(const char* szDevicePath) {
+    // Only the worker thread touches the queue, and nobody holds a record it has not popped.
+    for (UnsolicitedReportDataType* report : _lstReport)
+        delete report;
+    _lstReport.clear();
+
+    if (_nFd != 0 && close(_nFd) == 0)
+        _nFd = 0;
+    _cCancel.store(0);
+
+    if (szDevicePath == nullptr)
+        return 4;
+    int fd = open(szDevicePath, O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0)
+        return 4;
+    if (fd == 0) {
+        // Descriptor 0 means "closed" here; move the port off it.
+        const int moved = fcntl(fd, F_DUPFD_CLOEXEC, 1);
+        close(fd);
+        if (moved < 0)
+            return 4;
+        fd = moved;
+    }
+    // The exclusive lock keeps a second program (or a second copy of this one) off the AT port.
+    if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        close(fd);
+        return 4;
+    }
+    _nFd = fd;
+
+    // Raw 8 bits with hardware flow control. Two stop bits and parity are part of the fixed setting;
+    // the modem's virtual serial line ignores them.
+    termios attributes{};
+    attributes.c_iflag = IGNPAR;
+    attributes.c_oflag = 0;
+    attributes.c_cflag = CS8 | CSTOPB | CREAD | PARENB | CLOCAL | CRTSCTS;
+    attributes.c_lflag = 0;
+    attributes.c_cc[VMIN] = 1;
+    attributes.c_cc[VTIME] = 0;
+    const speed_t speed = PortSpeed(_nFd);
+    cfsetispeed(&attributes, speed);
+    cfsetospeed(&attributes, speed);
+    tcflush(_nFd, TCIFLUSH);
+    tcsetattr(_nFd, TCSANOW, &attributes);
+
+    std::memset(_szDevicePath, 0, sizeof(_szDevicePath));
+    std::memcpy(_szDevicePath, szDevicePath, strnlen(szDevicePath, sizeof(_szDevicePath)));
+    return 0;
+}
+
+int32_t ComOperation::closeCom() {
+    if (_nFd == 0)
+        return 1;
+    if (close(_nFd) != 0)
+        return 5;
+    _nFd = 0;
+    return 0;
+}
+
+int32_t ComOperation::writeCom(const char* szCmd, const char* szExpected, int32_t nTimeOut,
+                               std::string& strResponse) {
+    std::string strData;
+    const int64_t nLimit = static_cast<int64_t>(nTimeOut) * 60;
+
+    if (_nFd == 0)
+        return 1;
+    if (szCmd == nullptr || szCmd[0] == '\0') {
+        DebugPrint("szCmd is NULL !!!!!!!");
+        return 6;
+    }
+    if (write(_nFd, szCmd, std::strlen(szCmd)) == -1) {
+        DebugPrint("Write Failed in write com");
+        return 6;
+    }
+
+    std::array<char, kReadBufferSize> buffer;
+    const int64_t nStart = NowTicks();
+    for (;;) {
+        if (_cCancel.load() == 1) {
+            DebugPrint("---canceled---!!");
+            _cCancel.store(0);
+            return 9;
+        }
+        if (NowTicks() - nStart > nLimit)
+            break;
+        usleep(500);
+
+        buffer.fill('\0');
+        const ssize_t nRead = read(_nFd, buffer.data(), buffer.size());
+        if (nRead < 1)
+            continue;
+        // Text up to the first NUL; a full buffer has none, so bound it by the count read.
+        strData.append(buffer.data(), strnlen(buffer.data(), static_cast<size_t>(nRead)));
+
+        if (!stringHasSuffix(strData.c_str(), kLineDelimiter)) {
+            // The text prompt of AT+CMGS is "\r\n> " with no line end after it.
+            if (strData.find('>') != std::string::npos) {
+                DebugPrint("need input text!!");
+                strResponse = strData;
+                return 0;
+            }
+            continue;
+        }
+
+        checkUnsolicitedReport(strData, szExpected);
+        for (const char* szFinal : kFinalResults) {
+            if (strData.find(szFinal) != std::string::npos) {
+                strResponse = strData;
+                return 0;
+            }
+        }
+    }
+
+    DebugPrint("---Time out---!!");
+    if (++g_nTimeOutCount <= kTimeOutsBeforeReopen)
+        return 8;
+    // A modem that stopped answering often comes back once its port is opened anew.
+    if (_nFd != 0 && close(_nFd) == 0)
+        _nFd = 0;
+    const std::string strPath(_szDevicePath, strnlen(_szDevicePath, sizeof(_szDevicePath)));
+    openCom(strPath.c_str());
+    g_nTimeOutCount = 0;
+    return 8;
+}
+
+void ComOperation::cancel() {
+    _cCancel.store(1);
+}
+
+void ComOperation::reset() {
+    if (_nFd != 0 && close(_nFd) == 0)
+        _nFd = 0;
+
+    // Deletes only every other count: the first half, rounded up, goes and the rest stay queued.
+    const int nCount = static_cast<int>(_lstReport.size());
+    DebugPrint("unsolicitedReport count\n: %d", nCount);
+    for (int i = 0; i < nCount; i += 2) {
+        DebugPrint("get %d \n", i);
+        delete _lstReport.front();
+        _lstReport.pop_front();
+    }
+}
+
+void ComOperation::getUnsoliciteReportList(UnsolicitedReportList*& pReportList) {
+    pReportList = &_lstReport;
+}
+
+void ComOperation::checkUnsolicitedReport(std::string& strData, const char* szExpected) {
+    std::list<std::string> lstLines;
+    for (size_t nType = 0; nType < kReportPrefixes.size(); ++nType) {
+        if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines) == 0)
+            continue;
+        for (const std::string& strLine : lstLines)
+            _lstReport.push_back(
+                new UnsolicitedReportDataType(static_cast<unsolicited_report_e_type>(nType), strLine));
+    }
+}
+
+int stringHasSuffix(const char* szText, const char* szSuffix) {
+    if (szText == nullptr || szSuffix == nullptr)
+        return 0;
+    const size_t nText = std::strlen(szText);
+    const size_t nSuffix = std::strlen(szSuffix);
+    if (nText == 0 || nSuffix == 0 || nSuffix >= nText)
+        return 0;
+    return std::memcmp(szText + nText - nSuffix, szSuffix, nSuffix) == 0 ? 1 : 0;
+}
+
+int stringMatchStringLine(std::string& strData, const char* szExpected, const char* szPrefix,
+                          std::list<std::string>& lstLines) {
+    lstLines.clear();
+    if (szPrefix == nullptr || szPrefix[0] == '\0')
+        return 0;
+    if (std::strcmp(szPrefix, "+STIN:") == 0)
+        DebugPrint("track here!!!");
+
+    const size_t nPrefix = std::strlen(szPrefix);
+    const bool blOwnAnswerPrefix = szExpected != nullptr && std::strstr(szExpected, szPrefix) != nullptr;
+    bool blOwnAnswerSeen = false;
+
+    size_t nPos = strData.find(szPrefix);
+    while (nPos != std::string::npos) {
+        const size_t nStart = strData.rfind(kLineDelimiter, nPos);
+        const size_t nEnd = strData.find(kLineDelimiter, nPos);
+        if (nStart == std::string::npos || nEnd == std::string::npos) {
+            DebugPrint("line prase error!!");
+            return 0;
+        }
+        const size_t nLineFeed = nEnd + 1;
+
+        if (blOwnAnswerPrefix && !blOwnAnswerSeen) {
+            blOwnAnswerSeen = true;
+        } else {
+            lstLines.push_back(strData.substr(nStart, nLineFeed - nStart + 1));
+            // One line feed stays behind; the next search resumes at the old position, so a line that
+            // the erasure moved in front of it waits for the next answer.
+            strData.erase(nStart, nLineFeed - nStart);
+            DebugPrint("now strData=%s", strData.c_str());
+        }
+        nPos = strData.find(szPrefix, nPos + nPrefix);
+    }
+    return static_cast<int>(lstLines.size());
+}

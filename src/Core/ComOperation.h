@@ -1,0 +1,88 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <list>
+#include <string>
+
+// The serial AT channel: the one object that talks to the modem's AT command port.
+// It writes one command at a time, collects the answer until a final result ("+CME ERROR:", "+CMS ERROR:",
+// "ERROR", "OK", searched as plain substrings) or the "> " text prompt arrives, and cuts the unsolicited
+// lines it recognises out of the answer into a queue that the worker drains.
+// Result codes: 0 success, 1 port not open, 4 open failed, 5 close failed, 6 empty command or write failed,
+// 8 time-out, 9 cancelled. The response string is only written on success.
+
+// Report kinds, by position in the channel's report table.
+enum unsolicited_report_e_type : int32_t {
+    UNSOLICITED_REPORT_CMTI = 0,         // "+CMTI:" new message stored
+    UNSOLICITED_REPORT_CDSI = 1,         // "+CDSI:" status report stored
+    UNSOLICITED_REPORT_CUSD = 2,         // "+CUSD:" USSD answer
+    UNSOLICITED_REPORT_RING = 3,         // "RING"
+    UNSOLICITED_REPORT_NO_CARRIER = 4,   // "NO CARRIER"
+    UNSOLICITED_REPORT_STIN = 5,         // "+STIN:" toolkit indication
+    UNSOLICITED_REPORT_RETRY = 6,        // "+CME ERROR: retry operation"
+    UNSOLICITED_REPORT_DIAL_REQUEST = 7, // "DIAL CONNECT REQUEST"
+};
+
+// One queued report: its kind and the whole line with the "\r\n" before and after it.
+// Owned by the queue until a consumer pops it; the consumer deletes it.
+struct UnsolicitedReportDataType {
+    UnsolicitedReportDataType(unsolicited_report_e_type type, const std::string& text)
+        : nType(type), strText(text) {}
+
+    unsolicited_report_e_type nType;
+    std::string strText;
+};
+
+using UnsolicitedReportList = std::list<UnsolicitedReportDataType*>;
+
+class ComOperation {
+public:
+    static constexpr int kDevicePathSize = 513;
+
+    // The process-wide channel, created on first use and never destroyed.
+    static ComOperation* GetInstance();
+
+    // Empties the report queue, closes a held port, clears the cancel flag, then opens the tty
+    // (exclusively locked, raw 8 bits, hardware flow control) and remembers the path for reopening.
+    int32_t openCom(const char* szDevicePath);
+    // 1 when no port is open, 5 when close fails (the descriptor is kept), else 0.
+    int32_t closeCom();
+    // Writes szCmd (with its own terminator) and waits at most nTimeOut seconds, in 1/60 s ticks, for
+    // the answer. szExpected is the prefix of the command's own answer (e.g. "+CUSD: "), or nullptr:
+    // the first line with a report prefix it contains stays in the response. Every 41st time-out in the
+    // life of the process closes and reopens the port at the stored path.
+    int32_t writeCom(const char* szCmd, const char* szExpected, int32_t nTimeOut, std::string& strResponse);
+    // Asks the command in progress to stop with 9; without one, the next command stops at its first poll.
+    // The only call that may come from another thread.
+    void cancel();
+    // Closes the port and deletes the first half (rounded up) of the queued reports; the rest stay.
+    void reset();
+    // Hands out the queue itself; the caller reads the front record, pops it and deletes it.
+    void getUnsoliciteReportList(UnsolicitedReportList*& pReportList);
+    // Moves every recognised report line out of strData into the queue, the report table's order first,
+    // then the order within the data.
+    void checkUnsolicitedReport(std::string& strData, const char* szExpected);
+
+    // The process-wide time-out count behind the reopen; tests start from a clean count.
+    static int32_t GetTimeOutCount();
+    static void ResetTimeOutCount();
+
+private:
+    ComOperation();
+
+    int32_t _nFd;
+    char _szDevicePath[kDevicePathSize];
+    UnsolicitedReportList _lstReport;
+    std::atomic<unsigned char> _cCancel;
+};
+
+// 1 when both are non-empty, the suffix is strictly shorter than the text and the text ends with it.
+int stringHasSuffix(const char* szText, const char* szSuffix);
+
+// Moves every line holding szPrefix, with the "\r\n" before and after it, from strData to lstLines
+// (emptied first) and returns how many. The first such line stays when szExpected contains szPrefix:
+// it is the command's own answer. A line without a "\r\n" on either side ends the search with 0; lines
+// already taken out in that call are lost.
+int stringMatchStringLine(std::string& strData, const char* szExpected, const char* szPrefix,
+                          std::list<std::string>& lstLines);

@@ -1,0 +1,256 @@
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ATSublayer.h"
+#include "AtSublayerInterface.h"
+#include "ScriptedAtFake.h"
+
+// Reads the families' registered callbacks, in the order the sublayer registers them.
+struct AtSublayerTestAccess {
+    static std::vector<ExecATCallback> FamilyCallbacks(const CAtSublayer& sublayer) {
+        return {sublayer.m_pinUtility.ExecAT(),     sublayer.m_pbUtility.ExecAT(),
+                sublayer.m_networkUtility.ExecAT(), sublayer.m_smsUtility.ExecAT(),
+                sublayer.m_systemUtility.ExecAT(),  sublayer.m_ussdUtility.ExecAT(),
+                sublayer.m_callUtility.ExecAT(),    sublayer.m_gpsUtility.ExecAT(),
+                sublayer.m_stkUtility.ExecAT()};
+    }
+};
+
+namespace {
+
+struct Report {
+    int code = -1;
+    bool hasPayload = false;
+    std::string text;
+};
+
+// Upper report callback: keeps a copy of each report, since the payload dies with the call.
+int RecordReport(void* context, int code, const void* payload) {
+    Report report{code, payload != nullptr, {}};
+    if (payload != nullptr) {
+        if (code == ATS_REPORT_NEW_SMS)
+            report.text = static_cast<const TASRNewSMS*>(payload)->strLine;
+        else if (code == ATS_REPORT_CUSD)
+            report.text = static_cast<const TASRCusd*>(payload)->strLine;
+        else if (code == ATS_REPORT_STK)
+            report.text = *static_cast<const std::string*>(payload);
+    }
+    static_cast<std::vector<Report>*>(context)->push_back(report);
+    return 5; // not passed on
+}
+
+// What the lower callbacks saw.
+struct LowerLog {
+    const void* startArgument = nullptr;
+    int cancels = 0;
+    ReportHandler handler = nullptr;
+    void* handlerContext = nullptr;
+} g_lower;
+
+int StartComm(const void* argument) {
+    g_lower.startArgument = argument;
+    return 17;
+}
+int EndComm() {
+    return 18;
+}
+int RestartComm() {
+    return 19;
+}
+void CancelAT() {
+    ++g_lower.cancels;
+}
+void RegisterHandler(ReportHandler handler, void* context) {
+    g_lower.handler = handler;
+    g_lower.handlerContext = context;
+}
+
+class AtSublayerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        g_lower = LowerLog{};
+        ASSERT_EQ(ATSubLayer_CreateInstance(m_sublayer), 0);
+        ASSERT_NE(m_sublayer, nullptr);
+    }
+    void TearDown() override { ATSubLayer_DestroyInstance(m_sublayer); }
+
+    TInterfaceAtSublayer* m_sublayer = nullptr;
+    std::vector<Report> m_reports;
+};
+
+TEST_F(AtSublayerTest, DecodesUnsolicitedLinesByPrefix) {
+    struct Row {
+        const char* line;
+        int code; // -1: ignored
+        bool hasPayload;
+    };
+    const Row rows[] = {
+        {"+CMTI: \"SM\",3", ATS_REPORT_NEW_SMS, true},
+        {"+CDSI: \"SR\",1", ATS_REPORT_NEW_SMS, true},
+        {"+CUSD: 0,\"00480069\",72", ATS_REPORT_CUSD, true},
+        {"+CUSD: 2", ATS_REPORT_CUSD, true},
+        {"+CUSD:1", -1, false}, // no blank after the colon
+        {"+CUSD:", -1, false},
+        {"BUSY", ATS_REPORT_BUSY, false},
+        {"NO ANSWER", ATS_REPORT_NO_ANSWER, false},
+        {"NO CARRIER", ATS_REPORT_NO_CARRIER, false},
+        {"NO DIALTONE", ATS_REPORT_NO_DIALTONE, false},
+        {"RING", ATS_REPORT_RING, false},
+        {"+CRING: VOICE", ATS_REPORT_RING, false},
+        {"+STIN: 11", ATS_REPORT_STK, true},
+        {"+STIN:20", ATS_REPORT_STK, true},
+        {"NO CARRIER\r\n", ATS_REPORT_NO_CARRIER, false}, // a prefix test: what follows does not matter
+        {"\r\n+CMTI: \"SM\",3\r\n", -1, false},           // the channel's framing must be gone
+        {"\r\nRING\r\n", -1, false},
+        {" RING", -1, false},
+        {"+cmti: \"SM\",3", -1, false},
+        {"BUS", -1, false},
+        {"+CMT: ,24", -1, false},
+        {"OK", -1, false},
+        {"", -1, false},
+    };
+    ASSERT_EQ(m_sublayer->RegisterReportCallback(&RecordReport, &m_reports), 0);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
+        m_reports.clear();
+        EXPECT_EQ(ATSublayer_HandleReport(m_sublayer, row.line), 0);
+        if (row.code < 0) {
+            EXPECT_TRUE(m_reports.empty());
+            continue;
+        }
+        ASSERT_EQ(m_reports.size(), 1u);
+        EXPECT_EQ(m_reports[0].code, row.code);
+        EXPECT_EQ(m_reports[0].hasPayload, row.hasPayload);
+        if (row.hasPayload) {
+            EXPECT_EQ(m_reports[0].text, row.line);
+        }
+    }
+}
+
+TEST_F(AtSublayerTest, DecoderWithoutContextCallbackOrLineDoesNothing) {
+    EXPECT_EQ(ATSublayer_HandleReport(nullptr, "RING"), 0);
+    EXPECT_EQ(ATSublayer_HandleReport(m_sublayer, "RING"), 0); // no upper callback registered yet
+
+    m_sublayer->RegisterReportCallback(&RecordReport, &m_reports);
+    EXPECT_EQ(ATSublayer_HandleReport(m_sublayer, nullptr), 0);
+    EXPECT_TRUE(m_reports.empty());
+}
+
+TEST_F(AtSublayerTest, UpperCallbackIsStoredAndHandedBack) {
+    UpperReportCallback callback = nullptr;
+    void* context = &m_reports;
+    EXPECT_EQ(m_sublayer->GetUpperReport(callback, context), 0);
+    EXPECT_EQ(callback, nullptr);
+    EXPECT_EQ(context, nullptr);
+
+    int other = 0;
+    EXPECT_EQ(m_sublayer->RegisterReportCallback(&RecordReport, &other), 0);
+    EXPECT_EQ(m_sublayer->GetUpperReport(callback, context), 0);
+    EXPECT_EQ(callback, &RecordReport);
+    EXPECT_EQ(context, &other);
+}
+
+TEST_F(AtSublayerTest, MissingLowerCallbacksGiveOne) {
+    const auto expectUnset = [this] {
+        EXPECT_EQ(m_sublayer->StartCommunication("ignored"), 1);
+        EXPECT_EQ(m_sublayer->EndCommunication(), 1);
+        EXPECT_EQ(m_sublayer->RestartCommunication(), 1);
+        m_sublayer->CancelCurATExecution(); // nothing to call
+    };
+    expectUnset(); // before RegisterLowerCBs
+
+    // What the worker registers: the execute-AT callback alone.
+    TInterfaceAtSublayerLower lower;
+    lower.pfnExecAT = ScriptedAtFake::Callback();
+    EXPECT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
+    expectUnset();
+}
+
+TEST_F(AtSublayerTest, LowerCallbacksAreForwarded) {
+    TInterfaceAtSublayerLower lower{&StartComm, &EndComm,        &RestartComm, ScriptedAtFake::Callback(),
+                                    &CancelAT,  &RegisterHandler};
+    ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
+
+    const int argument = 42;
+    EXPECT_EQ(m_sublayer->StartCommunication(&argument), 17);
+    EXPECT_EQ(g_lower.startArgument, &argument);
+    EXPECT_EQ(m_sublayer->EndCommunication(), 18);
+    EXPECT_EQ(m_sublayer->RestartCommunication(), 19);
+    m_sublayer->CancelCurATExecution();
+    EXPECT_EQ(g_lower.cancels, 1);
+}
+
+TEST_F(AtSublayerTest, RegisterLowerCBsHandsTheDecoderToTheHost) {
+    TInterfaceAtSublayerLower lower;
+    lower.pfnRegisterReportHandler = &RegisterHandler;
+    ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
+    EXPECT_EQ(g_lower.handler, &ATSublayer_HandleReport);
+    EXPECT_EQ(g_lower.handlerContext, static_cast<void*>(m_sublayer));
+
+    // The host feeds a line through what it was given.
+    m_sublayer->RegisterReportCallback(&RecordReport, &m_reports);
+    g_lower.handler(g_lower.handlerContext, "+STIN: 11");
+    ASSERT_EQ(m_reports.size(), 1u);
+    EXPECT_EQ(m_reports[0].code, ATS_REPORT_STK);
+    EXPECT_EQ(m_reports[0].text, "+STIN: 11");
+}
+
+TEST_F(AtSublayerTest, RegisterLowerCBsHandsExecATToEveryFamily) {
+    auto& sublayer = static_cast<CAtSublayer&>(*m_sublayer);
+    for (ExecATCallback callback : AtSublayerTestAccess::FamilyCallbacks(sublayer))
+        EXPECT_EQ(callback, nullptr);
+
+    TInterfaceAtSublayerLower lower;
+    lower.pfnExecAT = ScriptedAtFake::Callback();
+    ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
+    const std::vector<ExecATCallback> callbacks = AtSublayerTestAccess::FamilyCallbacks(sublayer);
+    ASSERT_EQ(callbacks.size(), 9u);
+    for (std::size_t family = 0; family < callbacks.size(); ++family)
+        EXPECT_EQ(callbacks[family], ScriptedAtFake::Callback()) << "family #" << family;
+}
+
+// One operation per family. Until a family is built its operations answer 1 and send nothing; drop its
+// row when it is.
+TEST_F(AtSublayerTest, UnbuiltFamiliesReturnOne) {
+    ScriptedAtFake fake; // no steps: any command fails the test
+    TInterfaceAtSublayerLower lower;
+    lower.pfnExecAT = ScriptedAtFake::Callback();
+    ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
+
+    TEquipmentInfo equipment;
+    TPbStorageInfo phonebook;
+    TSmsStorageState sms;
+    std::list<TCallItemState> calls;
+    std::string text;
+    int value = 0;
+    const std::vector<std::pair<const char*, std::function<int(TInterfaceAtSublayer&)>>> rows = {
+        {"system", [&](TInterfaceAtSublayer& s) { return s.SystemGetEquipmentInfo(equipment); }},
+        {"pin", [&](TInterfaceAtSublayer& s) { return s.PINCheckState(value); }},
+        {"network", [&](TInterfaceAtSublayer& s) { return s.NetworkGetRssiLevel(value); }},
+        {"phonebook", [&](TInterfaceAtSublayer& s) { return s.PBGetStorageInfo(phonebook); }},
+        {"sms", [&](TInterfaceAtSublayer& s) { return s.SMSGetStorageState(sms); }},
+        {"ussd", [&](TInterfaceAtSublayer& s) { return s.CheckUssdState(value); }},
+        {"call", [&](TInterfaceAtSublayer& s) { return s.CallCheckState(calls); }},
+        {"gps", [&](TInterfaceAtSublayer& s) { return s.GPSInit(); }},
+        {"toolkit", [&](TInterfaceAtSublayer& s) { return s.STKInit(text); }},
+    };
+    for (const auto& [family, operation] : rows)
+        EXPECT_EQ(operation(*m_sublayer), 1) << family;
+    EXPECT_TRUE(fake.Calls().empty());
+}
+
+TEST(AtSublayerInstance, DestroyClearsThePointerAndAcceptsNull) {
+    TInterfaceAtSublayer* sublayer = nullptr;
+    EXPECT_EQ(ATSubLayer_DestroyInstance(sublayer), 0);
+    EXPECT_EQ(sublayer, nullptr);
+
+    ASSERT_EQ(ATSubLayer_CreateInstance(sublayer), 0);
+    ASSERT_NE(dynamic_cast<CAtSublayer*>(sublayer), nullptr);
+    EXPECT_EQ(ATSubLayer_DestroyInstance(sublayer), 0);
+    EXPECT_EQ(sublayer, nullptr);
+}
+
+} // namespace

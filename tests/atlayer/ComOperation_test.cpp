@@ -1,0 +1,425 @@
+// The serial channel over a real pseudo-terminal pair: framing, final results, the text prompt,
+// unsolicited reports, time-outs, cancellation, reset and the port lock.
+#include "ComOperation.h"
+#include "DebugSink.h"
+#include "PtyPeer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <dirent.h>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <termios.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+struct Report {
+    int type;
+    std::string text;
+    bool operator==(const Report&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Report& report) {
+    return out << "{" << report.type << ", " << ::testing::PrintToString(report.text) << "}";
+}
+
+int CountOpenDescriptors() {
+    int count = 0;
+    if (DIR* dir = opendir("/proc/self/fd")) {
+        while (readdir(dir) != nullptr)
+            ++count;
+        closedir(dir);
+    }
+    return count;
+}
+
+const std::string kUntouched = "untouched";
+
+class ComOperationTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        _debug = std::tmpfile();
+        ASSERT_NE(_debug, nullptr);
+        _previousSink = GetDebugSink();
+        SetDebugSink(_debug);
+        Clean();
+        ASSERT_TRUE(peer.isOpen());
+        ASSERT_EQ(com->openCom(peer.slavePath().c_str()), 0);
+    }
+
+    void TearDown() override {
+        Clean();
+        SetDebugSink(_previousSink);
+        std::fclose(_debug);
+    }
+
+    // Leaves the channel closed, its queue empty and the time-out count at zero.
+    void Clean() {
+        com->reset();
+        TakeReports();
+        ComOperation::ResetTimeOutCount();
+    }
+
+    std::vector<Report> TakeReports() {
+        UnsolicitedReportList* list = nullptr;
+        com->getUnsoliciteReportList(list);
+        std::vector<Report> reports;
+        while (!list->empty()) {
+            reports.push_back({list->front()->nType, list->front()->strText});
+            delete list->front();
+            list->pop_front();
+        }
+        return reports;
+    }
+
+    size_t QueuedCount() {
+        UnsolicitedReportList* list = nullptr;
+        com->getUnsoliciteReportList(list);
+        return list->size();
+    }
+
+    std::string DebugText() {
+        std::string text;
+        char buffer[4096];
+        ssize_t n;
+        for (off_t offset = 0; (n = pread(fileno(_debug), buffer, sizeof(buffer), offset)) > 0; offset += n)
+            text.append(buffer, static_cast<size_t>(n));
+        return text;
+    }
+
+    PtyPeer peer;
+    ComOperation* com = ComOperation::GetInstance();
+
+private:
+    std::FILE* _debug = nullptr;
+    std::FILE* _previousSink = nullptr;
+};
+
+PtyPeer::Answer Pieces(std::initializer_list<std::string> texts, std::chrono::milliseconds gap = 20ms) {
+    PtyPeer::Answer answer;
+    for (const std::string& text : texts)
+        answer.push_back({answer.empty() ? 0ms : gap, text});
+    return answer;
+}
+
+struct AnswerCase {
+    const char* name;
+    PtyPeer::Answer answer;
+    std::string response;
+};
+
+TEST_F(ComOperationTest, CollectsAnAnswerUntilAFinalResult) {
+    const AnswerCase cases[] = {
+        {"whole answer at once", Pieces({"\r\nOK\r\n"}), "\r\nOK\r\n"},
+        {"split inside a line and inside OK", Pieces({"\r\n+CSQ: 2", "3,99\r\n", "\r\nO", "K\r\n"}),
+         "\r\n+CSQ: 23,99\r\n\r\nOK\r\n"},
+        {"split between CR and LF", Pieces({"\r\n+CGMI: VEL\r", "\n", "\r\nOK\r", "\n"}),
+         "\r\n+CGMI: VEL\r\n\r\nOK\r\n"},
+        {"CME error", Pieces({"\r\n+CME ERROR: 10\r\n"}), "\r\n+CME ERROR: 10\r\n"},
+        {"CMS error after data", Pieces({"\r\n+CMGS: ", "\r\n+CMS ERROR: 500\r\n"}),
+         "\r\n+CMGS: \r\n+CMS ERROR: 500\r\n"},
+        {"plain error", Pieces({"\r\nERROR\r\n"}), "\r\nERROR\r\n"},
+        {"answer longer than one read",
+         Pieces({"\r\n+CMGL: " + std::string(6000, 'A') + "\r\n", "\r\nOK\r\n"}),
+         "\r\n+CMGL: " + std::string(6000, 'A') + "\r\n\r\nOK\r\n"},
+        {"a NUL ends the text of a read",
+         Pieces({"\r\n+CSQ: 9,99\r\n\r\nOK\r\n" + std::string(1, '\0') + "junk"}),
+         "\r\n+CSQ: 9,99\r\n\r\nOK\r\n"},
+    };
+    for (const AnswerCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        peer.expect("AT+CSQ\r", c.answer);
+        std::string response = kUntouched;
+        EXPECT_EQ(com->writeCom("AT+CSQ\r", "+CSQ: ", 5, response), 0);
+        EXPECT_EQ(response, c.response);
+        EXPECT_TRUE(peer.waitUntilIdle(2s));
+    }
+    EXPECT_EQ(peer.received().size(), std::size(cases));
+    EXPECT_TRUE(TakeReports().empty());
+}
+
+TEST_F(ComOperationTest, FinalResultInsideADataLineEndsTheCommandAtOnce) {
+    const char* const firstLines[] = {
+        "\r\n+COPS: 0,0,\"OK Mobile\",2\r\n",
+        "\r\n+CPBR: 1,\"5550100\",129,\"ERRORS desk\"\r\n",
+    };
+    for (const char* first : firstLines) {
+        SCOPED_TRACE(first);
+        peer.expect("AT+COPS?\r", Pieces({first, "\r\n+COPS: 1\r\n\r\nOK\r\n"}, 300ms));
+        std::string response;
+        EXPECT_EQ(com->writeCom("AT+COPS?\r", "+COPS: ", 5, response), 0);
+        EXPECT_EQ(response, first);
+        EXPECT_TRUE(peer.waitUntilIdle(2s));
+        ASSERT_EQ(com->openCom(peer.slavePath().c_str()), 0); // drops the rest of the answer
+    }
+}
+
+TEST_F(ComOperationTest, TextPromptEndsTheCommandWithoutALineEnd) {
+    peer.expect("AT+CMGS=23\r", "\r\n> ");
+    peer.expect("0011000B915121551532F40000AA0AE8329BFD4697D9EC37\x1a", "\r\n+CMGS: 7\r\n\r\nOK\r\n");
+    peer.expect("AT+CPBR=1\r", Pieces({"\r\n+CPBR: 1,\"a>b\"", ",129\r\n\r\nOK\r\n"}, 300ms));
+
+    std::string response;
+    EXPECT_EQ(com->writeCom("AT+CMGS=23\r", nullptr, 5, response), 0);
+    EXPECT_EQ(response, "\r\n> ");
+    EXPECT_EQ(com->writeCom("0011000B915121551532F40000AA0AE8329BFD4697D9EC37\x1a", "+CMGS: ", 5, response),
+              0);
+    EXPECT_EQ(response, "\r\n+CMGS: 7\r\n\r\nOK\r\n");
+    // Any '>' in a text without a line end counts as the prompt, even inside a data line.
+    EXPECT_EQ(com->writeCom("AT+CPBR=1\r", "+CPBR: ", 5, response), 0);
+    EXPECT_EQ(response, "\r\n+CPBR: 1,\"a>b\"");
+    EXPECT_NE(DebugText().find("need input text!!\n"), std::string::npos);
+}
+
+struct ReportCase {
+    const char* name;
+    std::string before; // unsolicited text already waiting in the tty
+    const char* command;
+    const char* expected;
+    PtyPeer::Answer answer;
+    std::string response;
+    std::vector<Report> reports;
+};
+
+TEST_F(ComOperationTest, CutsUnsolicitedReportsOutOfTheAnswer) {
+    const ReportCase cases[] = {
+        {"USSD: the first +CUSD is the command's own answer, the second a report",
+         "",
+         "AT+CUSD=1,\"*100#\",15\r",
+         "+CUSD: ",
+         Pieces({"\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\r\n+CUSD: 2,\"Bye\",15\r\n\r\nOK\r\n"}),
+         "\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\n\r\nOK\r\n",
+         {{UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 2,\"Bye\",15\r\n"}}},
+        {"queued by table order, not arrival order",
+         "",
+         "AT+CSQ\r",
+         "+CSQ: ",
+         Pieces({"\r\nRING\r\n\r\n+CSQ: 20,99\r\n\r\n+CMTI: \"SM\",4\r\n\r\nOK\r\n"}),
+         "\n\r\n+CSQ: 20,99\r\n\n\r\nOK\r\n",
+         {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",4\r\n"}, {UNSOLICITED_REPORT_RING, "\r\nRING\r\n"}}},
+        {"a report at the very start has no line start and is not queued",
+         "",
+         "AT\r",
+         nullptr,
+         Pieces({"+CMTI: \"SM\",5\r\n\r\nOK\r\n"}),
+         "+CMTI: \"SM\",5\r\n\r\nOK\r\n",
+         {}},
+        {"two adjacent reports: the second stays in the answer",
+         "",
+         "AT\r",
+         nullptr,
+         Pieces({"\r\n+CMTI: \"SM\",1\r\n\r\n+CMTI: \"SM\",2\r\n\r\nOK\r\n"}),
+         "\n\r\n+CMTI: \"SM\",2\r\n\r\nOK\r\n",
+         {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",1\r\n"}}},
+        {"a report waiting before the poll command is drawn out by it",
+         "\r\n+CDSI: \"SR\",3\r\n",
+         "at\r",
+         nullptr,
+         Pieces({"\r\nOK\r\n"}),
+         "\n\r\nOK\r\n",
+         {{UNSOLICITED_REPORT_CDSI, "\r\n+CDSI: \"SR\",3\r\n"}}},
+        {"the retry report is cut out and is no final result",
+         "",
+         "AT+CPMS?\r",
+         "+CPMS: ",
+         Pieces({"\r\n+CME ERROR: retry operation\r\n", "\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n"}, 100ms),
+         "\n\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n",
+         {{UNSOLICITED_REPORT_RETRY, "\r\n+CME ERROR: retry operation\r\n"}}},
+        {"toolkit indication",
+         "",
+         "AT\r",
+         nullptr,
+         Pieces({"\r\nOK\r\n\r\n+STIN: 1\r\n"}),
+         "\r\nOK\r\n\n",
+         {{UNSOLICITED_REPORT_STIN, "\r\n+STIN: 1\r\n"}}},
+    };
+    for (const ReportCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        if (!c.before.empty())
+            peer.writeUnsolicited(c.before);
+        peer.expect(c.command, c.answer);
+        std::string response;
+        EXPECT_EQ(com->writeCom(c.command, c.expected, 5, response), 0);
+        EXPECT_EQ(response, c.response);
+        EXPECT_EQ(TakeReports(), c.reports);
+        EXPECT_TRUE(peer.waitUntilIdle(2s));
+    }
+    const std::string debug = DebugText();
+    EXPECT_NE(debug.find("line prase error!!\n"), std::string::npos);
+    EXPECT_NE(debug.find("track here!!!\n"), std::string::npos);
+    EXPECT_NE(debug.find("now strData=\n\r\n+CSQ: 20,99\r\n\n\r\nOK\r\n"), std::string::npos);
+}
+
+TEST_F(ComOperationTest, TimesOutAfterTheLimitInTicks) {
+    struct {
+        int32_t seconds;
+        std::chrono::milliseconds atLeast;
+        std::chrono::milliseconds below;
+    } const cases[] = {
+        {0, 0ms, 500ms},
+        {1, 1000ms, 2500ms},
+    };
+    peer.setHandler([](const std::string&) { return PtyPeer::Answer{}; });
+    int32_t count = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.seconds);
+        std::string response = kUntouched;
+        const auto start = Clock::now();
+        EXPECT_EQ(com->writeCom("AT+COPS=?\r", "+COPS: ", c.seconds, response), 8);
+        const auto elapsed = Clock::now() - start;
+        EXPECT_GE(elapsed, c.atLeast);
+        EXPECT_LT(elapsed, c.below);
+        EXPECT_EQ(response, kUntouched);
+        EXPECT_EQ(ComOperation::GetTimeOutCount(), ++count);
+    }
+    EXPECT_NE(DebugText().find("---Time out---!!\n"), std::string::npos);
+}
+
+TEST_F(ComOperationTest, FortyFirstTimeOutReopensThePortAndCountsAgain) {
+    // The channel reopens by its stored path; a link of our own shows whether it really did.
+    char dirTemplate[] = "/tmp/dialtone-com-XXXXXX";
+    ASSERT_NE(mkdtemp(dirTemplate), nullptr);
+    const std::filesystem::path dir = dirTemplate;
+    const std::filesystem::path link = dir / "ttyModem";
+    std::filesystem::create_symlink(peer.slavePath(), link);
+    ASSERT_EQ(com->openCom(link.c_str()), 0);
+
+    peer.setHandler([](const std::string& command) {
+        return command == "AT+CNUM\r" ? Pieces({"\r\nRING\r\n\r\nOK\r\n"}) : PtyPeer::Answer{};
+    });
+    std::string response;
+    ASSERT_EQ(com->writeCom("AT+CNUM\r", nullptr, 5, response), 0);
+    ASSERT_EQ(QueuedCount(), 1u);
+
+    for (int i = 1; i <= 40; ++i)
+        ASSERT_EQ(com->writeCom("AT\r", nullptr, 0, response), 8);
+    EXPECT_EQ(ComOperation::GetTimeOutCount(), 40);
+    EXPECT_EQ(QueuedCount(), 1u);
+
+    EXPECT_EQ(com->writeCom("AT\r", nullptr, 0, response), 8);
+    EXPECT_EQ(ComOperation::GetTimeOutCount(), 0);
+    EXPECT_EQ(QueuedCount(), 0u); // the reopen empties the queue
+    EXPECT_EQ(com->writeCom("AT+CNUM\r", nullptr, 5, response), 0);
+    TakeReports();
+    EXPECT_EQ(com->writeCom("AT\r", nullptr, 0, response), 8);
+    EXPECT_EQ(ComOperation::GetTimeOutCount(), 1);
+
+    for (int i = 2; i <= 40; ++i)
+        ASSERT_EQ(com->writeCom("AT\r", nullptr, 0, response), 8);
+    std::filesystem::remove(link);
+    EXPECT_EQ(com->writeCom("AT\r", nullptr, 0, response), 8);
+    EXPECT_EQ(ComOperation::GetTimeOutCount(), 0);
+    EXPECT_EQ(com->writeCom("AT\r", nullptr, 5, response), 1) << "the port was closed, and reopening failed";
+    std::filesystem::remove_all(dir);
+}
+
+TEST_F(ComOperationTest, CancelFromAnotherThreadStopsTheCommand) {
+    peer.expect("AT+COPS=?\r", PtyPeer::Answer{});
+    peer.expect("AT\r", "\r\nOK\r\n");
+    std::thread canceller([&] {
+        if (peer.waitForCommands(1, 5s))
+            com->cancel();
+    });
+    std::string response = kUntouched;
+    const auto start = Clock::now();
+    EXPECT_EQ(com->writeCom("AT+COPS=?\r", "+COPS: ", 30, response), 9);
+    EXPECT_LT(Clock::now() - start, 5s);
+    canceller.join();
+    EXPECT_EQ(response, kUntouched);
+    EXPECT_NE(DebugText().find("---canceled---!!\n"), std::string::npos);
+
+    EXPECT_EQ(com->writeCom("AT\r", nullptr, 5, response), 0)
+        << "the flag is cleared by the command that saw it";
+    EXPECT_EQ(response, "\r\nOK\r\n");
+}
+
+TEST_F(ComOperationTest, PendingCancelStopsTheNextCommandAfterItsText) {
+    peer.expect("AT+CSQ\r", PtyPeer::Answer{});
+    peer.expect("AT\r", "\r\nOK\r\n");
+    peer.expect("AT+CGMM\r", "\r\nVEL HSPA Modem\r\n\r\nOK\r\n");
+
+    com->cancel();
+    std::string response = kUntouched;
+    EXPECT_EQ(com->writeCom("AT+CSQ\r", "+CSQ: ", 5, response), 9);
+    EXPECT_EQ(response, kUntouched);
+    EXPECT_TRUE(peer.waitForCommands(1, 2s)) << "the text is written before the flag is looked at";
+    EXPECT_EQ(com->writeCom("AT\r", nullptr, 5, response), 0);
+
+    // Opening the port drops a pending cancel.
+    com->cancel();
+    ASSERT_EQ(com->openCom(peer.slavePath().c_str()), 0);
+    EXPECT_EQ(com->writeCom("AT+CGMM\r", nullptr, 5, response), 0);
+    EXPECT_EQ(response, "\r\nVEL HSPA Modem\r\n\r\nOK\r\n");
+}
+
+TEST_F(ComOperationTest, ResetClosesThePortAndDeletesTheFirstHalfOfTheQueue) {
+    peer.expect("AT\r", "\r\nNO CARRIER\r\n\r\nRING\r\n\r\n+CUSD: 0,\"Hi\",15\r\n\r\n+CDSI: \"SR\",2\r\n"
+                        "\r\n+CMTI: \"SM\",1\r\n\r\nOK\r\n");
+    std::string response;
+    ASSERT_EQ(com->writeCom("AT\r", nullptr, 5, response), 0);
+    ASSERT_EQ(QueuedCount(), 5u);
+
+    com->reset();
+    const std::vector<Report> expected = {{UNSOLICITED_REPORT_RING, "\r\nRING\r\n"},
+                                          {UNSOLICITED_REPORT_NO_CARRIER, "\r\nNO CARRIER\r\n"}};
+    EXPECT_EQ(TakeReports(), expected);
+    EXPECT_EQ(com->writeCom("AT\r", nullptr, 5, response), 1);
+    const std::string debug = DebugText();
+    EXPECT_NE(debug.find("unsolicitedReport count\n: 5\nget 0 \nget 2 \nget 4 \n"), std::string::npos);
+}
+
+TEST_F(ComOperationTest, ClosedPortAndEmptyCommand) {
+    std::string response = kUntouched;
+    EXPECT_EQ(com->writeCom("", nullptr, 5, response), 6);
+    EXPECT_EQ(com->writeCom(nullptr, nullptr, 5, response), 6);
+    EXPECT_NE(DebugText().find("szCmd is NULL !!!!!!!\n"), std::string::npos);
+
+    EXPECT_EQ(com->closeCom(), 0);
+    EXPECT_EQ(com->closeCom(), 1);
+    EXPECT_EQ(com->writeCom("AT\r", nullptr, 5, response), 1);
+    EXPECT_EQ(response, kUntouched);
+    EXPECT_TRUE(peer.received().empty());
+}
+
+TEST_F(ComOperationTest, PortIsOpenedExclusively) {
+    const std::string path = peer.slavePath();
+    const int other = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_GE(other, 0);
+    EXPECT_NE(flock(other, LOCK_EX | LOCK_NB), 0) << "the channel holds the lock";
+
+    ASSERT_EQ(com->closeCom(), 0);
+    ASSERT_EQ(flock(other, LOCK_EX | LOCK_NB), 0);
+    const int descriptors = CountOpenDescriptors();
+    EXPECT_EQ(com->openCom(path.c_str()), 4);
+    EXPECT_EQ(CountOpenDescriptors(), descriptors) << "the refused descriptor is closed";
+    std::string response;
+    EXPECT_EQ(com->writeCom("AT\r", nullptr, 5, response), 1);
+    EXPECT_EQ(com->openCom("/nonexistent/ttyModem"), 4);
+
+    close(other);
+    EXPECT_EQ(com->openCom(path.c_str()), 0);
+}
+
+TEST_F(ComOperationTest, PortIsRawWithHardwareFlowControl) {
+    termios attributes{};
+    ASSERT_EQ(tcgetattr(peer.slaveFd(), &attributes), 0);
+    EXPECT_EQ(attributes.c_lflag & (ICANON | ECHO | ISIG | IEXTEN), 0u);
+    EXPECT_EQ(attributes.c_iflag & (ICRNL | IXON | INLCR | IGNCR), 0u);
+    EXPECT_EQ(attributes.c_oflag & OPOST, 0u);
+    EXPECT_EQ(attributes.c_cflag & CSIZE, static_cast<tcflag_t>(CS8));
+    EXPECT_EQ(attributes.c_cflag & (CREAD | CLOCAL | CRTSCTS),
+              static_cast<tcflag_t>(CREAD | CLOCAL | CRTSCTS));
+    EXPECT_NE(cfgetospeed(&attributes), static_cast<speed_t>(B0)) << "B0 would hang the modem up";
+    EXPECT_EQ(attributes.c_cc[VMIN], 1);
+    EXPECT_EQ(attributes.c_cc[VTIME], 0);
+}
+
+} // namespace

@@ -1,0 +1,126 @@
+#include <functional>
+#include <list>
+#include <string>
+
+#include <gtest/gtest-spi.h>
+#include <gtest/gtest.h>
+
+#include "ScriptedAtFake.h"
+
+namespace {
+
+const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
+
+struct Sent {
+    int result;
+    std::string response;
+};
+
+Sent Send(const char* command, const char* prefix = nullptr, int timeoutMs = 1000,
+          const std::list<std::string>& finals = kFinals) {
+    Sent sent{-1, "untouched"};
+    sent.result = ScriptedAtFake::Callback()(command, prefix, timeoutMs, finals, sent.response);
+    return sent;
+}
+
+TEST(ScriptedAtFake, AnswersTheScriptInOrderAndRecordsEveryCall) {
+    ScriptedAtFake fake;
+    fake.Expect("AT+CSQ\r", "\r\n+CSQ: 20,99\r\n\r\nOK\r\n")
+        .WithTimeout(1000)
+        .WithPrefix("+CSQ: ")
+        .WithFinals(kFinals);
+    fake.Expect("AT+CFUN=1\r").WithoutPrefix().WithTimeout(20000);
+    fake.ExpectFailure("AT+COPS=?\r", 2);
+
+    const Sent csq = Send("AT+CSQ\r", "+CSQ: ");
+    EXPECT_EQ(csq.result, 0);
+    EXPECT_EQ(csq.response, "\r\n+CSQ: 20,99\r\n\r\nOK\r\n");
+    EXPECT_EQ(fake.Remaining(), 2u);
+
+    const Sent cfun = Send("AT+CFUN=1\r", nullptr, 20000);
+    EXPECT_EQ(cfun.result, 0);
+    EXPECT_EQ(cfun.response, ScriptedAtFake::kOk);
+
+    const Sent cops = Send("AT+COPS=?\r", "+COPS: ", 180000);
+    EXPECT_EQ(cops.result, 2);
+    EXPECT_EQ(cops.response, "untouched"); // a failed exchange hands back nothing
+
+    EXPECT_TRUE(fake.Done());
+    EXPECT_EQ(fake.Commands(), (std::vector<std::string>{"AT+CSQ\r", "AT+CFUN=1\r", "AT+COPS=?\r"}));
+    ASSERT_EQ(fake.Calls().size(), 3u);
+    EXPECT_EQ(fake.Calls()[0].prefix, std::optional<std::string>("+CSQ: "));
+    EXPECT_EQ(fake.Calls()[1].prefix, std::nullopt);
+    EXPECT_EQ(fake.Calls()[2].timeoutMs, 180000);
+    EXPECT_EQ(fake.Calls()[2].finalResults, kFinals);
+}
+
+TEST(ScriptedAtFake, NewestFakeIsCurrentUntilItGoes) {
+    ScriptedAtFake outer;
+    outer.Expect("AT\r");
+    {
+        ScriptedAtFake inner;
+        inner.Expect("ATE0\r");
+        EXPECT_EQ(Send("ATE0\r").result, 0);
+    }
+    EXPECT_EQ(Send("AT\r").result, 0);
+}
+
+TEST(ScriptedAtFake, DeviationsFailTheTest) {
+    struct Row {
+        const char* name;
+        std::function<void(ScriptedAtFake&)> script;
+        std::function<void()> run;
+        const char* message;
+    };
+    const Row rows[] = {
+        {"other command", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); },
+         [] { EXPECT_EQ(Send("AT+CREG?\r").result, 1); },
+         "sent \"AT+CREG?\\r\", the script expects \"AT+CSQ\\r\""},
+        {"script used up", [](ScriptedAtFake&) {}, [] { EXPECT_EQ(Send("AT\r").result, 1); },
+         "sent after the script was used up"},
+        {"time limit", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithTimeout(1000); },
+         [] { Send("AT+CSQ\r", nullptr, 3000); }, "time limit 3000 ms, the script expects 1000 ms"},
+        {"missing prefix", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithPrefix("+CSQ: "); },
+         [] { Send("AT+CSQ\r"); }, "prefix null, the script expects \"+CSQ: \""},
+        {"unwanted prefix", [](ScriptedAtFake& f) { f.Expect("AT+CFUN=1\r").WithoutPrefix(); },
+         [] { Send("AT+CFUN=1\r", "+CFUN: "); }, "prefix \"+CFUN: \", the script expects null"},
+        {"final results",
+         [](ScriptedAtFake& f) {
+             f.Expect("AT+CMGS=20\r").WithFinals({">", "+CMS ERROR", "ERROR"});
+         },
+         [] { Send("AT+CMGS=20\r"); }, "the script expects {\">\", \"+CMS ERROR\", \"ERROR\"}"},
+        {"left over", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); }, [] { ScriptedAtFake::Callback(); },
+         "never sent: \"AT+CSQ\\r\""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        ScriptedAtFake fake;
+        row.script(fake);
+        EXPECT_NONFATAL_FAILURE(
+            {
+                row.run();
+                fake.VerifyDone();
+            },
+            row.message);
+    }
+}
+
+TEST(ScriptedAtFake, LeftoverStepsFailOnDestruction) {
+    EXPECT_NONFATAL_FAILURE(
+        {
+            ScriptedAtFake fake;
+            fake.Expect("AT+CGMI\r");
+        },
+        "1 scripted AT command(s) never sent");
+}
+
+TEST(ScriptedAtFake, CallWithoutFakeFails) {
+    EXPECT_NONFATAL_FAILURE(EXPECT_EQ(Send("AT\r").result, 1), "no ScriptedAtFake alive");
+}
+
+TEST(ScriptedAtFake, PrintableShowsControlBytes) {
+    EXPECT_EQ(ScriptedAtFake::Printable(std::string("0011\x1A\x1B\r\n\"\\", 10)),
+              "0011\\x1A\\x1B\\r\\n\\\"\\\\");
+}
+
+} // namespace
