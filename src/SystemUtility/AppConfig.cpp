@@ -1,0 +1,426 @@
+#include "AppConfig.h"
+
+#include "CNSLog.h"
+#include "ConvertUtilty.h"
+#include "PropertyList.h"
+#include "ResourceLocator.h"
+#include "UserDataFolder.h"
+
+#include <QFile>
+#include <QStringList>
+
+#include <utility>
+
+namespace {
+
+const QString kDefaultApnInfo = QStringLiteral("default APN info");
+const QString kIfSetDefault = QStringLiteral("if setDefault");
+const QString kDefaultIMSI = QStringLiteral("default IMSI");
+const QString kSMSValidityPeriod = QStringLiteral("SMS_VP");
+const QString kSoundConnect = QStringLiteral("SOUND_CONNECT");
+const QString kSoundDisconnect = QStringLiteral("SOUND_DISCONNECT");
+const QString kSoundSMSIncoming = QStringLiteral("SOUND_SMS_INCOMING");
+const QString kSMSDeliveryReport = QStringLiteral("SOUND_SMS_DELIVERY_REPORT");
+const QString kTrue = QStringLiteral("TRUE");
+
+// Predefined profile columns: account, MCC+MNC, dial number, user, password, APN, auth type, SPN,
+// (unused), DNS1, DNS2.
+constexpr int kProfileMinColumns = 7;
+constexpr int kColumnSPN = 7;
+constexpr int kColumnDNS1 = 9;
+constexpr int kColumnDNS2 = 10;
+
+QString filePath(const QString& folder, const QString& name) {
+    return QStringLiteral("%1/%2").arg(folder, name);
+}
+
+// Resource tables: lines separated by "\r\n", columns by a tab. A missing file has no lines.
+QStringList resourceLines(const QString& name) {
+    QFile file(ResourceLocator::resourcePath(name));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"));
+}
+
+// Two strings that are both present and equal (a missing value equals nothing).
+bool same(const QString& a, const QString& b) {
+    return !a.isNull() && !b.isNull() && a == b;
+}
+
+QVariantList toDictionaries(const QList<APNInfo>& list) {
+    QVariantList out;
+    out.reserve(list.size());
+    for (const APNInfo& item : list) {
+        out.append(item.toDictionary());
+    }
+    return out;
+}
+
+QList<APNInfo> fromDictionaries(const QVariantList& list) {
+    QList<APNInfo> out;
+    for (const QVariant& item : list) {
+        if (item.typeId() == QMetaType::QVariantMap) {
+            out.append(APNInfo::fromDictionary(item.toMap()));
+        }
+    }
+    return out;
+}
+
+} // namespace
+
+AppConfig::AppConfig() {
+    initFixApnList();
+    initUserApnList();
+    initPLMNList();
+    initSystemConfig();
+}
+
+QString AppConfig::getUserDataPath() {
+    return UserDataFolder::configPath();
+}
+
+void AppConfig::initSystemConfig() {
+    _strSystemConfigFilePath = filePath(getUserDataPath(), QStringLiteral("SystemConfig.plist"));
+    _dictSystemConfig = PropertyList::readMap(_strSystemConfigFilePath);
+    const QVariantMap marker = _dictSystemConfig.value(kDefaultApnInfo).toMap();
+    _defAPNInfo.isSetDefault =
+        marker.contains(kIfSetDefault) ? marker.value(kIfSetDefault).toString() : QString();
+    _defAPNInfo.defaultIMSI =
+        marker.contains(kDefaultIMSI) ? marker.value(kDefaultIMSI).toString() : QString();
+}
+
+void AppConfig::initFixApnList() {
+    _arrApnListFixed.clear();
+    const QStringList lines = resourceLines(QStringLiteral("PredefinedProfile"));
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        const QStringList columns = lines[i].split(QLatin1Char('\t'));
+        if (columns.size() < kProfileMinColumns) {
+            CNSLOG(2, "FixAPN list incorrect!! in %d lien", static_cast<int>(i));
+            continue;
+        }
+        APNInfo info;
+        info.strAccount = columns[0];
+        info.strMCCMNC = columns[1];
+        info.strDialNum = columns[2];
+        info.strUserName = columns[3];
+        info.strPassword = columns[4];
+        info.strApn = columns[5];
+        info.nAuthType = columns[6].trimmed().toInt();
+        // Lines of 7 to 10 columns lack the later ones: those stay absent.
+        info.strSPN = columns.value(kColumnSPN);
+        info.strDNS1 = columns.value(kColumnDNS1);
+        info.strDNS2 = columns.value(kColumnDNS2);
+        _arrApnListFixed.append(info);
+    }
+}
+
+void AppConfig::initUserApnList() {
+    const QString folder = getUserDataPath();
+    _strUserAPNListFilePath = filePath(folder, QStringLiteral("UserAPNList.plist"));
+    _strUserIMSIApnListFilePath = filePath(folder, QStringLiteral("UserIMSIAPNList.plist"));
+    _arrUserApnList = fromDictionaries(PropertyList::readList(_strUserAPNListFilePath));
+}
+
+void AppConfig::initPLMNList() {
+    _arrPLMNList.clear();
+    const QStringList lines = resourceLines(QStringLiteral("PLMN"));
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        const QStringList columns = lines[i].split(QLatin1Char('\t'));
+        if (columns.size() == 2) {
+            _arrPLMNList.append(
+                QVariantMap{{QStringLiteral("MCCMNC"), columns[0]}, {QStringLiteral("OP_NAME"), columns[1]}});
+        } else {
+            // An empty entry keeps the list aligned with the file's lines.
+            CNSLOG(2, "PLMN list incorrect!! in %d lien", static_cast<int>(i));
+            _arrPLMNList.append(QVariantMap());
+        }
+    }
+}
+
+QList<APNInfo> AppConfig::getFixApnByIMSI(const QString& imsi, const QString& spn) {
+    _strIMSIRetain = imsi;
+    const QVariantMap perSim = PropertyList::readMap(_strUserIMSIApnListFilePath);
+    const auto entry = perSim.constFind(imsi);
+    const bool hasEntry = !imsi.isNull() && entry != perSim.cend();
+
+    QList<APNInfo> result;
+    if (isSetDefaultUserApn() && isFromIMSI() && hasEntry) {
+        result = fromDictionaries(entry.value().toList());
+    } else {
+        if (isSetDefaultUserApn() && isFromIMSI()) {
+            // The SIM's default list is gone: forget the marker (the settings file keeps it).
+            _defAPNInfo.isSetDefault = QStringLiteral("FALSE");
+            _defAPNInfo.defaultIMSI = QStringLiteral("");
+        }
+        bool bySPN = false;
+        if (!spn.isEmpty()) {
+            QList<APNInfo> named;
+            for (const APNInfo& item : std::as_const(_arrApnListFixed)) {
+                if (same(item.strSPN, spn)) {
+                    named.append(item);
+                }
+            }
+            if (named.size() == 1) {
+                result = named;
+                bySPN = true;
+            } else if (named.size() > 1) {
+                // Several operators of that name: the one of this SIM's network, else none at all.
+                for (const APNInfo& item : std::as_const(named)) {
+                    if (!imsi.isNull() && imsi.startsWith(item.strMCCMNC)) {
+                        result.append(item);
+                        break;
+                    }
+                }
+                bySPN = true;
+            }
+        }
+        if (!bySPN) {
+            findApnItemByIMSI(imsi, &result);
+            if (result.size() > 1) {
+                // Several operators on one MCC+MNC: keep the network's own profiles.
+                result.removeIf([](const APNInfo& item) { return !item.strSPN.isEmpty(); });
+            }
+        }
+    }
+    _arrUserIMSIApnList = result;
+    writeUserIMSIApnListToFile();
+    return result;
+}
+
+int AppConfig::findApnItemByIMSI(const QString& imsi, QList<APNInfo>* result) const {
+    if (!result) {
+        return 0;
+    }
+    int found = 0;
+    for (const APNInfo& item : _arrApnListFixed) {
+        if (!imsi.isNull() && imsi.startsWith(item.strMCCMNC)) {
+            result->append(item);
+            ++found;
+        }
+    }
+    return found;
+}
+
+int AppConfig::writeUserApnListToFile() {
+    if (!PropertyList::write(_strUserAPNListFilePath, toDictionaries(_arrUserApnList))) {
+        CNSLOG(2, "file write error!!!");
+        return 1;
+    }
+    return 0;
+}
+
+int AppConfig::writeUserIMSIApnListToFile() {
+    if (_strIMSIRetain.isNull()) {
+        CNSLOG(2, "file write error!!!");
+        return 1;
+    }
+    QVariantMap perSim = PropertyList::readMap(_strUserIMSIApnListFilePath);
+    perSim.insert(_strIMSIRetain, toDictionaries(_arrUserIMSIApnList));
+    if (!PropertyList::write(_strUserIMSIApnListFilePath, perSim)) {
+        CNSLOG(2, "file write error!!!");
+        return 1;
+    }
+    return 0;
+}
+
+QList<APNInfo>* AppConfig::listForIndex(int index, int* inListIndex) {
+    if (index >= kIMSIListIndexBase) {
+        *inListIndex = index - kIMSIListIndexBase;
+        return &_arrUserIMSIApnList;
+    }
+    *inListIndex = index;
+    return &_arrUserApnList;
+}
+
+void AppConfig::saveUserAPNItem(int index, const APNInfo& item) {
+    int at = 0;
+    QList<APNInfo>* list = listForIndex(index, &at);
+    if (at < 0 || at >= list->size()) {
+        CNSLOG(2, "index is over max count nIndex = %d", index);
+    } else {
+        (*list)[at] = item;
+    }
+    if (list == &_arrUserIMSIApnList) {
+        writeUserIMSIApnListToFile();
+    } else {
+        writeUserApnListToFile();
+    }
+}
+
+void AppConfig::addUserAPNItem(const APNInfo& item) {
+    _arrUserApnList.append(item);
+    writeUserApnListToFile();
+}
+
+void AppConfig::deleteSingleUserApnItem(int index) {
+    if (index < 0 || index >= _arrUserApnList.size()) {
+        CNSLOG(2, "index is over max count nIndex = %d", index);
+        return;
+    }
+    _arrUserApnList.removeAt(index);
+    writeUserApnListToFile();
+}
+
+int AppConfig::deleteUserApnItems(const QList<APNInfo>& /*items*/) {
+    return 0;
+}
+
+bool AppConfig::isSetDefaultUserApn() const {
+    return _defAPNInfo.isSetDefault == kTrue && !_defAPNInfo.defaultIMSI.isNull() &&
+           (_defAPNInfo.defaultIMSI.isEmpty() || same(_defAPNInfo.defaultIMSI, _strIMSIRetain));
+}
+
+bool AppConfig::isFromIMSI() const {
+    return _defAPNInfo.isSetDefault == kTrue && !_defAPNInfo.defaultIMSI.isEmpty() &&
+           same(_defAPNInfo.defaultIMSI, _strIMSIRetain);
+}
+
+std::optional<APNInfo> AppConfig::getDefaultUserAPNItem() const {
+    if (!isSetDefaultUserApn() || _defAPNInfo.isSetDefault != kTrue) {
+        return std::nullopt;
+    }
+    if (!_defAPNInfo.defaultIMSI.isEmpty()) {
+        if (same(_defAPNInfo.defaultIMSI, _strIMSIRetain) && !_arrUserIMSIApnList.isEmpty()) {
+            return _arrUserIMSIApnList.first();
+        }
+        return std::nullopt;
+    }
+    if (_arrUserApnList.isEmpty()) {
+        return std::nullopt;
+    }
+    return _arrUserApnList.first();
+}
+
+void AppConfig::storeDefaultMarker() {
+    _dictSystemConfig.insert(kDefaultApnInfo, QVariantMap{{kIfSetDefault, _defAPNInfo.isSetDefault},
+                                                          {kDefaultIMSI, _defAPNInfo.defaultIMSI}});
+}
+
+int AppConfig::setDefaultUserApnItemsByIndex(int index) {
+    int at = 0;
+    QList<APNInfo>* list = listForIndex(index, &at);
+    if (list->isEmpty() || at < 0 || at >= list->size()) {
+        return 0;
+    }
+    if (list->size() > 1) {
+        list->swapItemsAt(0, at);
+    }
+    const bool perSim = list == &_arrUserIMSIApnList;
+    _defAPNInfo.isSetDefault = kTrue;
+    _defAPNInfo.defaultIMSI = perSim ? _strIMSIRetain : QStringLiteral("");
+    storeDefaultMarker();
+    if (perSim) {
+        writeUserIMSIApnListToFile();
+    }
+    writeUserApnListToFile();
+    writeSystemConfigToFile();
+    return 0;
+}
+
+int AppConfig::setDefaultUserApnItems(const APNInfo& item) {
+    const QList<APNInfo>& list = _arrUserApnList;
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (&list[i] == &item) {
+            return setDefaultUserApnItemsByIndex(static_cast<int>(i));
+        }
+    }
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (list[i] == item) {
+            return setDefaultUserApnItemsByIndex(static_cast<int>(i));
+        }
+    }
+    return 0;
+}
+
+int AppConfig::removeDefaultApnItems() {
+    _defAPNInfo.isSetDefault = QStringLiteral("FALSE");
+    _defAPNInfo.defaultIMSI = QStringLiteral("");
+    storeDefaultMarker();
+    writeSystemConfigToFile();
+    return 0;
+}
+
+void AppConfig::setSMSValidityPeriod(int validityPeriod) {
+    _dictSystemConfig.insert(kSMSValidityPeriod, validityPeriod);
+    writeSystemConfigToFile();
+}
+
+int AppConfig::getSMSValidityPeriod() const {
+    return _dictSystemConfig.value(kSMSValidityPeriod).toInt();
+}
+
+bool AppConfig::flag(const QString& key, bool defaultValue) {
+    const auto it = _dictSystemConfig.constFind(key);
+    if (it == _dictSystemConfig.cend()) {
+        _dictSystemConfig.insert(key, ConvertUtilty::BOOLToNSStringBOOL(defaultValue));
+        writeSystemConfigToFile();
+        return defaultValue;
+    }
+    return it.value().toString() != QLatin1String("FALSE");
+}
+
+void AppConfig::setFlag(const QString& key, bool value) {
+    _dictSystemConfig.insert(key, ConvertUtilty::BOOLToNSStringBOOL(value));
+    writeSystemConfigToFile();
+}
+
+void AppConfig::setConnectSoundEnable(bool enable) {
+    setFlag(kSoundConnect, enable);
+}
+
+void AppConfig::setDisconnectSoundEnable(bool enable) {
+    setFlag(kSoundDisconnect, enable);
+}
+
+void AppConfig::setSMSIncomingSoundEnable(bool enable) {
+    setFlag(kSoundSMSIncoming, enable);
+}
+
+void AppConfig::setSMSDeliveryReportEnable(bool enable) {
+    setFlag(kSMSDeliveryReport, enable);
+}
+
+bool AppConfig::getConnectSoundEnable() {
+    return flag(kSoundConnect, true);
+}
+
+bool AppConfig::getDisconnectSoundEnable() {
+    return flag(kSoundDisconnect, true);
+}
+
+bool AppConfig::getSMSIncomingSoundEnable() {
+    return flag(kSoundSMSIncoming, true);
+}
+
+bool AppConfig::getSMSDeliveryReportEnable() {
+    return flag(kSMSDeliveryReport, false);
+}
+
+int AppConfig::writeSystemConfigToFile() {
+    if (!PropertyList::write(_strSystemConfigFilePath, _dictSystemConfig)) {
+        CNSLOG(2, "config file write error!!!");
+        return 1;
+    }
+    return 0;
+}
+
+bool AppConfig::saveConfigObject(const QVariant& value, const QString& key) {
+    _dictSystemConfig.insert(key, value);
+    return writeSystemConfigToFile() == 0;
+}
+
+QVariant AppConfig::getConfigObjectByKey(const QString& key) const {
+    return _dictSystemConfig.value(key);
+}
+
+QString AppConfig::getOperatorNameByNumeric(const QString& numeric) const {
+    for (const QVariant& row : _arrPLMNList) {
+        const QVariantMap entry = row.toMap();
+        const auto code = entry.constFind(QStringLiteral("MCCMNC"));
+        if (code != entry.cend() && same(code.value().toString(), numeric)) {
+            return entry.value(QStringLiteral("OP_NAME")).toString();
+        }
+    }
+    return QStringLiteral("");
+}

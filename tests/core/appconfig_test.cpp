@@ -1,0 +1,350 @@
+#include "AppConfig.h"
+#include "PropertyList.h"
+#include "TempHome.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+// Columns: account, MCC+MNC, dial number, user, password, APN, auth, SPN, unused, DNS1, DNS2.
+const QByteArray kProfiles = "Net A\t20801\t*99#\t\t\torange.fr\t0\t\t\t\t\r\n"
+                             "Reseller Y\t20801\t*99#\t\t\tres.y\t1\tY\t\t\t\r\n"
+                             "X one\t26201\t*99#\t\t\tx1\t0\tX\t\t\t\r\n"
+                             "X two\t26202\t*99#\t\t\tx2\t0\tX\t\t\t\r\n"
+                             "Solo\t23415\t*99#\tweb\tsecret\tsolo.apn\t2\tSOLO\t\t8.8.8.8\t8.8.4.4\r\n"
+                             "Plain\t310260\t*99#\t\t\tfast\t0\t\t\t1.1.1.1\t\r\n"
+                             "Three 1\t46000\t*99#\t\t\tcmnet\t0\r\n"
+                             "Three 2\t46000\t*99#\t\t\tcmwap\t0\t\r\n"
+                             "Three 3\t46000\t*99#\t\t\tcmiot\t0\t\t\r\n"
+                             "broken\t46000\t*99#\r\n"
+                             "Plain 2\t310260\t*99#\t\t\tslow\t0\t\t\t\t";
+const QByteArray kPlmn = "20801\tOrange\r\n26201\tTelekom\r\nno name here\r\n23415\tVodafone UK";
+
+std::vector<std::string> accounts(const QList<APNInfo>& list) {
+    std::vector<std::string> out;
+    for (const APNInfo& item : list) {
+        out.push_back(item.strAccount.toStdString());
+    }
+    return out;
+}
+
+std::vector<std::string> storedAccounts(const TempHome& home, const QString& imsi) {
+    std::vector<std::string> out;
+    const QVariantMap perSim = PropertyList::readMap(home.userFile("UserIMSIAPNList.plist"));
+    for (const QVariant& item : perSim.value(imsi).toList()) {
+        out.push_back(item.toMap().value("ACCOUNT").toString().toStdString());
+    }
+    return out;
+}
+
+APNInfo profile(const QString& account, const QString& apn) {
+    APNInfo info;
+    info.strAccount = account;
+    info.strApn = apn;
+    info.strDialNum = "*99#";
+    return info;
+}
+
+TEST(AppConfig, FirstRunWritesTheFlagDefaults) {
+    TempHome home;
+    AppConfig config;
+    EXPECT_TRUE(config.getUserApnList().isEmpty());
+    EXPECT_TRUE(config.getUserIMSIApnList().isEmpty());
+    EXPECT_FALSE(config.getDefaultUserAPNItem());
+    EXPECT_EQ(config.getSMSValidityPeriod(), 0);
+    EXPECT_FALSE(QFileInfo::exists(home.userFile("SystemConfig.plist")));
+
+    EXPECT_TRUE(config.getConnectSoundEnable());
+    EXPECT_TRUE(config.getDisconnectSoundEnable());
+    EXPECT_TRUE(config.getSMSIncomingSoundEnable());
+    EXPECT_FALSE(config.getSMSDeliveryReportEnable());
+    const QVariantMap stored = PropertyList::readMap(home.userFile("SystemConfig.plist"));
+    EXPECT_EQ(stored, (QVariantMap{{"SOUND_CONNECT", "TRUE"},
+                                   {"SOUND_DISCONNECT", "TRUE"},
+                                   {"SOUND_SMS_INCOMING", "TRUE"},
+                                   {"SOUND_SMS_DELIVERY_REPORT", "FALSE"}}));
+
+    config.setConnectSoundEnable(false);
+    config.setSMSDeliveryReportEnable(true);
+    config.setSMSValidityPeriod(167);
+    AppConfig again;
+    EXPECT_FALSE(again.getConnectSoundEnable());
+    EXPECT_TRUE(again.getSMSDeliveryReportEnable());
+    EXPECT_EQ(again.getSMSValidityPeriod(), 167);
+    // Only the exact text "FALSE" turns a flag off.
+    EXPECT_TRUE(again.saveConfigObject("false", "SOUND_DISCONNECT"));
+    EXPECT_TRUE(again.getDisconnectSoundEnable());
+}
+
+TEST(AppConfig, ReadsThePredefinedProfilesAndThePlmnTable) {
+    TempHome home;
+    const QString log = home.openLog();
+    home.useResources(kProfiles + "\r\n", kPlmn + "\r\n");
+    AppConfig config;
+
+    // Short lines are skipped (the trailing "\r\n" makes an empty last line); lines of 7 to 10 columns
+    // keep their later fields absent.
+    ASSERT_EQ(accounts(config.fixedApnList()),
+              (std::vector<std::string>{"Net A", "Reseller Y", "X one", "X two", "Solo", "Plain", "Three 1",
+                                        "Three 2", "Three 3", "Plain 2"}));
+    const APNInfo& solo = config.fixedApnList()[4];
+    EXPECT_EQ(solo.strMCCMNC, "23415");
+    EXPECT_EQ(solo.strDialNum, "*99#");
+    EXPECT_EQ(solo.strUserName, "web");
+    EXPECT_EQ(solo.strPassword, "secret");
+    EXPECT_EQ(solo.strApn, "solo.apn");
+    EXPECT_EQ(solo.nAuthType, 2);
+    EXPECT_EQ(solo.strSPN, "SOLO");
+    EXPECT_EQ(solo.strDNS1, "8.8.8.8");
+    EXPECT_EQ(solo.strDNS2, "8.8.4.4");
+    const APNInfo& seven = config.fixedApnList()[6];
+    EXPECT_TRUE(seven.strSPN.isNull());
+    EXPECT_TRUE(seven.strDNS1.isNull());
+    EXPECT_EQ(config.fixedApnList()[7].strSPN, "");
+    EXPECT_TRUE(config.fixedApnList()[7].strDNS2.isNull());
+
+    // The PLMN table keeps an empty entry for each bad line, the empty last line included.
+    ASSERT_EQ(config.plmnList().size(), 5);
+    EXPECT_TRUE(config.plmnList()[2].toMap().isEmpty());
+    EXPECT_TRUE(config.plmnList()[4].toMap().isEmpty());
+    EXPECT_EQ(config.getOperatorNameByNumeric("23415"), "Vodafone UK");
+    EXPECT_EQ(config.getOperatorNameByNumeric("20801"), "Orange");
+    EXPECT_EQ(config.getOperatorNameByNumeric("2080"), "");
+    EXPECT_EQ(config.getOperatorNameByNumeric(""), "");
+
+    const QString text = QString::fromUtf8(TempHome::readFile(log));
+    EXPECT_TRUE(text.contains("[-CNSLOG_ERROR-]: AppConfig.cpp:")) << text.toStdString();
+    EXPECT_TRUE(text.contains("-->>: FixAPN list incorrect!! in 9 lien\n"));
+    EXPECT_TRUE(text.contains("-->>: FixAPN list incorrect!! in 11 lien\n"));
+    EXPECT_TRUE(text.contains("-->>: PLMN list incorrect!! in 2 lien\n"));
+    EXPECT_TRUE(text.contains("-->>: PLMN list incorrect!! in 4 lien\n"));
+}
+
+TEST(AppConfig, MissingResourcesGiveEmptyTables) {
+    TempHome home;
+    setenv("DIALTONE_RESOURCE_DIR", (home.path() + "/nowhere").toLocal8Bit().constData(), 1);
+    AppConfig config;
+    EXPECT_TRUE(config.fixedApnList().isEmpty());
+    EXPECT_TRUE(config.plmnList().isEmpty());
+    EXPECT_TRUE(config.getFixApnByIMSI("208011234567890", "Y").isEmpty());
+}
+
+TEST(AppConfig, ChoosesTheProfilesForASim) {
+    const struct {
+        const char* imsi;
+        const char* spn; // nullptr: the SIM has none
+        std::vector<std::string> chosen;
+    } rows[] = {
+        {"208011234567890", "Y", {"Reseller Y"}}, // one SPN match, taken as it is
+        {"234151234567890", "Y", {"Reseller Y"}}, // ... even on another network
+        {"262021234567890", "X", {"X two"}},      // two SPN matches: the one of this network
+        {"234151234567890", "X", {}},             // two SPN matches, none of this network: nothing
+        {"208011234567890", "", {"Net A"}},       // prefix: the SPN profile is dropped
+        {"208011234567890", nullptr, {"Net A"}},
+        {"208011234567890", "Unknown", {"Net A"}}, // an SPN not in the table: prefix matching
+        {"262011234567890", "", {"X one"}},        // a single prefix match keeps its SPN
+        {"234151234567890", "", {"Solo"}},
+        {"310260123456789", "", {"Plain", "Plain 2"}},
+        {"460001234567890", "", {"Three 1", "Three 2", "Three 3"}},
+        {"404451234567890", "", {}}, // no profile for this network
+        {"2080", "", {}},            // shorter than the code
+    };
+    for (const auto& row : rows) {
+        TempHome home;
+        home.useResources(kProfiles, kPlmn);
+        AppConfig config;
+        const QString spn = row.spn ? QString(row.spn) : QString();
+        const QList<APNInfo> chosen = config.getFixApnByIMSI(row.imsi, spn);
+        EXPECT_EQ(accounts(chosen), row.chosen) << row.imsi << " " << (row.spn ? row.spn : "(none)");
+        EXPECT_EQ(accounts(config.getUserIMSIApnList()), row.chosen) << row.imsi;
+        EXPECT_EQ(storedAccounts(home, row.imsi), row.chosen) << row.imsi;
+        EXPECT_EQ(config.currentIMSI(), row.imsi);
+    }
+}
+
+TEST(AppConfig, PerSimListsAreStoredWithoutSpnAndDns) {
+    TempHome home;
+    home.useResources(kProfiles, kPlmn);
+    {
+        AppConfig config;
+        config.getFixApnByIMSI("234151234567890", "");
+        config.getFixApnByIMSI("208011234567890", "");
+    }
+    const QVariantMap perSim = PropertyList::readMap(home.userFile("UserIMSIAPNList.plist"));
+    EXPECT_EQ(perSim.keys(), (QStringList{"208011234567890", "234151234567890"})); // both SIMs kept
+    const QVariantMap solo = perSim.value("234151234567890").toList().value(0).toMap();
+    EXPECT_EQ(solo, (QVariantMap{{"ACCOUNT", "Solo"},
+                                 {"MCCMNC", "23415"},
+                                 {"DIALNUM", "*99#"},
+                                 {"USER_NAME", "web"},
+                                 {"KEY_PASSWORD", "secret"},
+                                 {"APN", "solo.apn"},
+                                 {"AUTHTYPE", 2},
+                                 {"PROXY", ""}}));
+}
+
+TEST(AppConfig, DefaultProfileFollowsItsSim) {
+    TempHome home;
+    home.useResources(kProfiles, kPlmn);
+    const QString simA = "460001234567890";
+    const QString simB = "208011234567890";
+    {
+        AppConfig config;
+        config.getFixApnByIMSI(simA, "");
+        EXPECT_EQ(config.setDefaultUserApnItemsByIndex(90002), 0);
+        EXPECT_EQ(accounts(config.getUserIMSIApnList()),
+                  (std::vector<std::string>{"Three 3", "Three 2", "Three 1"}));
+        EXPECT_TRUE(config.isSetDefaultUserApn());
+        EXPECT_TRUE(config.isFromIMSI());
+        ASSERT_TRUE(config.getDefaultUserAPNItem());
+        EXPECT_EQ(config.getDefaultUserAPNItem()->strAccount, "Three 3");
+        EXPECT_EQ(PropertyList::readMap(home.userFile("SystemConfig.plist")).value("default APN info"),
+                  (QVariantMap{{"if setDefault", "TRUE"}, {"default IMSI", simA}}));
+
+        // Another SIM: the default does not count.
+        config.getFixApnByIMSI(simB, "");
+        EXPECT_FALSE(config.isSetDefaultUserApn());
+        EXPECT_FALSE(config.isFromIMSI());
+        EXPECT_FALSE(config.getDefaultUserAPNItem());
+    }
+    {
+        // After a restart with SIM A: its stored list, default first.
+        AppConfig config;
+        EXPECT_EQ(accounts(config.getFixApnByIMSI(simA, "")),
+                  (std::vector<std::string>{"Three 3", "Three 2", "Three 1"}));
+        ASSERT_TRUE(config.getDefaultUserAPNItem());
+        EXPECT_EQ(config.getDefaultUserAPNItem()->strAccount, "Three 3");
+    }
+    {
+        // The per-SIM lists are gone: the default is forgotten in memory, the settings file keeps it.
+        QFile::remove(home.userFile("UserIMSIAPNList.plist"));
+        AppConfig config;
+        EXPECT_EQ(accounts(config.getFixApnByIMSI(simA, "")),
+                  (std::vector<std::string>{"Three 1", "Three 2", "Three 3"}));
+        EXPECT_FALSE(config.isSetDefaultUserApn());
+        EXPECT_FALSE(config.getDefaultUserAPNItem());
+        EXPECT_EQ(PropertyList::readMap(home.userFile("SystemConfig.plist"))
+                      .value("default APN info")
+                      .toMap()
+                      .value("default IMSI"),
+                  simA);
+    }
+    {
+        // A default in the user list holds for every SIM, until it is removed.
+        AppConfig config;
+        config.addUserAPNItem(profile("Home", "home.apn"));
+        config.addUserAPNItem(profile("Work", "work.apn"));
+        config.getFixApnByIMSI(simB, "");
+        EXPECT_EQ(config.setDefaultUserApnItems(config.getUserApnList()[1]), 0);
+        EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Work", "Home"}));
+        config.getFixApnByIMSI(simA, "");
+        EXPECT_TRUE(config.isSetDefaultUserApn());
+        EXPECT_FALSE(config.isFromIMSI());
+        ASSERT_TRUE(config.getDefaultUserAPNItem());
+        EXPECT_EQ(config.getDefaultUserAPNItem()->strAccount, "Work");
+        EXPECT_EQ(
+            PropertyList::readList(home.userFile("UserAPNList.plist")).value(0).toMap().value("ACCOUNT"),
+            "Work");
+
+        // A profile that is not in the list changes nothing.
+        config.setDefaultUserApnItems(profile("Elsewhere", "x"));
+        EXPECT_EQ(config.getDefaultUserAPNItem()->strAccount, "Work");
+
+        config.removeDefaultApnItems();
+        EXPECT_FALSE(config.getDefaultUserAPNItem());
+        EXPECT_EQ(PropertyList::readMap(home.userFile("SystemConfig.plist")).value("default APN info"),
+                  (QVariantMap{{"if setDefault", "FALSE"}, {"default IMSI", ""}}));
+    }
+}
+
+TEST(AppConfig, OneIndexAddressesBothLists) {
+    TempHome home;
+    const QString log = home.openLog();
+    home.useResources(kProfiles, kPlmn);
+    AppConfig config;
+    config.addUserAPNItem(profile("Home", "home.apn"));
+    config.addUserAPNItem(profile("Work", "work.apn"));
+    config.getFixApnByIMSI("460001234567890", "");
+
+    config.saveUserAPNItem(90002, profile("Edited", "edited.apn"));
+    EXPECT_EQ(accounts(config.getUserIMSIApnList()),
+              (std::vector<std::string>{"Three 1", "Three 2", "Edited"}));
+    EXPECT_EQ(storedAccounts(home, "460001234567890"),
+              (std::vector<std::string>{"Three 1", "Three 2", "Edited"}));
+    config.saveUserAPNItem(1, profile("Office", "office.apn"));
+    EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Home", "Office"}));
+
+    // An index equal to the count (or beyond, or negative) addresses nothing; the file is still written.
+    QFile::remove(home.userFile("UserAPNList.plist"));
+    QFile::remove(home.userFile("UserIMSIAPNList.plist"));
+    for (int index : {2, 3, -1, 90003, 90004}) {
+        config.saveUserAPNItem(index, profile("Bad", "bad.apn"));
+        EXPECT_EQ(config.setDefaultUserApnItemsByIndex(index), 0);
+    }
+    EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Home", "Office"}));
+    EXPECT_EQ(accounts(config.getUserIMSIApnList()),
+              (std::vector<std::string>{"Three 1", "Three 2", "Edited"}));
+    EXPECT_FALSE(config.isSetDefaultUserApn());
+    EXPECT_EQ(PropertyList::readList(home.userFile("UserAPNList.plist")).size(), 2);
+    EXPECT_EQ(storedAccounts(home, "460001234567890").size(), 3u);
+    const QString text = QString::fromUtf8(TempHome::readFile(log));
+    EXPECT_TRUE(text.contains("-->>: index is over max count nIndex = 2\n"));
+    EXPECT_TRUE(text.contains("-->>: index is over max count nIndex = 90003\n"));
+
+    config.deleteSingleUserApnItem(2);
+    config.deleteSingleUserApnItem(0);
+    EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Office"}));
+    EXPECT_EQ(config.deleteUserApnItems(config.getUserApnList()), 0);
+    EXPECT_EQ(AppConfig().getUserApnList().size(), 1);
+}
+
+TEST(AppConfig, CorruptFilesReadAsEmpty) {
+    TempHome home;
+    QDir().mkpath(home.userData());
+    TempHome::writeFile(home.userFile("SystemConfig.plist"),
+                        "<?xml version=\"1.0\"?><plist><dict><key>SOUND_");
+    TempHome::writeFile(home.userFile("UserAPNList.plist"), QByteArray("bplist00\x01\x02", 10));
+    TempHome::writeFile(home.userFile("UserIMSIAPNList.plist"), "garbage");
+    AppConfig config;
+    EXPECT_TRUE(config.getUserApnList().isEmpty());
+    EXPECT_FALSE(config.getSMSDeliveryReportEnable());
+    EXPECT_EQ(PropertyList::readMap(home.userFile("SystemConfig.plist")).value("SOUND_SMS_DELIVERY_REPORT"),
+              "FALSE");
+    config.addUserAPNItem(profile("Home", "home.apn"));
+    EXPECT_EQ(AppConfig().getUserApnList().size(), 1);
+}
+
+TEST(AppConfig, FailedWritesAreLoggedAndMemoryKept) {
+    TempHome home;
+    const QString log = home.openLog();
+    // Folders in place of the files make every write fail, also for root.
+    for (const char* name : {"SystemConfig.plist", "UserAPNList.plist", "UserIMSIAPNList.plist"}) {
+        QDir().mkpath(home.userFile(name));
+    }
+    AppConfig config;
+    config.setConnectSoundEnable(false);
+    EXPECT_FALSE(config.getConnectSoundEnable());
+    EXPECT_FALSE(config.saveConfigObject(5, "SMS_VP"));
+    EXPECT_EQ(config.getSMSValidityPeriod(), 5);
+    config.addUserAPNItem(profile("Home", "home.apn"));
+    EXPECT_EQ(config.getUserApnList().size(), 1);
+    EXPECT_EQ(config.writeUserApnListToFile(), 1);
+    config.getFixApnByIMSI("460001234567890", "");
+    EXPECT_EQ(config.writeUserIMSIApnListToFile(), 1);
+
+    const QString text = QString::fromUtf8(TempHome::readFile(log));
+    EXPECT_TRUE(text.contains("[-CNSLOG_ERROR-]: AppConfig.cpp:"));
+    EXPECT_TRUE(text.contains("AppConfig::writeSystemConfigToFile VER:"));
+    EXPECT_TRUE(text.contains("-->>: config file write error!!!\n"));
+    EXPECT_TRUE(text.contains("AppConfig::writeUserApnListToFile VER:"));
+    EXPECT_TRUE(text.contains("AppConfig::writeUserIMSIApnListToFile VER:"));
+    EXPECT_TRUE(text.contains("-->>: file write error!!!\n"));
+}
+
+} // namespace

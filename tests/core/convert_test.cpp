@@ -1,0 +1,190 @@
+#include "ConvertUtilty.h"
+
+#include <QTimeZone>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+TEST(ConvertUtilty, ByteSizesAtTheThresholds) {
+    const struct {
+        quint64 bytes;
+        const char* text;
+    } rows[] = {
+        {0, "0 "},
+        {1023, "1023 "},
+        {1024, "1.0 K"},
+        {1536, "1.5 K"},
+        {1048575, "1024.0 K"},
+        {1048576, "1.0 M"},
+        {1073741823, "1024.0 M"},
+        {1073741824, "1.000 G"},
+        {5ULL * 1073741824 + 536870912, "5.500 G"},
+        {~0ULL, "17179869184.000 G"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(ConvertUtilty::byte2String(row.bytes).toStdString(), row.text) << row.bytes;
+        EXPECT_EQ(ConvertUtilty::byte2bString(row.bytes).toStdString(), row.text) << row.bytes;
+    }
+    EXPECT_EQ(ConvertUtilty::byte2KB(2047), 1.0);
+    EXPECT_EQ(ConvertUtilty::byte2KB(1048576), 1024.0);
+}
+
+TEST(ConvertUtilty, Durations) {
+    const struct {
+        unsigned int seconds;
+        const char* text;
+    } rows[] = {
+        {0, "00:00:00"},
+        {59, "00:00:59"},
+        {3661, "01:01:01"},
+        {98 * 3600 + 59 * 60 + 59, "98:59:59"},
+        {356400, "99:00:00"},
+        {100 * 3600 + 5, "100:00:05"},
+        {4294967295u, "1193046:28:15"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(ConvertUtilty::secondToTimeFormat(row.seconds).toStdString(), row.text) << row.seconds;
+    }
+}
+
+TEST(ConvertUtilty, TelephoneNumbers) {
+    const struct {
+        const char* text;
+        bool number;
+    } rows[] = {
+        {"+4917012345678", true}, // plus and 13 digits
+        {"12345678901234567890", true},
+        {"123456789012345678901", false}, // 21 digits
+        {"", false},
+        {"+", true},
+        {"0049+170", false},
+        {"++49", false},
+        {"0170 123", false},
+        {"*100#", false},
+        {"\xd9\xa1\xd9\xa2", false}, // Arabic-Indic digits are not dialled
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(ConvertUtilty::isTelNumerString(QString::fromUtf8(row.text)), row.number) << row.text;
+    }
+}
+
+TEST(ConvertUtilty, StateTexts) {
+    const char* service[] = {"GSM", "GSMCOMPACT", "UMTS", "", ""};
+    const char* bearer[] = {"", "GPRS", "EDGE", "UMTS", "HSDPA", "HSPA", "HSUPA", ""};
+    const char* state[] = {"", "Available", "Current", "Forbidden", ""};
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(ConvertUtilty::NetworkServiceToString(i).toStdString(), service[i]) << i;
+        EXPECT_EQ(ConvertUtilty::NetworkStateToString(i).toStdString(), state[i]) << i;
+    }
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(ConvertUtilty::BearerStateToString(i).toStdString(), bearer[i]) << i;
+    }
+    EXPECT_EQ(ConvertUtilty::BearerStateToString(-1), "");
+    EXPECT_EQ(ConvertUtilty::NetworkServiceToString(-1), "");
+}
+
+TEST(ConvertUtilty, Replacement) {
+    const struct {
+        const char* text;
+        const char* pattern;
+        const char* replacement;
+        const char* all;
+        const char* first;
+    } rows[] = {
+        {"My%20APN%20name", "%20", " ", "My APN name", "My APN%20name"},
+        {"2024-05-01 10:00:00 -0500", "-", "/", "2024/05/01 10:00:00 /0500", "2024/05-01 10:00:00 -0500"},
+        {"aab", "ab", "b", "b", "ab"}, // the rebuilt text is searched again
+        {"nothing", "x", "y", "nothing", "nothing"},
+        {"a-b", "-", "--", "a--b", "a--b"}, // a replacement holding the pattern: one pass
+        {"abc", "", "x", "abc", "abc"},
+        {"", "a", "b", "", ""},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(ConvertUtilty::stringReplaceTO(row.text, row.pattern, row.replacement).toStdString(),
+                  row.all)
+            << row.text;
+        EXPECT_EQ(ConvertUtilty::stringReplaceFristTO(row.text, row.pattern, row.replacement).toStdString(),
+                  row.first)
+            << row.text;
+    }
+}
+
+TEST(ConvertUtilty, DateTexts) {
+    const QByteArray oldTz = qgetenv("TZ");
+    qputenv("TZ", "Europe/Berlin");
+    const QDateTime summer(QDate(2024, 5, 1), QTime(12, 3, 4), QTimeZone::utc());
+    const QDateTime winter(QDate(2023, 12, 31), QTime(23, 30, 0), QTimeZone::utc());
+
+    EXPECT_EQ(ConvertUtilty::standardDateText(summer), "2024-05-01 14:03:04 +0200");
+    EXPECT_EQ(ConvertUtilty::DateStringWithoutZone(summer), "2024/05/01 14:03:04 ");
+    EXPECT_EQ(ConvertUtilty::DateStringWithoutZone(summer).left(10), "2024/05/01");
+    EXPECT_EQ(ConvertUtilty::DateStringWithoutHMS(summer), "01/05/2024 14:03:04");
+    EXPECT_EQ(ConvertUtilty::DateStringWithoutHMS(winter), "01/01/2024 00:30:00");
+
+    qputenv("TZ", "America/New_York");
+    EXPECT_EQ(ConvertUtilty::standardDateText(summer), "2024-05-01 08:03:04 -0400");
+    EXPECT_EQ(ConvertUtilty::DateStringWithoutZone(summer), "2024/05/01 08:03:04 ");
+
+    if (oldTz.isNull()) {
+        qunsetenv("TZ");
+    } else {
+        qputenv("TZ", oldTz);
+    }
+}
+
+TEST(ConvertUtilty, BooleanTexts) {
+    EXPECT_TRUE(ConvertUtilty::NSStringBOOLToBOOL("TRUE"));
+    for (const char* text : {"FALSE", "true", "YES", "1", ""}) {
+        EXPECT_FALSE(ConvertUtilty::NSStringBOOLToBOOL(text)) << text;
+    }
+    EXPECT_EQ(ConvertUtilty::BOOLToNSStringBOOL(true), "TRUE");
+    EXPECT_EQ(ConvertUtilty::BOOLToNSStringBOOL(false), "FALSE");
+}
+
+TEST(ConvertUtilty, WideAndUtf16Text) {
+    const QString samples[] = {
+        QString(""),
+        QStringLiteral("*100#"),
+        QString::fromUtf8("Grüße, €5"),
+        QString::fromUtf8("你好"),
+        QString::fromUtf8("smile \xF0\x9F\x98\x80"), // outside the basic plane
+    };
+    for (const QString& text : samples) {
+        auto utf16 = ConvertUtilty::NstringtoUnistr(text);
+        ASSERT_NE(utf16, nullptr);
+        EXPECT_EQ(utf16[text.size()], 0);
+        EXPECT_EQ(ConvertUtilty::UnistrtoNstring(utf16.get()), text);
+
+        auto wide = ConvertUtilty::NSStringToWCharString(text);
+        ASSERT_NE(wide, nullptr);
+        EXPECT_EQ(wide[text.size()], 0);
+        EXPECT_EQ(ConvertUtilty::wcStringtoNstring(wide.get()), text);
+        EXPECT_EQ(ConvertUtilty::fromWString(ConvertUtilty::toWString(text)), text);
+    }
+    EXPECT_EQ(ConvertUtilty::NstringtoUnistr(QString()), nullptr);
+    EXPECT_EQ(ConvertUtilty::NSStringToWCharString(QString()), nullptr);
+    EXPECT_TRUE(ConvertUtilty::wcStringtoNstring(nullptr).isNull());
+
+    // One UTF-16 unit per wchar_t, as the AT layer decodes UCS2: the euro sign and a surrogate pair.
+    EXPECT_EQ(ConvertUtilty::toWString(QString::fromUtf8("\xE2\x82\xAC\xF0\x9F\x98\x80")),
+              std::wstring({L'\x20AC', L'\xD83D', L'\xDE00'}));
+    // A whole code point in one wchar_t is taken too; one beyond Unicode becomes U+FFFD.
+    EXPECT_EQ(ConvertUtilty::fromWString(std::wstring({L'a', static_cast<wchar_t>(0x1F600)})),
+              QString::fromUtf8("a\xF0\x9F\x98\x80"));
+    EXPECT_EQ(ConvertUtilty::fromWString(std::wstring(1, static_cast<wchar_t>(0x110000))),
+              QString(QChar(0xFFFD)));
+
+    // Fixed-size fields without a terminator are read up to their size only.
+    const char16_t field[4] = {u'A', u'B', u'C', u'D'};
+    EXPECT_EQ(ConvertUtilty::UnistrtoNstring(field, 4), "ABCD");
+    const wchar_t wfield[3] = {L'x', L'y', L'z'};
+    EXPECT_EQ(ConvertUtilty::wcStringtoNstring(wfield, 3), "xyz");
+    const uint16_t ucs2[] = {0x004F, 0x0032, 0};
+    EXPECT_EQ(ConvertUtilty::UnistrtoNstring(ucs2), "O2");
+}
+
+} // namespace

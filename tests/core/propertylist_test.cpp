@@ -1,0 +1,215 @@
+#include "PropertyList.h"
+#include "TempHome.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QTimeZone>
+
+#include <plist/plist.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+
+namespace {
+
+QVariantMap sampleSettings() {
+    QVariantMap marker{{"if setDefault", "TRUE"}, {"default IMSI", "262011234567890"}};
+    QVariantMap day{{"SENT", QVariant::fromValue<quint64>(18446744073709551615ULL)},
+                    {"RECEIVED", QVariant::fromValue<quint64>(9223372036854775808ULL)},
+                    {"SECONDS", QVariant::fromValue<qint64>(-5)},
+                    {"DATE", QDateTime(QDate(2024, 5, 1), QTime(12, 3, 4), QTimeZone::utc())}};
+    return {{"default APN info", marker},
+            {"SMS_VP", 167},
+            {"SOUND_CONNECT", "FALSE"},
+            {"NAME", QString::fromUtf8("Grüße <&> \"quoted\" 你好")},
+            {"ON", true},
+            {"RATIO", 0.25},
+            {"BLOB", QByteArray("\x00\x01\xff", 3)},
+            {"DAYS", QVariantList{day, QVariantList{}, QVariantMap{}}},
+            {"", "empty key"}};
+}
+
+// Integers come back as 64-bit values; compare as numbers of the same signedness.
+void expectSameTree(const QVariant& expected, const QVariant& actual, const QString& where) {
+    switch (expected.typeId()) {
+    case QMetaType::QVariantMap: {
+        const QVariantMap e = expected.toMap();
+        const QVariantMap a = actual.toMap();
+        ASSERT_EQ(actual.typeId(), QMetaType::QVariantMap) << where.toStdString();
+        ASSERT_EQ(e.keys(), a.keys()) << where.toStdString();
+        for (auto it = e.cbegin(); it != e.cend(); ++it) {
+            expectSameTree(it.value(), a.value(it.key()), where + "/" + it.key());
+        }
+        break;
+    }
+    case QMetaType::QVariantList: {
+        const QVariantList e = expected.toList();
+        const QVariantList a = actual.toList();
+        ASSERT_EQ(actual.typeId(), QMetaType::QVariantList) << where.toStdString();
+        ASSERT_EQ(e.size(), a.size()) << where.toStdString();
+        for (qsizetype i = 0; i < e.size(); ++i) {
+            expectSameTree(e[i], a[i], where + "/" + QString::number(i));
+        }
+        break;
+    }
+    case QMetaType::ULongLong:
+        EXPECT_EQ(actual.typeId(), QMetaType::ULongLong) << where.toStdString();
+        EXPECT_EQ(actual.toULongLong(), expected.toULongLong()) << where.toStdString();
+        break;
+    case QMetaType::Int:
+    case QMetaType::LongLong:
+        EXPECT_EQ(actual.typeId(), QMetaType::LongLong) << where.toStdString();
+        EXPECT_EQ(actual.toLongLong(), expected.toLongLong()) << where.toStdString();
+        break;
+    default:
+        EXPECT_EQ(actual, expected) << where.toStdString();
+    }
+}
+
+TEST(PropertyList, EveryStoredTypeRoundTripsThroughAFile) {
+    TempHome home;
+    const QString path = home.path() + "/settings.plist";
+    const QVariantMap settings = sampleSettings();
+    ASSERT_TRUE(PropertyList::write(path, settings));
+    expectSameTree(settings, PropertyList::readMap(path), "");
+
+    // Counters above 2^63 are written as unsigned XML integers, not as negative numbers.
+    const QByteArray xml = TempHome::readFile(path);
+    EXPECT_TRUE(xml.contains("<integer>18446744073709551615</integer>"));
+    EXPECT_TRUE(xml.contains("<integer>9223372036854775808</integer>"));
+    EXPECT_TRUE(xml.contains("<integer>-5</integer>"));
+    EXPECT_TRUE(xml.contains("<date>2024-05-01T12:03:04Z</date>"));
+}
+
+TEST(PropertyList, ReadsBinaryPropertyLists) {
+    TempHome home;
+    const QByteArray xml = PropertyList::toXml(sampleSettings());
+    plist_t root = nullptr;
+    plist_from_xml(xml.constData(), static_cast<uint32_t>(xml.size()), &root);
+    ASSERT_NE(root, nullptr);
+    char* bin = nullptr;
+    uint32_t length = 0;
+    plist_to_bin(root, &bin, &length);
+    plist_free(root);
+    const QByteArray binary(bin, length);
+    std::free(bin);
+    ASSERT_TRUE(binary.startsWith("bplist00"));
+
+    const QString path = home.path() + "/binary.plist";
+    TempHome::writeFile(path, binary);
+    expectSameTree(sampleSettings(), PropertyList::readMap(path), "");
+}
+
+TEST(PropertyList, BrokenFilesReadAsNothing) {
+    TempHome home;
+    const QByteArray xml = PropertyList::toXml(sampleSettings());
+    plist_t root = nullptr;
+    plist_from_xml(xml.constData(), static_cast<uint32_t>(xml.size()), &root);
+    char* bin = nullptr;
+    uint32_t length = 0;
+    plist_to_bin(root, &bin, &length);
+    plist_free(root);
+    const QByteArray binary(bin, length);
+    std::free(bin);
+
+    const QString path = home.path() + "/broken.plist";
+    const QByteArray rows[] = {
+        "",
+        "   \n",
+        "not a property list",
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>SMS_VP</key><integer>1",
+        "<plist><array><string>unterminated",
+        "bplist00",
+        "bplist00\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff",
+        QByteArray(4096, '\0'),
+    };
+    for (const QByteArray& bytes : rows) {
+        TempHome::writeFile(path, bytes);
+        EXPECT_TRUE(PropertyList::readMap(path).isEmpty()) << bytes.left(40).toStdString();
+        EXPECT_TRUE(PropertyList::readList(path).isEmpty());
+    }
+    // Every cut of a valid file, XML or binary, either reads as nothing or reads without crashing.
+    for (const QByteArray* whole : {&xml, &binary}) {
+        for (qsizetype cut = 0; cut < whole->size(); cut += (whole == &binary ? 1 : 5)) {
+            PropertyList::fromData(whole->left(cut));
+        }
+    }
+    EXPECT_FALSE(PropertyList::read(home.path() + "/missing.plist").isValid());
+    // A file of the other kind of root reads as an empty map or list.
+    ASSERT_TRUE(PropertyList::write(path, QVariantList{1, 2}));
+    EXPECT_TRUE(PropertyList::readMap(path).isEmpty());
+    EXPECT_EQ(PropertyList::readList(path).size(), 2);
+}
+
+// A binary list from raw objects, with one-byte offsets and references.
+QByteArray binaryList(const QList<QByteArray>& objects) {
+    QByteArray out = "bplist00";
+    QByteArray offsets;
+    for (const QByteArray& object : objects) {
+        offsets.append(static_cast<char>(out.size()));
+        out.append(object);
+    }
+    const auto tableAt = static_cast<char>(out.size());
+    out.append(offsets);
+    out.append(QByteArray(6, '\0') + "\x01\x01");
+    out.append(QByteArray(7, '\0') + static_cast<char>(objects.size()));
+    out.append(QByteArray(8, '\0'));
+    out.append(QByteArray(7, '\0') + tableAt);
+    return out;
+}
+
+TEST(PropertyList, HostileBinaryListsAreRefused) {
+    // A key holding a NUL byte is an ordinary key here.
+    const QVariant nulKey = PropertyList::fromData(binaryList({QByteArray("\xD1\x01\x02", 3),
+                                                               QByteArray("\x53"
+                                                                          "a\0b",
+                                                                          4),
+                                                               QByteArray("\x10\x07", 2)}));
+    EXPECT_EQ(nulKey.toMap(), (QVariantMap{{QString::fromLatin1("a\0b", 3), 7}}));
+
+    // An array that holds itself, and a chain of arrays that each hold the next one twice (2^40 visits).
+    EXPECT_FALSE(PropertyList::fromData(binaryList({QByteArray("\xA1\x00", 2)})).isValid());
+    QList<QByteArray> chain;
+    for (char i = 1; i <= 40; ++i) {
+        chain.append(QByteArray("\xA2") + i + i);
+    }
+    chain.append("\x09");
+    EXPECT_FALSE(PropertyList::fromData(binaryList(chain)).isValid());
+
+    // References, counts and offsets that point outside the objects.
+    const QList<QByteArray> rows[] = {
+        {QByteArray("\xA1\x05", 2)}, // reference to a missing object
+        {QByteArray("\x5F\x10\xFF"
+                    "abc",
+                    6)},                                              // string longer than the data
+        {QByteArray("\x6F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)}, // huge UTF-16 count
+        {QByteArray("\xD1\x01\x01", 3), QByteArray("\x10\x01", 2)},   // a key that is not a string
+        {QByteArray("\x14"
+                    "12345678",
+                    9)},         // 16-byte integer cut short
+        {QByteArray("\x0F", 1)}, // fill byte
+    };
+    for (const auto& objects : rows) {
+        EXPECT_FALSE(PropertyList::fromData(binaryList(objects)).isValid())
+            << objects[0].toHex().toStdString();
+    }
+}
+
+TEST(PropertyList, WriteReplacesTheFileWholeOrNotAtAll) {
+    TempHome home;
+    const QString path = home.path() + "/list.plist";
+    ASSERT_TRUE(PropertyList::write(path, QVariantList{"first"}));
+    ASSERT_TRUE(PropertyList::write(path, QVariantList{"second", "third"}));
+    EXPECT_EQ(PropertyList::readList(path), (QVariantList{"second", "third"}));
+    EXPECT_EQ(QDir(home.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"list.plist"});
+
+    // A folder where the file should be, or a missing folder: the write fails and nothing is left over.
+    QDir().mkpath(home.path() + "/taken.plist");
+    EXPECT_FALSE(PropertyList::write(home.path() + "/taken.plist", QVariantMap{{"a", 1}}));
+    EXPECT_FALSE(PropertyList::write(home.path() + "/no/such/folder/x.plist", QVariantMap{{"a", 1}}));
+    EXPECT_EQ(QDir(home.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"list.plist"});
+}
+
+} // namespace
