@@ -227,9 +227,6 @@ TEST_F(AtSublayerTest, UnbuiltFamiliesReturnOne) {
     std::string text;
     int value = 0;
     const std::vector<std::pair<const char*, std::function<int(TInterfaceAtSublayer&)>>> rows = {
-        {"system", [&](TInterfaceAtSublayer& s) { return s.SystemGetEquipmentInfo(equipment); }},
-        {"pin", [&](TInterfaceAtSublayer& s) { return s.PINCheckState(value); }},
-        {"network", [&](TInterfaceAtSublayer& s) { return s.NetworkGetRssiLevel(value); }},
         {"phonebook", [&](TInterfaceAtSublayer& s) { return s.PBGetStorageInfo(phonebook); }},
         {"sms", [&](TInterfaceAtSublayer& s) { return s.SMSGetStorageState(sms); }},
         {"ussd", [&](TInterfaceAtSublayer& s) { return s.CheckUssdState(value); }},

@@ -168,7 +168,8 @@ int CPinUtility::GetInfo(int pinState, TPinInfo& info) {
         const std::size_t at = response.find("+PNNM: ");
         int first = 0;
         int second = 0;
-        if (at == std::string::npos || std::sscanf(response.c_str() + at + 7, "%d, %d", &first, &second) != 2)
+        if (at == std::string::npos ||
+            std::sscanf(response.c_str() + at, "+PNNM: %d, %d", &first, &second) != 2)
             return 1;
         info.nPinCnt = first;
         info.nPukCnt = second;

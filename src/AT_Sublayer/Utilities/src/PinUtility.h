@@ -24,7 +24,7 @@ public:
     int WriteComm(std::string& response, const char* command, const char* expected, int timeoutMs,
                   std::initializer_list<const char*> finals = {"OK", "+CME ERROR", "ERROR"});
 
-    // The SIM lock state: 1 ready, 2 SIM PIN, 3 SIM PUK, 5 to 17 the other locks, 0 no SIM.
+    // The SIM lock state: 1 ready, 2 SIM PIN, 3 SIM PUK, 4 to 17 the other locks, 0 no SIM.
     int CheckState(int& state);
     // on: non-zero asks for the PIN at power-on. A null pin is sent as an empty one.
     int Enable(int on, const char* pin);
