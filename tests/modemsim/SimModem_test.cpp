@@ -1,0 +1,307 @@
+// The simulated modem driven in-process: command parsing, framing, the PIN state machine, network and
+// phonebook commands, and the robustness knobs.
+
+#include <gtest/gtest.h>
+
+#include "SimTestSupport.h"
+#include "SimText.h"
+
+namespace modemsim::test {
+namespace {
+
+TEST(SimCommandTest, SplitsCommandLines) {
+    struct Row {
+        const char* body;
+        std::vector<std::string> names;
+        const char* lastValue;
+    };
+    const Row rows[] = {
+        {"E0Q0V1", {"E", "Q", "V"}, "1"},
+        {"&FE0", {"&F", "E"}, "0"},
+        {"+CMGF=0;+CNMI=2,1,0,2,0", {"+CMGF", "+CNMI"}, "2,1,0,2,0"},
+        {"+CPBW=1,\"+49;30\",145,\"0041\"", {"+CPBW"}, "1,\"+49;30\",145,\"0041\""},
+        {"D*99#", {"D"}, "*99#"},
+        {"D+4930123;", {"D"}, "+4930123;"},
+        {"$GPSC=1,1", {"$GPSC"}, "1,1"},
+        {"S0=2", {"S"}, "2"},
+    };
+    for (const Row& row : rows) {
+        std::vector<AtCommand> cmds;
+        ASSERT_TRUE(ParseCommandLine(row.body, cmds)) << row.body;
+        std::vector<std::string> names;
+        for (const AtCommand& c : cmds) {
+            names.push_back(c.name);
+        }
+        EXPECT_EQ(names, row.names) << row.body;
+        EXPECT_EQ(cmds.back().value, row.lastValue) << row.body;
+    }
+    std::vector<AtCommand> cmds;
+    EXPECT_FALSE(ParseCommandLine("+CPBW=1,\"open", cmds));
+    EXPECT_FALSE(ParseCommandLine("#?", cmds));
+    ASSERT_TRUE(ParseCommandLine("+FUNC=5,?", cmds));
+    EXPECT_EQ(cmds[0].Str(1), "?");
+    ASSERT_TRUE(ParseCommandLine("+SYSSEL=,2,0", cmds));
+    EXPECT_FALSE(cmds[0].Has(0));
+    EXPECT_EQ(cmds[0].IntOr(1, -1), 2);
+}
+
+TEST(SimModemTest, EchoFramingAndErrorForms) {
+    ModemHarness h(ModemHarness::Builtin());
+    // Echo is on at start, as on a real stick; a bare escape gets no answer.
+    EXPECT_EQ(h.Send("\x1b"), "");
+    EXPECT_EQ(h.At("ATE1"), "ATE1\r\r\nOK\r\n");
+    EXPECT_EQ(h.At("ATE0"), "ATE0\r\r\nOK\r\n");
+    EXPECT_EQ(h.At("AT+CGMM"), "\r\nHSPA USB Modem SIM-3G\r\n\r\nOK\r\n");
+    EXPECT_EQ(h.At("AT+NOSUCH"), "\r\nERROR\r\n");
+    EXPECT_EQ(h.At("hello"), "");
+    struct Row {
+        const char* setup;
+        const char* answer;
+    };
+    const Row rows[] = {
+        {"AT+CMEE=0", "\r\nERROR\r\n"},
+        {"AT+CMEE=1", "\r\n+CME ERROR: 21\r\n"},
+        {"AT+CMEE=2", "\r\n+CME ERROR: invalid index\r\n"},
+    };
+    for (const Row& row : rows) {
+        ASSERT_EQ(h.At(row.setup), "\r\nOK\r\n");
+        EXPECT_EQ(h.At("AT+CPBR=999"), row.answer) << row.setup;
+    }
+    EXPECT_EQ(h.At("ATV0"), "0\r");
+    EXPECT_EQ(h.At("AT+CSQ"), "+CSQ: 18,99\r\n0\r");
+    EXPECT_EQ(h.At("AT&F"), "\r\nOK\r\n"); // back to verbose, echo on for what follows
+    EXPECT_EQ(h.At("A/"), "A/\r\r\nOK\r\n");
+}
+
+TEST(SimModemTest, PinStateMachineCountsTries) {
+    ModemHarness h(ModemHarness::Builtin([](SimState& s) {
+        s.sim.pinEnabled = true;
+        s.sim.state = PinState::SimPin;
+    }));
+    h.At("ATE0");
+    h.At("AT+CMEE=2");
+    struct Step {
+        const char* command;
+        const char* answer;
+    };
+    const Step steps[] = {
+        {"AT+CPIN?", "\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"},
+        {"AT+CIMI", "\r\n+CME ERROR: SIM PIN required\r\n"},
+        {"AT+COPS?", "\r\n+COPS: 0\r\n\r\nOK\r\n"},
+        {"AT+PNNM?", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n"},
+        {"AT+CPIN=\"0000\"", "\r\n+CME ERROR: incorrect password\r\n"},
+        {"AT+PNNM?", "\r\n+PNNM: 2, 10\r\n\r\nOK\r\n"},
+        {"AT+CPIN=\"1111\"", "\r\n+CME ERROR: incorrect password\r\n"},
+        {"AT+CPIN=\"2222\"", "\r\n+CME ERROR: incorrect password\r\n"},
+        {"AT+CPIN?", "\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n"},
+        {"AT+CPIN=\"1234\"", "\r\n+CME ERROR: SIM PUK required\r\n"},
+        {"AT+CNUM", "\r\n+CME ERROR: SIM PUK required\r\n"},
+        {"AT+CPIN=\"00000000\",\"4321\"", "\r\n+CME ERROR: incorrect password\r\n"},
+        {"AT+PNNM?", "\r\n+PNNM: 0, 9\r\n\r\nOK\r\n"},
+        {"AT+CPIN=\"12345678\",\"12\"", "\r\n+CME ERROR: incorrect parameters\r\n"},
+        {"AT+CPIN=\"12345678\",\"4321\"", "\r\nOK\r\n"},
+        {"AT+CPIN?", "\r\n+CPIN: READY\r\n\r\nOK\r\n"},
+        {"AT+PNNM?", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n"},
+        {"AT+CPIN=\"4321\"", "\r\n+CME ERROR: operation not allowed\r\n"},
+        {"AT+CLCK=\"SC\",2", "\r\n+CLCK: 1\r\n\r\nOK\r\n"},
+        {"AT+CPWD=\"SC\",\"4321\",\"5678\"", "\r\nOK\r\n"},
+        {"AT+CLCK=\"SC\",0,\"0000\"", "\r\n+CME ERROR: incorrect password\r\n"},
+        {"AT+CPINR=\"SIM PIN\"",
+         "\r\n+CPINR: SIM PIN,2,3\r\n+CPINR: SIM PUK,10,10\r\n+CPINR: SIM PIN2,3,3\r\n"
+         "+CPINR: SIM PUK2,10,10\r\n\r\nOK\r\n"},
+        {"AT+CLCK=\"SC\",0,\"5678\"", "\r\nOK\r\n"},
+        {"AT+CLCK=\"SC\",2", "\r\n+CLCK: 0\r\n\r\nOK\r\n"},
+        {"AT+CPWD=\"SC\",\"5678\",\"1111\"", "\r\n+CME ERROR: operation not allowed\r\n"},
+        {"AT+CIMI", "\r\n262021234567890\r\n\r\nOK\r\n"},
+    };
+    for (const Step& step : steps) {
+        EXPECT_EQ(h.At(step.command), step.answer) << step.command;
+    }
+}
+
+TEST(SimModemTest, TenWrongPuksBlockTheCard) {
+    ModemHarness h(ModemHarness::Builtin([](SimState& s) {
+        s.sim.pinEnabled = true;
+        s.sim.pinLeft = 0;
+        s.sim.state = PinState::SimPuk;
+    }));
+    h.At("ATE0");
+    h.At("AT+CMEE=1");
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(h.At("AT+CPIN=\"11111111\",\"1234\""), "\r\n+CME ERROR: 16\r\n");
+    }
+    EXPECT_EQ(h.At("AT+CPIN?"), "\r\n+CME ERROR: 13\r\n");
+    EXPECT_EQ(h.At("AT+CPIN=\"12345678\",\"1234\""), "\r\n+CME ERROR: 13\r\n");
+    EXPECT_EQ(h.At("AT+PNNM?"), "\r\n+PNNM: 0, 0\r\n\r\nOK\r\n");
+}
+
+TEST(SimModemTest, NetworkScanIsHeldBackAndSelectionFollowsTheList) {
+    ModemHarness h(ModemHarness::Builtin());
+    h.At("ATE0");
+    h.At("AT+CMEE=2");
+    EXPECT_EQ(h.At("AT+COPS=?"), "");
+    EXPECT_EQ(h.Run(1999), "");
+    EXPECT_EQ(h.Run(1),
+              "\r\n+COPS: (2,\"Vodafone.de\",\"voda DE\",\"26202\",2),(1,\"Telekom.de\",\"TDG\",\"26201\",2),"
+              "(1,\"o2 - de\",\"o2 - de\",\"26207\",2),(3,\"E-Plus\",\"E-Plus\",\"26203\",0),,"
+              "(0,1,2,3,4),(0,1,2)\r\n\r\nOK\r\n");
+    struct Step {
+        const char* command;
+        const char* answer;
+    };
+    const Step steps[] = {
+        {"AT+CREG?", "\r\n+CREG: 0,1\r\n\r\nOK\r\n"},
+        {"AT+COPS=1,2,\"26203\",0", "\r\n+CME ERROR: network not allowed - emergency calls only\r\n"},
+        {"AT+COPS=1,2,\"99999\",2", "\r\n+CME ERROR: no network service\r\n"},
+        {"AT+COPS=1,2,\"26201\",2", "\r\nOK\r\n"},
+        {"AT+COPS=3,0;+COPS?", "\r\n+COPS: 1,0,\"Telekom.de\",2\r\n\r\nOK\r\n"},
+        {"AT+CREG=2;+CREG?", "\r\n+CREG: 2,5,\"1A2B\",\"00C3D4E5\",2\r\n\r\nOK\r\n"},
+        {"AT+COPS=0", "\r\nOK\r\n"},
+        {"AT+COPS?", "\r\n+COPS: 0,0,\"Vodafone.de\",2\r\n\r\nOK\r\n"},
+        {"AT+SYSSEL=,2,0", "\r\nOK\r\n"},
+        {"AT+SYSSEL=,,,1", "\r\nOK\r\n"},
+        {"AT+SYSSEL?", "\r\n+SYSSEL: 1073741823,2,0,1\r\n\r\nOK\r\n"},
+        {"AT+SYSSEL=,3,0", "\r\n+CME ERROR: incorrect parameters\r\n"},
+        {"AT+CFUN=4;+CSQ;+CREG?", "\r\n+CSQ: 99,99\r\n\r\n+CREG: 2,0\r\n\r\nOK\r\n"},
+        {"AT+SSND?", "\r\n+SSND: NO SERVICE\r\n\r\nOK\r\n"},
+    };
+    for (const Step& step : steps) {
+        EXPECT_EQ(h.At(step.command), step.answer) << step.command;
+    }
+    // The registration changes went out as "+CREG:" lines: roaming (5), home (1), none (0).
+    EXPECT_EQ(h.At("at"), "\r\n+CREG: 1,\"1A2B\",\"00C3D4E5\",2\r\n\r\nOK\r\n");
+    EXPECT_EQ(h.At("at"), "\r\n+CREG: 0\r\n\r\nOK\r\n");
+}
+
+TEST(SimModemTest, PhonebookNamesTravelAsUcs2) {
+    ModemHarness h(ModemHarness::Builtin([](SimState& s) { s.phonebooks["SM"].capacity = 5; }));
+    h.At("ATE0");
+    h.At("AT+CMEE=2");
+    struct Step {
+        const char* command;
+        const char* answer;
+    };
+    const Step steps[] = {
+        {"AT+CSCS=\"UCS2\"", "\r\nOK\r\n"},
+        {"AT+CPBS=\"SM\"", "\r\nOK\r\n"},
+        {"AT+CPBS?", "\r\n+CPBS: \"SM\",3,5\r\n\r\nOK\r\n"},
+        {"AT+CPBR=?", "\r\n+CPBR: (1-5),20,14\r\n\r\nOK\r\n"},
+        {"AT+CPBR=3,5", "\r\n+CPBR: 4,\"+4930123456\",145,\"004A00FC007200670065006E\"\r\n\r\nOK\r\n"},
+        {"AT+CPBW=,\"4930555\",145,\"004A00F600720067\"", "\r\nOK\r\n"},
+        {"AT+CPBR=3", "\r\n+CPBR: 3,\"+4930555\",145,\"004A00F600720067\"\r\n\r\nOK\r\n"},
+        {"AT+CPBW=5,\"123\",129,\"004100420043004400450046004700480049005000510052005300540055\"",
+         "\r\n+CME ERROR: text string too long\r\n"},
+        {"AT+CPBW=5,\"12X\",129,\"0041\"", "\r\n+CME ERROR: invalid characters in dial string\r\n"},
+        {"AT+CPBW=5,\"123\",129,\"004\"", "\r\n+CME ERROR: invalid characters in text string\r\n"},
+        {"AT+CPBW=5,\"123\",129,\"0041\"", "\r\nOK\r\n"},
+        {"AT+CPBW=,\"124\",129,\"0042\"", "\r\n+CME ERROR: memory full\r\n"},
+        {"AT+CPBW=6,\"124\",129,\"0042\"", "\r\n+CME ERROR: invalid index\r\n"},
+        {"AT+CPBW=2", "\r\nOK\r\n"},
+        {"AT+CPBR=2", "\r\n+CME ERROR: not found\r\n"},
+        {"AT+CSCS=\"IRA\";+CPBR=4", "\r\n+CPBR: 4,\"+4930123456\",145,\"J?rgen\"\r\n\r\nOK\r\n"},
+    };
+    for (const Step& step : steps) {
+        EXPECT_EQ(h.At(step.command), step.answer) << step.command;
+    }
+}
+
+TEST(SimModemTest, KnobsDelayAnswersAndMixInLines) {
+    ModemHarness h(ModemHarness::Builtin([](SimState& s) { s.knobs.latencyMs = 50; }));
+    EXPECT_EQ(h.At("ATE0"), "ATE0\r"); // the echo comes at once, the answer later
+    EXPECT_EQ(h.Run(49), "");
+    EXPECT_EQ(h.Run(1), "\r\nOK\r\n");
+    // Input sent while an answer is held back waits its turn.
+    EXPECT_EQ(h.Send("AT+CSQ\rAT+CGMI\r"), "");
+    EXPECT_EQ(h.Run(100), "\r\n+CSQ: 18,99\r\n\r\nOK\r\n\r\nSIMULATED\r\n\r\nOK\r\n");
+
+    h.modem.State().knobs = Knobs{};
+    h.modem.State().knobs.inject = "+CMTI: \"SM\",9";
+    EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\n+CMTI: \"SM\",9\r\n\r\nOK\r\n");
+    EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\nOK\r\n"); // once only
+
+    h.modem.State().knobs.urcMode = UrcMode::Mixed;
+    h.modem.Unsolicited("RING");
+    EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\nRING\r\n\r\nOK\r\n");
+
+    h.modem.State().knobs.urcMode = UrcMode::Immediate;
+    h.modem.Unsolicited("RING");
+    EXPECT_EQ(h.Run(0), "\r\nRING\r\n");
+}
+
+TEST(SimModemTest, VoiceCallsAndGps) {
+    ModemHarness h(ModemHarness::Builtin());
+    h.At("ATE0");
+    struct Step {
+        const char* command;
+        const char* answer;
+    };
+    const Step steps[] = {
+        {"ATD+491111111111;", "\r\nBUSY\r\n"},
+        {"ATD+492222222222;", "\r\nNO ANSWER\r\n"},
+        {"AT+COLP=1", "\r\nOK\r\n"},
+        {"ATD+4930123;", "\r\n+COLP: \"+4930123\",145\r\n\r\nOK\r\n"},
+        {"AT+CLCC", "\r\n+CLCC: 1,0,0,0,0,\"+4930123\",145\r\n\r\nOK\r\n"},
+        {"AT+VTS=5", "\r\nOK\r\n"},
+        {"AT+CHUP", "\r\nOK\r\n"},
+        {"AT+CLCC", "\r\nOK\r\n"},
+        {"AT$GPSC=1,1", "\r\nOK\r\n"},
+        {"AT$GPSC?", "\r\n$GPSC: 1,1\r\n\r\nOK\r\n"},
+    };
+    for (const Step& step : steps) {
+        EXPECT_EQ(h.At(step.command), step.answer) << step.command;
+    }
+    EXPECT_TRUE(h.modem.State().voice.gps);
+    EXPECT_EQ(h.modem.State().voice.dtmf, std::vector<std::string>{"5"});
+}
+
+} // namespace
+} // namespace modemsim::test
+
+namespace modemsim::test {
+namespace {
+
+// Garbage, endless lines, broken quotes and prompts cut short: the modem keeps answering and stays bounded.
+TEST(SimModemTest, HostileInputStaysBounded) {
+    ModemHarness h(ModemHarness::Builtin());
+    unsigned seed = 12345;
+    auto next = [&seed] {
+        seed = seed * 1103515245u + 12345u;
+        return (seed >> 16) & 0xFF;
+    };
+    const std::string pieces[] = {"AT+CPBW=",
+                                  "\"",
+                                  ",",
+                                  "AT+CMGS=",
+                                  "\x1a",
+                                  "\x1b",
+                                  "\r",
+                                  "AT+CUSD=1,\"",
+                                  "AT+COPS=1,2,\"",
+                                  "AT+STGR=0,0,",
+                                  "ATD",
+                                  "AT+CPMS=",
+                                  "00",
+                                  "AT+CSCS=\"UCS2\"\r"};
+    for (int round = 0; round < 20000; ++round) {
+        std::string bytes;
+        if (next() % 2) {
+            bytes = pieces[next() % std::size(pieces)];
+        } else {
+            bytes.push_back(static_cast<char>(next()));
+        }
+        h.Send(bytes);
+        if (round % 1000 == 0) {
+            h.Run(3000);
+        }
+    }
+    h.Send(std::string(100000, 'A'));
+    h.Send("\x1b\r");
+    h.Run(3000);
+    h.Send("\x1b\x1b\r");
+    EXPECT_NE(h.At("ATE0").find("OK"), std::string::npos);
+    EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\nOK\r\n");
+    EXPECT_LE(h.modem.PendingUnsolicited().size(), 200u);
+}
+
+} // namespace
+} // namespace modemsim::test

@@ -1,0 +1,447 @@
+#include "SimNetworkCommands.h"
+
+#include "SimText.h"
+
+namespace modemsim {
+
+namespace {
+
+using Form = AtCommand::Form;
+
+const Operator* CurrentOperator(const SimModem& m) {
+    const Network& net = m.State().network;
+    if (net.current < 0 || net.current >= static_cast<int>(net.operators.size())) {
+        return nullptr;
+    }
+    return &net.operators[static_cast<size_t>(net.current)];
+}
+
+bool IsHome(const SimState& s, const Operator& op) {
+    if (!op.numeric.empty() && s.sim.imsi.compare(0, op.numeric.size(), op.numeric) == 0) {
+        return true;
+    }
+    for (const std::string& plmn : s.sim.spdi) {
+        if (plmn == op.numeric) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int PacketStat(const SimModem& m) {
+    return m.State().network.attached ? RegistrationStat(m) : 0;
+}
+
+// The operator automatic selection takes: the home network, else the first one not forbidden.
+int AutomaticChoice(const SimState& s) {
+    const auto& ops = s.network.operators;
+    for (size_t i = 0; i < ops.size(); ++i) {
+        if (!ops[i].forbidden && IsHome(s, ops[i])) {
+            return static_cast<int>(i);
+        }
+    }
+    for (size_t i = 0; i < ops.size(); ++i) {
+        if (!ops[i].forbidden) {
+            return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+int FindOperator(const SimState& s, const std::string& name, int format) {
+    const auto& ops = s.network.operators;
+    for (size_t i = 0; i < ops.size(); ++i) {
+        const std::string& candidate = format == 0   ? ops[i].longName
+                                       : format == 1 ? ops[i].shortName
+                                                     : ops[i].numeric;
+        if (candidate == name) {
+            return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+int TargetOperator(const SimModem& m) {
+    const SimState& s = m.State();
+    if (!m.SimReady() || s.network.cfun != 1 || s.network.selectionMode == 2) {
+        return -1;
+    }
+    if (s.network.selectionMode == 1) {
+        int i = FindOperator(s, s.network.manualNumeric, 2);
+        return i >= 0 && !s.network.operators[static_cast<size_t>(i)].forbidden ? i : -1;
+    }
+    return AutomaticChoice(s);
+}
+
+const char* kLac = "\"1A2B\",\"00C3D4E5\"";
+
+std::string RegLine(const SimModem& m, const char* prefix, int n, int stat) {
+    std::string line = std::string(prefix) + std::to_string(n) + "," + std::to_string(stat);
+    const Operator* op = CurrentOperator(m);
+    if (n == 2 && op && (stat == 1 || stat == 5)) {
+        line += std::string(",") + kLac + "," + std::to_string(op->act);
+    }
+    return line;
+}
+
+// "+CREG: 5" on a change; with AT+CREG=2 the cell follows: "+CREG: 5,"1A2B","00C3D4E5",2".
+std::string RegReport(const SimModem& m, const char* prefix, int n, int stat) {
+    std::string line = RegLine(m, prefix, n, stat);
+    return prefix + line.substr(line.find(',') + 1);
+}
+
+void ReportChange(SimModem& m, int oldStat, int oldPacketStat) {
+    const AtSettings& set = m.Settings();
+    int stat = RegistrationStat(m);
+    if (set.creg > 0 && stat != oldStat) {
+        m.Unsolicited(RegReport(m, "+CREG: ", set.creg, stat));
+    }
+    int packet = PacketStat(m);
+    if (set.cgreg > 0 && packet != oldPacketStat) {
+        m.Unsolicited(RegReport(m, "+CGREG: ", set.cgreg, packet));
+    }
+}
+
+void Register(SimModem& m, int target) {
+    int oldStat = RegistrationStat(m);
+    int oldPacket = PacketStat(m);
+    m.State().network.current = target;
+    ReportChange(m, oldStat, oldPacket);
+}
+
+AtReply RegQuery(SimModem& m, const AtCommand& cmd, int& n, const char* prefix, int stat) {
+    switch (cmd.form) {
+    case Form::Test:
+        return AtReply::Line(std::string(prefix) + "(0-2)");
+    case Form::Query:
+        return AtReply::Line(RegLine(m, prefix, n, stat));
+    case Form::Set: {
+        int v = 0;
+        if (!cmd.Int(0, v) || v < 0 || v > 2) {
+            return AtReply::Cme(cme::kIncorrectParameters);
+        }
+        n = v;
+        return AtReply::Ok();
+    }
+    case Form::Action:
+        return AtReply::Error();
+    }
+    return AtReply::Error();
+}
+
+// AT+CREG? -> +CREG: 0,1
+AtReply Creg(SimModem& m, const AtCommand& cmd) {
+    return RegQuery(m, cmd, m.Settings().creg, "+CREG: ", RegistrationStat(m));
+}
+
+AtReply Cgreg(SimModem& m, const AtCommand& cmd) {
+    return RegQuery(m, cmd, m.Settings().cgreg, "+CGREG: ", PacketStat(m));
+}
+
+// AT+CSQ -> +CSQ: 18,99
+AtReply Csq(SimModem& m, const AtCommand& cmd) {
+    if (cmd.form == Form::Test) {
+        return AtReply::Line("+CSQ: (0-31,99),(0-7,99)");
+    }
+    const Network& net = m.State().network;
+    if (net.cfun != 1) {
+        return AtReply::Line("+CSQ: 99,99");
+    }
+    return AtReply::Line("+CSQ: " + std::to_string(net.csq) + "," + std::to_string(net.ber));
+}
+
+AtReply Cgatt(SimModem& m, const AtCommand& cmd) {
+    Network& net = m.State().network;
+    switch (cmd.form) {
+    case Form::Test:
+        return AtReply::Line("+CGATT: (0,1)");
+    case Form::Query:
+        return AtReply::Line(std::string("+CGATT: ") + (net.attached && IsRegistered(m) ? "1" : "0"));
+    case Form::Set: {
+        int v = 0;
+        if (!cmd.Int(0, v) || v < 0 || v > 1) {
+            return AtReply::Cme(cme::kIncorrectParameters);
+        }
+        if (v == 1 && !IsRegistered(m)) {
+            return AtReply::Cme(cme::kNoService);
+        }
+        int oldStat = RegistrationStat(m);
+        int oldPacket = PacketStat(m);
+        net.attached = v == 1;
+        ReportChange(m, oldStat, oldPacket);
+        return AtReply::Ok();
+    }
+    case Form::Action:
+        return AtReply::Error();
+    }
+    return AtReply::Error();
+}
+
+std::string OperatorName(const Operator& op, int format) {
+    return format == 0 ? op.longName : format == 1 ? op.shortName : op.numeric;
+}
+
+// AT+COPS=? network scan response:
+// +COPS: (2,"Vodafone.de","voda DE","26202",2),(1,"Telekom.de","TDG","26201",2),,(0,1,2,3,4),(0,1,2)
+AtReply Scan(SimModem& m) {
+    const Network& net = m.State().network;
+    if (m.SimError() != 0) {
+        return AtReply::Cme(m.SimError());
+    }
+    if (net.cfun != 1) {
+        return AtReply::Cme(cme::kNoService);
+    }
+    std::string line = "+COPS: ";
+    for (size_t i = 0; i < net.operators.size(); ++i) {
+        const Operator& op = net.operators[i];
+        int stat = op.forbidden ? 3 : static_cast<int>(i) == net.current ? 2 : 1;
+        line += "(" + std::to_string(stat) + ",\"" + op.longName + "\",\"" + op.shortName + "\",\"" +
+                op.numeric + "\"," + std::to_string(op.act) + "),";
+    }
+    line += ",(0,1,2,3,4),(0,1,2)";
+    AtReply r = AtReply::Line(line);
+    r.delayMs = net.scanDelayMs;
+    return r;
+}
+
+AtReply Cops(SimModem& m, const AtCommand& cmd) {
+    Network& net = m.State().network;
+    AtSettings& set = m.Settings();
+    if (cmd.form == Form::Test) {
+        return Scan(m);
+    }
+    if (cmd.form == Form::Query) {
+        int mode = net.selectionMode;
+        const Operator* op = CurrentOperator(m);
+        if (!op) {
+            return AtReply::Line("+COPS: " + std::to_string(mode));
+        }
+        return AtReply::Line("+COPS: " + std::to_string(mode) + "," + std::to_string(set.copsFormat) + ",\"" +
+                             OperatorName(*op, set.copsFormat) + "\"," + std::to_string(op->act));
+    }
+    int mode = 0;
+    if (cmd.form != Form::Set || !cmd.Int(0, mode) || mode < 0 || mode > 4) {
+        return AtReply::Cme(cme::kIncorrectParameters);
+    }
+    int format = set.copsFormat;
+    if (cmd.Has(1) && (!cmd.Int(1, format) || format < 0 || format > 2)) {
+        return AtReply::Cme(cme::kIncorrectParameters);
+    }
+    if (mode == 3) {
+        set.copsFormat = format;
+        return AtReply::Ok();
+    }
+    if (m.SimError() != 0) {
+        return AtReply::Cme(m.SimError());
+    }
+    if (mode == 0 || mode == 2) {
+        net.selectionMode = mode;
+        UpdateRegistration(m);
+        return AtReply::Ok();
+    }
+    if (!cmd.Has(2)) {
+        return AtReply::Cme(cme::kIncorrectParameters);
+    }
+    int act = -1;
+    if (cmd.Has(3) && (!cmd.Int(3, act) || act < 0 || act > 7)) {
+        return AtReply::Cme(cme::kIncorrectParameters);
+    }
+    int index = FindOperator(m.State(), cmd.Str(2), format);
+    if (index < 0 || net.operators[static_cast<size_t>(index)].forbidden) {
+        if (mode == 4) {
+            net.selectionMode = 0;
+            UpdateRegistration(m);
+            return AtReply::Ok();
+        }
+        return AtReply::Cme(index < 0 ? cme::kNoService : cme::kNotAllowedEmergency);
+    }
+    net.selectionMode = 1;
+    net.manualNumeric = net.operators[static_cast<size_t>(index)].numeric;
+    UpdateRegistration(m);
+    return AtReply::Ok();
+}
+
+// AT+SYSSEL? -> +SYSSEL: 1073741823,0,0,2  (band, mode pair, service domain)
+AtReply Syssel(SimModem& m, const AtCommand& cmd) {
+    Network& net = m.State().network;
+    switch (cmd.form) {
+    case Form::Test:
+        return AtReply::Line("+SYSSEL: (0-1073741823),(0-2),(0-2),(0-3)");
+    case Form::Query:
+        return AtReply::Line("+SYSSEL: " + std::to_string(net.band) + "," + std::to_string(net.modeA) + "," +
+                             std::to_string(net.modeB) + "," + std::to_string(net.domain));
+    case Form::Set: {
+        int values[4] = {net.band, net.modeA, net.modeB, net.domain};
+        static const int limits[4] = {0x3FFFFFFF, 2, 2, 3};
+        if (cmd.args.size() > 4) {
+            return AtReply::Cme(cme::kIncorrectParameters);
+        }
+        for (size_t i = 0; i < cmd.args.size(); ++i) {
+            if (cmd.Has(i) && (!cmd.Int(i, values[i]) || values[i] < 0 || values[i] > limits[i])) {
+                return AtReply::Cme(cme::kIncorrectParameters);
+            }
+        }
+        net.band = values[0];
+        net.modeA = values[1];
+        net.modeB = values[2];
+        net.domain = values[3];
+        return AtReply::Ok();
+    }
+    case Form::Action:
+        return AtReply::Error();
+    }
+    return AtReply::Error();
+}
+
+// AT+SSND? -> +SSND: HSDPA
+AtReply Ssnd(SimModem& m, const AtCommand& cmd) {
+    if (cmd.form == Form::Test) {
+        return AtReply::Ok();
+    }
+    const Operator* op = CurrentOperator(m);
+    if (!IsRegistered(m) || !op) {
+        return AtReply::Line("+SSND: NO SERVICE");
+    }
+    std::string bearer = m.State().network.bearer;
+    if (op->act == 0 && bearer != "GSM" && bearer != "GPRS" && bearer != "EDGE") {
+        bearer = "EDGE";
+    }
+    return AtReply::Line("+SSND: " + bearer);
+}
+
+// AT+SPNM -> +SPNM: 01566F6461666F6E65FFFFFFFFFFFFFFFF  (EF-SPN: display byte, then the name)
+AtReply Spnm(SimModem& m, const AtCommand& cmd) {
+    if (cmd.form == Form::Test) {
+        return AtReply::Ok();
+    }
+    const SimCard& sim = m.State().sim;
+    if (sim.spn.empty()) {
+        return AtReply::Cme(cme::kNotFound);
+    }
+    Bytes name;
+    if (sim.spnUcs2) {
+        name.push_back(0x80);
+        Bytes utf16 = TextToUtf16Be(Utf8ToUtf32(sim.spn));
+        name.insert(name.end(), utf16.begin(), utf16.end());
+    } else {
+        name = EncodeSimAlphaId(sim.spn);
+    }
+    name.resize(16, 0xFF);
+    Bytes file;
+    file.push_back(static_cast<uint8_t>(sim.spnDisplay & 0xFF));
+    file.insert(file.end(), name.begin(), name.end());
+    return AtReply::Line("+SPNM: " + ToHex(file));
+}
+
+// One PLMN of EF-SPDI, nibble-swapped: "26202" -> "62F220".
+bool PlmnToBcd(const std::string& plmn, std::string& out) {
+    if (plmn.size() != 5 && plmn.size() != 6) {
+        return false;
+    }
+    for (char c : plmn) {
+        if (c < '0' || c > '9') {
+            return false;
+        }
+    }
+    char mnc3 = plmn.size() == 6 ? plmn[5] : 'F';
+    out = {plmn[1], plmn[0], mnc3, plmn[2], plmn[4], plmn[3]};
+    return true;
+}
+
+// AT+SPDI -> +SPDI: A3058003 62F220  (tag A3, length, PLMN list tag 80, length, PLMNs)
+AtReply Spdi(SimModem& m, const AtCommand& cmd) {
+    if (cmd.form == Form::Test) {
+        return AtReply::Ok();
+    }
+    std::string list;
+    for (const std::string& plmn : m.State().sim.spdi) {
+        std::string bcd;
+        if (PlmnToBcd(plmn, bcd) && list.size() < 2 * 3 * 40) {
+            list += bcd;
+        }
+    }
+    int inner = static_cast<int>(list.size() / 2);
+    char head[16];
+    std::snprintf(head, sizeof head, "A3%02X80%02X", (inner + 2) & 0xFF, inner & 0xFF);
+    return AtReply::Line("+SPDI: " + std::string(head) + list);
+}
+
+} // namespace
+
+int RegistrationStat(const SimModem& m) {
+    const Network& net = m.State().network;
+    if (!m.SimReady() || net.cfun != 1) {
+        return 0;
+    }
+    if (net.regOverride >= 0) {
+        return net.regOverride;
+    }
+    const Operator* op = CurrentOperator(m);
+    if (!op) {
+        return net.selectionMode == 2 ? 0 : 2;
+    }
+    return IsHome(m.State(), *op) ? 1 : 5;
+}
+
+bool IsRegistered(const SimModem& m) {
+    int stat = RegistrationStat(m);
+    return stat == 1 || stat == 5;
+}
+
+void UpdateRegistration(SimModem& m) {
+    int target = TargetOperator(m);
+    Network& net = m.State().network;
+    if (target == net.current) {
+        return;
+    }
+    if (target >= 0 && net.registerDelayMs > 0) {
+        Register(m, -1);
+        m.After(net.registerDelayMs, [](SimModem& later) { Register(later, TargetOperator(later)); });
+        return;
+    }
+    Register(m, target);
+}
+
+void SetFunctionality(SimModem& m, int level) {
+    int oldStat = RegistrationStat(m);
+    int oldPacket = PacketStat(m);
+    m.State().network.cfun = level;
+    if (level != 1) {
+        m.State().network.current = -1;
+    }
+    ReportChange(m, oldStat, oldPacket);
+    UpdateRegistration(m);
+}
+
+nlohmann::json SetSignal(SimModem& m, int csq) {
+    if ((csq < 0 || csq > 31) && csq != 99) {
+        return {{"ok", false}, {"error", "CSQ must be 0-31 or 99"}};
+    }
+    m.State().network.csq = csq;
+    return {{"ok", true}, {"csq", csq}};
+}
+
+nlohmann::json SetRegistration(SimModem& m, int stat) {
+    if (stat < -1 || stat > 5) {
+        return {{"ok", false}, {"error", "STAT must be 0-5, or -1 for automatic"}};
+    }
+    int oldStat = RegistrationStat(m);
+    int oldPacket = PacketStat(m);
+    m.State().network.regOverride = stat;
+    ReportChange(m, oldStat, oldPacket);
+    return {{"ok", true}, {"stat", RegistrationStat(m)}};
+}
+
+void RegisterNetworkCommands(CommandTable& table) {
+    table["+CSQ"] = {Csq, SimNeed::None};
+    table["+CREG"] = {Creg, SimNeed::None};
+    table["+CGREG"] = {Cgreg, SimNeed::None};
+    table["+CGATT"] = {Cgatt, SimNeed::None};
+    table["+COPS"] = {Cops, SimNeed::None};
+    table["+SYSSEL"] = {Syssel, SimNeed::None};
+    table["+SSND"] = {Ssnd, SimNeed::None};
+    table["+SPNM"] = {Spnm, SimNeed::Ready};
+    table["+SPDI"] = {Spdi, SimNeed::Ready};
+}
+
+} // namespace modemsim
