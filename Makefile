@@ -1,10 +1,12 @@
 # Dialtone developer commands. Everything goes through CMake; see README.md.
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_GEN  := -G Ninja
 
-.PHONY: all bootstrap configure build check asan bench demo format clean
+.PHONY: all bootstrap configure build check asan bench fuzz demo format clean
 
 all: build
 
@@ -28,6 +30,17 @@ asan: bootstrap
 
 bench: build
 	@$(BUILD)/bench/dialtone_bench
+
+# Runs the PDU decoder's libFuzzer target for FUZZ_SECONDS. Needs clang (Debian's clang package), which
+# make check does not; findings land in $(FUZZ_BUILD)/ as crash-* files.
+fuzz: bootstrap
+	@command -v clang++ >/dev/null || { echo "make fuzz: needs clang++ (apt-get install clang)" >&2; exit 1; }
+	@cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
+		-DCMAKE_CXX_COMPILER=clang++ -DDIALTONE_FUZZ=ON -DDIALTONE_BUILD_TESTS=OFF -DDIALTONE_BUILD_BENCH=OFF >/dev/null
+	@cmake --build $(FUZZ_BUILD) -j $(JOBS) --target pdu_decode_fuzz
+	@mkdir -p $(FUZZ_BUILD)/corpus
+	@cd $(FUZZ_BUILD) && ./fuzz/pdu_decode_fuzz -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
+		corpus $(CURDIR)/fuzz/corpus
 
 demo:
 	@echo "make demo: there is no front end yet; it arrives with the command-line tool." >&2

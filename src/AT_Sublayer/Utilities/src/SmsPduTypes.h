@@ -114,9 +114,11 @@ struct TTpduStatusReport {
 
 // A decoded TPDU: nTpduType (SMS_TPDU_*) tells which member is filled.
 struct TTpduData {
+    TTpduData() : deliver() {}
+
     uint32_t nTpduType = 0;
     union {
-        TTpduDeliver deliver{};
+        TTpduDeliver deliver;
         TTpduSubmit submit;
         TTpduStatusReport statusReport;
     };

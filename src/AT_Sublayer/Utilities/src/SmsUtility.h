@@ -179,11 +179,12 @@ private:
     bool m_bLatinSupport = false;
     std::string m_strImsi;
 
+    // The computer-side store; listing and saving belong to the reading of the storages.
     void* m_pcContext = nullptr;
-    SmsPCListCallback m_pfnPCList = nullptr;
-    SmsPCSaveCallback m_pfnPCSave = nullptr;
+    [[maybe_unused]] SmsPCListCallback m_pfnPCList = nullptr;
+    [[maybe_unused]] SmsPCSaveCallback m_pfnPCSave = nullptr;
     SmsPCDeleteCallback m_pfnPCDelete = nullptr;
-    bool m_bPCStoreEnabled = false;
+    [[maybe_unused]] bool m_bPCStoreEnabled = false;
 
     uint32_t m_nNextTableId = 1;
     std::list<CMsgListTableItem> m_messageTable;

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+// What every command family of the dialtone tool shares: the global options, the exit status, and the
+// rules for output (human-readable text by default, one JSON document with --json; errors on standard
+// error, and with --json an object with "ERROR_CODE" on standard output).
+
+// Exit status of the tool.
+enum : int {
+    EXIT_OK = 0,
+    EXIT_FAILED = 1, // the modem or the system reported a failure
+    EXIT_USAGE = 2,
+};
+
+struct CliContext {
+    bool json = false;
+    bool debug = false;
+    int exitCode = EXIT_OK; // set by the command that ran
+};
+
+// Reports a failed operation: "dialtone: <what> (result <code>)" on standard error, and the error object
+// with --json. Returns EXIT_FAILED.
+int ReportFailure(const CliContext& context, int resultCode, const std::string& what);
+// Reports a usage error found after parsing (an argument CLI11 could not check). Returns EXIT_USAGE.
+int ReportUsage(const std::string& what);
+
+// Prints one JSON document on standard output; text that is not UTF-8 is replaced, never fatal.
+void PrintJson(const nlohmann::json& document);
+
+// Wide text (UTF-32, or UTF-16 units as UCS2 messages carry them: surrogate pairs are joined) to UTF-8;
+// anything that is not a character becomes U+FFFD.
+std::string ToUtf8(const std::wstring& text);
+// UTF-8 to wide text, one character per wchar_t; malformed sequences become U+FFFD.
+std::wstring FromUtf8(const std::string& text);

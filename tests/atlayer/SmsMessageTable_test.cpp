@@ -1,0 +1,436 @@
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ScriptedAtFake.h"
+#include "SmsPduVectors.h"
+#include "SmsUtility.h"
+
+namespace {
+
+// One stored SMS-DELIVER as AT+CMGL would list it.
+struct Stored {
+    uint32_t storage = SMS_STORAGE_SIM;
+    uint32_t index = 1;
+    uint32_t status = SMS_STATUS_READ;
+    const char* digits = "4917012345678"; // international
+    std::wstring text = L"hi";
+    int reference = 0;
+    int total = 0; // 0: a single message
+    int sequence = 0;
+    uint8_t dcs = 0x00;
+    uint8_t pid = 0x00;
+    const char* time = "120101110000"; // yyMMddhhmmss
+};
+
+TMessageListItem Deliver(const Stored& s) {
+    TMessageListItem item;
+    item.nStorage = s.storage;
+    item.nIndex = s.index;
+    item.nStatus = s.status;
+    TTpduData& tpdu = item.pduData.tpdu;
+    tpdu.nTpduType = SMS_TPDU_DELIVER;
+    TTpduDeliver& deliver = tpdu.deliver;
+    deliver.originating.nType = 0x11;
+    std::strcpy(deliver.originating.szAddress, s.digits);
+    deliver.nDcs = s.dcs;
+    deliver.nPid = s.pid;
+    uint8_t* fields[] = {&deliver.timeStamp.nYear, &deliver.timeStamp.nMonth,  &deliver.timeStamp.nDay,
+                         &deliver.timeStamp.nHour, &deliver.timeStamp.nMinute, &deliver.timeStamp.nSecond};
+    for (int i = 0; i < 6; ++i)
+        *fields[i] = static_cast<uint8_t>((s.time[2 * i] - '0') << 4 | (s.time[2 * i + 1] - '0'));
+    if (s.total != 0) {
+        deliver.bUdhi = 1;
+        deliver.userData.header = {1, static_cast<uint8_t>(s.reference), static_cast<uint8_t>(s.total),
+                                   static_cast<uint8_t>(s.sequence)};
+    }
+    deliver.userData.nLength = static_cast<uint32_t>(CSmsUtility::WStringToDefault7Bit(
+        s.text.data(), static_cast<int>(s.text.size()), deliver.userData.data, kUserDataSize));
+    return item;
+}
+
+// Adds without delete-on-read; returns the result and the table id.
+std::pair<int, uint32_t> Add(CSmsUtility& sms, const Stored& s, bool deleteOnRead = false) {
+    bool added = false, deleted = false, replaced = false;
+    uint32_t id = 0;
+    const int result = sms.AddMsgItemToListTable(Deliver(s), added, id, deleted, replaced, deleteOnRead);
+    return {result, id};
+}
+
+std::vector<TSmsListItem> Merged(const std::list<CMsgListTableItem>& table) {
+    std::vector<TSmsListItem> merged;
+    for (const CMsgListTableItem& item : table)
+        CSmsUtility::MergePackets(item, merged.emplace_back());
+    return merged;
+}
+
+std::wstring Part(int n) {
+    return std::to_wstring(n) + L",";
+}
+
+// The storage selection and deletion of one stored message, as the table sends them.
+void ExpectDeletion(ScriptedAtFake& fake, const char* storage, int index,
+                    const char* answer = ScriptedAtFake::kOk) {
+    fake.Expect(std::string("AT+CPMS=\"") + storage + "\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n")
+        .WithTimeout(3000)
+        .WithPrefix("+CPMS: ")
+        .WithFinals({"OK", "ERROR", "+CME ERROR"});
+    fake.Expect("AT+CMGD=" + std::to_string(index) + "\r", answer)
+        .WithTimeout(5000)
+        .WithoutPrefix()
+        .WithFinals({"OK", "+CMS ERROR", "ERROR"});
+}
+
+TEST(SmsMessageTable, SegmentsMergeInSequenceOrder) {
+    CSmsUtility sms;
+    std::vector<uint32_t> ids;
+    for (int sequence : {2, 1, 3}) {
+        const auto [result, id] = Add(sms, {.index = static_cast<uint32_t>(10 + sequence),
+                                            .text = Part(sequence),
+                                            .reference = 7,
+                                            .total = 3,
+                                            .sequence = sequence});
+        EXPECT_EQ(result, 0);
+        ids.push_back(id);
+        if (sequence == 2) {
+            const TSmsListItem first = Merged(sms.MessageTable()).at(0);
+            EXPECT_EQ(first.nCompleted, 0);
+            EXPECT_EQ(first.nExpected, 3);
+            EXPECT_EQ(first.nReceived, 1);
+        }
+    }
+    EXPECT_EQ(ids, std::vector<uint32_t>(3, ids[0]));
+    const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
+    ASSERT_EQ(merged.size(), 1u);
+    EXPECT_EQ(merged[0].wstrContent, L"1,2,3,");
+    EXPECT_EQ(merged[0].nCompleted, 1);
+    EXPECT_EQ(merged[0].nReceived, 3);
+    EXPECT_EQ(merged[0].nTotal, 3);
+    EXPECT_EQ(merged[0].nReference, 7);
+    EXPECT_EQ(merged[0].nRef, static_cast<int32_t>(ids[0]));
+    EXPECT_STREQ(merged[0].szNumber, "+4917012345678");
+    EXPECT_EQ(merged[0].dateTime.nYear, 2012);
+    EXPECT_EQ(merged[0].dateTime.nHour, 11);
+}
+
+// Which segments join an existing message, which open another, and which are refused as duplicates.
+TEST(SmsMessageTable, DuplicatesAndLookalikes) {
+    const Stored first{.index = 1, .reference = 9, .total = 2, .sequence = 1};
+    struct Row {
+        const char* what;
+        Stored segment;
+        int result;
+        std::size_t items; // table items afterwards
+    };
+    const Row rows[] = {
+        {"the same segment read again", first, 1, 1},
+        {"the same part under another index", {.index = 2, .reference = 9, .total = 2, .sequence = 1}, 0, 2},
+        {"same reference, another total", {.index = 3, .reference = 9, .total = 3, .sequence = 2}, 0, 2},
+        {"another sender",
+         {.index = 4, .digits = "4917099999999", .reference = 9, .total = 2, .sequence = 2},
+         0,
+         2},
+        {"another storage",
+         {.storage = SMS_STORAGE_MODEM, .index = 1, .reference = 9, .total = 2, .sequence = 2},
+         0,
+         2},
+        {"another class", {.index = 5, .reference = 9, .total = 2, .sequence = 2, .dcs = 0x11}, 0, 2},
+        {"the missing part", {.index = 6, .reference = 9, .total = 2, .sequence = 2}, 0, 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        CSmsUtility sms;
+        ASSERT_EQ(Add(sms, first).first, 0);
+        bool added = true, deleted = true, replaced = true;
+        uint32_t id = 0;
+        EXPECT_EQ(sms.AddMsgItemToListTable(Deliver(row.segment), added, id, deleted, replaced, false),
+                  row.result);
+        EXPECT_EQ(added, row.result == 0);
+        EXPECT_FALSE(deleted);
+        EXPECT_FALSE(replaced);
+        EXPECT_EQ(sms.MessageTable().size(), row.items);
+        EXPECT_EQ(sms.MessageTable().front().packets.size(), row.items == 1 && row.result == 0 ? 2u : 1u);
+    }
+
+    // Single messages: the same index in the same storage is the same message.
+    CSmsUtility sms;
+    EXPECT_EQ(Add(sms, {.index = 4}).first, 0);
+    EXPECT_EQ(Add(sms, {.index = 4, .text = L"other"}).first, 1);
+    EXPECT_EQ(Add(sms, {.storage = SMS_STORAGE_MODEM, .index = 4}).first, 0);
+    EXPECT_EQ(Add(sms, {.index = 5}).first, 0);
+    EXPECT_EQ(sms.MessageTable().size(), 3u);
+    const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
+    EXPECT_EQ(merged[0].nCompleted, 1);
+    EXPECT_EQ(merged[0].nExpected, 1);
+    EXPECT_EQ(merged[0].nTotal, 1);
+    EXPECT_NE(merged[0].nRef, merged[1].nRef);
+}
+
+// Long messages are shown in groups of ten parts, each group its own message.
+TEST(SmsMessageTable, GroupsOfTen) {
+    struct Row {
+        int total;
+        int missing; // 0: none
+        std::vector<int> expected;
+        std::vector<int> received;
+    };
+    const Row rows[] = {
+        {12, 0, {10, 2}, {10, 2}},
+        {25, 17, {10, 10, 5}, {10, 9, 5}},
+        {10, 0, {10}, {10}},
+        {11, 11, {10}, {10}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.total);
+        CSmsUtility sms;
+        for (int sequence = 1; sequence <= row.total; ++sequence) {
+            if (sequence == row.missing)
+                continue;
+            ASSERT_EQ(Add(sms, {.index = static_cast<uint32_t>(sequence),
+                                .text = Part(sequence),
+                                .reference = 200,
+                                .total = row.total,
+                                .sequence = sequence})
+                          .first,
+                      0);
+        }
+        const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
+        ASSERT_EQ(merged.size(), row.expected.size());
+        for (std::size_t group = 0; group < merged.size(); ++group) {
+            EXPECT_EQ(merged[group].nExpected, row.expected[group]) << "group " << group;
+            EXPECT_EQ(merged[group].nReceived, row.received[group]) << "group " << group;
+            EXPECT_EQ(merged[group].nCompleted, row.expected[group] == row.received[group])
+                << "group " << group;
+            EXPECT_EQ(merged[group].nTotal, row.total);
+            std::wstring text;
+            const int first = static_cast<int>(group) * 10 + 1;
+            for (int sequence = first; sequence < first + row.expected[group]; ++sequence)
+                text += sequence == row.missing ? L"" : Part(sequence);
+            EXPECT_EQ(merged[group].wstrContent, text);
+        }
+    }
+}
+
+TEST(SmsMessageTable, UnreadOrUnsentStatusWins) {
+    CSmsUtility sms;
+    Add(sms, {.index = 1, .status = SMS_STATUS_READ, .reference = 1, .total = 3, .sequence = 1});
+    Add(sms, {.index = 2, .status = SMS_STATUS_UNREAD, .reference = 1, .total = 3, .sequence = 2});
+    EXPECT_EQ(sms.MessageTable().front().nStatus, SMS_STATUS_UNREAD);
+    Add(sms, {.index = 3, .status = SMS_STATUS_SENT, .reference = 1, .total = 3, .sequence = 3});
+    EXPECT_EQ(sms.MessageTable().front().nStatus, SMS_STATUS_UNREAD);
+}
+
+// A replace message (TP-PID 0x41-0x47) takes the place of an older one from the same sender.
+TEST(SmsMessageTable, ReplaceMessages) {
+    const Stored old{.index = 3, .text = L"old", .pid = 0x41, .time = "120102100000"};
+    struct Row {
+        const char* what;
+        Stored incoming;
+        bool deleteOnRead;
+        bool deletes;
+        const char* deleteAnswer;
+        bool replaced;
+    };
+    const Row rows[] = {
+        // One field smaller makes the stored one older, even when an earlier field is larger.
+        {"newer by the hour",
+         {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120101110000"},
+         true,
+         true,
+         ScriptedAtFake::kOk,
+         true},
+        {"same time",
+         {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120102100000"},
+         true,
+         false,
+         nullptr,
+         false},
+        {"another replace type",
+         {.index = 4, .status = 0, .text = L"new", .pid = 0x42, .time = "130101000000"},
+         true,
+         false,
+         nullptr,
+         false},
+        {"another sender",
+         {.index = 4, .status = 0, .digits = "4930123", .text = L"new", .pid = 0x41, .time = "130101000000"},
+         true,
+         false,
+         nullptr,
+         false},
+        {"listing, not a new message",
+         {.index = 4, .text = L"new", .pid = 0x41, .time = "130101000000"},
+         false,
+         false,
+         nullptr,
+         false},
+        {"deletion refused",
+         {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "130101000000"},
+         true,
+         true,
+         "\r\n+CMS ERROR: 321\r\n",
+         false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        CSmsUtility sms;
+        sms.RegisterExecAT(ScriptedAtFake::Callback());
+        const uint32_t oldId = Add(sms, old).second;
+        ScriptedAtFake fake;
+        if (row.deletes)
+            ExpectDeletion(fake, "SM", 3, row.deleteAnswer);
+        bool added = false, deleted = true, replaced = false;
+        uint32_t id = 0;
+        ASSERT_EQ(
+            sms.AddMsgItemToListTable(Deliver(row.incoming), added, id, deleted, replaced, row.deleteOnRead),
+            0);
+        EXPECT_TRUE(added);
+        EXPECT_FALSE(deleted);
+        EXPECT_EQ(replaced, row.replaced);
+        const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
+        if (row.replaced) {
+            EXPECT_EQ(id, oldId);
+            ASSERT_EQ(merged.size(), 1u);
+            EXPECT_EQ(merged[0].wstrContent, L"new");
+            EXPECT_EQ(merged[0].nTag, SMS_STATUS_UNREAD);
+            EXPECT_EQ(merged[0].dateTime.nDay, 1);
+            EXPECT_EQ(merged[0].nCompleted, 1);
+            ASSERT_EQ(sms.MessageTable().front().packets.size(), 1u);
+            EXPECT_EQ(sms.MessageTable().front().packets.front().nIndex, 4u);
+        } else {
+            EXPECT_NE(id, oldId);
+            ASSERT_EQ(merged.size(), 2u);
+            EXPECT_EQ(merged[0].wstrContent, L"old");
+            EXPECT_EQ(merged[1].wstrContent, L"new");
+        }
+    }
+}
+
+// Class 0 messages are shown once: deleted from their storage as they arrive and kept apart.
+TEST(SmsMessageTable, FlashMessages) {
+    const Stored flash{
+        .storage = SMS_STORAGE_MODEM, .index = 7, .status = SMS_STATUS_UNREAD, .text = L"flash", .dcs = 0x10};
+    struct Row {
+        const char* what;
+        Stored message;
+        bool deleteOnRead;
+        int deletion; // -1 none sent, 0 accepted, else the exchange's failure code
+        bool deleted;
+    };
+    Stored read = flash;
+    read.status = SMS_STATUS_READ;
+    const Row rows[] = {
+        {"new flash message", flash, true, 0, true},
+        {"listed, not new", flash, false, -1, false},
+        {"already read", read, true, -1, false},
+        {"storage not selectable", flash, true, 2, false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        CSmsUtility sms;
+        sms.RegisterExecAT(ScriptedAtFake::Callback());
+        ScriptedAtFake fake;
+        if (row.deletion == 0)
+            ExpectDeletion(fake, "ME", 7);
+        else if (row.deletion > 0)
+            fake.ExpectFailure("AT+CPMS=\"ME\"\r", row.deletion);
+        bool added = false, deleted = !row.deleted, replaced = false;
+        uint32_t id = 0;
+        ASSERT_EQ(
+            sms.AddMsgItemToListTable(Deliver(row.message), added, id, deleted, replaced, row.deleteOnRead),
+            0);
+        EXPECT_EQ(deleted, row.deleted);
+        EXPECT_EQ(sms.DeletedTable().size(), row.deleted ? 1u : 0u);
+        EXPECT_EQ(sms.MessageTable().size(), row.deleted ? 0u : 1u);
+        const auto& table = row.deleted ? sms.DeletedTable() : sms.MessageTable();
+        EXPECT_EQ(table.front().nId, id);
+        EXPECT_EQ(table.front().nClass, 0);
+    }
+}
+
+struct PcDeletes {
+    std::string imsi;
+    std::vector<int> indexes;
+};
+
+int DeleteFromPc(void* context, const char* imsi, int index) {
+    auto* log = static_cast<PcDeletes*>(context);
+    log->imsi = imsi;
+    log->indexes.push_back(index);
+    return 0;
+}
+
+// 8-bit deliveries (ring tones, settings) are data, not messages: deleted and never listed.
+TEST(SmsMessageTable, DataMessagesAreDeletedNotListed) {
+    CSmsUtility sms;
+    sms.RegisterExecAT(ScriptedAtFake::Callback());
+    PcDeletes pc;
+    sms.SetIMSI("262011234567890");
+    sms.RegisterPCCallback(&pc, nullptr, nullptr, &DeleteFromPc, 1);
+    {
+        ScriptedAtFake fake;
+        ExpectDeletion(fake, "SM", 12);
+        bool added = true, deleted = false, replaced = false;
+        uint32_t id = 0;
+        EXPECT_EQ(sms.AddMsgItemToListTable(Deliver({.index = 12, .dcs = 0xF5}), added, id, deleted, replaced,
+                                            false),
+                  0);
+        EXPECT_FALSE(added);
+    }
+    bool added = true, deleted = false, replaced = false;
+    uint32_t id = 0;
+    EXPECT_EQ(sms.AddMsgItemToListTable(Deliver({.storage = SMS_STORAGE_PC, .index = 9, .dcs = 0x04}), added,
+                                        id, deleted, replaced, false),
+              0);
+    EXPECT_FALSE(added);
+    EXPECT_EQ(pc.imsi, "262011234567890");
+    EXPECT_EQ(pc.indexes, std::vector<int>{9});
+    EXPECT_TRUE(sms.MessageTable().empty());
+    EXPECT_TRUE(sms.DeletedTable().empty());
+}
+
+// Two parts of a real message, read out of order, make one text.
+TEST(SmsMessageTable, RealConcatenatedPdus) {
+    CSmsUtility sms;
+    for (int row : {6, 5}) {
+        const sms_test::PduRow& pdu = sms_test::kDecodeRows[row];
+        TMessageListItem item;
+        item.nStorage = SMS_STORAGE_SIM;
+        item.nIndex = static_cast<uint32_t>(row);
+        ASSERT_EQ(CSmsUtility::DecodePduData(pdu.hex, pdu.tpduLength, item.pduData), 0);
+        bool added = false, deleted = false, replaced = false;
+        uint32_t id = 0;
+        ASSERT_EQ(sms.AddMsgItemToListTable(item, added, id, deleted, replaced, false), 0);
+    }
+    const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
+    ASSERT_EQ(merged.size(), 1u);
+    EXPECT_EQ(merged[0].wstrContent, sms_test::kDecodeRows[5].text + sms_test::kDecodeRows[6].text);
+    EXPECT_EQ(merged[0].nCompleted, 1);
+    EXPECT_STREQ(merged[0].szNumber, "+16175046925");
+}
+
+TEST(SmsMessageTable, StatusReportsAndSubmitsAsPackets) {
+    TMessageListItem item;
+    item.nIndex = 5;
+    item.nStorage = SMS_STORAGE_MODEM;
+    const sms_test::PduRow& report = sms_test::kDecodeRows[9];
+    ASSERT_EQ(CSmsUtility::DecodePduData(report.hex, report.tpduLength, item.pduData), 0);
+    TMsgPacket packet;
+    CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
+    EXPECT_EQ(packet.nTpduType, SMS_TPDU_STATUS_REPORT);
+    EXPECT_EQ(packet.nStatusReportStatus, 0x30u);
+    EXPECT_EQ(packet.nClass, kSmsNoClass);
+    EXPECT_EQ(packet.dateTime.nMinute, 40);
+
+    const sms_test::PduRow& submit = sms_test::kDecodeRows[8];
+    ASSERT_EQ(CSmsUtility::DecodePduData(submit.hex, submit.tpduLength, item.pduData), 0);
+    CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
+    EXPECT_EQ(packet.nTpduType, SMS_TPDU_SUBMIT);
+    EXPECT_EQ(packet.nStatusReportStatus, kSmsNoReportStatus);
+    EXPECT_EQ(packet.dateTime.bValid, 0);
+    EXPECT_EQ(packet.nIndex, 5u);
+    EXPECT_EQ(packet.nStorage, SMS_STORAGE_MODEM);
+}
+
+} // namespace

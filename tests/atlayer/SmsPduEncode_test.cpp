@@ -1,0 +1,282 @@
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "SmsUtility.h"
+
+namespace {
+
+std::string Hex(const uint8_t* data, int count) {
+    static const char* const digits = "0123456789ABCDEF";
+    std::string hex;
+    for (int i = 0; i < count; ++i) {
+        hex += digits[data[i] >> 4];
+        hex += digits[data[i] & 0x0F];
+    }
+    return hex;
+}
+
+std::vector<uint8_t> Septets(const std::string& ascii) {
+    return {ascii.begin(), ascii.end()};
+}
+
+TEST(SmsPduEncode, SubmitOctets) {
+    TTpduSubmit submit;
+    submit.nMti = 1;
+    submit.bRejectDuplicates = 1;
+    submit.nVpf = 2;
+    submit.nMessageRef = 0x77; // not used
+    TSmsAddress number;
+    std::strcpy(number.szNumber, "+46708251358");
+    CSmsUtility::TSmsAddressToTMsgAddress(number, submit.destination);
+    submit.validPeriod.nHour = 0x12;
+    submit.userData.nLength = 5;
+    std::memcpy(submit.userData.data, "hello", 5);
+
+    TProtocalTpduData first;
+    TProtocalTpduData second;
+    ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), 0);
+    ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(submit, second), 0);
+    // RD and VPF 2; TP-MR; "+46708251358"; PID, DCS; 12 hours; "hello" packed.
+    const std::string hex = Hex(first.data, static_cast<int>(first.nLength));
+    EXPECT_EQ(hex.substr(0, 2), "15");
+    EXPECT_EQ(hex.substr(4), "0B916407281553F800008F05E8329BFD06");
+    EXPECT_EQ(first.nLength, 19u);
+    // Every submit takes the next message reference, whatever the record says.
+    EXPECT_EQ(static_cast<uint8_t>(second.data[1] - first.data[1]), 1);
+
+    submit.bStatusReportRequest = 1;
+    submit.bReplyPath = 1;
+    submit.nVpf = 0;
+    submit.bUdhi = 1;
+    submit.userData.header = {1, 0xCC, 2, 1};
+    ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), 0);
+    EXPECT_EQ(Hex(first.data, 1), "E5");
+    EXPECT_EQ(Hex(first.data + 2, static_cast<int>(first.nLength) - 2),
+              "0B916407281553F800000C050003CC0201D06536FB0D");
+
+    // "*" and "#" cannot be sent; nor can more than 140 octets of user data.
+    std::strcpy(submit.destination.szAddress, "*100#");
+    EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), 1);
+    std::strcpy(submit.destination.szAddress, "123");
+    submit.userData.nLength = 154; // 154 septets and the header: 141 octets
+    EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), 1);
+    submit.userData.nLength = 153;
+    EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), 0);
+    EXPECT_EQ(first.data[8], 160); // UDL: 153 septets and the header's 7
+}
+
+TEST(SmsPduEncode, Addresses) {
+    struct Row {
+        const char* number;
+        const char* hex;
+    };
+    const Row rows[] = {
+        {"+46708251358", "0B916407281553F8"},
+        {"1800", "04818100"},
+        {"+1", "0191F1"},
+        {"", "0081"},
+        {"*100#", ""},
+        {"12#", ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.number);
+        TSmsAddress number;
+        std::strcpy(number.szNumber, row.number);
+        TMsgAddress address;
+        CSmsUtility::TSmsAddressToTMsgAddress(number, address);
+        uint8_t octets[16] = {};
+        const int written = CSmsUtility::EncodeTpduAddress(address, octets, sizeof octets);
+        EXPECT_EQ(Hex(octets, written), row.hex);
+        TSmsAddress back;
+        if (written > 0) {
+            TMsgAddress decoded;
+            ASSERT_EQ(CSmsUtility::DecodeTpduAddress(octets, written, decoded), written);
+            CSmsUtility::TMsgAddressToTSmsAddress(decoded, back);
+            EXPECT_STREQ(back.szNumber, row.number);
+        }
+    }
+    TMsgAddress address;
+    std::strcpy(address.szAddress, "46708251358");
+    uint8_t small[7];
+    EXPECT_EQ(CSmsUtility::EncodeTpduAddress(address, small, sizeof small), 0);
+    // The longest number the field holds, with "+" added, still fits the business layer's record.
+    address.nType = 0x11;
+    std::memset(address.szAddress, '9', kMsgAddressSize - 1);
+    TSmsAddress number;
+    CSmsUtility::TMsgAddressToTSmsAddress(address, number);
+    EXPECT_EQ(std::strlen(number.szNumber), static_cast<std::size_t>(kSmsNumberSize - 1));
+    EXPECT_EQ(number.szNumber[0], '+');
+}
+
+TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
+    struct Row {
+        TMsgTimeStamp period; // BCD years, months, days, hours, minutes
+        int vp;
+    };
+    const Row rows[] = {
+        {{0, 0, 0, 0x00, 0x00}, 0},      {{0, 0, 0, 0x00, 0x05}, 0},   {{0, 0, 0, 0x00, 0x06}, 1},
+        {{0, 0, 0, 0x01, 0x00}, 11},     {{0, 0, 0, 0x12, 0x00}, 143}, {{0, 0, 0, 0x12, 0x01}, 143},
+        {{0, 0, 0, 0x12, 0x30}, 143},    {{0, 0, 0, 0x12, 0x58}, 143}, {{0, 0, 0, 0x12, 0x59}, 144},
+        {{0, 0, 0, 0x13, 0x28}, 144},    {{0, 0, 0, 0x13, 0x29}, 145}, {{0, 0, 0, 0x24, 0x00}, 166},
+        {{0, 0, 0x01, 0x23, 0x59}, 167}, {{0, 0, 0x30, 0, 0}, 196},    {{0, 0x01, 0x00, 0, 0}, 196},
+        {{0, 0, 0x31, 0, 0}, 197},       {{0, 0x01, 0x05, 0, 0}, 197}, {{0x01, 0x02, 0x10, 0, 0}, 255},
+        {{0x01, 0x02, 0x17, 0, 0}, 0}, // 442 days wrap around
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << std::hex << int(row.period.nYear) << "y " << int(row.period.nMonth)
+                                        << "m " << int(row.period.nDay) << "d " << int(row.period.nHour)
+                                        << "h " << int(row.period.nMinute) << "min");
+        EXPECT_EQ(CSmsUtility::EncodeRelativeTime(row.period), row.vp);
+    }
+}
+
+// The user's period is stored as plain numbers and read back as BCD: 20 days go out as 14.
+TEST(SmsPduEncode, ValidPeriodSettingsAsSent) {
+    struct Row {
+        TSmsValidPeriod setting; // enabled, weeks, days, hours
+        int vp;
+    };
+    const Row rows[] = {
+        {{1, 0, 20, 0}, 180}, {{1, 0, 14, 0}, 180}, {{1, 255, 0, 0}, 255}, {{1, 1, 0, 0}, 173},
+        {{1, 0, 0, 12}, 143}, {{1, 0, 0, 20}, 146}, {{1, 0, 1, 0}, 167},   {{1, 0, 30, 0}, 196},
+        {{1, 4, 3, 0}, 197},  {{0, 0, 20, 5}, 0},   {{1, 0, 0, 0}, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << int(row.setting.bWeek) << "w " << int(row.setting.bDay) << "d "
+                                        << int(row.setting.bHour) << "h");
+        TMsgTimeStamp period;
+        CSmsUtility::TSmsValidPeriodToTMsgTimeStamp(row.setting, period);
+        EXPECT_EQ(CSmsUtility::EncodeRelativeTime(period), row.vp);
+    }
+}
+
+// 3GPP TS 23.038 6.1.2.1.1.
+TEST(SmsPduEncode, SeptetPacking) {
+    struct Row {
+        std::string text;
+        int fillBits;
+        const char* packed;
+    };
+    const Row rows[] = {
+        {"hellohello", 0, "E8329BFD4697D9EC37"},
+        {"12345678", 0, "31D98C56B3DD70"},
+        {"1234567", 0, "31D98C56B3DD00"},
+        {"hello", 1, "D06536FB0D"},
+        {"", 0, ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        const std::vector<uint8_t> septets = Septets(row.text);
+        uint8_t packed[32];
+        std::memset(packed, 0xEE, sizeof packed);
+        packed[0] = 0;
+        const int written = CSmsUtility::PackDefault7BitChars(
+            septets.data(), static_cast<int>(septets.size()), row.fillBits, sizeof packed, packed);
+        EXPECT_EQ(Hex(packed, written), row.packed);
+        uint8_t unpacked[32] = {};
+        EXPECT_EQ(CSmsUtility::UnpackDefault7BitChars(packed, written, static_cast<int>(septets.size()), 32,
+                                                      row.fillBits == 0 ? 0 : 8 - row.fillBits, unpacked),
+                  written);
+        EXPECT_EQ(std::string(reinterpret_cast<char*>(unpacked), septets.size()), row.text);
+    }
+    // The first octet is ORed into (header bits may be there); output stops at its limit.
+    const std::vector<uint8_t> hello = Septets("hello");
+    uint8_t out[4] = {0x01, 0xEE, 0xEE, 0xEE};
+    EXPECT_EQ(CSmsUtility::PackDefault7BitChars(hello.data(), 5, 1, 3, out), 3);
+    EXPECT_EQ(Hex(out, 4), "D16536EE");
+    uint8_t septets[8] = {};
+    EXPECT_EQ(CSmsUtility::UnpackDefault7BitChars(out, 3, 5, 2, 7, septets), 2);
+    EXPECT_EQ(septets[1], 'e');
+}
+
+TEST(SmsPduEncode, CharacterHelpers) {
+    struct Row {
+        std::wstring text;
+        const char* septets;
+    };
+    const Row rows[] = {
+        {L"Az09 !?", "417A30392021 3F"}, {L"@£$¥", "00010203"},
+        {L"€[~]", "1B651B3C1B3D1B3E"},   {L"ç`\u0100\U0001F600", "20202020"}, // not in the alphabet: spaces
+        {std::wstring(1, L'\0'), "20"}, // NUL counts as 7-bit but is sent as a space
+        {L"\n\r\f", "0A0D20"},          // form feed is not the page break
+        {L"ΔΩ_¡¿äÄ", "10151140607B5B"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.septets);
+        uint8_t out[32];
+        const int written = CSmsUtility::WStringToDefault7Bit(
+            row.text.data(), static_cast<int>(row.text.size()), out, sizeof out);
+        std::string expected = row.septets;
+        expected.erase(std::remove(expected.begin(), expected.end(), ' '), expected.end());
+        EXPECT_EQ(Hex(out, written), expected);
+    }
+    // The last octet of the buffer stays zero and an escape pair is never cut.
+    uint8_t out[4];
+    EXPECT_EQ(CSmsUtility::WStringToDefault7Bit(L"abcd", 4, out, 4), 3);
+    EXPECT_EQ(out[3], 0);
+    EXPECT_EQ(CSmsUtility::WStringToDefault7Bit(L"ab€", 3, out, 4), 2);
+    EXPECT_EQ(Hex(out, 4), "61620000");
+
+    struct Back {
+        std::vector<uint8_t> septets;
+        std::wstring text;
+    };
+    const Back backs[] = {
+        {{0x1B, 0x65}, L"€"},         {{0x41, 0x1B}, L"A "}, // an escape at the end is a space
+        {{0x1B, 0x41}, L" A"}, // no extension character: a space, then the septet itself
+        {{0x1B, 0x1B, 0x14}, L" ^"},  {{0x1B, 0x0A}, L"\n"}, // page break
+        {{0x80, 0xFF, 0x00}, L"  @"}, {{0x1B, 0x80}, L"  "},
+    };
+    for (const Back& back : backs) {
+        std::wstring text;
+        CSmsUtility::Default7BitToWstring(back.septets.data(), static_cast<int>(back.septets.size()), text);
+        EXPECT_EQ(text, back.text);
+    }
+
+    EXPECT_TRUE(CSmsUtility::IsDefault7BitChar(L'\0'));
+    EXPECT_TRUE(CSmsUtility::IsDefault7BitChar(L'€'));
+    EXPECT_TRUE(CSmsUtility::IsDefault7BitChar(L'\\'));
+    EXPECT_FALSE(CSmsUtility::IsDefault7BitChar(L'`'));
+    EXPECT_FALSE(CSmsUtility::IsDefault7BitChar(L'ç'));
+    EXPECT_EQ(CSmsUtility::GetEncodeType(L"Grüße {an} alle €"), 0);
+    EXPECT_EQ(CSmsUtility::GetEncodeType(L"ça va"), 1);
+    EXPECT_EQ(CSmsUtility::GetEncodeType(L""), 0);
+    uint8_t septet = 0;
+    EXPECT_EQ(CSmsUtility::WCharToDefault7Bit(L'€', septet), 0); // extension characters are not mapped here
+    EXPECT_EQ(CSmsUtility::WCharToDefault7Bit(L'è', septet), 1);
+    EXPECT_EQ(septet, 0x04);
+
+    uint16_t units[3] = {};
+    const wchar_t wide[] = {L'A', wchar_t(0x4F60), wchar_t(0x1F600)};
+    EXPECT_EQ(CSmsUtility::WStringToBigEndianUcs2(wide, 3, units, 2), 2);
+    EXPECT_EQ(Hex(reinterpret_cast<uint8_t*>(units), 4), "00414F60");
+    EXPECT_EQ(CSmsUtility::WStringToBigEndianUcs2(wide + 2, 1, units, 3), 1);
+    EXPECT_EQ(Hex(reinterpret_cast<uint8_t*>(units), 2), "F600"); // the low 16 bits alone
+}
+
+TEST(SmsPduEncode, UserDataLengthLimits) {
+    TUserData data;
+    data.nLength = 160;
+    EXPECT_EQ(CSmsUtility::ComputeUserDataLength(0x00, data), 140);
+    data.nLength = 70 * 2;
+    EXPECT_EQ(CSmsUtility::ComputeUserDataLength(0x08, data), 140);
+    data.header.bPresent = 1;
+    data.nLength = 153;
+    EXPECT_EQ(CSmsUtility::ComputeUserDataLength(0x00, data), 140);
+    data.nLength = 67 * 2;
+    EXPECT_EQ(CSmsUtility::ComputeUserDataLength(0x08, data), 140);
+    data.nLength = 0xFFFFFFFF;
+    EXPECT_GT(CSmsUtility::ComputeUserDataLength(0x00, data), 140);
+
+    uint8_t out[8];
+    data.header = {};
+    data.nLength = 100;
+    EXPECT_EQ(CSmsUtility::EncodeTpduUserData(0x04, data, out, sizeof out), 8); // bounded by the buffer
+    EXPECT_EQ(out[0], 100);
+}
+
+} // namespace

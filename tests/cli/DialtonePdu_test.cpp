@@ -1,0 +1,152 @@
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string Quote(const std::string& argument) {
+    std::string quoted = "'";
+    for (char c : argument)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+// Runs the installed-to-be binary with the arguments; standard error goes through a temporary file.
+Outcome Dialtone(const std::vector<std::string>& arguments) {
+    char errPath[] = "/tmp/dialtone-cli-XXXXXX";
+    const int fd = mkstemp(errPath);
+    EXPECT_GE(fd, 0);
+    close(fd);
+    std::string command = Quote(DIALTONE_CLI);
+    for (const std::string& argument : arguments)
+        command += " " + Quote(argument);
+    command += " 2>" + Quote(errPath);
+    Outcome run;
+    FILE* pipe = popen(command.c_str(), "r");
+    EXPECT_NE(pipe, nullptr);
+    char buffer[4096];
+    std::size_t n = 0;
+    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0)
+        run.out.append(buffer, n);
+    const int status = pclose(pipe);
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    std::ifstream err(errPath);
+    std::stringstream text;
+    text << err.rdbuf();
+    run.err = text.str();
+    std::remove(errPath);
+    return run;
+}
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+TEST(DialtonePdu, DecodesWhatAModemPrints) {
+    struct Row {
+        std::vector<std::string> arguments;
+        std::vector<std::string> shown;
+    };
+    const Row rows[] = {
+        {{"pdu", "decode", "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37"},
+         {"SMS-DELIVER", "+18005551212", "2011-01-01T12:34:56+00:00", "text:           hellohello"}},
+        {{"--json", "pdu", "decode",
+          "0791947101670000040D91945111325476F80008323041906235400A004800690020D83DDE00", "--tpdu-len", "30"},
+         {"\"wstrContent\": \"Hi \xF0\x9F\x98\x80\"", "\"szNumber\": \"+4915112345678\"", "\"nTpduType\": 0",
+          "\"timeStamp\": \"2023-03-14T09:26:53+01:00\"", "\"nDcs\": 8"}},
+        {{"pdu", "decode", "07919730071111F10414D04937BD2C7797E9D3E614000811309291024061080442043504410442"},
+         {"from:           InternetSMS", "text:           \xD1\x82\xD0\xB5\xD1\x81\xD1\x82"}},
+        {{"pdu", "decode", "07914356060013F1065A098136397339F7219011700463802190117004638030"},
+         {"SMS-STATUS-REPORT", "0x30 (still trying)", "639337937"}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.arguments.back());
+        const Outcome run = Dialtone(row.arguments);
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(run.err, "");
+        for (const std::string& shown : row.shown)
+            EXPECT_NE(run.out.find(shown), std::string::npos) << shown << "\n" << run.out;
+    }
+}
+
+// What encode prints is what the send path writes after AT+CMGS, and decodes back to the text.
+TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
+    const std::string text = std::string(160, 'a') + "{ok}";
+    const Outcome encoded =
+        Dialtone({"pdu", "encode", "+4917012345678", text, "--report", "--validity", "1w"});
+    ASSERT_EQ(encoded.status, 0) << encoded.err;
+    const std::vector<std::string> segments = Lines(encoded.out);
+    ASSERT_EQ(segments.size(), 2u);
+    std::string joined;
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        const Outcome decoded = Dialtone({"--json", "pdu", "decode", segments[i]});
+        ASSERT_EQ(decoded.status, 0) << decoded.err;
+        EXPECT_NE(decoded.out.find("\"nDay\": 7"), std::string::npos) << decoded.out;
+        const std::string key = "\"wstrContent\": \"";
+        const std::size_t at = decoded.out.find(key);
+        ASSERT_NE(at, std::string::npos);
+        joined +=
+            decoded.out.substr(at + key.size(), decoded.out.find('"', at + key.size()) - at - key.size());
+    }
+    EXPECT_EQ(joined, text);
+    // No service centre; then RD, VPF 2 and UDHI, with the status report asked for on the next-to-last part.
+    EXPECT_EQ(segments[0].substr(0, 4), "0075");
+    EXPECT_EQ(segments[1].substr(0, 4), "0055");
+
+    const Outcome json = Dialtone({"--json", "pdu", "encode", "0170", "\xD0\xB6"});
+    ASSERT_EQ(json.status, 0);
+    EXPECT_NE(json.out.find("\"nEncodeType\": 1"), std::string::npos) << json.out;
+    EXPECT_NE(json.out.find("\"strPdu\": \"00"), std::string::npos) << json.out;
+}
+
+TEST(DialtonePdu, FailuresAndUsageErrors) {
+    struct Row {
+        std::vector<std::string> arguments;
+        int status;
+        std::string out; // exact
+        std::string err; // contained
+    };
+    const Row rows[] = {
+        {{"pdu", "decode", "07912143658709F1XX"}, 1, "", "the PDU could not be decoded (result 1)"},
+        {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"ERROR_CODE\": 1\n}\n", "could not be decoded"},
+        {{"pdu", "encode", "*100#", "hi"}, 1, "", "could not be encoded"},
+        {{"pdu", "encode", "123", "hi", "--validity", "3x"}, 2, "", "--validity"},
+        {{"pdu", "encode", "123456789012345678901234", "hi"}, 2, "", "at most 23 characters"},
+        {{"pdu", "decode"}, 2, "", "HEX"},
+        {{"pdu"}, 2, "", "subcommand"},
+        {{"pdu", "decode", "00", "--tpdu-len", "x"}, 2, "", "--tpdu-len"},
+        {{}, 2, "", "subcommand"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::PrintToString(row.arguments));
+        const Outcome run = Dialtone(row.arguments);
+        EXPECT_EQ(run.status, row.status);
+        EXPECT_EQ(run.out, row.out);
+        EXPECT_NE(run.err.find(row.err), std::string::npos) << run.err;
+    }
+    const Outcome version = Dialtone({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out.rfind("dialtone ", 0), 0u);
+    const Outcome help = Dialtone({"pdu", "encode", "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("--validity"), std::string::npos);
+}
+
+} // namespace
