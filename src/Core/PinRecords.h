@@ -1,0 +1,65 @@
+#pragma once
+
+#include "RecordCoding.h"
+
+#include <QMetaType>
+#include <QString>
+
+// PIN requests and results. The state codes are those of the AT sublayer's PIN family.
+
+// Result of "MESSAGE_PIN_GET_INFO": attempts left for the PIN and for the PUK.
+struct BLPINInfo {
+    qint32 nPinCnt = 0;
+    qint32 nPukCnt = 0;
+
+    void encodeWithCoder(QDataStream& coder) const;
+    void initWithCoder(QDataStream& coder);
+    bool operator==(const BLPINInfo& other) const = default;
+};
+
+// Result of "MESSAGE_PIN_CHECK_STATE": the SIM/PIN state and both attempt counters.
+struct BLPinCheckState {
+    qint32 nState = 0;
+    qint32 nPinCnt = 0;
+    qint32 nPukCnt = 0;
+
+    void encodeWithCoder(QDataStream& coder) const;
+    void initWithCoder(QDataStream& coder);
+    bool operator==(const BLPinCheckState& other) const = default;
+};
+
+// Argument of "MESSAGE_PIN_ENABLE": switch the PIN request on or off, with the current PIN.
+struct BLPINEnableInfo {
+    bool blPinEnable = false;
+    QString strPinCode;
+
+    void encodeWithCoder(QDataStream& coder) const;
+    void initWithCoder(QDataStream& coder);
+    bool operator==(const BLPINEnableInfo& other) const = default;
+};
+
+// Argument of "MESSAGE_PIN_CHANGE".
+struct BLPINChangeInfo {
+    QString strOldPin;
+    QString strNewPin;
+
+    void encodeWithCoder(QDataStream& coder) const;
+    void initWithCoder(QDataStream& coder);
+    bool operator==(const BLPINChangeInfo& other) const = default;
+};
+
+// Argument of "MESSAGE_PIN_VERIFY_PUK": the PUK and the PIN to set with it.
+struct BLPINVerifyPukInfo {
+    QString strPUK;
+    QString strNewPin;
+
+    void encodeWithCoder(QDataStream& coder) const;
+    void initWithCoder(QDataStream& coder);
+    bool operator==(const BLPINVerifyPukInfo& other) const = default;
+};
+
+Q_DECLARE_METATYPE(BLPINInfo)
+Q_DECLARE_METATYPE(BLPinCheckState)
+Q_DECLARE_METATYPE(BLPINEnableInfo)
+Q_DECLARE_METATYPE(BLPINChangeInfo)
+Q_DECLARE_METATYPE(BLPINVerifyPukInfo)

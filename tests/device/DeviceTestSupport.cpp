@@ -1,0 +1,98 @@
+// glib's headers first: Qt's "signals" keyword would clash with a field name in them.
+#include <umockdev.h>
+
+#include "DeviceTestSupport.h"
+
+#include <cstring>
+
+bool underUmockdev() {
+    const char* preload = std::getenv("LD_PRELOAD");
+    return preload != nullptr && std::strstr(preload, "umockdev-preload") != nullptr;
+}
+
+Testbed::Testbed() : _testbed(umockdev_testbed_new()) {}
+
+Testbed::~Testbed() {
+    g_object_unref(_testbed);
+}
+
+QString Testbed::addUsbDevice(const QString& name, const char* vendor, const char* product, int devnum) {
+    const QByteArray number = QByteArray::number(devnum);
+    const QByteArray port = name.section('-', 1).toLatin1();
+    gchar* path = umockdev_testbed_add_device(
+        _testbed, "usb", name.toLatin1().constData(), nullptr, "idVendor", vendor, "idProduct", product,
+        "busnum", "1", "devnum", number.constData(), "devpath", port.constData(), "product", "HSPA Data Card",
+        nullptr, "DEVTYPE", "usb_device", nullptr);
+    const QString syspath = QString::fromLocal8Bit(path);
+    g_free(path);
+    return syspath;
+}
+
+QString Testbed::addScsiDevice(const QString& usbDevice, const QString& lun, const char* vendor,
+                               const char* model) {
+    const QString usbName = usbDevice.section('/', -1);
+    const QByteArray interfaceName = (usbName + ":1.0").toLatin1();
+    QString interface = usbDevice + "/" + usbName + ":1.0";
+    if (!QFile::exists(interface)) {
+        gchar* path = umockdev_testbed_add_device(_testbed, "usb", interfaceName.constData(),
+                                                  usbDevice.toLocal8Bit().constData(), "bInterfaceClass",
+                                                  "08", nullptr, "DEVTYPE", "usb_interface", nullptr);
+        interface = QString::fromLocal8Bit(path);
+        g_free(path);
+    }
+    gchar* host = umockdev_testbed_add_device(_testbed, "scsi", ("host" + lun).toLatin1().constData(),
+                                              interface.toLocal8Bit().constData(), nullptr, "DEVTYPE",
+                                              "scsi_host", nullptr);
+    gchar* scsi =
+        umockdev_testbed_add_device(_testbed, "scsi", (lun + ":0:0:0").toLatin1().constData(), host, "vendor",
+                                    vendor, "model", model, nullptr, "DEVTYPE", "scsi_device", nullptr);
+    const QString syspath = QString::fromLocal8Bit(scsi);
+    g_free(host);
+    g_free(scsi);
+    return syspath;
+}
+
+QString Testbed::addBlock(const QString& parent, const QString& name, const char* devtype, bool cdrom) {
+    gchar* path =
+        cdrom ? umockdev_testbed_add_device(_testbed, "block", name.toLatin1().constData(),
+                                            parent.toLocal8Bit().constData(), "size", "1024", nullptr,
+                                            "DEVTYPE", devtype, "ID_CDROM", "1", "ID_TYPE", "cd", nullptr)
+              : umockdev_testbed_add_device(_testbed, "block", name.toLatin1().constData(),
+                                            parent.toLocal8Bit().constData(), "size", "1024", nullptr,
+                                            "DEVTYPE", devtype, "ID_TYPE", "disk", nullptr);
+    const QString syspath = QString::fromLocal8Bit(path);
+    g_free(path);
+    return syspath;
+}
+
+QString Testbed::addModemRecord(const QString& name) {
+    const QByteArray base = "/devices/pci0000:00/usb1/" + name.toLatin1();
+    const QByteArray record =
+        "P: " + base +
+        "\nE: DEVTYPE=usb_device\nE: SUBSYSTEM=usb\nE: PRODUCT=1bbb/17/0\n"
+        "A: idVendor=1bbb\nA: idProduct=0017\nA: busnum=1\nA: devnum=3\nA: devpath=4.2\n"
+        "A: product=HSPA Data Card\n\n"
+        "P: " +
+        base + "/" + name.toLatin1() +
+        ":1.0\n"
+        "E: DEVTYPE=usb_interface\nE: SUBSYSTEM=usb\nE: DRIVER=option\nA: bInterfaceNumber=00\n\n"
+        "P: " +
+        base + "/" + name.toLatin1() +
+        ":1.0/ttyUSB0/tty/ttyUSB0\n"
+        "N: ttyUSB0\nE: DEVNAME=/dev/ttyUSB0\nE: SUBSYSTEM=tty\n";
+    GError* error = nullptr;
+    EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))
+        << (error ? error->message : "");
+    if (error) {
+        g_error_free(error);
+    }
+    return "/sys" + QString::fromLatin1(base);
+}
+
+void Testbed::uevent(const QString& syspath, const char* action) {
+    umockdev_testbed_uevent(_testbed, syspath.toLocal8Bit().constData(), action);
+}
+
+void Testbed::remove(const QString& syspath) {
+    umockdev_testbed_remove_device(_testbed, syspath.toLocal8Bit().constData());
+}

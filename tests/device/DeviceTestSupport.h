@@ -1,0 +1,32 @@
+#pragma once
+
+#include "TestWorld.h"
+
+typedef struct _UMockdevTestbed UMockdevTestbed;
+
+// True when the program runs under umockdev-wrapper (main re-runs it so when it can).
+bool underUmockdev();
+
+// A umockdev test bed: a fake /sys (and udev database) for this process while it lives.
+class Testbed {
+public:
+    Testbed();
+    ~Testbed();
+    Testbed(const Testbed&) = delete;
+    Testbed& operator=(const Testbed&) = delete;
+
+    // A USB device with the ids (hex, as sysfs shows them); emits "add". Returns its syspath.
+    QString addUsbDevice(const QString& name, const char* vendor, const char* product, int devnum);
+    // One interface, a SCSI host and target, and a SCSI device with the inquiry's vendor and model.
+    QString addScsiDevice(const QString& usbDevice, const QString& lun, const char* vendor,
+                          const char* model);
+    // A block device under a parent (a SCSI device, or a disk for a partition).
+    QString addBlock(const QString& parent, const QString& name, const char* devtype, bool cdrom);
+    // The modem personality from umockdev's record format, with an interface and a tty child; no "add".
+    QString addModemRecord(const QString& name);
+    void uevent(const QString& syspath, const char* action);
+    void remove(const QString& syspath);
+
+private:
+    UMockdevTestbed* _testbed;
+};

@@ -1,0 +1,184 @@
+#include "DebugSink.h"
+#include "DeviceTestSupport.h"
+#include "ThreadWorker.h"
+#include "USBDetector.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QThread>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+namespace {
+
+// The detector's printed texts go to a file of the test's.
+class CapturedDebugTexts {
+public:
+    explicit CapturedDebugTexts(const QString& path)
+        : _path(path), _file(std::fopen(path.toLocal8Bit(), "w")) {
+        _old = GetDebugSink();
+        SetDebugSink(_file);
+    }
+    ~CapturedDebugTexts() {
+        SetDebugSink(_old);
+        std::fclose(_file);
+    }
+    QString text() const { return QString::fromLocal8Bit(TempWorld::readFile(_path)); }
+    int count(const QString& piece) const { return text().count(piece); }
+
+private:
+    QString _path;
+    std::FILE* _file;
+    std::FILE* _old;
+};
+
+class Detector : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!underUmockdev()) {
+            GTEST_SKIP() << "needs umockdev-wrapper (Debian package umockdev)";
+        }
+        testbed.emplace();
+        texts.emplace(world.path("debug.txt"));
+    }
+    void TearDown() override {
+        detector.reset(); // its thread stops before the texts' file closes
+        texts.reset();
+    }
+    void start() {
+        detector = std::make_unique<USBDetector>();
+        detector->setDeviceRemoveSEL([this] { ++removals; });
+        ASSERT_TRUE(detector->waitUntilWatching(std::chrono::seconds(10)));
+    }
+    // Every event sent before this one has been handled once the detector prints this arrival.
+    QString barrier(const QString& name, int devnum) {
+        const int before = texts->count("added.");
+        const QString syspath = testbed->addUsbDevice(name, "1bbb", "0017", devnum);
+        EXPECT_TRUE(waitFor([&] { return texts->count("added.") > before; })) << texts->text().toStdString();
+        return syspath;
+    }
+
+    TempWorld world;
+    std::optional<Testbed> testbed;
+    std::optional<CapturedDebugTexts> texts;
+    std::unique_ptr<USBDetector> detector;
+    std::atomic<int> removals{0};
+};
+
+// Removing the modem (its tty and interface first, as the kernel does) is reported once; the flag stays
+// set, and a second removal runs the action again.
+TEST_F(Detector, RemovalReportedOncePerEvent) {
+    const QString modem = testbed->addModemRecord("1-4");
+    start();
+    EXPECT_EQ(texts->count("added."), 1) << "the modem present at start";
+    EXPECT_TRUE(texts->text().contains("Location ID: 0x1420000")) << texts->text().toStdString();
+    EXPECT_FALSE(detector->unplugged());
+
+    testbed->uevent(modem + "/1-4:1.0/ttyUSB0/tty/ttyUSB0", "remove");
+    testbed->uevent(modem + "/1-4:1.0", "remove");
+    testbed->uevent(modem, "remove");
+    ASSERT_TRUE(waitFor([&] { return removals == 1; }));
+    const QString again = barrier("1-5", 9);
+    EXPECT_EQ(removals, 1);
+    EXPECT_TRUE(detector->unplugged());
+    EXPECT_EQ(texts->count("removed."), 1);
+
+    testbed->uevent(again, "remove");
+    ASSERT_TRUE(waitFor([&] { return removals == 2; }));
+    EXPECT_TRUE(detector->unplugged());
+}
+
+// Arrivals are printed and nothing else; other devices, and the stick's storage personality, are not
+// watched at all.
+TEST_F(Detector, ArrivalOnlyLogs) {
+    start();
+    const QString other = testbed->addUsbDevice("1-6", "0bda", "0138", 4);
+    const QString storage = testbed->addUsbDevice("1-7", "1bbb", "f000", 5);
+    barrier("1-2", 6);
+    EXPECT_EQ(texts->count("added."), 1);
+    EXPECT_TRUE(texts->text().contains("HSPA Data Card"));
+    EXPECT_EQ(removals, 0);
+    EXPECT_FALSE(detector->unplugged());
+
+    testbed->uevent(other, "remove");
+    testbed->uevent(storage, "remove");
+    barrier("1-3", 7);
+    EXPECT_EQ(removals, 0);
+    EXPECT_FALSE(detector->unplugged());
+}
+
+// A removal action may drop the detector that calls it.
+TEST_F(Detector, RemovalActionMayDestroyTheDetector) {
+    const QString modem = testbed->addUsbDevice("1-2", "1bbb", "0017", 6);
+    start();
+    std::atomic<bool> done{false};
+    detector->setDeviceRemoveSEL([&] {
+        detector.reset();
+        done = true;
+    });
+    testbed->uevent(modem, "remove");
+    ASSERT_TRUE(waitFor([&] { return done.load(); }));
+}
+
+TEST(ThreadWorkerFlag, SetOnceNeverCleared) {
+    EXPECT_EQ(ThreadWorker::workOn({}, QVariant()), nullptr) << "no task, no thread";
+
+    std::atomic<bool> release{false};
+    auto worker = ThreadWorker::workOn(
+        [&](const QVariant& argument, ThreadWorker&) {
+            waitFor([&] { return release.load(); });
+            return argument;
+        },
+        42);
+    ASSERT_NE(worker, nullptr);
+    EXPECT_EQ(worker->cancelled(), 0);
+    std::vector<std::thread> markers;
+    for (int i = 0; i < 4; ++i) {
+        markers.emplace_back([&] {
+            for (int j = 0; j < 100; ++j) {
+                worker->markAsCancelled();
+            }
+        });
+    }
+    for (auto& marker : markers) {
+        marker.join();
+    }
+    EXPECT_EQ(worker->cancelled(), 1);
+    EXPECT_FALSE(worker->finished());
+    release = true;
+    EXPECT_TRUE(worker->waitUntilFinished(std::chrono::seconds(10)));
+    EXPECT_EQ(worker->cancelled(), 1);
+}
+
+// The task runs on another thread; its result comes back on the starting thread's event loop.
+TEST(ThreadWorkerFlag, EndActionOnStartingThread) {
+    QThread* taskThread = nullptr;
+    QThread* endThread = nullptr;
+    QVariant result;
+    QEventLoop loop;
+    auto worker = ThreadWorker::workOn(
+        [&](const QVariant& argument, ThreadWorker& self) {
+            taskThread = QThread::currentThread();
+            self.markAsCancelled();
+            return QVariant(argument.toInt() * 2);
+        },
+        21,
+        [&](const QVariant& value) {
+            endThread = QThread::currentThread();
+            result = value;
+            loop.quit();
+        });
+    QTimer::singleShot(10000, &loop, &QEventLoop::quit);
+    loop.exec();
+    EXPECT_EQ(result, 42);
+    EXPECT_EQ(endThread, QThread::currentThread());
+    EXPECT_NE(taskThread, QThread::currentThread());
+    EXPECT_TRUE(worker->waitUntilFinished(std::chrono::seconds(10)));
+}
+
+} // namespace

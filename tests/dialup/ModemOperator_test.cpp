@@ -1,0 +1,168 @@
+#include "DialupTestSupport.h"
+#include "ModemOperator.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace PPPOption;
+
+// The options dictionary: 7 PPP entries, 8 with PAP or CHAP; a DNS entry only with a name server.
+TEST(DialOptions, Dictionary) {
+    const struct {
+        int authType;
+        QString dns1, dns2;
+        int pppEntries;
+        QStringList protocols;
+        QStringList dns; // empty: no DNS entry
+    } rows[] = {
+        {0, {}, {}, 7, {}, {}},
+        {1, {}, {}, 8, {kAuthProtocolPAP}, {}},
+        {2, {}, {}, 8, {kAuthProtocolCHAP}, {}},
+        {3, {}, {}, 7, {}, {}},
+        {0, "", "10.0.0.1", 7, {}, {"10.0.0.1"}},
+        {0, "8.8.8.8", "", 7, {}, {"8.8.8.8"}},
+        {1, "8.8.8.8", "8.8.4.4", 8, {kAuthProtocolPAP}, {"8.8.8.8", "8.8.4.4"}},
+        {0, "", "", 7, {}, {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message()
+                     << "auth " << row.authType << " dns " << row.dns.join(',').toStdString());
+        const QVariantMap options = ModemOperator::dialOptions(dialInfo(row.authType, row.dns1, row.dns2));
+        EXPECT_EQ(options.size(), row.dns.isEmpty() ? 2 : 3);
+        const QVariantMap ppp = options.value(kPPP).toMap();
+        EXPECT_EQ(ppp.size(), row.pppEntries);
+        EXPECT_EQ(ppp.value(kAuthProtocol).toStringList(), row.protocols);
+        EXPECT_EQ(ppp.value(kCommRemoteAddress), "*99#");
+        EXPECT_EQ(ppp.value(kDisconnectOnIdle), 0);
+        EXPECT_EQ(ppp.value(kDisconnectOnIdleTimer), 5400);
+        EXPECT_EQ(ppp.value(kLCPEchoInterval), 20);
+        EXPECT_EQ(ppp.value(kLCPEchoFailure), 15);
+        EXPECT_EQ(options.value(kModem).toMap(), (QVariantMap{{kConnectionScript, "VEL_HSPA_Modem"}}));
+        EXPECT_EQ(options.value(kDNS).toMap().value(kServerAddresses).toStringList(), row.dns);
+    }
+}
+
+// What pppd gets for each authentication type and name-server case.
+TEST(DialOptions, PppdOptionsText) {
+    TempWorld world;
+    world.env.set("DIALTONE_RESOURCE_DIR", "/opt/dial tone/Resources");
+    const QByteArray common =
+        "connect \"/usr/sbin/chat -f '/opt/dial tone/Resources/VEL_HSPA_Modem' -T '*99#'\"\n"
+        "user \"web\"\npassword \"s3cret-Pa55\"\n"
+        "# no idle disconnect; its timer (5400 s) stays unused\n"
+        "lcp-echo-interval 20\nlcp-echo-failure 15\n";
+    const struct {
+        int authType;
+        QString dns1, dns2;
+        QByteArray tail;
+    } rows[] = {
+        {0, {}, {}, "usepeerdns\n"},
+        {1, {}, {}, "refuse-chap\nrefuse-mschap\nrefuse-mschap-v2\nrefuse-eap\nusepeerdns\n"},
+        {2, {}, {}, "refuse-pap\nrefuse-eap\nusepeerdns\n"},
+        {3, {}, {}, "usepeerdns\n"},
+        {0, "", "10.0.0.1", "ipparam \"DNS=10.0.0.1\"\n"},
+        {2, "8.8.8.8", "2001:4860::8888",
+         "refuse-pap\nrefuse-eap\nipparam \"DNS=8.8.8.8,2001:4860::8888\"\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.authType);
+        QByteArray text;
+        ASSERT_TRUE(PPPConnection::optionsText(
+            ModemOperator::dialOptions(dialInfo(row.authType, row.dns1, row.dns2)), text));
+        EXPECT_EQ(text.mid(text.indexOf('\n') + 1), common + row.tail);
+    }
+}
+
+// Profile fields reach pppd as single words and never as shell text; what cannot is refused.
+TEST(DialOptions, UntrustedFields) {
+    BLConnectDialinfo info = dialInfo(1);
+    info.strAccountName = "a \"quoted\" \\ name";
+    info.strPassword = "pa'ss word";
+    QByteArray text;
+    ASSERT_TRUE(PPPConnection::optionsText(ModemOperator::dialOptions(info), text));
+    const QStringList words = PPPConnection::tokenizeOptions(text);
+    EXPECT_EQ(words.at(words.indexOf("user") + 1), info.strAccountName);
+    EXPECT_EQ(words.at(words.indexOf("password") + 1), info.strPassword);
+
+    const struct {
+        const char* field;
+        QString value;
+    } refused[] = {
+        {"number", "*99#'; reboot; '"},     {"number", "*99# $(id)"}, {"number", ""},
+        {"account", "web\nplugin evil.so"}, {"password", "x\ry"},     {"dns", "8.8.8.8\"; x"},
+    };
+    for (const auto& row : refused) {
+        SCOPED_TRACE(row.field);
+        BLConnectDialinfo bad = dialInfo();
+        if (std::string(row.field) == "number") {
+            bad.strDialNumber = row.value;
+        } else if (std::string(row.field) == "account") {
+            bad.strAccountName = row.value;
+        } else if (std::string(row.field) == "password") {
+            bad.strPassword = row.value;
+        } else {
+            bad.strDNS1 = row.value;
+        }
+        QByteArray unused;
+        EXPECT_FALSE(PPPConnection::optionsText(ModemOperator::dialOptions(bad), unused));
+    }
+}
+
+TEST(OptionWords, AsPppdReadsThem) {
+    EXPECT_EQ(PPPConnection::tokenizeOptions("# comment\n/dev/cu.X 460800 # tail\nlinkname  VELMODEM1\n"
+                                             "connect \"chat -f 'a b'\" user 'x y' pass\\ word\n"),
+              (QStringList{"/dev/cu.X", "460800", "linkname", "VELMODEM1", "connect", "chat -f 'a b'", "user",
+                           "x y", "pass word"}));
+}
+
+// initModem's codes: the device node is the interface, a peer file naming it the service.
+TEST(InitModem, ResultCodes) {
+    DialWorld world;
+    EXPECT_EQ(ModemOperator().initModem(), 8);
+    EXPECT_EQ(ModemOperator("VELMobileConnector7").initModem(), 1);
+    ModemOperator modem(DialWorld::kDevice);
+    EXPECT_EQ(modem.initModem(), 2) << "no peer file yet";
+    EXPECT_FALSE(modem.isConnected());
+    EXPECT_EQ(modem.dialByDialInfo(dialInfo()), 3);
+    EXPECT_EQ(modem.disconnectNetwork(), 3);
+    EXPECT_EQ(modem.onApplicationClosed(), 3);
+
+    TempWorld::writeFile(world.peers() + "/OTHER", "/dev/ttyUSB0\n460800\nlinkname OTHER\n");
+    TempWorld::writeFile(world.peers() + "/COMMENTED",
+                         "# " + world.dev().toLocal8Bit() + "/cu.VELMobileConnector1\n");
+    EXPECT_EQ(modem.initModem(), 2) << "peers for other ports do not count";
+
+    ASSERT_EQ(DialWorld::createService(), 0);
+    ASSERT_EQ(DialWorld::createService(DialWorld::kDevice, "VELMODEM2"), 0);
+    EXPECT_EQ(modem.initModem(), 0);
+    ASSERT_TRUE(modem.isConnected());
+    EXPECT_EQ(modem.connection()->serviceID(), "VELMODEM1") << "the first in name order";
+    EXPECT_EQ(modem.connection()->linkName(), "VELMODEM1");
+    EXPECT_EQ(modem.connection()->status(), PPPConnection::kDisconnected);
+    EXPECT_EQ(modem.onApplicationClosed(), 0);
+    EXPECT_FALSE(modem.isConnected());
+}
+
+// The service tool writes a peer file for the device, and refuses clearly where it cannot.
+TEST(ServiceTool, CreatesPeerOrRefuses) {
+    DialWorld world;
+    ASSERT_EQ(DialWorld::createService(), 0);
+    const QFileInfo peer(world.peers() + "/VELMODEM1");
+    EXPECT_TRUE(peer.isFile());
+    EXPECT_FALSE(peer.permissions() & QFile::WriteOther);
+    const QStringList words = PPPConnection::tokenizeOptions(TempWorld::readFile(peer.filePath()));
+    EXPECT_TRUE(words.contains(world.dev() + "/cu.VELMobileConnector1"));
+    EXPECT_EQ(words.at(words.indexOf("linkname") + 1), "VELMODEM1");
+    EXPECT_TRUE(words.contains("noauth"));
+
+    EXPECT_EQ(DialWorld::createService("VELMobileConnector1;reboot", "VELMODEM3"), 2);
+    EXPECT_EQ(DialWorld::createService(DialWorld::kDevice, "../VELMODEM3"), 2);
+    EXPECT_FALSE(QFileInfo::exists(world.path("VELMODEM3")));
+
+    TempWorld::writeFile(world.path("a-file"), "");
+    world.env.set("DIALTONE_PEERS_DIR", world.path("a-file/peers"));
+    EXPECT_EQ(DialWorld::createService(), 1);
+}
+
+} // namespace

@@ -1,0 +1,217 @@
+#include "BLRecords.h"
+#include "WorkNotification.h"
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QDataStream>
+#include <QIODevice>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <future>
+#include <string>
+#include <vector>
+
+namespace {
+
+template <typename Record> QByteArray encoded(const Record& record) {
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    record.encodeWithCoder(out);
+    return bytes;
+}
+
+template <typename Record> void expectRoundTrips(const Record& record) {
+    // Straight through the coder.
+    const QByteArray bytes = encoded(record);
+    QDataStream in(bytes);
+    Record back;
+    back.initWithCoder(in);
+    EXPECT_EQ(in.status(), QDataStream::Ok);
+    EXPECT_TRUE(in.atEnd()) << "decoding left " << bytes.size() - in.device()->pos() << " bytes";
+    EXPECT_TRUE(back == record);
+    EXPECT_EQ(encoded(back), bytes); // also tells a null string from an empty one
+
+    // Carried by a QVariant, and the QVariant streamed.
+    const QVariant value = QVariant::fromValue(record);
+    EXPECT_TRUE(qvariant_cast<Record>(value) == record);
+    QByteArray variantBytes;
+    QDataStream variantOut(&variantBytes, QIODevice::WriteOnly);
+    variantOut << value;
+    QDataStream variantIn(variantBytes);
+    QVariant loaded;
+    variantIn >> loaded;
+    EXPECT_EQ(variantIn.status(), QDataStream::Ok);
+    EXPECT_EQ(loaded.metaType(), QMetaType::fromType<Record>());
+    EXPECT_TRUE(qvariant_cast<Record>(loaded) == record);
+    EXPECT_TRUE(loaded == value);
+}
+
+// Every cut of the stream fails cleanly; a length that points far beyond the data, wherever it lands, is
+// read without harm.
+template <typename Record> void expectDamagedStreamsFail(const Record& record) {
+    const QByteArray bytes = encoded(record);
+    for (qsizetype cut = 0; cut < bytes.size(); ++cut) {
+        QDataStream in(bytes.left(cut));
+        Record back;
+        back.initWithCoder(in);
+        EXPECT_NE(in.status(), QDataStream::Ok) << "cut at " << cut;
+    }
+    for (qsizetype at = 0; at + 4 <= bytes.size(); ++at) {
+        QByteArray damaged = bytes;
+        damaged.replace(at, 4, QByteArray::fromHex("7ffffff0"));
+        QDataStream in(damaged);
+        Record back;
+        back.initWithCoder(in);
+    }
+}
+
+struct RecordRow {
+    std::string name;
+    std::function<void()> check;
+};
+
+// filled sets every field to a value that differs from the fresh record's.
+template <typename Record> RecordRow row(std::string name, Record filled) {
+    return {std::move(name), [filled] {
+                const Record fresh;
+                EXPECT_FALSE(filled == fresh);
+                expectRoundTrips(fresh);
+                expectRoundTrips(filled);
+                expectDamagedStreamsFail(filled);
+            }};
+}
+
+const QString kLong = QString(2048, QChar(u'\u00e9'));
+
+BLSmsListItem sampleMessage() {
+    return {3,
+            7,
+            1,
+            2,
+            4,
+            1,
+            1,
+            32,
+            "+8613912345678",
+            QDateTime(QDate(2024, 5, 1), QTime(14, 0, 5), Qt::OffsetFromUTC, 8 * 3600),
+            QString::fromUtf8("Grüße ✓ 你好")};
+}
+
+} // namespace
+
+TEST(Records, EveryRecordCodesAndDecodesToAnEqualOne) {
+    registerRecordMetaTypes();
+    QObject client;
+    const std::vector<RecordRow> rows = {
+        row("BLEquipmentInfo", BLEquipmentInfo{"Maker", "Model E1", kLong, "SN-001", "460001234567890",
+                                               "+8613900000000", "HW 1.0"}),
+        row("BLDiagInfo", BLDiagInfo{"Maker", "Model", "11.608", "SN", "460001234567890", "+8613900000000",
+                                     "HW", 1, 2, "China Mobile", 7, "CMCC", 20, 1, 4, 17, 5, 1, 1}),
+        row("BLPINInfo", BLPINInfo{3, 10}),
+        row("BLPinCheckState", BLPinCheckState{1, 3, 10}),
+        row("BLPINEnableInfo", BLPINEnableInfo{true, "1234"}),
+        row("BLPINChangeInfo", BLPINChangeInfo{"1234", "4321"}),
+        row("BLPINVerifyPukInfo", BLPINVerifyPukInfo{"12345678", "0000"}),
+        row("BLNetworkInfo", BLNetworkInfo{1, 2, "46000", 2, 3, "CMCC", 31, 1, 4, 1}),
+        row("BLNetworkListItem", BLNetworkListItem{1, 2, "China Mobile", "CMCC", "46000", 7}),
+        row("BLNetworkSet", BLNetworkSet{BLNetworkSet::kOperatorGiven, 1, 2, "46001", 2}),
+        row("BLNetRegState", BLNetRegState{1, 5}),
+        row("BLPbItem", BLPbItem{2, QString::fromUtf8("Zoë"), "+4930123456", 17}),
+        row("BLPBNewItem", BLPBNewItem{1, "Anna", "0123456789"}),
+        row("BLPBDeleteItem", BLPBDeleteItem{1, 250}),
+        row("BLPBStorageInfo", BLPBStorageInfo{250, 12, 500, 3}),
+        row("BLPbConstraint", BLPbConstraint{40, 30, 20, 14}),
+        row("BLSmsListItem", sampleMessage()),
+        row("BLSmsReceive", BLSmsReceive{1, sampleMessage()}),
+        row("BLSmsSendItem", BLSmsSendItem{"10086", QString(160, QChar('x'))}),
+        row("BLSmsValidPeriod", BLSmsValidPeriod{1, 6, 255}),
+        row("BLSmsStorageState", BLSmsStorageState{3, 100, 5, 50}),
+        row("BLSmsFilterConfig", BLSmsFilterConfig{true, &client, {"10086", "+8613800138000"}}),
+        row("BLUssdSendCmdInfo", BLUssdSendCmdInfo{BLUssdSendCmdInfo::kCancel, "*100#"}),
+        row("BLUssdReceive", BLUssdReceive{2, QString::fromUtf8("Остаток 12,50")}),
+        row("BLConnectStatistics",
+            BLConnectStatistics{3600, 0xffffffff80000000ull, 1ull << 40, 1200, 34000, 5600, 384000}),
+    };
+    for (const RecordRow& r : rows) {
+        SCOPED_TRACE(r.name);
+        r.check();
+    }
+}
+
+// The integers go first, then the objects, each in declaration order.
+TEST(Records, IntegersAreCodedBeforeObjects) {
+    const BLNetworkInfo info{1, 2, "46000", 3, 4, "CMCC", 5, 6, 7, 8};
+    QByteArray bytes = encoded(info);
+    QDataStream in(bytes);
+    qint32 integers[8] = {};
+    QString first, second;
+    for (qint32& n : integers) {
+        in >> n;
+    }
+    in >> first >> second;
+    EXPECT_EQ(std::vector<qint32>(std::begin(integers), std::end(integers)),
+              (std::vector<qint32>{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(first, "46000");
+    EXPECT_EQ(second, "CMCC");
+    EXPECT_TRUE(in.atEnd());
+}
+
+// A filter's target is a token only for a live object: once the object is gone it decodes as null.
+TEST(Records, FilterTargetDecodesAsNullOnceTheClientIsGone) {
+    auto* client = new QObject;
+    const QByteArray bytes = encoded(BLSmsFilterConfig{true, client, {"10086"}});
+    delete client;
+    QDataStream in(bytes);
+    BLSmsFilterConfig back;
+    back.initWithCoder(in);
+    EXPECT_EQ(in.status(), QDataStream::Ok);
+    EXPECT_TRUE(back.target.isNull());
+    EXPECT_EQ(back.filterList, QStringList{"10086"});
+}
+
+// What one thread puts under "VALUE_OBJECT" reaches the other as a copy: changes on either side stay
+// on that side.
+TEST(Records, ARecordReachesTheOtherThreadAsACopy) {
+    static int argc = 1;
+    static char name[] = "worker_tests";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance()) {
+        new QCoreApplication(argc, argv); // kept for the rest of the run
+    }
+    QThread worker;
+    worker.start();
+    QObject onWorker;
+    onWorker.moveToThread(&worker);
+
+    QVariantMap request;
+    WorkNotification::SetValueObject(request, QVariant::fromValue(BLPBNewItem{1, "Anna", "0123"}));
+    std::promise<BLPBNewItem> arrived;
+    std::promise<void> changedHere;
+    auto changed = changedHere.get_future().share();
+    QMetaObject::invokeMethod(
+        &onWorker,
+        [request, &arrived, changed]() mutable {
+            changed.wait();
+            auto item = qvariant_cast<BLPBNewItem>(WorkNotification::GetValueObject(request));
+            arrived.set_value(item);
+            item.strName = "changed on the worker";
+            WorkNotification::SetValueObject(request, QVariant::fromValue(item));
+        },
+        Qt::QueuedConnection);
+    auto mine = qvariant_cast<BLPBNewItem>(WorkNotification::GetValueObject(request));
+    mine.strNumber = "changed here";
+    WorkNotification::SetValueObject(request, QVariant::fromValue(mine));
+    changedHere.set_value();
+
+    auto future = arrived.get_future();
+    ASSERT_EQ(future.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    EXPECT_TRUE(future.get() == (BLPBNewItem{1, "Anna", "0123"}));
+    worker.quit();
+    ASSERT_TRUE(worker.wait(10000));
+    EXPECT_TRUE(qvariant_cast<BLPBNewItem>(WorkNotification::GetValueObject(request)) ==
+                (BLPBNewItem{1, "Anna", "changed here"}));
+}
