@@ -6,7 +6,7 @@ FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_GEN  := -G Ninja
 
-.PHONY: all bootstrap configure build check asan bench fuzz demo format clean
+.PHONY: all bootstrap configure build check asan bench fuzz demo install format clean
 
 all: build
 
@@ -45,6 +45,11 @@ fuzz: bootstrap
 demo:
 	@echo "make demo: there is no front end yet; it arrives with the command-line tool." >&2
 	@exit 1
+
+# Installs the programs, resources and the modem's udev rule (PREFIX=/usr/local by default; needs root).
+PREFIX ?= /usr/local
+install: build
+	@cmake --install $(BUILD) --prefix $(PREFIX)
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
