@@ -43,7 +43,7 @@ fuzz: bootstrap
 		corpus $(CURDIR)/fuzz/corpus
 
 demo:
-	@echo "make demo: there is no front end yet; it arrives with the command-line tool." >&2
+	@echo "make demo: the modem commands of dialtone (status, sms, connect, ...) arrive with the worker core; until then try: $(BUILD)/src/cli/dialtone pdu encode +4917012345678 hello" >&2
 	@exit 1
 
 # Installs the programs, resources and the modem's udev rule (PREFIX=/usr/local by default; needs root).

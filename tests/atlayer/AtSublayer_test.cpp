@@ -221,17 +221,10 @@ TEST_F(AtSublayerTest, UnbuiltFamiliesReturnOne) {
     ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
 
     TEquipmentInfo equipment;
-    TPbStorageInfo phonebook;
     TSmsStorageState sms;
-    std::list<TCallItemState> calls;
     std::string text;
-    int value = 0;
     const std::vector<std::pair<const char*, std::function<int(TInterfaceAtSublayer&)>>> rows = {
-        {"phonebook", [&](TInterfaceAtSublayer& s) { return s.PBGetStorageInfo(phonebook); }},
         {"sms", [&](TInterfaceAtSublayer& s) { return s.SMSGetStorageState(sms); }},
-        {"ussd", [&](TInterfaceAtSublayer& s) { return s.CheckUssdState(value); }},
-        {"call", [&](TInterfaceAtSublayer& s) { return s.CallCheckState(calls); }},
-        {"gps", [&](TInterfaceAtSublayer& s) { return s.GPSInit(); }},
         {"toolkit", [&](TInterfaceAtSublayer& s) { return s.STKInit(text); }},
     };
     for (const auto& [family, operation] : rows)

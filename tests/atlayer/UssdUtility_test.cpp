@@ -1,0 +1,495 @@
+#include <cstdint>
+#include <cstdio>
+#include <list>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ATSublayer.h"
+#include "ScriptedAtFake.h"
+#include "UssdUtility.h"
+
+namespace {
+
+const std::list<std::string> kCusdFinals = {"OK", "+CME ERROR:", "ERROR"};
+const std::list<std::string> kCscsFinals = {"OK", "ERROR", "+CME ERROR"};
+
+std::string Narrow(const std::wstring& text) {
+    std::string out;
+    for (const wchar_t c : text) {
+        char unit[8];
+        std::snprintf(unit, sizeof unit, "<%04X>", static_cast<unsigned>(c));
+        out += unit;
+    }
+    return out;
+}
+
+class UssdUtilityTest : public ::testing::Test {
+protected:
+    void SetUp() override { m_ussd.RegisterExecAT(ScriptedAtFake::Callback()); }
+
+    void ExpectCharSetQuery(const char* answer) {
+        m_fake.Expect("AT+CSCS?\r", answer).WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
+    }
+    void ExpectStateQuery(const char* answer, int failure) {
+        m_fake.Expect("AT+CUSD?\r", answer, failure)
+            .WithTimeout(3000)
+            .WithPrefix("+CUSD: ")
+            .WithFinals(kCusdFinals);
+    }
+    // Starts or ends a dialogue the way the network does, with a report.
+    void SetDialogue(bool active) {
+        ExpectCharSetQuery("\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n");
+        TUssdItem item;
+        ASSERT_EQ(m_ussd.Receive(active ? "+CUSD: 1,\"0031\",72" : "+CUSD: 2", item), 0);
+        ASSERT_EQ(m_ussd.IsDialogueActive(), active);
+        m_fake.VerifyDone();
+    }
+
+    ScriptedAtFake m_fake;
+    CUssdUility m_ussd;
+};
+
+TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
+    struct Row {
+        const wchar_t* text;
+        const char* argument;
+    };
+    const Row rows[] = {
+        {L"*100#", "002A0031003000300023"},
+        {L"*123*1#", "002A003100320033002A00310023"},
+        {L"$", "0002"},        // code 2 sent as a UCS2 unit: kept
+        {L"@x", "00000078"},   // '@' is code 0
+        {L"a[b]", "00610062"}, // extension characters are dropped
+        {L"`1", "0031"},
+        {L"\u20AC5", "0035"},
+        {L"\u00C4_\u00E9\u0394", "005B001100050010"},
+        {L"\u00A0", "001B"}, // the escape position holds U+00A0
+        {L"\u0416\U0001F600", ""},
+        {L"", ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.argument);
+        m_fake.Expect("AT+CSCS=\"UCS2\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
+        m_fake.Expect(std::string("AT+CUSD=1,\"") + row.argument + "\",15\r")
+            .WithTimeout(5000)
+            .WithoutPrefix()
+            .WithFinals(kCusdFinals);
+        EXPECT_EQ(m_ussd.SendUssdCmd(row.text), 0);
+        EXPECT_TRUE(m_ussd.IsDialogueActive());
+        m_fake.VerifyDone();
+    }
+}
+
+TEST_F(UssdUtilityTest, SendStopsAt999Codes) {
+    const std::wstring text(1200, L'A');
+    std::string argument;
+    for (int i = 0; i < 999; ++i)
+        argument += "0041";
+    m_fake.Expect("AT+CSCS=\"UCS2\"\r");
+    m_fake.Expect("AT+CUSD=1,\"" + argument + "\",15\r");
+    EXPECT_EQ(m_ussd.SendUssdCmd(text.c_str()), 0);
+}
+
+TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
+    struct Row {
+        const char* charSetAnswer;
+        int charSetResult;
+        const char* answer;
+        int result;
+        int sendResult;
+        bool active;
+    };
+    const Row rows[] = {
+        {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true},
+        {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
+        {"", 2, "\r\nOK\r\n", 0, 0, true},
+        {"\r\nOK\r\n", 0, "\r\n+CME ERROR: unknown\r\n", 0, 1, false},
+        {"\r\nOK\r\n", 0, "\r\nERROR\r\n", 0, 1, false},
+        {"\r\nOK\r\n", 0, "", 2, 2, false},
+        {"\r\nOK\r\n", 0, "", 30, 30, false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        CUssdUility ussd;
+        ussd.RegisterExecAT(ScriptedAtFake::Callback());
+        m_fake.Expect("AT+CSCS=\"UCS2\"\r", row.charSetAnswer, row.charSetResult);
+        m_fake.Expect("AT+CUSD=1,\"0031\",15\r", row.answer, row.result);
+        EXPECT_EQ(ussd.SendUssdCmd(L"1"), row.sendResult);
+        EXPECT_EQ(ussd.IsDialogueActive(), row.active);
+        m_fake.VerifyDone();
+    }
+    EXPECT_EQ(m_ussd.SendUssdCmd(nullptr), 1);
+    CUssdUility unregistered;
+    EXPECT_EQ(unregistered.SendUssdCmd(L"*100#"), 1);
+    EXPECT_FALSE(unregistered.IsDialogueActive());
+}
+
+TEST_F(UssdUtilityTest, CheckStateReadsThePresentationState) {
+    struct Row {
+        const char* answer;
+        int failure;
+        int result;
+        int state; // -1: left alone
+    };
+    const Row rows[] = {
+        {"\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, 0, 1},
+        {"AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, 0, 0},
+        {"\r\n+CUSD: 2\r\n", 0, 0, 2},
+        {"\r\n+CUSD:1\r\n\r\nOK\r\n", 0, 1, -1},
+        {"\r\n+CUSD: \r\n\r\nOK\r\n", 0, 1, -1},
+        {"\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, 1, -1},
+        {"\r\nOK\r\n", 0, 1, -1},
+        {"\r\n+CME ERROR: operation not allowed\r\n", 0, 1, -1},
+        {"", 2, 2, -1},
+        {"", 30, 30, -1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        ExpectStateQuery(row.answer, row.failure);
+        int state = -1;
+        EXPECT_EQ(m_ussd.CheckUssdState(state), row.result);
+        EXPECT_EQ(state, row.state);
+    }
+}
+
+TEST_F(UssdUtilityTest, SetStateNeedsOk) {
+    struct Row {
+        int state;
+        const char* command;
+        const char* answer;
+        int failure;
+        int result;
+    };
+    const Row rows[] = {
+        {1, "AT+CUSD=1\r", "\r\nOK\r\n", 0, 0},
+        {0, "AT+CUSD=0\r", "\r\nOK\r\n", 0, 0},
+        {2, "AT+CUSD=2\r", "\r\nERROR\r\n", 0, 1},
+        {-7, "AT+CUSD=-7\r", "\r\n+CME ERROR: 4\r\n", 0, 1},
+        {1, "AT+CUSD=1\r", "", 2, 2},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.command);
+        m_fake.Expect(row.command, row.answer, row.failure)
+            .WithTimeout(5000)
+            .WithoutPrefix()
+            .WithFinals(kCusdFinals);
+        int state = row.state;
+        EXPECT_EQ(m_ussd.SetUssdState(state), row.result);
+    }
+}
+
+TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
+    struct Row {
+        const char* name;
+        bool activeBefore;
+        const char* stateAnswer;
+        int stateFailure;
+        const char* cancelAnswer; // nullptr: no AT+CUSD=2 expected
+        int cancelFailure;
+        int result;
+        bool activeAfter;
+    };
+    const char* state1 = "\r\n+CUSD: 1\r\n\r\nOK\r\n";
+    const Row rows[] = {
+        {"no dialogue", false, state1, 0, nullptr, 0, 0, false},
+        {"modem reports state 0", true, "\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, nullptr, 0, 0, false},
+        {"cancel accepted", true, state1, 0, "\r\nOK\r\n", 0, 0, false},
+        {"cancel refused", true, state1, 0, "\r\n+CME ERROR: 3\r\n", 0, 1, true},
+        {"cancel times out", true, state1, 0, "", 2, 2, true},
+        {"state query times out", true, "", 2, nullptr, 0, 2, true},
+        {"state unreadable", true, "\r\nOK\r\n", 0, nullptr, 0, 1, true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        SetDialogue(row.activeBefore);
+        m_fake.Expect("AT+CUSD?\r", row.stateAnswer, row.stateFailure).WithTimeout(3000);
+        if (row.cancelAnswer != nullptr) {
+            m_fake.Expect("AT+CUSD=2\r", row.cancelAnswer, row.cancelFailure)
+                .WithTimeout(1000)
+                .WithoutPrefix()
+                .WithFinals(kCusdFinals);
+        }
+        EXPECT_EQ(m_ussd.SendUssdCancelCmd(), row.result);
+        EXPECT_EQ(m_ussd.IsDialogueActive(), row.activeAfter);
+        m_fake.VerifyDone();
+    }
+}
+
+TEST_F(UssdUtilityTest, GetEncodingFormatSearchesTheNamesInOrder) {
+    struct Row {
+        const char* answer;
+        int failure;
+        int result;
+        int set; // -1: left alone
+    };
+    const Row rows[] = {
+        {"\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, 0, 5},
+        {"AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, 0, 2},
+        {"\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n", 0, 0, 0},
+        {"\r\n+CSCS: \"HEX\"\r\n\r\nOK\r\n", 0, 0, 1},
+        {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1, -1},
+        {"\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, 1, -1},
+        {"\r\nERROR\r\n", 0, 1, -1},
+        {"", 30, 30, -1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        m_fake.Expect("AT+CSCS?\r", row.answer, row.failure)
+            .WithTimeout(1000)
+            .WithoutPrefix()
+            .WithFinals(kCscsFinals);
+        int set = -1;
+        EXPECT_EQ(m_ussd.getEcodingFormat(set), row.result);
+        EXPECT_EQ(set, row.set);
+    }
+}
+
+TEST_F(UssdUtilityTest, SelectTeCharacterSetNamesTheSet) {
+    struct Row {
+        int set;
+        int codePage;
+        int part;
+        const char* name; // nullptr: nothing is sent
+        const char* answer;
+        int result;
+    };
+    const char* ok = "\r\nOK\r\n";
+    const Row rows[] = {
+        {0, 0, 0, "GSM", ok, 0},
+        {1, 0, 0, "HEX", ok, 0},
+        {2, 0, 0, "IRA", ok, 0},
+        {3, 437, 0, "PCCP437", ok, 0},
+        {3, 5, 0, "PCCP005", ok, 0},
+        {4, 0, 0, "PCDN", ok, 0},
+        {5, 0, 0, "UCS2", ok, 0},
+        {6, 0, 1, "8859-1", ok, 0},
+        {7, 0, 0, "8859-C", ok, 0},
+        {8, 0, 0, "8859-A", ok, 0},
+        {9, 0, 0, "8859-G", ok, 0},
+        {10, 0, 0, "8859-H", ok, 0},
+        {5, 0, 0, "UCS2", "\r\nERROR\r\n", 1},
+        {11, 0, 0, nullptr, "", 1},
+        {-1, 0, 0, nullptr, "", 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << "set " << row.set);
+        if (row.name != nullptr) {
+            m_fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r", row.answer)
+                .WithTimeout(1000)
+                .WithoutPrefix()
+                .WithFinals(kCscsFinals);
+        }
+        EXPECT_EQ(m_ussd.SelectTeCharacterSet(row.set, row.codePage, row.part), row.result);
+        m_fake.VerifyDone();
+    }
+}
+
+TEST(UssdDcs, AlphabetFollowsTheCodingGroups) {
+    struct Row {
+        int dcs;
+        int alphabet;
+    };
+    const Row rows[] = {
+        {0x00, 0}, {0x0F, 3}, {0x11, 0}, {0x44, 1}, {0x48, 2}, {0x4C, 3}, {0x80, 3}, {0xBF, 3},
+        {0xC0, 0}, {0xD8, 0}, {0xE0, 2}, {0xE4, 2}, {0xF0, 0}, {0xF4, 1}, {0xFF, 1}, {0x18, 2},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(CUssdUility::DecodeDcsAlphabet(static_cast<uint8_t>(row.dcs)), row.alphabet) << row.dcs;
+}
+
+TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
+    struct Row {
+        const char* charSet; // the AT+CSCS? answer
+        const char* line;
+        int nType; // -1: left alone
+        const wchar_t* text;
+        bool activeBefore;
+        bool activeAfter;
+    };
+    const char* ucs2 = "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n";
+    const char* gsm = "\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n";
+    const Row rows[] = {
+        {ucs2, "+CUSD: 1,\"00480069\",72", 1, L"Hi", false, true},
+        {ucs2, "+CUSD: 2", 2, L"", true, false},
+        {ucs2, "+CUSD: 0,\"00480069\",68", 0, L"", true, false}, // 8-bit data is not shown
+        {gsm, "+CUSD: 0,\"48656C6C6F\",15", 0, L"Hello", false, false},
+        {gsm, "+CUSD: 0,\"00021B80\",15", 0, L"@$\u00A0", false, false}, // 0x80 is no code
+        {ucs2, "+CUSD: 0,\"00480065006C006C006F\",15", 0, L"Hello", false, false},
+        {ucs2, "+CUSD: 0,\"0000002400E9041F\",15", 0, L"@\u00A4\u00E9\u041F", false, false},
+        {ucs2, "+CUSD: 1,\"0422043E043F\",72", 1, L"\u0422\u043E\u043F", false, true},
+        {ucs2, "+CUSD: 1,\"004800\",72", 1, L"H", false, true},     // the odd octet is dropped
+        {ucs2, "+CUSD: 1,\"00480\",72", 1, L"H", false, true},      // the odd digit too
+        {ucs2, "+CUSD: 1,\"0048ZZ0069\",72", 1, L"H", false, true}, // stops at a pair that is no hex
+        {gsm, "+CUSD: 1,\"4869\",0", 1, L"Hi", false, true},
+        {gsm, "+CUSD: 1,\"4869\",  17", 1, L"Hi", false, true},
+        {gsm, "+CUSD: 1,\"4869\";15", 1, L"Hi", false, true}, // read by position, not by the comma
+        {ucs2, "\r\n+CUSD: 4\r\n", 4, L"", true, false},
+        {ucs2, "+CUSD: 5", 5, L"", true, false},
+        {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", true, true},
+        {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", false, false},
+        {ucs2, "+CUSD: 1,\"\",72", 1, L"", false, true},
+        {ucs2, "+CUSD: 1,\"0048", 1, L"", false, true},    // no closing quote
+        {ucs2, "+CUSD: 1,\"0048\"", 1, L"", false, true},  // no coding scheme
+        {ucs2, "+CUSD: 1,\"0048\",", 1, L"", false, true}, // nor here
+        {ucs2, "+CUSD: 1,\"0048\",x", 1, L"", false, true},
+        {ucs2, "+CUSD: 1,\"0048\",256", 1, L"", false, true}, // no byte
+        {ucs2, "+CUSD: 1,\"0048\",-1", 1, L"", false, true},
+        {ucs2, "+CUSD: 1 \"0048\"", 1, L"", false, true},   // no comma
+        {ucs2, "+CUSD: 1,0048,72", 1, L"", false, true},    // no quote
+        {ucs2, "+CUSD:1,\"0048\",72", -1, L"", true, true}, // no blank: not a report
+        {ucs2, "+CUSD: x", -1, L"", false, false},
+        {ucs2, "+CUSD: 99999999999,\"0048\",72", -1, L"", true, true},
+        {ucs2, "OK", -1, L"", true, true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
+        SetDialogue(row.activeBefore);
+        ExpectCharSetQuery(row.charSet);
+        TUssdItem item;
+        item.nType = -1;
+        item.wstrContent = L"stale";
+        EXPECT_EQ(m_ussd.Receive(row.line, item), 0);
+        EXPECT_EQ(item.nType, row.nType);
+        EXPECT_EQ(Narrow(item.wstrContent), Narrow(row.text));
+        EXPECT_EQ(m_ussd.IsDialogueActive(), row.activeAfter);
+        m_fake.VerifyDone();
+    }
+}
+
+TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
+    struct Row {
+        const char* answer;
+        int failure;
+        int result;
+    };
+    const Row rows[] = {
+        {"", 2, 2},
+        {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1},
+        {"\r\nERROR\r\n", 0, 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        m_fake.Expect("AT+CSCS?\r", row.answer, row.failure);
+        TUssdItem item;
+        item.nType = -1;
+        EXPECT_EQ(m_ussd.Receive("+CUSD: 1,\"00480069\",72", item), row.result);
+        EXPECT_EQ(item.nType, -1);
+        EXPECT_TRUE(item.wstrContent.empty());
+        EXPECT_FALSE(m_ussd.IsDialogueActive());
+    }
+    TUssdItem item;
+    EXPECT_EQ(m_ussd.Receive(nullptr, item), 1);
+    CUssdUility unregistered;
+    EXPECT_EQ(unregistered.Receive("+CUSD: 1,\"00480069\",72", item), 1);
+}
+
+// Network texts are untrusted: every cut of a report and an over-long text stay within bounds.
+TEST(UssdReport, TruncatedAndOverlongReportsStayBounded) {
+    const std::string line = "+CUSD: 1,\"0048006900210021\",72\r\n";
+    for (std::size_t length = 0; length <= line.size(); ++length) {
+        for (const int teSet : {0, 5}) {
+            TUssdItem item;
+            CUssdUility::ParseCusdReport(line.substr(0, length).c_str(), teSet, item);
+            EXPECT_LE(item.wstrContent.size(), 4u);
+        }
+    }
+
+    const std::string gsmText(6000, '4');
+    TUssdItem item;
+    ASSERT_EQ(CUssdUility::ParseCusdReport(("+CUSD: 0,\"" + gsmText + "\",15").c_str(), 0, item), 0);
+    EXPECT_EQ(item.wstrContent.size(), static_cast<std::size_t>(kUssdMaxReportOctets));
+    EXPECT_EQ(item.wstrContent.front(), L'D');
+    ASSERT_EQ(CUssdUility::ParseCusdReport(("+CUSD: 0,\"" + gsmText + "\",72").c_str(), 0, item), 0);
+    EXPECT_EQ(item.wstrContent.size(), static_cast<std::size_t>(kUssdMaxReportOctets / 2));
+    EXPECT_EQ(item.wstrContent.front(), L'\u4444');
+
+    std::string noise;
+    for (int i = 0; i < 4000; ++i)
+        noise.push_back(static_cast<char>(1 + (i * 37) % 255));
+    EXPECT_EQ(CUssdUility::ParseCusdReport(("+CUSD: 1," + noise).c_str(), 5, item), 0);
+    EXPECT_EQ(CUssdUility::ParseCusdReport(nullptr, 5, item), 1);
+}
+
+TEST(UssdHelpers, QuotationStringHexAndEncodeType) {
+    struct QuoteRow {
+        const char* text;
+        int result;
+        const char* quoted;
+    };
+    const QuoteRow quotes[] = {
+        {"\"0048\",72", 0, "0048"}, {"\"\"", 0, ""},       {"\"ab\"cd\"", 0, "ab"},
+        {"0048\"", 1, "left"},      {"\"0048", 1, "left"}, {"", 1, "left"},
+    };
+    for (const QuoteRow& row : quotes) {
+        std::string quoted = "left";
+        EXPECT_EQ(CUssdUility::GetQuotationString(row.text, quoted), row.result) << row.text;
+        EXPECT_EQ(quoted, row.quoted) << row.text;
+    }
+    std::string quoted;
+    EXPECT_EQ(CUssdUility::GetQuotationString(nullptr, quoted), 1);
+
+    EXPECT_EQ(CUssdUility::HexCharToInt('0'), 0);
+    EXPECT_EQ(CUssdUility::HexCharToInt('f'), 15);
+    EXPECT_EQ(CUssdUility::HexCharToInt('A'), 10);
+    EXPECT_EQ(CUssdUility::HexCharToInt('g'), -1);
+    EXPECT_EQ(CUssdUility::HexCharToInt('\0'), -1);
+
+    EXPECT_EQ(CUssdUility::GetEncodeType(L"*100#"), 0);
+    EXPECT_EQ(CUssdUility::GetEncodeType(L"[\\]^{|}~\u20AC"), 0);
+    EXPECT_EQ(CUssdUility::GetEncodeType(L"\u00E9\u0394"), 0);
+    EXPECT_EQ(CUssdUility::GetEncodeType(L"`"), 2);
+    EXPECT_EQ(CUssdUility::GetEncodeType(L"\u041F\u0440\u0438"), 2);
+    EXPECT_EQ(CUssdUility::GetEncodeType(L""), 0);
+
+    uint8_t codes[4] = {9, 9, 9, 9};
+    EXPECT_EQ(CUssdUility::WStringToDefault7Bit(L"a[bcd", codes, 4), 3);
+    EXPECT_EQ(std::vector<uint8_t>(codes, codes + 4), (std::vector<uint8_t>{'a', 'b', 'c', 0}));
+    EXPECT_EQ(CUssdUility::WStringToDefault7Bit(nullptr, codes, 4), 0);
+    EXPECT_EQ(CUssdUility::WStringToDefault7Bit(L"abc", codes, 0), 0);
+
+    uint16_t units[2] = {};
+    EXPECT_EQ(CUssdUility::WStringToBigEndianUcs2(L"H\u0416x", 3, units, 2), 2);
+    const auto* bytes = reinterpret_cast<const uint8_t*>(units);
+    EXPECT_EQ(std::vector<uint8_t>(bytes, bytes + 4), (std::vector<uint8_t>{0x00, 0x48, 0x04, 0x16}));
+}
+
+TEST(UssdSublayer, SublayerForwardsTheUssdOperations) {
+    ScriptedAtFake fake;
+    TInterfaceAtSublayer* sublayer = nullptr;
+    ASSERT_EQ(ATSubLayer_CreateInstance(sublayer), 0);
+    TInterfaceAtSublayerLower lower;
+    lower.pfnExecAT = ScriptedAtFake::Callback();
+    ASSERT_EQ(sublayer->RegisterLowerCBs(lower), 0);
+
+    fake.Expect("AT+CSCS=\"UCS2\"\r");
+    fake.Expect("AT+CUSD=1,\"002A0031003000300023\",15\r");
+    wchar_t code[] = L"*100#";
+    EXPECT_EQ(sublayer->SendUssdCmd(code), 0);
+
+    fake.Expect("AT+CSCS?\r", "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n");
+    TUssdItem item;
+    EXPECT_EQ(sublayer->UssdOnReceive("+CUSD: 1,\"00480069\",72", item), 0);
+    EXPECT_EQ(item.nType, 1);
+    EXPECT_EQ(item.wstrContent, L"Hi");
+
+    fake.Expect("AT+CUSD?\r", "\r\n+CUSD: 1\r\n\r\nOK\r\n");
+    fake.Expect("AT+CUSD=2\r");
+    EXPECT_EQ(sublayer->SendUssdCancelCmd(), 0);
+
+    fake.Expect("AT+CUSD?\r", "\r\n+CUSD: 1\r\n\r\nOK\r\n");
+    EXPECT_EQ(sublayer->SendUssdCancelCmd(), 0); // the dialogue is over: nothing sent
+
+    fake.Expect("AT+CUSD?\r", "\r\n+CUSD: 0\r\n\r\nOK\r\n");
+    int state = -1;
+    EXPECT_EQ(sublayer->CheckUssdState(state), 0);
+    EXPECT_EQ(state, 0);
+    fake.Expect("AT+CUSD=1\r");
+    state = 1;
+    EXPECT_EQ(sublayer->SetUssdState(state), 0);
+    fake.VerifyDone();
+    EXPECT_EQ(ATSubLayer_DestroyInstance(sublayer), 0);
+}
+
+} // namespace
