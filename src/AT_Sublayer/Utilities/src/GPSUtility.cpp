@@ -1,7 +1,13 @@
 #include "GPSUtility.h"
 
+#include <string>
+
+#include "FamilyCommand.h"
+
 namespace {
-constexpr int kNotBuiltYet = 1;
+
+constexpr int kGpsTimeoutMs = 3000;
+
 } // namespace
 
 int CGPSUtility::RegisterExecAT(ExecATCallback callback) {
@@ -9,10 +15,23 @@ int CGPSUtility::RegisterExecAT(ExecATCallback callback) {
     return 0;
 }
 
+int CGPSUtility::WriteComm(std::string& response, const char* command, const char* expected, int timeoutMs,
+                           std::initializer_list<const char*> finals) {
+    return FamilyWriteComm(m_pfnExecAT, response, command, expected, timeoutMs, finals);
+}
+
+int CGPSUtility::Switch(const char* command) {
+    std::string response;
+    if (const int result = WriteComm(response, command, nullptr, kGpsTimeoutMs); result != 0)
+        return result;
+    return AnswerHasOk(response) ? 0 : 1;
+}
+
 int CGPSUtility::InitGPS() {
-    return kNotBuiltYet;
+    // Vendor command: AT$GPSC=<receiver>,<on>
+    return Switch("AT$GPSC=1,1\r");
 }
 
 int CGPSUtility::UninitGPS() {
-    return kNotBuiltYet;
+    return Switch("AT$GPSC=1,0\r");
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <initializer_list>
+#include <string>
+
 #include "ExecATCallback.h"
 
 // The modem's GPS receiver, switched on ("AT$GPSC=1,1") and off ("AT$GPSC=1,0").
@@ -14,9 +17,16 @@ public:
     // The callback registered last, or null.
     ExecATCallback ExecAT() const { return m_pfnExecAT; }
 
+    // Runs one command and cuts the modem's echo off a successful answer; 1 without a callback.
+    int WriteComm(std::string& response, const char* command, const char* expected, int timeoutMs,
+                  std::initializer_list<const char*> finals = {"OK", "+CME ERROR", "ERROR"});
+
+    // 1 when the modem answers without "OK".
     int InitGPS();
     int UninitGPS();
 
 private:
+    int Switch(const char* command);
+
     ExecATCallback m_pfnExecAT = nullptr;
 };

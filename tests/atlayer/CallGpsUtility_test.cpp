@@ -1,0 +1,229 @@
+#include <functional>
+#include <list>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "CallUtility.h"
+#include "GPSUtility.h"
+#include "ScriptedAtFake.h"
+
+namespace {
+
+const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
+
+class CallUtilityTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_call.RegisterExecAT(ScriptedAtFake::Callback());
+        m_gps.RegisterExecAT(ScriptedAtFake::Callback());
+    }
+
+    ScriptedAtFake m_fake;
+    CCallUtility m_call;
+    CGPSUtility m_gps;
+};
+
+TEST_F(CallUtilityTest, SetCommandsNeedOk) {
+    struct Row {
+        const char* command;
+        int timeoutMs;
+        std::function<int()> run;
+    };
+    const Row rows[] = {
+        {"AT+COLP=0\r", 3000, [this] { return m_call.InitCOLP(); }},
+        {"AT+CLIP=0\r", 3000, [this] { return m_call.InitCLIP(); }},
+        {"AT+CRC=0\r", 3000, [this] { return m_call.InitCRC(); }},
+        {"AT+VTS=5\r", 3000, [this] { return m_call.SendDTMF('5'); }},
+        {"AT$GPSC=1,1\r", 3000, [this] { return m_gps.InitGPS(); }},
+        {"AT$GPSC=1,0\r", 3000, [this] { return m_gps.UninitGPS(); }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.command));
+        m_fake.Expect(row.command, std::string(row.command) + "\r\nOK\r\n")
+            .WithTimeout(row.timeoutMs)
+            .WithoutPrefix()
+            .WithFinals(kFinals);
+        EXPECT_EQ(row.run(), 0);
+        m_fake.Expect(row.command, "\r\n+CME ERROR: operation not allowed\r\n");
+        EXPECT_EQ(row.run(), 1);
+        m_fake.Expect(row.command, "\r\nNO CARRIER\r\n"); // only dialling, answering and hanging up know it
+        EXPECT_EQ(row.run(), 1);
+        m_fake.ExpectFailure(row.command, 2);
+        EXPECT_EQ(row.run(), 2);
+        m_fake.ExpectFailure(row.command, 30);
+        EXPECT_EQ(row.run(), 30);
+    }
+}
+
+TEST_F(CallUtilityTest, InitStopsAtTheFirstFailure) {
+    m_fake.Expect("AT+COLP=0\r");
+    m_fake.Expect("AT+CLIP=0\r");
+    m_fake.Expect("AT+CRC=0\r");
+    EXPECT_EQ(m_call.Init(), 0);
+
+    m_fake.Expect("AT+COLP=0\r");
+    m_fake.ExpectFailure("AT+CLIP=0\r", 2);
+    EXPECT_EQ(m_call.Init(), 2);
+
+    m_fake.Expect("AT+COLP=0\r", "\r\nERROR\r\n");
+    EXPECT_EQ(m_call.Init(), 1);
+}
+
+TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
+    struct Row {
+        const char* answer;
+        int result; // -1: the operation does not run with this answer
+        int dial;
+        int answerCall;
+        int hangUp;
+    };
+    const Row rows[] = {
+        {"\r\nOK\r\n", 0, 0, 0, 0},
+        {"\r\nNO CARRIER\r\n", 0, 25, 25, 25},
+        {"\r\nBUSY\r\n", 0, 27, 1, 1},
+        {"\r\nNO ANSWER\r\n", 0, 26, 1, 1},
+        {"\r\nNO DIALTONE\r\n", 0, 28, 1, 1},
+        {"\r\n+CME ERROR: no network service\r\n", 0, 1, 1, 1},
+        {"", 2, 2, 2, 2},
+        {"", 30, 30, 30, 30},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer) + " code " + std::to_string(row.result));
+        m_fake.Expect("ATD10086;\r", row.answer, row.result)
+            .WithTimeout(60000)
+            .WithoutPrefix()
+            .WithFinals(kFinals);
+        EXPECT_EQ(m_call.Dial("10086"), row.dial);
+        m_fake.Expect("ATA\r", row.answer, row.result).WithTimeout(3000).WithoutPrefix();
+        EXPECT_EQ(m_call.Answer(), row.answerCall);
+        m_fake.Expect("AT+CHUP\r", row.answer, row.result).WithTimeout(3000).WithoutPrefix();
+        EXPECT_EQ(m_call.HangUp(), row.hangUp);
+    }
+    EXPECT_EQ(m_call.Dial(nullptr), 1);
+}
+
+TEST_F(CallUtilityTest, DtmfTakesOnlyKeypadTones) {
+    for (const char tone : std::string("0123456789*#ABCD")) {
+        SCOPED_TRACE(tone);
+        m_fake.Expect(std::string("AT+VTS=") + tone + "\r");
+        EXPECT_EQ(m_call.SendDTMF(tone), 0);
+    }
+    for (const char tone : std::string("EaF+ ,;\r")) {
+        SCOPED_TRACE(static_cast<int>(tone));
+        EXPECT_EQ(m_call.SendDTMF(tone), 1);
+    }
+    EXPECT_EQ(m_call.SendDTMF('\0'), 1);
+    EXPECT_EQ(m_fake.Calls().size(), 16u);
+}
+
+TEST(CallListParse, ClccLines) {
+    struct Row {
+        const char* line;
+        bool listed;
+        TCallItemState call;
+    };
+    const Row rows[] = {
+        {"+CLCC: 1,1,4,0,0,\"123\",145", true, {1, 1, 4, 0, 0, "+123", 145}},
+        {"+CLCC: 1,1,4,0,0,\"123\",129", true, {1, 1, 4, 0, 0, "123", 129}},
+        {"+CLCC: 2,0,0,0,1,\"+8613800138000\",145", true, {2, 0, 0, 0, 1, "+8613800138000", 0}},
+        {"+CLCC: 1,0,2,1,0,\"10086\",161,\"\"", true, {1, 0, 2, 1, 0, "10086", 161}},
+        {"+CLCC: 3,1,4,0,0", true, {3, 1, 4, 0, 0, "", 0}},            // number withheld
+        {"+CLCC: 3,1,4,0,0,\"\",128", true, {3, 1, 4, 0, 0, "", 128}}, // empty number
+        {"+CLCC: 3,1,4,0,0,\"12345", true, {3, 1, 4, 0, 0, "", 0}},    // unterminated
+        {"+CLCC: 1,1,4,0,0,\"123\"", true, {1, 1, 4, 0, 0, "123", 0}}, // no type
+        {"+CLCC: 1,1,4,0,0,\"123\",x", true, {1, 1, 4, 0, 0, "123", 0}},
+        {"+CLCC: 1,1,4,0", false, {}},
+        {"+CLCC: ", false, {}},
+        {"+CLCC: a,1,4,0,0,\"123\",129", false, {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.line);
+        std::list<TCallItemState> calls;
+        CCallUtility::ParseCallList(std::string("\r\n") + row.line + "\r\n\r\nOK\r\n", calls);
+        ASSERT_EQ(calls.size(), row.listed ? 1u : 0u);
+        if (!row.listed)
+            continue;
+        const TCallItemState& call = calls.front();
+        EXPECT_EQ(call.nIndex, row.call.nIndex);
+        EXPECT_EQ(call.nDir, row.call.nDir);
+        EXPECT_EQ(call.nState, row.call.nState);
+        EXPECT_EQ(call.nMode, row.call.nMode);
+        EXPECT_EQ(call.nMpty, row.call.nMpty);
+        EXPECT_EQ(call.strNumber, row.call.strNumber);
+        EXPECT_EQ(call.nType, row.call.nType);
+    }
+}
+
+TEST_F(CallUtilityTest, CallListKeepsEveryCallInOrder) {
+    m_fake
+        .Expect("AT+CLCC\r", "AT+CLCC\r\r\n+CLCC: 1,0,0,0,0,\"10086\",129\r\n+CLCC: 2,1,5,0,0,\"123\",145\r\n"
+                             "+CLCC: 3,1,4,1,0\r\n\r\nOK\r\n")
+        .WithTimeout(3000)
+        .WithoutPrefix()
+        .WithFinals(kFinals);
+    std::list<TCallItemState> calls(2);
+    ASSERT_EQ(m_call.CheckCallState(calls), 0);
+    ASSERT_EQ(calls.size(), 3u);
+    std::vector<std::string> numbers;
+    for (const TCallItemState& call : calls)
+        numbers.push_back(std::to_string(call.nIndex) + ":" + call.strNumber);
+    EXPECT_EQ(numbers, (std::vector<std::string>{"1:10086", "2:+123", "3:"}));
+
+    m_fake.Expect("AT+CLCC\r", "\r\n+CLCC: 1,0,0,0,0,\"10086\",129\r\n");
+    EXPECT_EQ(m_call.CheckCallState(calls), 1);
+    EXPECT_TRUE(calls.empty());
+    m_fake.ExpectFailure("AT+CLCC\r", 30);
+    EXPECT_EQ(m_call.CheckCallState(calls), 30);
+}
+
+TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
+    struct Row {
+        std::string lines;
+        int ring;
+        const char* number;
+        bool allEnded;
+    };
+    const Row rows[] = {
+        {"", 1, "", true},
+        {"+CLCC: 1,1,4,0,0,\"123\",145\r\n", 0, "+123", false},
+        {"+CLCC: 1,1,4,1,0,\"123\",129\r\n", 1, "", true}, // data call
+        {"+CLCC: 1,0,0,0,0,\"555\",129\r\n+CLCC: 2,1,5,0,0,\"666\",129\r\n+CLCC: 3,1,4,0,0,\"777\",129\r\n",
+         0, "777", false},
+        {"+CLCC: 1,1,4,0,0\r\n", 0, "", false}, // incoming, number withheld
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.lines));
+        const std::string answer = "\r\n" + row.lines + "\r\nOK\r\n";
+        m_fake.Expect("AT+CLCC\r", answer);
+        std::string number;
+        EXPECT_EQ(m_call.HandleRing(number), row.ring);
+        EXPECT_EQ(number, row.number);
+        m_fake.Expect("AT+CLCC\r", answer);
+        bool allEnded = !row.allEnded;
+        EXPECT_EQ(m_call.HandleCallEnd(allEnded), 0);
+        EXPECT_EQ(allEnded, row.allEnded);
+    }
+
+    m_fake.ExpectFailure("AT+CLCC\r", 2);
+    std::string number = "x";
+    EXPECT_EQ(m_call.HandleRing(number), 1);
+    EXPECT_EQ(number, "x");
+    m_fake.ExpectFailure("AT+CLCC\r", 30);
+    bool allEnded = false;
+    EXPECT_EQ(m_call.HandleCallEnd(allEnded), 1);
+}
+
+TEST(CallGpsNoCallback, CommandsFailWithOne) {
+    CCallUtility call;
+    CGPSUtility gps;
+    std::list<TCallItemState> calls;
+    EXPECT_EQ(call.Init(), 1);
+    EXPECT_EQ(call.Dial("1"), 1);
+    EXPECT_EQ(call.CheckCallState(calls), 1);
+    EXPECT_EQ(gps.InitGPS(), 1);
+    EXPECT_EQ(gps.UninitGPS(), 1);
+}
+
+} // namespace

@@ -1,0 +1,492 @@
+#include <iterator>
+#include <list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "PbUtility.h"
+#include "ScriptedAtFake.h"
+
+namespace {
+
+std::string Answer(const std::string& lines) {
+    return "\r\n" + lines + "\r\n\r\nOK\r\n";
+}
+
+const char* SelectCommand(int storage) {
+    return storage == PB_STORAGE_SIM ? "AT+CPBS=\"SM\"\r" : "AT+CPBS=\"ME\"\r";
+}
+
+class PbUtilityTest : public ::testing::Test {
+protected:
+    void SetUp() override { m_pb.RegisterExecAT(ScriptedAtFake::Callback()); }
+
+    void ExpectSelect(int storage) {
+        m_fake.Expect(SelectCommand(storage))
+            .WithTimeout(1000)
+            .WithoutPrefix()
+            .WithFinals({"OK", "+CME ERROR", "ERROR"});
+    }
+    void ExpectUse(int storage, int used, int total) {
+        ExpectSelect(storage);
+        const std::string name = storage == PB_STORAGE_SIM ? "SM" : "ME";
+        m_fake
+            .Expect("AT+CPBS?\r",
+                    Answer("+CPBS: \"" + name + "\"," + std::to_string(used) + "," + std::to_string(total)))
+            .WithTimeout(1000)
+            .WithPrefix("+CPBS: ");
+    }
+    void ExpectUcs2() {
+        m_fake.Expect("AT+CSCS=\"UCS2\"\r")
+            .WithTimeout(1000)
+            .WithoutPrefix()
+            .WithFinals({"OK", "ERROR", "+CME ERROR"});
+    }
+    // A full read of a storage whose entries have these indexes, listed in the order given.
+    void ExpectList(int storage, const std::vector<int>& indexes, int total) {
+        ExpectUse(storage, static_cast<int>(indexes.size()), total);
+        if (indexes.empty())
+            return;
+        ExpectUcs2();
+        std::string lines;
+        for (const int index : indexes) {
+            if (!lines.empty())
+                lines += "\r\n";
+            lines +=
+                "+CPBR: " + std::to_string(index) + ",\"1000" + std::to_string(index) + "\",129,\"0041\"";
+        }
+        m_fake.Expect("AT+CPBR=1," + std::to_string(total) + "\r", Answer(lines))
+            .WithTimeout(60000)
+            .WithoutPrefix();
+    }
+
+    ScriptedAtFake m_fake;
+    CPbUtility m_pb;
+};
+
+TEST(PbDecodeItem, EntryLines) {
+    struct Row {
+        const char* line;
+        int result;
+        int index;
+        const char* number;
+        std::wstring name;
+    };
+    const Row rows[] = {
+        {R"(5,"12345",145,"00480069")", 0, 5, "+12345", L"Hi"},
+        {R"(5,"12345",129,"00480069")", 0, 5, "12345", L"Hi"},
+        {R"(5,"+12345",145,"0048")", 0, 5, "+12345", L"H"},
+        {R"(9,"12345",17,"0048")", 0, 9, "+12345", L"H"}, // 0x11: international as well
+        {R"(9,"12345",161,"0048")", 0, 9, "12345", L"H"}, // 0xA1: national
+        {R"(1,"13800138000",129,"5F204E09")", 0, 1, "13800138000", L"\u5F20\u4E09"},
+        {R"(7,"12345",129,"004")", 0, 7, "12345", L""},           // fewer than four digits
+        {R"(7,"12345",129,"0048006")", 0, 7, "12345", L"H"},      // trailing digits dropped
+        {R"(7,"12345",129,"00480G690041")", 0, 7, "12345", L"H"}, // a bad digit keeps what came before
+        {R"(7,"12345",129,"0048ffe5")", 0, 7, "12345", L"H\uFFE5"},
+        {R"(8,"",129,"")", 0, 8, "", L""},
+        {R"(8,"*99#",129,"0041")", 0, 8, "*99#", L"A"},
+        {R"(abc,"1",129,"0041")", 1, -1, "", L"x"},
+        {R"(5,12345,129,"0041")", 1, -1, "", L"x"}, // the name is taken for the number, then no type
+        {R"(5,"12345)", 1, -1, "", L"x"},
+        {R"(5,"12345",)", 1, -1, "", L"x"},
+        {R"(5,"12345",x,"0041")", 1, -1, "", L"x"},
+        {R"(5,"12345",129)", 1, -1, "", L"x"},
+        {R"(5,"12345",129,"0041)", 1, -1, "", L"x"},
+        {"", 1, -1, "", L"x"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.line);
+        TPbBaseItem item;
+        item.nIndex = -1;
+        item.wstrName = L"x";
+        EXPECT_EQ(CPbUtility::DecodeItem(row.line, item), row.result);
+        EXPECT_EQ(item.nIndex, row.index);
+        EXPECT_EQ(item.strNumber, row.number);
+        EXPECT_EQ(item.wstrName, row.name);
+    }
+}
+
+TEST(PbHexText, DigitsAndUcs2Text) {
+    EXPECT_EQ(CPbUtility::BcdToDec('0'), 0);
+    EXPECT_EQ(CPbUtility::BcdToDec('9'), 9);
+    EXPECT_EQ(CPbUtility::BcdToDec('A'), 10);
+    EXPECT_EQ(CPbUtility::BcdToDec('f'), 15);
+    EXPECT_EQ(CPbUtility::BcdToDec('G'), -1);
+    EXPECT_EQ(CPbUtility::BcdToDec('\0'), -1);
+
+    char hex[13];
+    EXPECT_EQ(CPbUtility::WStringToBcd(L"Hi\u5f20", hex, sizeof hex), 0);
+    EXPECT_STREQ(hex, "004800695F20");
+    EXPECT_EQ(CPbUtility::WStringToBcd(L"Hi\u5f20", hex, 12), 1); // no room for the NUL
+    EXPECT_EQ(CPbUtility::WStringToBcd(L"", hex, 1), 0);
+    EXPECT_STREQ(hex, "");
+    EXPECT_EQ(CPbUtility::WStringToBcd(nullptr, hex, sizeof hex), 1);
+    EXPECT_EQ(CPbUtility::WStringToBcd(L"H", nullptr, 8), 1);
+
+    wchar_t text[4];
+    EXPECT_EQ(CPbUtility::BcdToWString("0048006900", text, 4), 0);
+    EXPECT_EQ(std::wstring(text), L"Hi");
+    EXPECT_EQ(CPbUtility::BcdToWString("00410042004300440045", text, 4), 0); // bounded by the output
+    EXPECT_EQ(std::wstring(text), L"ABC");
+    EXPECT_EQ(CPbUtility::BcdToWString("0041x042", text, 4), 1);
+    EXPECT_EQ(std::wstring(text), L"A");
+    EXPECT_EQ(CPbUtility::BcdToWString(nullptr, text, 4), 1);
+}
+
+TEST_F(PbUtilityTest, StorageUseReadsModemThenSim) {
+    ExpectUse(PB_STORAGE_MODEM, 3, 100);
+    ExpectUse(PB_STORAGE_SIM, 12, 250);
+    TPbStorageInfo info;
+    ASSERT_EQ(m_pb.GetStorageInfo(info), 0);
+    EXPECT_EQ(info.nSimTotal, 250);
+    EXPECT_EQ(info.nSimUsed, 12);
+    EXPECT_EQ(info.nMeTotal, 100);
+    EXPECT_EQ(info.nMeUsed, 3);
+}
+
+TEST_F(PbUtilityTest, StorageUseFailures) {
+    struct Row {
+        std::string selectAnswer;
+        int selectResult;
+        std::string answer; // empty: not asked
+        int result;
+    };
+    const Row rows[] = {
+        {"\r\n+CME ERROR: SIM not inserted\r\n", 0, "", 1},
+        {"", 2, "", 2},
+        {"", 30, "", 30},
+        {ScriptedAtFake::kOk, 0, Answer("+CPBS: \"SM\",12"), 1},
+        {ScriptedAtFake::kOk, 0, Answer("+CPBS: SM,12,250"), 1},
+        {ScriptedAtFake::kOk, 0, Answer("+CPBS: \"SM\""), 1},
+        {ScriptedAtFake::kOk, 0, ScriptedAtFake::kOk, 1},
+        {ScriptedAtFake::kOk, 0, "AT+CPBS?\r\r\n+CPBS: \"SM\",1,20\r\n\r\nOK\r\n", 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.selectAnswer + row.answer));
+        m_fake.Expect("AT+CPBS=\"SM\"\r", row.selectAnswer, row.selectResult);
+        if (!row.answer.empty())
+            m_fake.Expect("AT+CPBS?\r", row.answer);
+        EXPECT_EQ(m_pb.GetStorageInfo(PB_STORAGE_SIM), row.result);
+    }
+}
+
+TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
+    struct Row {
+        std::string answer;
+        int result;
+        int name;
+        int number;
+    };
+    const Row rows[] = {
+        {Answer("+CPBR: (1-250),40,14"), 0, 14, 40},
+        {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", 0, 18, 20},
+        {Answer("+CPBR: (1-250),,14"), 0, 14, 0},
+        {Answer("+CPBR: (1-250),40"), 0, 0, 40},
+        {Answer("+CPBR: (1-250),40,"), 0, 0, 40},
+        {Answer("+CPBR: (1-250)"), 0, -1, -1}, // no comma: both left alone
+        {Answer("+CPBR: (1-250),x,14"), 0, 0, -1},
+        {ScriptedAtFake::kOk, 1, -1, -1},
+        {"\r\n+CME ERROR: operation not allowed\r\n", 1, -1, -1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        m_fake.Expect("AT+CPBR=?\r", row.answer)
+            .WithTimeout(1000)
+            .WithPrefix("+CPBR: ")
+            .WithFinals({"OK", "+CME ERROR", "ERROR"});
+        int name = -1;
+        int number = -1;
+        EXPECT_EQ(m_pb.GetMaxLengthPair(name, number), row.result);
+        EXPECT_EQ(name, row.name);
+        EXPECT_EQ(number, row.number);
+    }
+    m_fake.ExpectFailure("AT+CPBR=?\r", 2);
+    int name = -1;
+    int number = -1;
+    EXPECT_EQ(m_pb.GetMaxLengthPair(name, number), 2);
+}
+
+TEST_F(PbUtilityTest, ConstraintFromBothStorages) {
+    ExpectSelect(PB_STORAGE_SIM);
+    m_fake.Expect("AT+CPBR=?\r", Answer("+CPBR: (1-250),20,14"));
+    ExpectSelect(PB_STORAGE_MODEM);
+    m_fake.Expect("AT+CPBR=?\r", Answer("+CPBR: (1-100),,30"));
+    TPbConstraint constraint;
+    constraint.nMeMaxNumberLen = 99;
+    ASSERT_EQ(m_pb.GetConstraint(constraint), 0);
+    EXPECT_EQ(constraint.nMask, PB_CONSTRAINT_ME_NAME | PB_CONSTRAINT_SIM_NUMBER | PB_CONSTRAINT_SIM_NAME);
+    EXPECT_EQ(constraint.nMeMaxNumberLen, 0);
+    EXPECT_EQ(constraint.nMeMaxNameLen, 30);
+    EXPECT_EQ(constraint.nSimMaxNumberLen, 20);
+    EXPECT_EQ(constraint.nSimMaxNameLen, 14);
+}
+
+TEST_F(PbUtilityTest, ConstraintWithoutSimStillSucceeds) {
+    m_fake.Expect("AT+CPBS=\"SM\"\r", "\r\n+CME ERROR: SIM not inserted\r\n");
+    ExpectSelect(PB_STORAGE_MODEM);
+    m_fake.Expect("AT+CPBR=?\r", Answer("+CPBR: (1-100),40,18"));
+    TPbConstraint constraint;
+    ASSERT_EQ(m_pb.GetConstraint(constraint), 0);
+    EXPECT_EQ(constraint.nMask, PB_CONSTRAINT_ME_NUMBER | PB_CONSTRAINT_ME_NAME);
+    EXPECT_EQ(constraint.nMeMaxNumberLen, 40);
+    EXPECT_EQ(constraint.nMeMaxNameLen, 18);
+    EXPECT_EQ(constraint.nSimMaxNumberLen, 0);
+    EXPECT_EQ(constraint.nSimMaxNameLen, 0);
+}
+
+TEST_F(PbUtilityTest, ConstraintFailsWhenTheModemStorageDoesNotAnswer) {
+    // A SIM whose limits cannot be read is not checked; the modem storage's failures are returned.
+    ExpectSelect(PB_STORAGE_SIM);
+    m_fake.Expect("AT+CPBR=?\r", "\r\nERROR\r\n");
+    m_fake.ExpectFailure("AT+CPBS=\"ME\"\r", 2);
+    TPbConstraint constraint;
+    EXPECT_EQ(m_pb.GetConstraint(constraint), 2);
+
+    ExpectSelect(PB_STORAGE_SIM);
+    m_fake.Expect("AT+CPBR=?\r", Answer("+CPBR: (1-250),20,14"));
+    ExpectSelect(PB_STORAGE_MODEM);
+    m_fake.Expect("AT+CPBR=?\r", "\r\nERROR\r\n");
+    EXPECT_EQ(m_pb.GetConstraint(constraint), 1);
+}
+
+TEST_F(PbUtilityTest, EmptyStorageSendsNoRead) {
+    ExpectUse(PB_STORAGE_MODEM, 0, 100);
+    std::list<TPbBaseItem> items(1);
+    ASSERT_EQ(m_pb.GetList(PB_STORAGE_MODEM, items), 0);
+    EXPECT_TRUE(items.empty());
+}
+
+TEST_F(PbUtilityTest, ListDecodesEveryEntryAndSortsTheIndexes) {
+    ExpectUse(PB_STORAGE_SIM, 3, 250);
+    ExpectUcs2();
+    m_fake.Expect("AT+CPBR=1,250\r", "AT+CPBR=1,250\r\r\n+CPBR: 4,\"8613800138000\",145,\"5F204E09\"\r\n"
+                                     "+CPBR: 1,\"10086\",129,\"004D0042\"\r\n"
+                                     "+CPBR: 2,\"123\",129,\"004\"\r\n\r\nOK\r\n");
+    std::list<TPbBaseItem> items;
+    ASSERT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 0);
+    ASSERT_EQ(items.size(), 3u);
+    EXPECT_EQ(items.front().nIndex, 4);
+    EXPECT_EQ(items.front().strNumber, "+8613800138000");
+    EXPECT_EQ(items.front().wstrName, L"\u5F20\u4E09");
+    EXPECT_EQ(std::next(items.begin())->wstrName, L"MB");
+    EXPECT_EQ(items.back().wstrName, L"");
+    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), (std::list<int>{1, 2, 4}));
+}
+
+TEST_F(PbUtilityTest, ListFailures) {
+    // An entry that cannot be decoded empties the list.
+    ExpectUse(PB_STORAGE_SIM, 2, 250);
+    ExpectUcs2();
+    m_fake.Expect("AT+CPBR=1,250\r", Answer("+CPBR: 1,\"10086\",129,\"004D\"\r\n+CPBR: 2,\"10010\""));
+    std::list<TPbBaseItem> items;
+    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 1);
+    EXPECT_TRUE(items.empty());
+    EXPECT_TRUE(m_pb.UsedIndexes(PB_STORAGE_SIM).empty());
+
+    // A line without its end is skipped.
+    ExpectUse(PB_STORAGE_SIM, 2, 250);
+    ExpectUcs2();
+    m_fake.Expect("AT+CPBR=1,250\r",
+                  "\r\n+CPBR: 1,\"10086\",129,\"004D\"\r\n+CPBR: 2,\"10010\",129,\"0041\"");
+    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 0);
+    EXPECT_EQ(items.size(), 1u);
+
+    ExpectUse(PB_STORAGE_SIM, 2, 250);
+    m_fake.Expect("AT+CSCS=\"UCS2\"\r", "\r\nERROR\r\n");
+    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 1);
+
+    ExpectUse(PB_STORAGE_SIM, 2, 250);
+    ExpectUcs2();
+    m_fake.ExpectFailure("AT+CPBR=1,250\r", 2);
+    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 2);
+
+    m_fake.ExpectFailure("AT+CPBS=\"ME\"\r", 30);
+    EXPECT_EQ(m_pb.GetList(PB_STORAGE_MODEM, items), 30);
+}
+
+TEST_F(PbUtilityTest, InitListPutsSimEntriesFirst) {
+    ExpectList(PB_STORAGE_SIM, {2, 1}, 250);
+    ExpectList(PB_STORAGE_MODEM, {7}, 100);
+    std::list<TPbItem> items;
+    ASSERT_EQ(m_pb.InitList(items), 0);
+    std::vector<std::pair<int, int>> got;
+    for (const TPbItem& item : items)
+        got.emplace_back(item.nStore, item.nIndex);
+    EXPECT_EQ(got, (std::vector<std::pair<int, int>>{{0, 2}, {0, 1}, {1, 7}}));
+    EXPECT_EQ(items.back().strNumber, "10007");
+    EXPECT_EQ(items.back().wstrName, L"A");
+
+    // A modem storage that cannot be read appends nothing.
+    items.clear();
+    ExpectList(PB_STORAGE_SIM, {1}, 250);
+    m_fake.Expect("AT+CPBS=\"ME\"\r", "\r\n+CME ERROR: operation not allowed\r\n");
+    EXPECT_EQ(m_pb.InitList(items), 1);
+    EXPECT_TRUE(items.empty());
+}
+
+TEST_F(PbUtilityTest, AddTakesTheFirstFreeIndex) {
+    struct Row {
+        std::vector<int> used;
+        int index;
+    };
+    const Row rows[] = {
+        {{1, 2, 4}, 3}, {{1, 2, 3}, 4}, {{2, 3}, 1}, {{}, 1}, {{4, 1, 2}, 3}, {{1, 1, 2}, 3}, {{1, 3}, 2},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.used));
+        ExpectList(PB_STORAGE_SIM, row.used, 10);
+        std::list<TPbBaseItem> items;
+        ASSERT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 0);
+
+        ExpectUcs2();
+        ExpectSelect(PB_STORAGE_SIM);
+        m_fake.Expect("AT+CPBW=" + std::to_string(row.index) + ",\"+4930\",145,\"0041\"\r")
+            .WithTimeout(3000)
+            .WithoutPrefix();
+        int index = -1;
+        ASSERT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_SIM, L"A", "+4930"}, index), 0);
+        EXPECT_EQ(index, row.index);
+        std::list<int> expected(row.used.begin(), row.used.end());
+        expected.push_back(row.index);
+        expected.sort();
+        EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), expected);
+    }
+}
+
+TEST_F(PbUtilityTest, AddCountsAgainstTheCapacity) {
+    int index = -1;
+    // Never read: no capacity known.
+    EXPECT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 1);
+
+    ExpectList(PB_STORAGE_MODEM, {1}, 2);
+    std::list<TPbBaseItem> items;
+    ASSERT_EQ(m_pb.GetList(PB_STORAGE_MODEM, items), 0);
+    ExpectUcs2();
+    ExpectSelect(PB_STORAGE_MODEM);
+    m_fake.Expect("AT+CPBW=2,\"1\",129,\"0041\"\r");
+    ASSERT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 0);
+    EXPECT_EQ(index, 2);
+    // Full now: nothing is sent.
+    index = -1;
+    EXPECT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 1);
+    EXPECT_EQ(index, -1);
+
+    // After a delete there is room again, at the freed index.
+    ExpectSelect(PB_STORAGE_MODEM);
+    m_fake.Expect("AT+CPBW=1\r").WithTimeout(3000).WithoutPrefix();
+    ASSERT_EQ(m_pb.DeleteItem(PB_STORAGE_MODEM, 1), 0);
+    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_MODEM), (std::list<int>{2}));
+    ExpectUcs2();
+    ExpectSelect(PB_STORAGE_MODEM);
+    m_fake.ExpectFailure("AT+CPBW=1,\"1\",129,\"0041\"\r", 30);
+    EXPECT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 2);
+    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_MODEM), (std::list<int>{2}));
+}
+
+TEST_F(PbUtilityTest, UpdateWritesTheUpperCasedCommand) {
+    struct Row {
+        TPbItem item;
+        std::string command;
+    };
+    const Row rows[] = {
+        {{PB_STORAGE_SIM, 2, L"Hi", "abc"}, "AT+CPBW=2,\"ABC\",129,\"00480069\"\r"},
+        {{PB_STORAGE_MODEM, 5, L"\u5f20\u4e09", "+8613800138000"},
+         "AT+CPBW=5,\"+8613800138000\",145,\"5F204E09\"\r"},
+        {{PB_STORAGE_SIM, 1, L"", "10+86"}, "AT+CPBW=1,\"10+86\",145,\"\"\r"},
+        {{PB_STORAGE_SIM, 3, L"x", "*99#"}, "AT+CPBW=3,\"*99#\",129,\"0078\"\r"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.command));
+        ExpectUcs2();
+        ExpectSelect(row.item.nStore);
+        m_fake.Expect(row.command)
+            .WithTimeout(3000)
+            .WithoutPrefix()
+            .WithFinals({"OK", "+CME ERROR", "ERROR"});
+        EXPECT_EQ(m_pb.UpdateItem(row.item), 0);
+    }
+}
+
+TEST_F(PbUtilityTest, UpdateFlattensCommandFailuresToTwo) {
+    const TPbItem item{PB_STORAGE_SIM, 2, L"A", "1"};
+    const char* command = "AT+CPBW=2,\"1\",129,\"0041\"\r";
+    for (const int failure : {1, 2, 30}) {
+        SCOPED_TRACE(failure);
+        ExpectUcs2();
+        ExpectSelect(PB_STORAGE_SIM);
+        m_fake.ExpectFailure(command, failure);
+        EXPECT_EQ(m_pb.UpdateItem(item), 2);
+    }
+    ExpectUcs2();
+    ExpectSelect(PB_STORAGE_SIM);
+    m_fake.Expect(command, "\r\n+CME ERROR: memory full\r\n");
+    EXPECT_EQ(m_pb.UpdateItem(item), 1);
+
+    m_fake.ExpectFailure("AT+CSCS=\"UCS2\"\r", 2);
+    EXPECT_EQ(m_pb.UpdateItem(item), 1);
+    ExpectUcs2();
+    m_fake.ExpectFailure("AT+CPBS=\"SM\"\r", 30);
+    EXPECT_EQ(m_pb.UpdateItem(item), 30);
+}
+
+TEST_F(PbUtilityTest, DeleteKeepsCountsAndIndexes) {
+    ExpectList(PB_STORAGE_SIM, {1, 3, 5}, 10);
+    std::list<TPbBaseItem> items;
+    ASSERT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 0);
+
+    ExpectSelect(PB_STORAGE_SIM);
+    m_fake.Expect("AT+CPBW=3\r", "\r\n+CME ERROR: invalid index\r\n");
+    EXPECT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 3), 1);
+    m_fake.ExpectFailure("AT+CPBS=\"SM\"\r", 2);
+    EXPECT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 3), 2);
+    ExpectSelect(PB_STORAGE_SIM);
+    m_fake.ExpectFailure("AT+CPBW=3\r", 30);
+    EXPECT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 3), 30);
+    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), (std::list<int>{1, 3, 5}));
+
+    ExpectSelect(PB_STORAGE_SIM);
+    m_fake.Expect("AT+CPBW=3\r");
+    ASSERT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 3), 0);
+    ExpectSelect(PB_STORAGE_SIM);
+    m_fake.Expect("AT+CPBW=9\r"); // not listed: the list stays
+    ASSERT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 9), 0);
+    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), (std::list<int>{1, 5}));
+}
+
+TEST_F(PbUtilityTest, CharacterSetNames) {
+    struct Row {
+        int code;
+        const char* name; // null: refused without a command
+    };
+    const Row rows[] = {
+        {0, "GSM"},     {1, "HEX"},    {2, "IRA"},    {3, "PCCP437"}, {4, "PCDN"},
+        {5, "UCS2"},    {6, "8859-1"}, {7, "8859-C"}, {8, "8859-A"},  {9, "8859-G"},
+        {10, "8859-H"}, {11, nullptr}, {-1, nullptr},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.code);
+        if (row.name != nullptr)
+            m_fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r");
+        EXPECT_EQ(m_pb.SelectTeCharacterSet(row.code, 437, 1), row.name != nullptr ? 0 : 1);
+    }
+    m_fake.Expect("AT+CSCS=\"UCS2\"\r", "\r\n+CME ERROR: operation not supported\r\n");
+    EXPECT_EQ(m_pb.SelectTeCharacterSet(5, 0, 0), 1);
+    m_fake.ExpectFailure("AT+CSCS=\"UCS2\"\r", 30);
+    EXPECT_EQ(m_pb.SelectTeCharacterSet(5, 0, 0), 1);
+}
+
+TEST(PbUtilityNoCallback, EveryCommandFailsWithOne) {
+    CPbUtility pb;
+    TPbStorageInfo info;
+    std::list<TPbItem> items;
+    TPbConstraint constraint;
+    EXPECT_EQ(pb.GetStorageInfo(info), 1);
+    EXPECT_EQ(pb.InitList(items), 1);
+    EXPECT_EQ(pb.GetConstraint(constraint), 1);
+    EXPECT_EQ(pb.DeleteItem(0, 1), 1);
+    EXPECT_EQ(pb.UpdateItem(TPbItem{}), 1);
+}
+
+} // namespace
