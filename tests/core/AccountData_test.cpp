@@ -1,0 +1,324 @@
+#include "TempHome.h"
+
+#include "Account/AccountData.h"
+#include "DebugSink.h"
+#include "ResourceLocator.h"
+
+#include <QByteArray>
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdio>
+#include <string>
+
+namespace {
+
+// Collects what the reader prints on the debug sink.
+class DebugCapture {
+public:
+    DebugCapture() : _file(std::tmpfile()), _old(GetDebugSink()) { SetDebugSink(_file); }
+    ~DebugCapture() {
+        SetDebugSink(_old);
+        std::fclose(_file);
+    }
+    std::string text() const {
+        std::fflush(_file);
+        std::rewind(_file);
+        std::string all;
+        char buffer[512];
+        size_t count;
+        while ((count = std::fread(buffer, 1, sizeof buffer, _file)) > 0) {
+            all.append(buffer, count);
+        }
+        return all;
+    }
+
+private:
+    std::FILE* _file;
+    std::FILE* _old;
+};
+
+// UCS-2 hex of an ASCII text.
+std::string hex(const std::string& text) {
+    std::string out;
+    char unit[5];
+    for (unsigned char c : text) {
+        std::snprintf(unit, sizeof unit, "%04X", c);
+        out += unit;
+    }
+    return out;
+}
+
+const std::string kButton =
+    "<BUTTON><BUTTON_NAME>" + hex("Check") + "</BUTTON_NAME><BUTTON_CODE>*100#</BUTTON_CODE></BUTTON>";
+const std::string kInput = "<INPUT><INPUT_TITLE_STRING>" + hex("Voucher") +
+                           "</INPUT_TITLE_STRING><INPUT_STRING>" + hex("0000") +
+                           "</INPUT_STRING><INPUT_LIMITATION>0123456789</INPUT_LIMITATION>"
+                           "<INPUT_MAXLEN>16</INPUT_MAXLEN><INPUT_MINLEN>12</INPUT_MINLEN></INPUT>";
+
+std::string item(const std::string& inside) {
+    return "<ITEM>" + inside + "</ITEM>";
+}
+std::string fullItem() {
+    return item("<ITEM_STRING>" + hex("Top up") +
+                "</ITEM_STRING><ITEM_TYPE_FOR>3</ITEM_TYPE_FOR><TITLE_STRING>" + hex("Top-up") +
+                "</TITLE_STRING><PROMPT_STRING>" + hex("Enter") + "</PROMPT_STRING><INPUT_SETTING>" + kInput +
+                "</INPUT_SETTING><BUTTON_SETTING>" + kButton + "</BUTTON_SETTING>");
+}
+std::string group(const std::string& inside) {
+    return "<GROUP>" + inside + "</GROUP>";
+}
+std::string language(const std::string& attribute, const std::string& inside) {
+    return "<LANGUAGE" + attribute + ">" + inside + "</LANGUAGE>";
+}
+std::string tip(const std::string& text = hex("Tip")) {
+    return "<TIP>" + text + "</TIP>";
+}
+std::string root(const std::string& inside) {
+    return "<?xml version=\"1.0\"?><ROOT>" + inside + "</ROOT>";
+}
+std::string goodGroup(const std::string& name = "Balance") {
+    return group("<GROUP_STRING>" + hex(name) + "</GROUP_STRING><GROUP_TYPE_FOR>1</GROUP_TYPE_FOR>" +
+                 fullItem());
+}
+
+QString writeData(const TempHome& home, const QByteArray& bytes) {
+    const QString path = home.path() + "/test.dat";
+    TempHome::writeFile(path, bytes);
+    return path;
+}
+
+} // namespace
+
+TEST(AccountData, TextEncodings) {
+    struct Row {
+        const char* hex;
+        std::wstring text;
+    };
+    const Row rows[] = {
+        {"0041", L"A"},
+        {"00410062", L"Ab"},
+        {"00e900E9", L"\u00e9\u00e9"}, // either case
+        {"4E2D6587", L"\u4e2d\u6587"},
+        {"", L""},
+        {"004", L""},    // not whole units
+        {"004100", L""}, // six digits
+        {"00G1", L""},
+        {"+041", L""},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(UnicodeHex2WString(row.hex), row.text) << row.hex;
+    }
+    EXPECT_EQ(UnicodeHex2WString(nullptr), L"");
+    EXPECT_EQ(ASCII2WString("*100#"), L"*100#");
+    EXPECT_EQ(ASCII2WString("\xe9"), L"\u00e9");
+    EXPECT_EQ(ASCII2WString(nullptr), L"");
+    EXPECT_EQ(WStringToQString(UnicodeHex2WString("D83DDE00")), QString::fromUtf8("\xF0\x9F\x98\x80"));
+}
+
+TEST(AccountData, ReadsEveryFieldOfTheChosenLanguage) {
+    TempHome home;
+    const std::string secondGroup =
+        group("<GROUP_STRING>" + hex("Number") + "</GROUP_STRING>" +
+              item("<ITEM_STRING>" + hex("Show") + "</ITEM_STRING><TITLE_STRING>" + hex("T") +
+                   "</TITLE_STRING><PROMPT_STRING></PROMPT_STRING>"));
+    const QString path = writeData(
+        home,
+        QByteArray::fromStdString(
+            root(language(" LANGUAGE_ID=\"0\"", tip() + goodGroup("Balance")) +
+                 language(" LANGUAGE_ID=\"1\"", tip(hex("Hinweis")) + goodGroup("Guthaben") + secondGroup))));
+    _TAccountData data;
+    ASSERT_EQ(GetUSSDDataFromFile(path, data, 1), 0);
+    EXPECT_EQ(data.nLanguageID, 1);
+    EXPECT_EQ(data.strTip, L"Hinweis");
+    ASSERT_EQ(data.groups.size(), 2u);
+    const _TAccountGroupItem& first = data.groups.front();
+    EXPECT_EQ(first.strName, L"Guthaben");
+    EXPECT_EQ(first.nType, 1);
+    ASSERT_EQ(first.items.size(), 1u);
+    const _TAccountUSSDItem& entry = first.items.front();
+    EXPECT_EQ(entry.strText, L"Top up");
+    EXPECT_EQ(entry.nType, 3);
+    EXPECT_EQ(entry.strTitle, L"Top-up");
+    EXPECT_EQ(entry.strPrompt, L"Enter");
+    ASSERT_EQ(entry.inputs.size(), 1u);
+    EXPECT_EQ(entry.inputs.front().strTitle, L"Voucher");
+    EXPECT_EQ(entry.inputs.front().strText, L"0000");
+    EXPECT_EQ(entry.inputs.front().strLimitation, L"0123456789");
+    EXPECT_EQ(entry.inputs.front().nMaxLen, 16);
+    EXPECT_EQ(entry.inputs.front().nMinLen, 12);
+    ASSERT_EQ(entry.buttons.size(), 1u);
+    EXPECT_EQ(entry.buttons.front().strName, L"Check");
+    EXPECT_EQ(entry.buttons.front().strCode, L"*100#");
+
+    // Optional parts left out: types 0, no inputs, no buttons.
+    const _TAccountGroupItem& second = data.groups.back();
+    EXPECT_EQ(second.nType, 0);
+    ASSERT_EQ(second.items.size(), 1u);
+    EXPECT_EQ(second.items.front().nType, 0);
+    EXPECT_TRUE(second.items.front().inputs.empty());
+    EXPECT_TRUE(second.items.front().buttons.empty());
+    EXPECT_EQ(second.items.front().strPrompt, L"");
+
+    // -1 takes the first language; reading again replaces what the record held.
+    ASSERT_EQ(GetUSSDDataFromFile(path, data, -1), 0);
+    EXPECT_EQ(data.nLanguageID, 0);
+    EXPECT_EQ(data.groups.size(), 1u);
+}
+
+TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
+    struct Row {
+        const char* name;
+        std::string xml;
+        int language;
+        int result;
+        size_t groups;
+        const char* printed; // nullptr: nothing
+    };
+    const std::string ok = tip() + goodGroup();
+    const Row rows[] = {
+        {"not XML", "garbage <<< >", 0, 0, 0, nullptr},
+        {"no ROOT", "<OTHER>" + language(" LANGUAGE_ID=\"0\"", ok) + "</OTHER>", 0, 0, 0, nullptr},
+        {"empty ROOT", root(""), -1, 0, 0, nullptr},
+        {"unknown language", root(language(" LANGUAGE_ID=\"0\"", ok)), 5, 0, 0, nullptr},
+        {"language without id skipped", root(language("", ok) + language(" LANGUAGE_ID=\"2\"", ok)), -1, 0, 1,
+         "data prase error resume:\nFunction:GetUSSDDataFromFile \nLine:"},
+        {"six-digit tip", root(language(" LANGUAGE_ID=\"0\"", tip("004100") + goodGroup())), 0, 0, 1,
+         nullptr},
+        {"no TIP", root(language(" LANGUAGE_ID=\"0\"", goodGroup())), 0, -1, 0,
+         "data prase error:\nFunction:GetUSSDDataFromFile \nLine:"},
+        {"no GROUP", root(language(" LANGUAGE_ID=\"0\"", tip())), 0, -1, 0, "data prase error:"},
+        {"group without GROUP_STRING",
+         root(language(" LANGUAGE_ID=\"0\"", tip() + goodGroup() + group(fullItem()))), 0, -1, 0,
+         "data prase error:"},
+        {"item without TITLE_STRING",
+         root(language(" LANGUAGE_ID=\"0\"",
+                       tip() + group("<GROUP_STRING>0041</GROUP_STRING>" +
+                                     item("<ITEM_STRING>0041</ITEM_STRING><PROMPT_STRING/>")))),
+         0, -1, 0, "data prase error:"},
+        {"input without INPUT_MAXLEN",
+         root(language(" LANGUAGE_ID=\"0\"",
+                       tip() +
+                           group("<GROUP_STRING>0041</GROUP_STRING>" +
+                                 item("<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/><INPUT_SETTING><INPUT>"
+                                      "<INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/><INPUT_MINLEN>1"
+                                      "</INPUT_MINLEN></INPUT></INPUT_SETTING>")))),
+         0, -1, 0, "data prase error:"},
+        {"button without BUTTON_CODE",
+         root(language(" LANGUAGE_ID=\"0\"",
+                       tip() +
+                           group("<GROUP_STRING>0041</GROUP_STRING>" +
+                                 item("<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/><BUTTON_SETTING><BUTTON>"
+                                      "<BUTTON_NAME>0041</BUTTON_NAME></BUTTON></BUTTON_SETTING>")))),
+         0, -1, 0, "data prase error:"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempHome home;
+        const QString path = writeData(home, QByteArray::fromStdString(row.xml));
+        DebugCapture capture;
+        _TAccountData data;
+        EXPECT_EQ(GetUSSDDataFromFile(path, data, row.language), row.result);
+        EXPECT_EQ(data.groups.size(), row.groups);
+        if (row.printed) {
+            EXPECT_NE(capture.text().find(row.printed), std::string::npos) << capture.text();
+        } else {
+            EXPECT_EQ(capture.text(), "");
+        }
+        if (std::string(row.name) == "six-digit tip") {
+            EXPECT_EQ(data.strTip, L"");
+        }
+    }
+    _TAccountData data;
+    EXPECT_EQ(GetUSSDDataFromFile("/nonexistent/account.dat", data, -1), 0);
+    EXPECT_TRUE(data.groups.empty());
+}
+
+TEST(AccountData, OddNumbersAreBounded) {
+    struct Row {
+        const char* text;
+        int32_t value;
+    };
+    const Row rows[] = {{"16", 16},
+                        {" -3", -3},
+                        {"abc", 0},
+                        {"", 0},
+                        {"12abc", 12},
+                        {"99999999999999999999", INT32_MAX},
+                        {"-99999999999999999999", INT32_MIN}};
+    for (const Row& row : rows) {
+        TempHome home;
+        const std::string input =
+            "<INPUT><INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/><INPUT_MAXLEN>" +
+            std::string(row.text) + "</INPUT_MAXLEN><INPUT_MINLEN/></INPUT>";
+        const QString path = writeData(
+            home, QByteArray::fromStdString(root(language(
+                      " LANGUAGE_ID=\"0\"",
+                      tip() + group("<GROUP_STRING/>" + item("<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/>"
+                                                             "<INPUT_SETTING>" +
+                                                             input + "</INPUT_SETTING>"))))));
+        _TAccountData data;
+        ASSERT_EQ(GetUSSDDataFromFile(path, data, 0), 0) << row.text;
+        EXPECT_EQ(data.groups.front().items.front().inputs.front().nMaxLen, row.value) << row.text;
+        EXPECT_EQ(data.groups.front().items.front().inputs.front().nMinLen, 0);
+    }
+}
+
+// The shipped files: valid, both languages, the common services.
+TEST(AccountData, ShippedFilesAreValid) {
+    TempHome home; // no DIALTONE_RESOURCE_DIR: the build tree's copy
+    const QString dir = ResourceLocator::accountDataDir();
+    struct Row {
+        const char* file;
+        int language;
+        std::wstring firstGroup;
+        std::wstring codes;
+    };
+    const Row rows[] = {
+        {"Default.dat", 0, L"Balance", L"*100# *102* *101# *106# "},
+        {"Default.dat", 1, L"Guthaben", L"*100# *102* *101# *106# "},
+        {"26202.dat", 0, L"Balance", L"*100# *101# *135# "},
+        {"26202.dat", 1, L"Guthaben", L"*100# *101# *135# "},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.file);
+        DebugCapture capture;
+        _TAccountData data;
+        ASSERT_EQ(GetUSSDDataFromFile(dir + "/" + row.file, data, row.language), 0);
+        EXPECT_EQ(capture.text(), "");
+        EXPECT_EQ(data.nLanguageID, row.language);
+        EXPECT_FALSE(data.strTip.empty());
+        ASSERT_FALSE(data.groups.empty());
+        EXPECT_EQ(data.groups.front().strName, row.firstGroup);
+        std::wstring codes;
+        for (const auto& group : data.groups) {
+            for (const auto& entry : group.items) {
+                EXPECT_FALSE(entry.strText.empty());
+                for (const auto& button : entry.buttons) {
+                    codes += button.strCode + L" ";
+                }
+                for (const auto& input : entry.inputs) {
+                    EXPECT_LE(input.nMinLen, input.nMaxLen);
+                    EXPECT_FALSE(input.strLimitation.empty());
+                }
+            }
+        }
+        EXPECT_EQ(codes, row.codes);
+    }
+}
+
+// Every cut of a real file reads without a fault of the reader's own.
+TEST(AccountData, TruncatedFilesNeverCrash) {
+    TempHome home;
+    const QByteArray full = TempHome::readFile(ResourceLocator::accountDataDir() + "/Default.dat");
+    ASSERT_FALSE(full.isEmpty());
+    DebugCapture capture;
+    for (qsizetype size = 0; size < full.size(); size += 97) {
+        const QString path = writeData(home, full.left(size));
+        _TAccountData data;
+        const int result = GetUSSDDataFromFile(path, data, 1);
+        EXPECT_TRUE(result == 0 || result == -1) << size;
+    }
+}

@@ -1,0 +1,206 @@
+#include "TempHome.h"
+
+#include "PropertyList.h"
+#include "SMS/SMSStorage.h"
+
+#include <QDateTime>
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString kIMSI = QStringLiteral("262021234567890");
+
+QDateTime fixedTime() {
+    return QDateTime(QDate(2024, 5, 1), QTime(14, 0, 0), Qt::UTC);
+}
+
+MessageItem message(const QString& number, const QString& text, const QString& box) {
+    return MessageItem::createMessageItem({number}, text, QString(), QString(), fixedTime(), 0, box);
+}
+
+QVariantMap storedFile(const TempHome& home) {
+    return PropertyList::readMap(home.userFile("SMSInBox_" + kIMSI));
+}
+
+QStringList contents(const QVariantList& dictionaries) {
+    QStringList texts;
+    for (const QVariant& dictionary : dictionaries) {
+        texts.append(dictionary.toMap().value("CONTENT").toString());
+    }
+    return texts;
+}
+
+} // namespace
+
+TEST(MessageItem, DefaultsOfMissingArguments) {
+    const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
+    const MessageItem item =
+        MessageItem::createMessageItem({}, QString(), QString(), QString(), QDateTime(), 0, QString());
+    const QVariantMap& dictionary = item.getMessageDictionary();
+    EXPECT_EQ(dictionary.value("NUMBERS").toList(), QVariantList());
+    EXPECT_EQ(dictionary.value("CONTENT").toString(), "");
+    EXPECT_EQ(dictionary.value("TAG").toString(), "READ");
+    EXPECT_EQ(dictionary.value("STORAGE").toString(), "LOCAL");
+    EXPECT_GE(dictionary.value("CREATE_TIME").toDateTime(), before);
+    EXPECT_EQ(dictionary.value("MSG_REF").toLongLong(), 0);
+    EXPECT_EQ(dictionary.value("BOX").toString(), "OUTBOX");
+    EXPECT_EQ(item.getFristNumber(), "");
+
+    const MessageItem given =
+        MessageItem::createMessageItem({"+4917", "+4918"}, "hi", "UNREAD", "SIM", fixedTime(), 42, "SENDBOX");
+    EXPECT_EQ(given.getNumbers(), (QStringList{"+4917", "+4918"}));
+    EXPECT_EQ(given.getFristNumber(), "+4917");
+    EXPECT_EQ(given.getTag(), "UNREAD");
+    EXPECT_EQ(given.getStorage(), "SIM");
+    EXPECT_EQ(given.getCreateTime(), fixedTime());
+    EXPECT_EQ(given.getMsgRef(), 42);
+    EXPECT_EQ(given.getBoxType(), "SENDBOX");
+
+    MessageItem byNumbers = MessageItem::createMessageItemByNumbers({"+4917"}, "text");
+    EXPECT_EQ(byNumbers.getStorage(), "LOCAL");
+    EXPECT_EQ(byNumbers.getBoxType(), "OUTBOX");
+    EXPECT_EQ(byNumbers.getTag(), "READ");
+    byNumbers.setNumbers(nullptr);
+    EXPECT_EQ(byNumbers.getMessageDictionary().value("NUMBERS").toList(), QVariantList{""});
+
+    // Copies are the same message and share its dictionary.
+    MessageItem copy = byNumbers;
+    copy.setContent("changed");
+    EXPECT_EQ(byNumbers.getContent(), "changed");
+    EXPECT_TRUE(copy.isSameItem(byNumbers));
+    EXPECT_FALSE(MessageItem::initWithDictionary(copy.getMessageDictionary()).isSameItem(copy));
+}
+
+TEST(SMSStorage, NewSimStartsEmptyAndFirstSaveCreatesItsFile) {
+    TempHome home;
+    SMSStorage store(kIMSI);
+    EXPECT_EQ(store.filePath(), home.userFile("SMSInBox_" + kIMSI));
+    EXPECT_FALSE(QFile::exists(store.filePath()));
+    EXPECT_TRUE(store.getOutBoxList().isEmpty());
+    EXPECT_TRUE(store.getSendBoxList().isEmpty());
+    EXPECT_TRUE(store.getDarftList().isEmpty());
+    EXPECT_TRUE(store.getAchieveBoxList().isEmpty());
+
+    EXPECT_EQ(store.saveMessageItem(message("+491701", "first", "OUTBOX")), 0);
+    const QVariantMap file = storedFile(home);
+    EXPECT_EQ(file.keys(), (QStringList{"ACHIEVEBOX", "DRAFT", "OUTBOX", "SENDBOX"}));
+    ASSERT_EQ(file.value("OUTBOX").toList().size(), 1);
+    EXPECT_EQ(file.value("OUTBOX").toList().first().toMap(),
+              message("+491701", "first", "OUTBOX").getMessageDictionary());
+
+    // Without an IMSI the shared file is used.
+    SMSStorage shared;
+    EXPECT_EQ(shared.filePath(), home.userFile("LocalSMS.plist"));
+    EXPECT_TRUE(shared.getOutBoxList().isEmpty());
+}
+
+TEST(SMSStorage, BoxTypeNamesAgainstFileKeys) {
+    struct Row {
+        const char* box;
+        const char* fileKey; // nullptr: refused
+    };
+    const Row rows[] = {
+        {"OUTBOX", "OUTBOX"}, {"SENDBOX", "SENDBOX"},  {"DRAFTDBOX", "DRAFT"}, {"ACHIVEBOX", "ACHIEVEBOX"},
+        {"DRAFT", nullptr},   {"ACHIEVEBOX", nullptr}, {"outbox", nullptr},    {"", nullptr},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.box);
+        TempHome home;
+        SMSStorage store(kIMSI);
+        const MessageItem item = message("+491701", row.box, row.box);
+        if (!row.fileKey) {
+            EXPECT_EQ(store.saveMessageItem(item), 3);
+            EXPECT_EQ(store.deletMessageItem(item), 3);
+            EXPECT_FALSE(store.getMessageListByBoxType(row.box).has_value());
+            EXPECT_FALSE(store.getMessageDictListByBoxType(row.box).has_value());
+            EXPECT_FALSE(QFile::exists(store.filePath()));
+            continue;
+        }
+        EXPECT_EQ(store.saveMessageItem(item), 0);
+        EXPECT_EQ(contents(storedFile(home).value(row.fileKey).toList()), QStringList{row.box});
+        ASSERT_EQ(store.getMessageListByBoxType(row.box)->size(), 1);
+        EXPECT_TRUE(store.getMessageListByBoxType(row.box)->first().isSameItem(item));
+
+        // Read back by a new store into the same box.
+        SMSStorage reloaded(kIMSI);
+        ASSERT_EQ(reloaded.getMessageDictListByBoxType(row.box)->size(), 1);
+        EXPECT_EQ(reloaded.getMessageDictListByBoxType(row.box)->first().toMap(),
+                  item.getMessageDictionary());
+    }
+}
+
+TEST(SMSStorage, DeleteRemovesEveryEqualDictionaryAndTheItemItself) {
+    TempHome home;
+    const QVariantMap twin = message("+491701", "twin", "DRAFTDBOX").getMessageDictionary();
+    const QVariantMap other = message("+491702", "other", "DRAFTDBOX").getMessageDictionary();
+    QDir().mkpath(home.userData());
+    ASSERT_TRUE(PropertyList::write(home.userFile("SMSInBox_" + kIMSI),
+                                    QVariantMap{{"DRAFT", QVariantList{twin, other, twin}}, {"VERSION", 7}}));
+
+    SMSStorage store(kIMSI);
+    const QList<MessageItem> drafts = store.getDarftList();
+    ASSERT_EQ(drafts.size(), 3);
+    EXPECT_EQ(store.deletMessageItem(drafts[0]), 0);
+
+    EXPECT_EQ(contents(*store.getMessageDictListByBoxType("DRAFTDBOX")), QStringList{"other"});
+    // Only the item itself leaves the item list; its twin stays until the store is read again.
+    ASSERT_EQ(store.getDarftList().size(), 2);
+    EXPECT_TRUE(store.getDarftList()[0].isSameItem(drafts[1]));
+    EXPECT_TRUE(store.getDarftList()[1].isSameItem(drafts[2]));
+
+    const QVariantMap file = storedFile(home);
+    EXPECT_EQ(contents(file.value("DRAFT").toList()), QStringList{"other"});
+    EXPECT_EQ(file.value("VERSION").toLongLong(), 7); // keys the store does not know are kept
+}
+
+TEST(SMSStorage, MovingAMessageAndEditingThroughTheItem) {
+    TempHome home;
+    SMSStorage store(kIMSI);
+    MessageItem item = message("+491701", "move me", "OUTBOX");
+    ASSERT_EQ(store.saveMessageItem(item), 0);
+
+    ASSERT_EQ(store.deletMessageItem(item), 0);
+    item.setBoxType("SENDBOX");
+    ASSERT_EQ(store.saveMessageItem(item), 0);
+    item.setTag("SENT");
+    ASSERT_EQ(store.saveMessageData(), 0); // the store holds the item's own dictionary
+
+    SMSStorage reloaded(kIMSI);
+    EXPECT_TRUE(reloaded.getOutBoxList().isEmpty());
+    ASSERT_EQ(reloaded.getSendBoxList().size(), 1);
+    EXPECT_EQ(reloaded.getSendBoxList().first().getTag(), "SENT");
+    EXPECT_EQ(reloaded.getSendBoxList().first().getCreateTime(), fixedTime());
+}
+
+TEST(SMSStorage, DamagedFilesStartEmptyOrKeepTheMessagesTheyHave) {
+    TempHome home;
+    QDir().mkpath(home.userData());
+    const QString path = home.userFile("SMSInBox_" + kIMSI);
+    const QVariantMap good = message("+491701", "kept", "OUTBOX").getMessageDictionary();
+    const QByteArray wellFormed = PropertyList::toXml(
+        QVariantMap{{"OUTBOX", QVariantList{"not a message", good, 5}}, {"SENDBOX", "not an array"}});
+    const QByteArray files[] = {QByteArray("\x00\xff<plist>garbage", 16),
+                                wellFormed.left(wellFormed.size() / 2), wellFormed};
+    for (const QByteArray& bytes : files) {
+        TempHome::writeFile(path, bytes);
+        SMSStorage store(kIMSI);
+        EXPECT_TRUE(store.getSendBoxList().isEmpty());
+        EXPECT_LE(store.getOutBoxList().size(), 1);
+    }
+    SMSStorage store(kIMSI);
+    ASSERT_EQ(store.getOutBoxList().size(), 1);
+    EXPECT_EQ(store.getOutBoxList().first().getContent(), "kept");
+}
+
+TEST(SMSStorage, FailedWriteReportsOneAndKeepsTheListsChanged) {
+    TempHome home;
+    const QString logPath = home.openLog();
+    QDir().mkpath(home.userFile("SMSInBox_" + kIMSI)); // a folder where the file should be
+    SMSStorage store(kIMSI);
+    EXPECT_EQ(store.saveMessageItem(message("+491701", "unsaved", "OUTBOX")), 1);
+    EXPECT_EQ(store.getOutBoxList().size(), 1);
+    EXPECT_TRUE(TempHome::readFile(logPath).contains("message save Error!!"));
+    EXPECT_TRUE(QFileInfo(store.filePath()).isDir());
+}
