@@ -1,0 +1,123 @@
+#pragma once
+
+#include <QDateTime>
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <optional>
+
+class ComOperation;
+class NetworkOperator;
+class TInterfaceAtSublayer;
+struct BLEquipmentInfo;
+struct BLNetworkInfo;
+struct TSmsDateTime;
+
+// The worker's request executor. Each request method reads its argument from the request dictionary's
+// value object, calls the AT sublayer or the dial-up object, converts the answer into a BL record and
+// stores it as the response's value object. It returns 0 on success, the sublayer's code unchanged on a
+// sublayer failure (storing nothing), 3 when the argument is missing, or one of the codes named below.
+// Runs on the worker thread only; the three references are not owned.
+class BusinessOperator {
+public:
+    BusinessOperator(ComOperation* com, TInterfaceAtSublayer* atSubLayer, NetworkOperator* networkOperator);
+    BusinessOperator(const BusinessOperator&) = delete;
+    BusinessOperator& operator=(const BusinessOperator&) = delete;
+
+    // System and equipment.
+    int InitComm();
+    // Initialises the modem's dial-up side: its code 2 gives 37, 8 gives 38, 1 gives 39, others 0. The
+    // modem device name is stored in every case.
+    int ModemInit(QVariantMap& response);
+    int GetEquipmentInfo(QVariantMap& response);
+    // Gathers what it can; always 0.
+    int GetDiagInfo(QVariantMap& response);
+
+    // PIN.
+    int PINCheckState(QVariantMap& response);
+    int PINEnable(const QVariantMap& request);
+    int PINGetInfo(const QVariantMap& request, QVariantMap& response);
+    // Stores the PIN state after the change even when the change failed; returns the change's code.
+    int PINChange(const QVariantMap& request, QVariantMap& response);
+    int PINVerify(const QVariantMap& request);
+    int PINVerifyPuk(const QVariantMap& request);
+    int PINGetState(QVariantMap& response);
+
+    // Network.
+    int NetworkGetInfo(QVariantMap& response);
+    int NetworkGetList(QVariantMap& response);
+    int NetworkSet(const QVariantMap& request);
+    int NetworkInit();
+    // Only nState of the result is meaningful.
+    int NetworkGetRegState(QVariantMap& response);
+    int NetworkSetBand(const QVariantMap& request);
+    int NetworkGetBand(QVariantMap& response);
+    // Any refusal by the modem is 33.
+    int NetworkSetMode(const QVariantMap& request);
+    int NetworkGetMode(QVariantMap& response);
+
+    // Phonebook.
+    int PBGetConstraint(QVariantMap& response);
+    int PBInitList(QVariantMap& response);
+    int PBDeleteItem(const QVariantMap& request);
+    int PBUpdateItem(const QVariantMap& request);
+    int PBAddItem(const QVariantMap& request, QVariantMap& response);
+    int PBGetStorageInfo(QVariantMap& response);
+
+    // SMS.
+    int SMSInit();
+    int SMSGetServiceCentre(QVariantMap& response);
+    int SMSSetServiceCentre(const QVariantMap& request);
+    int SMSGetList(QVariantMap& response);
+    int SMSDelete(const QVariantMap& request);
+    int SMSSend(const QVariantMap& request);
+    int SMSSetPreferredStorage(const QVariantMap& request);
+    // Sets the preferred storage to 0 and reports 0.
+    int SMSGetPreferredStorage(QVariantMap& response);
+    int SMSSetValidPeriod(const QVariantMap& request);
+    int SMSGetStorageState(QVariantMap& response);
+    int SMSSetStatusReportFlag(const QVariantMap& request);
+    // Claims (or gives back) incoming messages from given numbers for a client; always 0.
+    int SMSConfigFilterSMS(const QVariantMap& request);
+
+    // USSD.
+    int USSDCheckState(QVariantMap& response);
+    int USSDSetState(const QVariantMap& request);
+    int USSDSendCmd(const QVariantMap& request);
+
+    // SIM toolkit.
+    int SatInit(QVariantMap& response);
+    int SatGetCurrentProactiveCommand();
+
+    // Unsolicited reports: the request's value object is the raw report line.
+    int OnReceiveSATCMD(const QVariantMap& request, QVariantMap& response);
+    int OnReceiveUSSD(const QVariantMap& request, QVariantMap& response);
+    // Returns 44, with the claiming client's class name as the response's requester, when a filtering
+    // client took the message (it is then deleted from the device).
+    int OnReceiveSMS(const QVariantMap& request, QVariantMap& response);
+
+    // Data connection. Dialup returns 1 when dialling fails; GetStatistics and GetPPPStatus 1 when the
+    // connection layer has no answer.
+    int Dialup(const QVariantMap& request);
+    int Disconnect();
+    int GetStatistics(QVariantMap& response);
+    int GetPPPStatus(QVariantMap& response);
+    int GetConnectStatus(QVariantMap& response);
+
+    // Helpers.
+    int checkEquipmentInfo(BLEquipmentInfo& info);
+    int checkNetworkInfo(BLNetworkInfo& info);
+    // The class name of the client that filters number, or a null string.
+    QString isFilterListNumber(const QString& number) const;
+    // The time stamp read as local time with the machine's current offset.
+    static QDateTime convertDateTimeType2NSDate(const TSmsDateTime& dateTime);
+
+private:
+    NetworkOperator* _networkOperator = nullptr;
+    TInterfaceAtSublayer* _pAtSubLayer = nullptr;
+    ComOperation* _com = nullptr;
+    // Client class name to its numbers; created by the first SMSConfigFilterSMS.
+    std::optional<QMap<QString, QStringList>> _filterSMSClients;
+};

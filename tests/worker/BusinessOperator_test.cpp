@@ -1,0 +1,928 @@
+#include "ATSublayer.h"
+#include "BLRecords.h"
+#include "BusinessOperator.h"
+#include "NetworkOperator.h"
+#include "ScriptedAtFake.h"
+#include "WorkNotification.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimeZone>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+// Passes every operation on to another sublayer; tests override the few they want to control.
+class ForwardingSublayer : public TInterfaceAtSublayer {
+public:
+    explicit ForwardingSublayer(TInterfaceAtSublayer* inner) : inner(inner) {}
+
+    int StartCommunication(const void* argument) override { return inner->StartCommunication(argument); }
+    int EndCommunication() override { return inner->EndCommunication(); }
+    int RestartCommunication() override { return inner->RestartCommunication(); }
+    void CancelCurATExecution() override { return inner->CancelCurATExecution(); }
+    int RegisterReportCallback(UpperReportCallback callback, void* context) override {
+        return inner->RegisterReportCallback(callback, context);
+    }
+    int RegisterLowerCBs(const TInterfaceAtSublayerLower& lower) override {
+        return inner->RegisterLowerCBs(lower);
+    }
+    int GetUpperReport(UpperReportCallback& callback, void*& context) override {
+        return inner->GetUpperReport(callback, context);
+    }
+    int SystemInitComm() override { return inner->SystemInitComm(); }
+    int SystemSyncComm() override { return inner->SystemSyncComm(); }
+    int SystemGetEquipmentInfo(TEquipmentInfo& info) override { return inner->SystemGetEquipmentInfo(info); }
+    int SystemSetPdpContext(const char* apn, const char* pdpAddress) override {
+        return inner->SystemSetPdpContext(apn, pdpAddress);
+    }
+    int SystemSetPhoneFunctionality(int level) override { return inner->SystemSetPhoneFunctionality(level); }
+    int SystemGetDeviceStartState(int& state) override { return inner->SystemGetDeviceStartState(state); }
+    int SystemSetDeviceStartState(int state) override { return inner->SystemSetDeviceStartState(state); }
+    int PINCheckState(int& state) override { return inner->PINCheckState(state); }
+    int PINEnable(int on, const char* pin) override { return inner->PINEnable(on, pin); }
+    int PINGetInfo(int pinState, TPinInfo& info) override { return inner->PINGetInfo(pinState, info); }
+    int PINChange(const char* oldPin, const char* newPin) override {
+        return inner->PINChange(oldPin, newPin);
+    }
+    int PINVerify(const char* pin) override { return inner->PINVerify(pin); }
+    int PINVerifyPuk(const char* puk, const char* newPin) override {
+        return inner->PINVerifyPuk(puk, newPin);
+    }
+    int PINGetState(int& enabled) override { return inner->PINGetState(enabled); }
+    int NetworkGetInfo(TNetworkInfo& info) override { return inner->NetworkGetInfo(info); }
+    int NetworkGetList(std::list<TNetworkListItem>& items) override { return inner->NetworkGetList(items); }
+    int NetworkSet(int mask, int mode, int format, const char* oper, int accessTechnology) override {
+        return inner->NetworkSet(mask, mode, format, oper, accessTechnology);
+    }
+    int NetworkInit() override { return inner->NetworkInit(); }
+    int NetworkGetRegState(int which, int& state) override { return inner->NetworkGetRegState(which, state); }
+    int NetworkGetPSAttachState(int& state) override { return inner->NetworkGetPSAttachState(state); }
+    int NetworkGetRssiLevel(int& level) override { return inner->NetworkGetRssiLevel(level); }
+    int NetworkSetBand(int band) override { return inner->NetworkSetBand(band); }
+    int NetworkGetBand(int& band) override { return inner->NetworkGetBand(band); }
+    int NetworkSetMode(int mode) override { return inner->NetworkSetMode(mode); }
+    int NetworkGetMode(int& mode) override { return inner->NetworkGetMode(mode); }
+    int NetworkGetSignalDBValue(int& value) override { return inner->NetworkGetSignalDBValue(value); }
+    int PBGetConstraint(TPbConstraint& constraint) override { return inner->PBGetConstraint(constraint); }
+    int PBInitList(std::list<TPbItem>& items) override { return inner->PBInitList(items); }
+    int PBDeleteItem(int storage, int index) override { return inner->PBDeleteItem(storage, index); }
+    int PBUpdateItem(const TPbItem& item) override { return inner->PBUpdateItem(item); }
+    int PBGetStorageInfo(TPbStorageInfo& info) override { return inner->PBGetStorageInfo(info); }
+    int PBAddItem(const TPbNewItem& item, int& index) override { return inner->PBAddItem(item, index); }
+    int SMSInit() override { return inner->SMSInit(); }
+    int SMSGetServiceCentre(TSmsAddress& address) override { return inner->SMSGetServiceCentre(address); }
+    int SMSSetServiceCentre(const TSmsAddress& address) override {
+        return inner->SMSSetServiceCentre(address);
+    }
+    int SMSGetList(std::list<TSmsListItem>& items) override { return inner->SMSGetList(items); }
+    int SMSGetIncomingSMSInPC(std::list<TSmsListItem>& items) override {
+        return inner->SMSGetIncomingSMSInPC(items);
+    }
+    int SMSDelete(int tableId) override { return inner->SMSDelete(tableId); }
+    int SMSSend(const TSmsSendItem& item) override { return inner->SMSSend(item); }
+    int SMSOnReceive(const char* line, TSmsListItem& item, int& kind) override {
+        return inner->SMSOnReceive(line, item, kind);
+    }
+    int SMSSetPreferredStorage(int storage) override { return inner->SMSSetPreferredStorage(storage); }
+    int SMSGetPreferredStorage(int& storage) override { return inner->SMSGetPreferredStorage(storage); }
+    int SMSSetValidPeriod(const TSmsValidPeriod& period) override { return inner->SMSSetValidPeriod(period); }
+    int SMSEnableStatusReport(int enable) override { return inner->SMSEnableStatusReport(enable); }
+    int SMSGetStorageState(TSmsStorageState& state) override { return inner->SMSGetStorageState(state); }
+    int SMSRegisterPCCallback(void* context, SmsPCListCallback list, SmsPCSaveCallback save,
+                              SmsPCDeleteCallback remove, int enable) override {
+        return inner->SMSRegisterPCCallback(context, list, save, remove, enable);
+    }
+    int SMSSetIMSI(const char* imsi) override { return inner->SMSSetIMSI(imsi); }
+    int SMSSetLatinSupport(int enable) override { return inner->SMSSetLatinSupport(enable); }
+    int SMSRegisterSMSFilter(SmsFilterCallback filter, SmsFilterNotifyCallback notify, void* filterContext,
+                             void* notifyContext) override {
+        return inner->SMSRegisterSMSFilter(filter, notify, filterContext, notifyContext);
+    }
+    int CheckUssdState(int& state) override { return inner->CheckUssdState(state); }
+    int SetUssdState(int& state) override { return inner->SetUssdState(state); }
+    int SendUssdCmd(const wchar_t* text) override { return inner->SendUssdCmd(text); }
+    int SendUssdCancelCmd() override { return inner->SendUssdCancelCmd(); }
+    int UssdOnReceive(const char* line, TUssdItem& item) override { return inner->UssdOnReceive(line, item); }
+    int CallInit() override { return inner->CallInit(); }
+    int CallDial(const char* number) override { return inner->CallDial(number); }
+    int CallAnswer() override { return inner->CallAnswer(); }
+    int CallHangUp() override { return inner->CallHangUp(); }
+    int CallSendDTMF(char tone) override { return inner->CallSendDTMF(tone); }
+    int CallHandleCallEnd(bool& allEnded) override { return inner->CallHandleCallEnd(allEnded); }
+    int CallHandleRing(std::string& number) override { return inner->CallHandleRing(number); }
+    int CallCheckState(std::list<TCallItemState>& calls) override { return inner->CallCheckState(calls); }
+    int GPSInit() override { return inner->GPSInit(); }
+    int GPSUninit() override { return inner->GPSUninit(); }
+    int STKSendCommand(const char* command, std::string& text) override {
+        return inner->STKSendCommand(command, text);
+    }
+    int STKHandleReport(const char* line, std::string& text) override {
+        return inner->STKHandleReport(line, text);
+    }
+    int STKInit(std::string& text) override { return inner->STKInit(text); }
+    int STKGetCurrentProactiveCommand(int& type, std::string& text) override {
+        return inner->STKGetCurrentProactiveCommand(type, text);
+    }
+
+protected:
+    TInterfaceAtSublayer* inner;
+};
+
+// The real sublayer, talking to the scripted modem, with hooks in front of some operations. An operation
+// without a hook reaches the modem script, so an unexpected call fails the test.
+class HookedSublayer : public ForwardingSublayer {
+public:
+    using ForwardingSublayer::ForwardingSublayer;
+
+    std::function<int(TEquipmentInfo&)> getEquipmentInfo;
+    std::function<int(TNetworkInfo&)> getNetworkInfo;
+    std::function<int(int&)> pinCheckState;
+    std::function<int(int, int&)> getRegState;
+    std::function<int(int&)> getPsAttachState;
+    std::function<int(std::list<TNetworkListItem>&)> getNetworkList;
+    std::function<int(const char*, TSmsListItem&, int&)> smsOnReceive;
+    std::function<int(std::list<TSmsListItem>&)> smsGetList;
+    std::function<int(std::list<TPbItem>&)> pbInitList;
+    std::function<int(const char*, TUssdItem&)> ussdOnReceive;
+    std::vector<std::string> calls; // operations that reached a hook below, with their arguments
+
+    int SystemGetEquipmentInfo(TEquipmentInfo& info) override {
+        return getEquipmentInfo ? getEquipmentInfo(info) : inner->SystemGetEquipmentInfo(info);
+    }
+    int NetworkGetInfo(TNetworkInfo& info) override {
+        return getNetworkInfo ? getNetworkInfo(info) : inner->NetworkGetInfo(info);
+    }
+    int PINCheckState(int& state) override {
+        return pinCheckState ? pinCheckState(state) : inner->PINCheckState(state);
+    }
+    int NetworkGetRegState(int which, int& state) override {
+        return getRegState ? getRegState(which, state) : inner->NetworkGetRegState(which, state);
+    }
+    int NetworkGetPSAttachState(int& state) override {
+        return getPsAttachState ? getPsAttachState(state) : inner->NetworkGetPSAttachState(state);
+    }
+    int NetworkGetList(std::list<TNetworkListItem>& items) override {
+        return getNetworkList ? getNetworkList(items) : inner->NetworkGetList(items);
+    }
+    int SMSOnReceive(const char* line, TSmsListItem& item, int& kind) override {
+        return smsOnReceive ? smsOnReceive(line, item, kind) : inner->SMSOnReceive(line, item, kind);
+    }
+    int SMSGetList(std::list<TSmsListItem>& items) override {
+        return smsGetList ? smsGetList(items) : inner->SMSGetList(items);
+    }
+    int PBInitList(std::list<TPbItem>& items) override {
+        return pbInitList ? pbInitList(items) : inner->PBInitList(items);
+    }
+    int UssdOnReceive(const char* line, TUssdItem& item) override {
+        return ussdOnReceive ? ussdOnReceive(line, item) : inner->UssdOnReceive(line, item);
+    }
+    int SMSDelete(int tableId) override { return record("SMSDelete " + std::to_string(tableId)); }
+    int SMSSetServiceCentre(const TSmsAddress& address) override {
+        return record("SMSSetServiceCentre " + std::string(address.szNumber, strnlen(address.szNumber, 24)));
+    }
+    int SMSSend(const TSmsSendItem& item) override {
+        return record("SMSSend " + std::string(item.szNumber, strnlen(item.szNumber, 24)) + " " +
+                      std::to_string(item.wstrContent.size()));
+    }
+    int SMSEnableStatusReport(int enable) override {
+        return record("SMSEnableStatusReport " + std::to_string(enable));
+    }
+    int SMSSetPreferredStorage(int storage) override {
+        return record("SMSSetPreferredStorage " + std::to_string(storage));
+    }
+    int SMSSetValidPeriod(const TSmsValidPeriod& p) override {
+        return record("SMSSetValidPeriod " + std::to_string(p.bEnable) + "," + std::to_string(p.bWeek) + "," +
+                      std::to_string(p.bDay) + "," + std::to_string(p.bHour));
+    }
+    int SetUssdState(int& state) override { return record("SetUssdState " + std::to_string(state)); }
+    int SendUssdCmd(const wchar_t* text) override {
+        return record("SendUssdCmd " + std::to_string(std::wcslen(text)));
+    }
+    int SendUssdCancelCmd() override { return record("SendUssdCancelCmd"); }
+
+    int nextResult = 0; // what the recording operations return
+
+private:
+    int record(std::string call) {
+        calls.push_back(std::move(call));
+        return nextResult;
+    }
+};
+
+QVariantMap request(const QVariant& value) {
+    QVariantMap map;
+    WorkNotification::SetValueObject(map, value);
+    return map;
+}
+
+std::string answer(const std::string& line) {
+    return "\r\n" + line + "\r\n\r\nOK\r\n";
+}
+
+class BusinessOperatorTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(ATSubLayer_CreateInstance(m_real), 0);
+        TInterfaceAtSublayerLower lower;
+        lower.pfnExecAT = ScriptedAtFake::Callback();
+        m_real->RegisterLowerCBs(lower);
+        m_sublayer = std::make_unique<HookedSublayer>(m_real);
+        m_business = std::make_unique<BusinessOperator>(nullptr, m_sublayer.get(), nullptr);
+    }
+    void TearDown() override {
+        m_business.reset();
+        m_sublayer.reset();
+        ATSubLayer_DestroyInstance(m_real);
+    }
+
+    ScriptedAtFake m_fake;
+    TInterfaceAtSublayer* m_real = nullptr;
+    std::unique_ptr<HookedSublayer> m_sublayer;
+    std::unique_ptr<BusinessOperator> m_business;
+};
+
+TEST_F(BusinessOperatorTest, EquipmentInfoTakesTheModemsAnswersWithTheirCaps) {
+    m_fake.Expect("AT+CGMI\r", answer(std::string(2100, 'M')));
+    m_fake.Expect("AT+CGMM\r", answer("VM-3G 200"));
+    m_fake.Expect("AT+CGMR\r", "\r\n+CME ERROR: operation not supported\r\n");
+    m_fake.Expect("AT+CGSN\r", answer("354635030000001"));
+    m_fake.Expect("AT+CIMI\r", "\r\n+CME ERROR: SIM not inserted\r\n");
+    m_fake.Expect("AT+CNUM\r", answer("+CNUM: \"\",\"+8613912345678\",145"));
+    m_fake.Expect("AT+HWV\r", answer(std::string(60, 'V')));
+
+    QVariantMap response;
+    EXPECT_EQ(m_business->GetEquipmentInfo(response), 0);
+    const auto info = WorkNotification::GetValueObject(response).value<BLEquipmentInfo>();
+    EXPECT_EQ(info.strManufacturer, QString(2048, 'M'));
+    EXPECT_EQ(info.strModel, "VM-3G 200");
+    EXPECT_TRUE(info.strRevision.isNull());
+    EXPECT_EQ(info.strSerialNumber, "354635030000001");
+    EXPECT_TRUE(info.strImsi.isNull());
+    EXPECT_EQ(info.strMsisdn, "+8613912345678");
+    EXPECT_EQ(info.strHardwareVersion, QString(21, 'V'));
+}
+
+TEST_F(BusinessOperatorTest, EquipmentInfoStaysInsideUnterminatedFieldsAndPassesFailuresOn) {
+    struct Row {
+        uint32_t mask;
+        int result;
+        bool stored;
+    };
+    const Row rows[] = {{127, 0, true}, {0, 0, true}, {EQUIPMENT_IMSI, 0, true}, {127, 2, false}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << "mask " << row.mask << " result " << row.result);
+        m_sublayer->getEquipmentInfo = [&](TEquipmentInfo& info) {
+            std::memset(static_cast<void*>(&info), 'x', sizeof info);
+            info.nMask = row.mask;
+            return row.result;
+        };
+        QVariantMap response;
+        EXPECT_EQ(m_business->GetEquipmentInfo(response), row.result);
+        EXPECT_EQ(response.contains(VALUE_OBJECT), row.stored);
+        if (!row.stored)
+            continue;
+        const auto info = WorkNotification::GetValueObject(response).value<BLEquipmentInfo>();
+        const auto expect = [&](uint32_t bit, const QString& text, int length) {
+            if (row.mask & bit) {
+                EXPECT_EQ(text, QString(length, 'x')) << "bit " << bit;
+            } else {
+                EXPECT_TRUE(text.isNull()) << "bit " << bit;
+            }
+        };
+        expect(EQUIPMENT_MANUFACTURER, info.strManufacturer, 2048);
+        expect(EQUIPMENT_MODEL, info.strModel, 2048);
+        expect(EQUIPMENT_REVISION, info.strRevision, 2048);
+        expect(EQUIPMENT_SERIAL_NUMBER, info.strSerialNumber, 2048);
+        expect(EQUIPMENT_IMSI, info.strImsi, 15);
+        expect(EQUIPMENT_MSISDN, info.strMsisdn, kMsisdnNumberSize);
+        expect(EQUIPMENT_HARDWARE_VERSION, info.strHardwareVersion, 21);
+    }
+}
+
+TEST_F(BusinessOperatorTest, PinCheckStateFetchesTheCountersTheStateNeeds) {
+    const std::string smpn = answer("+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8),PF(9,10)");
+    struct Row {
+        std::string cpin;
+        const char* infoCommand; // nullptr: the counters are not asked for
+        std::string infoAnswer;
+        int result;
+        BLPinCheckState stored; // compared only when result is 0
+    };
+    const Row rows[] = {
+        {answer("+CPIN: READY"), "AT+PNNM?\r", answer("+PNNM: 3, 10"), 0, {1, 3, 10}},
+        {answer("+CPIN: READY"), "AT+PNNM?\r", answer("+PNNM: 3, 0"), 0, {17, 3, 0}},
+        {answer("+CPIN: SIM PIN"), "AT+PNNM?\r", answer("+PNNM: 2, 10"), 0, {2, 2, 10}},
+        {answer("+CPIN: SIM PUK"), "AT+PNNM?\r", answer("+PNNM: 0, 9"), 0, {3, 0, 9}},
+        {answer("+CPIN: PH-NET PIN"), "AT+SMPN?\r", smpn, 0, {9, 1, 2}},
+        {"\r\n+CME ERROR: SIM not inserted\r\n", nullptr, "", 0, {0, 0, 0}},
+        {answer("+CPIN: READY"), "AT+PNNM?\r", "\r\nOK\r\n", 1, {}},
+        {answer("+CPIN: SIM PIN"), "AT+PNNM?\r", "\r\nERROR\r\n", 1, {}},
+        {"\r\n+CME ERROR: SIM busy\r\n", nullptr, "", 12, {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.cpin + row.infoAnswer));
+        m_fake.Expect("AT+CPIN?\r", row.cpin);
+        if (row.infoCommand)
+            m_fake.Expect(row.infoCommand, row.infoAnswer);
+        QVariantMap response;
+        EXPECT_EQ(m_business->PINCheckState(response), row.result);
+        m_fake.VerifyDone();
+        if (row.result != 0) {
+            EXPECT_FALSE(response.contains(VALUE_OBJECT));
+            continue;
+        }
+        const auto state = WorkNotification::GetValueObject(response).value<BLPinCheckState>();
+        EXPECT_EQ(state.nState, row.stored.nState);
+        EXPECT_EQ(state.nPinCnt, row.stored.nPinCnt);
+        EXPECT_EQ(state.nPukCnt, row.stored.nPukCnt);
+    }
+}
+
+TEST_F(BusinessOperatorTest, PinChangeStoresTheStateEvenWhenTheChangeFails) {
+    struct Row {
+        std::string change;
+        int changeFailure;
+        std::string cpin;
+        int cpinFailure;
+        int result;
+        int state;
+    };
+    const Row rows[] = {
+        {"\r\nOK\r\n", 0, answer("+CPIN: READY"), 0, 0, 1},
+        {"\r\n+CME ERROR: incorrect password\r\n", 0, answer("+CPIN: SIM PIN"), 0, 14, 2},
+        {"", 2, "", 2, 2, 1}, // the state query fails too: the preset 1 is stored
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.change));
+        m_fake.Expect("AT+CPWD=\"SC\",\"1234\",\"4321\"\r", row.change, row.changeFailure);
+        m_fake.Expect("AT+CPIN?\r", row.cpin, row.cpinFailure);
+        QVariantMap response;
+        EXPECT_EQ(
+            m_business->PINChange(request(QVariant::fromValue(BLPINChangeInfo{"1234", "4321"})), response),
+            row.result);
+        EXPECT_EQ(WorkNotification::GetValueObject(response), QVariant(row.state));
+        m_fake.VerifyDone();
+    }
+}
+
+TEST_F(BusinessOperatorTest, NetworkSetModeTurnsEveryRefusalInto33) {
+    struct Row {
+        std::string answer;
+        int failure;
+        int result;
+    };
+    const Row rows[] = {{"\r\nOK\r\n", 0, 0}, {"\r\nERROR\r\n", 0, 33}, {"", 2, 33}, {"", 30, 33}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        m_fake.Expect("AT+SYSSEL=,0,0\r", row.answer, row.failure);
+        EXPECT_EQ(m_business->NetworkSetMode(request(0)), row.result);
+        m_fake.VerifyDone();
+    }
+}
+
+TEST_F(BusinessOperatorTest, NetworkListKeepsTheModemsOrderAndRepeats) {
+    m_fake.Expect("AT+COPS=?\r",
+                  answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\",0),"
+                         "(3,\"Acme\",\"ACME\",\"00101\",0),,(0,1,2,3,4),(0,1,2)"));
+    QVariantMap response;
+    ASSERT_EQ(m_business->NetworkGetList(response), 0);
+    const QVariantList list = WorkNotification::GetValueObject(response).toList();
+    ASSERT_EQ(list.size(), 3);
+    const auto first = list[0].value<BLNetworkListItem>();
+    EXPECT_EQ(first, (BLNetworkListItem{0, 2, "Acme", "ACME", "00101", 2}));
+    EXPECT_EQ(list[1].value<BLNetworkListItem>().strNumericAlpha, "00102");
+    EXPECT_EQ(list[2].value<BLNetworkListItem>(), (BLNetworkListItem{0, 3, "Acme", "ACME", "00101", 0}));
+
+    // No operator: an empty list is still stored. A failure stores nothing.
+    m_fake.Expect("AT+COPS=?\r", answer("+COPS: ,,(0,1,2,3,4),(0,1,2)"));
+    response.clear();
+    EXPECT_EQ(m_business->NetworkGetList(response), 0);
+    ASSERT_TRUE(response.contains(VALUE_OBJECT));
+    EXPECT_TRUE(WorkNotification::GetValueObject(response).toList().isEmpty());
+
+    m_fake.Expect("AT+COPS=?\r", "\r\n+CME ERROR: no network service\r\n");
+    response.clear();
+    EXPECT_EQ(m_business->NetworkGetList(response), 1);
+    EXPECT_FALSE(response.contains(VALUE_OBJECT));
+
+    // Names that fill their fields to the last byte stay inside them.
+    m_sublayer->getNetworkList = [](std::list<TNetworkListItem>& items) {
+        TNetworkListItem item;
+        std::memset(static_cast<void*>(&item), 'n', sizeof item);
+        item.nState = 1;
+        item.nAcT = 2;
+        items.push_back(item);
+        return 0;
+    };
+    response.clear();
+    EXPECT_EQ(m_business->NetworkGetList(response), 0);
+    const auto capped =
+        WorkNotification::GetValueObject(response).toList().value(0).value<BLNetworkListItem>();
+    EXPECT_EQ(capped, (BLNetworkListItem{0, 1, QString(16, 'n'), QString(8, 'n'), QString(6, 'n'), 2}));
+}
+
+TEST_F(BusinessOperatorTest, DiagInfoGathersWhatItCanAndClearsTheRegStateWhenAttachFails) {
+    struct Row {
+        bool equipmentFails, networkFails, pinFails, gprsFails, normalFails, attachFails;
+        qint32 pin, gprs, normal, attach;
+    };
+    const Row rows[] = {
+        {false, false, false, false, false, false, 2, 4, 1, 1},
+        {true, true, false, false, false, false, 2, 4, 1, 1},
+        {false, false, true, false, false, false, 19, 4, 1, 1},
+        {false, false, false, true, false, false, 2, 5, 1, 1},
+        {false, false, false, false, true, false, 2, 4, 5, 1},
+        {false, false, false, false, false, true, 2, 4, 0, 0},
+        {false, false, false, false, true, true, 2, 4, 0, 0},
+        {true, true, true, true, true, true, 19, 5, 0, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message()
+                     << "pin " << row.pin << " gprs " << row.gprs << " normal " << row.normal << " attach "
+                     << row.attach << " equipment/network failing " << row.equipmentFails);
+        m_sublayer->getEquipmentInfo = [&](TEquipmentInfo& info) {
+            info.nMask = EQUIPMENT_MODEL | EQUIPMENT_IMSI;
+            std::strcpy(info.szModel, "VM-3G");
+            std::strcpy(info.szImsi, "001010123456789");
+            return row.equipmentFails ? 2 : 0;
+        };
+        m_sublayer->getNetworkInfo = [&](TNetworkInfo& info) {
+            info.nMode = 1;
+            info.nFormat = 2;
+            std::strcpy(info.szOperator, "00101");
+            info.nAcT = 2;
+            info.spInfo.nPresent = 1;
+            info.spInfo.wszSpName[0] = u'A';
+            info.nRssiLevel = 4;
+            info.nServiceState = 1;
+            info.nBearer = 3;
+            return row.networkFails ? 1 : 0;
+        };
+        m_sublayer->pinCheckState = [&](int& state) {
+            state = 2;
+            return row.pinFails ? 12 : 0;
+        };
+        std::vector<int> kinds;
+        m_sublayer->getRegState = [&](int which, int& state) {
+            kinds.push_back(which);
+            state = which == 1 ? 4 : 1;
+            return (which == 1 ? row.gprsFails : row.normalFails) ? 1 : 0;
+        };
+        m_sublayer->getPsAttachState = [&](int& state) {
+            state = 1;
+            return row.attachFails ? 2 : 0;
+        };
+
+        QVariantMap response;
+        EXPECT_EQ(m_business->GetDiagInfo(response), 0);
+        EXPECT_EQ(kinds, (std::vector<int>{1, 0}));
+        const auto diag = WorkNotification::GetValueObject(response).value<BLDiagInfo>();
+        EXPECT_EQ(diag.nPinState, row.pin);
+        EXPECT_EQ(diag.nGprsRegState, row.gprs);
+        EXPECT_EQ(diag.nNormalRegState, row.normal);
+        EXPECT_EQ(diag.nPsAttachState, row.attach);
+        if (row.equipmentFails) {
+            EXPECT_TRUE(diag.strModel.isNull());
+            EXPECT_TRUE(diag.strImsi.isNull());
+        } else {
+            EXPECT_EQ(diag.strModel, "VM-3G");
+            EXPECT_EQ(diag.strImsi, "001010123456789");
+            EXPECT_TRUE(diag.strManufacturer.isNull());
+        }
+        if (row.networkFails) {
+            EXPECT_TRUE(diag.strOperator.isNull());
+            EXPECT_EQ(diag.nBearer, 0);
+        } else {
+            EXPECT_EQ(diag.nMode, 1);
+            EXPECT_EQ(diag.nFormat, 2);
+            EXPECT_EQ(diag.strOperator, "00101");
+            EXPECT_EQ(diag.nAcT, 2);
+            EXPECT_EQ(diag.strSpName, "A");
+            EXPECT_EQ(diag.nRssi, 4);
+            EXPECT_EQ(diag.nRoamState, 1);
+            EXPECT_EQ(diag.nBearer, 3);
+        }
+    }
+}
+
+TEST_F(BusinessOperatorTest, NetworkInfoTakesTheProviderNameOnlyWhenPresent) {
+    for (const int present : {1, 0}) {
+        m_sublayer->getNetworkInfo = [&](TNetworkInfo& info) {
+            info.spInfo.nPresent = present;
+            info.spInfo.nDisplay = 2;
+            for (char16_t& unit : info.spInfo.wszSpName)
+                unit = u'\u00e9'; // no terminator: the field's end bounds the name
+            std::memset(info.szOperator, 'o', sizeof info.szOperator);
+            info.nPsRegState = 5;
+            return 0;
+        };
+        QVariantMap response;
+        ASSERT_EQ(m_business->NetworkGetInfo(response), 0);
+        const auto info = WorkNotification::GetValueObject(response).value<BLNetworkInfo>();
+        EXPECT_EQ(info.strSpName.isNull(), present == 0);
+        if (present) {
+            EXPECT_EQ(info.strSpName, QString(kSpNameSize, QChar(0xe9)));
+        }
+        EXPECT_EQ(info.strOperator, QString(kOperatorTextSize, 'o'));
+        EXPECT_EQ(info.nDisplayMask, 2);
+        EXPECT_EQ(info.nGprsState, 5);
+    }
+}
+
+TEST_F(BusinessOperatorTest, ModemInitMapsTheDialUpCodes) {
+    QTemporaryDir devDir;
+    QTemporaryDir peersDir;
+    ASSERT_TRUE(devDir.isValid() && peersDir.isValid());
+    QFile node(devDir.filePath("cu.VELMobileConnector0"));
+    ASSERT_TRUE(node.open(QIODevice::WriteOnly));
+    qputenv("DIALTONE_DEV_DIR", devDir.path().toUtf8());
+    qputenv("DIALTONE_PEERS_DIR", peersDir.path().toUtf8());
+
+    struct Row {
+        QString deviceName;
+        int result;
+    };
+    const Row rows[] = {
+        {"", 38},                    // no device name
+        {"VELMobileConnector9", 39}, // no such device
+        {"VELMobileConnector0", 37}, // device, but no dial-up service on it
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.deviceName.toStdString());
+        NetworkOperator network(row.deviceName);
+        BusinessOperator business(nullptr, m_sublayer.get(), &network);
+        QVariantMap response;
+        EXPECT_EQ(business.ModemInit(response), row.result);
+        EXPECT_EQ(WorkNotification::GetValueObject(response).toString(), row.deviceName);
+    }
+    qunsetenv("DIALTONE_DEV_DIR");
+    qunsetenv("DIALTONE_PEERS_DIR");
+}
+
+TEST_F(BusinessOperatorTest, IncomingMessagesFromFilteredNumbersGoToTheirClient) {
+    QObject moduleA; // class name "QObject"
+    QTimer moduleB;  // class name "QTimer"
+    const auto configure = [&](QObject* target, bool on, const QStringList& numbers) {
+        EXPECT_EQ(m_business->SMSConfigFilterSMS(
+                      request(QVariant::fromValue(BLSmsFilterConfig{on, target, numbers}))),
+                  0);
+    };
+    struct Row {
+        QStringList numbersA;
+        QStringList numbersB;
+        std::string sender;
+        QString client; // null: not filtered
+    };
+    const Row rows[] = {
+        {{"10086"}, {}, "10086", "QObject"},
+        {{"10086"}, {}, "1008", {}},
+        {{"10086"}, {}, "9910086", {}},               // under 8 characters: only an exact match counts
+        {{"12345678"}, {}, "+8612345678", "QObject"}, // 8 or more: a match at the end counts
+        {{"12345678"}, {}, "12345678", "QObject"},
+        {{"12345678"}, {}, "2345678", {}},
+        {{""}, {}, "+8612345678", {}},
+        {{"10086"}, {"+8613800000000", "13800000001"}, "+8613800000001", "QTimer"},
+        {{}, {}, "10086", {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.sender);
+        configure(&moduleA, true, row.numbersA);
+        configure(&moduleB, !row.numbersB.isEmpty(), row.numbersB);
+        m_sublayer->calls.clear();
+        m_sublayer->smsOnReceive = [&](const char* line, TSmsListItem& item, int& kind) {
+            EXPECT_STREQ(line, "\r\n+CMTI: \"SM\",7\r\n");
+            item.nRef = 7;
+            item.nStoreIn = SMS_STORAGE_SIM;
+            std::strncpy(item.szNumber, row.sender.c_str(), sizeof item.szNumber - 1);
+            item.dateTime = {2024, 5, 1, 14, 30, 5, 1};
+            item.wstrContent = L"hello";
+            kind = 3;
+            return 0;
+        };
+        QVariantMap response;
+        const int result = m_business->OnReceiveSMS(request(QString("\r\n+CMTI: \"SM\",7\r\n")), response);
+        const auto message = WorkNotification::GetValueObject(response).value<BLSmsListItem>();
+        EXPECT_EQ(message.nPacketType, 3);
+        EXPECT_EQ(message.nRef, 7);
+        EXPECT_EQ(message.strAddress.toStdString(), row.sender);
+        EXPECT_EQ(message.strContent, "hello");
+        EXPECT_EQ(message.dateTime.date(), QDate(2024, 5, 1));
+        if (row.client.isNull()) {
+            EXPECT_EQ(result, 0);
+            EXPECT_FALSE(response.contains(REQUESTER));
+            EXPECT_TRUE(m_sublayer->calls.empty());
+        } else {
+            EXPECT_EQ(result, 44);
+            EXPECT_EQ(WorkNotification::GetRequester(response), row.client);
+            EXPECT_EQ(m_sublayer->calls, (std::vector<std::string>{"SMSDelete 7"}));
+        }
+        configure(&moduleA, false, {});
+        configure(&moduleB, false, {});
+    }
+
+    // A failed decode stores nothing and passes its code on.
+    m_sublayer->smsOnReceive = [](const char*, TSmsListItem&, int&) { return 6; };
+    QVariantMap response;
+    EXPECT_EQ(m_business->OnReceiveSMS(request(QString("+CMTI: \"SM\",1")), response), 6);
+    EXPECT_TRUE(response.isEmpty());
+}
+
+TEST_F(BusinessOperatorTest, FilterConfigWithoutTargetChangesNothing) {
+    QObject module;
+    EXPECT_EQ(m_business->SMSConfigFilterSMS({}), 0);
+    EXPECT_EQ(
+        m_business->SMSConfigFilterSMS(request(QVariant::fromValue(BLSmsFilterConfig{true, nullptr, {"1"}}))),
+        0);
+    EXPECT_TRUE(m_business->isFilterListNumber("1").isNull());
+    EXPECT_EQ(
+        m_business->SMSConfigFilterSMS(request(QVariant::fromValue(BLSmsFilterConfig{true, &module, {"1"}}))),
+        0);
+    EXPECT_EQ(m_business->isFilterListNumber("1"), "QObject");
+}
+
+TEST_F(BusinessOperatorTest, MissingArgumentIsCode3WithoutTouchingTheModem) {
+    using Call = std::function<int(BusinessOperator&, const QVariantMap&)>;
+    QVariantMap out;
+    const std::vector<std::pair<const char*, Call>> calls = {
+        {"PINEnable", [](BusinessOperator& b, const QVariantMap& r) { return b.PINEnable(r); }},
+        {"PINGetInfo", [&](BusinessOperator& b, const QVariantMap& r) { return b.PINGetInfo(r, out); }},
+        {"PINChange", [&](BusinessOperator& b, const QVariantMap& r) { return b.PINChange(r, out); }},
+        {"PINVerify", [](BusinessOperator& b, const QVariantMap& r) { return b.PINVerify(r); }},
+        {"PINVerifyPuk", [](BusinessOperator& b, const QVariantMap& r) { return b.PINVerifyPuk(r); }},
+        {"NetworkSet", [](BusinessOperator& b, const QVariantMap& r) { return b.NetworkSet(r); }},
+        {"NetworkSetBand", [](BusinessOperator& b, const QVariantMap& r) { return b.NetworkSetBand(r); }},
+        {"NetworkSetMode", [](BusinessOperator& b, const QVariantMap& r) { return b.NetworkSetMode(r); }},
+        {"PBDeleteItem", [](BusinessOperator& b, const QVariantMap& r) { return b.PBDeleteItem(r); }},
+        {"PBUpdateItem", [](BusinessOperator& b, const QVariantMap& r) { return b.PBUpdateItem(r); }},
+        {"PBAddItem", [&](BusinessOperator& b, const QVariantMap& r) { return b.PBAddItem(r, out); }},
+        {"SMSSetServiceCentre",
+         [](BusinessOperator& b, const QVariantMap& r) { return b.SMSSetServiceCentre(r); }},
+        {"SMSDelete", [](BusinessOperator& b, const QVariantMap& r) { return b.SMSDelete(r); }},
+        {"SMSSend", [](BusinessOperator& b, const QVariantMap& r) { return b.SMSSend(r); }},
+        {"SMSSetPreferredStorage",
+         [](BusinessOperator& b, const QVariantMap& r) { return b.SMSSetPreferredStorage(r); }},
+        {"SMSSetValidPeriod",
+         [](BusinessOperator& b, const QVariantMap& r) { return b.SMSSetValidPeriod(r); }},
+        {"USSDSendCmd", [](BusinessOperator& b, const QVariantMap& r) { return b.USSDSendCmd(r); }},
+        {"OnReceiveSMS", [&](BusinessOperator& b, const QVariantMap& r) { return b.OnReceiveSMS(r, out); }},
+        {"OnReceiveUSSD", [&](BusinessOperator& b, const QVariantMap& r) { return b.OnReceiveUSSD(r, out); }},
+        {"OnReceiveSATCMD",
+         [&](BusinessOperator& b, const QVariantMap& r) { return b.OnReceiveSATCMD(r, out); }},
+        {"Dialup", [](BusinessOperator& b, const QVariantMap& r) { return b.Dialup(r); }},
+    };
+    for (const auto& [name, call] : calls) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(call(*m_business, QVariantMap{}), 3);
+        EXPECT_EQ(call(*m_business, request(QVariant())), 3);
+        EXPECT_TRUE(out.isEmpty());
+    }
+    EXPECT_TRUE(m_fake.Calls().empty());
+    EXPECT_TRUE(m_sublayer->calls.empty());
+
+    // Three requests take a missing argument as a plain value.
+    EXPECT_EQ(m_business->USSDSetState({}), 0);
+    EXPECT_TRUE(m_sublayer->calls.empty());
+    EXPECT_EQ(m_business->SMSSetStatusReportFlag({}), 0);
+    EXPECT_EQ(m_sublayer->calls, (std::vector<std::string>{"SMSEnableStatusReport 0"}));
+}
+
+TEST_F(BusinessOperatorTest, ArgumentsAreConvertedAndCapped) {
+    struct Row {
+        const char* name;
+        std::function<int(BusinessOperator&, QVariantMap&)> call;
+        int sublayerResult;
+        int result;
+        std::vector<std::string> calls;
+        QVariant stored; // invalid: nothing stored
+    };
+    const QString longNumber = "+8613800100500123456789"; // 23 characters
+    const Row rows[] = {
+        {"service centre",
+         [&](BusinessOperator& b, QVariantMap&) { return b.SMSSetServiceCentre(request(longNumber)); },
+         0,
+         0,
+         {"SMSSetServiceCentre +86138001005001234567"},
+         {}},
+        {"service centre refused",
+         [&](BusinessOperator& b, QVariantMap&) { return b.SMSSetServiceCentre(request("+8613800100500")); },
+         4,
+         4,
+         {"SMSSetServiceCentre +8613800100500"},
+         {}},
+        {"send",
+         [&](BusinessOperator& b, QVariantMap&) {
+             return b.SMSSend(request(QVariant::fromValue(BLSmsSendItem{longNumber, "hello"})));
+         },
+         0,
+         0,
+         {"SMSSend +86138001005001234567 5"},
+         {}},
+        {"status report on",
+         [](BusinessOperator& b, QVariantMap&) { return b.SMSSetStatusReportFlag(request("TRUE")); },
+         0,
+         0,
+         {"SMSEnableStatusReport 1"},
+         {}},
+        {"status report other text",
+         [](BusinessOperator& b, QVariantMap&) { return b.SMSSetStatusReportFlag(request("true")); },
+         0,
+         0,
+         {"SMSEnableStatusReport 0"},
+         {}},
+        {"valid period",
+         [](BusinessOperator& b, QVariantMap&) {
+             return b.SMSSetValidPeriod(request(QVariant::fromValue(BLSmsValidPeriod{1, 2, 3})));
+         },
+         0,
+         0,
+         {"SMSSetValidPeriod 1,1,2,3"},
+         {}},
+        {"preferred storage read resets it",
+         [](BusinessOperator& b, QVariantMap& out) { return b.SMSGetPreferredStorage(out); },
+         0,
+         0,
+         {"SMSSetPreferredStorage 0"},
+         0},
+        {"preferred storage read refused",
+         [](BusinessOperator& b, QVariantMap& out) { return b.SMSGetPreferredStorage(out); },
+         2,
+         2,
+         {"SMSSetPreferredStorage 0"},
+         {}},
+        {"ussd state",
+         [](BusinessOperator& b, QVariantMap&) { return b.USSDSetState(request(2)); },
+         0,
+         0,
+         {"SetUssdState 2"},
+         {}},
+        {"ussd send",
+         [](BusinessOperator& b, QVariantMap&) {
+             return b.USSDSendCmd(request(QVariant::fromValue(BLUssdSendCmdInfo{0, "*100#"})));
+         },
+         0,
+         0,
+         {"SendUssdCmd 5"},
+         {}},
+        {"ussd cancel",
+         [](BusinessOperator& b, QVariantMap&) {
+             return b.USSDSendCmd(request(QVariant::fromValue(BLUssdSendCmdInfo{1, "*100#"})));
+         },
+         1,
+         1,
+         {"SendUssdCancelCmd"},
+         {}},
+        {"ussd other operation",
+         [](BusinessOperator& b, QVariantMap&) {
+             return b.USSDSendCmd(request(QVariant::fromValue(BLUssdSendCmdInfo{5, "*100#"})));
+         },
+         1,
+         0,
+         {},
+         {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        m_sublayer->calls.clear();
+        m_sublayer->nextResult = row.sublayerResult;
+        QVariantMap response;
+        EXPECT_EQ(row.call(*m_business, response), row.result);
+        EXPECT_EQ(m_sublayer->calls, row.calls);
+        EXPECT_EQ(WorkNotification::GetValueObject(response), row.stored);
+    }
+}
+
+TEST_F(BusinessOperatorTest, MessageAndPhonebookListsAreStoredOnlyWhenNotEmpty) {
+    std::list<TSmsListItem> messages;
+    std::list<TPbItem> entries;
+    m_sublayer->smsGetList = [&](std::list<TSmsListItem>& items) {
+        items = messages;
+        return 0;
+    };
+    m_sublayer->pbInitList = [&](std::list<TPbItem>& items) {
+        items = entries;
+        return 0;
+    };
+    QVariantMap response;
+    EXPECT_EQ(m_business->SMSGetList(response), 0);
+    EXPECT_EQ(m_business->PBInitList(response), 0);
+    EXPECT_TRUE(response.isEmpty());
+
+    TSmsListItem message;
+    message.nRef = 3;
+    message.nStoreIn = SMS_STORAGE_MODEM;
+    message.nTag = 1;
+    message.nType = 2;
+    message.nClass = 4;
+    message.nStatusReportStatus = 255;
+    message.nCompleted = 1;
+    std::memset(message.szNumber, '9', sizeof message.szNumber); // no terminator
+    message.dateTime = {2023, 12, 31, 23, 59, 58, 1};
+    message.wstrContent = L"\u00fcber";
+    messages = {message, message};
+    entries = {TPbItem{PB_STORAGE_MODEM, 5, L"Anna", std::string(30, '1')}};
+
+    EXPECT_EQ(m_business->SMSGetList(response), 0);
+    const QVariantList list = WorkNotification::GetValueObject(response).toList();
+    ASSERT_EQ(list.size(), 2);
+    const auto item = list[0].value<BLSmsListItem>();
+    EXPECT_EQ(item.nPacketType, 0);
+    EXPECT_EQ(item.nRef, 3);
+    EXPECT_EQ(item.nStoreIn, SMS_STORAGE_MODEM);
+    EXPECT_EQ(item.nTag, 1);
+    EXPECT_EQ(item.nType, 2);
+    EXPECT_EQ(item.nClass, 4);
+    EXPECT_EQ(item.nStatusReportStatus, 255);
+    EXPECT_EQ(item.nCompleted, 1);
+    EXPECT_EQ(item.strAddress, QString(21, '9'));
+    EXPECT_EQ(item.dateTime, BusinessOperator::convertDateTimeType2NSDate(message.dateTime));
+    EXPECT_EQ(item.strContent, QString::fromUtf8("\xc3\xbc"
+                                                 "ber"));
+
+    response.clear();
+    EXPECT_EQ(m_business->PBInitList(response), 0);
+    const auto entry = WorkNotification::GetValueObject(response).toList().value(0).value<BLPbItem>();
+    EXPECT_EQ(entry, (BLPbItem{PB_STORAGE_MODEM, "Anna", QString(21, '1'), 5}));
+
+    m_sublayer->smsGetList = [](std::list<TSmsListItem>&) { return 2; };
+    response.clear();
+    EXPECT_EQ(m_business->SMSGetList(response), 2);
+    EXPECT_TRUE(response.isEmpty());
+}
+
+TEST_F(BusinessOperatorTest, ConnectionRequestsWithoutADialUpService) {
+    QTemporaryDir peersDir;
+    ASSERT_TRUE(peersDir.isValid());
+    qputenv("DIALTONE_PEERS_DIR", peersDir.path().toUtf8());
+    NetworkOperator network("VELMobileConnector0");
+    BusinessOperator business(nullptr, m_sublayer.get(), &network);
+    BLConnectDialinfo dialInfo;
+    dialInfo.strAPN = "internet";
+
+    // The APN goes to the modem first; dialling without a service then fails, whatever the modem said.
+    for (const char* pdpAnswer : {"\r\nOK\r\n", "\r\nERROR\r\n"}) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(pdpAnswer));
+        m_fake.Expect("AT+CGDCONT=1,\"IP\",\"internet\"\r", pdpAnswer);
+        EXPECT_EQ(business.Dialup(request(QVariant::fromValue(dialInfo))), 1);
+        m_fake.VerifyDone();
+    }
+
+    QVariantMap response;
+    EXPECT_EQ(business.GetPPPStatus(response), 1);
+    EXPECT_TRUE(response.isEmpty());
+    EXPECT_EQ(business.GetConnectStatus(response), 0);
+    EXPECT_EQ(WorkNotification::GetValueObject(response), QVariant(-1));
+    EXPECT_EQ(business.GetStatistics(response), 0);
+    EXPECT_EQ(WorkNotification::GetValueObject(response).value<BLConnectStatistics>(), BLConnectStatistics{});
+    EXPECT_EQ(business.Disconnect(), 0);
+    qunsetenv("DIALTONE_PEERS_DIR");
+}
+
+TEST_F(BusinessOperatorTest, UssdReportsCarryTheirTypeAndText) {
+    std::string seen;
+    int result = 0;
+    m_sublayer->ussdOnReceive = [&](const char* line, TUssdItem& item) {
+        seen = line;
+        item.nType = 1;
+        item.wstrContent = L"Balance \u20ac5";
+        return result;
+    };
+    // The line arrives as the channel queued it, as text or as raw bytes.
+    for (const QVariant& line : {QVariant(QString("\r\n+CUSD: 1,\"x\",72\r\n")),
+                                 QVariant(QByteArray("\r\n+CUSD: 1,\"x\",72\r\n"))}) {
+        QVariantMap response;
+        EXPECT_EQ(m_business->OnReceiveUSSD(request(line), response), 0);
+        EXPECT_EQ(seen, "\r\n+CUSD: 1,\"x\",72\r\n");
+        EXPECT_EQ(WorkNotification::GetValueObject(response).value<BLUssdReceive>(),
+                  (BLUssdReceive{1, QString::fromUtf8("Balance \xe2\x82\xac"
+                                                      "5")}));
+    }
+    result = 1;
+    QVariantMap response;
+    EXPECT_EQ(m_business->OnReceiveUSSD(request(QString("+CUSD: 2")), response), 1);
+    EXPECT_TRUE(response.isEmpty());
+}
+
+TEST(BusinessOperatorDate, TimeStampIsReadAsLocalTimeWithTodaysOffset) {
+    const int offset = QDateTime::currentDateTime().offsetFromUtc();
+    const QDateTime date = BusinessOperator::convertDateTimeType2NSDate({2024, 1, 15, 8, 5, 9, 1});
+    ASSERT_TRUE(date.isValid());
+    EXPECT_EQ(date.offsetFromUtc(), offset);
+    EXPECT_EQ(date.toString("yyyy-MM-dd HH:mm:ss"), "2024-01-15 08:05:09");
+    EXPECT_EQ(date.toSecsSinceEpoch(),
+              QDateTime(QDate(2024, 1, 15), QTime(8, 5, 9), QTimeZone::utc()).toSecsSinceEpoch() - offset);
+
+    EXPECT_FALSE(BusinessOperator::convertDateTimeType2NSDate({2024, 13, 1, 0, 0, 0, 1}).isValid());
+    EXPECT_FALSE(BusinessOperator::convertDateTimeType2NSDate({2024, 2, 30, 0, 0, 0, 1}).isValid());
+}
+
+} // namespace
