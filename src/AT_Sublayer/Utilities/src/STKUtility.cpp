@@ -1,7 +1,37 @@
 #include "STKUtility.h"
 
+#include <cctype>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "FamilyCommand.h"
+
 namespace {
-constexpr int kNotBuiltYet = 1;
+
+constexpr const char* kStinPrefix = "+STIN:";
+constexpr const char* kStgiPrefix = "+STGI:";
+constexpr int kFetchTimeoutMs = 5000;
+constexpr int kQueryTimeoutMs = 1000;
+constexpr int kMainMenuNumber = 17;
+
+// "%d" without overflow: blanks skipped, an optional sign, at least one digit.
+bool ReadInt(const char* text, int& value) {
+    while (std::isspace(static_cast<unsigned char>(*text)))
+        ++text;
+    const char* digits = (*text == '+' || *text == '-') ? text + 1 : text;
+    if (!std::isdigit(static_cast<unsigned char>(*digits)))
+        return false;
+    errno = 0;
+    const long parsed = std::strtol(text, nullptr, 10);
+    if (errno == ERANGE || parsed < INT_MIN || parsed > INT_MAX)
+        return false;
+    value = static_cast<int>(parsed);
+    return true;
+}
+
 } // namespace
 
 int CSTKUtility::RegisterExecAT(ExecATCallback callback) {
@@ -9,18 +39,56 @@ int CSTKUtility::RegisterExecAT(ExecATCallback callback) {
     return 0;
 }
 
-int CSTKUtility::SendCommand(const char*, std::string&, int) {
-    return kNotBuiltYet;
+bool CSTKUtility::ParseIndication(const char* line, int& number) {
+    if (line == nullptr)
+        return false;
+    const char* at = std::strstr(line, kStinPrefix);
+    return at != nullptr && ReadInt(at + std::strlen(kStinPrefix), number);
 }
 
-int CSTKUtility::HandleReport(const char*, std::string&) {
-    return kNotBuiltYet;
+int CSTKUtility::SendCommand(const char* command, std::string& text, int timeoutMs) {
+    std::string response;
+    const int result = FamilyWriteComm(m_pfnExecAT, response, command, nullptr, timeoutMs);
+    if (result == 0 && AnswerHasOk(response))
+        text = response;
+    return result;
 }
 
-int CSTKUtility::Init(std::string&) {
-    return kNotBuiltYet;
+int CSTKUtility::HandleReport(const char* line, std::string& text) {
+    int number = 0;
+    if (!ParseIndication(line, number))
+        return 1;
+    if (number == kSessionEndNumber) {
+        text = kSessionEndText;
+        return 0;
+    }
+    // "+STIN: 11" -> AT+STGI=11 -> +STGI: 11,"Games",1,2 / +STGI: 11,1,"Quiz" / ... / OK
+    char command[32];
+    std::snprintf(command, sizeof command, "AT+STGI=%d\r", number);
+    std::string response;
+    const int result = FamilyWriteComm(m_pfnExecAT, response, command, kStgiPrefix, kFetchTimeoutMs);
+    if (result != 0)
+        return result;
+    text = response;
+    return 0;
 }
 
-int CSTKUtility::GetCurrentProactiveCommand(int&, std::string&) {
-    return kNotBuiltYet;
+int CSTKUtility::Init(std::string& text) {
+    // AT+STGI=17 -> +STGI: 17,"SIM Services",3 / +STGI: 17,1,"News" / ... / OK
+    char command[32];
+    std::snprintf(command, sizeof command, "AT+STGI=%d\r", kMainMenuNumber);
+    std::string response;
+    const int result = FamilyWriteComm(m_pfnExecAT, response, command, kStgiPrefix, kFetchTimeoutMs);
+    if (result != 0)
+        return result;
+    if (!AnswerHasOk(response))
+        return 1;
+    text = response;
+    return 0;
+}
+
+int CSTKUtility::GetCurrentProactiveCommand(int& /*type*/, std::string& /*text*/) {
+    // AT+STIN? -> +STIN: 11. Nobody reads the answer; the outputs stay as they were.
+    std::string response;
+    return FamilyWriteComm(m_pfnExecAT, response, "AT+STIN?\r", kStinPrefix, kQueryTimeoutMs);
 }

@@ -1,0 +1,194 @@
+#include <list>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "ATSublayer.h"
+#include "STKUtility.h"
+#include "ScriptedAtFake.h"
+
+namespace {
+
+const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
+
+// The main menu as the modem lists it, echo and all.
+const char* const kMainMenu = "\r\n+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n"
+                              "+STGI: 17,2,\"Games\"\r\n+STGI: 17,3,\"Offers\"\r\n\r\nOK\r\n";
+const char* const kUntouched = "untouched";
+
+class STKUtilityTest : public ::testing::Test {
+protected:
+    void SetUp() override { m_stk.RegisterExecAT(ScriptedAtFake::Callback()); }
+
+    ScriptedAtFake::Step& ExpectFetch(const std::string& command, const char* answer, int result = 0) {
+        return m_fake.Expect(command, answer, result)
+            .WithTimeout(5000)
+            .WithPrefix("+STGI:")
+            .WithFinals(kFinals);
+    }
+
+    ScriptedAtFake m_fake;
+    CSTKUtility m_stk;
+};
+
+TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
+    struct Row {
+        const char* line;
+        const char* command; // null: nothing may be sent
+        const char* answer;
+        int failure;
+        int result;
+        const char* text;
+    };
+    const char* const selectItem =
+        "\r\n+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\"\r\n"
+        "\r\nOK\r\n";
+    const Row rows[] = {
+        {"+STIN: 11", "AT+STGI=11\r", selectItem, 0, 0, selectItem},
+        {"+STIN:1", "AT+STGI=1\r", "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n", 0, 0,
+         "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n"},
+        {"\r\n+STIN: 3\r\n", "AT+STGI=3\r", "\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
+        // The card ended the dialogue: answered without asking the modem.
+        {"+STIN: 20", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"},
+        {"+STIN:20\r\n", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"},
+        // The fetch's error answer is handed up as it is.
+        {"+STIN: 6", "AT+STGI=6\r", "\r\n+CME ERROR: 3\r\n", 0, 0, "\r\n+CME ERROR: 3\r\n"},
+        {"+STIN: 2", "AT+STGI=2\r", nullptr, 2, 2, kUntouched},
+        {"+STIN: 2", "AT+STGI=2\r", nullptr, 30, 30, kUntouched},
+        {"+STIN: ", nullptr, nullptr, 0, 1, kUntouched},
+        {"+STIN: x", nullptr, nullptr, 0, 1, kUntouched},
+        {"+STGI: 11", nullptr, nullptr, 0, 1, kUntouched},
+        {"+STIN: 99999999999", nullptr, nullptr, 0, 1, kUntouched},
+        {"", nullptr, nullptr, 0, 1, kUntouched},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
+        if (row.command != nullptr && row.failure != 0)
+            m_fake.ExpectFailure(row.command, row.failure);
+        else if (row.command != nullptr)
+            ExpectFetch(row.command, row.answer);
+        std::string text = kUntouched;
+        EXPECT_EQ(m_stk.HandleReport(row.line, text), row.result);
+        EXPECT_EQ(text, row.text);
+        m_fake.VerifyDone();
+    }
+    std::string text = kUntouched;
+    EXPECT_EQ(m_stk.HandleReport(nullptr, text), 1);
+}
+
+TEST_F(STKUtilityTest, InitFetchesTheMainMenuAndNeedsOk) {
+    struct Row {
+        const char* answer;
+        int failure;
+        int result;
+        const char* text;
+    };
+    const Row rows[] = {
+        {kMainMenu, 0, 0, kMainMenu},
+        // The echo is cut off.
+        {"AT+STGI=17\r\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n", 0, 0, "\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n"},
+        {"\r\n+CME ERROR: SIM busy\r\n", 0, 1, kUntouched},
+        {"\r\nERROR\r\n", 0, 1, kUntouched},
+        {nullptr, 2, 2, kUntouched},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.result);
+        if (row.failure != 0)
+            m_fake.ExpectFailure("AT+STGI=17\r", row.failure);
+        else
+            ExpectFetch("AT+STGI=17\r", row.answer);
+        std::string text = kUntouched;
+        EXPECT_EQ(m_stk.Init(text), row.result);
+        EXPECT_EQ(text, row.text);
+        m_fake.VerifyDone();
+    }
+}
+
+TEST_F(STKUtilityTest, SendCommandKeepsOnlyAnAnswerWithOk) {
+    struct Row {
+        const char* answer;
+        int failure;
+        int result;
+        const char* text;
+    };
+    const Row rows[] = {
+        {"\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
+        {"AT+STGR=0,0,2\r\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
+        // An error answer is no failure of the call: the text stays unset and callers check it.
+        {"\r\n+CME ERROR: 4\r\n", 0, 0, kUntouched},
+        {"\r\nERROR\r\n", 0, 0, kUntouched},
+        {nullptr, 2, 2, kUntouched},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.result);
+        if (row.failure != 0)
+            m_fake.ExpectFailure("AT+STGR=0,0,2\r", row.failure);
+        else
+            m_fake.Expect("AT+STGR=0,0,2\r", row.answer)
+                .WithTimeout(3000)
+                .WithoutPrefix()
+                .WithFinals(kFinals);
+        std::string text = kUntouched;
+        EXPECT_EQ(m_stk.SendCommand("AT+STGR=0,0,2\r", text, 3000), row.result);
+        EXPECT_EQ(text, row.text);
+        m_fake.VerifyDone();
+    }
+}
+
+TEST_F(STKUtilityTest, CurrentProactiveCommandIsAskedButNotReported) {
+    m_fake.Expect("AT+STIN?\r", "\r\n+STIN: 11\r\n\r\nOK\r\n")
+        .WithTimeout(1000)
+        .WithPrefix("+STIN:")
+        .WithFinals(kFinals);
+    int type = -7;
+    std::string text = kUntouched;
+    EXPECT_EQ(m_stk.GetCurrentProactiveCommand(type, text), 0);
+    EXPECT_EQ(type, -7);
+    EXPECT_EQ(text, kUntouched);
+
+    m_fake.ExpectFailure("AT+STIN?\r", 2);
+    EXPECT_EQ(m_stk.GetCurrentProactiveCommand(type, text), 2);
+}
+
+TEST(STKUtility, WithoutCallbackNothingRuns) {
+    CSTKUtility stk;
+    std::string text = kUntouched;
+    int type = 0;
+    EXPECT_EQ(stk.Init(text), 1);
+    EXPECT_EQ(stk.HandleReport("+STIN: 11", text), 1);
+    EXPECT_EQ(stk.SendCommand("AT+STGR=256\r", text), 1);
+    EXPECT_EQ(stk.GetCurrentProactiveCommand(type, text), 1);
+    EXPECT_EQ(text, kUntouched);
+    // The end of the dialogue needs no modem.
+    EXPECT_EQ(stk.HandleReport("+STIN: 20", text), 0);
+    EXPECT_EQ(text, "+STGI:20\r\nOK");
+}
+
+TEST(STKUtilityThroughSublayer, OperationsReachTheFamily) {
+    ScriptedAtFake fake;
+    TInterfaceAtSublayer* sublayer = nullptr;
+    ASSERT_EQ(ATSubLayer_CreateInstance(sublayer), 0);
+    TInterfaceAtSublayerLower lower;
+    lower.pfnExecAT = ScriptedAtFake::Callback();
+    ASSERT_EQ(sublayer->RegisterLowerCBs(lower), 0);
+
+    fake.Expect("AT+STGI=17\r", kMainMenu).WithTimeout(5000);
+    fake.Expect("AT+STGR=0,0,1\r").WithTimeout(CSTKUtility::kSendCommandTimeoutMs).WithoutPrefix();
+    fake.Expect("AT+STGI=1\r", "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n").WithTimeout(5000);
+    fake.Expect("AT+STIN?\r", "\r\n+STIN: 1\r\n\r\nOK\r\n").WithTimeout(1000);
+
+    std::string menu;
+    std::string answer;
+    std::string command;
+    int type = 0;
+    EXPECT_EQ(sublayer->STKInit(menu), 0);
+    EXPECT_EQ(menu, kMainMenu);
+    EXPECT_EQ(sublayer->STKSendCommand("AT+STGR=0,0,1\r", answer), 0);
+    EXPECT_EQ(answer, "\r\nOK\r\n");
+    EXPECT_EQ(sublayer->STKHandleReport("+STIN: 1", command), 0);
+    EXPECT_EQ(command, "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n");
+    EXPECT_EQ(sublayer->STKGetCurrentProactiveCommand(type, command), 0);
+    EXPECT_EQ(ATSubLayer_DestroyInstance(sublayer), 0);
+}
+
+} // namespace
