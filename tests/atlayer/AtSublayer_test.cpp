@@ -212,26 +212,6 @@ TEST_F(AtSublayerTest, RegisterLowerCBsHandsExecATToEveryFamily) {
         EXPECT_EQ(callbacks[family], ScriptedAtFake::Callback()) << "family #" << family;
 }
 
-// One operation per family. Until a family is built its operations answer 1 and send nothing; drop its
-// row when it is.
-TEST_F(AtSublayerTest, UnbuiltFamiliesReturnOne) {
-    ScriptedAtFake fake; // no steps: any command fails the test
-    TInterfaceAtSublayerLower lower;
-    lower.pfnExecAT = ScriptedAtFake::Callback();
-    ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
-
-    TEquipmentInfo equipment;
-    TSmsStorageState sms;
-    std::string text;
-    const std::vector<std::pair<const char*, std::function<int(TInterfaceAtSublayer&)>>> rows = {
-        {"sms", [&](TInterfaceAtSublayer& s) { return s.SMSGetStorageState(sms); }},
-        {"toolkit", [&](TInterfaceAtSublayer& s) { return s.STKInit(text); }},
-    };
-    for (const auto& [family, operation] : rows)
-        EXPECT_EQ(operation(*m_sublayer), 1) << family;
-    EXPECT_TRUE(fake.Calls().empty());
-}
-
 TEST(AtSublayerInstance, DestroyClearsThePointerAndAcceptsNull) {
     TInterfaceAtSublayer* sublayer = nullptr;
     EXPECT_EQ(ATSubLayer_DestroyInstance(sublayer), 0);

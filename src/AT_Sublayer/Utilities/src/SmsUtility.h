@@ -9,15 +9,25 @@
 #include "SmsTableTypes.h"
 #include "SmsTypes.h"
 
+// One stored PDU as read by AT+CMGR or AT+CMGL. nStatus is 4 when the header gave none; strPdu is the PDU
+// line as the modem printed it (service centre included), nPduLen the TPDU octets the header announced.
+struct TMessageListBaseItem {
+    uint32_t nIndex = 0;
+    uint32_t nStatus = 4;
+    TPduData pduData;
+    std::string strPdu;
+    int32_t nPduLen = 0;
+};
+
 // SMS in PDU mode: the start-up settings (AT+CNMI, AT+CSCB, AT+CMMS, AT+CMGF), the service centre
 // (AT+CSCA), storages (AT+CPMS), the message table built from the SIM, the modem memory and the
 // computer-side store (AT+CMGL, AT+CMGR), new-message reports ("+CMTI:", "+CDSI:"), deleting (AT+CMGD)
 // and sending (AT+CMGS). Operations return 0 on success, else the execute-AT code or 1.
 //
-// The class is defined in three files: SmsPduCodec.cpp (the PDU codec, static and stateless but for the
-// TP-MR counter), SmsMessageTable.cpp (the message table and the splitting of texts) and SmsUtility.cpp
-// (the commands). Codec functions never read past the octet or text lengths they are given, whatever
-// the PDU holds.
+// The class is defined in four files: SmsPduCodec.cpp (the PDU codec, static and stateless but for the
+// TP-MR counter), SmsMessageTable.cpp (the message table and the splitting of texts), SmsUtility.cpp
+// (settings, storages, sending) and SmsReading.cpp (reading, listing, reports, moving messages). Codec
+// functions never read past the octet or text lengths they are given, whatever the PDU holds.
 class CSmsUtility {
 public:
     CSmsUtility() = default;
@@ -32,6 +42,7 @@ public:
     int GetServiceCentre(TSmsAddress& address);
     int SetServiceCentre(const TSmsAddress& address);
     int GetList(std::list<TSmsListItem>& items);
+    // The computer-side store's messages as the table holds them (after GetList); 1 when the store is off.
     int GetIncomingSMSInPC(std::list<TSmsListItem>& items);
     int Delete(int tableId);
     int Send(const TSmsSendItem& item);
@@ -52,6 +63,60 @@ public:
                            SmsPCDeleteCallback remove, int enable);
     int RegisterSMSFilter(SmsFilterCallback filter, SmsFilterNotifyCallback notify, void* filterContext,
                           void* notifyContext);
+
+    // ---- Settings, storages and sending (AT+CNMI, AT+CSCB, AT+CMMS, AT+CMGF, AT+CSCS, AT+CSCA,
+    // AT+CPMS, AT+CMGD, AT+CMGS) ----
+
+    int SetNewMessageIndications(int mode, int mt, int bm, int ds, int bfr);
+    int DisableCellBroadcast();
+    int SetMoreMessageToSend();
+    // format: 1 PDU mode, 0 text mode (the inverse of the AT value); anything else fails unsent.
+    int SetMessageFormat(int format);
+    int GetMessageFormat(int& format);
+    // charset: 0 "GSM", 1 "HEX", 2 "IRA", 3 "PCCP<codePage>", 4 "PCDN", 5 "UCS2", 6 "8859-<part>", 7-10
+    // "8859-C", "8859-A", "8859-G", "8859-H".
+    int SelectTeCharacterSet(int charset, int codePage, int part);
+    int SetServiceCenterAddress(const TMsgAddress& address);
+    int GetServiceCenterAddress(TMsgAddress& address);
+    // Storage-map codes (0 "BM", 1 "ME", 2 "MT", 3 "SM", 4 "TA", 5 "SR"). A failed exchange gives 2.
+    int SetPreferredMessageStorage(int mem1, int mem2, int mem3);
+    int GetPreferredMessageStorage(int& mem1, int& mem2, int& mem3);
+    // storage 1 (SIM) reads "SM", any other "ME"; that storage is left selected for reading.
+    int GetStorageInfo(int storage, int& used, int& total);
+    int SetMemoryOfWrite(int code);
+    // AT+CPMS="name": 0, 1 without "OK", 2 when the exchange failed.
+    int SetMemoryOfReadAndDeleted(int code);
+    int DeletePacket(int index);
+    // Sends one TPDU after the "> " prompt; retry is set when the network answered "+CMS ERROR: 500".
+    int SendMessageInPduMode(const uint8_t* tpdu, int length, bool& retry);
+    int SendInPduMode(const std::list<TTpduSubmit>& segments);
+
+    // ---- Reading, listing, new-message reports (AT+CMGR, AT+CMGL, AT+CMGW) ----
+
+    // format: the code of GetMessageFormat; only PDU mode (1) is read.
+    int ReadMessageItemBase(int index, int format, TMessageListBaseItem& item);
+    // code: storage-map code; item.nStorage becomes SMS_STORAGE_SIM for "SM", else SMS_STORAGE_MODEM.
+    int ReadMessageItem(int code, int index, TMessageListItem& item);
+    // text: "+CMGR: 0,,24\r\n<pdu>".
+    static int DecodePduModeCMGR(const std::string& text, TMessageListBaseItem& item);
+    int ExecPduModeCMGL(int status, std::string& response);
+    // A response without any "+CMGL: " block is an empty list.
+    static int DecodePduModeCMGL(const std::string& response, std::list<TMessageListBaseItem>& items);
+    // block: "+CMGL: 1,0,,24\r\n<pdu>".
+    static int DecodePduCmglItem(const std::string& block, TMessageListBaseItem& item);
+    int GetMessageListBase(int status, std::list<TMessageListBaseItem>& items);
+    int GetMessageListMe(int status, std::list<TMessageListBaseItem>& items);
+    int GetMessageListSim(int status, std::list<TMessageListBaseItem>& items);
+    int GetMessageListPC(std::list<TMessageListBaseItem>& items);
+    // mask: bit 0 SIM, bit 1 modem memory, bit 2 computer-side store (read once per table).
+    int GetMessageList(int mask, int status, std::list<TMessageListItem>& items);
+    int InitList();
+    // Moves a message of the modem memory to the preferred storage; storage receives where it is now.
+    // item's index and status follow the copy.
+    int MoveSMSFromMEToPreferredStorage(TMessageListBaseItem& item, uint32_t& storage);
+    int CopySMSToSIM(TMessageListBaseItem& item);
+    int CopySMSToPC(TMessageListBaseItem& item);
+    bool IsListInitialised() const { return m_bTableInit; }
 
     // ---- PDU decoding. Results: 0 success, 1 failure, unless stated. ----
 
@@ -164,9 +229,12 @@ private:
                   int timeoutMs, std::string& response);
     static const char* GetMemStorageString(int code);
     static int GetMemStorageID(const std::string& name);
-    // AT+CPMS="name": 0, 1 without "OK", 2 when the exchange failed.
-    int SetMemoryOfReadAndDeleted(int code);
-    int DeletePacket(int index);
+    // A command whose only answer that counts is "OK".
+    int WriteForOk(const std::string& command, const char* expected, const std::list<std::string>& finals,
+                   int timeoutMs);
+    int ReadMessageItem(int code, int index, TMessageListItem& item, TMessageListBaseItem& base);
+    // Runs the filter over a complete message: 0 not claimed, else the filter's result.
+    int ApplyFilter(const TSmsListItem& message, std::wstring& name, bool& deleteMessage);
     // Deletes one stored message of a storage (SMS_STORAGE_*), through the store's callback for the PC.
     int DeleteStored(uint32_t storage, uint32_t index);
     // Deletes every segment of a table item from its storage.
@@ -181,10 +249,20 @@ private:
 
     // The computer-side store; listing and saving belong to the reading of the storages.
     void* m_pcContext = nullptr;
-    [[maybe_unused]] SmsPCListCallback m_pfnPCList = nullptr;
-    [[maybe_unused]] SmsPCSaveCallback m_pfnPCSave = nullptr;
+    SmsPCListCallback m_pfnPCList = nullptr;
+    SmsPCSaveCallback m_pfnPCSave = nullptr;
     SmsPCDeleteCallback m_pfnPCDelete = nullptr;
-    [[maybe_unused]] bool m_bPCStoreEnabled = false;
+    bool m_bPCStoreEnabled = false;
+    bool m_bPCRead = false; // the store's records are in the table
+
+    SmsFilterCallback m_pfnFilter = nullptr;
+    SmsFilterNotifyCallback m_pfnFilterNotify = nullptr;
+    void* m_filterContext = nullptr;
+    void* m_notifyContext = nullptr;
+
+    TMsgAddress m_serviceCentre;
+    int m_nPreferredStorage = SMS_STORAGE_MODEM;
+    bool m_bTableInit = false;
 
     uint32_t m_nNextTableId = 1;
     std::list<CMsgListTableItem> m_messageTable;

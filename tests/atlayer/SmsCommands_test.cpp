@@ -1,0 +1,380 @@
+#include <cstdio>
+#include <cstring>
+#include <list>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ScriptedAtFake.h"
+#include "SmsUtility.h"
+
+namespace {
+
+using Finals = std::list<std::string>;
+const Finals kCme = {"OK", "ERROR", "+CME ERROR"};
+const Finals kCms = {"OK", "+CMS ERROR", "ERROR"};
+const char* const kOk = ScriptedAtFake::kOk;
+
+class SmsCommandsTest : public ::testing::Test {
+protected:
+    void SetUp() override { m_sms.RegisterExecAT(ScriptedAtFake::Callback()); }
+
+    void ExpectFormat(const char* value) {
+        m_fake.Expect("AT+CMGF?\r", std::string("\r\n+CMGF: ") + value + "\r\n\r\nOK\r\n")
+            .WithTimeout(1000)
+            .WithFinals(kCme);
+    }
+    void ExpectIra() { m_fake.Expect("AT+CSCS=\"IRA\"\r").WithTimeout(1000).WithFinals(kCme); }
+    void ExpectStorages(const char* answer) {
+        m_fake.Expect("AT+CPMS?\r", answer).WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
+    }
+
+    ScriptedAtFake m_fake;
+    CSmsUtility m_sms;
+};
+
+TEST_F(SmsCommandsTest, InitStopsAtTheFirstRefusedCommand) {
+    struct Step {
+        const char* command;
+        int timeout;
+        Finals finals;
+    };
+    const std::vector<Step> steps = {
+        {"AT+CNMI=2,1,0,2,0\r", 1000, kCms},
+        {"AT+CSCB=1\r", 10000, {"OK", "ERROR", "+CMS ERROR"}},
+        {"AT+CMMS=2\r", 1000, kCme},
+        {"AT+CMGF=0\r", 1000, kCme},
+    };
+    // refused: the step answered "ERROR" (steps.size(): none); then the run must stop there.
+    for (std::size_t refused = 0; refused <= steps.size(); ++refused) {
+        SCOPED_TRACE(refused);
+        ScriptedAtFake fake;
+        for (std::size_t i = 0; i < steps.size() && i <= refused; ++i) {
+            fake.Expect(steps[i].command, i == refused ? "\r\n+CMS ERROR: 303\r\n" : kOk)
+                .WithTimeout(steps[i].timeout)
+                .WithoutPrefix()
+                .WithFinals(steps[i].finals);
+        }
+        EXPECT_EQ(m_sms.Init(), refused == steps.size() ? 0 : 1);
+        fake.VerifyDone();
+    }
+    ScriptedAtFake timeout;
+    timeout.ExpectFailure("AT+CNMI=2,1,0,2,0\r", 2);
+    EXPECT_EQ(m_sms.Init(), 2);
+}
+
+TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
+    m_fake.Expect("AT+CMGF=0\r");
+    EXPECT_EQ(m_sms.SetMessageFormat(1), 0);
+    m_fake.Expect("AT+CMGF=1\r");
+    EXPECT_EQ(m_sms.SetMessageFormat(0), 0);
+    EXPECT_EQ(m_sms.SetMessageFormat(2), 1);
+    m_fake.VerifyDone();
+
+    struct Row {
+        const char* answer;
+        int result;
+        int format;
+    };
+    const Row rows[] = {
+        {"\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1},
+        {"\r\n+CMGF: 1\r\n\r\nOK\r\n", 0, 0},
+        {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, // echo on
+        {"\r\n+CMGF: 2\r\n\r\nOK\r\n", 1, -1},
+        {"\r\n+CMGF: x\r\n\r\nOK\r\n", 1, -1},
+        {"\r\nOK\r\n", 1, -1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        m_fake.Expect("AT+CMGF?\r", row.answer);
+        int format = -1;
+        EXPECT_EQ(m_sms.GetMessageFormat(format), row.result);
+        EXPECT_EQ(format, row.format);
+    }
+}
+
+TEST_F(SmsCommandsTest, CharacterSetNames) {
+    const std::pair<int, const char*> rows[] = {
+        {0, "GSM"},    {1, "HEX"},    {2, "IRA"},    {3, "PCCP437"}, {4, "PCDN"},    {5, "UCS2"},
+        {6, "8859-1"}, {7, "8859-C"}, {8, "8859-A"}, {9, "8859-G"},  {10, "8859-H"},
+    };
+    for (const auto& [code, name] : rows) {
+        m_fake.Expect(std::string("AT+CSCS=\"") + name + "\"\r").WithTimeout(1000).WithFinals(kCme);
+        EXPECT_EQ(m_sms.SelectTeCharacterSet(code, 437, 1), 0) << name;
+    }
+    EXPECT_EQ(m_sms.SelectTeCharacterSet(11, 437, 1), 1);
+    EXPECT_EQ(m_sms.SelectTeCharacterSet(-1, 437, 1), 1);
+    m_fake.Expect("AT+CSCS=\"PCCP037\"\r", "\r\nERROR\r\n");
+    EXPECT_EQ(m_sms.SelectTeCharacterSet(3, 37, 0), 1);
+}
+
+TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
+    struct Row {
+        const char* number;
+        const char* sent; // nullptr: refused before sending
+    };
+    const Row rows[] = {
+        {"12345678901234567890", "AT+CSCA=\"12345678901234567890\",129\r"},
+        {"+12345678901234567890", "AT+CSCA=\"12345678901234567890\",145\r"},
+        {"123456789012345678901", nullptr},
+        {"+123456789012345678901", nullptr},
+        {"1234567890123456789012", nullptr},
+        {"+447802000332", "AT+CSCA=\"447802000332\",145\r"},
+        {"", "AT+CSCA=\"\",129\r"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.number);
+        TSmsAddress address;
+        std::snprintf(address.szNumber, sizeof address.szNumber, "%s", row.number);
+        if (row.sent != nullptr) {
+            ExpectIra();
+            m_fake.Expect(row.sent).WithTimeout(1000).WithFinals(kCme);
+        }
+        EXPECT_EQ(m_sms.SetServiceCentre(address), row.sent != nullptr ? 0 : 1);
+        m_fake.VerifyDone();
+    }
+    // No character set, no number.
+    m_fake.Expect("AT+CSCS=\"IRA\"\r", "\r\nERROR\r\n");
+    TSmsAddress address;
+    std::snprintf(address.szNumber, sizeof address.szNumber, "+3165");
+    EXPECT_EQ(m_sms.SetServiceCentre(address), 1);
+}
+
+TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
+    struct Row {
+        const char* answer;
+        int result;
+        const char* address; // TMsgAddress as kept
+        uint32_t type;
+        const char* number; // GetServiceCentre's number
+    };
+    const Row rows[] = {
+        {"\r\n+CSCA: \"+447802000332\",145\r\n\r\nOK\r\n", 0, "+447802000332", 145, "+447802000332"},
+        {"\r\n+CSCA: \"447802000332\",145\r\n\r\nOK\r\n", 0, "447802000332", 145, "+447802000332"},
+        {"\r\n+CSCA: \"0612345678\",129\r\n\r\nOK\r\n", 0, "0612345678", 129, "0612345678"},
+        {"\r\n+CSCA: \"\",145\r\n\r\nOK\r\n", 0, "", 129, ""},
+        {"\r\n+CSCA: \"+3165\"\r\n\r\nOK\r\n", 0, "+3165", 145, "+3165"},
+        {"\r\n+CSCA: \"3165\"\r\n\r\nOK\r\n", 0, "3165", 129, "3165"},
+        {"\r\n+CSCA: \"123456789012345678901\",129\r\n\r\nOK\r\n", 0, "123456789012345678901", 129,
+         "123456789012345678901"},
+        {"\r\n+CSCA: \"1234567890123456789012\",129\r\n\r\nOK\r\n", 1, "", 0, ""},
+        {"\r\n+CSCA: \"+3165\",\r\n\r\nOK\r\n", 1, "", 0, ""},
+        {"\r\n+CSCA: \"+3165\r\n\r\nOK\r\n", 1, "", 0, ""},
+        {"\r\nOK\r\n", 1, "", 0, ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        ExpectIra();
+        m_fake.Expect("AT+CSCA?\r", row.answer).WithTimeout(1000).WithFinals(kCme);
+        TSmsAddress address;
+        EXPECT_EQ(m_sms.GetServiceCentre(address), row.result);
+        EXPECT_STREQ(address.szNumber, row.number);
+        if (row.result == 0) {
+            ExpectIra();
+            m_fake.Expect("AT+CSCA?\r", row.answer);
+            TMsgAddress centre;
+            ASSERT_EQ(m_sms.GetServiceCenterAddress(centre), 0);
+            EXPECT_STREQ(centre.szAddress, row.address);
+            EXPECT_EQ(centre.nType, row.type);
+        }
+        m_fake.VerifyDone();
+    }
+    // No character set, no question.
+    m_fake.Expect("AT+CSCS=\"IRA\"\r", "\r\nERROR\r\n");
+    TSmsAddress address;
+    EXPECT_EQ(m_sms.GetServiceCentre(address), 1);
+}
+
+TEST_F(SmsCommandsTest, PreferredStorages) {
+    const char* const kMeSmSm = "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n\r\nOK\r\n";
+    const char* const kMeMeMe = "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"ME\",0,100\r\n\r\nOK\r\n";
+    int mem1 = -1, mem2 = -1, mem3 = -1;
+    ExpectStorages(kMeSmSm);
+    ASSERT_EQ(m_sms.GetPreferredMessageStorage(mem1, mem2, mem3), 0);
+    EXPECT_EQ(mem1, 1);
+    EXPECT_EQ(mem2, 3);
+    EXPECT_EQ(mem3, 3);
+    for (const char* broken : {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n",
+                               "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",x,20\r\n\r\nOK\r\n",
+                               "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n", "\r\nOK\r\n"}) {
+        ExpectStorages(broken);
+        EXPECT_EQ(m_sms.GetPreferredMessageStorage(mem1, mem2, mem3), 1) << ScriptedAtFake::Printable(broken);
+    }
+    m_fake.VerifyDone();
+
+    // The receive storage is rewritten only when it differs; the first two stay.
+    struct Row {
+        int storage;
+        const char* current;
+        const char* rewrite; // nullptr: nothing written
+        int reported;        // GetPreferredStorage afterwards
+    };
+    const Row rows[] = {
+        {1, kMeSmSm, nullptr, 1},
+        {2, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2},
+        {4, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2},
+        {1, kMeMeMe, "AT+CPMS=\"ME\",\"ME\",\"SM\"\r", 1},
+        {2, kMeMeMe, nullptr, 2},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.storage);
+        ExpectStorages(row.current);
+        if (row.rewrite != nullptr)
+            m_fake.Expect(row.rewrite).WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
+        EXPECT_EQ(m_sms.SetPreferredStorage(row.storage), 0);
+        m_fake.VerifyDone();
+    }
+    ExpectStorages(kMeSmSm);
+    int storage = 0;
+    ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
+    EXPECT_EQ(storage, 1);
+    ExpectStorages(kMeMeMe);
+    ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
+    EXPECT_EQ(storage, 2);
+
+    // A failed exchange is 2 whatever the lower layer said; a refusal is 1.
+    m_fake.ExpectFailure("AT+CPMS=\"SM\",\"SM\",\"\"\r", 30);
+    EXPECT_EQ(m_sms.SetPreferredMessageStorage(3, 3, 6), 2);
+    m_fake.Expect("AT+CPMS=\"BM\",\"SR\",\"TA\"\r", "\r\n+CMS ERROR: 302\r\n");
+    EXPECT_EQ(m_sms.SetPreferredMessageStorage(0, 5, 4), 1);
+
+    ExpectStorages(kMeSmSm);
+    m_fake.Expect("AT+CPMS=\"ME\",\"ME\",\"SM\"\r");
+    EXPECT_EQ(m_sms.SetMemoryOfWrite(1), 0);
+}
+
+TEST_F(SmsCommandsTest, StorageState) {
+    m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7,100,3,20,3,20\r\n\r\nOK\r\n")
+        .WithTimeout(1000)
+        .WithFinals(kCms);
+    m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,7,100,3,20\r\n\r\nOK\r\n")
+        .WithTimeout(1000)
+        .WithFinals(kCms);
+    TSmsStorageState state;
+    ASSERT_EQ(m_sms.GetStorageState(state), 0);
+    EXPECT_EQ(state.nMeUsed, 7);
+    EXPECT_EQ(state.nMeTotal, 100);
+    EXPECT_EQ(state.nSimUsed, 3);
+    EXPECT_EQ(state.nSimTotal, 20);
+
+    m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7\r\n\r\nOK\r\n");
+    EXPECT_EQ(m_sms.GetStorageState(state), 1);
+    m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7,100,3,20,3,20\r\n\r\nOK\r\n");
+    m_fake.ExpectFailure("AT+CPMS=\"SM\"\r", 2);
+    EXPECT_EQ(m_sms.GetStorageState(state), 2);
+    EXPECT_EQ(state.nMeUsed, 7);
+}
+
+TEST_F(SmsCommandsTest, DeleteRemovesATableItemOnlyWhenTheModemDidDelete) {
+    EXPECT_EQ(m_sms.Delete(42), 1);
+    TMessageListItem item;
+    item.nStorage = SMS_STORAGE_SIM;
+    item.nIndex = 5;
+    item.nStatus = SMS_STATUS_READ;
+    ASSERT_EQ(
+        CSmsUtility::DecodePduData("07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37",
+                                   28, item.pduData),
+        0);
+    bool added = false, deleted = false, replaced = false;
+    uint32_t id = 0;
+    ASSERT_EQ(m_sms.AddMsgItemToListTable(item, added, id, deleted, replaced, false), 0);
+
+    m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n");
+    m_fake.Expect("AT+CMGD=5\r", "\r\n+CMS ERROR: 321\r\n").WithTimeout(5000).WithFinals(kCms);
+    EXPECT_EQ(m_sms.Delete(static_cast<int>(id)), 1);
+    EXPECT_EQ(m_sms.MessageTable().size(), 1u);
+
+    m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n");
+    m_fake.Expect("AT+CMGD=5\r");
+    EXPECT_EQ(m_sms.Delete(static_cast<int>(id)), 0);
+    EXPECT_TRUE(m_sms.MessageTable().empty());
+}
+
+// "hello" to +31612345678: SMS-SUBMIT with TP-RD, no validity period, 7-bit. The message reference is the
+// process-wide counter's next value.
+class SmsSendTest : public SmsCommandsTest {
+protected:
+    static std::string ExpectedPdu() {
+        TTpduSubmit probe;
+        probe.nMti = 1;
+        TProtocalTpduData encoded;
+        EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(probe, encoded), 0);
+        char reference[3];
+        std::snprintf(reference, sizeof reference, "%02X", (encoded.data[1] + 1) & 0xFF);
+        return std::string("0005") + reference + "0B911316325476F8000005E8329BFD06\x1A";
+    }
+    static TSmsSendItem Hello() {
+        TSmsSendItem item;
+        std::snprintf(item.szNumber, sizeof item.szNumber, "+31612345678");
+        item.wstrContent = L"hello";
+        return item;
+    }
+    void ExpectPrompt(const char* answer = "\r\n> ") {
+        m_fake.Expect("AT+CMGS=18\r", answer)
+            .WithTimeout(2000)
+            .WithoutPrefix()
+            .WithFinals({">", "+CMS ERROR", "ERROR"});
+    }
+};
+
+TEST_F(SmsSendTest, PduModeSendsPromptThenPduWithCtrlZ) {
+    const std::string pdu = ExpectedPdu();
+    ExpectFormat("0");
+    ExpectPrompt();
+    m_fake.Expect(pdu, "\r\n+CMGS: 12\r\n\r\nOK\r\n")
+        .WithTimeout(60000)
+        .WithPrefix("+CMGS: ")
+        .WithFinals(kCms);
+    EXPECT_EQ(m_sms.Send(Hello()), 0);
+}
+
+TEST_F(SmsSendTest, TextModeSendsNothingAndSucceeds) {
+    ExpectFormat("1");
+    EXPECT_EQ(m_sms.Send(Hello()), 0);
+    m_fake.Expect("AT+CMGF?\r", "\r\nERROR\r\n");
+    EXPECT_EQ(m_sms.Send(Hello()), 1);
+}
+
+TEST_F(SmsSendTest, OnlyNetworkError500IsRetriedOnce) {
+    struct Row {
+        const char* what;
+        std::vector<const char*> answers; // to the PDU, one per attempt
+        int result;
+    };
+    const Row rows[] = {
+        {"500 then sent", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMGS: 7\r\n\r\nOK\r\n"}, 0},
+        {"500 twice", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMS ERROR: 500\r\n"}, 1},
+        {"other error", {"\r\n+CMS ERROR: 38\r\n"}, 1},
+        {"OK without +CMGS", {"\r\nOK\r\n"}, 1},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        // A retry sends the same PDU, message reference included.
+        const std::string pdu = ExpectedPdu();
+        ExpectFormat("0");
+        for (const char* answer : row.answers) {
+            ExpectPrompt();
+            m_fake.Expect(pdu, answer);
+        }
+        EXPECT_EQ(m_sms.Send(Hello()), row.result);
+        m_fake.VerifyDone();
+    }
+}
+
+TEST_F(SmsSendTest, UnansweredPduIsAbortedWithEsc) {
+    const std::string pdu = ExpectedPdu();
+    ExpectFormat("0");
+    ExpectPrompt();
+    m_fake.ExpectFailure(pdu, 2);
+    m_fake.Expect("\x1B").WithTimeout(1000).WithoutPrefix().WithFinals({"OK"});
+    EXPECT_EQ(m_sms.Send(Hello()), 2);
+    m_fake.VerifyDone();
+
+    // No prompt: the PDU is not sent.
+    ExpectFormat("0");
+    ExpectPrompt("\r\n+CMS ERROR: 302\r\n");
+    EXPECT_EQ(m_sms.Send(Hello()), 1);
+}
+
+} // namespace

@@ -1,0 +1,443 @@
+#include <cstdio>
+#include <list>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ScriptedAtFake.h"
+#include "SmsUtility.h"
+
+namespace {
+
+const char* const kOk = ScriptedAtFake::kOk;
+
+// "hellohello" from +18005551212, 2011-01-01 12:34:56.
+const char* const kHello = "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37";
+// The same with TP-PID 0x41 (replace type 1), stamped 12:34:56 and 12:35:56.
+const char* const kReplaceOld = "07912143658709F1040B918100551512F24100111010214365000AE8329BFD4697D9EC37";
+const char* const kReplaceNew = "07912143658709F1040B918100551512F24100111010215365000AE8329BFD4697D9EC37";
+// A message in two segments (8-bit reference 0x4C).
+const char* const kPart1 = "07912160130320F5440B916171056429F5000021405291650569A00500034C0201A9E8F41C949E83C"
+                           "2207B599E07B1DFEE33885E9E"
+                           "D341E4F23C7D7697C920FA1B54C697E5E3F4BC0C6AD7D9F434081E96D341E3303C2C4EB3D3F4BC0B9"
+                           "4A483E6E8779D4D06CDD1EF3B"
+                           "A80E0785E7A0B7BB0C6A97E7F3F0B9CC02B9DF7450780EA2DFDF2C50780EA2A3CBA0BA9B5C96B3F36"
+                           "9F71954768FDFE4B4FB0C9297"
+                           "E1F2F2BCECA6CF41";
+const char* const kPart2 =
+    "07912160130320F6440B916171056429F5000021405291651569320500034C0202E9E8301D44479741F0B09C"
+    "3E0785E56590BCCC0ED3CB6410FD0D7ABBCBA0B0FB4D4797E52E10";
+const wchar_t* const kPartsText =
+    L"This is a very long test designed to exercise multi part capability. It should show up as one message, "
+    L"not as two, as the underlying encoding represents that the parts are related to one another. ";
+// A delivery report for 639337937.
+const char* const kReport = "07914356060013F1065A098136397339F7219011700463802190117004638030";
+
+std::string Cmgr(int status, int length, const char* pdu) {
+    return "\r\n+CMGR: " + std::to_string(status) + ",," + std::to_string(length) + "\r\n" + pdu +
+           "\r\n\r\nOK\r\n";
+}
+std::string CmglBlock(int index, int status, int length, const char* pdu) {
+    return "\r\n+CMGL: " + std::to_string(index) + "," + std::to_string(status) + ",," +
+           std::to_string(length) + "\r\n" + pdu;
+}
+
+// The computer-side store as the callbacks see it, in memory.
+struct PcStore {
+    std::list<TSMSRecordInPC> records;
+    bool saveFails = false;
+    int listCalls = 0;
+    int nextIndex = 1;
+
+    static int List(void* context, const char* imsi, std::list<TSMSRecordInPC>& out) {
+        auto* store = static_cast<PcStore*>(context);
+        EXPECT_STREQ(imsi, "001010123456789");
+        ++store->listCalls;
+        out = store->records;
+        return 0;
+    }
+    static int Save(void* context, const char*, const char* pdu, int length, int& index) {
+        auto* store = static_cast<PcStore*>(context);
+        if (store->saveFails)
+            return 1;
+        index = store->nextIndex++;
+        store->records.push_back({index, length, pdu});
+        return 0;
+    }
+    static int Delete(void* context, const char*, int index) {
+        auto* store = static_cast<PcStore*>(context);
+        const auto before = store->records.size();
+        store->records.remove_if([index](const TSMSRecordInPC& r) { return r.nIndex == index; });
+        return store->records.size() < before ? 0 : 1;
+    }
+};
+
+struct Claim {
+    int result = 0;
+    bool deleteMessage = false;
+    std::wstring number;
+    int notified = 0;
+    std::wstring notifiedName;
+
+    static void Filter(void* context, const std::wstring&, const std::wstring& number, int& result,
+                       std::wstring& name, bool& deleteMessage) {
+        auto* claim = static_cast<Claim*>(context);
+        claim->number = number;
+        result = claim->result;
+        name = L"Account";
+        deleteMessage = claim->deleteMessage;
+    }
+    static void Notify(void* context, int result, const std::wstring& name) {
+        auto* claim = static_cast<Claim*>(context);
+        claim->notified = result;
+        claim->notifiedName = name;
+    }
+};
+
+class SmsReadingTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_sms.RegisterExecAT(ScriptedAtFake::Callback());
+        m_sms.SetIMSI("001010123456789");
+    }
+
+    void ExpectSelect(const char* storage) {
+        m_fake.Expect(std::string("AT+CPMS=\"") + storage + "\"\r", "\r\n+CPMS: 1,20,1,20,1,20\r\n\r\nOK\r\n")
+            .WithTimeout(3000)
+            .WithPrefix("+CPMS: ");
+    }
+    void ExpectPduMode() { m_fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 0\r\n\r\nOK\r\n"); }
+    void ExpectList(const char* storage, const std::string& blocks) {
+        ExpectSelect(storage);
+        ExpectPduMode();
+        m_fake.Expect("AT+CMGL=4\r", blocks + "\r\n\r\nOK\r\n")
+            .WithTimeout(30000)
+            .WithoutPrefix()
+            .WithFinals({"OK", "ERROR", "+CMS ERROR"});
+    }
+    void ExpectRead(const char* storage, int index, const std::string& answer) {
+        ExpectSelect(storage);
+        ExpectPduMode();
+        m_fake.Expect("AT+CSCS=\"IRA\"\r");
+        m_fake.Expect("AT+CMGR=" + std::to_string(index) + "\r", answer)
+            .WithTimeout(3000)
+            .WithPrefix("+CMGR: ")
+            .WithFinals({"OK", "+CMS ERROR", "ERROR"});
+    }
+    void ExpectDelete(const char* storage, int index) {
+        ExpectSelect(storage);
+        m_fake.Expect("AT+CMGD=" + std::to_string(index) + "\r");
+    }
+    void InitEmpty() {
+        ExpectList("SM", "");
+        ExpectList("ME", "");
+        std::list<TSmsListItem> items;
+        ASSERT_EQ(m_sms.GetList(items), 0);
+        ASSERT_TRUE(items.empty());
+        m_fake.VerifyDone();
+    }
+    void EnableStore(int preferred, const char* storages) {
+        m_sms.RegisterPCCallback(&m_store, &PcStore::List, &PcStore::Save, &PcStore::Delete, 1);
+        m_fake.Expect("AT+CPMS?\r", storages);
+        ASSERT_EQ(m_sms.SetPreferredStorage(preferred), 0);
+    }
+
+    ScriptedAtFake m_fake;
+    CSmsUtility m_sms;
+    PcStore m_store;
+};
+
+TEST(SmsReadingDecode, ListingBlocks) {
+    struct Row {
+        const char* what;
+        std::string response;
+        int result;
+        std::vector<uint32_t> indexes;
+    };
+    const std::string ok = "\r\n\r\nOK\r\n";
+    const Row rows[] = {
+        {"empty storage", "\r\nOK\r\n", 0, {}},
+        {"two messages", CmglBlock(1, 1, 28, kHello) + CmglBlock(4, 0, 24, kReport) + ok, 0, {1, 4}},
+        {"name field", "\r\n+CMGL: 2,1,\"Bob\",28\r\n" + std::string(kHello) + ok, 0, {2}},
+        {"broken second PDU",
+         CmglBlock(1, 1, 28, kHello) + CmglBlock(2, 1, 28, "07912143658709F1ZZ") + ok,
+         1,
+         {}},
+        {"no status", "\r\n+CMGL: 1\r\n" + std::string(kHello) + ok, 1, {}},
+        {"no length", "\r\n+CMGL: 1,1\r\n" + std::string(kHello) + ok, 1, {}},
+        {"PDU line cut off", "\r\n+CMGL: 1,1,,28\r\n0791", 1, {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        std::list<TMessageListBaseItem> items;
+        EXPECT_EQ(CSmsUtility::DecodePduModeCMGL(row.response, items), row.result);
+        std::vector<uint32_t> indexes;
+        for (const TMessageListBaseItem& item : items)
+            indexes.push_back(item.nIndex);
+        EXPECT_EQ(indexes, row.indexes);
+    }
+    std::list<TMessageListBaseItem> items;
+    ASSERT_EQ(CSmsUtility::DecodePduModeCMGL(CmglBlock(7, 1, 28, kHello) + "\r\n\r\nOK\r\n", items), 0);
+    EXPECT_EQ(items.front().nStatus, 1u);
+    EXPECT_EQ(items.front().nPduLen, 28);
+    EXPECT_EQ(items.front().strPdu, kHello);
+    EXPECT_STREQ(items.front().pduData.tpdu.deliver.originating.szAddress, "18005551212");
+}
+
+TEST(SmsReadingDecode, ReadBlocks) {
+    struct Row {
+        std::string text;
+        int result;
+        uint32_t status;
+    };
+    const Row rows[] = {
+        {"+CMGR: 0,,28\r\n" + std::string(kHello), 0, 0},
+        {"+CMGR: 1,\"Bob\",28\r\n" + std::string(kHello), 0, 1},
+        {"+CMGR: ,,28\r\n" + std::string(kHello), 0, 4},
+        {"+CMGR: 0,28\r\n" + std::string(kHello), 1, 0},
+        {"+CMGR: 0,,\r\n" + std::string(kHello), 1, 0},
+        {"+CMGR: 0,,28\r\n", 1, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.text));
+        TMessageListBaseItem item;
+        EXPECT_EQ(CSmsUtility::DecodePduModeCMGR(row.text, item), row.result);
+        if (row.result == 0) {
+            EXPECT_EQ(item.nStatus, row.status);
+        }
+    }
+}
+
+TEST_F(SmsReadingTest, ListsSimThenModemMemoryAndMergesSegments) {
+    ExpectList("SM", CmglBlock(1, 1, 28, kHello));
+    ExpectList("ME", CmglBlock(3, 1, 63, kPart2) + CmglBlock(2, 0, 159, kPart1));
+    std::list<TSmsListItem> items;
+    ASSERT_EQ(m_sms.GetList(items), 0);
+    ASSERT_EQ(items.size(), 2u);
+    EXPECT_EQ(items.front().nStoreIn, SMS_STORAGE_SIM);
+    EXPECT_EQ(items.front().wstrContent, L"hellohello");
+    EXPECT_STREQ(items.front().szNumber, "+18005551212");
+    EXPECT_EQ(items.back().nStoreIn, SMS_STORAGE_MODEM);
+    EXPECT_EQ(items.back().wstrContent, kPartsText);
+    EXPECT_EQ(items.back().nCompleted, 1);
+    EXPECT_EQ(items.back().nTag, static_cast<int>(SMS_STATUS_UNREAD));
+    m_fake.VerifyDone();
+
+    // A refused listing leaves nothing listed and no table for reports.
+    ExpectSelect("SM");
+    ExpectPduMode();
+    m_fake.Expect("AT+CMGL=4\r", "\r\n+CMS ERROR: 310\r\n");
+    EXPECT_EQ(m_sms.GetList(items), 1);
+    EXPECT_TRUE(items.empty());
+    TSmsListItem item;
+    int kind = -1;
+    EXPECT_EQ(m_sms.Receive("+CMTI: \"SM\",3", item, kind), 1);
+
+    // Text mode lists nothing and succeeds.
+    ExpectSelect("SM");
+    m_fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 1\r\n\r\nOK\r\n");
+    ExpectSelect("ME");
+    m_fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 1\r\n\r\nOK\r\n");
+    EXPECT_EQ(m_sms.GetList(items), 0);
+    EXPECT_TRUE(items.empty());
+}
+
+TEST_F(SmsReadingTest, InitListKeepsOnlyTheNewestReplaceMessage) {
+    ExpectList("SM", CmglBlock(1, 1, 28, kReplaceNew) + CmglBlock(2, 1, 28, kReplaceOld) +
+                         CmglBlock(3, 1, 28, kHello));
+    ExpectList("ME", CmglBlock(4, 1, 28, kReplaceOld));
+    ExpectDelete("SM", 2);
+    ExpectDelete("ME", 4);
+    std::list<TSmsListItem> items;
+    ASSERT_EQ(m_sms.GetList(items), 0);
+    ASSERT_EQ(items.size(), 2u);
+    EXPECT_EQ(m_sms.MessageTable().front().packets.front().nIndex, 1u);
+    EXPECT_EQ(m_sms.MessageTable().back().packets.front().nIndex, 3u);
+}
+
+TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
+    InitEmpty();
+    TSmsListItem item;
+    int kind = -1;
+    const std::size_t sent = m_fake.Calls().size();
+    for (const char* ignored :
+         {"+CMTI: \"XY\",3", "+CMTI: \"SMS\",3", "+CMTI: SM,3", "+CMTI: \"SM\",", "RING"}) {
+        EXPECT_EQ(m_sms.Receive(ignored, item, kind), 1) << ignored;
+    }
+    EXPECT_EQ(m_fake.Calls().size(), sent);
+
+    ExpectRead("SM", 3, Cmgr(0, 28, kHello));
+    ASSERT_EQ(m_sms.Receive("+CMTI: \"SM\",3", item, kind), 0);
+    EXPECT_EQ(kind, 0);
+    EXPECT_EQ(item.nStoreIn, SMS_STORAGE_SIM);
+    EXPECT_EQ(item.wstrContent, L"hellohello");
+    ASSERT_EQ(m_sms.MessageTable().size(), 1u);
+    EXPECT_EQ(m_sms.MessageTable().front().packets.front().nIndex, 3u);
+
+    // A delivery report comes back whole and stays out of the table.
+    ExpectRead("SR", 1, Cmgr(0, 24, kReport));
+    ASSERT_EQ(m_sms.Receive("+CDSI: \"SR\",1", item, kind), 0);
+    EXPECT_EQ(item.nRef, 0);
+    EXPECT_EQ(item.nCompleted, 1);
+    EXPECT_EQ(item.nType, static_cast<int>(SMS_TPDU_STATUS_REPORT));
+    EXPECT_STREQ(item.szNumber, "639337937");
+    EXPECT_EQ(m_sms.MessageTable().size(), 1u);
+
+    // Segments: the first says 1, a later one 2; the last completes the message.
+    ExpectRead("ME", 5, Cmgr(0, 63, kPart2));
+    ASSERT_EQ(m_sms.Receive("+CMTI: \"ME\",5", item, kind), 0);
+    EXPECT_EQ(kind, 1);
+    EXPECT_EQ(item.nCompleted, 0);
+    ExpectRead("ME", 4, Cmgr(0, 159, kPart1));
+    ASSERT_EQ(m_sms.Receive("+CMTI: \"ME\",4", item, kind), 0);
+    EXPECT_EQ(kind, 2);
+    EXPECT_EQ(item.nCompleted, 1);
+    EXPECT_EQ(item.wstrContent, kPartsText);
+
+    // The same stored message announced twice is a duplicate.
+    ExpectRead("SM", 3, Cmgr(0, 28, kHello));
+    EXPECT_EQ(m_sms.Receive("+CMTI: \"SM\",3", item, kind), 1);
+    // A newer replace message takes the older one's place.
+    ExpectRead("SM", 6, Cmgr(0, 28, kReplaceOld));
+    ASSERT_EQ(m_sms.Receive("+CMTI: \"SM\",6", item, kind), 0);
+    ExpectRead("SM", 7, Cmgr(0, 28, kReplaceNew));
+    ExpectDelete("SM", 6);
+    ASSERT_EQ(m_sms.Receive("+CMTI: \"SM\",7", item, kind), 0);
+    EXPECT_EQ(kind, 3);
+}
+
+// Preferred storage SIM: a message that arrived in the modem memory is copied to the SIM, or to the
+// computer when the SIM refuses, and deleted from the modem memory only once it is stored elsewhere.
+TEST_F(SmsReadingTest, NewMessageMovesOutOfTheModemMemory) {
+    struct Row {
+        const char* what;
+        const char* written; // answer to the PDU after AT+CMGW
+        bool pcSaveFails;
+        int storage;
+        bool deletes;
+    };
+    const Row rows[] = {
+        {"to the SIM", "\r\n+CMGW: 7\r\n\r\nOK\r\n", false, SMS_STORAGE_SIM, true},
+        {"SIM full, to the computer", "\r\n+CMS ERROR: 322\r\n", false, SMS_STORAGE_PC, true},
+        {"SIM full, computer refuses", "\r\n+CMS ERROR: 322\r\n", true, SMS_STORAGE_MODEM, false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        ScriptedAtFake fake;
+        CSmsUtility sms;
+        PcStore store;
+        store.saveFails = row.pcSaveFails;
+        sms.RegisterExecAT(ScriptedAtFake::Callback());
+        sms.SetIMSI("001010123456789");
+        sms.RegisterPCCallback(&store, &PcStore::List, &PcStore::Save, &PcStore::Delete, 1);
+        fake.Expect("AT+CPMS?\r", "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n");
+        ASSERT_EQ(sms.SetPreferredStorage(SMS_STORAGE_SIM), 0);
+        const std::string emptyStorage = "\r\nOK\r\n";
+        for (const char* storage : {"SM", "ME"}) {
+            fake.Expect(std::string("AT+CPMS=\"") + storage + "\"\r",
+                        "\r\n+CPMS: 0,20,0,20,0,20\r\n\r\nOK\r\n");
+            fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 0\r\n\r\nOK\r\n");
+            fake.Expect("AT+CMGL=4\r", emptyStorage);
+        }
+        std::list<TSmsListItem> items;
+        ASSERT_EQ(sms.GetList(items), 0);
+        EXPECT_EQ(store.listCalls, 1);
+
+        fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 1,100,3,20,1,100\r\n\r\nOK\r\n");
+        fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 0\r\n\r\nOK\r\n");
+        fake.Expect("AT+CSCS=\"IRA\"\r");
+        fake.Expect("AT+CMGR=2\r", Cmgr(0, 28, kHello));
+        fake.Expect("AT+CPMS?\r", "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n");
+        fake.Expect("AT+CPMS=\"ME\",\"SM\",\"SM\"\r");
+        fake.Expect("AT+CMGW=28,1\r", "\r\n> ").WithTimeout(2000).WithFinals({">", "+CMS ERROR", "ERROR"});
+        fake.Expect(std::string(kHello) + "\x1A", row.written).WithTimeout(10000).WithPrefix("+CMGW: ");
+        fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 1,100,3,20,1,100\r\n\r\nOK\r\n");
+        if (row.deletes)
+            fake.Expect("AT+CMGD=2\r");
+        TSmsListItem item;
+        int kind = -1;
+        ASSERT_EQ(sms.Receive("+CMTI: \"ME\",2", item, kind), 0);
+        fake.VerifyDone();
+        EXPECT_EQ(item.nStoreIn, row.storage);
+        EXPECT_EQ(item.wstrContent, L"hellohello");
+        if (row.storage == SMS_STORAGE_PC) {
+            ASSERT_EQ(store.records.size(), 1u);
+            EXPECT_EQ(store.records.front().strPdu, kHello);
+            EXPECT_EQ(store.records.front().nPduLen, 28);
+            // Deleting it goes to the computer-side store.
+            EXPECT_EQ(sms.Delete(item.nRef), 0);
+            EXPECT_TRUE(store.records.empty());
+        } else {
+            EXPECT_TRUE(store.records.empty());
+        }
+        if (row.storage == SMS_STORAGE_SIM) {
+            EXPECT_EQ(sms.MessageTable().front().packets.front().nIndex, 7u);
+        }
+    }
+}
+
+// The computer-side store is read once; afterwards its messages stay in the table, marked read.
+TEST_F(SmsReadingTest, ComputerSideStoreIsListedLastAndReadOnce) {
+    EnableStore(SMS_STORAGE_PC, "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"ME\",0,100\r\n\r\nOK\r\n");
+    m_store.records.push_back({5, 28, kHello});
+    m_store.nextIndex = 6;
+    ExpectList("SM", CmglBlock(1, 1, 63, kPart2));
+    ExpectList("ME", CmglBlock(2, 0, 28, kReplaceOld));
+    ExpectDelete("ME", 2);
+    std::list<TSmsListItem> items;
+    ASSERT_EQ(m_sms.GetList(items), 0);
+    std::vector<int> storages;
+    for (const TSmsListItem& item : items)
+        storages.push_back(item.nStoreIn);
+    EXPECT_EQ(storages, (std::vector<int>{SMS_STORAGE_SIM, SMS_STORAGE_PC, SMS_STORAGE_PC}));
+    EXPECT_EQ(m_store.records.size(), 2u);
+    m_fake.VerifyDone();
+
+    ExpectList("SM", "");
+    ExpectList("ME", "");
+    ASSERT_EQ(m_sms.GetList(items), 0);
+    EXPECT_EQ(m_store.listCalls, 1);
+    ASSERT_EQ(items.size(), 2u);
+    for (const TSmsListItem& item : items) {
+        EXPECT_EQ(item.nStoreIn, SMS_STORAGE_PC);
+        EXPECT_EQ(item.nTag, static_cast<int>(SMS_STATUS_READ));
+    }
+    std::list<TSmsListItem> pc;
+    EXPECT_EQ(m_sms.GetIncomingSMSInPC(pc), 0);
+    EXPECT_EQ(pc.size(), 2u);
+}
+
+TEST_F(SmsReadingTest, FilterClaimsMessages) {
+    Claim claim;
+    claim.result = 7;
+    claim.deleteMessage = true;
+    m_sms.RegisterSMSFilter(&Claim::Filter, &Claim::Notify, &claim, &claim);
+
+    ExpectList("SM", CmglBlock(1, 1, 28, kHello) + CmglBlock(2, 1, 63, kPart2));
+    ExpectList("ME", "");
+    ExpectDelete("SM", 1);
+    std::list<TSmsListItem> items;
+    ASSERT_EQ(m_sms.GetList(items), 0);
+    ASSERT_EQ(items.size(), 1u); // the incomplete message is not offered
+    EXPECT_EQ(items.front().nCompleted, 0);
+    EXPECT_EQ(claim.number, L"+18005551212");
+    ASSERT_EQ(m_sms.MessageTable().size(), 1u);
+
+    TSmsListItem item;
+    int kind = -1;
+    ExpectRead("SM", 3, Cmgr(0, 28, kHello));
+    ExpectDelete("SM", 3);
+    EXPECT_EQ(m_sms.Receive("+CMTI: \"SM\",3", item, kind), 1);
+    EXPECT_EQ(m_sms.MessageTable().size(), 1u);
+    EXPECT_EQ(claim.notified, 0);
+
+    claim.deleteMessage = false;
+    ExpectRead("SM", 4, Cmgr(0, 28, kHello));
+    ASSERT_EQ(m_sms.Receive("+CMTI: \"SM\",4", item, kind), 0);
+    EXPECT_EQ(claim.notified, 7);
+    EXPECT_EQ(claim.notifiedName, L"Account");
+    EXPECT_EQ(m_sms.MessageTable().size(), 2u);
+}
+
+} // namespace
