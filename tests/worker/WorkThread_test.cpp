@@ -1,0 +1,337 @@
+#include "../core/TempHome.h"
+
+#include "ComOperation.h"
+#include "GUIThreadAgent.h"
+#include "WorkMessageNames.h"
+#include "WorkNotification.h"
+#include "WorkThread.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QThread>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <vector>
+
+namespace {
+
+void ensureApplication() {
+    static int argc = 1;
+    static char name[] = "worker_tests";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance()) {
+        new QCoreApplication(argc, argv); // kept for the rest of the run
+    }
+}
+
+// Runs this thread's events until cond holds or the limit passes.
+bool waitFor(const std::function<bool()>& cond, std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!cond()) {
+        if (clock.elapsed() > limit.count()) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(2);
+    }
+    return true;
+}
+
+// The GUI thread's end as the worker sees it: records every answer and report with its arrival time.
+class RecordingResponder : public QObject, public DeviceWorkResponseInterface, public WorkServerReceiver {
+public:
+    struct Response {
+        QString name;
+        QObject* receiver;
+        QVariantMap data;
+        qint64 atMs;
+    };
+
+    RecordingResponder() { _clock.start(); }
+
+    void asyncResponse(const QString& name, QObject* receiver, const QVariantMap& data) override {
+        EXPECT_EQ(QThread::currentThread(), thread());
+        responses.push_back({name, receiver, data, _clock.elapsed()});
+    }
+    void setServer(QObject* server) override { servers.push_back(server); }
+
+    std::vector<Response> responses;
+    std::vector<QObject*> servers;
+
+private:
+    QElapsedTimer _clock;
+};
+
+// A module as the worker sees it: any object with a class name of its own.
+using ModuleStandIn = QTimer;
+
+// A worker on a thread of its own, as the agent starts it, with an empty device folder.
+class WorkerFixture : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ensureApplication();
+        ASSERT_TRUE(_devDir.isValid());
+        setenv("DIALTONE_DEV_DIR", _devDir.path().toLocal8Bit().constData(), 1);
+        RecordingResponder* const responder = &_responder;
+        QObject::connect(
+            &_thread, &QThread::started, &_thread,
+            [this, responder] { _worker = WorkThread::connectWithPorts(responder); }, Qt::DirectConnection);
+        _thread.start();
+        ASSERT_TRUE(waitFor([&] { return !_responder.servers.empty(); }));
+    }
+    void TearDown() override {
+        WorkThread* const worker = _worker;
+        QMetaObject::invokeMethod(
+            worker, [worker] { delete worker; }, Qt::BlockingQueuedConnection);
+        _thread.quit();
+        _thread.wait();
+        unsetenv("DIALTONE_DEV_DIR");
+    }
+
+    // Runs fn on the worker's thread and waits for it.
+    void onWorker(const std::function<void()>& fn) {
+        QMetaObject::invokeMethod(_worker, fn, Qt::BlockingQueuedConnection);
+    }
+
+    // Queues report lines in the channel as if the modem had sent them.
+    void queueReports(std::string lines) {
+        onWorker([&] { ComOperation::GetInstance()->checkUnsolicitedReport(lines, nullptr); });
+    }
+
+    std::vector<QString> responseNames() const {
+        std::vector<QString> names;
+        for (const auto& response : _responder.responses) {
+            names.push_back(response.name);
+        }
+        return names;
+    }
+
+    TempHome _home;
+    QTemporaryDir _devDir;
+    RecordingResponder _responder;
+    QThread _thread;
+    WorkThread* _worker = nullptr;
+};
+
+} // namespace
+
+TEST(ExecAT, LimitIsRoundedDownToWholeSecondsAtLeastOne) {
+    const struct {
+        int ms;
+        int32_t seconds;
+    } rows[] = {{0, 1}, {-5, 1}, {999, 1}, {1000, 1}, {1999, 1}, {2500, 2}, {60000, 60}, {120500, 120}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(g_ExecATTimeoutSeconds(row.ms), row.seconds) << row.ms;
+    }
+}
+
+TEST(ExecAT, ChannelCodesMapToApplicationCodes) {
+    const struct {
+        int32_t channel;
+        int app;
+    } rows[] = {{0, 0}, {8, 2}, {9, 30}, {1, 1}, {4, 1}, {5, 1}, {6, 1}, {-1, 1}, {2, 1}, {30, 1}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(g_commErrorMapToVELError(row.channel), row.app) << row.channel;
+    }
+}
+
+TEST(ExecAT, WithoutAnOpenPortTheCommandFailsWithCode1) {
+    std::string response = "untouched";
+    ComOperation::GetInstance()->closeCom();
+    EXPECT_EQ(g_ExecAT("AT\r", nullptr, 999, {}, response), 1);
+    EXPECT_EQ(response, "untouched");
+}
+
+TEST(RequestTable, NamesInDispatchOrder) {
+    const QStringList names = WorkThread::requestNames();
+    ASSERT_EQ(names.size(), 47);
+    EXPECT_EQ(names.front(), "MESSAGE_INIT_WORK_THREAD");
+    EXPECT_EQ(names.back(), "MESSAGE_USSD_SENDCMD");
+    // The second "MESSAGE_NETWORK_GET_LIST" (21st) is never reached.
+    EXPECT_EQ(names.indexOf("MESSAGE_NETWORK_GET_LIST"), 7);
+    EXPECT_EQ(names.at(20), "MESSAGE_NETWORK_GET_LIST");
+    for (const char* bare : {"NETWORK_GET_BAND", "NETWORK_GET_MODE", "NETWORK_SET_BAND", "NETWORK_SET_MODE",
+                             "NETWORK_GET_REG_STATE"}) {
+        EXPECT_TRUE(names.contains(bare)) << bare;
+        EXPECT_FALSE(names.contains(QStringLiteral("MESSAGE_") + bare)) << bare;
+    }
+}
+
+TEST_F(WorkerFixture, SetServerIsToldTheWorkerThroughTheResponderThread) {
+    ASSERT_EQ(_responder.servers.size(), 1u);
+    EXPECT_EQ(_responder.servers.front(), _worker);
+    EXPECT_EQ(WorkThread::GetRequestInterfaceImpObject(), _worker);
+    EXPECT_EQ(_worker->thread(), &_thread);
+}
+
+TEST_F(WorkerFixture, SynchronousDispatchByExactName) {
+    // Before the first init no business object exists: known names do nothing and succeed.
+    const struct {
+        const char* name;
+        int code;
+    } rows[] = {
+        {"NETWORK_GET_BAND", 0},
+        {"MESSAGE_NETWORK_GET_BAND", 35},
+        {"MESSAGE_PIN_GET_STATE", 0},
+        {"MESSAGE_USSD_SENDCMD", 0},
+        {"message_pin_get_state", 35},
+        {"MESSAGE_PIN_GET_STATE ", 35},
+        {"", 35},
+        {"NETWORK_GET_REG_STATE", 0},
+        {"MESSAGE_NETWORK_GET_REG_STATE", 35},
+        {"MESSAGE_RPT_RECEIVE_SMS", 35},
+        {"MESSAGE_CONNECT_STATUS", 0},
+    };
+    for (const auto& row : rows) {
+        const QVariantMap response = _worker->sysncRequest(row.name, {});
+        EXPECT_EQ(WorkNotification::GetErrorCode(response), row.code) << row.name;
+        EXPECT_EQ(response.contains(ERROR_CODE), row.code != 0) << row.name;
+        EXPECT_FALSE(response.contains(REQUESTER)) << row.name;
+    }
+    EXPECT_TRUE(_responder.responses.empty());
+}
+
+TEST_F(WorkerFixture, InitWithoutAnyDeviceFailsTheModeSwitch) {
+    const QVariantMap response = _worker->sysncRequest(MESSAGE_INIT_WORK_THREAD, {});
+    EXPECT_EQ(WorkNotification::GetErrorCode(response), 30);
+    EXPECT_FALSE(_worker->deviceFound());
+    EXPECT_FALSE(_worker->detectTimerActive());
+}
+
+TEST_F(WorkerFixture, AsynchronousRequestsAreDroppedWhileNoDeviceIsWatched) {
+    ModuleStandIn module;
+    _worker->asyncRequest(MESSAGE_SMS_GET_LIST, &module, {{VALUE_OBJECT, 1}});
+    _worker->asyncRequest("NO_SUCH_REQUEST", &module, {});
+    // Requests run in order: once this synchronous one is answered the others have been handled.
+    _worker->sysncRequest(NETWORK_GET_BAND, {});
+    QCoreApplication::processEvents();
+    waitFor([] { return false; }, std::chrono::milliseconds(100));
+    EXPECT_TRUE(_responder.responses.empty());
+}
+
+TEST_F(WorkerFixture, AsynchronousInitIsAnsweredWithRequesterAndUserInfo) {
+    ModuleStandIn module;
+    const QVariantMap userInfo{{VALUE_OBJECT, QStringLiteral("asked")}};
+    _worker->asyncRequest(MESSAGE_INIT_WORK_THREAD, &module, userInfo);
+    ASSERT_TRUE(waitFor([&] { return !_responder.responses.empty(); }));
+    const auto& response = _responder.responses.front();
+    EXPECT_EQ(response.name, MESSAGE_INIT_WORK_THREAD);
+    EXPECT_EQ(response.receiver, &module);
+    EXPECT_EQ(WorkNotification::GetErrorCode(response.data), 30);
+    EXPECT_EQ(WorkNotification::GetRequester(response.data), "QTimer");
+    EXPECT_EQ(WorkNotification::GetUserInfo(response.data).toString(), "asked");
+
+    // Now a detector watches (and sees no removal): other requests are carried out and answered.
+    _worker->asyncRequest(NETWORK_GET_BAND, nullptr, {});
+    _worker->asyncRequest("MESSAGE_NETWORK_GET_BAND", nullptr, {});
+    ASSERT_TRUE(waitFor([&] { return _responder.responses.size() == 3; }));
+    EXPECT_FALSE(_responder.responses[1].data.contains(ERROR_CODE));
+    EXPECT_FALSE(_responder.responses[1].data.contains(REQUESTER));
+    EXPECT_FALSE(_responder.responses[1].data.contains(USER_INFO));
+    EXPECT_EQ(WorkNotification::GetErrorCode(_responder.responses[2].data), 35);
+}
+
+TEST_F(WorkerFixture, ReportsByKindOnePerCall) {
+    for (const char* line :
+         {"\r\n+CMTI: \"SM\",3\r\n", "\r\n+CDSI: \"SM\",4\r\n", "\r\n+CUSD: 0,\"00480069\",72\r\n",
+          "\r\nRING\r\n", "\r\nNO CARRIER\r\n", "\r\n+STIN: 1\r\n"}) {
+        queueReports(line);
+    }
+    const std::vector<QString> expected = {MESSAGE_RPT_RECEIVE_SMS, MESSAGE_RPT_RECEIVE_SMS,
+                                           MESSAGE_RPT_RECEIVE_USSD};
+    for (int i = 0; i < 6; ++i) {
+        onWorker([this] { _worker->handleUnsolicitedReport(); });
+    }
+    ASSERT_TRUE(waitFor([&] { return _responder.responses.size() >= expected.size(); }));
+    waitFor([] { return false; }, std::chrono::milliseconds(100));
+    EXPECT_EQ(responseNames(), expected); // ring, no carrier and toolkit are dropped
+    for (const auto& response : _responder.responses) {
+        EXPECT_EQ(response.receiver, nullptr);
+    }
+    UnsolicitedReportList* reports = nullptr;
+    ComOperation::GetInstance()->getUnsoliciteReportList(reports);
+    EXPECT_TRUE(reports->empty());
+}
+
+TEST_F(WorkerFixture, TwoQueuedReportsComeOnTwoTimerTicksAndARingIsDropped) {
+    for (const char* line : {"\r\n+CMTI: \"SM\",1\r\n", "\r\n+CMTI: \"SM\",2\r\n", "\r\nRING\r\n"}) {
+        queueReports(line);
+    }
+    onWorker([this] { _worker->startDetectTimer(); });
+    ASSERT_TRUE(waitFor([&] { return _responder.responses.size() >= 2; }));
+    // The ring takes the third tick and is not posted.
+    waitFor([] { return false; }, std::chrono::milliseconds(1500));
+    ASSERT_EQ(_responder.responses.size(), 2u);
+    const qint64 gap = _responder.responses[1].atMs - _responder.responses[0].atMs;
+    EXPECT_GE(gap, 900);
+    EXPECT_LE(gap, 2500);
+    UnsolicitedReportList* reports = nullptr;
+    onWorker([&] { ComOperation::GetInstance()->getUnsoliciteReportList(reports); });
+    onWorker([&] { EXPECT_TRUE(reports->empty()); });
+    EXPECT_TRUE(_worker->detectTimerActive());
+}
+
+TEST_F(WorkerFixture, UnplugAndSleepPostUnplugged) {
+    onWorker([this] { _worker->unpluggedDev(); });
+    onWorker([this] { _worker->willSleepNotification(); });
+    onWorker([this] { _worker->didWakeNotification(); });
+    ASSERT_TRUE(waitFor([&] { return _responder.responses.size() >= 2; }));
+    waitFor([] { return false; }, std::chrono::milliseconds(100));
+    // No dial-up object yet, so no connection status goes out.
+    EXPECT_EQ(responseNames(), (std::vector<QString>{MESSAGE_USB_UNPLUGGED, MESSAGE_USB_UNPLUGGED}));
+}
+
+TEST(GUIThreadAgent, ReadyCallbackThenRequestsAndNotifications) {
+    ensureApplication();
+    TempHome home;
+    QTemporaryDir devDir;
+    setenv("DIALTONE_DEV_DIR", devDir.path().toLocal8Bit().constData(), 1);
+    const qint32 countBefore = WorkNotification::getQueueItemCount();
+    {
+        ModuleStandIn delegate;
+        GUIThreadAgent agent(nullptr, &delegate);
+        int ready = 0;
+        WorkNotification* notification = nullptr;
+        agent.setServerSetupCompleteTargetCallBack([&](WorkNotification* wn) {
+            ++ready;
+            notification = wn;
+            EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
+        });
+        ASSERT_TRUE(waitFor([&] { return ready == 1; }));
+        ASSERT_EQ(notification, agent.workNotification());
+        EXPECT_EQ(notification->sender(), &delegate);
+        EXPECT_EQ(ApplicationShell::sharedShell().requestTarget(), notification->target());
+
+        EXPECT_EQ(WorkNotification::GetErrorCode(
+                      notification->sendworkMessage("MESSAGE_NETWORK_GET_BAND", {}, true)),
+                  35);
+
+        std::vector<Notification> posted;
+        notification->regeditNotifySelector(MESSAGE_INIT_WORK_THREAD,
+                                            [&](const Notification& n) { posted.push_back(n); });
+        notification->regeditNotifySelector(MESSAGE_SMS_GET_LIST,
+                                            [&](const Notification& n) { posted.push_back(n); });
+        // Dropped (no device watched yet): never answered, so it stays counted.
+        EXPECT_EQ(notification->sendASyncWorkMessage(MESSAGE_SMS_GET_LIST, {}), 0);
+        EXPECT_EQ(notification->sendASyncWorkMessage(MESSAGE_INIT_WORK_THREAD, {}), 0);
+        EXPECT_EQ(WorkNotification::getQueueItemCount(), countBefore + 2);
+        ASSERT_TRUE(waitFor([&] { return !posted.empty(); }));
+        EXPECT_EQ(posted.front().name, MESSAGE_INIT_WORK_THREAD);
+        EXPECT_EQ(posted.front().object, &agent);
+        EXPECT_EQ(WorkNotification::GetErrorCode(posted.front().userInfo), 30);
+        EXPECT_EQ(WorkNotification::GetRequester(posted.front().userInfo), "QTimer");
+        EXPECT_EQ(WorkNotification::getQueueItemCount(), countBefore + 1);
+        EXPECT_EQ(posted.size(), 1u);
+        notification->unregeditNotifySelector(MESSAGE_INIT_WORK_THREAD);
+        notification->unregeditNotifySelector(MESSAGE_SMS_GET_LIST);
+        EXPECT_EQ(ready, 1);
+    }
+    EXPECT_EQ(WorkThread::GetRequestInterfaceImpObject(), nullptr);
+    unsetenv("DIALTONE_DEV_DIR");
+}
