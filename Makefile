@@ -42,9 +42,13 @@ fuzz: bootstrap
 	@cd $(FUZZ_BUILD) && ./fuzz/pdu_decode_fuzz -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
 		corpus $(CURDIR)/fuzz/corpus
 
-demo:
-	@echo "make demo: the modem commands of dialtone (status, sms, connect, ...) arrive with the worker core; until then try: $(BUILD)/src/cli/dialtone pdu encode +4917012345678 hello" >&2
-	@exit 1
+# What Dialtone sees of a modem, shown against the simulated one: equipment, SIM and PIN state, operator,
+# signal, bearer. Its own HOME keeps the demo's configuration out of the user's.
+demo: build
+	@home=$$(mktemp -d) && trap 'rm -rf "$$home"' EXIT && \
+	echo '$$ dialtone --simulate status' && HOME="$$home" $(BUILD)/src/cli/dialtone --simulate status && echo && \
+	echo '$$ dialtone --simulate network info' && HOME="$$home" $(BUILD)/src/cli/dialtone --simulate network info && echo && \
+	echo '$$ dialtone --simulate=pin-locked pin status' && HOME="$$home" $(BUILD)/src/cli/dialtone --simulate=pin-locked pin status
 
 # Installs the programs, resources and the modem's udev rule (PREFIX=/usr/local by default; needs root).
 PREFIX ?= /usr/local

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <iostream>
 
+#include <unistd.h>
+
 int ReportFailure(const CliContext& context, int resultCode, const std::string& what) {
     std::fprintf(stderr, "dialtone: %s (result %d)\n", what.c_str(), resultCode);
     if (context.json)
@@ -13,6 +15,11 @@ int ReportFailure(const CliContext& context, int resultCode, const std::string& 
 int ReportUsage(const std::string& what) {
     std::fprintf(stderr, "dialtone: %s\nRun with --help for more information.\n", what.c_str());
     return EXIT_USAGE;
+}
+
+void ReportProgress(const std::string& what) {
+    if (isatty(STDERR_FILENO))
+        std::fprintf(stderr, "%s\n", what.c_str());
 }
 
 void PrintJson(const nlohmann::json& document) {

@@ -18,7 +18,11 @@ enum : int {
 struct CliContext {
     bool json = false;
     bool debug = false;
-    int exitCode = EXIT_OK; // set by the command that ran
+    bool simulate = false;   // --simulate: work against a fresh simulated modem
+    std::string scenario;    // its scenario (file or shipped name); empty for the built-in one
+    std::string devDir;      // --dev-dir: where the modem's ports are looked for
+    double waitSeconds = 30; // --wait: how long event commands wait
+    int exitCode = EXIT_OK;  // set by the command that ran
 };
 
 // Reports a failed operation: "dialtone: <what> (result <code>)" on standard error, and the error object
@@ -26,6 +30,8 @@ struct CliContext {
 int ReportFailure(const CliContext& context, int resultCode, const std::string& what);
 // Reports a usage error found after parsing (an argument CLI11 could not check). Returns EXIT_USAGE.
 int ReportUsage(const std::string& what);
+// Progress of a long command on standard error, only when that is a terminal.
+void ReportProgress(const std::string& what);
 
 // Prints one JSON document on standard output; text that is not UTF-8 is replaced, never fatal.
 void PrintJson(const nlohmann::json& document);

@@ -1,27 +1,53 @@
 // dialtone: the command-line front end. Each command family registers itself below; the global options
 // of every command are handled here.
 
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 #include <CLI/CLI.hpp>
 
 #include "CliSupport.h"
+#include "ConnectCommand.h"
 #include "DebugSink.h"
+#include "NetworkCommand.h"
 #include "PduCommand.h"
+#include "PinCommand.h"
+#include "RequestCommand.h"
+#include "StatusCommand.h"
 
 int main(int argc, char** argv) {
+    // A closed standard output (dialtone status | head) must not keep the tool from cleaning up.
+    std::signal(SIGPIPE, SIG_IGN);
     CLI::App app("Dialtone: a connection manager for USB 3G/HSPA modems", "dialtone");
     app.set_version_flag("--version", "dialtone " DIALTONE_CLI_VERSION);
     app.require_subcommand(1);
 
     CliContext context;
+    if (const char* devDir = std::getenv("DIALTONE_DEV_DIR"))
+        context.devDir = devDir;
+    app.add_option("--simulate", context.scenario,
+                   "Start a fresh simulated modem (dialtone-modemsim) with the scenario, and work against it")
+        ->expected(0, 1)
+        ->type_name("[=SCENARIO]");
+    app.add_option("--dev-dir", context.devDir, "Where the modem's ports are looked for (default /dev)");
     app.add_flag("--json", context.json, "Print one JSON document on standard output");
     app.add_flag("--debug", context.debug, "Show the modem traffic and debug texts on standard error");
+    app.add_option("--wait", context.waitSeconds, "How long event commands wait, in seconds")
+        ->check(CLI::PositiveNumber);
 
+    AddStatusCommand(app, context);
+    AddRequestCommand(app, context);
+    AddPinCommand(app, context);
+    AddNetworkCommand(app, context);
+    AddConnectCommand(app, context);
     AddPduCommand(app, context);
 
     // The debug sink must point where it belongs before any command runs.
-    app.parse_complete_callback([&context] { SetDebugSink(context.debug ? stderr : nullptr); });
+    app.parse_complete_callback([&context, &app] {
+        SetDebugSink(context.debug ? stderr : nullptr);
+        context.simulate = app.count("--simulate") > 0;
+    });
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,99 @@
+#include "StatusCommand.h"
+
+#include <cstdio>
+
+#include "BLRecords.h"
+#include "ModemSession.h"
+#include "RecordJson.h"
+#include "StatusText.h"
+#include "WorkNotification.h"
+
+namespace {
+
+std::string Text(const QString& text) {
+    return text.isEmpty() ? "-" : text.toStdString();
+}
+
+void PrintField(const char* label, const std::string& value) {
+    std::printf("%-16s %s\n", label, value.c_str());
+}
+
+void PrintEquipment(const BLEquipmentInfo& info) {
+    PrintField("Manufacturer:", Text(info.strManufacturer));
+    PrintField("Model:", Text(info.strModel));
+    PrintField("Revision:", Text(info.strRevision));
+    PrintField("IMEI:", Text(info.strSerialNumber));
+    PrintField("Hardware:", Text(info.strHardwareVersion));
+    PrintField("IMSI:", Text(info.strImsi));
+    PrintField("Number:", Text(info.strMsisdn));
+}
+
+int Status(CliContext& context, ModemSession& session) {
+    // The diagnosis request reads equipment, network and the four states in one go and always succeeds;
+    // what the modem could not tell stays empty. The PIN counters and the connection come separately.
+    const QVariantMap diagResponse = session.request(MESSAGE_SYSTEM_GET_DIAG_INFO);
+    if (const int failed = session.check(diagResponse, "reading the modem's state"))
+        return failed;
+    const auto diag = WorkNotification::GetValueObject(diagResponse).value<BLDiagInfo>();
+    const QVariantMap pinResponse = session.request(MESSAGE_PIN_CHECK_STATE);
+    const QVariantMap connectResponse = session.request(MESSAGE_CONNECT_STATUS);
+    const int connectStatus = WorkNotification::GetValueObject(connectResponse).toInt();
+
+    if (context.json) {
+        nlohmann::json document{{"diagInfo", VariantToJson(WorkNotification::GetValueObject(diagResponse))},
+                                {"pinState", VariantToJson(WorkNotification::GetValueObject(pinResponse))},
+                                {"connectStatus", connectStatus}};
+        if (const int code = WorkNotification::GetErrorCode(pinResponse))
+            document["pinState"] = {{"ERROR_CODE", code}};
+        PrintJson(document);
+        return EXIT_OK;
+    }
+
+    BLEquipmentInfo equipment{diag.strManufacturer,   diag.strModel, diag.strRevision,
+                              diag.strSerialNumber,   diag.strImsi,  diag.strMsisdn,
+                              diag.strHardwareVersion};
+    PrintEquipment(equipment);
+    std::string sim = PinStateText(diag.nPinState);
+    if (WorkNotification::GetErrorCode(pinResponse) == WORKER_OK) {
+        const auto pin = WorkNotification::GetValueObject(pinResponse).value<BLPinCheckState>();
+        sim = PinStateText(pin.nState);
+        if (pin.nState == 2)
+            sim += " (" + std::to_string(pin.nPinCnt) + " attempts left)";
+        else if (pin.nState == 3)
+            sim += " (" + std::to_string(pin.nPukCnt) + " PUK attempts left)";
+    }
+    PrintField("SIM:", sim);
+    PrintField("Operator:", OperatorText(diag.strOperator, diag.strSpName));
+    PrintField("Registration:",
+               RegistrationText(diag.nNormalRegState) + ", packet " + RegistrationText(diag.nGprsRegState));
+    PrintField("Roaming:", ServiceStateText(diag.nRoamState));
+    PrintField("Signal:", SignalText(diag.nRssi));
+    PrintField("Bearer:", BearerText(diag.nBearer));
+    PrintField("Connection:", ConnectStatusText(connectStatus));
+    return EXIT_OK;
+}
+
+int Info(CliContext& context, ModemSession& session) {
+    const QVariantMap response = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
+    if (const int failed = session.check(response, "reading the equipment information"))
+        return failed;
+    const QVariant value = WorkNotification::GetValueObject(response);
+    if (context.json)
+        PrintJson(VariantToJson(value));
+    else
+        PrintEquipment(value.value<BLEquipmentInfo>());
+    return EXIT_OK;
+}
+
+} // namespace
+
+void AddStatusCommand(CLI::App& app, CliContext& context) {
+    app.add_subcommand("status", "Equipment, SIM and PIN state, network, signal, bearer, roaming, connection")
+        ->callback([&context] {
+            context.exitCode =
+                RunInSession(context, [&context](ModemSession& s) { return Status(context, s); });
+        });
+    app.add_subcommand("info", "Equipment information")->callback([&context] {
+        context.exitCode = RunInSession(context, [&context](ModemSession& s) { return Info(context, s); });
+    });
+}
