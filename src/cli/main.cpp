@@ -7,14 +7,18 @@
 
 #include <CLI/CLI.hpp>
 
+#include "AccountCommand.h"
 #include "CliSupport.h"
 #include "ConnectCommand.h"
+#include "ContactsCommand.h"
 #include "DebugSink.h"
 #include "NetworkCommand.h"
 #include "PduCommand.h"
 #include "PinCommand.h"
 #include "RequestCommand.h"
+#include "SmsCommand.h"
 #include "StatusCommand.h"
+#include "UssdCommand.h"
 
 int main(int argc, char** argv) {
     // A closed standard output (dialtone status | head) must not keep the tool from cleaning up.
@@ -42,6 +46,10 @@ int main(int argc, char** argv) {
     AddNetworkCommand(app, context);
     AddConnectCommand(app, context);
     AddPduCommand(app, context);
+    AddSmsCommand(app, context);
+    AddContactsCommand(app, context);
+    AddUssdCommand(app, context);
+    AddAccountCommand(app, context);
 
     // The debug sink must point where it belongs before any command runs.
     app.parse_complete_callback([&context, &app] {

@@ -1,0 +1,143 @@
+#include "SmsBoxCommand.h"
+
+#include <cstdlib>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "BLRecords.h"
+#include "ModemSession.h"
+#include "RecordJson.h"
+#include "SMS/MessageItem.h"
+#include "SMS/SMSStorage.h"
+#include "WorkNotification.h"
+
+namespace {
+
+// The command's box names and the store's box type names.
+const std::map<std::string, QString> kBoxes{{"outbox", SMS_BOX_OUTBOX},
+                                            {"sent", SMS_BOX_SENDBOX},
+                                            {"drafts", SMS_BOX_DRAFT},
+                                            {"archive", SMS_BOX_ACHIVE}};
+
+struct BoxArguments {
+    std::vector<std::string> add;  // NUMBER TEXT
+    int remove = 0;                // 1-based position, 0 for none
+    std::vector<std::string> move; // N BOX
+};
+
+void PrintBox(const CliContext& context, const QList<MessageItem>& items) {
+    if (context.json) {
+        nlohmann::json list = nlohmann::json::array();
+        int position = 0;
+        for (const MessageItem& item : items) {
+            nlohmann::json entry = MapToJson(item.getMessageDictionary());
+            entry["index"] = ++position;
+            list.push_back(entry);
+        }
+        PrintJson(list);
+        return;
+    }
+    int position = 0;
+    for (const MessageItem& item : items) {
+        QString text = item.getContent();
+        text.replace(QLatin1Char('\n'), QLatin1Char(' '));
+        const QDateTime time = item.getCreateTime();
+        std::cout << ++position << "  " << item.getNumbers().join(QStringLiteral(", ")).toStdString() << "  "
+                  << (time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd hh:mm")).toStdString() : "-")
+                  << "  " << text.toUtf8().toStdString() << '\n';
+    }
+}
+
+int ReportStoreResult(const CliContext& context, int result, const std::string& what) {
+    if (result == SMSStorage::kOK)
+        return EXIT_OK;
+    return ReportFailure(context, result, what + ": the message store could not be written");
+}
+
+// The item at a 1-based position of the box, or a usage error.
+std::optional<MessageItem> ItemAt(const QList<MessageItem>& items, int position) {
+    if (position < 1 || position > items.size())
+        return std::nullopt;
+    return items.at(position - 1);
+}
+
+int RunBox(const CliContext& context, ModemSession& session, const std::string& box,
+           const BoxArguments& arguments) {
+    const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
+    if (const int failed = session.check(equipment, "reading the SIM's IMSI"))
+        return failed;
+    SMSStorage store(WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>().strImsi);
+    const QString type = kBoxes.at(box);
+    const QList<MessageItem> items = store.getMessageListByBoxType(type).value_or(QList<MessageItem>());
+
+    if (arguments.add.size() == 2) {
+        MessageItem item = MessageItem::createMessageItem({QString::fromStdString(arguments.add[0])},
+                                                          QString::fromStdString(arguments.add[1]), QString(),
+                                                          QString(), QDateTime(), 0, type);
+        if (const int failed = ReportStoreResult(context, store.saveMessageItem(item), "adding the message"))
+            return failed;
+    } else if (arguments.remove != 0) {
+        const auto item = ItemAt(items, arguments.remove);
+        if (!item)
+            return ReportUsage("no message " + std::to_string(arguments.remove) + " in " + box);
+        if (const int failed =
+                ReportStoreResult(context, store.deletMessageItem(*item), "deleting the message"))
+            return failed;
+    } else if (arguments.move.size() == 2) {
+        const auto item = ItemAt(items, std::atoi(arguments.move[0].c_str()));
+        if (!item)
+            return ReportUsage("no message " + arguments.move[0] + " in " + box);
+        const auto target = kBoxes.find(arguments.move[1]);
+        if (target == kBoxes.end())
+            return ReportUsage("no box \"" + arguments.move[1] + "\" (outbox, sent, drafts, archive)");
+        // A move is a delete, a change of box, and a save.
+        if (const int failed =
+                ReportStoreResult(context, store.deletMessageItem(*item), "moving the message"))
+            return failed;
+        MessageItem moved = MessageItem::initWithDictionary(item->getMessageDictionary());
+        moved.setBoxType(target->second);
+        if (const int failed = ReportStoreResult(context, store.saveMessageItem(moved), "moving the message"))
+            return failed;
+    }
+    PrintBox(context, store.getMessageListByBoxType(type).value_or(QList<MessageItem>()));
+    return EXIT_OK;
+}
+
+} // namespace
+
+bool KeepSentCopy(const QString& imsi, const QString& number, const QString& text) {
+    SMSStorage store(imsi);
+    const MessageItem item =
+        MessageItem::createMessageItem({number}, text, QString(), QString(), QDateTime(), 0, SMS_BOX_SENDBOX);
+    return store.saveMessageItem(item) == SMSStorage::kOK;
+}
+
+void AddSmsBoxCommands(CLI::App& sms, CliContext& context) {
+    const std::map<std::string, std::string> descriptions{{"outbox", "Messages waiting to be sent"},
+                                                          {"sent", "Messages sent"},
+                                                          {"drafts", "Messages being written"},
+                                                          {"archive", "Messages put aside"}};
+    for (const auto& [box, description] : descriptions) {
+        auto arguments = std::make_shared<BoxArguments>();
+        CLI::App* command = sms.add_subcommand(box, description + " (kept on the computer, per SIM)");
+        auto* add = command->add_option("--add", arguments->add, "Add a message")
+                        ->expected(2)
+                        ->type_name("NUMBER TEXT");
+        auto* remove = command->add_option("--delete", arguments->remove, "Delete the Nth message")
+                           ->type_name("N")
+                           ->check(CLI::PositiveNumber);
+        auto* move = command->add_option("--move", arguments->move, "Move the Nth message to another box")
+                         ->expected(2)
+                         ->type_name("N BOX");
+        add->excludes(remove)->excludes(move);
+        remove->excludes(move);
+        command->callback([&context, arguments, box] {
+            context.exitCode =
+                RunInSession(context, [&](ModemSession& s) { return RunBox(context, s, box, *arguments); });
+        });
+    }
+}

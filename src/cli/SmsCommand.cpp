@@ -1,0 +1,444 @@
+#include "SmsCommand.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QMetaObject>
+#include <QObject>
+#include <QSettings>
+#include <QTimer>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <functional>
+#include <iostream>
+#include <list>
+#include <map>
+#include <memory>
+#include <optional>
+#include <regex>
+
+#include "AtSublayerInterface.h"
+#include "BLRecords.h"
+#include "ModemSession.h"
+#include "NotificationCenter.h"
+#include "RecordJson.h"
+#include "SMS/SMSExt.h"
+#include "SmsBoxCommand.h"
+#include "SmsUtility.h"
+#include "UserDataFolder.h"
+#include "WorkNotification.h"
+#include "WorkThread.h"
+
+namespace {
+
+using nlohmann::json;
+
+std::atomic<bool> g_interrupted{false};
+
+void OnInterrupt(int) {
+    g_interrupted = true;
+}
+
+QString Q(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+// The tool's own settings: the storage for new messages and the validity period live in the worker only
+// while it runs, so every run applies them again.
+QSettings Settings() {
+    return QSettings(UserDataFolder::configPath() + "/dialtone-cli.ini", QSettings::IniFormat);
+}
+
+const std::map<std::string, int> kStorages{
+    {"sim", SMS_STORAGE_SIM}, {"modem", SMS_STORAGE_MODEM}, {"pc", SMS_STORAGE_PC}};
+
+std::string StorageName(int storage) {
+    for (const auto& [name, code] : kStorages) {
+        if (code == storage)
+            return name;
+    }
+    return "?";
+}
+
+// CODE: "max", or weeks, days and hours such as "2d", "1w3d" or "12h" (as "pdu encode --validity").
+std::optional<BLSmsValidPeriod> ParseValidity(const std::string& code) {
+    BLSmsValidPeriod period;
+    if (code == "max") {
+        period.bWeek = 255;
+        return period;
+    }
+    static const std::regex pattern("^(?:(\\d{1,3})w)?(?:(\\d{1,3})d)?(?:(\\d{1,3})h)?$");
+    std::smatch match;
+    if (code.empty() || !std::regex_match(code, match, pattern))
+        return std::nullopt;
+    const int limits[] = {254, 255, 255};
+    quint8* fields[] = {&period.bWeek, &period.bDay, &period.bHour};
+    for (int i = 0; i < 3; ++i) {
+        const int value = match[i + 1].matched ? std::stoi(match[i + 1].str()) : 0;
+        if (value > limits[i])
+            return std::nullopt;
+        *fields[i] = static_cast<quint8>(value);
+    }
+    return period;
+}
+
+// Readies the modem for messages: the message settings, the SIM's computer-side inbox (so that nothing
+// taken out of the modem memory is lost) and the chosen storage. imsi receives the SIM's IMSI.
+int PrepareSms(ModemSession& session, QString& imsi) {
+    if (const int failed = session.check(session.request(MESSAGE_SMS_INIT), "preparing the messages"))
+        return failed;
+    const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
+    if (const int failed = session.check(equipment, "reading the SIM's IMSI"))
+        return failed;
+    imsi = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>().strImsi;
+    WorkThread* worker = WorkThread::GetRequestInterfaceImpObject();
+    if (worker && !imsi.isEmpty()) {
+        // The sublayer belongs to the worker's thread.
+        const QByteArray imsiText = imsi.toLatin1();
+        QMetaObject::invokeMethod(
+            worker,
+            [worker, imsiText] {
+                if (TInterfaceAtSublayer* sublayer = worker->atSublayer()) {
+                    sublayer->SMSSetIMSI(imsiText.constData());
+                    SMSExt::registerWith(*sublayer);
+                }
+            },
+            Qt::BlockingQueuedConnection);
+    }
+    const int storage = Settings().value("sms/storage", SMS_STORAGE_MODEM).toInt();
+    if (storage != SMS_STORAGE_MODEM) {
+        const QVariantMap response = session.request(MESSAGE_SMS_SET_PREFERRED_STORAGE, storage);
+        if (const int failed = session.check(response, "choosing the storage for new messages"))
+            return failed;
+    }
+    return EXIT_OK;
+}
+
+std::string StateText(const BLSmsListItem& item) {
+    if (item.nType == 2)
+        return "report";
+    static const char* const tags[] = {"unread", "read", "unsent", "sent"};
+    return item.nTag >= 0 && item.nTag < 4 ? tags[item.nTag] : "?";
+}
+
+std::string OneLine(const QString& text) {
+    QString line = text;
+    line.replace(QLatin1Char('\n'), QLatin1Char(' ')).replace(QLatin1Char('\r'), QLatin1Char(' '));
+    return line.toUtf8().toStdString();
+}
+
+std::string TimeText(const QDateTime& time) {
+    return time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd hh:mm")).toStdString() : "-";
+}
+
+void PrintItem(const BLSmsListItem& item) {
+    std::string text = item.nType == 2 ? "delivery status " + std::to_string(item.nStatusReportStatus)
+                                       : OneLine(item.strContent);
+    if (!item.nCompleted && item.nType != 2)
+        text += " (incomplete)";
+    std::printf("%4d  %-5s  %-6s  %-16s  %-16s  %s\n", item.nRef, StorageName(item.nStoreIn).c_str(),
+                StateText(item).c_str(), item.strAddress.toUtf8().constData(),
+                TimeText(item.dateTime).c_str(), text.c_str());
+}
+
+// Builds the worker's message table; the IDs of list and delete come from it.
+int ReadList(ModemSession& session, QList<BLSmsListItem>& items) {
+    const QVariantMap response = session.request(MESSAGE_SMS_GET_LIST, {}, 180);
+    if (const int failed = session.check(response, "reading the messages"))
+        return failed;
+    items = RecordList<BLSmsListItem>(WorkNotification::GetValueObject(response));
+    return EXIT_OK;
+}
+
+int List(const CliContext& context, ModemSession& session) {
+    QString imsi;
+    if (const int failed = PrepareSms(session, imsi))
+        return failed;
+    QList<BLSmsListItem> items;
+    if (const int failed = ReadList(session, items))
+        return failed;
+    if (context.json) {
+        json list = json::array();
+        for (const BLSmsListItem& item : items)
+            list.push_back(VariantToJson(QVariant::fromValue(item)));
+        PrintJson(list);
+        return EXIT_OK;
+    }
+    for (const BLSmsListItem& item : items)
+        PrintItem(item);
+    return EXIT_OK;
+}
+
+// How many messages the text takes, counted the way the sublayer splits it.
+int SegmentCount(const std::string& number, const std::string& text) {
+    CSmsUtility sms;
+    sms.SetLatinSupport(1);
+    TSmsSendItem item;
+    number.copy(item.szNumber, sizeof item.szNumber - 1);
+    item.wstrContent = FromUtf8(text);
+    std::list<TTpduSubmit> segments;
+    int encodeType = 0;
+    sms.PacketMsg(item, segments, encodeType);
+    return static_cast<int>(segments.size());
+}
+
+int Send(const CliContext& context, ModemSession& session, const std::string& number, const std::string& text,
+         bool report) {
+    QString imsi;
+    if (const int failed = PrepareSms(session, imsi))
+        return failed;
+    if (report) {
+        const QVariantMap response = session.request(MESSAGE_SMS_SET_STATUS_REPORT, QStringLiteral("TRUE"));
+        if (const int failed = session.check(response, "asking for a delivery report"))
+            return failed;
+    }
+    const QString validity = Settings().value("sms/validity").toString();
+    if (const auto period = ParseValidity(validity.toStdString())) {
+        const QVariantMap response =
+            session.request(MESSAGE_SMS_SET_VALID_PERIOD, QVariant::fromValue(*period));
+        if (const int failed = session.check(response, "setting the validity period"))
+            return failed;
+    }
+    const int segments = SegmentCount(number, text);
+    if (segments > 1)
+        ReportProgress("Sending " + std::to_string(segments) + " messages...");
+    const QVariantMap response = session.request(
+        MESSAGE_SMS_SEND, QVariant::fromValue(BLSmsSendItem{Q(number), Q(text)}), 60 + 30 * segments);
+    if (const int failed = session.check(response, "sending the message"))
+        return failed;
+    const bool kept = KeepSentCopy(imsi, Q(number), Q(text));
+    if (!kept)
+        std::fprintf(stderr, "dialtone: the copy for the sent box could not be written\n");
+    if (context.json) {
+        PrintJson(
+            {{"strNumber", number}, {"segments", segments}, {"report", report}, {"keptInSentBox", kept}});
+    } else if (segments == 1) {
+        std::cout << "Sent to " << number << '\n';
+    } else {
+        std::cout << "Sent to " << number << " in " << segments << " parts\n";
+    }
+    return EXIT_OK;
+}
+
+int Delete(const CliContext& context, ModemSession& session, int id) {
+    QString imsi;
+    if (const int failed = PrepareSms(session, imsi))
+        return failed;
+    QList<BLSmsListItem> items;
+    if (const int failed = ReadList(session, items))
+        return failed;
+    const QVariantMap response = session.request(MESSAGE_SMS_DELETE, id);
+    if (const int failed = session.check(response, "deleting message " + std::to_string(id)))
+        return failed;
+    if (context.json)
+        PrintJson(MapToJson(response));
+    else
+        std::cout << "Deleted message " << id << '\n';
+    return EXIT_OK;
+}
+
+// Incoming messages and delivery reports, as the worker announces them, until the wait runs out or the
+// user interrupts.
+int Watch(const CliContext& context, ModemSession& session) {
+    QString imsi;
+    if (const int failed = PrepareSms(session, imsi))
+        return failed;
+    // Reports are only read once the message table is built.
+    QList<BLSmsListItem> items;
+    if (const int failed = ReadList(session, items))
+        return failed;
+    QObject receiver;
+    NotificationCenter::defaultCenter().addObserver(
+        MESSAGE_RPT_RECEIVE_SMS, &receiver, [&context](const Notification& notification) {
+            const QVariant value = WorkNotification::GetValueObject(notification.userInfo);
+            if (value.metaType() != QMetaType::fromType<BLSmsListItem>())
+                return;
+            const auto item = value.value<BLSmsListItem>();
+            // A part of a longer message shows once the whole message is in.
+            if (item.nType != 2 && !item.nCompleted)
+                return;
+            if (context.json) {
+                std::cout << VariantToJson(value).dump(-1, ' ', false, json::error_handler_t::replace)
+                          << '\n';
+            } else if (item.nType == 2) {
+                std::cout << "Delivery report from " << item.strAddress.toStdString() << ": status "
+                          << item.nStatusReportStatus << " (message " << item.nRef << ")\n";
+            } else {
+                std::cout << "Message " << item.nRef << " from " << item.strAddress.toStdString() << " at "
+                          << TimeText(item.dateTime) << ": " << item.strContent.toUtf8().toStdString()
+                          << '\n';
+            }
+            std::cout.flush();
+        });
+    std::signal(SIGINT, OnInterrupt);
+    std::signal(SIGTERM, OnInterrupt);
+    ReportProgress("Waiting for messages; press Ctrl-C to stop");
+    QEventLoop loop;
+    QTimer::singleShot(std::chrono::milliseconds(static_cast<long long>(context.waitSeconds * 1000)), &loop,
+                       &QEventLoop::quit);
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &loop, [&loop] {
+        if (g_interrupted)
+            loop.quit();
+    });
+    poll.start(100);
+    loop.exec();
+    NotificationCenter::defaultCenter().removeObserver(&receiver);
+    return EXIT_OK;
+}
+
+int Storage(const CliContext& context, ModemSession& session, const std::string& name) {
+    QString imsi;
+    if (const int failed = PrepareSms(session, imsi))
+        return failed;
+    const int storage = kStorages.at(name);
+    const QVariantMap response = session.request(MESSAGE_SMS_SET_PREFERRED_STORAGE, storage);
+    if (const int failed = session.check(response, "choosing the storage for new messages"))
+        return failed;
+    Settings().setValue("sms/storage", storage);
+    if (context.json)
+        PrintJson({{"storage", name}});
+    else
+        std::cout << "New messages are kept on the " << (name == "pc" ? "computer" : name) << '\n';
+    return EXIT_OK;
+}
+
+int State(const CliContext& context, ModemSession& session) {
+    QString imsi;
+    if (const int failed = PrepareSms(session, imsi))
+        return failed;
+    const QVariantMap response = session.request(MESSAGE_SMS_GET_STORAGE_STATE);
+    if (const int failed = session.check(response, "reading the storages"))
+        return failed;
+    const QVariant value = WorkNotification::GetValueObject(response);
+    if (context.json) {
+        PrintJson(VariantToJson(value));
+        return EXIT_OK;
+    }
+    const auto state = value.value<BLSmsStorageState>();
+    std::printf("SIM:    %d of %d used\nModem:  %d of %d used\n", state.nSimUsed, state.nSimTotal,
+                state.nMeUsed, state.nMeTotal);
+    return EXIT_OK;
+}
+
+int ServiceCentre(const CliContext& context, ModemSession& session, const std::string& number) {
+    QString imsi;
+    if (const int failed = PrepareSms(session, imsi))
+        return failed;
+    if (!number.empty()) {
+        const QVariantMap response = session.request(MESSAGE_SMS_SET_SC, Q(number));
+        if (const int failed = session.check(response, "setting the service centre"))
+            return failed;
+    }
+    const QVariantMap response = session.request(MESSAGE_SMS_GET_SC);
+    if (const int failed = session.check(response, "reading the service centre"))
+        return failed;
+    const std::string current = WorkNotification::GetValueObject(response).toString().toStdString();
+    if (context.json)
+        PrintJson({{"strServiceCentre", current}});
+    else
+        std::cout << "Service centre: " << (current.empty() ? "-" : current) << '\n';
+    return EXIT_OK;
+}
+
+int Validity(const CliContext& context, ModemSession& session, const std::string& code) {
+    QString imsi;
+    if (const int failed = PrepareSms(session, imsi))
+        return failed;
+    const BLSmsValidPeriod period = *ParseValidity(code);
+    const QVariantMap response = session.request(MESSAGE_SMS_SET_VALID_PERIOD, QVariant::fromValue(period));
+    if (const int failed = session.check(response, "setting the validity period"))
+        return failed;
+    Settings().setValue("sms/validity", Q(code));
+    if (context.json)
+        PrintJson(VariantToJson(QVariant::fromValue(period)));
+    else
+        std::cout << "Messages sent from now on are valid for " << code << '\n';
+    return EXIT_OK;
+}
+
+struct SmsArguments {
+    std::string number;
+    std::string text;
+    bool report = false;
+    int id = 0;
+    std::string storage;
+    std::string code;
+};
+
+} // namespace
+
+void AddSmsCommand(CLI::App& app, CliContext& context) {
+    CLI::App* sms = app.add_subcommand(
+        "sms",
+        "Messages: list, send, delete, watch, storage, state, sc, validity; outbox, sent, drafts, archive");
+    sms->require_subcommand(1);
+    auto arguments = std::make_shared<SmsArguments>();
+    const auto run = [&context](std::function<int(ModemSession&)> command) {
+        context.exitCode = RunInSession(context, command);
+    };
+
+    sms->add_subcommand("list", "The messages on the SIM, in the modem and on the computer")
+        ->callback([&context, run] { run([&](ModemSession& s) { return List(context, s); }); });
+
+    CLI::App* send = sms->add_subcommand("send", "Send a text; a long one goes in several parts");
+    send->add_option("NUMBER", arguments->number, "The recipient")->required();
+    send->add_option("TEXT", arguments->text, "The text")->required();
+    send->add_flag("--report", arguments->report, "Ask the network for a delivery report");
+    send->callback([&context, arguments, run] {
+        run([&](ModemSession& s) {
+            return Send(context, s, arguments->number, arguments->text, arguments->report);
+        });
+    });
+
+    CLI::App* remove = sms->add_subcommand("delete", "Delete a message (its ID from sms list)");
+    remove->add_option("ID", arguments->id, "The message's ID")->required()->check(CLI::NonNegativeNumber);
+    remove->callback([&context, arguments, run] {
+        run([&](ModemSession& s) { return Delete(context, s, arguments->id); });
+    });
+
+    sms->add_subcommand("watch", "Show new messages and delivery reports as they arrive")
+        ->callback([&context, run] { run([&](ModemSession& s) { return Watch(context, s); }); });
+
+    CLI::App* storage = sms->add_subcommand("storage", "Where new messages are kept: sim, modem or pc");
+    storage->add_option("STORAGE", arguments->storage, "sim, modem or pc")
+        ->check(CLI::IsMember({"sim", "modem", "pc"}));
+    storage->callback([&context, arguments, run] {
+        if (!arguments->storage.empty()) {
+            run([&](ModemSession& s) { return Storage(context, s, arguments->storage); });
+            return;
+        }
+        // Showing the choice needs no modem.
+        const std::string name = StorageName(Settings().value("sms/storage", SMS_STORAGE_MODEM).toInt());
+        if (context.json)
+            PrintJson({{"storage", name}});
+        else
+            std::cout << "New messages are kept on the " << (name == "pc" ? "computer" : name) << '\n';
+        context.exitCode = EXIT_OK;
+    });
+
+    sms->add_subcommand("state", "Used and total places on the SIM and in the modem")
+        ->callback([&context, run] { run([&](ModemSession& s) { return State(context, s); }); });
+
+    CLI::App* sc = sms->add_subcommand("sc", "Show or set the service centre number");
+    sc->add_option("NUMBER", arguments->number, "The new service centre number");
+    sc->callback([&context, arguments, run] {
+        run([&](ModemSession& s) { return ServiceCentre(context, s, arguments->number); });
+    });
+
+    CLI::App* validity =
+        sms->add_subcommand("validity", "How long the network keeps messages sent from now on");
+    validity->add_option("CODE", arguments->code, "max, or weeks/days/hours like 1w2d12h")
+        ->required()
+        ->check([](const std::string& value) {
+            return ParseValidity(value) ? std::string()
+                                        : std::string("expected max or a period like 1w2d12h");
+        });
+    validity->callback([&context, arguments, run] {
+        run([&](ModemSession& s) { return Validity(context, s, arguments->code); });
+    });
+
+    AddSmsBoxCommands(*sms, context);
+}

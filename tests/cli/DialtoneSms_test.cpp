@@ -1,0 +1,349 @@
+// The sms commands against the simulated modem: long texts with a delivery report, a message delivered in
+// parts out of order, a full SIM as the preferred storage, an empty storage, and the boxes on the computer.
+
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+extern char** environ;
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+struct Outcome {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string Quote(const std::string& argument) {
+    std::string quoted = "'";
+    for (char c : argument)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+struct TempDir {
+    TempDir() {
+        std::string pattern = (fs::temp_directory_path() / "dialtone-sms-XXXXXX").string();
+        path = mkdtemp(pattern.data());
+    }
+    ~TempDir() {
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+    }
+    std::string path;
+};
+
+json Parse(const std::string& text) {
+    return json::parse(text, nullptr, false);
+}
+
+// A simulated modem with a scenario patch, for several runs of the tool, with its control socket.
+class SimulatedModem {
+public:
+    explicit SimulatedModem(const json& scenario) {
+        const std::string scenarioPath = files.path + "/scenario.json";
+        std::ofstream(scenarioPath) << scenario.dump();
+        std::string program = (fs::path(DIALTONE_CLI).parent_path().parent_path().parent_path() /
+                               "tools/modemsim/dialtone-modemsim")
+                                  .string();
+        std::vector<std::string> arguments{program, "--dev-dir", devDir.path, "--scenario", scenarioPath};
+        std::vector<char*> argv;
+        for (std::string& argument : arguments)
+            argv.push_back(argument.data());
+        argv.push_back(nullptr);
+        int fds[2];
+        if (pipe(fds) != 0)
+            return;
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, fds[1], STDOUT_FILENO);
+        posix_spawn_file_actions_addclose(&actions, fds[0]);
+        if (posix_spawn(&_pid, program.c_str(), &actions, nullptr, argv.data(), environ) != 0)
+            _pid = -1;
+        posix_spawn_file_actions_destroy(&actions);
+        close(fds[1]);
+        _out = fds[0];
+        std::string line;
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (_pid > 0 && line.find('\n') == std::string::npos &&
+               std::chrono::steady_clock::now() < deadline) {
+            pollfd poller{_out, POLLIN, 0};
+            if (poll(&poller, 1, 100) <= 0)
+                continue;
+            char buffer[512];
+            const ssize_t n = read(_out, buffer, sizeof buffer);
+            if (n <= 0)
+                break;
+            line.append(buffer, static_cast<std::size_t>(n));
+        }
+        const json ready = Parse(line.substr(0, line.find('\n')));
+        if (ready.is_object() && ready.contains("control"))
+            control = ready["control"].get<std::string>();
+    }
+    ~SimulatedModem() {
+        if (_pid > 0) {
+            kill(_pid, SIGTERM);
+            waitpid(_pid, nullptr, 0);
+        }
+        if (_out >= 0)
+            close(_out);
+    }
+    bool ready() const { return !control.empty(); }
+
+    // One control command, its JSON answer.
+    json command(const std::string& line) const {
+        const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::strncpy(address.sun_path, control.c_str(), sizeof address.sun_path - 1);
+        std::string answer;
+        if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
+            const std::string request = line + "\n";
+            if (write(fd, request.data(), request.size()) == static_cast<ssize_t>(request.size())) {
+                const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+                while (answer.find('\n') == std::string::npos &&
+                       std::chrono::steady_clock::now() < deadline) {
+                    pollfd poller{fd, POLLIN, 0};
+                    if (poll(&poller, 1, 100) <= 0)
+                        continue;
+                    char buffer[4096];
+                    const ssize_t n = read(fd, buffer, sizeof buffer);
+                    if (n <= 0)
+                        break;
+                    answer.append(buffer, static_cast<std::size_t>(n));
+                }
+            }
+        }
+        close(fd);
+        return Parse(answer.substr(0, answer.find('\n')));
+    }
+
+    // The tool against this modem, with the test's own HOME.
+    Outcome dialtone(const std::vector<std::string>& arguments) const {
+        const std::string errPath = home.path + "/stderr.txt";
+        std::string line =
+            "HOME=" + Quote(home.path) + " " + Quote(DIALTONE_CLI) + " --dev-dir " + Quote(devDir.path);
+        for (const std::string& argument : arguments)
+            line += " " + Quote(argument);
+        line += " 2>" + Quote(errPath) + " </dev/null";
+        Outcome run;
+        FILE* pipe = popen(line.c_str(), "r");
+        if (!pipe)
+            return run;
+        char buffer[4096];
+        std::size_t n = 0;
+        while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0)
+            run.out.append(buffer, n);
+        const int status = pclose(pipe);
+        run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        std::stringstream text;
+        text << std::ifstream(errPath).rdbuf();
+        run.err = text.str();
+        return run;
+    }
+
+    TempDir home;
+    TempDir files;
+    TempDir devDir;
+    std::string control;
+
+private:
+    pid_t _pid = -1;
+    int _out = -1;
+};
+
+// The built-in modem with these messages and SMS settings.
+json Scenario(const json& messages, const json& sms = json::object()) {
+    json patch = {{"sms", sms}};
+    patch["sms"]["messages"] = messages;
+    return patch;
+}
+
+std::string LongText(std::size_t length) {
+    static const char letters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+    std::string text;
+    for (std::size_t i = 0; i < length; ++i)
+        text += (i % 10 == 9 && i + 1 < length) ? ' ' : letters[(i / 10) % 36];
+    return text;
+}
+
+TEST(DialtoneSms, LongTextGoesInPartsAndItsReportComesBack) {
+    SimulatedModem modem(Scenario(json::array(), {{"status_report_delay_ms", 2500}}));
+    ASSERT_TRUE(modem.ready());
+    const std::string text = LongText(300);
+
+    const Outcome sent = modem.dialtone({"--json", "sms", "send", "--report", "+491701234567", text});
+    ASSERT_EQ(sent.status, 0) << sent.err;
+    EXPECT_EQ(Parse(sent.out).value("segments", 0), 2) << sent.out;
+
+    // The network got two parts of one message, in order, each with its share of the text.
+    const json dump = modem.command("dump");
+    const json& parts = dump["sms"]["sent"];
+    ASSERT_EQ(parts.size(), 2u) << dump.dump();
+    std::string joined;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        EXPECT_EQ(parts[i]["to"], "+491701234567");
+        // The report is asked for on the next-to-last part only: one report for the whole message.
+        EXPECT_EQ(parts[i]["status_report"], i + 2 == parts.size());
+        EXPECT_EQ(parts[i]["concat"][1], 2);
+        EXPECT_EQ(parts[i]["concat"][2], static_cast<int>(i + 1));
+        EXPECT_FALSE(parts[i]["text"].get<std::string>().empty());
+        joined += parts[i]["text"].get<std::string>();
+    }
+    EXPECT_EQ(joined, text);
+
+    // The delivery report arrives as a status report item.
+    const Outcome watched = modem.dialtone({"--json", "--wait", "6", "sms", "watch"});
+    ASSERT_EQ(watched.status, 0) << watched.err;
+    bool report = false;
+    std::istringstream lines(watched.out);
+    for (std::string line; std::getline(lines, line);) {
+        const json item = Parse(line);
+        ASSERT_TRUE(item.is_object()) << line;
+        report = report || (item.value("nType", -1) == 2 && item.value("strAddress", "") == "+491701234567");
+    }
+    EXPECT_TRUE(report) << watched.out;
+
+    // A copy stays in the sent box.
+    const Outcome box = modem.dialtone({"--json", "sms", "sent"});
+    ASSERT_EQ(box.status, 0) << box.err;
+    const json kept = Parse(box.out);
+    ASSERT_EQ(kept.size(), 1u) << box.out;
+    EXPECT_EQ(kept[0]["CONTENT"], text);
+}
+
+TEST(DialtoneSms, PartsDeliveredOutOfOrderListAsOneMessage) {
+    SimulatedModem modem(Scenario(json::array()));
+    ASSERT_TRUE(modem.ready());
+    const std::string text = LongText(400);
+    const json delivered = modem.command("sms --order=3,1,2 +4915112345678 " + text);
+    ASSERT_EQ(delivered.value("parts", 0), 3) << delivered.dump();
+
+    const Outcome listed = modem.dialtone({"--json", "sms", "list"});
+    ASSERT_EQ(listed.status, 0) << listed.err;
+    const json items = Parse(listed.out);
+    ASSERT_EQ(items.size(), 1u) << listed.out;
+    EXPECT_EQ(items[0]["strContent"], text);
+    EXPECT_EQ(items[0]["strAddress"], "+4915112345678");
+    EXPECT_NE(items[0]["nCompleted"], 0);
+}
+
+TEST(DialtoneSms, WatchShowsAMessageDeliveredInPartsOnceWhole) {
+    SimulatedModem modem(Scenario(json::array()));
+    ASSERT_TRUE(modem.ready());
+    const std::string text = LongText(400);
+    json delivered;
+    // The network delivers once the tool has read the storages (its message table is built).
+    std::thread network([&] {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (std::chrono::steady_clock::now() < deadline) {
+            bool listed = false;
+            for (const json& command : modem.command("dump").value("commands", json::array()))
+                listed = listed || command.get<std::string>().rfind("AT+CMGL", 0) == 0;
+            if (listed)
+                break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        }
+        delivered = modem.command("sms --order=2,3,1 +4915112345678 " + text);
+    });
+    const Outcome watched = modem.dialtone({"--json", "--wait", "8", "sms", "watch"});
+    network.join();
+    ASSERT_EQ(delivered.value("parts", 0), 3) << delivered.dump();
+    ASSERT_EQ(watched.status, 0) << watched.err;
+    std::vector<json> events;
+    std::istringstream lines(watched.out);
+    for (std::string line; std::getline(lines, line);)
+        events.push_back(Parse(line));
+    ASSERT_EQ(events.size(), 1u) << watched.out;
+    EXPECT_EQ(events[0]["strContent"], text);
+    EXPECT_EQ(events[0]["strAddress"], "+4915112345678");
+}
+
+TEST(DialtoneSms, FullSimAsPreferredStorageMovesTheMessageToTheComputer) {
+    SimulatedModem modem(Scenario(
+        {{{"storage", "SM"}, {"status", 1}, {"from", "+491701234567"}, {"text", "Already on the SIM"}},
+         {{"storage", "ME"}, {"status", 0}, {"from", "+4915112345678"}, {"text", "New in the modem"}}},
+        {{"storages", {{"SM", 1}, {"ME", 10}}}}));
+    ASSERT_TRUE(modem.ready());
+    const Outcome chosen = modem.dialtone({"sms", "storage", "sim"});
+    ASSERT_EQ(chosen.status, 0) << chosen.err;
+
+    for (int run = 0; run < 2; ++run) {
+        const Outcome listed = modem.dialtone({"--json", "sms", "list"});
+        ASSERT_EQ(listed.status, 0) << listed.err;
+        const json items = Parse(listed.out);
+        ASSERT_EQ(items.size(), 2u) << listed.out;
+        int onComputer = 0;
+        for (const json& item : items) {
+            if (item["strContent"] == "New in the modem") {
+                EXPECT_EQ(item["nStoreIn"], 4) << "run " << run;
+                ++onComputer;
+            }
+        }
+        EXPECT_EQ(onComputer, 1) << listed.out;
+        const json storages = modem.command("dump")["sms"]["storages"];
+        EXPECT_EQ(storages["ME"]["used"], 0) << storages.dump();
+        EXPECT_EQ(storages["SM"]["used"], 1) << storages.dump();
+    }
+}
+
+TEST(DialtoneSms, EmptyStorageListsNothing) {
+    SimulatedModem modem(Scenario(json::array()));
+    ASSERT_TRUE(modem.ready());
+    const Outcome text = modem.dialtone({"sms", "list"});
+    EXPECT_EQ(text.status, 0) << text.err;
+    EXPECT_EQ(text.out, "");
+    const Outcome document = modem.dialtone({"--json", "sms", "list"});
+    EXPECT_EQ(document.status, 0) << document.err;
+    EXPECT_EQ(Parse(document.out), json::array());
+}
+
+TEST(DialtoneSms, DraftIsAddedMovedToTheArchiveAndDeleted) {
+    SimulatedModem modem(Scenario(json::array()));
+    ASSERT_TRUE(modem.ready());
+    const auto box = [&](const std::vector<std::string>& arguments) {
+        std::vector<std::string> all{"--json", "sms"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const Outcome run = modem.dialtone(all);
+        EXPECT_EQ(run.status, 0) << run.err;
+        return Parse(run.out);
+    };
+    const json drafts = box({"drafts", "--add", "+491701234567", "See you at 8"});
+    ASSERT_EQ(drafts.size(), 1u) << drafts.dump();
+    EXPECT_EQ(drafts[0]["CONTENT"], "See you at 8");
+    EXPECT_EQ(drafts[0]["NUMBERS"], json::array({"+491701234567"}));
+    EXPECT_EQ(drafts[0]["BOX"], "DRAFTDBOX");
+
+    EXPECT_EQ(box({"drafts", "--move", "1", "archive"}), json::array());
+    const json archived = box({"archive"});
+    ASSERT_EQ(archived.size(), 1u) << archived.dump();
+    EXPECT_EQ(archived[0]["CONTENT"], "See you at 8");
+    EXPECT_EQ(box({"archive", "--delete", "1"}), json::array());
+    EXPECT_EQ(box({"drafts"}), json::array());
+
+    const Outcome missing = modem.dialtone({"sms", "archive", "--delete", "1"});
+    EXPECT_EQ(missing.status, 2);
+}
+
+} // namespace
