@@ -7,10 +7,10 @@
 #include <list>
 #include <memory>
 #include <optional>
-#include <regex>
 #include <vector>
 
 #include "SmsUtility.h"
+#include "ValidityCode.h"
 
 namespace {
 
@@ -243,29 +243,6 @@ int Decode(const CliContext& context, const std::string& hex, std::optional<int>
     return EXIT_OK;
 }
 
-// CODE: "max", or a period in weeks, days and hours such as "2d", "1w3d" or "12h".
-std::optional<TSmsValidPeriod> ParseValidity(const std::string& code) {
-    TSmsValidPeriod period;
-    period.bEnable = 1;
-    if (code == "max") {
-        period.bWeek = 255;
-        return period;
-    }
-    static const std::regex pattern("^(?:(\\d{1,3})w)?(?:(\\d{1,3})d)?(?:(\\d{1,3})h)?$");
-    std::smatch match;
-    if (code.empty() || !std::regex_match(code, match, pattern))
-        return std::nullopt;
-    const int limits[] = {254, 255, 255};
-    uint8_t* fields[] = {&period.bWeek, &period.bDay, &period.bHour};
-    for (int i = 0; i < 3; ++i) {
-        const int value = match[i + 1].matched ? std::stoi(match[i + 1].str()) : 0;
-        if (value > limits[i])
-            return std::nullopt;
-        *fields[i] = static_cast<uint8_t>(value);
-    }
-    return period;
-}
-
 int Encode(const CliContext& context, const std::string& number, const std::string& text, bool report,
            const std::optional<TSmsValidPeriod>& validity) {
     CSmsUtility sms;
@@ -342,13 +319,13 @@ void AddPduCommand(CLI::App& app, CliContext& context) {
         ->add_option("--validity", encodeArgs->validity,
                      "Validity period: max, or weeks/days/hours like 1w2d12h")
         ->check([](const std::string& value) {
-            return ParseValidity(value) ? std::string()
-                                        : std::string("expected max or a period like 2d, 1w3d, 12h");
+            return ParseValidityCode(value) ? std::string()
+                                            : std::string("expected max or a period like 2d, 1w3d, 12h");
         });
     encode->callback([&context, encodeArgs] {
         std::optional<TSmsValidPeriod> validity;
         if (!encodeArgs->validity.empty())
-            validity = ParseValidity(encodeArgs->validity);
+            validity = ParseValidityCode(encodeArgs->validity);
         context.exitCode =
             Encode(context, encodeArgs->number, encodeArgs->text, encodeArgs->report, validity);
     });

@@ -17,7 +17,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <regex>
 
 #include "AtSublayerInterface.h"
 #include "BLRecords.h"
@@ -28,6 +27,7 @@
 #include "SmsBoxCommand.h"
 #include "SmsUtility.h"
 #include "UserDataFolder.h"
+#include "ValidityCode.h"
 #include "WorkNotification.h"
 #include "WorkThread.h"
 
@@ -62,25 +62,15 @@ std::string StorageName(int storage) {
     return "?";
 }
 
-// CODE: "max", or weeks, days and hours such as "2d", "1w3d" or "12h" (as "pdu encode --validity").
+// CODE as "pdu encode --validity" takes it (ValidityCode.h), as the worker's record.
 std::optional<BLSmsValidPeriod> ParseValidity(const std::string& code) {
-    BLSmsValidPeriod period;
-    if (code == "max") {
-        period.bWeek = 255;
-        return period;
-    }
-    static const std::regex pattern("^(?:(\\d{1,3})w)?(?:(\\d{1,3})d)?(?:(\\d{1,3})h)?$");
-    std::smatch match;
-    if (code.empty() || !std::regex_match(code, match, pattern))
+    const std::optional<TSmsValidPeriod> parsed = ParseValidityCode(code);
+    if (!parsed)
         return std::nullopt;
-    const int limits[] = {254, 255, 255};
-    quint8* fields[] = {&period.bWeek, &period.bDay, &period.bHour};
-    for (int i = 0; i < 3; ++i) {
-        const int value = match[i + 1].matched ? std::stoi(match[i + 1].str()) : 0;
-        if (value > limits[i])
-            return std::nullopt;
-        *fields[i] = static_cast<quint8>(value);
-    }
+    BLSmsValidPeriod period;
+    period.bWeek = parsed->bWeek;
+    period.bDay = parsed->bDay;
+    period.bHour = parsed->bHour;
     return period;
 }
 
