@@ -1,75 +1,25 @@
 // dialtone account against the simulated modem: the menu of its SIM (network 262 02), an entry with the
 // network's answer, and the simulator's USSD menu tree walked with --reply.
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "CliTestSupport.h"
+
 namespace {
 
-namespace fs = std::filesystem;
+using clitest::Outcome;
+using clitest::TempDir;
 using nlohmann::json;
-
-struct Outcome {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-struct Home {
-    Home() {
-        std::string pattern = (fs::temp_directory_path() / "dialtone-account-XXXXXX").string();
-        path = mkdtemp(pattern.data());
-    }
-    ~Home() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    std::string path;
-};
-
-std::string Quote(const std::string& argument) {
-    std::string quoted = "'";
-    for (char c : argument)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
 
 // The tool with its own HOME, English unless lang says otherwise, standard input not a terminal.
 Outcome Dialtone(const std::vector<std::string>& arguments, const std::string& lang = "C") {
-    Home home;
-    std::string command = "env -u LC_ALL -u LC_MESSAGES HOME=" + Quote(home.path) + " LANG=" + Quote(lang) +
-                          " " + Quote(DIALTONE_CLI);
-    for (const std::string& argument : arguments)
-        command += " " + Quote(argument);
-    const std::string errPath = home.path + "/stderr.txt";
-    command += " 2>" + Quote(errPath) + " </dev/null";
-    Outcome run;
-    FILE* pipe = popen(command.c_str(), "r");
-    EXPECT_NE(pipe, nullptr);
-    if (!pipe)
-        return run;
-    char buffer[4096];
-    std::size_t n = 0;
-    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0)
-        run.out.append(buffer, n);
-    const int status = pclose(pipe);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    std::ifstream err(errPath);
-    std::stringstream text;
-    text << err.rdbuf();
-    run.err = text.str();
-    return run;
+    const TempDir home;
+    return clitest::RunDialtone(arguments, home.path, {{"LC_ALL", ""}, {"LC_MESSAGES", ""}, {"LANG", lang}});
 }
 
 TEST(DialtoneAccount, ListsTheMenuOfTheSimsNetworkInTheLanguageOfTheEnvironment) {
@@ -126,7 +76,7 @@ TEST(DialtoneAccount, AnswersTheNetworksQuestionsWithReplies) {
 
 TEST(DialtoneAccount, ASimWithoutAFileOfItsOwnGetsTheDefaultMenuAndItsInputs) {
     // Another network's SIM, and a network that knows the voucher code the default menu's top-up sends.
-    Home scenario;
+    TempDir scenario;
     const std::string path = scenario.path + "/other-sim.json";
     std::ofstream(path) << R"({"sim": {"imsi": "001019876543210"},
         "ussd": {"menus": {"*102*123456789012#": {"text": "Voucher accepted. New balance 22.34 EUR."}}}})";

@@ -1,55 +1,15 @@
-#include <sys/wait.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "CliTestSupport.h"
+
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Quote(const std::string& argument) {
-    std::string quoted = "'";
-    for (char c : argument)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-// Runs the installed-to-be binary with the arguments; standard error goes through a temporary file.
-Outcome Dialtone(const std::vector<std::string>& arguments) {
-    char errPath[] = "/tmp/dialtone-cli-XXXXXX";
-    const int fd = mkstemp(errPath);
-    EXPECT_GE(fd, 0);
-    close(fd);
-    std::string command = Quote(DIALTONE_CLI);
-    for (const std::string& argument : arguments)
-        command += " " + Quote(argument);
-    command += " 2>" + Quote(errPath);
-    Outcome run;
-    FILE* pipe = popen(command.c_str(), "r");
-    EXPECT_NE(pipe, nullptr);
-    char buffer[4096];
-    std::size_t n = 0;
-    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0)
-        run.out.append(buffer, n);
-    const int status = pclose(pipe);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    std::ifstream err(errPath);
-    std::stringstream text;
-    text << err.rdbuf();
-    run.err = text.str();
-    std::remove(errPath);
-    return run;
-}
+using clitest::Outcome;
+using clitest::RunDialtone;
 
 std::vector<std::string> Lines(const std::string& text) {
     std::vector<std::string> lines;
@@ -78,7 +38,7 @@ TEST(DialtonePdu, DecodesWhatAModemPrints) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.arguments.back());
-        const Outcome run = Dialtone(row.arguments);
+        const Outcome run = RunDialtone(row.arguments, "");
         EXPECT_EQ(run.status, 0) << run.err;
         EXPECT_EQ(run.err, "");
         for (const std::string& shown : row.shown)
@@ -90,13 +50,13 @@ TEST(DialtonePdu, DecodesWhatAModemPrints) {
 TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
     const std::string text = std::string(160, 'a') + "{ok}";
     const Outcome encoded =
-        Dialtone({"pdu", "encode", "+4917012345678", text, "--report", "--validity", "1w"});
+        RunDialtone({"pdu", "encode", "+4917012345678", text, "--report", "--validity", "1w"}, "");
     ASSERT_EQ(encoded.status, 0) << encoded.err;
     const std::vector<std::string> segments = Lines(encoded.out);
     ASSERT_EQ(segments.size(), 2u);
     std::string joined;
     for (std::size_t i = 0; i < segments.size(); ++i) {
-        const Outcome decoded = Dialtone({"--json", "pdu", "decode", segments[i]});
+        const Outcome decoded = RunDialtone({"--json", "pdu", "decode", segments[i]}, "");
         ASSERT_EQ(decoded.status, 0) << decoded.err;
         EXPECT_NE(decoded.out.find("\"nDay\": 7"), std::string::npos) << decoded.out;
         const std::string key = "\"wstrContent\": \"";
@@ -110,7 +70,7 @@ TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
     EXPECT_EQ(segments[0].substr(0, 4), "0075");
     EXPECT_EQ(segments[1].substr(0, 4), "0055");
 
-    const Outcome json = Dialtone({"--json", "pdu", "encode", "0170", "\xD0\xB6"});
+    const Outcome json = RunDialtone({"--json", "pdu", "encode", "0170", "\xD0\xB6"}, "");
     ASSERT_EQ(json.status, 0);
     EXPECT_NE(json.out.find("\"nEncodeType\": 1"), std::string::npos) << json.out;
     EXPECT_NE(json.out.find("\"strPdu\": \"00"), std::string::npos) << json.out;
@@ -136,15 +96,15 @@ TEST(DialtonePdu, FailuresAndUsageErrors) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.arguments));
-        const Outcome run = Dialtone(row.arguments);
+        const Outcome run = RunDialtone(row.arguments, "");
         EXPECT_EQ(run.status, row.status);
         EXPECT_EQ(run.out, row.out);
         EXPECT_NE(run.err.find(row.err), std::string::npos) << run.err;
     }
-    const Outcome version = Dialtone({"--version"});
+    const Outcome version = RunDialtone({"--version"}, "");
     EXPECT_EQ(version.status, 0);
     EXPECT_EQ(version.out.rfind("dialtone ", 0), 0u);
-    const Outcome help = Dialtone({"pdu", "encode", "--help"});
+    const Outcome help = RunDialtone({"pdu", "encode", "--help"}, "");
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("--validity"), std::string::npos);
 }

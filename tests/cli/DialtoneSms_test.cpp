@@ -1,19 +1,7 @@
 // The sms commands against the simulated modem: long texts with a delivery report, a message delivered in
 // parts out of order, a full SIM as the preferred storage, an empty storage, and the boxes on the computer.
 
-#include <poll.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -22,162 +10,21 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-extern char** environ;
+#include "CliTestSupport.h"
 
 namespace {
 
-namespace fs = std::filesystem;
+using clitest::Outcome;
+using clitest::Parse;
+using clitest::ScenarioPatch;
+using clitest::SimulatedModem;
 using nlohmann::json;
 
-struct Outcome {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Quote(const std::string& argument) {
-    std::string quoted = "'";
-    for (char c : argument)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-struct TempDir {
-    TempDir() {
-        std::string pattern = (fs::temp_directory_path() / "dialtone-sms-XXXXXX").string();
-        path = mkdtemp(pattern.data());
-    }
-    ~TempDir() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    std::string path;
-};
-
-json Parse(const std::string& text) {
-    return json::parse(text, nullptr, false);
-}
-
-// A simulated modem with a scenario patch, for several runs of the tool, with its control socket.
-class SimulatedModem {
-public:
-    explicit SimulatedModem(const json& scenario) {
-        const std::string scenarioPath = files.path + "/scenario.json";
-        std::ofstream(scenarioPath) << scenario.dump();
-        std::string program = (fs::path(DIALTONE_CLI).parent_path().parent_path().parent_path() /
-                               "tools/modemsim/dialtone-modemsim")
-                                  .string();
-        std::vector<std::string> arguments{program, "--dev-dir", devDir.path, "--scenario", scenarioPath};
-        std::vector<char*> argv;
-        for (std::string& argument : arguments)
-            argv.push_back(argument.data());
-        argv.push_back(nullptr);
-        int fds[2];
-        if (pipe(fds) != 0)
-            return;
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, fds[1], STDOUT_FILENO);
-        posix_spawn_file_actions_addclose(&actions, fds[0]);
-        if (posix_spawn(&_pid, program.c_str(), &actions, nullptr, argv.data(), environ) != 0)
-            _pid = -1;
-        posix_spawn_file_actions_destroy(&actions);
-        close(fds[1]);
-        _out = fds[0];
-        std::string line;
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (_pid > 0 && line.find('\n') == std::string::npos &&
-               std::chrono::steady_clock::now() < deadline) {
-            pollfd poller{_out, POLLIN, 0};
-            if (poll(&poller, 1, 100) <= 0)
-                continue;
-            char buffer[512];
-            const ssize_t n = read(_out, buffer, sizeof buffer);
-            if (n <= 0)
-                break;
-            line.append(buffer, static_cast<std::size_t>(n));
-        }
-        const json ready = Parse(line.substr(0, line.find('\n')));
-        if (ready.is_object() && ready.contains("control"))
-            control = ready["control"].get<std::string>();
-    }
-    ~SimulatedModem() {
-        if (_pid > 0) {
-            kill(_pid, SIGTERM);
-            waitpid(_pid, nullptr, 0);
-        }
-        if (_out >= 0)
-            close(_out);
-    }
-    bool ready() const { return !control.empty(); }
-
-    // One control command, its JSON answer.
-    json command(const std::string& line) const {
-        const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::strncpy(address.sun_path, control.c_str(), sizeof address.sun_path - 1);
-        std::string answer;
-        if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
-            const std::string request = line + "\n";
-            if (write(fd, request.data(), request.size()) == static_cast<ssize_t>(request.size())) {
-                const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-                while (answer.find('\n') == std::string::npos &&
-                       std::chrono::steady_clock::now() < deadline) {
-                    pollfd poller{fd, POLLIN, 0};
-                    if (poll(&poller, 1, 100) <= 0)
-                        continue;
-                    char buffer[4096];
-                    const ssize_t n = read(fd, buffer, sizeof buffer);
-                    if (n <= 0)
-                        break;
-                    answer.append(buffer, static_cast<std::size_t>(n));
-                }
-            }
-        }
-        close(fd);
-        return Parse(answer.substr(0, answer.find('\n')));
-    }
-
-    // The tool against this modem, with the test's own HOME.
-    Outcome dialtone(const std::vector<std::string>& arguments) const {
-        const std::string errPath = home.path + "/stderr.txt";
-        std::string line =
-            "HOME=" + Quote(home.path) + " " + Quote(DIALTONE_CLI) + " --dev-dir " + Quote(devDir.path);
-        for (const std::string& argument : arguments)
-            line += " " + Quote(argument);
-        line += " 2>" + Quote(errPath) + " </dev/null";
-        Outcome run;
-        FILE* pipe = popen(line.c_str(), "r");
-        if (!pipe)
-            return run;
-        char buffer[4096];
-        std::size_t n = 0;
-        while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0)
-            run.out.append(buffer, n);
-        const int status = pclose(pipe);
-        run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        std::stringstream text;
-        text << std::ifstream(errPath).rdbuf();
-        run.err = text.str();
-        return run;
-    }
-
-    TempDir home;
-    TempDir files;
-    TempDir devDir;
-    std::string control;
-
-private:
-    pid_t _pid = -1;
-    int _out = -1;
-};
-
 // The built-in modem with these messages and SMS settings.
-json Scenario(const json& messages, const json& sms = json::object()) {
+ScenarioPatch Scenario(const json& messages, const json& sms = json::object()) {
     json patch = {{"sms", sms}};
     patch["sms"]["messages"] = messages;
-    return patch;
+    return {patch};
 }
 
 std::string LongText(std::size_t length) {
@@ -193,7 +40,7 @@ TEST(DialtoneSms, LongTextGoesInPartsAndItsReportComesBack) {
     ASSERT_TRUE(modem.ready());
     const std::string text = LongText(300);
 
-    const Outcome sent = modem.dialtone({"--json", "sms", "send", "--report", "+491701234567", text});
+    const Outcome sent = modem.run({"--json", "sms", "send", "--report", "+491701234567", text});
     ASSERT_EQ(sent.status, 0) << sent.err;
     EXPECT_EQ(Parse(sent.out).value("segments", 0), 2) << sent.out;
 
@@ -214,7 +61,7 @@ TEST(DialtoneSms, LongTextGoesInPartsAndItsReportComesBack) {
     EXPECT_EQ(joined, text);
 
     // The delivery report arrives as a status report item.
-    const Outcome watched = modem.dialtone({"--json", "--wait", "6", "sms", "watch"});
+    const Outcome watched = modem.run({"--json", "--wait", "6", "sms", "watch"});
     ASSERT_EQ(watched.status, 0) << watched.err;
     bool report = false;
     std::istringstream lines(watched.out);
@@ -226,7 +73,7 @@ TEST(DialtoneSms, LongTextGoesInPartsAndItsReportComesBack) {
     EXPECT_TRUE(report) << watched.out;
 
     // A copy stays in the sent box.
-    const Outcome box = modem.dialtone({"--json", "sms", "sent"});
+    const Outcome box = modem.run({"--json", "sms", "sent"});
     ASSERT_EQ(box.status, 0) << box.err;
     const json kept = Parse(box.out);
     ASSERT_EQ(kept.size(), 1u) << box.out;
@@ -240,7 +87,7 @@ TEST(DialtoneSms, PartsDeliveredOutOfOrderListAsOneMessage) {
     const json delivered = modem.command("sms --order=3,1,2 +4915112345678 " + text);
     ASSERT_EQ(delivered.value("parts", 0), 3) << delivered.dump();
 
-    const Outcome listed = modem.dialtone({"--json", "sms", "list"});
+    const Outcome listed = modem.run({"--json", "sms", "list"});
     ASSERT_EQ(listed.status, 0) << listed.err;
     const json items = Parse(listed.out);
     ASSERT_EQ(items.size(), 1u) << listed.out;
@@ -267,7 +114,7 @@ TEST(DialtoneSms, WatchShowsAMessageDeliveredInPartsOnceWhole) {
         }
         delivered = modem.command("sms --order=2,3,1 +4915112345678 " + text);
     });
-    const Outcome watched = modem.dialtone({"--json", "--wait", "8", "sms", "watch"});
+    const Outcome watched = modem.run({"--json", "--wait", "8", "sms", "watch"});
     network.join();
     ASSERT_EQ(delivered.value("parts", 0), 3) << delivered.dump();
     ASSERT_EQ(watched.status, 0) << watched.err;
@@ -286,11 +133,11 @@ TEST(DialtoneSms, FullSimAsPreferredStorageMovesTheMessageToTheComputer) {
          {{"storage", "ME"}, {"status", 0}, {"from", "+4915112345678"}, {"text", "New in the modem"}}},
         {{"storages", {{"SM", 1}, {"ME", 10}}}}));
     ASSERT_TRUE(modem.ready());
-    const Outcome chosen = modem.dialtone({"sms", "storage", "sim"});
+    const Outcome chosen = modem.run({"sms", "storage", "sim"});
     ASSERT_EQ(chosen.status, 0) << chosen.err;
 
     for (int run = 0; run < 2; ++run) {
-        const Outcome listed = modem.dialtone({"--json", "sms", "list"});
+        const Outcome listed = modem.run({"--json", "sms", "list"});
         ASSERT_EQ(listed.status, 0) << listed.err;
         const json items = Parse(listed.out);
         ASSERT_EQ(items.size(), 2u) << listed.out;
@@ -311,10 +158,10 @@ TEST(DialtoneSms, FullSimAsPreferredStorageMovesTheMessageToTheComputer) {
 TEST(DialtoneSms, EmptyStorageListsNothing) {
     SimulatedModem modem(Scenario(json::array()));
     ASSERT_TRUE(modem.ready());
-    const Outcome text = modem.dialtone({"sms", "list"});
+    const Outcome text = modem.run({"sms", "list"});
     EXPECT_EQ(text.status, 0) << text.err;
     EXPECT_EQ(text.out, "");
-    const Outcome document = modem.dialtone({"--json", "sms", "list"});
+    const Outcome document = modem.run({"--json", "sms", "list"});
     EXPECT_EQ(document.status, 0) << document.err;
     EXPECT_EQ(Parse(document.out), json::array());
 }
@@ -325,7 +172,7 @@ TEST(DialtoneSms, DraftIsAddedMovedToTheArchiveAndDeleted) {
     const auto box = [&](const std::vector<std::string>& arguments) {
         std::vector<std::string> all{"--json", "sms"};
         all.insert(all.end(), arguments.begin(), arguments.end());
-        const Outcome run = modem.dialtone(all);
+        const Outcome run = modem.run(all);
         EXPECT_EQ(run.status, 0) << run.err;
         return Parse(run.out);
     };
@@ -342,7 +189,7 @@ TEST(DialtoneSms, DraftIsAddedMovedToTheArchiveAndDeleted) {
     EXPECT_EQ(box({"archive", "--delete", "1"}), json::array());
     EXPECT_EQ(box({"drafts"}), json::array());
 
-    const Outcome missing = modem.dialtone({"sms", "archive", "--delete", "1"});
+    const Outcome missing = modem.run({"sms", "archive", "--delete", "1"});
     EXPECT_EQ(missing.status, 2);
 }
 

@@ -1,0 +1,86 @@
+#pragma once
+
+// Helpers shared by the tests of the dialtone tool: running the tool with a HOME of its own, and a
+// simulated modem in a device folder of its own with its control socket.
+
+#include <sys/types.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace clitest {
+
+// What one run of the tool printed and how it ended (-1 when it did not exit normally).
+struct Outcome {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+// The argument in single quotes for the shell.
+std::string Quote(const std::string& argument);
+
+// A temporary folder, removed with everything in it.
+struct TempDir {
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    std::string path;
+};
+
+// Runs the tool at DIALTONE_CLI with the arguments, standard input from /dev/null. HOME is set to home
+// unless it is empty. extraEnv sets further variables; a pair with an empty value removes that variable.
+Outcome RunDialtone(const std::vector<std::string>& args, const std::string& home,
+                    const std::vector<std::pair<std::string, std::string>>& extraEnv = {});
+
+// JSON without exceptions: a discarded value when the text is not JSON.
+nlohmann::json Parse(const std::string& text);
+
+// The simulator next to the tool in the build tree (src/cli/dialtone, tools/modemsim/dialtone-modemsim).
+std::string SimulatorPath();
+
+// A scenario given as a patch of the built-in modem, written to a file for the simulator.
+struct ScenarioPatch {
+    nlohmann::json patch;
+};
+
+// One simulated modem for several runs of the tool, so that state carries over between them. The scenario
+// is a name or a file (none: the built-in modem). Ready once the simulator has printed its JSON line.
+class SimulatedModem {
+public:
+    explicit SimulatedModem(const std::string& scenario = {},
+                            const std::vector<std::string>& extraArguments = {});
+    explicit SimulatedModem(const ScenarioPatch& scenario,
+                            const std::vector<std::string>& extraArguments = {});
+    ~SimulatedModem();
+    SimulatedModem(const SimulatedModem&) = delete;
+    SimulatedModem& operator=(const SimulatedModem&) = delete;
+
+    bool ready() const { return !atLink.empty() && !control.empty(); }
+
+    // One line to the control socket, its JSON answer (discarded when there is none).
+    nlohmann::json command(const std::string& line) const;
+    // The simulator's state ("dump").
+    nlohmann::json dump() const { return command("dump"); }
+
+    // The tool against this modem ("--dev-dir" first), with home as its HOME.
+    Outcome run(const std::vector<std::string>& arguments) const;
+
+    TempDir files;
+    TempDir devDir;
+    TempDir home;
+    std::string atLink;
+    std::string control;
+
+private:
+    void start(const std::string& scenario, const std::vector<std::string>& extraArguments);
+
+    pid_t _pid = -1;
+    int _out = -1;
+};
+
+} // namespace clitest
