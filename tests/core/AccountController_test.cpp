@@ -11,32 +11,12 @@
 
 #include <gtest/gtest.h>
 
+#include "QtEventLoop.h"
+
 #include <functional>
 #include <vector>
 
 namespace {
-
-void ensureApplication() {
-    static int argc = 1;
-    static char name[] = "core_tests";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) {
-        new QCoreApplication(argc, argv); // kept for the rest of the run
-    }
-}
-
-bool waitFor(const std::function<bool()>& cond, int limitMs = 5000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!cond()) {
-        if (clock.elapsed() > limitMs) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(2);
-    }
-    return true;
-}
 
 class FakeWorker : public DeviceWorkRequestInterface {
 public:

@@ -10,31 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include "QtEventLoop.h"
+
 #include <functional>
 
 namespace {
-
-void ensureApplication() {
-    static int argc = 1;
-    static char name[] = "worker_tests";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) {
-        new QCoreApplication(argc, argv); // kept for the rest of the run
-    }
-}
-
-bool waitFor(const std::function<bool()>& cond, int limitMs = 5000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!cond()) {
-        if (clock.elapsed() > limitMs) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(2);
-    }
-    return true;
-}
 
 // A private message bus standing in for the system bus, with logind's name taken by one connection.
 class PrivateBus : public ::testing::Test {
@@ -92,7 +72,7 @@ TEST_F(PrivateBus, PrepareForSleepFromLogindTellsSleepAndWake) {
     ASSERT_TRUE(waitFor([&] { return sleeps == 1; }));
     emitPrepareForSleep(logind, false);
     ASSERT_TRUE(waitFor([&] { return wakes == 1; }));
-    waitFor([] { return false; }, 100);
+    waitFor([] { return false; }, std::chrono::milliseconds(100));
     EXPECT_EQ(sleeps, 1);
     EXPECT_EQ(wakes, 1);
 }

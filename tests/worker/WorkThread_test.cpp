@@ -13,35 +13,14 @@
 
 #include <gtest/gtest.h>
 
+#include "QtEventLoop.h"
+
 #include <chrono>
 #include <cstdlib>
 #include <functional>
 #include <vector>
 
 namespace {
-
-void ensureApplication() {
-    static int argc = 1;
-    static char name[] = "worker_tests";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) {
-        new QCoreApplication(argc, argv); // kept for the rest of the run
-    }
-}
-
-// Runs this thread's events until cond holds or the limit passes.
-bool waitFor(const std::function<bool()>& cond, std::chrono::milliseconds limit = std::chrono::seconds(10)) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!cond()) {
-        if (clock.elapsed() > limit.count()) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(2);
-    }
-    return true;
-}
 
 // The GUI thread's end as the worker sees it: records every answer and report with its arrival time.
 class RecordingResponder : public QObject, public DeviceWorkResponseInterface, public WorkServerReceiver {
