@@ -36,8 +36,14 @@ public:
     void setRequestTarget(DeviceWorkRequestInterface* target) { _requestTarget = target; }
     DeviceWorkRequestInterface* requestTarget() const { return _requestTarget; }
 
+    // Whether a running dial-up link outlives the program. The desktop app ends its link when it quits;
+    // the command-line tool leaves it up for "dialtone disconnect" to end.
+    void setKeepsLinkOnQuit(bool keep) { _keepsLinkOnQuit.store(keep); }
+    bool keepsLinkOnQuit() const { return _keepsLinkOnQuit.load(); }
+
 private:
     std::atomic<bool> _deviceFoundOK{false};
+    std::atomic<bool> _keepsLinkOnQuit{false};
     QPointer<QObject> _mainWindow;
     std::shared_ptr<AppConfig> _appConfig;
     DeviceWorkRequestInterface* _requestTarget = nullptr;

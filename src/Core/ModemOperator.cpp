@@ -131,6 +131,12 @@ int ModemOperator::disconnectNetwork() {
     return 5;
 }
 
+void ModemOperator::releaseConnection() {
+    if (_connectionModem) {
+        _connectionModem->release();
+    }
+}
+
 int ModemOperator::onApplicationClosed() {
     CNSLOG(4, "in dialByNumber");
     if (!_connectionModem) {

@@ -33,6 +33,8 @@ public:
     int disconnectNetwork();
     // Ends a connected link and forgets interface, service and connection.
     int onApplicationClosed();
+    // Leaves a running link up when this object goes (see PPPConnection::release).
+    void releaseConnection();
 
     PPPConnection* connection() const { return _connectionModem.get(); }
     bool isConnected() const { return _connectionModem != nullptr; }

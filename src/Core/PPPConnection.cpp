@@ -260,6 +260,14 @@ bool PPPConnection::stop() {
     return true;
 }
 
+void PPPConnection::release() {
+    reapChild();
+    if (_pid > 0) {
+        removeOptionsFile();
+        _pid = -1;
+    }
+}
+
 void PPPConnection::reapChild() {
     int exitStatus = 0;
     if (_pid > 0 && ChildProcess::reap(_pid, exitStatus)) {

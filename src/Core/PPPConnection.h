@@ -45,6 +45,9 @@ public:
     bool start(const QVariantMap& options);
     // Ends the link with SIGTERM; true also when no link is running.
     bool stop();
+    // Leaves a running link to itself: it is no longer ended when this object goes, and shows to later
+    // runs through its pid file. The options file goes, since pppd read it when it started.
+    void release();
     int status();
     // {"PPP": {"Status": phase, "ConnectTime": seconds since system start at which the link came up}}.
     QVariantMap extendedStatus();

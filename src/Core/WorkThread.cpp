@@ -513,7 +513,9 @@ void WorkThread::applicationWillTerminate() {
         return;
     }
     dropDetectTimer();
-    if (_networkOperator->isConnected()) {
+    if (ApplicationShell::sharedShell().keepsLinkOnQuit()) {
+        _networkOperator->modemOperator().releaseConnection();
+    } else if (_networkOperator->isConnected()) {
         _networkOperator->disconnectNetwork();
     }
     ComOperation::GetInstance()->closeCom();

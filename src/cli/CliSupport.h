@@ -22,6 +22,7 @@ struct CliContext {
     std::string scenario;    // its scenario (file or shipped name); empty for the built-in one
     std::string devDir;      // --dev-dir: where the modem's ports are looked for
     double waitSeconds = 30; // --wait: how long event commands wait
+    bool waitGiven = false;  // whether --wait was given (commands that otherwise run until interrupted)
     int exitCode = EXIT_OK;  // set by the command that ran
 };
 

@@ -1,6 +1,7 @@
 #include "ConnectCommand.h"
 
-#include <QThread>
+#include <QEventLoop>
+#include <QTimer>
 
 #include <chrono>
 #include <csignal>
@@ -9,16 +10,17 @@
 
 #include "AppConfig.h"
 #include "BLRecords.h"
+#include "Connector/ConnectController.h"
+#include "ConvertUtilty.h"
 #include "GUIThreadAgent.h"
 #include "ModemSession.h"
+#include "Connector/ProfileSettingsController.h"
 #include "RecordJson.h"
 #include "StatusText.h"
+#include "Statistics/TrafficStatics.h"
 #include "WorkNotification.h"
 
 namespace {
-
-constexpr int kConnected = 2;
-constexpr int kDisconnected = 0;
 
 volatile std::sig_atomic_t g_interrupted = 0;
 
@@ -26,127 +28,363 @@ void OnInterrupt(int) {
     g_interrupted = 1;
 }
 
-// The profiles offered for the SIM: its own (chosen by IMSI and provider name) first, then the user's.
-// The default is the first user profile when the user set one, else the SIM's first.
-QList<APNInfo> OfferedProfiles(AppConfig& config, const QString& imsi, const QString& spn,
-                               int& defaultIndex) {
-    QList<APNInfo> offered = config.getFixApnByIMSI(imsi, spn);
-    defaultIndex =
-        config.isSetDefaultUserApn() && !config.isFromIMSI() ? static_cast<int>(offered.size()) : 0;
-    offered.append(config.getUserApnList());
-    return offered;
+// The connect controller of the desktop app, run by the tool: the SIM's profiles, the modem's dial-up
+// service, and the traffic history. run() turns the event loop until finish() is called, the deadline
+// passes (0: none) or the user interrupts; onTick runs every 100 ms for both.
+class ConnectorRun {
+public:
+    ConnectorRun(CliContext& context, ModemSession& session, AppConfig& config)
+        : _context(context), _session(session), _config(config), _traffic(config), _settings(config),
+          _controller(session.workTarget(), &config, &_traffic) {
+        // The service tool's command line is progress, never part of the output.
+        _controller.setEchoSink([](const QString& line) { ReportProgress(line.toStdString()); });
+        QObject::connect(&_controller, &ConnectController::serviceCreationFailed, [this] {
+            finish(ReportFailure(_context, WORKER_ERR_SERVICE_NOT_FOUND,
+                                 "the modem's dial-up service could not be created (it needs the rights to "
+                                 "write the pppd peers folder)"));
+        });
+    }
+
+    // Reads the SIM's identity and the network, chooses the SIM's profiles and tells the controller the
+    // roaming state. False once a failure is reported.
+    bool learnSim() {
+        const QVariantMap equipment = _session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
+        if (const int failed = _session.check(equipment, "reading the SIM's identity")) {
+            _context.exitCode = failed;
+            return false;
+        }
+        const auto info = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>();
+        AppConfig::DeviceInfo& device = _config.deviceInfo();
+        device.blOK = true;
+        device.strManufacturer = info.strManufacturer;
+        device.strModel = info.strModel;
+        device.strRevision = info.strRevision;
+        device.strSerialNumber = info.strSerialNumber;
+        device.strImsi = info.strImsi;
+        const QVariantMap network = _session.request(MESSAGE_NETWORK_GET_INFO);
+        const auto networkInfo = WorkNotification::GetValueObject(network).value<BLNetworkInfo>();
+        _settings.chooseProfilesForSIM(networkInfo.strSpName);
+        NotificationCenter::defaultCenter().post(NETWORK_UPDATE, nullptr,
+                                                 {{KEY_ROAMSTATE, networkInfo.nRoamState},
+                                                  {KEY_GPRSSTATE, networkInfo.nGprsState},
+                                                  {KEY_OPERATOR, networkInfo.strOperator}});
+        return true;
+    }
+
+    int run(double deadlineSeconds, const std::function<void()>& onTick) {
+        QEventLoop loop;
+        _loop = &loop;
+        QTimer tick;
+        tick.setInterval(100);
+        QObject::connect(&tick, &QTimer::timeout, [&] {
+            if (_finished)
+                return;
+            const bool late = deadlineSeconds > 0 && std::chrono::steady_clock::now() >= _deadline;
+            if (late && !_lateNoticed) {
+                _lateNoticed = true;
+                if (_onLate)
+                    _onLate();
+            }
+            if (onTick && !_finished)
+                onTick();
+        });
+        _deadline = std::chrono::steady_clock::now() +
+                    std::chrono::milliseconds(static_cast<long long>(deadlineSeconds * 1000));
+        tick.start();
+        if (!_finished)
+            loop.exec();
+        _loop = nullptr;
+        return _exitCode;
+    }
+
+    void finish(int exitCode) {
+        if (_finished)
+            return;
+        _finished = true;
+        _exitCode = exitCode;
+        if (_loop)
+            _loop->quit();
+    }
+    bool finished() const { return _finished; }
+    void onLate(std::function<void()> action) { _onLate = std::move(action); }
+
+    // Waits for the connector to be ready ("MESSAGE_MODEM_INIT" and the service it may create), then
+    // calls ready; the profile list is published by then.
+    void whenReady(std::function<void()> ready) {
+        NotificationCenter::defaultCenter().addObserver(CONNECTOR_READY, &_controller,
+                                                        [ready](const Notification&) { ready(); });
+        _controller.modemInit();
+    }
+
+    ConnectController& controller() { return _controller; }
+    ProfileSettingsController& settings() { return _settings; }
+
+private:
+    CliContext& _context;
+    ModemSession& _session;
+    AppConfig& _config;
+    TrafficStatics _traffic;
+    ProfileSettingsController _settings;
+    ConnectController _controller;
+    QEventLoop* _loop = nullptr;
+    std::chrono::steady_clock::time_point _deadline;
+    std::function<void()> _onLate;
+    bool _lateNoticed = false;
+    bool _finished = false;
+    int _exitCode = EXIT_OK;
+};
+
+// Calls the handler for every state the controller announces: 0 connecting, 1 disconnecting,
+// 2 connected, 3 disconnected.
+void OnAnnouncedState(QObject* receiver, std::function<void(int)> handler) {
+    NotificationCenter::defaultCenter().addObserver(CONNECT_STATE, receiver, [handler](const Notification& n) {
+        handler(n.userInfo.value(KEY_VALUE_OBJECT).toInt());
+    });
 }
 
-BLConnectDialinfo DialInfoFrom(const APNInfo& profile) {
-    BLConnectDialinfo info;
-    info.strDialNumber = profile.strDialNum;
-    info.strAccountName = profile.strUserName;
-    info.strPassword = profile.strPassword;
-    info.strAPN = profile.strApn;
-    info.strDNS1 = profile.strDNS1;
-    info.strDNS2 = profile.strDNS2;
-    info.authType = profile.nAuthType;
-    return info;
+void OnStatistics(QObject* receiver, std::function<void(const Notification&)> handler) {
+    NotificationCenter::defaultCenter().addObserver(NOTIFY_TRAFFIC_STATISTICS, receiver, std::move(handler));
 }
 
-int ConnectStatus(ModemSession& session) {
-    const QVariantMap response = session.request(MESSAGE_CONNECT_STATUS);
-    return WorkNotification::GetErrorCode(response) == WORKER_OK
-               ? WorkNotification::GetValueObject(response).toInt()
-               : -1;
+BLConnectStatistics SampleOf(const Notification& notification) {
+    return notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS).value<BLConnectStatistics>();
 }
 
-int Connect(CliContext& context, ModemSession& session, const std::string& wanted) {
+std::string Bytes(quint64 bytes) {
+    return (ConvertUtilty::byte2String(bytes) + QStringLiteral("B")).toStdString();
+}
+
+void PrintSample(const CliContext& context, int state, const Notification& notification) {
+    const BLConnectStatistics sample = SampleOf(notification);
+    const QString up = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_UPDATA_RATE).toString();
+    const QString down = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString();
+    if (context.json) {
+        nlohmann::json line = VariantToJson(QVariant::fromValue(sample));
+        line["connectStatus"] = state;
+        line[KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_UPDATA_RATE.toStdString()] = up.toStdString();
+        line[KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE.toStdString()] = down.toStdString();
+        std::printf("%s\n", line.dump().c_str());
+    } else {
+        std::printf("%-13s %s  sent %s  received %s  up %s  down %s\n", ConnectStatusText(state).c_str(),
+                    ConvertUtilty::secondToTimeFormat(sample.nDurationSeconds).toUtf8().constData(),
+                    Bytes(sample.nSentBytes).c_str(), Bytes(sample.nReceivedBytes).c_str(),
+                    up.toUtf8().constData(), down.toUtf8().constData());
+    }
+    std::fflush(stdout);
+}
+
+void CatchInterrupts() {
+    g_interrupted = 0;
+    std::signal(SIGINT, OnInterrupt);
+    std::signal(SIGTERM, OnInterrupt);
+}
+
+// The offered entry named by the user: its name (any case), or its 1-based number in the offered list.
+int FindProfile(const QList<APNInfo>& offered, const std::string& wanted) {
+    const QString name = QString::fromStdString(wanted);
+    for (qsizetype i = 0; i < offered.size(); ++i) {
+        if (offered[i].strAccount.compare(name, Qt::CaseInsensitive) == 0)
+            return static_cast<int>(i);
+    }
+    bool number = false;
+    const int position = name.toInt(&number);
+    return number && position >= 1 && position <= offered.size() ? position - 1 : -1;
+}
+
+int Connect(CliContext& context, ModemSession& session, const std::string& wanted, bool hold) {
     AppConfig* config = ApplicationShell::sharedShell().appConfig();
     if (!config)
         return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
-    const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
-    if (const int failed = session.check(equipment, "reading the SIM's IMSI"))
-        return failed;
-    const QString imsi = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>().strImsi;
-    const QVariantMap network = session.request(MESSAGE_NETWORK_GET_INFO);
-    const QString spn = WorkNotification::GetValueObject(network).value<BLNetworkInfo>().strSpName;
+    ConnectorRun run(context, session, *config);
+    if (!run.learnSim())
+        return context.exitCode;
+    ConnectController& controller = run.controller();
+    bool dialled = false;
 
-    int index = 0;
-    const QList<APNInfo> offered = OfferedProfiles(*config, imsi, spn, index);
-    if (!wanted.empty()) {
-        index = -1;
-        for (qsizetype i = 0; i < offered.size() && index < 0; ++i) {
-            if (offered[i].strAccount.compare(QString::fromStdString(wanted), Qt::CaseInsensitive) == 0)
-                index = static_cast<int>(i);
+    QObject::connect(&controller, &ConnectController::warningRequested, [&] {
+        run.finish(ReportFailure(context, WORKER_ERR_GENERAL,
+                                 "no connection profile for this SIM: add one with \"dialtone profiles add\""));
+    });
+    run.whenReady([&] {
+        if (!wanted.empty()) {
+            const int index = FindProfile(controller.offeredProfiles(), wanted);
+            if (index < 0) {
+                run.finish(ReportFailure(context, WORKER_ERR_GENERAL,
+                                         "no profile \"" + wanted + "\" for this SIM (see \"dialtone profiles list\")"));
+                return;
+            }
+            controller.selectProfileIndex(index);
         }
-        bool number = false;
-        const int position = QString::fromStdString(wanted).toInt(&number);
-        if (index < 0 && number && position >= 1 && position <= offered.size())
-            index = position - 1;
-        if (index < 0)
-            return ReportFailure(context, WORKER_ERR_GENERAL, "no profile \"" + wanted + "\" for this SIM");
-    }
-    if (index >= offered.size())
-        return ReportFailure(context, WORKER_ERR_GENERAL, "no connection profile for this SIM");
-    const APNInfo& profile = offered[index];
-    ReportProgress("Connecting with \"" + profile.strAccount.toStdString() + "\" (APN " +
-                   profile.strApn.toStdString() + ")...");
+        const int index = controller.selectedIndex();
+        if (index >= 0 && index < controller.offeredProfiles().size()) {
+            const APNInfo& profile = controller.offeredProfiles()[index];
+            ReportProgress("Connecting with \"" + profile.strAccount.toStdString() + "\" (APN " +
+                           profile.strApn.toStdString() + ")...");
+        }
+        dialled = true;
+        controller.actionForButtonConnect();
+    });
+    OnAnnouncedState(&controller, [&](int state) {
+        if (state == ConnectController::kAnnounceConnected) {
+            const QString name = controller.lastDialedProfile() ? controller.lastDialedProfile()->strAccount : "";
+            if (context.json)
+                PrintJson({{"strAccount", name.toStdString()}, {"connectStatus", ConnectController::kConnected}});
+            else if (hold)
+                std::printf("Connected with \"%s\"; press Ctrl-C to hang up\n", name.toUtf8().constData());
+            else
+                std::printf("Connected with \"%s\"; \"dialtone disconnect\" hangs up\n", name.toUtf8().constData());
+            std::fflush(stdout);
+            if (!hold)
+                run.finish(EXIT_OK);
+        } else if (state == ConnectController::kAnnounceDisconnected && dialled) {
+            const bool wasUp = controller.latestStatistics().nDurationSeconds > 0 || g_interrupted;
+            if (g_interrupted)
+                run.finish(EXIT_OK);
+            else
+                run.finish(ReportFailure(context, WORKER_ERR_GENERAL,
+                                         wasUp ? "the connection ended"
+                                               : "the connection did not come up (see --debug for pppd's exit)"));
+        }
+    });
+    OnStatistics(&controller, [&](const Notification& n) {
+        if (controller.connectState() == ConnectController::kConnecting)
+            ReportProgress("connecting... " +
+                           ConvertUtilty::secondToTimeFormat(SampleOf(n).nDurationSeconds).toStdString());
+    });
+    CatchInterrupts();
+    bool hangingUp = false;
+    const auto hangUp = [&] {
+        if (hangingUp)
+            return;
+        hangingUp = true;
+        if (controller.connectState() == ConnectController::kConnecting ||
+            controller.connectState() == ConnectController::kConnected)
+            controller.actionForButtonConnect();
+        else
+            run.finish(context.exitCode);
+    };
+    run.onLate([&] {
+        if (controller.connectState() != ConnectController::kConnected || !hold) {
+            if (!dialled) {
+                run.finish(ReportFailure(context, WORKER_ERR_SERVICE_NOT_FOUND,
+                                         "the modem's dial-up service was not found"));
+                return;
+            }
+            context.exitCode = ReportFailure(context, WORKER_ERR_GENERAL, "the connection did not come up in time");
+            hangUp();
+        }
+    });
+    const int exitCode = run.run(hold ? 0 : context.waitSeconds, [&] {
+        if (g_interrupted)
+            hangUp();
+    });
+    // A held link's traffic goes into the history when the program ends.
+    if (hold)
+        controller.applicationWillTerminate();
+    return exitCode;
+}
 
-    const QVariantMap dialed =
-        session.request(MESSAGE_CONNECT_DIALUP, QVariant::fromValue(DialInfoFrom(profile)));
-    if (const int failed = session.check(dialed, "dialling"))
-        return failed;
+// Ends the link, wherever it was started, and records its traffic.
+int Disconnect(CliContext& context, ModemSession& session) {
+    AppConfig* config = ApplicationShell::sharedShell().appConfig();
+    if (!config)
+        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
+    ConnectorRun run(context, session, *config);
+    ConnectController& controller = run.controller();
+    BLConnectStatistics last;
+    bool hangingUp = false;
+    run.whenReady([&] { controller.actionTimerStatusChecker(); });
+    OnStatistics(&controller, [&](const Notification& n) {
+        if (hangingUp)
+            return;
+        const int state = controller.connectState();
+        if (state != ConnectController::kConnecting && state != ConnectController::kConnected) {
+            if (context.json)
+                PrintJson({{"connectStatus", state}});
+            else
+                std::printf("Not connected\n");
+            run.finish(EXIT_OK);
+            return;
+        }
+        last = SampleOf(n);
+        hangingUp = true;
+        ReportProgress("Hanging up...");
+        controller.actionForButtonConnect();
+    });
+    OnAnnouncedState(&controller, [&](int state) {
+        if (state != ConnectController::kAnnounceDisconnected || !hangingUp)
+            return;
+        if (context.json) {
+            nlohmann::json done = VariantToJson(QVariant::fromValue(last));
+            done["connectStatus"] = ConnectController::kDisconnected;
+            PrintJson(done);
+        } else {
+            std::printf("Disconnected after %s: sent %s, received %s\n",
+                        ConvertUtilty::secondToTimeFormat(last.nDurationSeconds).toUtf8().constData(),
+                        Bytes(last.nSentBytes).c_str(), Bytes(last.nReceivedBytes).c_str());
+        }
+        run.finish(EXIT_OK);
+    });
+    run.onLate([&] {
+        run.finish(ReportFailure(context, WORKER_ERR_GENERAL,
+                                 hangingUp ? "the link did not end in time" : "the modem's dial-up service was not found"));
+    });
+    return run.run(context.waitSeconds, {});
+}
 
-    // The link belongs to this process: hold it until interrupted, or until it ends by itself.
-    std::signal(SIGINT, OnInterrupt);
-    std::signal(SIGTERM, OnInterrupt);
-    const auto deadline = std::chrono::steady_clock::now() +
-                          std::chrono::milliseconds(static_cast<long long>(context.waitSeconds * 1000));
-    int status = ConnectStatus(session);
-    while (status != kConnected && !g_interrupted && std::chrono::steady_clock::now() < deadline) {
-        QThread::msleep(250);
-        status = ConnectStatus(session);
-    }
-    if (status != kConnected) {
-        session.request(MESSAGE_CONNECT_DISCONNECT);
-        return ReportFailure(context, WORKER_ERR_GENERAL,
-                             g_interrupted ? "interrupted while connecting"
-                                           : "the connection did not come up");
-    }
-    if (context.json)
-        PrintJson({{"strAccount", profile.strAccount.toStdString()}, {"connectStatus", status}});
-    else
-        std::printf("Connected with \"%s\"; press Ctrl-C to hang up\n",
-                    profile.strAccount.toUtf8().constData());
-    std::fflush(stdout);
-    while (!g_interrupted && status == kConnected) {
-        QThread::msleep(500);
-        status = ConnectStatus(session);
-    }
-    session.request(MESSAGE_CONNECT_DISCONNECT);
-    if (!g_interrupted && status != kDisconnected)
-        return ReportFailure(context, WORKER_ERR_GENERAL,
-                             "the connection ended: " + ConnectStatusText(status));
-    return EXIT_OK;
+// Shows the link once a second until it ends, the time given with --wait passes, or Ctrl-C.
+int Monitor(CliContext& context, ModemSession& session) {
+    AppConfig* config = ApplicationShell::sharedShell().appConfig();
+    if (!config)
+        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
+    ConnectorRun run(context, session, *config);
+    if (!run.learnSim())
+        return context.exitCode;
+    ConnectController& controller = run.controller();
+    bool seenLink = false;
+    run.whenReady([&] { controller.actionTimerStatusChecker(); });
+    OnStatistics(&controller, [&](const Notification& n) {
+        const int state = controller.connectState();
+        const bool up = state == ConnectController::kConnecting || state == ConnectController::kConnected;
+        if (!up && !seenLink) {
+            run.finish(ReportFailure(context, WORKER_ERR_GENERAL, "not connected (\"dialtone connect\" dials)"));
+            return;
+        }
+        seenLink = true;
+        PrintSample(context, state, n);
+    });
+    OnAnnouncedState(&controller, [&](int state) {
+        if (state == ConnectController::kAnnounceDisconnected && seenLink) {
+            if (!context.json)
+                std::printf("The connection ended\n");
+            run.finish(EXIT_OK);
+        }
+    });
+    CatchInterrupts();
+    run.onLate([&] { run.finish(seenLink ? EXIT_OK : ReportFailure(context, WORKER_ERR_SERVICE_NOT_FOUND,
+                                                                   "the modem's dial-up service was not found")); });
+    return run.run(context.waitGiven ? context.waitSeconds : 0, [&] {
+        if (g_interrupted)
+            run.finish(EXIT_OK);
+    });
 }
 
 } // namespace
 
 void AddConnectCommand(CLI::App& app, CliContext& context) {
     auto profile = std::make_shared<std::string>();
-    CLI::App* connect =
-        app.add_subcommand("connect", "Connect with the SIM's profile and hold the connection");
-    connect->add_option("PROFILE", *profile, "The profile's name, or its number in the offered list");
-    connect->callback([&context, profile] {
-        context.exitCode =
-            RunInSession(context, [&](ModemSession& s) { return Connect(context, s, *profile); });
+    auto hold = std::make_shared<bool>(false);
+    CLI::App* connect = app.add_subcommand("connect", "Connect with the SIM's profile");
+    connect->add_option("PROFILE", *profile, "The profile's name, or its number in \"dialtone profiles list\"");
+    connect->add_flag("--hold", *hold, "Stay in the foreground, record the traffic, hang up on Ctrl-C");
+    connect->callback([&context, profile, hold] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Connect(context, s, *profile, *hold); });
     });
-    app.add_subcommand("disconnect", "Hang up")->callback([&context] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
-            const QVariantMap response = s.request(MESSAGE_CONNECT_DISCONNECT);
-            if (const int failed = s.check(response, "hanging up"))
-                return failed;
-            if (context.json)
-                PrintJson(MapToJson(response));
-            else
-                std::printf("Disconnected\n");
-            return EXIT_OK;
+    app.add_subcommand("disconnect", "Hang up, and record the connection's traffic")->callback([&context] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Disconnect(context, s); });
+    });
+    app.add_subcommand("monitor", "Show the connection's time, bytes and rates once a second")
+        ->callback([&context] {
+            context.exitCode = RunInSession(context, [&](ModemSession& s) { return Monitor(context, s); });
         });
-    });
 }

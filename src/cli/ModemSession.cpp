@@ -305,6 +305,10 @@ ModemSession::~ModemSession() {
     _simulator.stop();
 }
 
+DeviceWorkRequestInterface* ModemSession::workTarget() const {
+    return _agent ? _agent->workThread() : nullptr;
+}
+
 bool ModemSession::open() {
     if (!QCoreApplication::instance()) {
         static int argc = 1;
@@ -324,6 +328,9 @@ bool ModemSession::open() {
     } else if (!_context.devDir.empty()) {
         qputenv("DIALTONE_DEV_DIR", QByteArray::fromStdString(_context.devDir));
     }
+
+    // A link started by "dialtone connect" stays up when the tool exits; "dialtone disconnect" ends it.
+    ApplicationShell::sharedShell().setKeepsLinkOnQuit(true);
 
     // The delegate is the sender of every request; the ready callback only runs with one.
     _delegate = std::make_unique<QObject>();

@@ -12,6 +12,7 @@
 
 #include "CliSupport.h"
 
+class DeviceWorkRequestInterface;
 class GUIThreadAgent;
 class QCoreApplication;
 class QObject;
@@ -67,6 +68,9 @@ public:
     // Sends one request and returns its response dictionary. An invalid argument sends no "VALUE_OBJECT".
     QVariantMap request(const QString& name, const QVariant& argument = {},
                         int deadlineSeconds = kDefaultDeadlineSeconds);
+
+    // The worker's request end, for controllers that send asynchronous requests; null before open().
+    DeviceWorkRequestInterface* workTarget() const;
 
     // The response's "ERROR_CODE" reported as a failure of what was tried (text and code on standard
     // error, the error object with --json); EXIT_FAILED, or EXIT_OK when the code is 0.

@@ -36,6 +36,8 @@ int Status(CliContext& context, ModemSession& session) {
         return failed;
     const auto diag = WorkNotification::GetValueObject(diagResponse).value<BLDiagInfo>();
     const QVariantMap pinResponse = session.request(MESSAGE_PIN_CHECK_STATE);
+    // The dial-up service must be known before its link shows, also one started by an earlier run.
+    session.request(MESSAGE_MODEM_INIT);
     const QVariantMap connectResponse = session.request(MESSAGE_CONNECT_STATUS);
     const int connectStatus = WorkNotification::GetValueObject(connectResponse).toInt();
 

@@ -15,8 +15,10 @@
 #include "NetworkCommand.h"
 #include "PduCommand.h"
 #include "PinCommand.h"
+#include "ProfilesCommand.h"
 #include "RequestCommand.h"
 #include "SmsCommand.h"
+#include "StatsCommand.h"
 #include "StatusCommand.h"
 #include "UssdCommand.h"
 
@@ -45,6 +47,8 @@ int main(int argc, char** argv) {
     AddPinCommand(app, context);
     AddNetworkCommand(app, context);
     AddConnectCommand(app, context);
+    AddProfilesCommand(app, context);
+    AddStatsCommand(app, context);
     AddPduCommand(app, context);
     AddSmsCommand(app, context);
     AddContactsCommand(app, context);
@@ -55,6 +59,7 @@ int main(int argc, char** argv) {
     app.parse_complete_callback([&context, &app] {
         SetDebugSink(context.debug ? stderr : nullptr);
         context.simulate = app.count("--simulate") > 0;
+        context.waitGiven = app.count("--wait") > 0;
     });
     try {
         app.parse(argc, argv);

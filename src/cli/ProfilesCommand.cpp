@@ -1,0 +1,251 @@
+#include "ProfilesCommand.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <unistd.h>
+
+#include "AppConfig.h"
+#include "BLRecords.h"
+#include "GUIThreadAgent.h"
+#include "ModemSession.h"
+#include "Connector/ProfileSettingsController.h"
+#include "WorkNotification.h"
+
+namespace {
+
+struct NewProfile {
+    std::string name;
+    std::string apn;
+    std::string number = "*99#";
+    std::string user;
+    std::string auth = "any";
+    std::string dns1;
+    std::string dns2;
+    bool passwordFromStdin = false;
+    bool makeDefault = false;
+};
+
+// The profiles offered for the SIM in the modem: the ones its IMSI chose from the operator database, then
+// the user's. Numbers are 1-based positions in that list, as "dialtone connect" takes them.
+struct OfferedList {
+    QList<APNInfo> profiles;
+    qsizetype simCount = 0;
+    QString imsi;
+};
+
+bool LoadOffered(CliContext& context, ModemSession& session, AppConfig& config,
+                 ProfileSettingsController& settings, OfferedList& list) {
+    const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
+    if (const int failed = session.check(equipment, "reading the SIM's identity")) {
+        context.exitCode = failed;
+        return false;
+    }
+    const auto info = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>();
+    config.deviceInfo().blOK = true;
+    config.deviceInfo().strImsi = info.strImsi;
+    const QVariantMap network = session.request(MESSAGE_NETWORK_GET_INFO);
+    settings.chooseProfilesForSIM(WorkNotification::GetValueObject(network).value<BLNetworkInfo>().strSpName);
+    list.profiles = settings.offeredProfiles();
+    list.simCount = settings.perSimProfiles() ? settings.perSimProfiles()->size() : 0;
+    list.imsi = info.strImsi;
+    return true;
+}
+
+// The list index (the 90000 rule) of a number in the offered list; -1 when it names nothing.
+int ConfigIndex(const OfferedList& list, int number) {
+    if (number < 1 || number > list.profiles.size())
+        return -1;
+    const int position = number - 1;
+    return position < list.simCount ? AppConfig::kIMSIListIndexBase + position
+                                    : position - static_cast<int>(list.simCount);
+}
+
+int List(CliContext& context, ModemSession& session) {
+    AppConfig* config = ApplicationShell::sharedShell().appConfig();
+    if (!config)
+        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
+    ProfileSettingsController settings(*config);
+    OfferedList list;
+    if (!LoadOffered(context, session, *config, settings, list))
+        return context.exitCode;
+    // Without a default of the user's own, the SIM's first profile is the one dialled.
+    const bool userDefault = config->isSetDefaultUserApn() && !config->isFromIMSI();
+    const bool simDefault = config->isSetDefaultUserApn() && config->isFromIMSI();
+    const qsizetype defaultPosition = userDefault ? list.simCount : 0;
+    nlohmann::json rows = nlohmann::json::array();
+    for (qsizetype i = 0; i < list.profiles.size(); ++i) {
+        const APNInfo& p = list.profiles[i];
+        const bool fromSim = i < list.simCount;
+        const bool isDefault = i == defaultPosition && (userDefault || simDefault || list.simCount > 0);
+        rows.push_back({{"number", i + 1},
+                        {"strAccount", p.strAccount.toStdString()},
+                        {"strApn", p.strApn.toStdString()},
+                        {"strDialNum", p.strDialNum.toStdString()},
+                        {"strUserName", p.strUserName.toStdString()},
+                        {"nAuthType", p.nAuthType},
+                        {"fromSim", fromSim},
+                        {"default", isDefault}});
+    }
+    if (context.json) {
+        PrintJson({{"strImsi", list.imsi.toStdString()}, {"profiles", rows}});
+        return EXIT_OK;
+    }
+    if (rows.empty()) {
+        std::printf("No profiles for this SIM; add one with \"dialtone profiles add NAME APN\"\n");
+        return EXIT_OK;
+    }
+    std::printf("  #  %-28s %-24s %-8s %s\n", "Name", "APN", "Number", "");
+    for (const auto& row : rows) {
+        std::string notes;
+        if (row["fromSim"].get<bool>())
+            notes += "[for this SIM]";
+        if (row["default"].get<bool>())
+            notes += notes.empty() ? "[default]" : " [default]";
+        std::printf("%3d  %-28s %-24s %-8s %s\n", row["number"].get<int>(),
+                    row["strAccount"].get<std::string>().c_str(), row["strApn"].get<std::string>().c_str(),
+                    row["strDialNum"].get<std::string>().c_str(), notes.c_str());
+    }
+    return EXIT_OK;
+}
+
+// Profile fields end up in a pppd options file; line breaks and zero bytes cannot be passed on.
+bool Printable(const std::string& text) {
+    for (const char c : text) {
+        if (c == '\n' || c == '\r' || c == '\0')
+            return false;
+    }
+    return true;
+}
+
+int Add(CliContext& context, const NewProfile& input) {
+    for (const std::string* field : {&input.name, &input.apn, &input.number, &input.user, &input.dns1, &input.dns2}) {
+        if (!Printable(*field))
+            return ReportUsage("profile fields cannot hold line breaks");
+    }
+    if (input.name.empty())
+        return ReportUsage("the profile needs a name");
+    APNInfo profile;
+    profile.strAccount = QString::fromStdString(input.name);
+    profile.strApn = QString::fromStdString(input.apn);
+    profile.strDialNum = QString::fromStdString(input.number);
+    profile.strUserName = QString::fromStdString(input.user);
+    profile.nAuthType = input.auth == "pap" ? 1 : input.auth == "chap" ? 2 : 0;
+    if (!input.dns1.empty())
+        profile.strDNS1 = QString::fromStdString(input.dns1);
+    if (!input.dns2.empty())
+        profile.strDNS2 = QString::fromStdString(input.dns2);
+    if (input.passwordFromStdin) {
+        // One line from standard input, so the password never shows in a process list.
+        if (isatty(STDIN_FILENO))
+            std::fprintf(stderr, "Password: ");
+        std::string password;
+        std::getline(std::cin, password);
+        if (!password.empty() && password.back() == '\r')
+            password.pop_back();
+        if (!Printable(password))
+            return ReportUsage("the password cannot hold line breaks");
+        profile.strPassword = QString::fromStdString(password);
+    }
+    AppConfig config;
+    ProfileSettingsController settings(config);
+    settings.addProfile(profile);
+    const int index = static_cast<int>(config.getUserApnList().size()) - 1;
+    if (index < 0 || config.getUserApnList().at(index) != profile)
+        return ReportFailure(context, WORKER_ERR_GENERAL, "the profile could not be saved");
+    if (input.makeDefault)
+        settings.setDefaultProfile(index);
+    if (context.json)
+        PrintJson({{"strAccount", input.name}, {"default", input.makeDefault}});
+    else
+        std::printf("Added \"%s\"%s\n", input.name.c_str(), input.makeDefault ? " as the default" : "");
+    return EXIT_OK;
+}
+
+int SetDefault(CliContext& context, ModemSession& session, int number) {
+    AppConfig* config = ApplicationShell::sharedShell().appConfig();
+    if (!config)
+        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
+    ProfileSettingsController settings(*config);
+    OfferedList list;
+    if (!LoadOffered(context, session, *config, settings, list))
+        return context.exitCode;
+    const int index = ConfigIndex(list, number);
+    if (index < 0 || !settings.setDefaultProfile(index))
+        return ReportUsage("no profile number " + std::to_string(number) + " (see \"dialtone profiles list\")");
+    const QString name = list.profiles[number - 1].strAccount;
+    if (context.json)
+        PrintJson({{"strAccount", name.toStdString()}, {"default", true}});
+    else
+        std::printf("\"%s\" is the default profile\n", name.toUtf8().constData());
+    return EXIT_OK;
+}
+
+int Delete(CliContext& context, ModemSession& session, int number) {
+    AppConfig* config = ApplicationShell::sharedShell().appConfig();
+    if (!config)
+        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
+    ProfileSettingsController settings(*config);
+    OfferedList list;
+    if (!LoadOffered(context, session, *config, settings, list))
+        return context.exitCode;
+    const int index = ConfigIndex(list, number);
+    if (index >= AppConfig::kIMSIListIndexBase)
+        return ReportUsage("profile " + std::to_string(number) +
+                           " comes with the SIM and cannot be deleted; choose another default instead");
+    const QString name = index >= 0 ? list.profiles[number - 1].strAccount : QString();
+    if (index < 0 || !settings.deleteProfile(index))
+        return ReportUsage("no profile number " + std::to_string(number) + " (see \"dialtone profiles list\")");
+    if (context.json)
+        PrintJson({{"strAccount", name.toStdString()}, {"deleted", true}});
+    else
+        std::printf("Deleted \"%s\"\n", name.toUtf8().constData());
+    return EXIT_OK;
+}
+
+} // namespace
+
+void AddProfilesCommand(CLI::App& app, CliContext& context) {
+    CLI::App* profiles = app.add_subcommand("profiles", "Connection profiles (APN, number, account)");
+    profiles->require_subcommand(1);
+
+    profiles->add_subcommand("list", "The profiles offered for the SIM, the default marked")->callback([&context] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) { return List(context, s); });
+    });
+
+    auto input = std::make_shared<NewProfile>();
+    CLI::App* add = profiles->add_subcommand("add", "Add a profile of your own");
+    add->add_option("NAME", input->name, "The name shown for it")->required();
+    add->add_option("APN", input->apn, "The access point name")->required();
+    add->add_option("--number", input->number, "The number dialled (default *99#)");
+    add->add_option("--user", input->user, "The account's user name");
+    add->add_flag("--password-stdin", input->passwordFromStdin, "Read the account's password from standard input");
+    add->add_option("--auth", input->auth, "Authentication: any, pap or chap")
+        ->check(CLI::IsMember({"any", "pap", "chap"}));
+    add->add_option("--dns1", input->dns1, "First name server (default: the network's)");
+    add->add_option("--dns2", input->dns2, "Second name server");
+    add->add_flag("--default", input->makeDefault, "Make it the default");
+    add->callback([&context, input] {
+        if (!QCoreApplication::instance()) {
+            static int argc = 1;
+            static char name[] = "dialtone";
+            static char* argv[] = {name, nullptr};
+            static QCoreApplication application(argc, argv);
+        }
+        context.exitCode = Add(context, *input);
+    });
+
+    auto number = std::make_shared<int>(0);
+    CLI::App* setDefault = profiles->add_subcommand("default", "Make a profile the default");
+    setDefault->add_option("NUMBER", *number, "Its number in \"dialtone profiles list\"")->required();
+    setDefault->callback([&context, number] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) { return SetDefault(context, s, *number); });
+    });
+    CLI::App* remove = profiles->add_subcommand("delete", "Delete a profile of your own");
+    remove->add_option("NUMBER", *number, "Its number in \"dialtone profiles list\"")->required();
+    remove->callback([&context, number] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Delete(context, s, *number); });
+    });
+}

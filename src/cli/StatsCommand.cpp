@@ -1,0 +1,161 @@
+#include "StatsCommand.h"
+
+#include <QDate>
+#include <QRegularExpression>
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "AppConfig.h"
+#include "ConvertUtilty.h"
+#include "GUIThreadAgent.h"
+#include "Statistics/StatisticsController.h"
+
+namespace {
+
+using nlohmann::json;
+
+constexpr int kDefaultDays = 30;
+
+struct StatsArguments {
+    std::string from;
+    std::string to;
+    bool history = false;
+};
+
+// The one configuration object of the process, made here when no other command made it.
+AppConfig& Config() {
+    ApplicationShell& shell = ApplicationShell::sharedShell();
+    if (shell.appConfig() == nullptr)
+        shell.setAppConfig(std::make_unique<AppConfig>());
+    return *shell.appConfig();
+}
+
+std::optional<QDate> ParseDay(const std::string& text) {
+    static const QRegularExpression form(QStringLiteral("^\\d{4}-\\d{2}-\\d{2}$"));
+    const QString value = QString::fromStdString(text);
+    if (!form.match(value).hasMatch())
+        return std::nullopt;
+    const QDate date = QDate::fromString(value, QStringLiteral("yyyy-MM-dd"));
+    return date.isValid() ? std::optional<QDate>(date) : std::nullopt;
+}
+
+// As the statistics view shows a count: "1023 B", "1.5 KB", "2.000 GB".
+std::string Bytes(quint64 bytes) {
+    return (ConvertUtilty::byte2String(bytes) + QStringLiteral("B")).toStdString();
+}
+
+std::string DateText(const QDateTime& date) {
+    return date.toLocalTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")).toStdString();
+}
+
+json DayCounters(const _TrafficStaticsItem& item) {
+    return {{TrafficStatics::kNoRoamingSendKey.toStdString(), item.noRoamingSendBytes},
+            {TrafficStatics::kNoRoamingReceiveKey.toStdString(), item.noRoamingReceiveBytes},
+            {TrafficStatics::kRoamingSendKey.toStdString(), item.roamingSendBytes},
+            {TrafficStatics::kRoamingReceiveKey.toStdString(), item.roamingReceiveBytes}};
+}
+
+json ResetDateJson(const QDateTime& date) {
+    return date.isValid() ? json(date.toString(Qt::ISODate).toStdString()) : json(nullptr);
+}
+
+void PrintRow(const std::string& day, const _TrafficStaticsItem& item) {
+    std::printf("%-12s %12s %12s %14s %16s\n", day.c_str(), Bytes(item.noRoamingSendBytes).c_str(),
+                Bytes(item.noRoamingReceiveBytes).c_str(), Bytes(item.roamingSendBytes).c_str(),
+                Bytes(item.roamingReceiveBytes).c_str());
+}
+
+int Show(const CliContext& context, const StatsArguments& arguments) {
+    std::optional<QDate> from;
+    std::optional<QDate> to;
+    if (!arguments.from.empty() && !(from = ParseDay(arguments.from)))
+        return ReportUsage("--from: \"" + arguments.from + "\" is not a valid date (YYYY-MM-DD)");
+    if (!arguments.to.empty() && !(to = ParseDay(arguments.to)))
+        return ReportUsage("--to: \"" + arguments.to + "\" is not a valid date (YYYY-MM-DD)");
+    // Without --to the range ends today; without --from it covers the 30 days up to its end.
+    if (!to)
+        to = QDate::currentDate();
+    if (!from)
+        from = to->addDays(1 - kDefaultDays);
+    if (*from > *to)
+        return ReportUsage("--from " + from->toString(Qt::ISODate).toStdString() + " is after --to " +
+                           to->toString(Qt::ISODate).toStdString());
+
+    StatisticsController controller(Config());
+    const StatisticsRange range = controller.rangeStatistics(*from, *to);
+    const StatisticsSinceReset since = controller.sinceReset();
+
+    if (context.json) {
+        json days = json::array();
+        for (const StatisticsDayRow& row : range.rows) {
+            json day = DayCounters(row.item);
+            day["day"] = row.strDay.toStdString();
+            days.push_back(day);
+        }
+        PrintJson({{"from", from->toString(Qt::ISODate).toStdString()},
+                   {"to", to->toString(Qt::ISODate).toStdString()},
+                   {"days", days},
+                   {"total", DayCounters(range.total)},
+                   {"sinceReset",
+                    {{TrafficStatics::kNoRoamingSendKey.toStdString(), since.sentBytes},
+                     {TrafficStatics::kNoRoamingReceiveKey.toStdString(), since.receivedBytes},
+                     {TrafficStatics::kConnectTimeKey.toStdString(), since.connectTimeSeconds},
+                     {TrafficStatics::kResetTimeKey.toStdString(), ResetDateJson(since.resetDate)}}}});
+        return EXIT_OK;
+    }
+
+    std::printf("Traffic from %s to %s\n", qPrintable(from->toString(Qt::ISODate)),
+                qPrintable(to->toString(Qt::ISODate)));
+    std::printf("%-12s %12s %12s %14s %16s\n", "Day", "Sent", "Received", "Roaming sent", "Roaming received");
+    for (const StatisticsDayRow& row : range.rows)
+        PrintRow(row.strDay.toStdString(), row.item);
+    if (range.rows.isEmpty())
+        std::printf("(no traffic recorded on these days)\n");
+    PrintRow("Total", range.total);
+    std::printf("\n%s: sent %s, received %s, connection time %s\n",
+                since.resetDate.isValid() ? ("Since the last reset on " + DateText(since.resetDate)).c_str()
+                                          : "Since the first use (never reset)",
+                Bytes(since.sentBytes).c_str(), Bytes(since.receivedBytes).c_str(),
+                qPrintable(ConvertUtilty::secondToTimeFormat(since.connectTimeSeconds)));
+    return EXIT_OK;
+}
+
+int Reset(const CliContext& context, bool history) {
+    StatisticsController controller(Config());
+    if (!controller.resetTotals())
+        return ReportFailure(context, EXIT_FAILED,
+                             "the totals could not be reset: the settings were not written");
+    if (history && !controller.deleteHistory())
+        return ReportFailure(context, EXIT_FAILED,
+                             "the totals were reset, but the day history could not be deleted");
+    const QDateTime resetDate = controller.sinceReset().resetDate;
+    if (context.json) {
+        PrintJson({{TrafficStatics::kResetTimeKey.toStdString(), ResetDateJson(resetDate)},
+                   {"historyDeleted", history}});
+    } else {
+        std::printf("The totals since the last reset are zero now (reset on %s); the day history was %s.\n",
+                    DateText(resetDate).c_str(), history ? "deleted" : "kept");
+    }
+    return EXIT_OK;
+}
+
+} // namespace
+
+void AddStatsCommand(CLI::App& app, CliContext& context) {
+    auto arguments = std::make_shared<StatsArguments>();
+    CLI::App* stats = app.add_subcommand(
+        "stats", "Traffic per day and since the last reset, as kept on this computer (no modem needed)");
+    stats->add_option("--from", arguments->from, "First day, YYYY-MM-DD (default: 29 days before --to)");
+    stats->add_option("--to", arguments->to, "Last day, YYYY-MM-DD (default: today)");
+
+    CLI::App* reset = stats->add_subcommand(
+        "reset", "Set the totals since the last reset to zero; the day history is kept unless --history");
+    reset->add_flag("--history", arguments->history, "Also delete the whole day history");
+
+    stats->callback([&context, arguments, reset] {
+        context.exitCode = reset->parsed() ? Reset(context, arguments->history) : Show(context, *arguments);
+    });
+}

@@ -1,0 +1,177 @@
+// The dialtone tool's connection commands against the simulated modem and the stand-in pppd: profiles,
+// connect, monitor, disconnect, and the traffic history they leave.
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "CliTestSupport.h"
+
+namespace {
+
+using clitest::Outcome;
+using clitest::Parse;
+using clitest::RunDialtone;
+using clitest::SimulatedModem;
+using clitest::TempDir;
+using nlohmann::json;
+
+// The simulated stick with pppd's folders of its own: peers, pid files and interface counters.
+class ConnectWorld {
+public:
+    ConnectWorld() {
+        for (const char* folder : {"/peers", "/run", "/net"})
+            std::filesystem::create_directories(ppp.path + folder);
+    }
+
+    Outcome run(const std::vector<std::string>& arguments) const {
+        std::vector<std::string> all{"--dev-dir", modem.devDir.path};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return RunDialtone(all, modem.home.path,
+                           {{"DIALTONE_PPPD", DIALTONE_FAKE_PPPD},
+                            {"DIALTONE_PEERS_DIR", ppp.path + "/peers"},
+                            {"DIALTONE_PPP_RUN_DIR", ppp.path + "/run"},
+                            {"DIALTONE_NET_DIR", ppp.path + "/net"},
+                            {"XDG_CONFIG_HOME", ""}});
+    }
+
+    // What the stand-in's interface has moved, as the kernel would count it.
+    void setCounters(unsigned long long sent, unsigned long long received) const {
+        std::ofstream(ppp.path + "/net/ppp0/statistics/tx_bytes") << sent << "\n";
+        std::ofstream(ppp.path + "/net/ppp0/statistics/rx_bytes") << received << "\n";
+    }
+
+    bool linkRunning() const { return std::filesystem::exists(ppp.path + "/run/ppp-VELMODEM1.pid"); }
+
+    SimulatedModem modem;
+    TempDir ppp;
+};
+
+TEST(DialtoneConnect, ConnectMonitorDisconnectAndTheDaysTraffic) {
+    ConnectWorld world;
+    ASSERT_TRUE(world.modem.ready());
+
+    // The first connect creates the dial-up service, then dials the SIM's profile; the link stays up.
+    const Outcome connected = world.run({"--wait", "20", "connect"});
+    ASSERT_EQ(connected.status, 0) << connected.err;
+    EXPECT_NE(connected.out.find("Connected with"), std::string::npos) << connected.out;
+    EXPECT_TRUE(std::filesystem::exists(world.ppp.path + "/peers/VELMODEM1"));
+    ASSERT_TRUE(world.linkRunning());
+
+    const Outcome status = world.run({"--json", "status"});
+    ASSERT_EQ(status.status, 0) << status.err;
+    EXPECT_EQ(Parse(status.out).value("connectStatus", -9), 2) << status.out;
+
+    // monitor shows the counters moving while the link carries data.
+    std::atomic<bool> done{false};
+    std::thread traffic([&] {
+        for (unsigned long long i = 1; !done; ++i) {
+            world.setCounters(1000 * i, 5000 * i);
+            std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        }
+    });
+    const Outcome monitor = world.run({"--json", "--wait", "3.5", "monitor"});
+    done = true;
+    traffic.join();
+    ASSERT_EQ(monitor.status, 0) << monitor.err;
+    std::vector<json> samples;
+    std::istringstream lines(monitor.out);
+    for (std::string line; std::getline(lines, line);)
+        samples.push_back(Parse(line));
+    ASSERT_GE(samples.size(), 2u) << monitor.out;
+    EXPECT_EQ(samples.front().value("connectStatus", -9), 2);
+    EXPECT_GT(samples.back().value("nReceivedBytes", 0ull), samples.front().value("nReceivedBytes", 0ull))
+        << monitor.out;
+    EXPECT_GT(samples.back().value("nDurationSeconds", 0), 0);
+
+    world.setCounters(4321, 98765);
+    const Outcome disconnected = world.run({"--json", "disconnect"});
+    ASSERT_EQ(disconnected.status, 0) << disconnected.err;
+    EXPECT_EQ(Parse(disconnected.out).value("nReceivedBytes", 0ull), 98765u) << disconnected.out;
+    EXPECT_FALSE(world.linkRunning());
+
+    // Nothing is left to end, and nothing more is recorded.
+    const Outcome again = world.run({"disconnect"});
+    EXPECT_EQ(again.status, 0) << again.err;
+    EXPECT_NE(again.out.find("Not connected"), std::string::npos) << again.out;
+
+    const Outcome stats = world.run({"--json", "stats"});
+    ASSERT_EQ(stats.status, 0) << stats.err;
+    EXPECT_NE(stats.out.find("98765"), std::string::npos) << stats.out;
+    EXPECT_NE(stats.out.find("4321"), std::string::npos) << stats.out;
+}
+
+TEST(DialtoneConnect, ProfilesListAddDefaultDelete) {
+    ConnectWorld world;
+    ASSERT_TRUE(world.modem.ready());
+
+    const Outcome added = world.run({"profiles", "add", "Office", "office.apn", "--user", "me", "--auth", "pap"});
+    ASSERT_EQ(added.status, 0) << added.err;
+
+    const auto listed = [&] {
+        const Outcome list = world.run({"--json", "profiles", "list"});
+        EXPECT_EQ(list.status, 0) << list.err;
+        return Parse(list.out);
+    };
+    json list = listed();
+    ASSERT_TRUE(list.contains("profiles")) << list.dump();
+    const json& rows = list["profiles"];
+    ASSERT_GE(rows.size(), 2u);
+    // The SIM's own profiles come first, the first of them the default; the user's follow.
+    EXPECT_TRUE(rows.front()["fromSim"].get<bool>());
+    EXPECT_TRUE(rows.front()["default"].get<bool>());
+    const json& office = rows.back();
+    EXPECT_EQ(office["strAccount"], "Office");
+    EXPECT_FALSE(office["fromSim"].get<bool>());
+    const int officeNumber = office["number"].get<int>();
+
+    const Outcome chosen = world.run({"profiles", "default", std::to_string(officeNumber)});
+    ASSERT_EQ(chosen.status, 0) << chosen.err;
+    list = listed();
+    EXPECT_TRUE(list["profiles"].back()["default"].get<bool>()) << list.dump();
+    EXPECT_FALSE(list["profiles"].front()["default"].get<bool>()) << list.dump();
+
+    const struct {
+        std::vector<std::string> args;
+        int status;
+    } refused[] = {
+        {{"profiles", "delete", "1"}, 2},  // comes with the SIM
+        {{"profiles", "delete", "99"}, 2}, // no such profile
+        {{"profiles", "default", "0"}, 2},
+        {{"profiles", "add", "Bad", "apn", "--auth", "kerberos"}, 2},
+    };
+    for (const auto& row : refused) {
+        const Outcome run = world.run(row.args);
+        EXPECT_EQ(run.status, row.status) << row.args.back() << ": " << run.err;
+    }
+
+    const Outcome deleted = world.run({"profiles", "delete", std::to_string(officeNumber)});
+    ASSERT_EQ(deleted.status, 0) << deleted.err;
+    list = listed();
+    for (const json& row : list["profiles"])
+        EXPECT_NE(row["strAccount"], "Office");
+}
+
+TEST(DialtoneConnect, PasswordIsReadFromStandardInputNotTheCommandLine) {
+    ConnectWorld world;
+    TempDir input;
+    std::ofstream(input.path + "/password") << "s3cret\n";
+    const std::string command = std::string("HOME=") + clitest::Quote(world.modem.home.path) + " " +
+                                clitest::Quote(DIALTONE_CLI) +
+                                " profiles add Secret apn.example --password-stdin <" +
+                                clitest::Quote(input.path + "/password") + " >/dev/null 2>&1";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    std::ifstream stored(world.modem.home.path + "/Documents/HSPA Modem User Data/UserAPNList.plist");
+    const std::string text((std::istreambuf_iterator<char>(stored)), std::istreambuf_iterator<char>());
+    EXPECT_NE(text.find("s3cret"), std::string::npos);
+}
+
+} // namespace

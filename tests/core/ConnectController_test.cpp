@@ -1,0 +1,296 @@
+#include "AppConfig.h"
+#include "BLRecords.h"
+#include "Connector/ConnectController.h"
+#include "Connector/ProfileSettingsController.h"
+#include "QtEventLoop.h"
+#include "Statistics/TrafficStatics.h"
+#include "TempHome.h"
+#include "WorkNotification.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+// The worker's request end as the controllers see it: it keeps every asynchronous request; the test
+// answers by posting the response, as the GUI thread's agent does.
+class RecordingWorker : public DeviceWorkRequestInterface {
+public:
+    QVariantMap sysncRequest(const QString&, const QVariantMap&) override { return {}; }
+    void asyncRequest(const QString& name, QObject*, const QVariantMap& userInfo) override {
+        requests.append({name, userInfo});
+    }
+    int count(const QString& name) const {
+        int n = 0;
+        for (const auto& request : requests)
+            n += request.first == name ? 1 : 0;
+        return n;
+    }
+    QVariantMap last(const QString& name) const {
+        for (qsizetype i = requests.size() - 1; i >= 0; --i) {
+            if (requests[i].first == name)
+                return requests[i].second;
+        }
+        return {};
+    }
+    QList<QPair<QString, QVariantMap>> requests;
+};
+
+void answer(const QString& name, int code, const QVariant& value = {}) {
+    QVariantMap response;
+    WorkNotification::SetErrorCode(response, code);
+    WorkNotification::SetValueObject(response, value);
+    WorkNotification::deliverResponse(name, response, nullptr);
+}
+
+void answerStatistics(quint32 seconds, quint64 sent, quint64 received) {
+    BLConnectStatistics sample;
+    sample.nDurationSeconds = seconds;
+    sample.nSentBytes = sent;
+    sample.nReceivedBytes = received;
+    answer(MESSAGE_CONNECT_GET_STATISTICS, WORKER_OK, QVariant::fromValue(sample));
+}
+
+APNInfo profile(const QString& name, const QString& number) {
+    APNInfo p;
+    p.strAccount = name;
+    p.strDialNum = number;
+    p.strApn = name.toLower();
+    return p;
+}
+
+// A home of its own, the service tool replaced by a script that notes its arguments, and fresh
+// process-wide controller state.
+class ConnectControllerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ensureApplication();
+        registerRecordMetaTypes();
+        ConnectController::resetProcessState();
+        _oldConfigHome = qgetenv("XDG_CONFIG_HOME");
+        qunsetenv("XDG_CONFIG_HOME");
+        home.useResources("X one\t26201\t*99#\t\t\tx1\t0\t\t\t\t\r\n"
+                          "X two\t26201\t\t\t\tx2\t0\t\t\t\t\r\n",
+                          "26201\tTelekom\r\n");
+        const QString resources = home.path() + "/Resources";
+        TempHome::writeFile(resources + "/VELModemService",
+                            "#!/bin/sh\necho \"$@\" >> \"$(dirname \"$0\")/calls\"\nexit ${STUB_EXIT:-0}\n");
+        QFile::setPermissions(resources + "/VELModemService",
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        config = std::make_unique<AppConfig>();
+        traffic = std::make_unique<TrafficStatics>(*config);
+        controller = std::make_unique<ConnectController>(&worker, config.get(), traffic.get());
+        controller->setEchoSink([this](const QString& line) { echoed << line; });
+    }
+    void TearDown() override {
+        controller.reset();
+        qunsetenv("STUB_EXIT");
+        if (!_oldConfigHome.isEmpty())
+            qputenv("XDG_CONFIG_HOME", _oldConfigHome);
+    }
+
+    QStringList toolCalls() const {
+        return QString::fromLocal8Bit(TempHome::readFile(home.path() + "/Resources/calls"))
+            .split('\n', Qt::SkipEmptyParts);
+    }
+
+    // Makes the connector ready with the offered list published, as at start-up.
+    void readyWithProfiles(ProfileSettingsController& settings) {
+        config->deviceInfo().blOK = true;
+        config->deviceInfo().strImsi = "262011234567890";
+        settings.chooseProfilesForSIM("");
+        controller->modemInit();
+        answer(MESSAGE_MODEM_INIT, WORKER_OK, QStringLiteral("VELMobileConnector1"));
+    }
+
+    TempHome home;
+    RecordingWorker worker;
+    std::unique_ptr<AppConfig> config;
+    std::unique_ptr<TrafficStatics> traffic;
+    std::unique_ptr<ConnectController> controller;
+    QStringList echoed;
+
+private:
+    QByteArray _oldConfigHome;
+};
+
+TEST_F(ConnectControllerTest, OfferedListPutsTheSimsProfilesFirstAndSelectsTheUsersDefault) {
+    config->addUserAPNItem(profile("Mine", "*99#"));
+    config->setDefaultUserApnItemsByIndex(0);
+    ProfileSettingsController settings(*config);
+    readyWithProfiles(settings);
+
+    ASSERT_TRUE(controller->connectorReady());
+    QStringList names;
+    for (const APNInfo& p : controller->offeredProfiles())
+        names << p.strAccount;
+    EXPECT_EQ(names, (QStringList{"X one", "X two", "Mine"}));
+    EXPECT_EQ(controller->defaultIndex(), 2);
+    EXPECT_EQ(controller->selectedIndex(), 2);
+    EXPECT_TRUE(controller->choiceEnabled());
+}
+
+TEST_F(ConnectControllerTest, WithoutADefaultTheSimsFirstProfileBecomesIt) {
+    ProfileSettingsController settings(*config);
+    readyWithProfiles(settings);
+    EXPECT_EQ(controller->defaultIndex(), 0);
+    EXPECT_TRUE(config->isSetDefaultUserApn());
+    EXPECT_TRUE(config->isFromIMSI());
+    EXPECT_EQ(settings.defaultProfileName(), "X one");
+}
+
+TEST_F(ConnectControllerTest, DialsTheProfilesOwnNumberEvenWhenEmpty) {
+    ProfileSettingsController settings(*config);
+    readyWithProfiles(settings);
+    controller->selectProfileIndex(1); // "X two" has no dial number
+    controller->actionForButtonConnect();
+
+    ASSERT_EQ(worker.count(MESSAGE_CONNECT_DIALUP), 1);
+    const auto dial =
+        WorkNotification::GetValueObject(worker.last(MESSAGE_CONNECT_DIALUP)).value<BLConnectDialinfo>();
+    EXPECT_EQ(dial.strDialNumber, "");
+    EXPECT_EQ(dial.strAPN, "x2");
+    EXPECT_EQ(controller->connectState(), ConnectController::kConnecting);
+    EXPECT_EQ(controller->buttonTitleKey(), "IDS_DISCONNECT");
+    EXPECT_EQ(ConnectController::lastAnnouncedState(), ConnectController::kAnnounceConnecting);
+    // The status poll starts a second later.
+    EXPECT_TRUE(waitFor([&] { return worker.count(MESSAGE_CONNECT_STATUS) == 1; }, std::chrono::seconds(3)));
+    EXPECT_EQ(worker.count(MESSAGE_CONNECT_GET_STATISTICS), 1);
+}
+
+TEST_F(ConnectControllerTest, NoProfileToDialAsksForAWarning) {
+    QStringList warnings;
+    QObject::connect(controller.get(), &ConnectController::warningRequested,
+                     [&](const QString&, const QString& message, const QString&) { warnings << message; });
+    answer(MESSAGE_MODEM_INIT, WORKER_OK, QStringLiteral("VELMobileConnector1"));
+    controller->actionForButtonConnect();
+    EXPECT_EQ(warnings, QStringList{"IDS_DIALUP_CANTFIND"});
+    EXPECT_EQ(worker.count(MESSAGE_CONNECT_DIALUP), 0);
+}
+
+TEST_F(ConnectControllerTest, MissingServiceIsCreatedOnceThenRetriedNineteenTimes) {
+    controller->modemInit();
+    answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
+    EXPECT_TRUE(controller->serviceCreated());
+    EXPECT_EQ(toolCalls(), (QStringList{"VELMobileConnector1 VELMODEM1"}));
+    ASSERT_EQ(echoed.size(), 1);
+    EXPECT_TRUE(echoed[0].endsWith("/\"VELModemService VELMobileConnector1 VELMODEM1")) << echoed[0].toStdString();
+    EXPECT_EQ(worker.count(MESSAGE_MODEM_INIT), 2);
+
+    for (int i = 1; i <= 19; ++i) {
+        answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
+        ASSERT_EQ(worker.count(MESSAGE_MODEM_INIT), 2 + i) << "retry " << i;
+    }
+    answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
+    EXPECT_EQ(worker.count(MESSAGE_MODEM_INIT), 21);
+    EXPECT_EQ(toolCalls().size(), 1);
+
+    // The number of services made is kept across runs: the next run names the next one.
+    ConnectController::resetProcessState();
+    ConnectController second(&worker, config.get(), nullptr);
+    second.setEchoSink([](const QString&) {});
+    answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
+    EXPECT_TRUE(toolCalls().contains("VELMobileConnector1 VELMODEM2"));
+}
+
+TEST_F(ConnectControllerTest, ModemInitCodes) {
+    struct Row {
+        int code;
+        int initsSent;
+        bool ready;
+    };
+    const Row rows[] = {
+        {WORKER_OK, 0, true},
+        {WORKER_ERR_NO_DEV_NAME, 0, false}, // no retry
+        {WORKER_ERR_NO_MODE_DEV, 1, false}, // tried again
+        {WORKER_ERR_GENERAL, 0, false},     // ignored
+    };
+    for (const Row& row : rows) {
+        ConnectController::resetProcessState();
+        RecordingWorker fresh;
+        ConnectController subject(&fresh, config.get(), nullptr);
+        answer(MESSAGE_MODEM_INIT, row.code, QStringLiteral("VELMobileConnector1"));
+        EXPECT_EQ(fresh.count(MESSAGE_MODEM_INIT), row.initsSent) << row.code;
+        EXPECT_EQ(subject.connectorReady(), row.ready) << row.code;
+    }
+}
+
+TEST_F(ConnectControllerTest, FailedServiceCreationEndsTheApplication) {
+    qputenv("STUB_EXIT", "1");
+    int failed = 0;
+    QObject::connect(controller.get(), &ConnectController::serviceCreationFailed, [&] { ++failed; });
+    answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
+    EXPECT_EQ(failed, 1);
+    EXPECT_FALSE(controller->serviceCreated());
+    EXPECT_EQ(worker.count(MESSAGE_MODEM_INIT), 0);
+}
+
+TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOncePerDisconnection) {
+    ProfileSettingsController settings(*config);
+    readyWithProfiles(settings);
+    QList<int> announced;
+    NotificationCenter::defaultCenter().addObserver(CONNECT_STATE, &announced, [&](const Notification& n) {
+        announced << n.userInfo.value(KEY_VALUE_OBJECT).toInt();
+    });
+    controller->actionForButtonConnect();
+    const int statusAnswers[] = {ConnectController::kConnecting, ConnectController::kConnected,
+                                 ConnectController::kConnected};
+    for (const int status : statusAnswers) {
+        answer(MESSAGE_CONNECT_STATUS, WORKER_OK, status);
+        answerStatistics(5, 1000, 7000);
+    }
+    controller->actionForButtonConnect(); // connected: the press hangs up
+    EXPECT_EQ(worker.count(MESSAGE_CONNECT_DISCONNECT), 1);
+    answer(MESSAGE_CONNECT_STATUS, WORKER_OK, ConnectController::kDisconnected);
+    answer(MESSAGE_CONNECT_STATUS, WORKER_OK, ConnectController::kDisconnected);
+    controller->applicationWillTerminate();
+    NotificationCenter::defaultCenter().removeObserver(&announced);
+
+    EXPECT_EQ(announced, (QList<int>{0, 2, 1, 3}));
+    EXPECT_EQ(controller->buttonTitleKey(), "IDS_CONNECT");
+    const QVariantList days = traffic->arrayDateStatisticsFromDate(QDateTime::currentDateTime(),
+                                                                   QDateTime::currentDateTime());
+    ASSERT_EQ(days.size(), 1);
+    const QVariantMap today = days[0].toMap().first().toMap();
+    EXPECT_EQ(TrafficStatics::counterValue(today.value(TrafficStatics::kNoRoamingSendKey)), 1000u);
+    EXPECT_EQ(TrafficStatics::counterValue(today.value(TrafficStatics::kNoRoamingReceiveKey)), 7000u);
+    const _TrafficStaticsItem totals = traffic->getTotalStatics();
+    EXPECT_EQ(totals.noRoamingSendBytes, 1000u);
+    EXPECT_EQ(totals.noRoamingReceiveBytes, 7000u);
+    EXPECT_EQ(totals.connectTimeSeconds, 5u);
+}
+
+TEST_F(ConnectControllerTest, RoamingTrafficGoesToTheRoamingPairAndSamplesAreSetNotAdded) {
+    NotificationCenter::defaultCenter().post(NETWORK_UPDATE, nullptr,
+                                             {{KEY_ROAMSTATE, 1}, {KEY_GPRSSTATE, 1}, {KEY_OPERATOR, "Abroad"}});
+    EXPECT_TRUE(controller->roaming());
+    answerStatistics(3, 100, 200);
+    answerStatistics(4, 150, 400);
+    EXPECT_EQ(controller->pendingDayItem().roamingSendBytes, 150u);
+    EXPECT_EQ(controller->pendingDayItem().roamingReceiveBytes, 400u);
+    EXPECT_EQ(controller->pendingDayItem().noRoamingSendBytes, 0u);
+
+    // A failed sample and one without a link leave the session's counts alone.
+    answer(MESSAGE_CONNECT_GET_STATISTICS, WORKER_ERR_GENERAL);
+    answerStatistics(0, 0, 0);
+    EXPECT_EQ(controller->latestStatistics().nSentBytes, 150u);
+    EXPECT_EQ(controller->pendingDayItem().roamingReceiveBytes, 400u);
+}
+
+TEST_F(ConnectControllerTest, DeletingTheUsersDefaultLeavesNoDefault) {
+    ProfileSettingsController settings(*config);
+    settings.addProfile(profile("First", "*99#"));
+    settings.addProfile(profile("Second", "*99#"));
+    ASSERT_TRUE(settings.setDefaultProfile(1));
+    EXPECT_EQ(settings.defaultProfileName(), "Second");
+    EXPECT_TRUE(settings.deleteProfile(0));
+    EXPECT_FALSE(config->isSetDefaultUserApn());
+    EXPECT_FALSE(settings.deleteProfile(5));
+    EXPECT_FALSE(settings.setDefaultProfile(AppConfig::kIMSIListIndexBase + 3));
+}
+
+} // namespace

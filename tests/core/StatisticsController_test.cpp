@@ -1,0 +1,104 @@
+#include "AppConfig.h"
+#include "Statistics/StatisticsController.h"
+#include "TempHome.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+QByteArray dayFile(const QByteArray& days) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+           "<key>CREATION_TIME</key><date>2024-01-01T00:00:00Z</date>" +
+           days + "</dict></plist>\n";
+}
+
+QByteArray day(const char* key, const char* sent, const char* received, const char* roamingSent,
+               const char* roamingReceived) {
+    return QByteArray("<key>") + key + "</key><dict><key>NOROAMING SENDBYTES</key>" + sent +
+           "<key>NOROAMING RECEIVEBYTES</key>" + received + "<key>ROAMING SENDBYTES</key>" + roamingSent +
+           "<key>ROAMING RECEIVEBYTES</key>" + roamingReceived + "</dict>";
+}
+
+TEST(StatisticsController, RangeRowsAndTotals) {
+    struct Row {
+        const char* name;
+        QByteArray days;
+        QDate from;
+        QDate to;
+        std::vector<StatisticsDayRow> expected;
+        _TrafficStaticsItem total;
+    };
+    const Row rows[] = {
+        {"no history", "", QDate(2024, 1, 1), QDate(2024, 1, 31), {}, {}},
+        {"one day",
+         day("2024/01/31", "<integer>1024</integer>", "<integer>2048</integer>", "<integer>0</integer>",
+             "<integer>5</integer>"),
+         QDate(2024, 1, 31),
+         QDate(2024, 1, 31),
+         {{"2024/01/31", {1024, 2048, 0, 5, 0}}},
+         {1024, 2048, 0, 5, 0}},
+        {"range with a day outside and a bad counter",
+         day("2024/01/29", "<integer>9</integer>", "<integer>9</integer>", "<integer>9</integer>",
+             "<integer>9</integer>") +
+             day("2024/01/31", "<integer>10</integer>", "<integer>20</integer>", "<integer>30</integer>",
+                 "<integer>40</integer>") +
+             day("2024/02/02", "<integer>-1</integer>", "<string>7</string>", "<integer>3</integer>",
+                 "<integer>4</integer>") +
+             "<key>2024/02/01</key><string>not a day</string>",
+         QDate(2024, 1, 30),
+         QDate(2024, 2, 2),
+         {{"2024/01/31", {10, 20, 30, 40, 0}}, {"2024/02/02", {0, 0, 3, 4, 0}}},
+         {10, 20, 33, 44, 0}},
+        {"sums past the signed range",
+         day("2024/03/01", "<integer>9223372036854775808</integer>", "<integer>0</integer>",
+             "<integer>0</integer>", "<integer>0</integer>") +
+             day("2024/03/02", "<integer>9223372036854775807</integer>", "<integer>0</integer>",
+                 "<integer>0</integer>", "<integer>0</integer>"),
+         QDate(2024, 3, 1),
+         QDate(2024, 3, 2),
+         {{"2024/03/01", {quint64(1) << 63, 0, 0, 0, 0}},
+          {"2024/03/02", {(quint64(1) << 63) - 1, 0, 0, 0, 0}}},
+         {~quint64(0), 0, 0, 0, 0}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempHome home;
+        AppConfig config;
+        StatisticsController controller(config);
+        TempHome::writeFile(controller.store().dateTrafficsPath(), dayFile(row.days));
+        const StatisticsRange range = controller.rangeStatistics(row.from, row.to);
+        EXPECT_EQ(std::vector<StatisticsDayRow>(range.rows.begin(), range.rows.end()), row.expected);
+        EXPECT_EQ(range.total, row.total);
+    }
+}
+
+TEST(StatisticsController, SinceResetFollowsTheConnectionsStoreAndReset) {
+    TempHome home;
+    AppConfig config;
+    StatisticsController controller(config);
+    EXPECT_EQ(controller.sinceReset().sentBytes, 0u);
+    EXPECT_FALSE(controller.sinceReset().resetDate.isValid());
+
+    TrafficStatics connection(config); // the connect controller's own store over the same settings
+    ASSERT_TRUE(connection.saveStaticsRecord({5000, 7000, 1, 2, 125}));
+    ASSERT_TRUE(connection.updateDateStatisticsWithItem({5000, 7000, 0, 0, 0}, QDateTime::currentDateTime()));
+    StatisticsSinceReset since = controller.sinceReset();
+    EXPECT_EQ(since.sentBytes, 5000u);
+    EXPECT_EQ(since.receivedBytes, 7000u);
+    EXPECT_EQ(since.connectTimeSeconds, 125u);
+
+    ASSERT_TRUE(controller.resetTotals());
+    since = controller.sinceReset();
+    EXPECT_EQ(since.sentBytes + since.receivedBytes + since.connectTimeSeconds, 0u);
+    EXPECT_TRUE(since.resetDate.isValid());
+    const QDate today = QDate::currentDate();
+    EXPECT_EQ(controller.rangeStatistics(today, today).rows.size(), 1);
+
+    ASSERT_TRUE(controller.deleteHistory());
+    EXPECT_TRUE(controller.rangeStatistics(today, today).rows.isEmpty());
+    EXPECT_EQ(controller.sinceReset().resetDate, since.resetDate);
+}
+
+} // namespace

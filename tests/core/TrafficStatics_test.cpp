@@ -1,0 +1,287 @@
+#include "AppConfig.h"
+#include "PropertyList.h"
+#include "Statistics/TrafficStatics.h"
+#include "TempHome.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+#include <plist/plist.h>
+
+#include <cstdlib>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+QDateTime noonOf(int year, int month, int day) {
+    return QDateTime(QDate(year, month, day), QTime(12, 0));
+}
+
+// One day entry as the file holds it.
+QByteArray dayXml(quint64 sent, quint64 received, quint64 roamingSent, quint64 roamingReceived) {
+    return QStringLiteral("<dict><key>NOROAMING SENDBYTES</key><integer>%1</integer>"
+                          "<key>NOROAMING RECEIVEBYTES</key><integer>%2</integer>"
+                          "<key>ROAMING SENDBYTES</key><integer>%3</integer>"
+                          "<key>ROAMING RECEIVEBYTES</key><integer>%4</integer></dict>")
+        .arg(sent)
+        .arg(received)
+        .arg(roamingSent)
+        .arg(roamingReceived)
+        .toUtf8();
+}
+
+// A day file with the keys in the order given.
+QByteArray dayFile(const std::vector<std::pair<std::string, QByteArray>>& days) {
+    QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+                     "<key>CREATION_TIME</key><date>2024-01-01T00:00:00Z</date>";
+    for (const auto& [key, value] : days) {
+        xml += "<key>" + QByteArray::fromStdString(key) + "</key>" + value;
+    }
+    return xml + "</dict></plist>\n";
+}
+
+std::vector<std::string> keysOf(const QVariantList& days) {
+    std::vector<std::string> keys;
+    for (const QVariant& day : days) {
+        const QVariantMap one = day.toMap();
+        EXPECT_EQ(one.size(), 1);
+        keys.push_back(one.firstKey().toStdString());
+    }
+    return keys;
+}
+
+QStringList keptFiles(const TempHome& home) {
+    return QDir(home.userData()).entryList({"DateTraffics.plist.damaged-*"}, QDir::Files, QDir::Name);
+}
+
+QByteArray truncatedBinaryPlist() {
+    plist_t root = plist_new_dict();
+    plist_dict_set_item(root, "2024/01/31", plist_new_uint(42));
+    char* bin = nullptr;
+    uint32_t length = 0;
+    plist_to_bin(root, &bin, &length);
+    QByteArray bytes(bin, static_cast<int>(length));
+    std::free(bin);
+    plist_free(root);
+    return bytes.left(bytes.size() - 12);
+}
+
+TEST(TrafficStatics, DayKeyAndDayText) {
+    struct Row {
+        QDateTime date;
+        const char* key;
+        const char* dayText;
+        const char* ymd;
+        const char* hms;
+    };
+    const Row rows[] = {
+        {QDateTime(QDate(2024, 1, 31), QTime(0, 0, 0)), "2024/01/31", "2024-01-31", "2024-01-31", "00-00-00"},
+        {QDateTime(QDate(2023, 12, 31), QTime(23, 59, 59)), "2023/12/31", "2023-12-31", "2023-12-31",
+         "23-59-59"},
+        {QDateTime(QDate(2024, 2, 29), QTime(7, 5, 9)), "2024/02/29", "2024-02-29", "2024-02-29", "07-05-09"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(TrafficStatics::getKeyOfDate(row.date), row.key);
+        EXPECT_EQ(TrafficStatics::dayTextOfDate(row.date), row.dayText);
+        EXPECT_EQ(TrafficStatics::getDateTimeStringYMD(row.date), row.ymd);
+        EXPECT_EQ(TrafficStatics::getDateTimeStringHMS(row.date), row.hms);
+    }
+}
+
+TEST(TrafficStatics, RangeQuery) {
+    struct Row {
+        const char* name;
+        std::vector<std::pair<std::string, QByteArray>> days;
+        QDateTime from;
+        QDateTime to;
+        std::vector<std::string> expected;
+    };
+    const QByteArray entry = dayXml(1, 2, 3, 4);
+    const Row rows[] = {
+        {"one day without entry", {{"2024/01/30", entry}}, noonOf(2024, 1, 31), noonOf(2024, 1, 31), {}},
+        {"one day with entry",
+         {{"2024/01/31", entry}},
+         noonOf(2024, 1, 31),
+         noonOf(2024, 1, 31),
+         {"2024/01/31"}},
+        {"end of month, outside days left out",
+         {{"2024/01/29", entry}, {"2024/01/31", entry}, {"2024/02/02", entry}, {"2024/02/03", entry}},
+         noonOf(2024, 1, 30),
+         noonOf(2024, 2, 2),
+         {"2024/01/31", "2024/02/02"}},
+        {"keys stored out of order",
+         {{"2024/02/02", entry}, {"2024/02/01", entry}, {"2024/01/30", entry}, {"2024/01/31", entry}},
+         noonOf(2024, 1, 30),
+         noonOf(2024, 2, 2),
+         {"2024/01/30", "2024/01/31", "2024/02/01", "2024/02/02"}},
+        {"year boundary",
+         {{"2024/01/01", entry}, {"2023/12/31", entry}, {"2023/12/30", entry}},
+         noonOf(2023, 12, 31),
+         noonOf(2024, 1, 1),
+         {"2023/12/31", "2024/01/01"}},
+        {"entries that are not dictionaries",
+         {{"2024/01/30", "<string>x</string>"},
+          {"2024/01/31", "<array><integer>1</integer></array>"},
+          {"2024/02/01", entry},
+          {"2024/02/02", "<integer>7</integer>"}},
+         noonOf(2024, 1, 30),
+         noonOf(2024, 2, 2),
+         {"2024/02/01"}},
+        {"empty file", {}, noonOf(2024, 1, 1), noonOf(2024, 12, 31), {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempHome home;
+        AppConfig config;
+        TrafficStatics store(config);
+        TempHome::writeFile(store.dateTrafficsPath(), dayFile(row.days));
+        EXPECT_EQ(keysOf(store.arrayDateStatisticsFromDate(row.from, row.to)), row.expected);
+    }
+}
+
+TEST(TrafficStatics, AddingToADaySumsInUnsignedCounters) {
+    TempHome home;
+    AppConfig config;
+    TrafficStatics store(config);
+    const quint64 big = (quint64(1) << 63) + 5; // past the signed range of the file's integers
+    store.updateDateStatisticsWithItem({100, 200, 3, 4, 60}, noonOf(2024, 1, 31));
+    store.updateDateStatisticsWithItem({big, 1, 10, 20, 60}, QDateTime(QDate(2024, 1, 31), QTime(23, 59)));
+    store.updateDateStatisticsWithItem({7, 7, 7, 7, 0}, noonOf(2024, 2, 1));
+
+    TrafficStatics reread(config);
+    const QVariantMap days = reread.getDateTrafficsDictionary();
+    EXPECT_TRUE(days.contains("CREATION_TIME"));
+    const QVariantMap day = reread.searchADateDictionaryForKey("2024/01/31");
+    EXPECT_EQ(TrafficStatics::counterValue(day.value("NOROAMING SENDBYTES")), big + 100);
+    EXPECT_EQ(TrafficStatics::counterValue(day.value("NOROAMING RECEIVEBYTES")), 201u);
+    EXPECT_EQ(TrafficStatics::counterValue(day.value("ROAMING SENDBYTES")), 13u);
+    EXPECT_EQ(TrafficStatics::counterValue(day.value("ROAMING RECEIVEBYTES")), 24u);
+    EXPECT_EQ(day.size(), 4);
+    EXPECT_EQ(TrafficStatics::counterValue(
+                  reread.searchADateDictionaryForKey("2024/02/01").value("ROAMING SENDBYTES")),
+              7u);
+}
+
+TEST(TrafficStatics, BadCountersCountAsZero) {
+    struct Row {
+        const char* stored;
+        quint64 afterAddingTen;
+    };
+    const Row rows[] = {
+        {"<integer>-5</integer>", 10},
+        {"<string>12</string>", 10},
+        {"<true/>", 10},
+        {"<real>3.7</real>", 13},
+        {"<real>-3.7</real>", 10},
+        {"<dict/>", 10},
+        {"<integer>18446744073709551615</integer>", 9}, // wraps as unsigned 64-bit arithmetic does
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.stored);
+        TempHome home;
+        AppConfig config;
+        TrafficStatics store(config);
+        TempHome::writeFile(store.dateTrafficsPath(),
+                            dayFile({{"2024/03/01", QByteArray("<dict><key>NOROAMING SENDBYTES</key>") +
+                                                        row.stored + "</dict>"}}));
+        EXPECT_TRUE(store.updateDateStatisticsWithItem({10, 0, 0, 0, 0}, noonOf(2024, 3, 1)));
+        const QVariantMap day = store.searchADateDictionaryForKey("2024/03/01");
+        EXPECT_EQ(TrafficStatics::counterValue(day.value("NOROAMING SENDBYTES")), row.afterAddingTen);
+    }
+}
+
+TEST(TrafficStatics, ResetZeroesTheTotalsAndKeepsTheHistory) {
+    TempHome home;
+    AppConfig config;
+    TrafficStatics store(config);
+    EXPECT_FALSE(store.getLatestResetDate().isValid());
+    ASSERT_TRUE(store.saveStaticsRecord({1000, 2000, 5, 6, 3600}));
+    ASSERT_TRUE(store.updateDateStatisticsWithItem({1000, 2000, 0, 0, 0}, noonOf(2024, 1, 31)));
+    EXPECT_EQ(store.getTotalStatics(), (_TrafficStaticsItem{1000, 2000, 0, 0, 3600}));
+
+    const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
+    ASSERT_TRUE(store.saveResetDate());
+    const QDateTime after = QDateTime::currentDateTime();
+
+    AppConfig reloaded; // what the next start reads from the settings file
+    TrafficStatics again(reloaded);
+    EXPECT_EQ(again.getTotalStatics(), _TrafficStaticsItem());
+    const QDateTime reset = reloaded.getConfigObjectByKey("RESETTIME").toDateTime();
+    EXPECT_TRUE(reset >= before && reset <= after) << reset.toString().toStdString();
+    EXPECT_EQ(again.getLatestResetDate(), reset);
+    EXPECT_EQ(store.getLatestResetDate(), reset);
+    EXPECT_EQ(keysOf(again.arrayDateStatisticsFromDate(noonOf(2024, 1, 31), noonOf(2024, 1, 31))),
+              std::vector<std::string>{"2024/01/31"});
+}
+
+TEST(TrafficStatics, TotalsDictionary) {
+    const QVariantMap plain = TrafficStatics::createDictStaticsByStaticsItem({1, 2, 3, 4, 5});
+    EXPECT_EQ(plain.keys(), (QStringList{"CONNECTTIME", "NOROAMING RECEIVEBYTES", "NOROAMING SENDBYTES"}));
+    const QVariantMap timed = TrafficStatics::createStaticsRecordByHMS("10-11-12", {1, 2, 3, 4, 5});
+    EXPECT_EQ(timed.value("SAVE_TIME").toString(), "10-11-12");
+
+    _TrafficStaticsItem item{1, 1, 1, 1, 1};
+    TrafficStatics::getStaticsByDictStatics(
+        {{"NOROAMING SENDBYTES", -4}, {"NOROAMING RECEIVEBYTES", "x"}, {"CONNECTTIME", quint64(1) << 40}},
+        &item);
+    EXPECT_EQ(item, (_TrafficStaticsItem{1, 1, 1, 1, std::numeric_limits<quint32>::max()}));
+}
+
+TEST(TrafficStatics, DamagedDayFileIsKeptAsideAndReplaced) {
+    static const char kGarbage[] = "\x00\xff<plist><dict><key>";
+    const std::pair<const char*, QByteArray> rows[] = {
+        {"empty", QByteArray()},
+        {"garbage", QByteArray(kGarbage, sizeof kGarbage - 1)},
+        {"array", dayFile({}).replace("<dict>", "<array>").replace("</dict>", "</array>")},
+        {"wrong root type", "<plist version=\"1.0\"><string>2024/01/31</string></plist>"},
+        {"truncated binary", truncatedBinaryPlist()},
+    };
+    for (const auto& [name, bytes] : rows) {
+        SCOPED_TRACE(name);
+        TempHome home;
+        const QString logPath = home.openLog();
+        AppConfig config;
+        TrafficStatics store(config);
+        TempHome::writeFile(store.dateTrafficsPath(), bytes);
+
+        EXPECT_TRUE(store.arrayDateStatisticsFromDate(noonOf(2024, 1, 1), noonOf(2024, 12, 31)).isEmpty());
+        const QVariantMap fresh = PropertyList::readMap(store.dateTrafficsPath());
+        EXPECT_EQ(fresh.keys(), QStringList{"CREATION_TIME"});
+        QStringList kept = keptFiles(home);
+        ASSERT_EQ(kept.size(), 1);
+        EXPECT_EQ(TempHome::readFile(home.userFile(kept.first())), bytes);
+        EXPECT_TRUE(TempHome::readFile(logPath).contains("[-CNSLOG_ERROR-]")) << logPath.toStdString();
+
+        // Damaged again within the same second: the first kept file stays as it was.
+        TempHome::writeFile(store.dateTrafficsPath(), "second damage");
+        store.updateDateStatisticsWithItem({1, 1, 1, 1, 0}, noonOf(2024, 1, 31));
+        kept = keptFiles(home);
+        ASSERT_EQ(kept.size(), 2);
+        QByteArrayList contents{TempHome::readFile(home.userFile(kept[0])),
+                                TempHome::readFile(home.userFile(kept[1]))};
+        EXPECT_TRUE(contents.contains(bytes));
+        EXPECT_TRUE(contents.contains("second damage"));
+        EXPECT_EQ(keysOf(store.arrayDateStatisticsFromDate(noonOf(2024, 1, 31), noonOf(2024, 1, 31))),
+                  std::vector<std::string>{"2024/01/31"});
+    }
+}
+
+TEST(TrafficStatics, MissingDayFileIsCreatedAndRemoveDeletesIt) {
+    TempHome home;
+    AppConfig config;
+    TrafficStatics store(config);
+    EXPECT_EQ(store.getDateTrafficsDictionary().keys(), QStringList{"CREATION_TIME"});
+    EXPECT_TRUE(keptFiles(home).isEmpty());
+    ASSERT_TRUE(store.updateDateStatisticsWithItem({1, 2, 3, 4, 0}, noonOf(2024, 5, 1)));
+    EXPECT_TRUE(store.removeAllStatisticsItems());
+    EXPECT_FALSE(QFileInfo::exists(store.dateTrafficsPath()));
+    EXPECT_TRUE(store.removeAllStatisticsItems());
+    EXPECT_TRUE(store.arrayDateStatisticsFromDate(noonOf(2024, 5, 1), noonOf(2024, 5, 1)).isEmpty());
+    EXPECT_TRUE(keptFiles(home).isEmpty());
+}
+
+} // namespace
