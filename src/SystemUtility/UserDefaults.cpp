@@ -1,12 +1,16 @@
 #include "UserDefaults.h"
 
+#include "DamagedFile.h"
+
 #include <QDir>
 #include <QStandardPaths>
 
 namespace {
 
 QSettings settings() {
-    return QSettings(UserDefaults::filePath(), QSettings::IniFormat);
+    const QString path = UserDefaults::filePath();
+    DamagedFile::checkSettingsFile(path);
+    return QSettings(path, QSettings::IniFormat);
 }
 
 } // namespace

@@ -11,13 +11,14 @@
 #include "AppConfig.h"
 #include "BLRecords.h"
 #include "Connector/ConnectController.h"
+#include "Connector/ProfileSettingsController.h"
 #include "ConvertUtilty.h"
 #include "GUIThreadAgent.h"
 #include "ModemSession.h"
-#include "Connector/ProfileSettingsController.h"
 #include "RecordJson.h"
-#include "StatusText.h"
+#include "SimProfiles.h"
 #include "Statistics/TrafficStatics.h"
+#include "StatusText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -48,26 +49,13 @@ public:
     // Reads the SIM's identity and the network, chooses the SIM's profiles and tells the controller the
     // roaming state. False once a failure is reported.
     bool learnSim() {
-        const QVariantMap equipment = _session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
-        if (const int failed = _session.check(equipment, "reading the SIM's identity")) {
-            _context.exitCode = failed;
+        BLNetworkInfo network;
+        if (!LearnSim(_context, _session, _config, _settings, &network))
             return false;
-        }
-        const auto info = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>();
-        AppConfig::DeviceInfo& device = _config.deviceInfo();
-        device.blOK = true;
-        device.strManufacturer = info.strManufacturer;
-        device.strModel = info.strModel;
-        device.strRevision = info.strRevision;
-        device.strSerialNumber = info.strSerialNumber;
-        device.strImsi = info.strImsi;
-        const QVariantMap network = _session.request(MESSAGE_NETWORK_GET_INFO);
-        const auto networkInfo = WorkNotification::GetValueObject(network).value<BLNetworkInfo>();
-        _settings.chooseProfilesForSIM(networkInfo.strSpName);
         NotificationCenter::defaultCenter().post(NETWORK_UPDATE, nullptr,
-                                                 {{KEY_ROAMSTATE, networkInfo.nRoamState},
-                                                  {KEY_GPRSSTATE, networkInfo.nGprsState},
-                                                  {KEY_OPERATOR, networkInfo.strOperator}});
+                                                 {{KEY_ROAMSTATE, network.nRoamState},
+                                                  {KEY_GPRSSTATE, network.nGprsState},
+                                                  {KEY_OPERATOR, network.strOperator}});
         return true;
     }
 
@@ -137,9 +125,9 @@ private:
 // Calls the handler for every state the controller announces: 0 connecting, 1 disconnecting,
 // 2 connected, 3 disconnected.
 void OnAnnouncedState(QObject* receiver, std::function<void(int)> handler) {
-    NotificationCenter::defaultCenter().addObserver(CONNECT_STATE, receiver, [handler](const Notification& n) {
-        handler(n.userInfo.value(KEY_VALUE_OBJECT).toInt());
-    });
+    NotificationCenter::defaultCenter().addObserver(
+        CONNECT_STATE, receiver,
+        [handler](const Notification& n) { handler(n.userInfo.value(KEY_VALUE_OBJECT).toInt()); });
 }
 
 void OnStatistics(QObject* receiver, std::function<void(const Notification&)> handler) {
@@ -157,7 +145,8 @@ std::string Bytes(quint64 bytes) {
 void PrintSample(const CliContext& context, int state, const Notification& notification) {
     const BLConnectStatistics sample = SampleOf(notification);
     const QString up = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_UPDATA_RATE).toString();
-    const QString down = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString();
+    const QString down =
+        notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString();
     if (context.json) {
         nlohmann::json line = VariantToJson(QVariant::fromValue(sample));
         line["connectStatus"] = state;
@@ -192,9 +181,9 @@ int FindProfile(const QList<APNInfo>& offered, const std::string& wanted) {
 }
 
 int Connect(CliContext& context, ModemSession& session, const std::string& wanted, bool hold) {
-    AppConfig* config = ApplicationShell::sharedShell().appConfig();
+    AppConfig* config = SessionConfig(context);
     if (!config)
-        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
+        return context.exitCode;
     ConnectorRun run(context, session, *config);
     if (!run.learnSim())
         return context.exitCode;
@@ -202,15 +191,17 @@ int Connect(CliContext& context, ModemSession& session, const std::string& wante
     bool dialled = false;
 
     QObject::connect(&controller, &ConnectController::warningRequested, [&] {
-        run.finish(ReportFailure(context, WORKER_ERR_GENERAL,
-                                 "no connection profile for this SIM: add one with \"dialtone profiles add\""));
+        run.finish(
+            ReportFailure(context, WORKER_ERR_GENERAL,
+                          "no connection profile for this SIM: add one with \"dialtone profiles add\""));
     });
     run.whenReady([&] {
         if (!wanted.empty()) {
             const int index = FindProfile(controller.offeredProfiles(), wanted);
             if (index < 0) {
                 run.finish(ReportFailure(context, WORKER_ERR_GENERAL,
-                                         "no profile \"" + wanted + "\" for this SIM (see \"dialtone profiles list\")"));
+                                         "no profile \"" + wanted +
+                                             "\" for this SIM (see \"dialtone profiles list\")"));
                 return;
             }
             controller.selectProfileIndex(index);
@@ -226,13 +217,16 @@ int Connect(CliContext& context, ModemSession& session, const std::string& wante
     });
     OnAnnouncedState(&controller, [&](int state) {
         if (state == ConnectController::kAnnounceConnected) {
-            const QString name = controller.lastDialedProfile() ? controller.lastDialedProfile()->strAccount : "";
+            const QString name =
+                controller.lastDialedProfile() ? controller.lastDialedProfile()->strAccount : "";
             if (context.json)
-                PrintJson({{"strAccount", name.toStdString()}, {"connectStatus", ConnectController::kConnected}});
+                PrintJson(
+                    {{"strAccount", name.toStdString()}, {"connectStatus", ConnectController::kConnected}});
             else if (hold)
                 std::printf("Connected with \"%s\"; press Ctrl-C to hang up\n", name.toUtf8().constData());
             else
-                std::printf("Connected with \"%s\"; \"dialtone disconnect\" hangs up\n", name.toUtf8().constData());
+                std::printf("Connected with \"%s\"; \"dialtone disconnect\" hangs up\n",
+                            name.toUtf8().constData());
             std::fflush(stdout);
             if (!hold)
                 run.finish(EXIT_OK);
@@ -241,9 +235,10 @@ int Connect(CliContext& context, ModemSession& session, const std::string& wante
             if (g_interrupted)
                 run.finish(EXIT_OK);
             else
-                run.finish(ReportFailure(context, WORKER_ERR_GENERAL,
-                                         wasUp ? "the connection ended"
-                                               : "the connection did not come up (see --debug for pppd's exit)"));
+                run.finish(
+                    ReportFailure(context, WORKER_ERR_GENERAL,
+                                  wasUp ? "the connection ended"
+                                        : "the connection did not come up (see --debug for pppd's exit)"));
         }
     });
     OnStatistics(&controller, [&](const Notification& n) {
@@ -270,7 +265,8 @@ int Connect(CliContext& context, ModemSession& session, const std::string& wante
                                          "the modem's dial-up service was not found"));
                 return;
             }
-            context.exitCode = ReportFailure(context, WORKER_ERR_GENERAL, "the connection did not come up in time");
+            context.exitCode =
+                ReportFailure(context, WORKER_ERR_GENERAL, "the connection did not come up in time");
             hangUp();
         }
     });
@@ -286,9 +282,9 @@ int Connect(CliContext& context, ModemSession& session, const std::string& wante
 
 // Ends the link, wherever it was started, and records its traffic.
 int Disconnect(CliContext& context, ModemSession& session) {
-    AppConfig* config = ApplicationShell::sharedShell().appConfig();
+    AppConfig* config = SessionConfig(context);
     if (!config)
-        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
+        return context.exitCode;
     ConnectorRun run(context, session, *config);
     ConnectController& controller = run.controller();
     BLConnectStatistics last;
@@ -327,16 +323,17 @@ int Disconnect(CliContext& context, ModemSession& session) {
     });
     run.onLate([&] {
         run.finish(ReportFailure(context, WORKER_ERR_GENERAL,
-                                 hangingUp ? "the link did not end in time" : "the modem's dial-up service was not found"));
+                                 hangingUp ? "the link did not end in time"
+                                           : "the modem's dial-up service was not found"));
     });
     return run.run(context.waitSeconds, {});
 }
 
 // Shows the link once a second until it ends, the time given with --wait passes, or Ctrl-C.
 int Monitor(CliContext& context, ModemSession& session) {
-    AppConfig* config = ApplicationShell::sharedShell().appConfig();
+    AppConfig* config = SessionConfig(context);
     if (!config)
-        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
+        return context.exitCode;
     ConnectorRun run(context, session, *config);
     if (!run.learnSim())
         return context.exitCode;
@@ -347,7 +344,8 @@ int Monitor(CliContext& context, ModemSession& session) {
         const int state = controller.connectState();
         const bool up = state == ConnectController::kConnecting || state == ConnectController::kConnected;
         if (!up && !seenLink) {
-            run.finish(ReportFailure(context, WORKER_ERR_GENERAL, "not connected (\"dialtone connect\" dials)"));
+            run.finish(
+                ReportFailure(context, WORKER_ERR_GENERAL, "not connected (\"dialtone connect\" dials)"));
             return;
         }
         seenLink = true;
@@ -361,8 +359,11 @@ int Monitor(CliContext& context, ModemSession& session) {
         }
     });
     CatchInterrupts();
-    run.onLate([&] { run.finish(seenLink ? EXIT_OK : ReportFailure(context, WORKER_ERR_SERVICE_NOT_FOUND,
-                                                                   "the modem's dial-up service was not found")); });
+    run.onLate([&] {
+        run.finish(seenLink ? EXIT_OK
+                            : ReportFailure(context, WORKER_ERR_SERVICE_NOT_FOUND,
+                                            "the modem's dial-up service was not found"));
+    });
     return run.run(context.waitGiven ? context.waitSeconds : 0, [&] {
         if (g_interrupted)
             run.finish(EXIT_OK);
@@ -375,10 +376,12 @@ void AddConnectCommand(CLI::App& app, CliContext& context) {
     auto profile = std::make_shared<std::string>();
     auto hold = std::make_shared<bool>(false);
     CLI::App* connect = app.add_subcommand("connect", "Connect with the SIM's profile");
-    connect->add_option("PROFILE", *profile, "The profile's name, or its number in \"dialtone profiles list\"");
+    connect->add_option("PROFILE", *profile,
+                        "The profile's name, or its number in \"dialtone profiles list\"");
     connect->add_flag("--hold", *hold, "Stay in the foreground, record the traffic, hang up on Ctrl-C");
     connect->callback([&context, profile, hold] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Connect(context, s, *profile, *hold); });
+        context.exitCode =
+            RunInSession(context, [&](ModemSession& s) { return Connect(context, s, *profile, *hold); });
     });
     app.add_subcommand("disconnect", "Hang up, and record the connection's traffic")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) { return Disconnect(context, s); });

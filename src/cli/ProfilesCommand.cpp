@@ -3,15 +3,17 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <unistd.h>
 
 #include "AppConfig.h"
 #include "BLRecords.h"
+#include "Connector/ProfileSettingsController.h"
 #include "GUIThreadAgent.h"
 #include "ModemSession.h"
-#include "Connector/ProfileSettingsController.h"
+#include "SimProfiles.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -36,22 +38,21 @@ struct OfferedList {
     QString imsi;
 };
 
-bool LoadOffered(CliContext& context, ModemSession& session, AppConfig& config,
-                 ProfileSettingsController& settings, OfferedList& list) {
-    const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
-    if (const int failed = session.check(equipment, "reading the SIM's identity")) {
-        context.exitCode = failed;
-        return false;
-    }
-    const auto info = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>();
-    config.deviceInfo().blOK = true;
-    config.deviceInfo().strImsi = info.strImsi;
-    const QVariantMap network = session.request(MESSAGE_NETWORK_GET_INFO);
-    settings.chooseProfilesForSIM(WorkNotification::GetValueObject(network).value<BLNetworkInfo>().strSpName);
+// Runs the command with the configuration, the settings controller and the offered list.
+int WithOffered(
+    CliContext& context, ModemSession& session,
+    const std::function<int(AppConfig&, ProfileSettingsController&, const OfferedList&)>& command) {
+    AppConfig* config = SessionConfig(context);
+    if (!config)
+        return context.exitCode;
+    ProfileSettingsController settings(*config);
+    if (!LearnSim(context, session, *config, settings))
+        return context.exitCode;
+    OfferedList list;
     list.profiles = settings.offeredProfiles();
     list.simCount = settings.perSimProfiles() ? settings.perSimProfiles()->size() : 0;
-    list.imsi = info.strImsi;
-    return true;
+    list.imsi = config->deviceInfo().strImsi;
+    return command(*config, settings, list);
 }
 
 // The list index (the 90000 rule) of a number in the offered list; -1 when it names nothing.
@@ -63,17 +64,10 @@ int ConfigIndex(const OfferedList& list, int number) {
                                     : position - static_cast<int>(list.simCount);
 }
 
-int List(CliContext& context, ModemSession& session) {
-    AppConfig* config = ApplicationShell::sharedShell().appConfig();
-    if (!config)
-        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
-    ProfileSettingsController settings(*config);
-    OfferedList list;
-    if (!LoadOffered(context, session, *config, settings, list))
-        return context.exitCode;
+int List(CliContext& context, const AppConfig& config, const OfferedList& list) {
     // Without a default of the user's own, the SIM's first profile is the one dialled.
-    const bool userDefault = config->isSetDefaultUserApn() && !config->isFromIMSI();
-    const bool simDefault = config->isSetDefaultUserApn() && config->isFromIMSI();
+    const bool userDefault = config.isSetDefaultUserApn() && !config.isFromIMSI();
+    const bool simDefault = config.isSetDefaultUserApn() && config.isFromIMSI();
     const qsizetype defaultPosition = userDefault ? list.simCount : 0;
     nlohmann::json rows = nlohmann::json::array();
     for (qsizetype i = 0; i < list.profiles.size(); ++i) {
@@ -121,7 +115,8 @@ bool Printable(const std::string& text) {
 }
 
 int Add(CliContext& context, const NewProfile& input) {
-    for (const std::string* field : {&input.name, &input.apn, &input.number, &input.user, &input.dns1, &input.dns2}) {
+    for (const std::string* field :
+         {&input.name, &input.apn, &input.number, &input.user, &input.dns1, &input.dns2}) {
         if (!Printable(*field))
             return ReportUsage("profile fields cannot hold line breaks");
     }
@@ -164,17 +159,12 @@ int Add(CliContext& context, const NewProfile& input) {
     return EXIT_OK;
 }
 
-int SetDefault(CliContext& context, ModemSession& session, int number) {
-    AppConfig* config = ApplicationShell::sharedShell().appConfig();
-    if (!config)
-        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
-    ProfileSettingsController settings(*config);
-    OfferedList list;
-    if (!LoadOffered(context, session, *config, settings, list))
-        return context.exitCode;
+int SetDefault(CliContext& context, ProfileSettingsController& settings, const OfferedList& list,
+               int number) {
     const int index = ConfigIndex(list, number);
     if (index < 0 || !settings.setDefaultProfile(index))
-        return ReportUsage("no profile number " + std::to_string(number) + " (see \"dialtone profiles list\")");
+        return ReportUsage("no profile number " + std::to_string(number) +
+                           " (see \"dialtone profiles list\")");
     const QString name = list.profiles[number - 1].strAccount;
     if (context.json)
         PrintJson({{"strAccount", name.toStdString()}, {"default", true}});
@@ -183,21 +173,15 @@ int SetDefault(CliContext& context, ModemSession& session, int number) {
     return EXIT_OK;
 }
 
-int Delete(CliContext& context, ModemSession& session, int number) {
-    AppConfig* config = ApplicationShell::sharedShell().appConfig();
-    if (!config)
-        return ReportFailure(context, WORKER_ERR_GENERAL, "the configuration could not be loaded");
-    ProfileSettingsController settings(*config);
-    OfferedList list;
-    if (!LoadOffered(context, session, *config, settings, list))
-        return context.exitCode;
+int Delete(CliContext& context, ProfileSettingsController& settings, const OfferedList& list, int number) {
     const int index = ConfigIndex(list, number);
     if (index >= AppConfig::kIMSIListIndexBase)
         return ReportUsage("profile " + std::to_string(number) +
                            " comes with the SIM and cannot be deleted; choose another default instead");
     const QString name = index >= 0 ? list.profiles[number - 1].strAccount : QString();
     if (index < 0 || !settings.deleteProfile(index))
-        return ReportUsage("no profile number " + std::to_string(number) + " (see \"dialtone profiles list\")");
+        return ReportUsage("no profile number " + std::to_string(number) +
+                           " (see \"dialtone profiles list\")");
     if (context.json)
         PrintJson({{"strAccount", name.toStdString()}, {"deleted", true}});
     else
@@ -211,9 +195,14 @@ void AddProfilesCommand(CLI::App& app, CliContext& context) {
     CLI::App* profiles = app.add_subcommand("profiles", "Connection profiles (APN, number, account)");
     profiles->require_subcommand(1);
 
-    profiles->add_subcommand("list", "The profiles offered for the SIM, the default marked")->callback([&context] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) { return List(context, s); });
-    });
+    profiles->add_subcommand("list", "The profiles offered for the SIM, the default marked")
+        ->callback([&context] {
+            context.exitCode = RunInSession(context, [&](ModemSession& s) {
+                return WithOffered(context, s,
+                                   [&](AppConfig& config, ProfileSettingsController&,
+                                       const OfferedList& list) { return List(context, config, list); });
+            });
+        });
 
     auto input = std::make_shared<NewProfile>();
     CLI::App* add = profiles->add_subcommand("add", "Add a profile of your own");
@@ -221,7 +210,8 @@ void AddProfilesCommand(CLI::App& app, CliContext& context) {
     add->add_option("APN", input->apn, "The access point name")->required();
     add->add_option("--number", input->number, "The number dialled (default *99#)");
     add->add_option("--user", input->user, "The account's user name");
-    add->add_flag("--password-stdin", input->passwordFromStdin, "Read the account's password from standard input");
+    add->add_flag("--password-stdin", input->passwordFromStdin,
+                  "Read the account's password from standard input");
     add->add_option("--auth", input->auth, "Authentication: any, pap or chap")
         ->check(CLI::IsMember({"any", "pap", "chap"}));
     add->add_option("--dns1", input->dns1, "First name server (default: the network's)");
@@ -241,11 +231,21 @@ void AddProfilesCommand(CLI::App& app, CliContext& context) {
     CLI::App* setDefault = profiles->add_subcommand("default", "Make a profile the default");
     setDefault->add_option("NUMBER", *number, "Its number in \"dialtone profiles list\"")->required();
     setDefault->callback([&context, number] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) { return SetDefault(context, s, *number); });
+        context.exitCode = RunInSession(context, [&](ModemSession& s) {
+            return WithOffered(context, s,
+                               [&](AppConfig&, ProfileSettingsController& settings, const OfferedList& list) {
+                                   return SetDefault(context, settings, list, *number);
+                               });
+        });
     });
     CLI::App* remove = profiles->add_subcommand("delete", "Delete a profile of your own");
     remove->add_option("NUMBER", *number, "Its number in \"dialtone profiles list\"")->required();
     remove->callback([&context, number] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Delete(context, s, *number); });
+        context.exitCode = RunInSession(context, [&](ModemSession& s) {
+            return WithOffered(context, s,
+                               [&](AppConfig&, ProfileSettingsController& settings, const OfferedList& list) {
+                                   return Delete(context, settings, list, *number);
+                               });
+        });
     });
 }

@@ -113,7 +113,8 @@ TEST(DialtoneConnect, ProfilesListAddDefaultDelete) {
     ConnectWorld world;
     ASSERT_TRUE(world.modem.ready());
 
-    const Outcome added = world.run({"profiles", "add", "Office", "office.apn", "--user", "me", "--auth", "pap"});
+    const Outcome added =
+        world.run({"profiles", "add", "Office", "office.apn", "--user", "me", "--auth", "pap"});
     ASSERT_EQ(added.status, 0) << added.err;
 
     const auto listed = [&] {

@@ -178,7 +178,8 @@ TEST_F(ConnectControllerTest, MissingServiceIsCreatedOnceThenRetriedNineteenTime
     EXPECT_TRUE(controller->serviceCreated());
     EXPECT_EQ(toolCalls(), (QStringList{"VELMobileConnector1 VELMODEM1"}));
     ASSERT_EQ(echoed.size(), 1);
-    EXPECT_TRUE(echoed[0].endsWith("/\"VELModemService VELMobileConnector1 VELMODEM1")) << echoed[0].toStdString();
+    EXPECT_TRUE(echoed[0].endsWith("/\"VELModemService VELMobileConnector1 VELMODEM1"))
+        << echoed[0].toStdString();
     EXPECT_EQ(worker.count(MESSAGE_MODEM_INIT), 2);
 
     for (int i = 1; i <= 19; ++i) {
@@ -252,8 +253,8 @@ TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOnc
 
     EXPECT_EQ(announced, (QList<int>{0, 2, 1, 3}));
     EXPECT_EQ(controller->buttonTitleKey(), "IDS_CONNECT");
-    const QVariantList days = traffic->arrayDateStatisticsFromDate(QDateTime::currentDateTime(),
-                                                                   QDateTime::currentDateTime());
+    const QVariantList days =
+        traffic->arrayDateStatisticsFromDate(QDateTime::currentDateTime(), QDateTime::currentDateTime());
     ASSERT_EQ(days.size(), 1);
     const QVariantMap today = days[0].toMap().first().toMap();
     EXPECT_EQ(TrafficStatics::counterValue(today.value(TrafficStatics::kNoRoamingSendKey)), 1000u);
@@ -265,8 +266,8 @@ TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOnc
 }
 
 TEST_F(ConnectControllerTest, RoamingTrafficGoesToTheRoamingPairAndSamplesAreSetNotAdded) {
-    NotificationCenter::defaultCenter().post(NETWORK_UPDATE, nullptr,
-                                             {{KEY_ROAMSTATE, 1}, {KEY_GPRSSTATE, 1}, {KEY_OPERATOR, "Abroad"}});
+    NotificationCenter::defaultCenter().post(
+        NETWORK_UPDATE, nullptr, {{KEY_ROAMSTATE, 1}, {KEY_GPRSSTATE, 1}, {KEY_OPERATOR, "Abroad"}});
     EXPECT_TRUE(controller->roaming());
     answerStatistics(3, 100, 200);
     answerStatistics(4, 150, 400);

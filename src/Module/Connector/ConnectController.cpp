@@ -38,14 +38,17 @@ ConnectController::ConnectController(DeviceWorkRequestInterface* worker, AppConf
         _runningTotals = _traffic->getTotalStatics();
     }
 
-    _work.regeditNotifySelector(MESSAGE_MODEM_INIT, [this](const Notification& n) { handleNotifyModemInit(n); });
-    _work.regeditNotifySelector(MESSAGE_CONNECT_STATUS, [this](const Notification& n) { handleConnectStatus(n); });
+    _work.regeditNotifySelector(MESSAGE_MODEM_INIT,
+                                [this](const Notification& n) { handleNotifyModemInit(n); });
+    _work.regeditNotifySelector(MESSAGE_CONNECT_STATUS,
+                                [this](const Notification& n) { handleConnectStatus(n); });
     _work.regeditNotifySelector(MESSAGE_CONNECT_GET_STATISTICS,
                                 [this](const Notification& n) { handleConnectStatistics(n); });
     NotificationCenter& center = NotificationCenter::defaultCenter();
     center.addObserver(CONNECTION_UPDATE_PROFILE, this,
                        [this](const Notification& n) { handleUpdateConnectionProfile(n); });
-    center.addObserver(NETWORK_UPDATE, this, [this](const Notification& n) { handleNetworkUpdateNotification(n); });
+    center.addObserver(NETWORK_UPDATE, this,
+                       [this](const Notification& n) { handleNetworkUpdateNotification(n); });
 }
 
 ConnectController::~ConnectController() {
@@ -348,8 +351,8 @@ void ConnectController::saveTrafficStaticsData() {
     // Added once: a later save (on quit, say) must not count the same session again.
     _latestSample = BLConnectStatistics();
     _traffic->saveStaticsRecord(_runningTotals);
-    _traffic->updateDateStatisticsWithItem(_pendingDay,
-                                           g_currentDay.isValid() ? g_currentDay : QDateTime::currentDateTime());
+    _traffic->updateDateStatisticsWithItem(
+        _pendingDay, g_currentDay.isValid() ? g_currentDay : QDateTime::currentDateTime());
     _pendingDay.noRoamingSendBytes = 0;
     _pendingDay.noRoamingReceiveBytes = 0;
     _pendingDay.roamingSendBytes = 0;

@@ -3,8 +3,8 @@
 #include "APNInfo.h"
 #include "ConnectRecords.h"
 #include "NotificationCenter.h"
-#include "StatisticsRecords.h"
 #include "Statistics/TrafficStatics.h"
+#include "StatisticsRecords.h"
 #include "WorkNotification.h"
 
 #include <QDateTime>
@@ -53,7 +53,12 @@ class ConnectController : public QObject {
     Q_OBJECT
 public:
     enum { kInvalid = -1, kDisconnected = 0, kConnecting = 1, kConnected = 2, kDisconnecting = 3 };
-    enum { kAnnounceConnecting = 0, kAnnounceDisconnecting = 1, kAnnounceConnected = 2, kAnnounceDisconnected = 3 };
+    enum {
+        kAnnounceConnecting = 0,
+        kAnnounceDisconnecting = 1,
+        kAnnounceConnected = 2,
+        kAnnounceDisconnected = 3
+    };
     // Service-not-found retries after a creation; the next one is not sent.
     static constexpr int kMaxServiceRetries = 19;
     static constexpr int kStatusIntervalMs = 1000;

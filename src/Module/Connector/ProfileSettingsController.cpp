@@ -47,8 +47,8 @@ QList<APNInfo> ProfileSettingsController::offeredProfiles() const {
 }
 
 void ProfileSettingsController::sendUpdatApnInfoMessage() {
-    NotificationCenter::defaultCenter().post(CONNECTION_UPDATE_PROFILE, this,
-                                             {{KEY_FOR_UPDATE_PROFILE, QVariant::fromValue(offeredProfiles())}});
+    NotificationCenter::defaultCenter().post(
+        CONNECTION_UPDATE_PROFILE, this, {{KEY_FOR_UPDATE_PROFILE, QVariant::fromValue(offeredProfiles())}});
 }
 
 QString ProfileSettingsController::defaultProfileName() const {
