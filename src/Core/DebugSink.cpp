@@ -1,6 +1,7 @@
 #include "DebugSink.h"
 
 #include <atomic>
+#include <cctype>
 #include <cstdarg>
 #include <mutex>
 #include <string>
@@ -8,11 +9,99 @@
 namespace {
 std::atomic<std::FILE*> g_sink{stdout};
 std::mutex g_sinkMutex;
+
+struct SecretCommand {
+    const char* name;         // as it follows "AT"
+    unsigned secretArguments; // bit n: argument n is a secret
+};
+constexpr SecretCommand kSecretCommands[] = {
+    {"+CPIN=", ~0u},               // <pin>[,<new pin>]
+    {"+CLCK=", 1u << 2},           // <fac>,<mode>,<passwd>[,<class>]
+    {"+CPWD=", 1u << 1 | 1u << 2}, // <fac>,<old password>,<new password>
+};
+
+bool sameLetters(std::string_view text, size_t at, std::string_view word) {
+    if (text.size() - at < word.size())
+        return false;
+    for (size_t i = 0; i < word.size(); ++i) {
+        if (std::toupper(static_cast<unsigned char>(text[at + i])) != static_cast<unsigned char>(word[i]))
+            return false;
+    }
+    return true;
+}
+
+const SecretCommand* secretCommandAt(std::string_view text, size_t at) {
+    for (const SecretCommand& command : kSecretCommands) {
+        if (sameLetters(text, at, command.name))
+            return &command;
+    }
+    return nullptr;
+}
+
+// Copies the arguments that start at `at` into out, masking the secret ones; returns where they end (a
+// line end, a ";" outside quotes, or the end of the text).
+size_t maskArguments(std::string_view text, size_t at, unsigned secrets, std::string& out) {
+    unsigned index = 0;
+    while (at <= text.size()) {
+        // One argument: up to a comma outside quotes.
+        size_t end = at;
+        bool quoted = false;
+        while (end < text.size()) {
+            const char c = text[end];
+            if (c == '"')
+                quoted = !quoted;
+            else if (!quoted && (c == ',' || c == ';' || c == '\r' || c == '\n'))
+                break;
+            else if (quoted && (c == '\r' || c == '\n'))
+                break;
+            ++end;
+        }
+        const std::string_view argument = text.substr(at, end - at);
+        const bool secret = index < 32 && (secrets >> index & 1u) != 0;
+        if (!secret || argument.empty() || argument == "?") {
+            out.append(argument);
+        } else {
+            const bool opens = argument.front() == '"';
+            const bool closes = opens && argument.size() > 1 && argument.back() == '"';
+            out.append(opens ? "\"****" : "****");
+            if (closes)
+                out.push_back('"');
+        }
+        if (end >= text.size() || text[end] != ',')
+            return end;
+        out.push_back(',');
+        at = end + 1;
+        ++index;
+    }
+    return text.size();
+}
+
 } // namespace
 
-void SetDebugSink(std::FILE* stream) { g_sink.store(stream); }
+std::string MaskSecrets(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    size_t at = 0;
+    while (at < text.size()) {
+        const SecretCommand* command = text[at] == '+' ? secretCommandAt(text, at) : nullptr;
+        if (command == nullptr) {
+            out.push_back(text[at++]);
+            continue;
+        }
+        const size_t name = std::char_traits<char>::length(command->name);
+        out.append(text.substr(at, name));
+        at = maskArguments(text, at + name, command->secretArguments, out);
+    }
+    return out;
+}
 
-std::FILE* GetDebugSink() { return g_sink.load(); }
+void SetDebugSink(std::FILE* stream) {
+    g_sink.store(stream);
+}
+
+std::FILE* GetDebugSink() {
+    return g_sink.load();
+}
 
 void DebugPrint(const char* format, ...) {
     std::FILE* sink = g_sink.load();
@@ -33,6 +122,7 @@ void DebugPrint(const char* format, ...) {
     std::vsnprintf(text.data(), text.size(), format, args);
     va_end(args);
     text.resize(static_cast<size_t>(length));
+    text = MaskSecrets(text);
     if (text.empty() || text.back() != '\n')
         text.push_back('\n');
 

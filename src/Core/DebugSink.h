@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 // The process-wide sink for the modem link's debug texts ("---Time out---!!", "line prase error!!", ...).
 // Standard output by default; the command-line tool points it at standard error and only with --debug.
@@ -10,5 +12,13 @@
 void SetDebugSink(std::FILE* stream);
 std::FILE* GetDebugSink();
 
-// printf-style; a line feed is added when the text does not end with one.
+// printf-style; a line feed is added when the text does not end with one. Secrets are masked first.
 void DebugPrint(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+// The text with the SIM's secrets hidden, wherever a SIM lock command appears in it (sent or echoed, any
+// letter case): each PIN, PUK or password argument becomes "****", quoted or not.
+//   AT+CPIN="1234"            -> AT+CPIN="****"         (and the PUK form AT+CPIN="<puk>","<new pin>")
+//   AT+CLCK="SC",1,"1234"     -> AT+CLCK="SC",1,"****"  (facility, mode and class stay)
+//   AT+CPWD="SC","1234","4321" -> AT+CPWD="SC","****","****"
+// Every log line and debug text passes through it.
+std::string MaskSecrets(std::string_view text);

@@ -2,6 +2,7 @@
 
 #include "CNSLog.h"
 #include "ConvertUtilty.h"
+#include "DamagedFile.h"
 #include "PropertyList.h"
 #include "ResourceLocator.h"
 #include "UserDataFolder.h"
@@ -32,6 +33,12 @@ constexpr int kColumnDNS2 = 10;
 
 QString filePath(const QString& folder, const QString& name) {
     return QStringLiteral("%1/%2").arg(folder, name);
+}
+
+// The profile lists hold passwords: the owner alone reads them. Later saves keep the mode.
+bool writePrivate(const QString& path, const QVariant& root) {
+    return PropertyList::write(path, root) &&
+           QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
 }
 
 // Resource tables: lines separated by "\r\n", columns by a tab. A missing file has no lines.
@@ -82,7 +89,7 @@ QString AppConfig::getUserDataPath() {
 
 void AppConfig::initSystemConfig() {
     _strSystemConfigFilePath = filePath(getUserDataPath(), QStringLiteral("SystemConfig.plist"));
-    _dictSystemConfig = PropertyList::readMap(_strSystemConfigFilePath);
+    _dictSystemConfig = DamagedFile::readMap(_strSystemConfigFilePath);
     const QVariantMap marker = _dictSystemConfig.value(kDefaultApnInfo).toMap();
     _defAPNInfo.isSetDefault =
         marker.contains(kIfSetDefault) ? marker.value(kIfSetDefault).toString() : QString();
@@ -119,7 +126,7 @@ void AppConfig::initUserApnList() {
     const QString folder = getUserDataPath();
     _strUserAPNListFilePath = filePath(folder, QStringLiteral("UserAPNList.plist"));
     _strUserIMSIApnListFilePath = filePath(folder, QStringLiteral("UserIMSIAPNList.plist"));
-    _arrUserApnList = fromDictionaries(PropertyList::readList(_strUserAPNListFilePath));
+    _arrUserApnList = fromDictionaries(DamagedFile::readList(_strUserAPNListFilePath));
 }
 
 void AppConfig::initPLMNList() {
@@ -140,7 +147,7 @@ void AppConfig::initPLMNList() {
 
 QList<APNInfo> AppConfig::getFixApnByIMSI(const QString& imsi, const QString& spn) {
     _strIMSIRetain = imsi;
-    const QVariantMap perSim = PropertyList::readMap(_strUserIMSIApnListFilePath);
+    const QVariantMap perSim = DamagedFile::readMap(_strUserIMSIApnListFilePath);
     const auto entry = perSim.constFind(imsi);
     const bool hasEntry = !imsi.isNull() && entry != perSim.cend();
 
@@ -203,7 +210,7 @@ int AppConfig::findApnItemByIMSI(const QString& imsi, QList<APNInfo>* result) co
 }
 
 int AppConfig::writeUserApnListToFile() {
-    if (!PropertyList::write(_strUserAPNListFilePath, toDictionaries(_arrUserApnList))) {
+    if (!writePrivate(_strUserAPNListFilePath, toDictionaries(_arrUserApnList))) {
         CNSLOG(2, "file write error!!!");
         return 1;
     }
@@ -215,9 +222,9 @@ int AppConfig::writeUserIMSIApnListToFile() {
         CNSLOG(2, "file write error!!!");
         return 1;
     }
-    QVariantMap perSim = PropertyList::readMap(_strUserIMSIApnListFilePath);
+    QVariantMap perSim = DamagedFile::readMap(_strUserIMSIApnListFilePath);
     perSim.insert(_strIMSIRetain, toDictionaries(_arrUserIMSIApnList));
-    if (!PropertyList::write(_strUserIMSIApnListFilePath, perSim)) {
+    if (!writePrivate(_strUserIMSIApnListFilePath, perSim)) {
         CNSLOG(2, "file write error!!!");
         return 1;
     }

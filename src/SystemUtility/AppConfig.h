@@ -20,7 +20,8 @@
 //   "UserAPNList.plist"      array of profile dictionaries (the user list)
 //   "UserIMSIAPNList.plist"  dictionary IMSI -> array of profile dictionaries (the per-SIM lists)
 // and, read-only in the resources, "PredefinedProfile" and "PLMN" (tab-separated lines, "\r\n" between
-// lines). A missing or unreadable file reads as empty.
+// lines). A missing file reads as empty; an unreadable one is kept aside (DamagedFile) and reads as empty.
+// The profile lists hold passwords and are written readable by the owner only.
 //
 // One index addresses both user lists: below 90000 the user list, from 90000 on the per-SIM list at
 // (index - 90000). An index outside the list (an index equal to the count included) addresses nothing.

@@ -2,6 +2,7 @@
 
 #include "AppConfig.h"
 #include "ConvertUtilty.h"
+#include "DebugSink.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -189,7 +190,9 @@ void CNSLog::PrintCurrentFunction(const char* function) {
 
 void CNSLog::MLog(const QString& text) {
     ensureStarted();
-    const QByteArray bytes = text.toUtf8();
+    // PINs and PUKs in an AT command never reach the file.
+    const std::string masked = MaskSecrets(text.toStdString());
+    const QByteArray bytes = QByteArray::fromStdString(masked);
     std::lock_guard guard(_lock);
     if (_fd < 0) {
         return;

@@ -47,7 +47,7 @@ public:
     // "Enter Function:<name>" while g_ST_LOG_TRACE_ENTER is on.
     void PrintCurrentFunction(const char* function);
 
-    // Appends text as UTF-8 when the file is open.
+    // Appends text as UTF-8 when the file is open, SIM secrets masked (MaskSecrets).
     void MLog(const QString& text);
 
     // The day's file of the current start, "" while logging is off.

@@ -20,6 +20,7 @@
 
 #include "AtSublayerInterface.h"
 #include "BLRecords.h"
+#include "DamagedFile.h"
 #include "ModemSession.h"
 #include "NotificationCenter.h"
 #include "RecordJson.h"
@@ -48,7 +49,9 @@ QString Q(const std::string& text) {
 // The tool's own settings: the storage for new messages and the validity period live in the worker only
 // while it runs, so every run applies them again.
 QSettings Settings() {
-    return QSettings(UserDataFolder::configPath() + "/dialtone-cli.ini", QSettings::IniFormat);
+    const QString path = UserDataFolder::configPath() + "/dialtone-cli.ini";
+    DamagedFile::checkSettingsFile(path);
+    return QSettings(path, QSettings::IniFormat);
 }
 
 const std::map<std::string, int> kStorages{

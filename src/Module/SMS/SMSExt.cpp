@@ -7,6 +7,7 @@
 
 #include "AtSublayerInterface.h"
 #include "CNSLog.h"
+#include "DamagedFile.h"
 #include "PropertyList.h"
 #include "UserDataFolder.h"
 
@@ -74,7 +75,7 @@ int SMSExt::list(const QString& imsi, std::list<TSMSRecordInPC>& records) {
     if (refuseEmpty(imsi))
         return 1;
     QMutexLocker lock(&_mutex);
-    const QVariantList entries = PropertyList::readMap(filePath()).value(imsi).toList();
+    const QVariantList entries = DamagedFile::readMap(filePath()).value(imsi).toList();
     for (const QVariant& entry : entries) {
         TSMSRecordInPC record;
         if (readRecord(entry, record))
@@ -87,7 +88,7 @@ int SMSExt::save(const QString& imsi, const QString& pdu, int pduLength, int& in
     if (refuseEmpty(imsi))
         return 1;
     QMutexLocker lock(&_mutex);
-    QVariantMap root = PropertyList::readMap(filePath());
+    QVariantMap root = DamagedFile::readMap(filePath());
     QVariantList entries = root.value(imsi).toList();
     const int next = newIndex(entries);
     if (next < 0) {
@@ -106,7 +107,7 @@ int SMSExt::remove(const QString& imsi, int index) {
     if (refuseEmpty(imsi))
         return 1;
     QMutexLocker lock(&_mutex);
-    QVariantMap root = PropertyList::readMap(filePath());
+    QVariantMap root = DamagedFile::readMap(filePath());
     QVariantList entries = root.value(imsi).toList();
     const auto before = entries.size();
     entries.removeIf([index](const QVariant& entry) {

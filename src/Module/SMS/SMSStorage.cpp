@@ -2,6 +2,7 @@
 
 #include "AppConfig.h"
 #include "CNSLog.h"
+#include "DamagedFile.h"
 #include "PropertyList.h"
 
 #include <QMetaType>
@@ -36,7 +37,7 @@ void SMSStorage::loadSMS() {
         _strFilePath = QStringLiteral("%1/%2").arg(AppConfig::getUserDataPath(),
                                                    QStringLiteral("SMSInBox_%1").arg(_strIMSI));
     }
-    _dictFile = PropertyList::readMap(_strFilePath);
+    _dictFile = DamagedFile::readMap(_strFilePath);
     for (Box& box : _boxes) {
         box.dictionaries.clear();
         const QVariant stored = _dictFile.value(box.fileKey);

@@ -3,6 +3,7 @@
 #include "AppConfig.h"
 #include "CNSLog.h"
 #include "ConvertUtilty.h"
+#include "DamagedFile.h"
 #include "PropertyList.h"
 
 #include <QFile>
@@ -73,28 +74,10 @@ QString TrafficStatics::getDateTimeStringHMS(const QDateTime& date) {
     return QString::asprintf("%02d-%02d-%02d", time.hour(), time.minute(), time.second());
 }
 
-void TrafficStatics::keepDamagedDateFile() {
-    const QString base = _strDateTrafficsPath + QStringLiteral(".damaged-") +
-                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    QString kept = base;
-    for (int n = 2; QFileInfo::exists(kept) || QFileInfo(kept).isSymLink(); ++n) {
-        kept = base + QStringLiteral("-%1").arg(n);
-    }
-    if (QFile::rename(_strDateTrafficsPath, kept)) {
-        CNSLOG(2, "unreadable day traffic file kept as %s, a new one is started", qPrintable(kept));
-    } else {
-        CNSLOG(2, "unreadable day traffic file %s could not be kept aside, it is replaced",
-               qPrintable(_strDateTrafficsPath));
-    }
-}
-
 QVariantMap TrafficStatics::getDateTrafficsDictionary() {
-    const QVariant content = PropertyList::read(_strDateTrafficsPath);
-    if (content.typeId() != QMetaType::QVariantMap) {
-        const QFileInfo info(_strDateTrafficsPath);
-        if (info.exists() || info.isSymLink()) {
-            keepDamagedDateFile();
-        }
+    QVariant content;
+    if (DamagedFile::readPropertyList(_strDateTrafficsPath, QMetaType::QVariantMap, content) !=
+        DamagedFile::State::Good) {
         QVariantMap fresh;
         fresh.insert(kCreationTimeKey, QDateTime::currentDateTime());
         writeDateTrafficsToDictionary(fresh, _strDateTrafficsPath);

@@ -96,8 +96,6 @@ public:
     QString dateTrafficsPath() const { return _strDateTrafficsPath; }
 
 private:
-    void keepDamagedDateFile();
-
     AppConfig& _config;
     QVariantMap _dictTrafficStatics;
     QString _strDataFile;

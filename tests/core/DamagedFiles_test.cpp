@@ -1,0 +1,237 @@
+// Damaged data files: the program starts with defaults and keeps the damaged file aside, never deleting it.
+#include "AppConfig.h"
+#include "DamagedFile.h"
+#include "PropertyList.h"
+#include "SMS/SMSExt.h"
+#include "SMS/SMSStorage.h"
+#include "Statistics/TrafficStatics.h"
+#include "TempHome.h"
+#include "UserDefaults.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <functional>
+#include <string>
+
+namespace {
+
+const QByteArray kDictFile = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+                             "<key>SMS_VP</key><integer>167</integer>"
+                             "<key>SOUND_CONNECT</key><string>FALSE</string></dict></plist>\n";
+const QByteArray kListFile = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><array>"
+                             "<dict><key>account</key><string>Office</string></dict></array></plist>\n";
+const QByteArray kIniFile = "[General]\nCreatedModemNumber=4\n";
+const QByteArray kGarbage = QByteArray::fromHex("00ff13bfd8e7a1004c62706c6973743030ffff7f0a0d00");
+
+enum class Root { Dict, List, Ini };
+
+// One kept file: where it lives, what its sound content looks like, and the code that reads it.
+struct KeptFile {
+    const char* name;
+    Root root;
+    std::function<QString(const TempHome&)> path;
+    std::function<void(const TempHome&)> start; // builds the program object that reads the file
+};
+
+QString userFile(const TempHome& home, const char* name) {
+    return home.userFile(name);
+}
+
+const KeptFile kFiles[] = {
+    {"SystemConfig.plist", Root::Dict, [](const TempHome& h) { return userFile(h, "SystemConfig.plist"); },
+     [](const TempHome&) {
+         AppConfig config;
+         EXPECT_EQ(config.getSMSValidityPeriod(), 0) << "defaults after a damaged file";
+         EXPECT_TRUE(config.getConnectSoundEnable());
+     }},
+    {"UserAPNList.plist", Root::List, [](const TempHome& h) { return userFile(h, "UserAPNList.plist"); },
+     [](const TempHome&) { EXPECT_TRUE(AppConfig().getUserApnList().isEmpty()); }},
+    {"UserIMSIAPNList.plist", Root::Dict,
+     [](const TempHome& h) { return userFile(h, "UserIMSIAPNList.plist"); },
+     [](const TempHome& h) {
+         AppConfig().getFixApnByIMSI(QStringLiteral("262011234567890"), QString());
+         EXPECT_TRUE(PropertyList::readMap(userFile(h, "UserIMSIAPNList.plist")).contains("262011234567890"))
+             << "a new per-SIM file";
+     }},
+    {"LocalSMS.plist", Root::Dict, [](const TempHome& h) { return userFile(h, "LocalSMS.plist"); },
+     [](const TempHome&) { EXPECT_TRUE(SMSStorage().getDarftList().isEmpty()); }},
+    {"SMSInBox_<IMSI>", Root::Dict, [](const TempHome& h) { return userFile(h, "SMSInBox_262011234567890"); },
+     [](const TempHome&) {
+         EXPECT_TRUE(SMSStorage(QStringLiteral("262011234567890")).getOutBoxList().isEmpty());
+     }},
+    {"SmsInBoxPC.plist", Root::Dict, [](const TempHome& h) { return userFile(h, "SmsInBoxPC.plist"); },
+     [](const TempHome&) {
+         std::list<TSMSRecordInPC> records;
+         SMSExt::shared().list(QStringLiteral("262011234567890"), records);
+         EXPECT_TRUE(records.empty());
+     }},
+    {"DateTraffics.plist", Root::Dict, [](const TempHome& h) { return userFile(h, "DateTraffics.plist"); },
+     [](const TempHome&) {
+         AppConfig config;
+         TrafficStatics traffic(config);
+         const QVariantMap days = traffic.getDateTrafficsDictionary();
+         EXPECT_EQ(days.keys(), QStringList{QStringLiteral("CREATION_TIME")}) << "a new day file";
+     }},
+    {"defaults.ini", Root::Ini, [](const TempHome&) { return UserDefaults::filePath(); },
+     [](const TempHome&) {
+         EXPECT_EQ(UserDefaults::value(QStringLiteral("CreatedModemNumber"), 0).toInt(), 0);
+         EXPECT_TRUE(UserDefaults::setValue(QStringLiteral("CreatedModemNumber"), 1));
+     }},
+};
+
+struct Damage {
+    const char* name;
+    std::function<QByteArray(Root)> bytes;
+    bool damagesIni; // an empty settings file is a valid, empty one
+};
+
+QByteArray soundBytes(Root root) {
+    return root == Root::Dict ? kDictFile : root == Root::List ? kListFile : kIniFile;
+}
+
+const Damage kDamages[] = {
+    {"empty", [](Root) { return QByteArray(); }, false},
+    {"truncated", [](Root root) { return soundBytes(root).left(soundBytes(root).size() * 2 / 3 - 3); }, true},
+    {"garbage", [](Root) { return kGarbage; }, true},
+    {"wrong root", [](Root root) { return root == Root::List ? kDictFile : kListFile; }, true},
+};
+
+QStringList keptCopies(const QString& path) {
+    const QFileInfo info(path);
+    return info.dir().entryList({info.fileName() + ".damaged-*"}, QDir::Files | QDir::Hidden, QDir::Name);
+}
+
+class DamagedFiles : public testing::Test {
+protected:
+    void SetUp() override {
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path() + "/.config"));
+        notices = std::tmpfile();
+        ASSERT_NE(notices, nullptr);
+        DamagedFile::setNoticeStream(notices);
+    }
+    void TearDown() override {
+        DamagedFile::setNoticeStream(stderr);
+        std::fclose(notices);
+        qunsetenv("XDG_CONFIG_HOME");
+    }
+    QByteArray noticesText() const {
+        std::fflush(notices);
+        std::rewind(notices);
+        QByteArray text;
+        char buffer[512];
+        while (const size_t n = std::fread(buffer, 1, sizeof buffer, notices)) {
+            text.append(buffer, static_cast<qsizetype>(n));
+        }
+        return text;
+    }
+
+    TempHome home;
+    std::FILE* notices = nullptr;
+};
+
+TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
+    for (const KeptFile& file : kFiles) {
+        for (const Damage& damage : kDamages) {
+            SCOPED_TRACE(std::string(file.name) + ", " + damage.name);
+            TempHome fresh;
+            qputenv("XDG_CONFIG_HOME", QFile::encodeName(fresh.path() + "/.config"));
+            const QString log = fresh.openLog();
+            std::rewind(notices);
+            const QString path = file.path(fresh);
+            QDir().mkpath(QFileInfo(path).path());
+            const QByteArray bytes = damage.bytes(file.root);
+            const bool damaged = file.root != Root::Ini || damage.damagesIni;
+
+            TempHome::writeFile(path, bytes);
+            file.start(fresh);
+            QStringList kept = keptCopies(path);
+            if (!damaged) {
+                EXPECT_TRUE(kept.isEmpty()) << kept.join(' ').toStdString();
+                continue;
+            }
+            ASSERT_EQ(kept.size(), 1);
+            const QString first = QFileInfo(path).dir().filePath(kept[0]);
+            EXPECT_EQ(TempHome::readFile(first), bytes) << "the copy holds the original bytes";
+            EXPECT_TRUE(TempHome::readFile(log).contains("[-CNSLOG_ERROR-]"));
+            EXPECT_TRUE(TempHome::readFile(log).contains(("kept as " + first).toUtf8()));
+            EXPECT_TRUE(noticesText().contains(first.toUtf8())) << "the notice names the copy";
+
+            // Damaged again within the same second: the earlier copy stays.
+            TempHome::writeFile(path, bytes + "x");
+            file.start(fresh);
+            kept = keptCopies(path);
+            ASSERT_EQ(kept.size(), 2);
+            EXPECT_EQ(TempHome::readFile(first), bytes);
+            const QString second =
+                QFileInfo(path).dir().filePath(kept[0] == QFileInfo(first).fileName() ? kept[1] : kept[0]);
+            EXPECT_EQ(TempHome::readFile(second), bytes + "x");
+        }
+    }
+}
+
+// A missing file is created as before: nothing kept, nothing said.
+TEST_F(DamagedFiles, AbsentFilesAreNotDamaged) {
+    for (const KeptFile& file : kFiles) {
+        SCOPED_TRACE(file.name);
+        file.start(home);
+        EXPECT_TRUE(keptCopies(file.path(home)).isEmpty());
+    }
+    EXPECT_EQ(noticesText(), QByteArray());
+}
+
+TEST_F(DamagedFiles, ReaderTellsAbsentGoodAndDamagedApart) {
+    const QString path = home.path() + "/probe.plist";
+    const struct {
+        const char* name;
+        std::optional<QByteArray> bytes;
+        int root;
+        DamagedFile::State state;
+    } rows[] = {
+        {"absent", std::nullopt, QMetaType::QVariantMap, DamagedFile::State::Absent},
+        {"dictionary", kDictFile, QMetaType::QVariantMap, DamagedFile::State::Good},
+        {"array", kListFile, QMetaType::QVariantList, DamagedFile::State::Good},
+        {"array for a dictionary", kListFile, QMetaType::QVariantMap, DamagedFile::State::Damaged},
+        {"garbage", kGarbage, QMetaType::QVariantList, DamagedFile::State::Damaged},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        QFile::remove(path);
+        if (row.bytes) {
+            TempHome::writeFile(path, *row.bytes);
+        }
+        QVariant content;
+        EXPECT_EQ(DamagedFile::readPropertyList(path, row.root, content), row.state);
+        EXPECT_EQ(content.isValid(), row.state == DamagedFile::State::Good);
+        EXPECT_EQ(QFileInfo::exists(path), row.state == DamagedFile::State::Good) << "only good files stay";
+    }
+}
+
+TEST_F(DamagedFiles, SettingsFileChecks) {
+    const QString path = home.path() + "/probe.ini";
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        DamagedFile::State state;
+    } rows[] = {
+        {"as written", "[General]\nCreatedModemNumber=4\n\n[Sms]\nstorage=pc\n", DamagedFile::State::Good},
+        {"comments", "; note\n# note\nkey=value", DamagedFile::State::Good},
+        {"empty", "", DamagedFile::State::Good},
+        {"cut in a key", "[General]\nCreatedMod", DamagedFile::State::Damaged},
+        {"cut in a section", "[Gene", DamagedFile::State::Damaged},
+        {"NUL byte", QByteArray("key=va\0lue\n", 11), DamagedFile::State::Damaged},
+        {"invalid UTF-8", "key=\xc3\x28\n", DamagedFile::State::Damaged},
+        {"property list", kDictFile, DamagedFile::State::Damaged},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        TempHome::writeFile(path, row.bytes);
+        EXPECT_EQ(DamagedFile::checkSettingsFile(path), row.state);
+        QFile::remove(path);
+    }
+}
+
+} // namespace

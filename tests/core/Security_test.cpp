@@ -1,0 +1,256 @@
+// Hostile names reach outside programs as single arguments; SIM secrets stay out of the log and the debug
+// texts; private folders and files are the owner's alone.
+#include "AppConfig.h"
+#include "ChildProcess.h"
+#include "ComOperation.h"
+#include "DebugSink.h"
+#include "DeviceUtility.h"
+#include "PinUtility.h"
+#include "PtyPeer.h"
+#include "ResourceLocator.h"
+#include "ScriptedAtFake.h"
+#include "TempHome.h"
+#include "UserDataFolder.h"
+#include "WorkThread.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace {
+
+// Waits for the condition, polling, up to the deadline.
+bool waitFor(const std::function<bool()>& condition,
+             std::chrono::milliseconds timeout = std::chrono::seconds(10)) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+// Arguments a shell would act on; the marker file exists only if one of them ran as a command.
+QStringList hostileArguments(const QString& marker) {
+    return {QStringLiteral("it's"),
+            QStringLiteral("say \"hi\""),
+            QStringLiteral("$(touch %1)").arg(marker),
+            QStringLiteral("`touch %1`").arg(marker),
+            QStringLiteral("x; touch %1").arg(marker),
+            QStringLiteral("x && touch %1 || touch %1").arg(marker),
+            QStringLiteral("x | touch %1").arg(marker),
+            QStringLiteral("line one\ntouch %1").arg(marker),
+            QStringLiteral("*"),
+            QString()};
+}
+
+// A program that writes each argument it gets, NUL-terminated, to its output file.
+class ArgumentRecorder {
+public:
+    ArgumentRecorder() {
+        TempHome::writeFile(program(),
+                            QStringLiteral("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\0' \"$a\"; done "
+                                           "> '%1.tmp' && mv '%1.tmp' '%1'\n")
+                                .arg(output())
+                                .toUtf8());
+        QFile::setPermissions(program(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    QString program() const { return _dir.path() + "/record.sh"; }
+    QString output() const { return _dir.path() + "/arguments"; }
+    QString marker() const { return _dir.path() + "/ran"; }
+    QStringList received() const {
+        QStringList arguments;
+        const QByteArray bytes = TempHome::readFile(output());
+        for (qsizetype at = 0, end; (end = bytes.indexOf('\0', at)) >= 0; at = end + 1) {
+            arguments << QString::fromUtf8(bytes.mid(at, end - at));
+        }
+        return arguments;
+    }
+
+private:
+    QTemporaryDir _dir;
+};
+
+TEST(Security, ChildProcessPassesHostileArgumentsWhole) {
+    const struct {
+        const char* name;
+        std::function<bool(const QString&, const QStringList&)> start;
+    } ways[] = {
+        {"run", [](const QString& p, const QStringList& a) { return ChildProcess::run(p, a, 10000) == 0; }},
+        {"spawn",
+         [](const QString& p, const QStringList& a) {
+             const pid_t pid = ChildProcess::spawn(p, a);
+             int status = -1;
+             return pid > 0 && waitFor([&] { return ChildProcess::reap(pid, status); }) && status == 0;
+         }},
+        {"startDetached",
+         [](const QString& p, const QStringList& a) { return ChildProcess::startDetached(p, a); }},
+    };
+    for (const auto& way : ways) {
+        SCOPED_TRACE(way.name);
+        ArgumentRecorder recorder;
+        const QStringList arguments = hostileArguments(recorder.marker());
+        ASSERT_TRUE(way.start(recorder.program(), arguments));
+        ASSERT_TRUE(waitFor([&] { return QFileInfo::exists(recorder.output()); }));
+        EXPECT_EQ(recorder.received(), arguments);
+        EXPECT_FALSE(QFileInfo::exists(recorder.marker()));
+    }
+}
+
+TEST(Security, EjectGetsTheVolumeNameAsOneArgument) {
+    ArgumentRecorder recorder;
+    qputenv("DIALTONE_EJECT", QFile::encodeName(recorder.program()));
+    for (const QString& name : hostileArguments(recorder.marker())) {
+        SCOPED_TRACE(name.toStdString());
+        QFile::remove(recorder.output());
+        const QString volume = QStringLiteral("/media/") + name;
+        EXPECT_TRUE(DeviceUtility::ejectDisk(volume));
+        EXPECT_EQ(recorder.received(), QStringList{volume});
+        EXPECT_FALSE(QFileInfo::exists(recorder.marker()));
+    }
+    qunsetenv("DIALTONE_EJECT");
+}
+
+// The service tool refuses names it cannot put in a peer file, and runs nothing from them.
+TEST(Security, ServiceToolRefusesHostileDeviceNames) {
+    QTemporaryDir peers;
+    qputenv("DIALTONE_PEERS_DIR", QFile::encodeName(peers.path()));
+    const QString marker = peers.path() + "/../ran-" + QFileInfo(peers.path()).fileName();
+    const QString tool = ResourceLocator::resourcePath(QStringLiteral("VELModemService"));
+    ASSERT_TRUE(QFileInfo(tool).isExecutable()) << tool.toStdString();
+    for (const QString& name : hostileArguments(marker) + QStringList{"../../etc/x", ".hidden"}) {
+        SCOPED_TRACE(name.toStdString());
+        EXPECT_EQ(ChildProcess::run(tool, {name, QStringLiteral("VELMODEM1")}, 10000), 2);
+        EXPECT_EQ(ChildProcess::run(tool, {QStringLiteral("VELMobileConnector1"), name}, 10000), 2);
+        EXPECT_TRUE(
+            QDir(peers.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden).isEmpty());
+        EXPECT_FALSE(QFileInfo::exists(marker));
+    }
+    EXPECT_EQ(
+        ChildProcess::run(tool, {QStringLiteral("VELMobileConnector1"), QStringLiteral("VELMODEM1")}, 10000),
+        0)
+        << "a plain name still works";
+    qunsetenv("DIALTONE_PEERS_DIR");
+}
+
+mode_t modeOf(const QString& path) {
+    struct stat info {};
+    return stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_mode & 07777 : 0;
+}
+
+TEST(Security, PrivateFoldersAndFiles) {
+    TempHome home;
+    const QString documents = home.path() + "/Documents";
+    QDir().mkpath(documents + "/USB Modem User Data");
+    chmod(QFile::encodeName(documents + "/USB Modem User Data").constData(), 0755); // left by an old version
+    EXPECT_EQ(modeOf(UserDataFolder::configPath()), 0700u);
+    EXPECT_EQ(modeOf(UserDataFolder::devicePath()), 0700u) << "an open folder is closed";
+
+    AppConfig config;
+    APNInfo profile;
+    profile.strAccount = QStringLiteral("Office");
+    profile.strPassword = QStringLiteral("s3cret");
+    config.addUserAPNItem(profile);
+    EXPECT_EQ(modeOf(home.userFile("UserAPNList.plist")), 0600u);
+    config.getFixApnByIMSI(QStringLiteral("262011234567890"), QString());
+    EXPECT_EQ(modeOf(home.userFile("UserIMSIAPNList.plist")), 0600u);
+}
+
+TEST(Security, SecretsMasked) {
+    const struct {
+        std::string text;
+        std::string masked;
+    } rows[] = {
+        {"AT+CPIN=\"1234\"\r", "AT+CPIN=\"****\"\r"},
+        {"AT+CPIN=\"12345678\",\"4321\"\r", "AT+CPIN=\"****\",\"****\"\r"},
+        {"at+cpin=1234\r", "at+cpin=****\r"},
+        {"AT+CLCK=\"SC\",1,\"1234\"\r", "AT+CLCK=\"SC\",1,\"****\"\r"},
+        {"AT+CLCK=\"SC\",0,\"1234\",7\r", "AT+CLCK=\"SC\",0,\"****\",7\r"},
+        {"AT+CLCK=\"SC\",2\r", "AT+CLCK=\"SC\",2\r"},
+        {"AT+CPWD=\"SC\",\"1234\",\"4321\"\r", "AT+CPWD=\"SC\",\"****\",\"****\"\r"},
+        {"AT+CPWD=\"P2\",\"12,34\",\"43;21\"", "AT+CPWD=\"P2\",\"****\",\"****\""},
+        {"AT+CPIN=\"12", "AT+CPIN=\"****"},
+        {"AT+CPIN=", "AT+CPIN="},
+        {"AT+CPIN=?\r", "AT+CPIN=?\r"},
+        {"AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", "AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"},
+        {"SEND: >>\nAT+CPIN=\"1234\"\r then AT+CLCK=\"SC\",1,\"9876\";+CPIN=5555\r\nOK",
+         "SEND: >>\nAT+CPIN=\"****\"\r then AT+CLCK=\"SC\",1,\"****\";+CPIN=****\r\nOK"},
+        {"AT+CSQ\r\r\n+CSQ: 20,99\r\n", "AT+CSQ\r\r\n+CSQ: 20,99\r\n"},
+        {"", ""},
+        {"+", "+"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(MaskSecrets(row.text), row.masked) << ScriptedAtFake::Printable(row.text);
+    }
+}
+
+QByteArray contentOf(std::FILE* stream) {
+    std::fflush(stream);
+    std::rewind(stream);
+    QByteArray text;
+    char buffer[512];
+    while (const size_t n = std::fread(buffer, 1, sizeof buffer, stream)) {
+        text.append(buffer, static_cast<qsizetype>(n));
+    }
+    return text;
+}
+
+// The PIN family on the worker's channel, with a modem that echoes every command and adds a report (the
+// channel prints what is left of the answer around it): neither the log nor the debug texts show a PIN
+// or a PUK.
+TEST(Security, PinCommandsLeaveNoSecretInLogOrDebugTexts) {
+    TempHome home;
+    const QString log = home.openLog();
+    ASSERT_FALSE(log.isEmpty());
+    std::FILE* debug = std::tmpfile();
+    ASSERT_NE(debug, nullptr);
+    std::FILE* const oldSink = GetDebugSink();
+    SetDebugSink(debug);
+
+    PtyPeer modem;
+    modem.setHandler([](const std::string& command) {
+        return PtyPeer::Answer{{{}, command + "\r\n+CMTI: \"SM\",3\r\n\r\nOK\r\n"}};
+    });
+    ComOperation* const channel = ComOperation::GetInstance();
+    ASSERT_EQ(channel->openCom(modem.slavePath().c_str()), 0);
+    CPinUtility pin;
+    pin.RegisterExecAT(&g_ExecAT);
+    EXPECT_EQ(pin.Verify("7391"), 0);
+    EXPECT_EQ(pin.VerifyPuk("86420135", "5820"), 0);
+    EXPECT_EQ(pin.Change("7391", "5820"), 0);
+    EXPECT_EQ(pin.Enable(1, "5820"), 0);
+    EXPECT_EQ(pin.Enable(0, "5820"), 0);
+    channel->closeCom();
+    UnsolicitedReportList* reports = nullptr;
+    channel->getUnsoliciteReportList(reports);
+    for (UnsolicitedReportDataType* report : *reports) {
+        delete report;
+    }
+    reports->clear();
+
+    SetDebugSink(oldSink);
+    const QByteArray debugText = contentOf(debug);
+    std::fclose(debug);
+    const QByteArray logText = TempHome::readFile(log);
+    EXPECT_EQ(modem.received().size(), 5u);
+    EXPECT_TRUE(logText.contains("AT+CPIN=\"****\",\"****\"")) << "the traffic is logged, masked";
+    EXPECT_TRUE(debugText.contains("AT+CPWD=\"SC\",\"****\",\"****\"")) << debugText.toStdString();
+    for (const char* secret : {"7391", "86420135", "5820"}) {
+        EXPECT_FALSE(logText.contains(secret)) << secret << " in\n" << logText.toStdString();
+        EXPECT_FALSE(debugText.contains(secret)) << secret << " in\n" << debugText.toStdString();
+    }
+}
+
+} // namespace
