@@ -17,7 +17,8 @@ void registerRecordMetaTypes() {
                     BLPINVerifyPukInfo, BLNetworkInfo, BLNetworkListItem, BLNetworkSet, BLNetRegState,
                     BLPbItem, BLPBNewItem, BLPBDeleteItem, BLPBStorageInfo, BLPbConstraint, BLSmsListItem,
                     BLSmsReceive, BLSmsSendItem, BLSmsValidPeriod, BLSmsStorageState, BLSmsFilterConfig,
-                    BLUssdSendCmdInfo, BLUssdReceive, BLConnectDialinfo, BLConnectStatistics>();
+                    BLUssdSendCmdInfo, BLUssdReceive, BLConnectDialinfo, BLConnectStatistics, BLSatMenuItem,
+                    BLSatCommand, BLSatResponse, BLCallItem>();
         return true;
     }();
     (void)registered;

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "CallRecords.h"
 #include "ConnectRecords.h"
 #include "EquipmentRecords.h"
 #include "NetworkRecords.h"
 #include "PhonebookRecords.h"
 #include "PinRecords.h"
+#include "SatRecords.h"
 #include "SmsRecords.h"
 #include "StatisticsRecords.h"
 #include "UssdRecords.h"

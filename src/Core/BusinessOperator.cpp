@@ -3,15 +3,19 @@
 #include "AtSublayerInterface.h"
 #include "BLRecords.h"
 #include "CNSLog.h"
+#include "ComOperation.h"
 #include "ConvertUtilty.h"
 #include "NetworkOperator.h"
+#include "SAT/STKCodec.h"
 #include "WorkNotification.h"
 
 #include <QMetaObject>
 #include <QTimeZone>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
+#include <thread>
 
 namespace {
 
@@ -800,4 +804,347 @@ int BusinessOperator::GetPPPStatus(QVariantMap& response) {
 int BusinessOperator::GetConnectStatus(QVariantMap& response) {
     WorkNotification::SetValueObject(response, _networkOperator->connectStatus());
     return 0;
+}
+
+// ---- SIM toolkit menus ----
+
+namespace {
+
+constexpr int kSatPollIntervalMs = 200;
+// Item identifiers are one octet on the card.
+constexpr int kSatMaxItemId = 255;
+
+// AT+CSCS? -> +CSCS: "UCS2". The quoted toolkit texts are in this set; IRA when the answer names none.
+int toolkitCharSet(TInterfaceAtSublayer& sublayer, int& teSet) {
+    std::string text;
+    const int result = sublayer.STKSendCommand("AT+CSCS?\r", text);
+    if (result != 0) {
+        return result;
+    }
+    teSet = USSD_TE_IRA;
+    for (const auto& [name, set] : {std::pair{"UCS2", USSD_TE_UCS2}, std::pair{"IRA", USSD_TE_IRA},
+                                    std::pair{"GSM", USSD_TE_GSM}, std::pair{"HEX", USSD_TE_HEX}}) {
+        if (text.find(name) != std::string::npos) {
+            teSet = set;
+            break;
+        }
+    }
+    return 0;
+}
+
+QList<BLSatMenuItem> toMenuItems(const std::list<TSTKMenuItem>& items) {
+    QList<BLSatMenuItem> result;
+    for (const TSTKMenuItem& item : items) {
+        result.append(BLSatMenuItem{item.nItemId, ConvertUtilty::fromWString(item.wstrText)});
+    }
+    return result;
+}
+
+// A fetched "+STGI:" listing as the screens show it. The codec bounds every text and list.
+BLSatCommand toSatCommand(const std::string& text, int teSet) {
+    BLSatCommand command;
+    command.nCommand = CSTKCodec::SplitListingLine(text).nCommand;
+    int type = STK_TYPE_UNKNOWN;
+    CSTKCodec::GetProactiveCommandType(text, type);
+    command.nType = type;
+    const auto textOf = [](const std::wstring& wide) { return ConvertUtilty::fromWString(wide); };
+    switch (type) {
+    case STK_TYPE_SETUP_MENU: {
+        TSTKSetupMenuReq req;
+        CSTKCodec::DecodeSetupMenuReq(text, req, teSet);
+        command.strText = textOf(req.wstrTitle);
+        command.lstItems = toMenuItems(req.lstItems);
+        break;
+    }
+    case STK_TYPE_SELECT_ITEM: {
+        TSTKSelectItemReq req;
+        CSTKCodec::DecodeSelectItemReq(text, req, teSet);
+        command.strText = textOf(req.wstrTitle);
+        command.nDefaultItem = req.nDefaultItem;
+        command.lstItems = toMenuItems(req.lstItems);
+        break;
+    }
+    case STK_TYPE_DISPLAY_TEXT: {
+        TSTKDisplayTextReq req;
+        CSTKCodec::DecodeDisplayTextReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    case STK_TYPE_GET_INKEY: {
+        TSTKGetInkeyReq req;
+        CSTKCodec::DecodeGetInkeyReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        command.nFormat = req.nFormat;
+        break;
+    }
+    case STK_TYPE_GET_INPUT: {
+        TSTKGetInputReq req;
+        CSTKCodec::DecodeGetInputReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        command.nFormat = req.nFormat;
+        command.nMinLength = req.nMinLength;
+        command.nMaxLength = req.nMaxLength;
+        command.strDefaultText = textOf(req.wstrDefaultText);
+        break;
+    }
+    case STK_TYPE_PLAY_TONE: {
+        TSTKPlayToneReq req;
+        CSTKCodec::DecodePlayToneReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    case STK_TYPE_SETUP_CALL: {
+        TSTKSetupCallReq req;
+        CSTKCodec::DecodeSetupCallReq(text, req, teSet);
+        command.strText = textOf(req.wstrConfirmText);
+        break;
+    }
+    case STK_TYPE_SETUP_IDLE_MODE_TEXT: {
+        TSTKSetupIdleModeTextReq req;
+        CSTKCodec::DecodeSetupIdleModeTextReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    case STK_TYPE_SEND_SMS: {
+        TSTKSendSMSReq req;
+        CSTKCodec::DecodeSendSMSReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    case STK_TYPE_SEND_USSD: {
+        TSTKSendUSSDReq req;
+        CSTKCodec::DecodeSendUSSDReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    default:
+        break;
+    }
+    return command;
+}
+
+// The answer to the command the card sent last, built by the codec; 1 for a command it does not answer.
+int encodeSatResponse(const BLSatResponse& answer, int teSet, std::string& command) {
+    const std::wstring text = ConvertUtilty::toWString(answer.strText);
+    if (answer.nItemId > kSatMaxItemId) {
+        return WORKER_ERR_GENERAL;
+    }
+    switch (answer.nCommand) {
+    case STK_MODEM_SETUP_MENU:
+        return CSTKCodec::EncodeMenuSelectionEnvelope(answer.nResult, answer.nItemId, command);
+    case STK_MODEM_SELECT_ITEM:
+        return CSTKCodec::EncodeSelectItemResponse(answer.nResult, answer.nItemId, command);
+    case STK_MODEM_DISPLAY_TEXT:
+        return CSTKCodec::EncodeDisplayTextResponse(answer.nResult, nullptr, command);
+    case STK_MODEM_GET_INKEY:
+        return CSTKCodec::EncodeGetInkeyResponse(answer.nResult, text.empty() ? answer.nItemId : -1, text,
+                                                 command, teSet);
+    case STK_MODEM_GET_INPUT:
+        return CSTKCodec::EncodeGetInputResponse(answer.nResult, text, command, teSet);
+    case STK_MODEM_PLAY_TONE:
+        return CSTKCodec::EncodePlayToneResponse(answer.nResult, command);
+    case STK_MODEM_SETUP_CALL:
+        return CSTKCodec::EncodeSetupCallResponse(answer.nResult, nullptr, command);
+    case STK_MODEM_SETUP_IDLE_MODE_TEXT:
+        return CSTKCodec::EncodeSetupIdleModeTextResponse(answer.nResult, command);
+    case STK_MODEM_SEND_DTMF:
+        return CSTKCodec::EncodeSendDTMFResponse(answer.nResult, nullptr, command);
+    case STK_MODEM_LANGUAGE_NOTIFICATION:
+        return CSTKCodec::EncodeLanguageNotificationResponse(answer.nResult, nullptr, command);
+    default:
+        return WORKER_ERR_GENERAL;
+    }
+}
+
+// Takes every toolkit indication ("+STIN: 11") out of the channel's queue; the last one's line, or an
+// empty text. Nobody else reads them: the worker's report handling drops them.
+std::string takeSatIndications(ComOperation& com) {
+    UnsolicitedReportList* reports = nullptr;
+    com.getUnsoliciteReportList(reports);
+    std::string line;
+    for (auto it = reports->begin(); it != reports->end();) {
+        if ((*it)->nType == UNSOLICITED_REPORT_STIN) {
+            line = (*it)->strText;
+            delete *it;
+            it = reports->erase(it);
+        } else {
+            ++it;
+        }
+    }
+    return line;
+}
+
+} // namespace
+
+int BusinessOperator::SatGetMenu(QVariantMap& response) {
+    std::string text;
+    int result = _pAtSubLayer->STKInit(text);
+    if (result != 0) {
+        return result;
+    }
+    int teSet = USSD_TE_IRA;
+    if ((result = toolkitCharSet(*_pAtSubLayer, teSet)) != 0) {
+        return result;
+    }
+    BLSatCommand menu = toSatCommand(text, teSet);
+    if (menu.nType != STK_TYPE_SETUP_MENU) {
+        CNSLOG(2, "no main menu in %s", text.c_str());
+        return WORKER_ERR_GENERAL;
+    }
+    WorkNotification::SetValueObject(response, QVariant::fromValue(menu));
+    return 0;
+}
+
+int BusinessOperator::SatSelectItem(const QVariantMap& request, QVariantMap& response) {
+    const QVariant value = WorkNotification::GetValueObject(request);
+    if (isMissing(value)) {
+        PARAMETER_NULL();
+    }
+    if (_com == nullptr) {
+        return WORKER_ERR_GENERAL;
+    }
+    const auto answer = value.value<BLSatResponse>();
+    std::string command;
+    if (encodeSatResponse(answer, USSD_TE_IRA, command) != 0) {
+        CNSLOG(2, "no answer to toolkit command %d", answer.nCommand);
+        return WORKER_ERR_GENERAL;
+    }
+    // Texts of the answer go in the modem's character set.
+    int teSet = USSD_TE_IRA;
+    int result = toolkitCharSet(*_pAtSubLayer, teSet);
+    if (result != 0) {
+        return result;
+    }
+    encodeSatResponse(answer, teSet, command);
+    // Indications still queued belong to a dialogue this answer replaces.
+    takeSatIndications(*_com);
+    std::string text;
+    if ((result = _pAtSubLayer->STKSendCommand(command.c_str(), text)) != 0) {
+        return result;
+    }
+    if (text.empty()) {
+        return WORKER_ERR_GENERAL; // "ERROR" or "+CME ERROR": the card did not take it
+    }
+
+    // The card's next command is announced with "+STIN: <n>"; the modem gives out held lines on a bare AT.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kSatIndicationWaitMs);
+    std::string indication = takeSatIndications(*_com);
+    while (indication.empty()) {
+        if (std::chrono::steady_clock::now() >= deadline) {
+            CNSLOG(2, "no toolkit command after %s", command.c_str());
+            return WORKER_ERR_TIME_OUT;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(kSatPollIntervalMs));
+        std::string poll;
+        if ((result = _pAtSubLayer->STKSendCommand("AT\r", poll)) != 0) {
+            return result;
+        }
+        indication = takeSatIndications(*_com);
+    }
+    std::string fetched;
+    if ((result = _pAtSubLayer->STKHandleReport(indication.c_str(), fetched)) != 0) {
+        return result;
+    }
+    WorkNotification::SetValueObject(response, QVariant::fromValue(toSatCommand(fetched, teSet)));
+    return 0;
+}
+
+// ---- Voice calls ----
+
+bool BusinessOperator::isDTMFKey(QChar key) {
+    const char16_t c = key.unicode();
+    return c == u'#' || c == u'*' || (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'D');
+}
+
+bool BusinessOperator::isDialNumber(const QString& number) {
+    if (number.isEmpty() || number.size() > kDialNumberCap) {
+        return false;
+    }
+    for (qsizetype i = 0; i < number.size(); ++i) {
+        const char16_t c = number.at(i).unicode();
+        const bool digit = (c >= u'0' && c <= u'9') || c == u'*' || c == u'#';
+        if (!digit && !(c == u'+' && i == 0)) {
+            return false;
+        }
+    }
+    return number != QStringLiteral("+");
+}
+
+int BusinessOperator::CallDial(const QVariantMap& request) {
+    const QVariant value = WorkNotification::GetValueObject(request);
+    if (isMissing(value)) {
+        PARAMETER_NULL();
+    }
+    // Only dial characters reach "ATD%s;": anything else could end the command and start another.
+    const QString number = value.toString();
+    if (!isDialNumber(number)) {
+        CNSLOG(2, "not a number to dial");
+        return WORKER_ERR_GENERAL;
+    }
+    char dial[kDialNumberCap + 1];
+    copyCapped(dial, number, kDialNumberCap);
+    return _pAtSubLayer->CallDial(dial);
+}
+
+int BusinessOperator::CallAnswer() {
+    return _pAtSubLayer->CallAnswer();
+}
+
+int BusinessOperator::CallHangUp() {
+    return _pAtSubLayer->CallHangUp();
+}
+
+int BusinessOperator::CallSendDTMF(const QVariantMap& request) {
+    const QVariant value = WorkNotification::GetValueObject(request);
+    if (isMissing(value)) {
+        PARAMETER_NULL();
+    }
+    const QString keys = value.toString();
+    if (keys.isEmpty()) {
+        PARAMETER_NULL();
+    }
+    if (keys.size() > kDTMFKeysCap || !std::all_of(keys.begin(), keys.end(), isDTMFKey)) {
+        CNSLOG(2, "not a DTMF key string");
+        return WORKER_ERR_GENERAL;
+    }
+    for (const QChar key : keys) {
+        // AT+VTS=5, one key per command.
+        if (const int result = _pAtSubLayer->CallSendDTMF(static_cast<char>(key.unicode())); result != 0) {
+            return result;
+        }
+    }
+    return 0;
+}
+
+int BusinessOperator::CallGetList(QVariantMap& response) {
+    std::list<TCallItemState> calls;
+    const int result = _pAtSubLayer->CallCheckState(calls);
+    if (result != 0) {
+        return result;
+    }
+    QList<BLCallItem> items;
+    for (const TCallItemState& call : calls) {
+        BLCallItem item;
+        item.nIndex = call.nIndex;
+        item.nDir = call.nDir;
+        item.nState = call.nState;
+        item.nMode = call.nMode;
+        item.nMpty = call.nMpty;
+        item.nType = call.nType;
+        item.strNumber = QString::fromUtf8(
+            call.strNumber.data(), static_cast<qsizetype>(std::min<std::size_t>(call.strNumber.size(), 21)));
+        items.append(item);
+    }
+    WorkNotification::SetValueObject(response, QVariant::fromValue(items));
+    return 0;
+}
+
+// ---- GPS ----
+
+int BusinessOperator::GPSInit() {
+    return _pAtSubLayer->GPSInit();
+}
+
+int BusinessOperator::GPSUninit() {
+    return _pAtSubLayer->GPSUninit();
 }

@@ -114,6 +114,34 @@ public:
     // The time stamp read as local time with the machine's current offset.
     static QDateTime convertDateTimeType2NSDate(const TSmsDateTime& dateTime);
 
+    // SIM toolkit menus. SatGetMenu fetches the main menu as a BLSatCommand. SatSelectItem answers the
+    // command the card sent last with a BLSatResponse (a menu choice, a confirmed text, a key or an input),
+    // waits up to kSatIndicationWaitMs for the card's next command and returns it as a BLSatCommand
+    // (command 20 when the card ended the dialogue); 2 when none came, 1 for an answer that cannot be built.
+    static constexpr int kSatIndicationWaitMs = 10000;
+    int SatGetMenu(QVariantMap& response);
+    int SatSelectItem(const QVariantMap& request, QVariantMap& response);
+
+    // Voice calls. The call family's codes pass through (25 "NO CARRIER", 26 "NO ANSWER", 27 "BUSY",
+    // 28 "NO DIALTONE"). CallDial takes the number as a string: an optional "+" then digits, "*" and "#",
+    // at most kDialNumberCap characters, else 1 without dialling. CallSendDTMF takes a string of keys and
+    // sends them one by one; a key that is not a DTMF key gives 1 before anything is sent. CallGetList
+    // stores a list of BLCallItem, empty when there is no call.
+    static constexpr int kDialNumberCap = 40;
+    static constexpr int kDTMFKeysCap = 64;
+    int CallDial(const QVariantMap& request);
+    int CallAnswer();
+    int CallHangUp();
+    int CallSendDTMF(const QVariantMap& request);
+    int CallGetList(QVariantMap& response);
+    // The keys AT+VTS takes: 0-9, *, #, A-D.
+    static bool isDTMFKey(QChar key);
+    static bool isDialNumber(const QString& number);
+
+    // The modem's GPS receiver on and off.
+    int GPSInit();
+    int GPSUninit();
+
 private:
     NetworkOperator* _networkOperator = nullptr;
     TInterfaceAtSublayer* _pAtSubLayer = nullptr;

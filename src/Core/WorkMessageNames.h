@@ -52,6 +52,15 @@ inline const QString MESSAGE_SMS_SET_STATUS_REPORT = QStringLiteral("MESSAGE_SMS
 inline const QString MESSAGE_USSD_CHECKSTATE = QStringLiteral("MESSAGE_USSD_CHECKSTATE");
 inline const QString MESSAGE_USSD_SETSTATE = QStringLiteral("MESSAGE_USSD_SETSTATE");
 inline const QString MESSAGE_USSD_SENDCMD = QStringLiteral("MESSAGE_USSD_SENDCMD");
+inline const QString MESSAGE_STK_GET_MENU = QStringLiteral("MESSAGE_STK_GET_MENU");
+inline const QString MESSAGE_STK_SELECT_ITEM = QStringLiteral("MESSAGE_STK_SELECT_ITEM");
+inline const QString MESSAGE_CALL_DIAL = QStringLiteral("MESSAGE_CALL_DIAL");
+inline const QString MESSAGE_CALL_ANSWER = QStringLiteral("MESSAGE_CALL_ANSWER");
+inline const QString MESSAGE_CALL_HANGUP = QStringLiteral("MESSAGE_CALL_HANGUP");
+inline const QString MESSAGE_CALL_SEND_DTMF = QStringLiteral("MESSAGE_CALL_SEND_DTMF");
+inline const QString MESSAGE_CALL_GET_LIST = QStringLiteral("MESSAGE_CALL_GET_LIST");
+inline const QString MESSAGE_GPS_INIT = QStringLiteral("MESSAGE_GPS_INIT");
+inline const QString MESSAGE_GPS_UNINIT = QStringLiteral("MESSAGE_GPS_UNINIT");
 
 // Sent by the worker without a request.
 inline const QString MESSAGE_DEVICE_FIND = QStringLiteral("MESSAGE_DEVICE_FIND");

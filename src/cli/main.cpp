@@ -8,10 +8,12 @@
 #include <CLI/CLI.hpp>
 
 #include "AccountCommand.h"
+#include "CallCommand.h"
 #include "CliSupport.h"
 #include "ConnectCommand.h"
 #include "ContactsCommand.h"
 #include "DebugSink.h"
+#include "GpsCommand.h"
 #include "NetworkCommand.h"
 #include "PduCommand.h"
 #include "PinCommand.h"
@@ -20,6 +22,7 @@
 #include "SmsCommand.h"
 #include "StatsCommand.h"
 #include "StatusCommand.h"
+#include "StkCommand.h"
 #include "UssdCommand.h"
 
 int main(int argc, char** argv) {
@@ -54,6 +57,9 @@ int main(int argc, char** argv) {
     AddContactsCommand(app, context);
     AddUssdCommand(app, context);
     AddAccountCommand(app, context);
+    AddStkCommand(app, context);
+    AddCallCommand(app, context);
+    AddGpsCommand(app, context);
 
     // The debug sink must point where it belongs before any command runs.
     app.parse_complete_callback([&context, &app] {

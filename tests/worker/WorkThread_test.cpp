@@ -129,9 +129,14 @@ TEST(ExecAT, WithoutAnOpenPortTheCommandFailsWithCode1) {
 
 TEST(RequestTable, NamesInDispatchOrder) {
     const QStringList names = WorkThread::requestNames();
-    ASSERT_EQ(names.size(), 47);
+    ASSERT_EQ(names.size(), 56);
     EXPECT_EQ(names.front(), "MESSAGE_INIT_WORK_THREAD");
-    EXPECT_EQ(names.back(), "MESSAGE_USSD_SENDCMD");
+    EXPECT_EQ(names.at(46), "MESSAGE_USSD_SENDCMD");
+    // Toolkit menus, voice calls and GPS come after the original table.
+    EXPECT_EQ(names.mid(47),
+              (QStringList{"MESSAGE_STK_GET_MENU", "MESSAGE_STK_SELECT_ITEM", "MESSAGE_CALL_DIAL",
+                           "MESSAGE_CALL_ANSWER", "MESSAGE_CALL_HANGUP", "MESSAGE_CALL_SEND_DTMF",
+                           "MESSAGE_CALL_GET_LIST", "MESSAGE_GPS_INIT", "MESSAGE_GPS_UNINIT"}));
     // The second "MESSAGE_NETWORK_GET_LIST" (21st) is never reached.
     EXPECT_EQ(names.indexOf("MESSAGE_NETWORK_GET_LIST"), 7);
     EXPECT_EQ(names.at(20), "MESSAGE_NETWORK_GET_LIST");
@@ -166,6 +171,9 @@ TEST_F(WorkerFixture, SynchronousDispatchByExactName) {
         {"MESSAGE_NETWORK_GET_REG_STATE", 35},
         {"MESSAGE_RPT_RECEIVE_SMS", 35},
         {"MESSAGE_CONNECT_STATUS", 0},
+        {"MESSAGE_CALL_GET_LIST", 0},
+        {"MESSAGE_GPS_UNINIT", 0},
+        {"MESSAGE_CALL_LIST", 35},
     };
     for (const auto& row : rows) {
         const QVariantMap response = _worker->sysncRequest(row.name, {});

@@ -135,6 +135,10 @@ TEST(Records, EveryRecordCodesAndDecodesToAnEqualOne) {
         row("BLUssdReceive", BLUssdReceive{2, QString::fromUtf8("Остаток 12,50")}),
         row("BLConnectStatistics",
             BLConnectStatistics{3600, 0xffffffff80000000ull, 1ull << 40, 1200, 34000, 5600, 384000}),
+        row("BLSatMenuItem", BLSatMenuItem{3, QString::fromUtf8("Spiele ✓")}),
+        row("BLSatCommand", BLSatCommand{11, 36, 2, 1, 1, 12, "Games", "Quiz", {{1, "Quiz"}, {2, "About"}}}),
+        row("BLSatResponse", BLSatResponse{3, 16, -1, "Paris"}),
+        row("BLCallItem", BLCallItem{1, 1, 3, 1, 1, 145, "+491701234567"}),
     };
     for (const RecordRow& r : rows) {
         SCOPED_TRACE(r.name);

@@ -1,0 +1,224 @@
+#include "CallCommand.h"
+
+#include <QThread>
+
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "BusinessOperator.h"
+#include "CallRecords.h"
+#include "ModemSession.h"
+#include "RecordJson.h"
+#include "WorkNotification.h"
+
+namespace {
+
+// "ATD" waits up to a minute for the call to be set up; the request gets that and some room.
+constexpr int kDialDeadlineSeconds = 75;
+constexpr int kListPollMs = 500;
+constexpr int kDirectionOutgoing = 0;
+constexpr int kStateActive = 0;
+
+struct CallArguments {
+    std::string number;
+    std::string keys;
+};
+
+const char* StateText(int state) {
+    switch (state) {
+    case 0:
+        return "active";
+    case 1:
+        return "held";
+    case 2:
+        return "dialling";
+    case 3:
+        return "ringing at the other end";
+    case 4:
+        return "incoming";
+    case 5:
+        return "waiting";
+    default:
+        return "unknown";
+    }
+}
+
+// The call family's results in words; others as the session words them.
+std::string CallResultText(int code) {
+    switch (code) {
+    case 25:
+        return "no carrier: the call was not set up or has ended";
+    case 26:
+        return "no answer";
+    case 27:
+        return "the line is busy";
+    case 28:
+        return "no dial tone";
+    default:
+        return ResultCodeText(code);
+    }
+}
+
+int Check(const CliContext& context, const QVariantMap& response, const std::string& what) {
+    const int code = WorkNotification::GetErrorCode(response);
+    if (code == WORKER_OK)
+        return EXIT_OK;
+    return ReportFailure(context, code, what + ": " + CallResultText(code));
+}
+
+nlohmann::json CallJson(const BLCallItem& call) {
+    return {{"class", "BLCallItem"}, {"nIndex", call.nIndex},
+            {"nDir", call.nDir},     {"nState", call.nState},
+            {"nMode", call.nMode},   {"nMpty", call.nMpty},
+            {"nType", call.nType},   {"strNumber", call.strNumber.toStdString()}};
+}
+
+int ReadCalls(const CliContext& context, ModemSession& session, QList<BLCallItem>& calls) {
+    const QVariantMap response = session.request(MESSAGE_CALL_GET_LIST);
+    if (const int failed = Check(context, response, "reading the calls"))
+        return failed;
+    calls = RecordList<BLCallItem>(WorkNotification::GetValueObject(response));
+    return EXIT_OK;
+}
+
+int List(CliContext& context, ModemSession& session) {
+    QList<BLCallItem> calls;
+    if (const int failed = ReadCalls(context, session, calls))
+        return failed;
+    if (context.json) {
+        nlohmann::json document = nlohmann::json::array();
+        for (const BLCallItem& call : calls)
+            document.push_back(CallJson(call));
+        PrintJson(document);
+        return EXIT_OK;
+    }
+    if (calls.isEmpty()) {
+        std::printf("No calls\n");
+        return EXIT_OK;
+    }
+    std::printf("%3s  %-8s  %-24s  %s\n", "ID", "DIR", "STATE", "NUMBER");
+    for (const BLCallItem& call : calls) {
+        std::printf("%3d  %-8s  %-24s  %s\n", call.nIndex,
+                    call.nDir == kDirectionOutgoing ? "outgoing" : "incoming", StateText(call.nState),
+                    call.strNumber.toStdString().c_str());
+    }
+    return EXIT_OK;
+}
+
+// The outgoing call, while there is one.
+std::optional<BLCallItem> Outgoing(const QList<BLCallItem>& calls) {
+    for (const BLCallItem& call : calls) {
+        if (call.nDir == kDirectionOutgoing)
+            return call;
+    }
+    return std::nullopt;
+}
+
+int Dial(CliContext& context, ModemSession& session, const std::string& number) {
+    ReportProgress("calling " + number);
+    const QVariantMap response =
+        session.request(MESSAGE_CALL_DIAL, QString::fromStdString(number), kDialDeadlineSeconds);
+    if (const int failed = Check(context, response, "calling " + number))
+        return failed;
+
+    // The modem may answer the dial before the other end does: follow the call list.
+    const auto deadline = std::chrono::steady_clock::now() +
+                          std::chrono::milliseconds(static_cast<long long>(context.waitSeconds * 1000));
+    int shownState = -1;
+    for (;;) {
+        QList<BLCallItem> calls;
+        if (const int failed = ReadCalls(context, session, calls))
+            return failed;
+        const std::optional<BLCallItem> call = Outgoing(calls);
+        if (!call)
+            return ReportFailure(context, 25, "the call to " + number + " ended before it was answered");
+        if (call->nState != shownState && !context.json) {
+            std::printf("%s: %s\n", number.c_str(), StateText(call->nState));
+            std::fflush(stdout);
+        }
+        shownState = call->nState;
+        if (call->nState == kStateActive) {
+            if (context.json)
+                PrintJson(CallJson(*call));
+            return EXIT_OK;
+        }
+        if (std::chrono::steady_clock::now() >= deadline) {
+            return ReportFailure(context, 2,
+                                 number + " did not answer within " + std::to_string(context.waitSeconds) +
+                                     " seconds; \"dialtone call hangup\" ends the call");
+        }
+        QThread::msleep(kListPollMs);
+    }
+}
+
+int Simple(CliContext& context, ModemSession& session, const QString& name, const QVariant& argument,
+           const std::string& what, const char* done) {
+    const QVariantMap response = session.request(name, argument);
+    if (const int failed = Check(context, response, what))
+        return failed;
+    if (context.json)
+        PrintJson({{"ERROR_CODE", 0}});
+    else
+        std::printf("%s\n", done);
+    return EXIT_OK;
+}
+
+} // namespace
+
+void AddCallCommand(CLI::App& app, CliContext& context) {
+    CLI::App* call = app.add_subcommand("call", "Voice calls");
+    call->require_subcommand(1);
+    auto arguments = std::make_shared<CallArguments>();
+
+    CLI::App* dial = call->add_subcommand("dial", "Call a number and wait for the answer");
+    dial->add_option("NUMBER", arguments->number, "The number: an optional + then digits, * and #")
+        ->required();
+    dial->callback([&context, arguments] {
+        if (!BusinessOperator::isDialNumber(QString::fromStdString(arguments->number))) {
+            context.exitCode = ReportUsage("\"" + arguments->number + "\" is not a number to dial");
+            return;
+        }
+        context.exitCode =
+            RunInSession(context, [&](ModemSession& s) { return Dial(context, s, arguments->number); });
+    });
+
+    call->add_subcommand("answer", "Take the incoming call")->callback([&context] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) {
+            return Simple(context, s, MESSAGE_CALL_ANSWER, {}, "answering", "Call answered");
+        });
+    });
+    call->add_subcommand("hangup", "End the calls")->callback([&context] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) {
+            return Simple(context, s, MESSAGE_CALL_HANGUP, {}, "hanging up", "Call ended");
+        });
+    });
+
+    CLI::App* dtmf = call->add_subcommand("dtmf", "Send tones during a call");
+    dtmf->add_option("KEYS", arguments->keys, "The keys: 0-9, *, #, A-D")->required();
+    dtmf->callback([&context, arguments] {
+        const QString keys = QString::fromStdString(arguments->keys);
+        for (const QChar key : keys) {
+            if (!BusinessOperator::isDTMFKey(key)) {
+                context.exitCode = ReportUsage("'" + QString(key).toStdString() +
+                                               "' is not a DTMF key (0-9, *, #, A-D); nothing was sent");
+                return;
+            }
+        }
+        if (keys.size() > BusinessOperator::kDTMFKeysCap) {
+            context.exitCode =
+                ReportUsage("at most " + std::to_string(BusinessOperator::kDTMFKeysCap) + " keys at a time");
+            return;
+        }
+        context.exitCode = RunInSession(context, [&](ModemSession& s) {
+            return Simple(context, s, MESSAGE_CALL_SEND_DTMF, keys, "sending " + arguments->keys,
+                          "Tones sent");
+        });
+    });
+
+    call->add_subcommand("list", "The current calls")->callback([&context] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) { return List(context, s); });
+    });
+}

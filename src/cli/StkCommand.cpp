@@ -1,0 +1,190 @@
+#include "StkCommand.h"
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ModemSession.h"
+#include "SatRecords.h"
+#include "WorkNotification.h"
+
+namespace {
+
+// The modem's numbers of the commands the tool shows.
+constexpr int kMainMenu = 17;
+constexpr int kSelectItem = 11;
+constexpr int kDisplayText = 1;
+constexpr int kGetInkey = 2;
+constexpr int kGetInput = 3;
+constexpr int kSessionEnd = 20;
+// Texts confirmed in a row before the tool stops following the card.
+constexpr int kMaxTextsFollowed = 16;
+
+nlohmann::json TextJson(const QString& text) {
+    return text.isNull() ? nlohmann::json(nullptr) : nlohmann::json(text.toStdString());
+}
+
+nlohmann::json CommandJson(const BLSatCommand& command) {
+    nlohmann::json items = nlohmann::json::array();
+    for (const BLSatMenuItem& item : command.lstItems) {
+        items.push_back(
+            {{"class", "BLSatMenuItem"}, {"nItemId", item.nItemId}, {"strText", TextJson(item.strText)}});
+    }
+    return {{"class", "BLSatCommand"},
+            {"nCommand", command.nCommand},
+            {"nType", command.nType},
+            {"nDefaultItem", command.nDefaultItem},
+            {"nFormat", command.nFormat},
+            {"nMinLength", command.nMinLength},
+            {"nMaxLength", command.nMaxLength},
+            {"strText", TextJson(command.strText)},
+            {"strDefaultText", TextJson(command.strDefaultText)},
+            {"lstItems", items}};
+}
+
+bool IsMenu(const BLSatCommand& command) {
+    return command.nCommand == kMainMenu || command.nCommand == kSelectItem;
+}
+
+void PrintCommand(const BLSatCommand& command) {
+    const std::string text = command.strText.toStdString();
+    switch (command.nCommand) {
+    case kMainMenu:
+    case kSelectItem:
+        std::printf("%s\n", text.c_str());
+        for (const BLSatMenuItem& item : command.lstItems) {
+            std::printf("%4d  %s%s\n", item.nItemId, item.strText.toStdString().c_str(),
+                        item.nItemId == command.nDefaultItem && command.nDefaultItem != 0 ? "  (default)"
+                                                                                          : "");
+        }
+        break;
+    case kDisplayText:
+        std::printf("%s\n", text.c_str());
+        break;
+    case kGetInkey:
+        std::printf("%s\n(the card asks for a key)\n", text.c_str());
+        break;
+    case kGetInput:
+        std::printf("%s\n(the card asks for an answer of %d to %d characters)\n", text.c_str(),
+                    command.nMinLength, command.nMaxLength);
+        break;
+    case kSessionEnd:
+        std::printf("(the card ended the dialogue)\n");
+        break;
+    default:
+        std::printf("(toolkit command %d)%s%s\n", command.nCommand, text.empty() ? "" : " ", text.c_str());
+        break;
+    }
+    std::fflush(stdout);
+}
+
+// The item an argument names in a menu: its identifier, else its 1-based position, else its text (case
+// ignored). Nothing when none fits.
+std::optional<int> FindItem(const BLSatCommand& menu, const std::string& argument) {
+    bool isNumber = !argument.empty() && argument.size() <= 9;
+    for (char c : argument)
+        isNumber = isNumber && c >= '0' && c <= '9';
+    if (isNumber) {
+        const int number = std::stoi(argument);
+        for (const BLSatMenuItem& item : menu.lstItems) {
+            if (item.nItemId == number)
+                return item.nItemId;
+        }
+        if (number >= 1 && number <= menu.lstItems.size())
+            return menu.lstItems.at(number - 1).nItemId;
+    }
+    const QString text = QString::fromStdString(argument);
+    for (const BLSatMenuItem& item : menu.lstItems) {
+        if (item.strText.compare(text, Qt::CaseInsensitive) == 0)
+            return item.nItemId;
+    }
+    return std::nullopt;
+}
+
+int GetMenu(ModemSession& session, BLSatCommand& menu) {
+    ReportProgress("reading the SIM's menu");
+    const QVariantMap response = session.request(MESSAGE_STK_GET_MENU);
+    if (const int failed = session.check(response, "reading the SIM's menu"))
+        return failed;
+    menu = WorkNotification::GetValueObject(response).value<BLSatCommand>();
+    return EXIT_OK;
+}
+
+int Answer(ModemSession& session, const BLSatResponse& answer, BLSatCommand& next, const std::string& what) {
+    ReportProgress("waiting for the SIM's answer");
+    const QVariantMap response = session.request(MESSAGE_STK_SELECT_ITEM, QVariant::fromValue(answer));
+    if (const int failed = session.check(response, what))
+        return failed;
+    next = WorkNotification::GetValueObject(response).value<BLSatCommand>();
+    return EXIT_OK;
+}
+
+int Menu(CliContext& context, ModemSession& session) {
+    BLSatCommand menu;
+    if (const int failed = GetMenu(session, menu))
+        return failed;
+    if (context.json)
+        PrintJson(CommandJson(menu));
+    else
+        PrintCommand(menu);
+    return EXIT_OK;
+}
+
+int Select(CliContext& context, ModemSession& session, const std::vector<std::string>& items) {
+    BLSatCommand current;
+    if (const int failed = GetMenu(session, current))
+        return failed;
+    for (const std::string& argument : items) {
+        if (!IsMenu(current)) {
+            if (!context.json)
+                PrintCommand(current);
+            return ReportFailure(context, 1, "the SIM shows no menu to choose \"" + argument + "\" from");
+        }
+        const std::optional<int> item = FindItem(current, argument);
+        if (!item) {
+            return ReportFailure(
+                context, 1, "\"" + current.strText.toStdString() + "\" has no item \"" + argument + "\"");
+        }
+        BLSatResponse answer;
+        answer.nCommand = current.nCommand;
+        answer.nItemId = *item;
+        if (const int failed = Answer(session, answer, current, "choosing \"" + argument + "\""))
+            return failed;
+    }
+
+    // What the card shows from here on; a text is confirmed and what follows it shown too.
+    nlohmann::json shown = nlohmann::json::array();
+    for (int texts = 0;; ++texts) {
+        if (context.json)
+            shown.push_back(CommandJson(current));
+        else
+            PrintCommand(current);
+        if (current.nCommand != kDisplayText || texts == kMaxTextsFollowed)
+            break;
+        BLSatResponse confirm;
+        confirm.nCommand = kDisplayText;
+        if (const int failed = Answer(session, confirm, current, "confirming the SIM's text"))
+            return failed;
+    }
+    if (context.json)
+        PrintJson(shown);
+    return EXIT_OK;
+}
+
+} // namespace
+
+void AddStkCommand(CLI::App& app, CliContext& context) {
+    CLI::App* stk = app.add_subcommand("stk", "The SIM toolkit's menus");
+    stk->require_subcommand(1);
+    stk->add_subcommand("menu", "The SIM's main menu")->callback([&context] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Menu(context, s); });
+    });
+    auto items = std::make_shared<std::vector<std::string>>();
+    CLI::App* select = stk->add_subcommand("select", "Choose items, menu by menu, and show the SIM's answer");
+    select->add_option("ITEM", *items, "An item's identifier, position or text, one per menu")->required();
+    select->callback([&context, items] {
+        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Select(context, s, *items); });
+    });
+}
