@@ -116,6 +116,22 @@ template <typename V> void Fields(BLConnectStatistics& r, V&& v) {
     v("nReceivedBytes", r.nReceivedBytes), v("nSentBPS", r.nSentBPS), v("nReceivedBPS", r.nReceivedBPS);
     v("nMaxSentBPS", r.nMaxSentBPS), v("nMaxReceivedPBS", r.nMaxReceivedPBS);
 }
+template <typename V> void Fields(BLSatMenuItem& r, V&& v) {
+    v("nItemId", r.nItemId), v("strText", r.strText);
+}
+template <typename V> void Fields(BLSatCommand& r, V&& v) {
+    v("nCommand", r.nCommand), v("nType", r.nType), v("nDefaultItem", r.nDefaultItem),
+        v("nFormat", r.nFormat);
+    v("nMinLength", r.nMinLength), v("nMaxLength", r.nMaxLength), v("strText", r.strText);
+    v("strDefaultText", r.strDefaultText), v("lstItems", r.lstItems);
+}
+template <typename V> void Fields(BLSatResponse& r, V&& v) {
+    v("nCommand", r.nCommand), v("nResult", r.nResult), v("nItemId", r.nItemId), v("strText", r.strText);
+}
+template <typename V> void Fields(BLCallItem& r, V&& v) {
+    v("nIndex", r.nIndex), v("nDir", r.nDir), v("nState", r.nState), v("nMode", r.nMode), v("nMpty", r.nMpty);
+    v("nType", r.nType), v("strNumber", r.strNumber);
+}
 
 template <typename R> const char* ClassName();
 #define DIALTONE_RECORD_NAME(R)                                                                              \
@@ -148,6 +164,10 @@ DIALTONE_RECORD_NAME(BLUssdSendCmdInfo)
 DIALTONE_RECORD_NAME(BLUssdReceive)
 DIALTONE_RECORD_NAME(BLConnectDialinfo)
 DIALTONE_RECORD_NAME(BLConnectStatistics)
+DIALTONE_RECORD_NAME(BLSatMenuItem)
+DIALTONE_RECORD_NAME(BLSatCommand)
+DIALTONE_RECORD_NAME(BLSatResponse)
+DIALTONE_RECORD_NAME(BLCallItem)
 #undef DIALTONE_RECORD_NAME
 
 json TextToJson(const QString& text) {
@@ -192,6 +212,12 @@ json FieldToJson(const QStringList& value) {
 }
 json FieldToJson(const BLSmsListItem& value) {
     return RecordToJson(value);
+}
+json FieldToJson(const QList<BLSatMenuItem>& value) {
+    json list = json::array();
+    for (const BLSatMenuItem& item : value)
+        list.push_back(RecordToJson(item));
+    return list;
 }
 
 template <typename R> json RecordToJson(R record) {
@@ -279,6 +305,18 @@ bool FieldFromJson(const json& value, QStringList& field, std::string&) {
 bool FieldFromJson(const json& value, BLSmsListItem& field, std::string& error) {
     return RecordFromJson(value, field, error);
 }
+bool FieldFromJson(const json& value, QList<BLSatMenuItem>& field, std::string& error) {
+    if (!value.is_array())
+        return false;
+    field.clear();
+    for (const json& item : value) {
+        BLSatMenuItem menuItem;
+        if (!RecordFromJson(item, menuItem, error))
+            return false;
+        field.append(menuItem);
+    }
+    return true;
+}
 
 template <typename R> bool RecordFromJson(const json& document, R& record, std::string& error) {
     const std::string className = ClassName<R>();
@@ -357,7 +395,8 @@ const std::vector<RecordType>& RecordTypes() {
             Describe<BLPbConstraint>(),     Describe<BLSmsListItem>(),       Describe<BLSmsReceive>(),
             Describe<BLSmsSendItem>(),      Describe<BLSmsValidPeriod>(),    Describe<BLSmsStorageState>(),
             Describe<BLSmsFilterConfig>(),  Describe<BLUssdSendCmdInfo>(),   Describe<BLUssdReceive>(),
-            Describe<BLConnectDialinfo>(),  Describe<BLConnectStatistics>(),
+            Describe<BLConnectDialinfo>(),  Describe<BLConnectStatistics>(), Describe<BLSatMenuItem>(),
+            Describe<BLSatCommand>(),       Describe<BLSatResponse>(),       Describe<BLCallItem>(),
         };
     }();
     return types;
