@@ -217,9 +217,14 @@ void ComOperation::checkUnsolicitedReport(std::string& strData, const char* szEx
     for (size_t nType = 0; nType < kReportPrefixes.size(); ++nType) {
         if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines) == 0)
             continue;
-        for (const std::string& strLine : lstLines)
+        for (const std::string& strLine : lstLines) {
+            if (_lstReport.size() >= kMaxQueuedReports) {
+                DebugPrint("report queue full, dropped: %s", strLine.c_str());
+                continue;
+            }
             _lstReport.push_back(
                 new UnsolicitedReportDataType(static_cast<unsolicited_report_e_type>(nType), strLine));
+        }
     }
 }
 

@@ -39,6 +39,9 @@ using UnsolicitedReportList = std::list<UnsolicitedReportDataType*>;
 class ComOperation {
 public:
     static constexpr int kDevicePathSize = 513;
+    // The worker takes one report a second; beyond this many queued, further report lines are dropped
+    // (a stick flooding the port must not eat the memory). A dropped "+CMTI:" leaves its message stored.
+    static constexpr size_t kMaxQueuedReports = 256;
 
     // The process-wide channel, created on first use and never destroyed.
     static ComOperation* GetInstance();
@@ -61,7 +64,7 @@ public:
     // Hands out the queue itself; the caller reads the front record, pops it and deletes it.
     void getUnsoliciteReportList(UnsolicitedReportList*& pReportList);
     // Moves every recognised report line out of strData into the queue, the report table's order first,
-    // then the order within the data.
+    // then the order within the data; lines past kMaxQueuedReports are cut out and dropped.
     void checkUnsolicitedReport(std::string& strData, const char* szExpected);
 
     // The process-wide time-out count behind the reopen; tests start from a clean count.

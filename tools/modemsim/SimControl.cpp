@@ -150,6 +150,10 @@ json Set(SimModem& modem, std::string rest) {
         {"loopback_delay_ms", &s.sms.loopbackDelayMs, 600000},
         {"ussd_delay_ms", &s.ussd.delayMs, 600000},
         {"stk_delay_ms", &s.stk.delayMs, 600000},
+        {"flood_interval_ms", &s.knobs.floodIntervalMs, 600000},
+        {"unplug_after", &s.knobs.unplugAfter, 100000},
+        {"fail_sends", &s.sms.failSends, 1000},
+        {"fail_sends_after", &s.sms.failSendsAfter, 1000},
     };
     for (const IntKnob& k : ints) {
         if (key == k.name) {
@@ -159,6 +163,29 @@ json Set(SimModem& modem, std::string rest) {
             *k.target = n;
             return {{"ok", true}, {key, n}};
         }
+    }
+    if (key == "mute" || key == "garbage") {
+        if (!isNumber || n > 1) {
+            return Fail(key + " must be 0 or 1");
+        }
+        (key == "mute" ? s.knobs.mute : s.knobs.garbage) = n == 1;
+        return {{"ok", true}, {key, n == 1}};
+    }
+    if (key == "flood") {
+        if (!isNumber || n < 1 || n > 10000) {
+            return Fail("flood must be 1-10000");
+        }
+        modem.Flood(n);
+        return {{"ok", true}, {key, n}};
+    }
+    if (key == "flood_line" || key == "unplug_on") {
+        // The text may hold blanks: "+CMTI: \"SM\",1".
+        const std::string text = value + (rest.empty() ? "" : " " + rest);
+        if (key == "flood_line" && (text.empty() || text.size() > 1024)) {
+            return Fail("flood_line must be 1-1024 characters");
+        }
+        (key == "flood_line" ? s.knobs.floodLine : s.knobs.unplugOn) = text;
+        return {{"ok", true}, {key, text}};
     }
     if (key == "fail_next_send" || key == "ussd_packed") {
         if (!isNumber || n > 1) {

@@ -1,6 +1,7 @@
 #include "SimModem.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "SimDialPort.h"
 #include "SimNetworkCommands.h"
@@ -23,6 +24,20 @@ constexpr size_t kMaxLine = 4096;
 constexpr size_t kMaxPromptText = 2048;
 constexpr size_t kMaxUrcs = 200;
 constexpr size_t kMaxLog = 500;
+constexpr int kMaxFlood = 10000;
+
+bool StartsWithNoCase(const std::string& text, const std::string& prefix) {
+    if (text.size() < prefix.size()) {
+        return false;
+    }
+    for (size_t i = 0; i < prefix.size(); ++i) {
+        if (std::toupper(static_cast<unsigned char>(text[i])) !=
+            std::toupper(static_cast<unsigned char>(prefix[i]))) {
+            return false;
+        }
+    }
+    return true;
+}
 
 bool StartsWithAt(const std::string& line) {
     return line.size() >= 2 && (line[0] == 'A' || line[0] == 'a') && (line[1] == 'T' || line[1] == 't');
@@ -80,6 +95,7 @@ void SimModem::PowerCycle(TimePoint now) {
     ResetSettings();
     urcs_.clear();
     timers_.clear();
+    unplugRequested_ = false;
     lastLine_.clear();
     state_.voice.calls.clear();
     state_.ussd.session = -1;
@@ -120,6 +136,10 @@ void SimModem::Receive(std::string_view bytes, TimePoint now) {
 }
 
 std::string SimModem::TakeOutput() {
+    if (state_.knobs.mute) {
+        output_.clear();
+        return {};
+    }
     std::string out;
     out.swap(output_);
     return out;
@@ -157,8 +177,29 @@ void SimModem::Advance(TimePoint now) {
         timers_.erase(it);
         action(*this);
     }
+    const Knobs& knobs = state_.knobs;
+    if (knobs.floodIntervalMs > 0 && hostConnected_ && nextFlood_ <= now) {
+        Flood(1);
+        nextFlood_ = now + std::chrono::milliseconds(knobs.floodIntervalMs);
+    }
     ProcessInput();
     FlushImmediateUrcs();
+}
+
+void SimModem::Flood(int count) {
+    if (!hostConnected_) {
+        return;
+    }
+    const std::string line = Framed(state_.knobs.floodLine);
+    for (int i = 0; i < std::min(count, kMaxFlood); ++i) {
+        output_ += line;
+    }
+}
+
+bool SimModem::TakeUnplugRequest() {
+    const bool requested = unplugRequested_;
+    unplugRequested_ = false;
+    return requested;
 }
 
 std::optional<TimePoint> SimModem::NextWake() const {
@@ -170,6 +211,9 @@ std::optional<TimePoint> SimModem::NextWake() const {
         if (!next || t.due < *next) {
             next = t.due;
         }
+    }
+    if (state_.knobs.floodIntervalMs > 0 && hostConnected_ && (!next || nextFlood_ < *next)) {
+        next = nextFlood_;
     }
     return next;
 }
@@ -238,7 +282,7 @@ int SimModem::SimError() const {
 
 void SimModem::ProcessInput() {
     size_t used = 0;
-    while (used < input_.size() && !Busy()) {
+    while (used < input_.size() && !Busy() && !unplugRequested_) {
         char c = input_[used++];
         if (prompt_) {
             HandlePromptChar(c);
@@ -334,6 +378,15 @@ void SimModem::HandleLine(const std::string& rawLine) {
     while (log_.size() > kMaxLog) {
         log_.pop_front();
     }
+    if (HitsUnplugKnob(line)) {
+        // Pulled before the command is answered; the rest of the input is lost with the port.
+        unplugRequested_ = true;
+        input_.clear();
+        return;
+    }
+    if (state_.knobs.mute) {
+        return;
+    }
     std::string_view body = std::string_view(line).substr(2);
     std::string out;
     AtReply final;
@@ -345,6 +398,13 @@ void SimModem::HandleLine(const std::string& rawLine) {
         }
     } else {
         out = ExecuteLine(body, final);
+    }
+    if (state_.knobs.garbage) {
+        if (final.final == AtReply::Final::Prompt) {
+            prompt_.reset(); // the text that follows is taken for a command line, as it was never asked for
+        }
+        Emit(Garbage(), state_.knobs.latencyMs);
+        return;
     }
     if (final.final == AtReply::Final::Prompt) {
         // "\r\n> " goes out at once, without the one-shot injection.
@@ -399,6 +459,36 @@ void SimModem::Emit(std::string bytes, int delayMs) {
     } else {
         output_ += bytes;
     }
+}
+
+// 8 to 64 bytes of line noise, NULs included, ending in a line end so that the host looks at it. Without
+// 'O', 'R' and '>' it holds no final result ("OK", "ERROR") and no text prompt.
+std::string SimModem::Garbage() {
+    auto next = [this] {
+        garbageSeed_ = garbageSeed_ * 1103515245u + 12345u;
+        return static_cast<unsigned>((garbageSeed_ >> 16) & 0xFF);
+    };
+    const unsigned length = 8 + next() % 57;
+    std::string out;
+    while (out.size() < length) {
+        const char c = static_cast<char>(next());
+        if (c != 'O' && c != 'R' && c != '>') {
+            out += c;
+        }
+    }
+    return out + "\r\n";
+}
+
+bool SimModem::HitsUnplugKnob(const std::string& line) {
+    Knobs& knobs = state_.knobs;
+    if (knobs.unplugAfter > 0 && --knobs.unplugAfter == 0) {
+        return true;
+    }
+    if (!knobs.unplugOn.empty() && StartsWithNoCase(line, knobs.unplugOn)) {
+        knobs.unplugOn.clear();
+        return true;
+    }
+    return false;
 }
 
 std::string SimModem::TakeUrcs(size_t max) {
@@ -479,7 +569,8 @@ nlohmann::json SimModem::Dump() const {
                   {"storages", storages},
                   {"cpms", state_.sms.cpms},
                   {"smsc", state_.sms.smsc},
-                  {"fail_next_send", state_.sms.failNextSend}};
+                  {"fail_next_send", state_.sms.failNextSend},
+                  {"fail_sends", state_.sms.failSends}};
     json books = json::object();
     for (const auto& [name, pb] : state_.phonebooks) {
         books[name] = DumpPhonebook(pb);

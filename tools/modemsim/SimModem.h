@@ -74,6 +74,11 @@ public:
     // phonebooks and sent messages stay.
     void PowerCycle(TimePoint now);
 
+    // Writes count flood lines at once, past any answer in progress (nothing while the host is away).
+    void Flood(int count);
+    // True once when a command hit the unplug_after/unplug_on knob; the server then pulls the stick.
+    bool TakeUnplugRequest();
+
     // Runs what is due: held-back answers, network events.
     void Advance(TimePoint now);
     std::optional<TimePoint> NextWake() const;
@@ -119,6 +124,8 @@ private:
     void Emit(std::string bytes, int delayMs);
     std::string TakeUrcs(size_t max);
     void FlushImmediateUrcs();
+    std::string Garbage();
+    bool HitsUnplugKnob(const std::string& line);
     bool Busy() const { return pendingAnswer_.has_value(); }
 
     SimState state_;
@@ -138,6 +145,9 @@ private:
     std::vector<Timer> timers_;
     unsigned long timerSeq_ = 0;
     std::deque<std::string> log_;
+    bool unplugRequested_ = false;
+    TimePoint nextFlood_{};
+    unsigned long garbageSeed_ = 12345;
     std::unique_ptr<SimDialPort> dial_;
 };
 

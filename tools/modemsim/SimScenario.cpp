@@ -274,6 +274,8 @@ void ParseSms(const json& j, SimState& state) {
     sms.statusReportStatus = IntIn(j, "status_report_status", 0, 0, 255);
     sms.loopbackDelayMs = IntIn(j, "loopback_delay_ms", 1000, 0, 600000);
     sms.failNextSend = j.value("fail_next_send", false);
+    sms.failSends = IntIn(j, "fail_sends", 0, 0, 1000);
+    sms.failSendsAfter = IntIn(j, "fail_sends_after", 0, 0, 1000);
     for (const json& msg : Array(j, "messages")) {
         AddMessage(state, msg);
     }
@@ -360,6 +362,14 @@ void ParseKnobs(const json& j, Knobs& knobs) {
                                           : UrcMode::Mixed;
     knobs.urcPerPoll = IntIn(j, "urc_per_poll", 1, 0, 1000);
     knobs.inject = j.value("inject", "");
+    knobs.mute = j.value("mute", false);
+    knobs.garbage = j.value("garbage", false);
+    knobs.floodIntervalMs = IntIn(j, "flood_interval_ms", 0, 0, 600000);
+    knobs.floodLine = j.value("flood_line", "RING");
+    Require(!knobs.floodLine.empty() && knobs.floodLine.size() <= 1024,
+            "flood_line must be 1-1024 characters");
+    knobs.unplugAfter = IntIn(j, "unplug_after", 0, 0, 100000);
+    knobs.unplugOn = j.value("unplug_on", "");
 }
 
 } // namespace

@@ -159,6 +159,10 @@ int SimServer::Run(int stopFd) {
     };
     while (!quit_) {
         TimePoint now = SimClock::now();
+        if (modem_.TakeUnplugRequest() && plugged_) {
+            Trace("AT  --", "the stick is pulled (unplug knob)");
+            Unplug();
+        }
         if (now >= nextProbe_) {
             Probe(at_, true, now);
             Probe(dial_, false, now);

@@ -109,6 +109,14 @@ AtReply Submit(SimModem& m, int length, const std::string& hex) {
         sms.failNextSend = false;
         return AtReply::Cms(cms::kUnknown);
     }
+    if (sms.failSends > 0) {
+        if (sms.failSendsAfter > 0) {
+            --sms.failSendsAfter;
+        } else {
+            --sms.failSends;
+            return AtReply::Cms(cms::kUnknown);
+        }
+    }
     SubmitInfo info = DecodeSubmitPdu(hex, length);
     if (!info.ok) {
         return AtReply::Cms(cms::kInvalidPduParameter);

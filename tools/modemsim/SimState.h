@@ -128,6 +128,8 @@ struct Messaging {
     int nextMr = 1;
     int nextConcatRef = 1;
     bool failNextSend = false;
+    int failSends = 0;      // this many sends are refused with +CMS ERROR: 500 ...
+    int failSendsAfter = 0; // ... once this many more have gone through
     int statusReportDelayMs = 1000;
     int statusReportStatus = 0; // TP-ST of the network's report: 0 delivered
     int loopbackDelayMs = 1000; // a message to the own number comes back after this long
@@ -209,6 +211,13 @@ struct Knobs {
     UrcMode urcMode = UrcMode::Poll;
     int urcPerPoll = 1; // unsolicited lines written per "at" poll; 0: all
     std::string inject; // one line mixed into the next answer before its final result
+    // Faults.
+    bool mute = false;       // commands are logged, but nothing is carried out or written
+    bool garbage = false;    // answers are replaced by random bytes without a final result or '>'
+    int floodIntervalMs = 0; // a flood line every this many ms while the host holds the port
+    std::string floodLine = "RING";
+    int unplugAfter = 0;  // the stick is pulled when the host sends its Nth command from now, ...
+    std::string unplugOn; // ... or a command starting with this text (case-insensitive); once
 };
 
 struct SimState {

@@ -1,0 +1,413 @@
+// Faults end to end: the real worker against a simulated stick that is pulled out, falls silent, talks
+// nonsense, dribbles or floods, and against full message storages and a computer-side inbox that cannot
+// be written.
+
+#include "../core/TempHome.h"
+#include "E2ESupport.h"
+
+#include "AtSublayerInterface.h"
+#include "BLRecords.h"
+#include "ComOperation.h"
+#include "GUIThreadAgent.h"
+#include "SMS/SMSExt.h"
+#include "SmsTypes.h"
+#include "UserDataFolder.h"
+#include "WorkMessageNames.h"
+#include "WorkNotification.h"
+#include "WorkThread.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonArray>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <list>
+#include <memory>
+#include <vector>
+
+#include <unistd.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString kImsi = QStringLiteral("262021234567890");
+
+class FaultsE2E : public ::testing::Test {
+protected:
+    // The simulator first, so that knobs can be set before the worker opens the port.
+    void plug(const QStringList& args = {}) {
+        _sim = std::make_unique<SimulatedModem>(args);
+        ASSERT_TRUE(_sim->started());
+    }
+    void set(const QString& knob) {
+        ASSERT_TRUE(_sim->control("set " + knob).value("ok").toBool()) << knob.toStdString();
+    }
+    void startWorker() {
+        _agent = std::make_unique<GUIThreadAgent>(nullptr, &_module);
+        _agent->setServerSetupCompleteTargetCallBack([this](WorkNotification* wn) { _wn = wn; });
+        ASSERT_TRUE(waitUntil([this] { return _wn != nullptr; }, 15s));
+    }
+    void start(const QStringList& args = {}) {
+        plug(args);
+        startWorker();
+        ASSERT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
+    }
+    void stop() {
+        NotificationCenter::defaultCenter().removeObserver(&_module);
+        _agent.reset();
+        _wn = nullptr;
+        _sim.reset();
+    }
+    void TearDown() override { stop(); }
+
+    QVariantMap sync(const QString& name, const QVariant& value = {}) {
+        QVariantMap userInfo;
+        if (value.isValid()) {
+            WorkNotification::SetValueObject(userInfo, value);
+        }
+        return _wn->sendworkMessage(name, userInfo, true);
+    }
+    static int error(const QVariantMap& response) { return WorkNotification::GetErrorCode(response); }
+
+    std::shared_ptr<std::vector<Notification>> listen(const QString& name) {
+        auto posted = std::make_shared<std::vector<Notification>>();
+        NotificationCenter::defaultCenter().addObserver(
+            name, &_module, [posted](const Notification& n) { posted->push_back(n); });
+        return posted;
+    }
+
+    // Runs fn on the worker's thread, between its requests and timer ticks.
+    template <class Fn> void onWorker(Fn fn) {
+        WorkThread* const worker = WorkThread::GetRequestInterfaceImpObject();
+        ASSERT_NE(worker, nullptr);
+        QMetaObject::invokeMethod(worker, fn, Qt::BlockingQueuedConnection);
+    }
+    size_t queuedReports() {
+        size_t size = 0;
+        onWorker([&size] {
+            UnsolicitedReportList* reports = nullptr;
+            ComOperation::GetInstance()->getUnsoliciteReportList(reports);
+            size = reports->size();
+        });
+        return size;
+    }
+    int timeOuts() {
+        int count = 0;
+        onWorker([&count] { count = ComOperation::GetTimeOutCount(); });
+        return count;
+    }
+
+    // The SMS screen's start, and the SIM's computer-side inbox as the message tool sets it up.
+    void prepareMessages(int preferredStorage) {
+        ASSERT_EQ(error(sync(MESSAGE_SMS_INIT)), 0);
+        onWorker([] {
+            TInterfaceAtSublayer* sublayer = WorkThread::GetRequestInterfaceImpObject()->atSublayer();
+            sublayer->SMSSetIMSI(kImsi.toLatin1().constData());
+            SMSExt::registerWith(*sublayer);
+        });
+        ASSERT_EQ(error(sync(MESSAGE_SMS_SET_PREFERRED_STORAGE, preferredStorage)), 0);
+        ASSERT_EQ(error(sync(MESSAGE_SMS_GET_LIST)), 0);
+    }
+    QVariantList list() {
+        const QVariantMap response = sync(MESSAGE_SMS_GET_LIST);
+        EXPECT_EQ(error(response), 0);
+        return WorkNotification::GetValueObject(response).toList();
+    }
+    QJsonArray stored(const QString& storage) const {
+        return _sim->control("dump")
+            .value("sms")
+            .toObject()
+            .value("storages")
+            .toObject()
+            .value(storage)
+            .toObject()
+            .value("messages")
+            .toArray();
+    }
+    QVariantList inboxOnComputer() const {
+        std::list<TSMSRecordInPC> records;
+        SMSExt::shared().list(kImsi, records);
+        QVariantList out;
+        for (const TSMSRecordInPC& record : records) {
+            out << QString::fromStdString(record.strPdu);
+        }
+        return out;
+    }
+
+    TempHome _home;
+    QTimer _module; // stands in for a feature module: the requests' sender
+    std::unique_ptr<SimulatedModem> _sim;
+    std::unique_ptr<GUIThreadAgent> _agent;
+    WorkNotification* _wn = nullptr;
+};
+
+// The start-up sequence is ATE1, ATE1, ATE0, AT&F, ATE0Q0V1, AT+CMEE=2; the stick goes at each of them.
+// The failed start leaves no poll running, so the unplug is told at the next start, as on first start.
+TEST_F(FaultsE2E, StickPulledAtEachStepOfStartUp) {
+    const char* const steps[] = {"ATE1", "ATE1", "ATE0", "AT&F", "ATE0Q0V1", "AT+CMEE=2"};
+    for (int step = 1; step <= 6; ++step) {
+        SCOPED_TRACE(testing::Message() << "pulled at command " << step << " " << steps[step - 1]);
+        plug();
+        set(QStringLiteral("unplug_after %1").arg(step));
+        startWorker();
+        auto unplugged = listen(MESSAGE_USB_UNPLUGGED);
+
+        QElapsedTimer clock;
+        clock.start();
+        EXPECT_NE(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
+        EXPECT_LT(clock.elapsed(), 1500);
+        EXPECT_EQ(_sim->commands().value(step - 1), steps[step - 1]);
+        EXPECT_EQ(_sim->commands().size(), step); // nothing reached the modem after the pull
+
+        EXPECT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 1);
+        EXPECT_TRUE(waitUntil([&] { return unplugged->size() == 1; }, 2s));
+
+        ASSERT_TRUE(_sim->control("plug").value("ok").toBool());
+        EXPECT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
+        const QVariantMap info = sync(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
+        EXPECT_EQ(error(info), 0);
+        EXPECT_EQ(WorkNotification::GetValueObject(info).value<BLEquipmentInfo>().strImsi, kImsi);
+        stop();
+    }
+}
+
+// Pulled just as a long command goes out: it ends at once, the poll tells the unplug, a replug recovers.
+TEST_F(FaultsE2E, StickPulledInTheMiddleOfLongCommands) {
+    struct Row {
+        const char* request;
+        QVariant value;
+        const char* pulledAt;
+    };
+    const Row rows[] = {
+        {"MESSAGE_NETWORK_GET_LIST", {}, "AT+COPS=?"},
+        {"MESSAGE_SMS_GET_LIST", {}, "AT+CMGL"},
+        {"MESSAGE_SMS_SEND", QVariant::fromValue(BLSmsSendItem{"+491701234567", "Hello"}), "AT+CMGS="},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.request);
+        start();
+        ASSERT_EQ(error(sync(MESSAGE_SMS_INIT)), 0);
+        set("scan_delay_ms 60000");
+        set(QStringLiteral("unplug_on ") + row.pulledAt);
+        auto unplugged = listen(MESSAGE_USB_UNPLUGGED);
+
+        QElapsedTimer clock;
+        clock.start();
+        EXPECT_NE(error(sync(row.request, row.value)), 0);
+        EXPECT_LT(clock.elapsed(), 1500);
+        EXPECT_TRUE(waitUntil([&] { return unplugged->size() == 1; }, 3s));
+        EXPECT_EQ(queuedReports(), 0u);
+
+        ASSERT_TRUE(_sim->control("plug").value("ok").toBool());
+        set("scan_delay_ms 10");
+        ASSERT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
+        ASSERT_EQ(error(sync(MESSAGE_SMS_INIT)), 0);
+        EXPECT_EQ(error(sync(row.request, row.value)), 0);
+        stop();
+    }
+}
+
+// Silence and nonsense end every command with a time-out; the stick that comes back is used again.
+TEST_F(FaultsE2E, SilentOrGarbledModemTimesOutAndRecovers) {
+    for (const char* knob : {"mute", "garbage"}) {
+        SCOPED_TRACE(knob);
+        start();
+        const int before = timeOuts();
+        set(QStringLiteral("%1 1").arg(knob));
+        QElapsedTimer clock;
+        clock.start();
+        EXPECT_EQ(error(sync(MESSAGE_PIN_GET_STATE)), 2); // time-out
+        EXPECT_LT(clock.elapsed(), 7000);                 // the command's own limit, 5 s
+        EXPECT_GT(timeOuts(), before);
+        EXPECT_EQ(queuedReports(), 0u);
+
+        set(QStringLiteral("%1 0").arg(knob));
+        const QVariantMap info = sync(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
+        EXPECT_EQ(error(info), 0);
+        EXPECT_EQ(WorkNotification::GetValueObject(info).value<BLEquipmentInfo>().strManufacturer,
+                  "SIMULATED");
+        stop();
+    }
+}
+
+// Every answer in one-byte pieces, from the first command on: the same results as in one piece.
+TEST_F(FaultsE2E, AnswersInOneBytePieces) {
+    plug({"--scenario", "full-sim"});
+    set("chunk_bytes 1");
+    set("chunk_gap_ms 1");
+    startWorker();
+    ASSERT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
+    const QVariantMap info = sync(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
+    EXPECT_EQ(error(info), 0);
+    EXPECT_EQ(WorkNotification::GetValueObject(info).value<BLEquipmentInfo>().strImsi, kImsi);
+    ASSERT_EQ(error(sync(MESSAGE_SMS_INIT)), 0);
+    const auto texts = [this] {
+        QStringList out;
+        for (const QVariant& entry : list()) {
+            out << entry.value<BLSmsListItem>().strContent;
+        }
+        return out;
+    };
+    const QStringList inPieces = texts();
+    EXPECT_GE(inPieces.size(), 10);
+
+    set("chunk_bytes 0");
+    EXPECT_EQ(texts(), inPieces);
+}
+
+// Unsolicited lines by the thousand, at once and as a stream: the report queue stays bounded and
+// requests still get through.
+TEST_F(FaultsE2E, FloodOfUnsolicitedLinesStaysBounded) {
+    start();
+    set("flood_line RING");
+    set("flood 3000");
+    // The next poll reads them all; the worker takes one a second.
+    ASSERT_TRUE(waitUntil([&] { return queuedReports() + 5 >= ComOperation::kMaxQueuedReports; }, 5s));
+    EXPECT_LE(queuedReports(), ComOperation::kMaxQueuedReports);
+
+    set("flood_interval_ms 2");
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < 3000) {
+        EXPECT_EQ(error(sync(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO)), 0);
+        EXPECT_LE(queuedReports(), ComOperation::kMaxQueuedReports);
+    }
+    set("flood_interval_ms 0");
+    EXPECT_EQ(error(sync(MESSAGE_PIN_CHECK_STATE)), 0);
+}
+
+// A full SIM refuses what the network brings; with the modem memory chosen, messages arrive until that
+// is full too, and deleting one makes room again. Nothing stored is lost on the way.
+TEST_F(FaultsE2E, FullSimAndFullModemMemoryWhileMessagesArrive) {
+    start({"--scenario", "full-sim"});
+    ASSERT_EQ(error(sync(MESSAGE_SMS_INIT)), 0);
+    const int before = list().size();
+    auto received = listen(MESSAGE_RPT_RECEIVE_SMS);
+
+    EXPECT_EQ(_sim->control("sms +491701234567 Nowhere").value("error").toString(), "storage full");
+    ASSERT_EQ(error(sync(MESSAGE_SMS_SET_PREFERRED_STORAGE, SMS_STORAGE_MODEM)), 0);
+    int arrived = 0;
+    while (_sim->control("sms +491701234567 Arrives").value("ok").toBool()) {
+        ++arrived;
+        ASSERT_LE(arrived, 2);
+        ASSERT_TRUE(waitUntil([&] { return static_cast<int>(received->size()) == arrived; }, 6s));
+        const auto item = WorkNotification::GetValueObject(received->back().userInfo).value<BLSmsListItem>();
+        EXPECT_EQ(item.nStoreIn, SMS_STORAGE_MODEM);
+    }
+    EXPECT_GE(arrived, 1);
+    EXPECT_EQ(stored("ME").size(), 2);
+    EXPECT_EQ(list().size(), before + arrived);
+
+    const auto newest = WorkNotification::GetValueObject(received->back().userInfo).value<BLSmsListItem>();
+    // Message IDs are those of the last listing.
+    int newestId = -1;
+    for (const QVariant& entry : list()) {
+        const auto item = entry.value<BLSmsListItem>();
+        if (item.strContent == newest.strContent && item.nStoreIn == SMS_STORAGE_MODEM) {
+            newestId = item.nRef;
+        }
+    }
+    ASSERT_EQ(error(sync(MESSAGE_SMS_DELETE, newestId)), 0);
+    ASSERT_TRUE(_sim->control("sms +491701234567 Room again").value("ok").toBool());
+    EXPECT_TRUE(waitUntil([&] { return static_cast<int>(received->size()) == arrived + 1; }, 6s));
+    EXPECT_EQ(stored("SM").size(), 10);
+}
+
+// The network refuses a send with +CMS ERROR: 500; one refusal is tried again, two end the send, also
+// after the first part of a long message went out. The next send goes.
+TEST_F(FaultsE2E, SendRefusedMidWay) {
+    struct Row {
+        const char* what;
+        int length;
+        int refusals;
+        int after; // parts that go through first
+        bool sent;
+        int partsSent;
+    };
+    const Row rows[] = {
+        {"refused once, tried again", 5, 1, 0, true, 1},
+        {"refused twice", 5, 2, 0, false, 0},
+        {"long message refused at its second part", 200, 2, 1, false, 1},
+        {"long message refused once at its second part", 200, 1, 1, true, 2},
+    };
+    start();
+    ASSERT_EQ(error(sync(MESSAGE_SMS_INIT)), 0);
+    const auto sentCount = [this] {
+        return static_cast<int>(_sim->control("dump").value("sms").toObject().value("sent").toArray().size());
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const int before = sentCount();
+        set(QStringLiteral("fail_sends %1").arg(row.refusals));
+        set(QStringLiteral("fail_sends_after %1").arg(row.after));
+        const QVariant message =
+            QVariant::fromValue(BLSmsSendItem{"+491701234567", QString(row.length, 'x')});
+        EXPECT_EQ(error(sync(MESSAGE_SMS_SEND, message)) == 0, row.sent);
+        EXPECT_EQ(sentCount() - before, row.partsSent);
+    }
+    EXPECT_EQ(error(sync(MESSAGE_SMS_SEND, QVariant::fromValue(BLSmsSendItem{"+491701234567", "Hello"}))), 0);
+}
+
+// A message taken out of the modem memory while the computer-side inbox cannot be written stays in the
+// modem (no AT+CMGD) and is moved once the inbox can be written again.
+TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
+    struct Row {
+        const char* how;
+        bool needsPermissions; // root writes through a read-only folder
+    };
+    const Row rows[] = {{"read-only folder", true}, {"file name taken by a folder", false}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.how);
+        if (row.needsPermissions && geteuid() == 0) {
+            continue;
+        }
+        start();
+        const QString folder = UserDataFolder::configPath();
+        const QString inbox = SMSExt::shared().filePath();
+        prepareMessages(SMS_STORAGE_PC); // moves the scenario's message out of the modem memory
+        const qsizetype pcBefore = inboxOnComputer().size();
+        auto received = listen(MESSAGE_RPT_RECEIVE_SMS);
+        if (row.needsPermissions) {
+            ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+        } else {
+            // What the listing moved there so far is put back afterwards.
+            ASSERT_TRUE(QFile::rename(inbox, inbox + ".kept"));
+            ASSERT_TRUE(QDir().mkpath(inbox));
+        }
+
+        const qsizetype sentBefore = _sim->commands().size();
+        ASSERT_TRUE(_sim->control("sms +491701234567 Keep me").value("ok").toBool());
+        ASSERT_TRUE(waitUntil([&] { return received->size() == 1; }, 6s));
+        const auto item = WorkNotification::GetValueObject(received->front().userInfo).value<BLSmsListItem>();
+        EXPECT_EQ(item.strContent, "Keep me");
+        EXPECT_EQ(item.nStoreIn, SMS_STORAGE_MODEM);
+        EXPECT_EQ(stored("ME").size(), 1);
+        EXPECT_FALSE(_sim->commands().mid(sentBefore).join(' ').contains("AT+CMGD"));
+
+        // Writable again: the next listing moves it.
+        if (row.needsPermissions) {
+            ASSERT_TRUE(
+                QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        } else {
+            ASSERT_TRUE(QDir(inbox).removeRecursively());
+            ASSERT_TRUE(QFile::rename(inbox + ".kept", inbox));
+        }
+        const QVariantList items = list();
+        EXPECT_EQ(stored("ME").size(), 0);
+        EXPECT_EQ(inboxOnComputer().size(), pcBefore + 1);
+        int kept = 0;
+        for (const QVariant& entry : items) {
+            kept += entry.value<BLSmsListItem>().strContent == "Keep me" ? 1 : 0;
+        }
+        EXPECT_EQ(kept, 1);
+        stop();
+        QFile::remove(inbox);
+    }
+}
+
+} // namespace

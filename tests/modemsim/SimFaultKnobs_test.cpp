@@ -1,0 +1,153 @@
+// The fault knobs: a mute stick, line noise instead of answers, floods of unsolicited lines and a stick
+// pulled at a chosen command.
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include "SimControl.h"
+#include "SimTestSupport.h"
+
+using namespace std::chrono_literals;
+
+namespace modemsim::test {
+namespace {
+
+size_t Count(const std::string& text, const std::string& what) {
+    size_t n = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) {
+        ++n;
+    }
+    return n;
+}
+
+TEST(SimFaultKnobsTest, MuteAndGarbageAnswers) {
+    ModemHarness h(ModemHarness::Builtin());
+    h.At("ATE0");
+    h.modem.State().knobs.mute = true;
+    // Logged but neither carried out nor answered, unsolicited lines included.
+    EXPECT_EQ(h.At("ATE1"), "");
+    h.modem.Flood(3);
+    EXPECT_EQ(h.Run(100), "");
+    EXPECT_EQ(h.modem.CommandLog().back(), "ATE1");
+    h.modem.State().knobs.mute = false;
+    EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\nOK\r\n"); // echo still off
+
+    h.modem.State().knobs.garbage = true;
+    const char* const commands[] = {"AT+CSQ", "at", "AT+NOSUCH", "AT+CMGS=20", "AT+COPS?", "ATI"};
+    for (int round = 0; round < 200; ++round) {
+        const std::string command = commands[round % std::size(commands)];
+        const std::string answer = h.At(command);
+        ASSERT_GE(answer.size(), 10u) << command;
+        EXPECT_EQ(answer.substr(answer.size() - 2), "\r\n") << command;
+        EXPECT_EQ(answer.find("OK"), std::string::npos) << command;
+        EXPECT_EQ(answer.find("ERROR"), std::string::npos) << command;
+        EXPECT_EQ(answer.find('>'), std::string::npos) << command;
+    }
+    h.modem.State().knobs.garbage = false;
+    // The refused prompt left no text input open.
+    EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\nOK\r\n");
+}
+
+TEST(SimFaultKnobsTest, FloodsAtOnceAndAsAStream) {
+    ModemHarness h(ModemHarness::Builtin());
+    h.At("ATE0");
+    h.modem.Flood(3);
+    EXPECT_EQ(h.Run(0), "\r\nRING\r\n\r\nRING\r\n\r\nRING\r\n");
+    h.modem.State().knobs.floodLine = "+CMTI: \"SM\",1";
+    h.modem.Flood(1000000); // capped
+    EXPECT_EQ(Count(h.Run(0), "+CMTI: \"SM\",1\r\n"), 10000u);
+
+    h.modem.State().knobs.floodIntervalMs = 100;
+    EXPECT_EQ(Count(h.Run(1000), "\r\n+CMTI:"), 11u); // at 0, 100, ..., 1000 ms
+    // The stream goes on in the middle of answers and stops with the knob.
+    EXPECT_NE(h.At("AT+CSQ").find("OK"), std::string::npos);
+    h.modem.State().knobs.floodIntervalMs = 0;
+    h.Run(100);
+    EXPECT_EQ(h.Run(1000), "");
+}
+
+TEST(SimFaultKnobsTest, UnplugKnobsFireOnceAtTheirCommand) {
+    struct Row {
+        int after;
+        const char* on;
+        std::vector<const char*> commands;
+        size_t firesAt; // index into commands; commands.size() for never
+    };
+    const Row rows[] = {
+        {1, "", {"ATE1", "ATE0"}, 0},
+        {3, "", {"ATE1", "at", "AT&F", "AT+CSQ"}, 2},
+        {0, "AT&F", {"ATE1", "at&f", "AT&F"}, 1},
+        {0, "AT+CMEE", {"ATE0Q0V1", "AT+CMEE=2", "AT+CMEE=2"}, 1},
+        {0, "AT+COPS=?", {"AT+COPS?", "AT+CSQ"}, 2},
+    };
+    for (const Row& row : rows) {
+        ModemHarness h(ModemHarness::Builtin());
+        h.modem.State().knobs.unplugAfter = row.after;
+        h.modem.State().knobs.unplugOn = row.on;
+        for (size_t i = 0; i < row.commands.size(); ++i) {
+            const std::string answer = h.At(row.commands[i]);
+            const bool fired = h.modem.TakeUnplugRequest();
+            EXPECT_EQ(fired, i == row.firesAt)
+                << row.commands[i] << " after " << row.after << " on " << row.on;
+            if (fired) {
+                EXPECT_EQ(answer.find("\r\n"), std::string::npos) << "at most the echo: " << answer;
+            }
+        }
+    }
+}
+
+TEST(SimFaultKnobsTest, ControlSettingsAreChecked) {
+    struct Row {
+        const char* line;
+        bool ok;
+    };
+    const Row rows[] = {
+        {"set mute 1", true},
+        {"set mute 2", false},
+        {"set garbage 0", true},
+        {"set garbage x", false},
+        {"set flood 5", true},
+        {"set flood 0", false},
+        {"set flood 10001", false},
+        {"set flood_interval_ms 50", true},
+        {"set flood_interval_ms -1", false},
+        {"set flood_line +CMTI: \"SM\",1", true},
+        {"set flood_line", false},
+        {"set unplug_after 6", true},
+        {"set unplug_on AT+CMGS=", true},
+    };
+    ModemHarness h(ModemHarness::Builtin());
+    for (const Row& row : rows) {
+        EXPECT_EQ(ExecuteControl(row.line, h.modem, {}).value("ok", !row.ok), row.ok) << row.line;
+    }
+    EXPECT_EQ(h.modem.State().knobs.floodLine, "+CMTI: \"SM\",1");
+    EXPECT_EQ(h.modem.State().knobs.unplugOn, "AT+CMGS=");
+}
+
+// The program pulls the stick itself: the port hangs up, the links vanish and "plug" brings it back.
+TEST(SimFaultKnobsTest, ProgramPullsTheStickAtTheChosenCommand) {
+    SimProcess sim;
+    if (!sim.Started()) {
+        GTEST_SKIP() << "the simulator program was not built";
+    }
+    const std::string atLink = sim.Ready()["at_link"];
+    ASSERT_EQ(sim.Control("set unplug_on AT+CGMI")["ok"], true);
+    HostPort port(atLink);
+    ASSERT_TRUE(port.IsOpen());
+    port.Write("ATE0\r");
+    EXPECT_NE(port.ReadUntil("OK\r\n", 2s).find("OK"), std::string::npos);
+    port.Write("AT+CGMI\r");
+    EXPECT_TRUE(port.WaitHangup(2s));
+    EXPECT_TRUE(WaitFor([&] { return access(atLink.c_str(), F_OK) != 0; }, 2s));
+    port.Close();
+
+    ASSERT_EQ(sim.Control("plug")["ok"], true);
+    HostPort again(atLink);
+    ASSERT_TRUE(again.IsOpen());
+    again.Write("AT+CGMI\r");
+    EXPECT_NE(again.ReadUntil("OK\r\n", 2s).find("SIMULATED"), std::string::npos); // once only
+}
+
+} // namespace
+} // namespace modemsim::test
