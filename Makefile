@@ -6,7 +6,7 @@ FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_GEN  := -G Ninja
 
-.PHONY: all bootstrap configure build check asan bench fuzz demo install format clean
+.PHONY: all bootstrap configure build check asan bench fuzz fuzz-smoke demo install format clean
 
 all: build
 
@@ -31,16 +31,28 @@ asan: bootstrap
 bench: build
 	@$(BUILD)/bench/dialtone_bench
 
-# Runs the PDU decoder's libFuzzer target for FUZZ_SECONDS. Needs clang (Debian's clang package), which
-# make check does not; findings land in $(FUZZ_BUILD)/ as crash-* files.
+# Builds the libFuzzer targets in fuzz/ (one per reader of modem, network and file input). Needs clang
+# (Debian's clang package), which make check does not.
+FUZZ_TARGETS := pdu_decode channel at_families stk_codec property_list account_data operator_tables
 fuzz: bootstrap
 	@command -v clang++ >/dev/null || { echo "make fuzz: needs clang++ (apt-get install clang)" >&2; exit 1; }
 	@cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
 		-DCMAKE_CXX_COMPILER=clang++ -DDIALTONE_FUZZ=ON -DDIALTONE_BUILD_TESTS=OFF -DDIALTONE_BUILD_BENCH=OFF >/dev/null
-	@cmake --build $(FUZZ_BUILD) -j $(JOBS) --target pdu_decode_fuzz
-	@mkdir -p $(FUZZ_BUILD)/corpus
-	@cd $(FUZZ_BUILD) && ./fuzz/pdu_decode_fuzz -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
-		corpus $(CURDIR)/fuzz/corpus
+	@cmake --build $(FUZZ_BUILD) -j $(JOBS) --target fuzzers
+
+# Runs each target for FUZZ_SECONDS on a scratch copy of its seeds ($(FUZZ_BUILD)/corpus/<name>, kept between
+# runs) and prints its executions; a finding lands in $(FUZZ_BUILD)/findings/<name>/ and fails the run.
+fuzz-smoke: fuzz
+	@out=$(abspath $(FUZZ_BUILD)); failed=0; \
+	for t in $(FUZZ_TARGETS); do \
+		mkdir -p $$out/corpus/$$t $$out/findings/$$t && cp fuzz/corpus/$$t/* $$out/corpus/$$t/; \
+		log=$$out/findings/$$t.log; \
+		if nice -n 19 $$out/fuzz/$${t}_fuzz -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
+			-artifact_prefix=$$out/findings/$$t/ $$out/corpus/$$t >$$log 2>&1; \
+		then result=clean; else result="FOUND something: $$log"; failed=1; fi; \
+		runs=$$(sed -n 's/^stat::number_of_executed_units: *//p' $$log); \
+		printf '%-16s %12s executions in %ss  %s\n' $$t "$${runs:-?}" $(FUZZ_SECONDS) "$$result"; \
+	done; exit $$failed
 
 # What Dialtone sees of a modem, shown against the simulated one: equipment, SIM and PIN state, operator,
 # signal, bearer. Its own HOME keeps the demo's configuration out of the user's.

@@ -252,7 +252,9 @@ QVariant PropertyList::read(const QString& path) {
     if (!file.open(QIODevice::ReadOnly) || file.size() > kMaxFileSize) {
         return {};
     }
-    return fromData(file.read(kMaxFileSize));
+    // At most the size checked above: reading up to the limit would set aside a buffer of the whole limit
+    // for every file, however small.
+    return fromData(file.read(file.size()));
 }
 
 QVariantMap PropertyList::readMap(const QString& path) {

@@ -1,6 +1,7 @@
 #include "NetworkUtility.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 
@@ -113,8 +114,10 @@ int CNetworkUtility::GetSignalDBValue(int& value) {
     int csq = 0;
     if (const int result = ReadCsq(csq); result != 0)
         return result;
-    // 114, not the standard's 113: the figure users know from the old screens.
-    value = csq == 99 ? 0 : 114 - 2 * csq;
+    // 114, not the standard's 113: the figure users know from the old screens. A modem's out-of-range
+    // rssi ("+CSQ: 1807229228,99") must not overflow: the figure saturates.
+    const long long dbm = csq == 99 ? 0 : 114 - 2LL * csq;
+    value = static_cast<int>(std::clamp<long long>(dbm, INT_MIN, INT_MAX));
     return 0;
 }
 
