@@ -1,7 +1,9 @@
 #include "SimServer.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
+#include <cstring>
 #include <poll.h>
 #include <unistd.h>
 
@@ -85,12 +87,34 @@ nlohmann::json SimServer::Plug() {
     return out;
 }
 
+namespace {
+
+// The trace never shows PINs, PUKs or passwords: the digits after a PIN command's "=" become '*'.
+std::string HideSecrets(std::string bytes) {
+    std::string upper = bytes;
+    for (char& c : upper) {
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
+    for (const char* command : {"+CPIN=", "+CLCK=", "+CPWD="}) {
+        for (size_t at = upper.find(command); at != std::string::npos; at = upper.find(command, at + 1)) {
+            for (size_t i = at + std::strlen(command); i < bytes.size() && bytes[i] != '\r'; ++i) {
+                if (std::isdigit(static_cast<unsigned char>(bytes[i]))) {
+                    bytes[i] = '*';
+                }
+            }
+        }
+    }
+    return bytes;
+}
+
+} // namespace
+
 void SimServer::Trace(const char* what, const std::string& bytes) const {
     if (!options_.trace || bytes.empty()) {
         return;
     }
     std::string shown;
-    for (char c : bytes) {
+    for (char c : HideSecrets(bytes)) {
         unsigned char u = static_cast<unsigned char>(c);
         if (c == '\r') {
             shown += "\\r";
