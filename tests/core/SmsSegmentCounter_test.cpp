@@ -1,0 +1,127 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <list>
+#include <string>
+#include <vector>
+
+#include "SMS/SmsSegmentCounter.h"
+#include "SmsUtility.h"
+
+namespace {
+
+QString Repeat(const QString& piece, int times) {
+    return piece.repeated(times);
+}
+
+const QString kEmoji = QString::fromUcs4(U"\U0001F600");
+const QString kCyrillic = QString::fromUtf8("ж");
+
+struct Row {
+    const char* name;
+    QString text;
+    bool latin;
+    int packets;
+    int remain;
+    int maxLen;
+    int encodeType;
+};
+
+std::vector<Row> Rows() {
+    QString loneSurrogate;
+    loneSurrogate.append(QChar(0xD800));
+    loneSurrogate.append(QLatin1Char('a'));
+    return {
+        {"empty", QString(), false, 1, 160, 160, 0},
+        {"one letter", "a", false, 1, 159, 160, 0},
+        {"160 plain", Repeat("a", 160), false, 1, 0, 160, 0},
+        {"161 plain", Repeat("a", 161), false, 2, 145, 153, 0},
+        {"200 plain", Repeat("a", 200), false, 2, 106, 153, 0},
+        {"306 plain", Repeat("a", 306), false, 2, 0, 153, 0},
+        {"307 plain", Repeat("a", 307), false, 3, 152, 153, 0},
+        {"euro at 160", Repeat("a", 158) + QString::fromUtf8("€"), false, 1, 0, 160, 0},
+        {"euro at 161", Repeat("a", 159) + QString::fromUtf8("€"), false, 2, 145, 153, 0},
+        {"bracket at 161", Repeat("a", 159) + "[", false, 2, 145, 153, 0},
+        {"escape pair not split", Repeat("a", 152) + "{" + Repeat("a", 10), false, 2, 141, 153, 0},
+        {"GSM accents are 7-bit", Repeat(QString::fromUtf8("é"), 160), false, 1, 0, 160, 0},
+        {"70 UCS2", Repeat(kCyrillic, 70), false, 1, 0, 70, 1},
+        {"71 UCS2", Repeat(kCyrillic, 71), false, 2, 63, 67, 1},
+        {"134 UCS2", Repeat(kCyrillic, 134), false, 2, 0, 67, 1},
+        {"135 UCS2", Repeat(kCyrillic, 135), false, 3, 66, 67, 1},
+        {"one plain letter turns UCS2", Repeat("a", 100) + kCyrillic, false, 2, 33, 67, 1},
+        {"emoji takes two units", kEmoji, false, 1, 68, 70, 1},
+        {"35 emoji fill one segment", Repeat(kEmoji, 35), false, 1, 0, 70, 1},
+        {"emoji past 70 units", Repeat(kCyrillic, 69) + kEmoji, false, 2, 63, 67, 1},
+        {"lone surrogate", loneSurrogate, false, 1, 68, 70, 1},
+        {"Latin off", QString::fromUtf8("À bientôt"), false, 1, 61, 70, 1},
+        {"Latin on", QString::fromUtf8("À bientôt"), true, 1, 151, 160, 0},
+        {"Latin on, 160 replaced", Repeat(QString::fromUtf8("À"), 160), true, 1, 0, 160, 0},
+        {"Latin off, 160 accented", Repeat(QString::fromUtf8("À"), 160), false, 3, 41, 67, 1},
+        {"Latin on, still UCS2", QString::fromUtf8("Àж"), true, 1, 68, 70, 1},
+    };
+}
+
+TEST(SmsSegmentCounter, CountsSegmentsAndRoom) {
+    for (const Row& row : Rows()) {
+        SCOPED_TRACE(row.name);
+        TSmsSegmentInfo info;
+        EXPECT_EQ(SmsSegmentCounter::GetMessageInfo(row.text, info, row.latin), 0);
+        EXPECT_EQ(info.nPackets, row.packets);
+        EXPECT_EQ(info.nRemain, row.remain);
+        EXPECT_EQ(info.nMaxLen, row.maxLen);
+        EXPECT_EQ(info.nEncodeType, row.encodeType);
+
+        int remain = -1;
+        EXPECT_EQ(SmsSegmentCounter::getMsgPacketAndRemain(row.text, remain, row.latin), row.packets);
+        EXPECT_EQ(remain, row.remain);
+        EXPECT_EQ(SmsSegmentCounter::getPacketsMaxLen(row.text, row.latin), row.maxLen);
+    }
+}
+
+// Texts of every kind and length around the limits, each also split by the sending code.
+std::vector<std::pair<QString, bool>> CrossCheckTexts() {
+    std::vector<std::pair<QString, bool>> texts;
+    for (const Row& row : Rows())
+        texts.emplace_back(row.text, row.latin);
+    const QString pieces[] = {"a",
+                              QString::fromUtf8("€"),
+                              "ab[",
+                              QString::fromUtf8("a€b"),
+                              kCyrillic,
+                              kEmoji + "a",
+                              QString::fromUtf8("ôa"),
+                              QString(QChar(0))};
+    const int lengths[] = {1, 69, 70, 71, 77, 80, 134, 135, 152, 153, 154, 159, 160, 161, 305, 306, 307, 500};
+    for (const QString& piece : pieces) {
+        for (const int length : lengths) {
+            const QString text = Repeat(piece, length / piece.size() + 1).left(length);
+            texts.emplace_back(text, false);
+            texts.emplace_back(text, true);
+        }
+    }
+    return texts;
+}
+
+TEST(SmsSegmentCounter, AgreesWithSending) {
+    for (const auto& [text, latin] : CrossCheckTexts()) {
+        SCOPED_TRACE(text.left(20).toStdString() + " length " + std::to_string(text.size()) +
+                     (latin ? " Latin on" : ""));
+        CSmsUtility sms;
+        sms.SetLatinSupport(latin ? 1 : 0);
+        TSmsSendItem item;
+        item.wstrContent = text.toStdWString();
+        std::list<TTpduSubmit> segments;
+        int encodeType = -1;
+        ASSERT_EQ(sms.PacketMsg(item, segments, encodeType), 0);
+        ASSERT_FALSE(segments.empty());
+
+        TSmsSegmentInfo info;
+        SmsSegmentCounter::GetMessageInfo(text, info, latin);
+        EXPECT_EQ(info.nPackets, static_cast<int>(segments.size()));
+        EXPECT_EQ(info.nEncodeType, encodeType);
+        const int lastUnits = static_cast<int>(segments.back().userData.nLength) / (encodeType == 1 ? 2 : 1);
+        EXPECT_EQ(info.nRemain, std::max(0, info.nMaxLen - lastUnits));
+    }
+}
+
+} // namespace

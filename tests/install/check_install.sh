@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# Installs the build tree into a scratch folder and checks that every file a package needs is in place.
+# Usage: check_install.sh CMAKE BUILD_DIR STAGE_DIR PREFIX UDEV_RULES_DIR
+# Everything goes under STAGE_DIR through DESTDIR, the udev rule's absolute folder included, so the real
+# /etc and /usr are never touched.
+set -uo pipefail
+
+cmake=$1 build=$2 stage=$3 prefix=$4 udev_dir=$5
+failures=0
+fail() {
+    echo "FAIL: $*" >&2
+    failures=$((failures + 1))
+}
+
+rm -rf "$stage"
+mkdir -p "$stage"
+if ! DESTDIR="$stage" "$cmake" --install "$build" --prefix "$prefix" >"$stage.log" 2>&1; then
+    cat "$stage.log" >&2
+    echo "FAIL: cmake --install failed (are the programs built?)" >&2
+    exit 1
+fi
+root="$stage$prefix"
+
+expected=(
+    bin/dialtone
+    bin/dialtone-modemsim
+    share/dialtone/Resources/PredefinedProfile
+    share/dialtone/Resources/PLMN
+    share/dialtone/Resources/VELModemService
+    share/dialtone/Resources/VEL_HSPA_Modem
+    share/dialtone/AccountData/Default.dat
+    share/dialtone/modemsim/scenarios/default.json
+    share/man/man1/dialtone.1
+    share/man/man1/dialtone-modemsim.1
+    share/applications/dialtone.desktop
+    share/icons/hicolor/scalable/apps/dialtone.svg
+)
+for file in "${expected[@]}"; do
+    [[ -s "$root/$file" ]] || fail "$file missing or empty"
+done
+[[ -s "$stage$udev_dir/70-dialtone-modem.rules" ]] || fail "udev rule missing in $udev_dir"
+for program in bin/dialtone bin/dialtone-modemsim share/dialtone/Resources/VELModemService; do
+    [[ -x "$root/$program" ]] || fail "$program is not executable"
+done
+
+# Nothing may land outside the stage's prefix but the udev rule.
+while IFS= read -r file; do
+    case "$file" in
+    "$root"/* | "$stage$udev_dir"/*) ;;
+    *) fail "installed outside the prefix: ${file#"$stage"}" ;;
+    esac
+done < <(find "$stage" -type f)
+
+if command -v groff >/dev/null 2>&1; then
+    for page in dialtone.1 dialtone-modemsim.1; do
+        warnings=$(LC_ALL=C.UTF-8 groff -man -Tutf8 -ww -z "$root/share/man/man1/$page" 2>&1)
+        [[ -z "$warnings" ]] || fail "$page: $warnings"
+        lines=$(LC_ALL=C.UTF-8 groff -man -Tutf8 "$root/share/man/man1/$page" 2>/dev/null | wc -l)
+        ((lines > 20)) || fail "$page renders to $lines lines"
+    done
+else
+    echo "groff not installed: man pages not rendered"
+fi
+
+desktop="$root/share/applications/dialtone.desktop"
+if command -v desktop-file-validate >/dev/null 2>&1; then
+    desktop-file-validate "$desktop" || fail "desktop-file-validate rejects dialtone.desktop"
+else
+    echo "desktop-file-validate not installed: desktop entry not validated"
+fi
+for line in "Name=Dialtone" "Exec=dialtone-gui" "Icon=dialtone" "Categories=Network;Dialup;"; do
+    grep -qxF "$line" "$desktop" || fail "dialtone.desktop lacks $line"
+done
+if command -v xmllint >/dev/null 2>&1; then
+    xmllint --noout "$root/share/icons/hicolor/scalable/apps/dialtone.svg" || fail "dialtone.svg is not XML"
+fi
+
+if ((failures > 0)); then
+    echo "$failures check(s) failed; the installed tree is in $stage" >&2
+    exit 1
+fi
+echo "install tree complete in $stage"
