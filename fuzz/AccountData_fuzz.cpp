@@ -8,41 +8,22 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
-
-#include <sys/stat.h>
 
 #include <QString>
 
 #include "Account/AccountData.h"
 #include "DebugSink.h"
+#include "FuzzScratch.h"
 
 namespace {
 
-std::string g_scratch;
 std::string g_path;
-
-// $TMPDIR, else memory-backed /dev/shm where there is one: every input is written and synced to disk.
-std::string ScratchBase() {
-    const char* tmp = std::getenv("TMPDIR");
-    if (tmp != nullptr && *tmp != '\0')
-        return tmp;
-    struct stat info {};
-    return stat("/dev/shm", &info) == 0 && S_ISDIR(info.st_mode) ? "/dev/shm" : "/tmp";
-}
 
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    std::string folder = ScratchBase() + "/account_data_fuzz.XXXXXX";
-    if (mkdtemp(folder.data()) == nullptr)
-        std::abort();
-    g_scratch = folder;
-    std::atexit([] {
-        std::error_code ignored;
-        std::filesystem::remove_all(g_scratch, ignored);
-    });
+    const std::string folder = MakeFuzzScratchFolder("account_data_fuzz");
     g_path = folder + "/AccountData.xml";
     SetDebugSink(nullptr);
     return 0;

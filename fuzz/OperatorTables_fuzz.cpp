@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -18,10 +17,10 @@
 
 #include "AppConfig.h"
 #include "DebugSink.h"
+#include "FuzzScratch.h"
 
 namespace {
 
-std::string g_scratch;
 std::string g_resources;
 
 void WriteFile(const std::string& name, std::string_view text) {
@@ -32,26 +31,10 @@ void WriteFile(const std::string& name, std::string_view text) {
     std::fclose(file);
 }
 
-// $TMPDIR, else memory-backed /dev/shm where there is one: every input is written and synced to disk.
-std::string ScratchBase() {
-    const char* tmp = std::getenv("TMPDIR");
-    if (tmp != nullptr && *tmp != '\0')
-        return tmp;
-    struct stat info {};
-    return stat("/dev/shm", &info) == 0 && S_ISDIR(info.st_mode) ? "/dev/shm" : "/tmp";
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    std::string folder = ScratchBase() + "/operator_tables_fuzz.XXXXXX";
-    if (mkdtemp(folder.data()) == nullptr)
-        std::abort();
-    g_scratch = folder;
-    std::atexit([] {
-        std::error_code ignored;
-        std::filesystem::remove_all(g_scratch, ignored);
-    });
+    const std::string folder = MakeFuzzScratchFolder("operator_tables_fuzz");
     setenv("HOME", folder.c_str(), 1);
     g_resources = folder + "/Resources";
     if (mkdir(g_resources.c_str(), 0700) != 0)

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <memory>
 
 #include "AppConfig.h"
@@ -180,13 +181,20 @@ int FindProfile(const QList<APNInfo>& offered, const std::string& wanted) {
     return number && position >= 1 && position <= offered.size() ? position - 1 : -1;
 }
 
-int Connect(CliContext& context, ModemSession& session, const std::string& wanted, bool hold) {
+// Runs the command with the connector of this session; with learnSim, the SIM's profiles and the roaming
+// state are known first.
+int WithConnector(CliContext& context, ModemSession& session, bool learnSim,
+                  const std::function<int(ConnectorRun&)>& command) {
     AppConfig* config = SessionConfig(context);
     if (!config)
         return context.exitCode;
     ConnectorRun run(context, session, *config);
-    if (!run.learnSim())
+    if (learnSim && !run.learnSim())
         return context.exitCode;
+    return command(run);
+}
+
+int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, bool hold) {
     ConnectController& controller = run.controller();
     bool dialled = false;
 
@@ -281,11 +289,7 @@ int Connect(CliContext& context, ModemSession& session, const std::string& wante
 }
 
 // Ends the link, wherever it was started, and records its traffic.
-int Disconnect(CliContext& context, ModemSession& session) {
-    AppConfig* config = SessionConfig(context);
-    if (!config)
-        return context.exitCode;
-    ConnectorRun run(context, session, *config);
+int Disconnect(CliContext& context, ConnectorRun& run) {
     ConnectController& controller = run.controller();
     BLConnectStatistics last;
     bool hangingUp = false;
@@ -330,13 +334,7 @@ int Disconnect(CliContext& context, ModemSession& session) {
 }
 
 // Shows the link once a second until it ends, the time given with --wait passes, or Ctrl-C.
-int Monitor(CliContext& context, ModemSession& session) {
-    AppConfig* config = SessionConfig(context);
-    if (!config)
-        return context.exitCode;
-    ConnectorRun run(context, session, *config);
-    if (!run.learnSim())
-        return context.exitCode;
+int Monitor(CliContext& context, ConnectorRun& run) {
     ConnectController& controller = run.controller();
     bool seenLink = false;
     run.whenReady([&] { controller.actionTimerStatusChecker(); });
@@ -380,14 +378,22 @@ void AddConnectCommand(CLI::App& app, CliContext& context) {
                         "The profile's name, or its number in \"dialtone profiles list\"");
     connect->add_flag("--hold", *hold, "Stay in the foreground, record the traffic, hang up on Ctrl-C");
     connect->callback([&context, profile, hold] {
-        context.exitCode =
-            RunInSession(context, [&](ModemSession& s) { return Connect(context, s, *profile, *hold); });
+        context.exitCode = RunInSession(context, [&](ModemSession& s) {
+            return WithConnector(context, s, true,
+                                 [&](ConnectorRun& run) { return Connect(context, run, *profile, *hold); });
+        });
     });
     app.add_subcommand("disconnect", "Hang up, and record the connection's traffic")->callback([&context] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Disconnect(context, s); });
+        context.exitCode = RunInSession(context, [&](ModemSession& s) {
+            return WithConnector(context, s, false,
+                                 [&](ConnectorRun& run) { return Disconnect(context, run); });
+        });
     });
     app.add_subcommand("monitor", "Show the connection's time, bytes and rates once a second")
         ->callback([&context] {
-            context.exitCode = RunInSession(context, [&](ModemSession& s) { return Monitor(context, s); });
+            context.exitCode = RunInSession(context, [&](ModemSession& s) {
+                return WithConnector(context, s, true,
+                                     [&](ConnectorRun& run) { return Monitor(context, run); });
+            });
         });
 }
