@@ -1,5 +1,9 @@
 #include "FamilyCommand.h"
 
+#include <cctype>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <list>
 
 int FamilyWriteComm(ExecATCallback execAT, std::string& response, const char* command, const char* expected,
@@ -21,4 +25,18 @@ int FamilyWriteComm(ExecATCallback execAT, std::string& response, const char* co
     if (lineEnd != std::string::npos)
         response.erase(0, lineEnd);
     return result;
+}
+
+bool ReadAnswerInt(const char* text, int& value) {
+    while (std::isspace(static_cast<unsigned char>(*text)))
+        ++text;
+    const char* digits = (*text == '+' || *text == '-') ? text + 1 : text;
+    if (!std::isdigit(static_cast<unsigned char>(*digits)))
+        return false;
+    errno = 0;
+    const long parsed = std::strtol(text, nullptr, 10);
+    if (errno == ERANGE || parsed < INT_MIN || parsed > INT_MAX)
+        return false;
+    value = static_cast<int>(parsed);
+    return true;
 }

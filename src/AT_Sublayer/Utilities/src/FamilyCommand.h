@@ -13,6 +13,10 @@
 int FamilyWriteComm(ExecATCallback execAT, std::string& response, const char* command, const char* expected,
                     int timeoutMs, std::initializer_list<const char*> finals = {"OK", "+CME ERROR", "ERROR"});
 
+// Reads an integer as "%d" would (blanks skipped, an optional sign, digits), but refuses a number that
+// does not fit an int instead of overflowing: modem answers are untrusted.
+bool ReadAnswerInt(const char* text, int& value);
+
 // True when the answer holds "OK" anywhere, the test the set commands make.
 inline bool AnswerHasOk(const std::string& answer) {
     return answer.find("OK") != std::string::npos;

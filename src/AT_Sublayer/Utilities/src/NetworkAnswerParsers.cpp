@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "FamilyCommand.h"
 #include "Gsm7BitAlphabet.h"
 #include "NetworkUtility.h"
 
@@ -20,10 +21,6 @@ constexpr int kSpdiText = 501; // at most 500 hexadecimal characters
 std::string LineAt(const std::string& text, std::size_t at) {
     const std::size_t end = text.find("\r\n", at);
     return text.substr(at, end == std::string::npos ? std::string::npos : end - at);
-}
-
-bool ReadInt(const char* text, int& value) {
-    return std::sscanf(text, "%d", &value) == 1;
 }
 
 int HexValue(char ch) {
@@ -57,7 +54,7 @@ int ParseCopsAnswer(const std::string& answer, TNetworkBaseInfo& info) {
     const std::size_t comma = line.find(',');
     if (comma == std::string::npos)
         return 0;
-    if (ReadInt(line.c_str() + comma + 1, value))
+    if (ReadAnswerInt(line.c_str() + comma + 1, value))
         info.nFormat = value;
 
     const std::size_t open = line.find('"', comma + 1);
@@ -71,7 +68,7 @@ int ParseCopsAnswer(const std::string& answer, TNetworkBaseInfo& info) {
     }
 
     const std::size_t technology = line.find(',', close + 1);
-    if (technology != std::string::npos && ReadInt(line.c_str() + technology + 1, value))
+    if (technology != std::string::npos && ReadAnswerInt(line.c_str() + technology + 1, value))
         info.nAcT = value;
     return 0;
 }

@@ -17,21 +17,6 @@ constexpr int kFetchTimeoutMs = 5000;
 constexpr int kQueryTimeoutMs = 1000;
 constexpr int kMainMenuNumber = 17;
 
-// "%d" without overflow: blanks skipped, an optional sign, at least one digit.
-bool ReadInt(const char* text, int& value) {
-    while (std::isspace(static_cast<unsigned char>(*text)))
-        ++text;
-    const char* digits = (*text == '+' || *text == '-') ? text + 1 : text;
-    if (!std::isdigit(static_cast<unsigned char>(*digits)))
-        return false;
-    errno = 0;
-    const long parsed = std::strtol(text, nullptr, 10);
-    if (errno == ERANGE || parsed < INT_MIN || parsed > INT_MAX)
-        return false;
-    value = static_cast<int>(parsed);
-    return true;
-}
-
 } // namespace
 
 int CSTKUtility::RegisterExecAT(ExecATCallback callback) {
@@ -43,7 +28,7 @@ bool CSTKUtility::ParseIndication(const char* line, int& number) {
     if (line == nullptr)
         return false;
     const char* at = std::strstr(line, kStinPrefix);
-    return at != nullptr && ReadInt(at + std::strlen(kStinPrefix), number);
+    return at != nullptr && ReadAnswerInt(at + std::strlen(kStinPrefix), number);
 }
 
 int CSTKUtility::SendCommand(const char* command, std::string& text, int timeoutMs) {

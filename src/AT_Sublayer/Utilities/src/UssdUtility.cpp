@@ -43,21 +43,6 @@ constexpr TUssdTeCharSetMap kAnsweredCharSets[] = {
     {USSD_TE_HEX, "HEX"},
 };
 
-// Reads an integer as "%d" would (blanks skipped, optional sign, digits) without overflowing.
-bool ReadInt(const char* text, int& value) {
-    while (std::isspace(static_cast<unsigned char>(*text)))
-        ++text;
-    const char* digits = (*text == '+' || *text == '-') ? text + 1 : text;
-    if (!std::isdigit(static_cast<unsigned char>(*digits)))
-        return false;
-    errno = 0;
-    const long parsed = std::strtol(text, nullptr, 10);
-    if (errno == ERANGE || parsed < INT_MIN || parsed > INT_MAX)
-        return false;
-    value = static_cast<int>(parsed);
-    return true;
-}
-
 // Two hex digits per octet, whole pairs only, at most size octets; stops at the first pair that is not hex.
 int HexToOctets(const std::string& hex, uint8_t* out, int size) {
     int count = 0;
@@ -102,7 +87,7 @@ int CUssdUility::CheckUssdState(int& state) {
         return result;
     const std::size_t at = response.find(kCusdPrefix);
     int value = 0;
-    if (at == std::string::npos || !ReadInt(response.c_str() + at + kCusdPrefixLength, value))
+    if (at == std::string::npos || !ReadAnswerInt(response.c_str() + at + kCusdPrefixLength, value))
         return 1;
     state = value;
     return 0;
@@ -238,7 +223,7 @@ int CUssdUility::ParseCusdReport(const char* line, int teSet, TUssdItem& item) {
         return 1;
     const char* prefix = std::strstr(line, kCusdPrefix);
     int m = 0;
-    if (prefix == nullptr || !ReadInt(prefix + kCusdPrefixLength, m))
+    if (prefix == nullptr || !ReadAnswerInt(prefix + kCusdPrefixLength, m))
         return 1;
     item.nType = m;
 
@@ -252,7 +237,7 @@ int CUssdUility::ParseCusdReport(const char* line, int teSet, TUssdItem& item) {
     // The coding scheme stands behind the closing quote and the comma, whatever the character there is.
     const char* closing = quote + 1 + hex.size();
     int dcs = 0;
-    if (closing[1] == '\0' || !ReadInt(closing + 2, dcs) || dcs < 0 || dcs > 0xFF)
+    if (closing[1] == '\0' || !ReadAnswerInt(closing + 2, dcs) || dcs < 0 || dcs > 0xFF)
         return 0;
 
     uint8_t octets[kUssdMaxReportOctets];
