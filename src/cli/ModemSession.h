@@ -11,42 +11,14 @@
 #include <string>
 
 #include "CliSupport.h"
+#include "Simulator.h"
+#include "StatusText.h"
 
 class DeviceWorkRequestInterface;
 class GUIThreadAgent;
 class QCoreApplication;
 class QObject;
 class WorkNotification;
-
-// A simulated modem (dialtone-modemsim) in a temporary device folder of its own, for --simulate.
-class Simulator {
-public:
-    Simulator() = default;
-    ~Simulator(); // stops it
-    Simulator(const Simulator&) = delete;
-    Simulator& operator=(const Simulator&) = delete;
-
-    // The program: DIALTONE_MODEMSIM, else the one next to this program, else the build tree's, else the
-    // installed one.
-    static std::string programPath();
-
-    // Starts the simulator with the scenario (empty: the built-in one) and waits, up to the deadline, for
-    // the line saying its ports are ready. False with the reason in error.
-    // With trace, the simulator shows the AT and dial-port traffic on standard error.
-    bool start(const std::string& scenario, bool trace, std::string& error, int deadlineMs = 5000);
-    // Ends it (SIGTERM, then SIGKILL after two seconds) and removes its device folder. Safe to repeat.
-    void stop();
-
-    const std::string& devDir() const { return _devDir; }
-    const std::string& atLink() const { return _atLink; }
-    pid_t pid() const { return _pid; }
-
-private:
-    pid_t _pid = -1;
-    int _stdout = -1;
-    std::string _devDir;
-    std::string _atLink;
-};
 
 // One run of the tool against the modem: the simulator when asked, the application core, the worker
 // thread through GUIThreadAgent, and the modem initialised with "MESSAGE_INIT_WORK_THREAD". Requests are
@@ -87,12 +59,6 @@ private:
     WorkNotification* _notification = nullptr;
 };
 
-// What a result code means, in words.
-std::string ResultCodeText(int code);
 
 // Opens a session and runs the command in it: the command's exit status, or the session's failure.
 int RunInSession(CliContext& context, const std::function<int(ModemSession&)>& command);
-
-// "Name (code)" for an operator code the operator table knows, else the text as it is; "-" for none. The
-// service provider name, when the SIM has one, goes first.
-std::string OperatorText(const QString& operatorCode, const QString& providerName);

@@ -2,6 +2,9 @@
 
 #include <array>
 
+#include "AppConfig.h"
+#include "GUIThreadAgent.h"
+
 namespace {
 
 template <std::size_t N> std::string Lookup(const std::array<const char*, N>& texts, int code) {
@@ -69,4 +72,98 @@ std::string SignalText(int level) {
         return "unknown";
     return std::string(static_cast<std::size_t>(level), '#') +
            std::string(static_cast<std::size_t>(5 - level), '.') + " (" + std::to_string(level) + "/5)";
+}
+
+std::string ResultCodeText(int code) {
+    switch (code) {
+    case 0:
+        return "success";
+    case 1:
+        return "the modem reported a failure";
+    case 2:
+        return "the modem did not answer in time";
+    case 3:
+        return "the request needs an argument";
+    case 5:
+        return "PH-SIM PIN required";
+    case 6:
+        return "PH-FSIM PIN required";
+    case 7:
+        return "PH-FSIM PUK required";
+    case 8:
+        return "SIM not inserted";
+    case 9:
+        return "SIM PIN required";
+    case 10:
+        return "SIM PUK required";
+    case 11:
+        return "SIM failure";
+    case 12:
+        return "SIM busy";
+    case 13:
+        return "SIM wrong";
+    case 14:
+        return "incorrect password";
+    case 15:
+        return "SIM PIN2 required";
+    case 16:
+        return "SIM PUK2 required";
+    case 17:
+        return "network personalization PIN required";
+    case 18:
+        return "network personalization PUK required";
+    case 19:
+        return "network subset personalization PIN required";
+    case 20:
+        return "network subset personalization PUK required";
+    case 21:
+        return "service provider personalization PIN required";
+    case 22:
+        return "service provider personalization PUK required";
+    case 23:
+        return "corporate personalization PIN required";
+    case 24:
+        return "corporate personalization PUK required";
+    case 25:
+        return "the answer was withheld";
+    case 27:
+        return "no modem found";
+    case 28:
+        return "the modem's port could not be opened";
+    case 30:
+        return "the command was cancelled, or the modem could not be switched to modem mode";
+    case 31:
+        return "the modem did not answer its start-up commands";
+    case 32:
+        return "no worker to send the request to";
+    case 33:
+        return "the modem refused the network mode";
+    case 35:
+        return "unknown request name";
+    case 36:
+        return "unknown report";
+    case 37:
+        return "the modem service was not found";
+    case 38:
+        return "no modem device name";
+    case 39:
+        return "no modem device";
+    case 44:
+        return "the message was taken by a filter";
+    default:
+        return "the modem reported error " + std::to_string(code);
+    }
+}
+
+std::string OperatorText(const QString& operatorCode, const QString& providerName) {
+    if (operatorCode.isEmpty())
+        return "-";
+    QString name = providerName;
+    if (name.isEmpty()) {
+        if (const AppConfig* config = ApplicationShell::sharedShell().appConfig())
+            name = config->getOperatorNameByNumeric(operatorCode);
+    }
+    if (name.isEmpty() || name == operatorCode)
+        return operatorCode.toStdString();
+    return (name + QStringLiteral(" (") + operatorCode + QStringLiteral(")")).toStdString();
 }

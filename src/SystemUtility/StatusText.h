@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <string>
 
 // The modem's state codes in words, for the human-readable output.
@@ -11,3 +13,8 @@ std::string BearerText(int bearer);        // 0 no service, 1 GPRS ... 7 GSM
 std::string AccessTechnologyText(int act); // 0 GSM, 2 UTRAN, 7 E-UTRAN, ...
 std::string ConnectStatusText(int status); // -1 none, 0 disconnected, 1 connecting, 2 connected, ...
 std::string SignalText(int level);         // level 0-5 as bars, 6 unknown
+std::string ResultCodeText(int code);        // an application result code in words
+
+// "Name (code)" for an operator code the operator table knows, else the text as it is; "-" for none. The
+// service provider name, when the SIM has one, goes first.
+std::string OperatorText(const QString& operatorCode, const QString& providerName);

@@ -1,0 +1,282 @@
+#include "ModemLink.h"
+
+#include "AppConfig.h"
+#include "BLRecords.h"
+#include "GUIThreadAgent.h"
+#include "PinRecords.h"
+#include "WorkNotification.h"
+
+namespace {
+
+// The key under which a request carries its ticket; the worker hands the request's dictionary back with
+// the answer, so the answer finds its callback.
+const QString kTicketKey = QStringLiteral("GUI_TICKET");
+
+// SIM states of "MESSAGE_PIN_CHECK_STATE".
+constexpr int kSimAbsent = 0;
+constexpr int kSimReady = 1;
+constexpr int kSimPin = 2;
+constexpr int kSimPuk = 3;
+constexpr int kSimBlocked = 17;
+
+} // namespace
+
+ModemLink::ModemLink(QObject* parent) : QObject(parent) {
+    _retryTimer.setInterval(kRetryIntervalMs);
+    connect(&_retryTimer, &QTimer::timeout, this, [this] {
+        if (_state == State::Absent)
+            sendInit();
+    });
+    _networkTimer.setInterval(kNetworkPollMs);
+    connect(&_networkTimer, &QTimer::timeout, this, &ModemLink::refreshNetwork);
+}
+
+ModemLink::~ModemLink() {
+    NotificationCenter::defaultCenter().removeObserver(this);
+    _pending.clear();
+    _agent.reset(); // the worker hangs up a running link and closes the port
+}
+
+void ModemLink::start() {
+    if (_agent)
+        return;
+    registerRecordMetaTypes();
+    _delegate = std::make_unique<QObject>();
+    _delegate->setObjectName(QStringLiteral("ModemLink"));
+    _agent = std::make_unique<GUIThreadAgent>(parent(), _delegate.get());
+    NotificationCenter::defaultCenter().addObserver(MESSAGE_USB_UNPLUGGED, this,
+                                                    [this](const Notification&) { onUnplugged(); });
+    for (const QString& report :
+         {MESSAGE_RPT_RECEIVE_SMS, MESSAGE_RPT_RECEIVE_FILTER_SMS, MESSAGE_RPT_RECEIVE_USSD}) {
+        NotificationCenter::defaultCenter().addObserver(report, this, [this](const Notification& n) {
+            emit reportReceived(n.name, n.userInfo);
+        });
+    }
+    _agent->setServerSetupCompleteTargetCallBack([this](WorkNotification* notification) {
+        _notification = notification;
+        sendInit();
+    });
+}
+
+DeviceWorkRequestInterface* ModemLink::workTarget() const {
+    return _agent ? _agent->workThread() : nullptr;
+}
+
+AppConfig* ModemLink::config() const {
+    return ApplicationShell::sharedShell().appConfig();
+}
+
+void ModemLink::setState(State state) {
+    if (_state == state)
+        return;
+    _state = state;
+    if (state == State::Absent)
+        _retryTimer.start();
+    else
+        _retryTimer.stop();
+    if (state == State::Ready) {
+        _networkTimer.start();
+    } else {
+        _networkTimer.stop();
+        _hasNetwork = false;
+    }
+    emit stateChanged(state);
+}
+
+void ModemLink::watch(const QString& name) {
+    if (_watched.contains(name))
+        return;
+    _watched.append(name);
+    NotificationCenter::defaultCenter().addObserver(
+        name, this, [this](const Notification& n) { deliver(n.name, n.userInfo); });
+}
+
+void ModemLink::request(const QString& name, const QVariant& argument, Reply reply, QObject* context) {
+    if (!_notification) {
+        if (reply)
+            reply({{ERROR_CODE, WORKER_ERR_NO_TARGET}});
+        return;
+    }
+    watch(name);
+    const qint64 ticket = _nextTicket++;
+    QVariantMap userInfo{{kTicketKey, ticket}};
+    if (argument.isValid())
+        WorkNotification::SetValueObject(userInfo, argument);
+    _pending[ticket] = Pending{name, std::move(reply), context, context != nullptr};
+    const int code = _notification->sendASyncWorkMessage(name, userInfo);
+    if (code != WORKER_OK) {
+        const auto it = _pending.find(ticket);
+        if (it != _pending.end()) {
+            Pending pending = std::move(it->second);
+            _pending.erase(it);
+            if (pending.reply && (!pending.hasContext || pending.context))
+                pending.reply({{ERROR_CODE, code}});
+        }
+    }
+}
+
+void ModemLink::deliver(const QString& name, const QVariantMap& response) {
+    const QVariantMap userInfo = response.value(USER_INFO).toMap();
+    if (!userInfo.contains(kTicketKey))
+        return; // another module's request of the same name
+    const auto it = _pending.find(userInfo.value(kTicketKey).toLongLong());
+    if (it == _pending.end() || it->second.name != name)
+        return;
+    Pending pending = std::move(it->second);
+    _pending.erase(it);
+    if (pending.reply && (!pending.hasContext || pending.context))
+        pending.reply(response);
+}
+
+void ModemLink::failPending(int code) {
+    std::map<qint64, Pending> failed;
+    failed.swap(_pending);
+    for (auto& [ticket, pending] : failed) {
+        if (pending.reply && (!pending.hasContext || pending.context))
+            pending.reply({{ERROR_CODE, code}});
+    }
+}
+
+void ModemLink::sendInit() {
+    if (_initInFlight)
+        return;
+    _initInFlight = true;
+    request(MESSAGE_INIT_WORK_THREAD, {}, [this](const QVariantMap& response) {
+        _initInFlight = false;
+        onInitAnswer(response);
+    });
+}
+
+void ModemLink::onInitAnswer(const QVariantMap& response) {
+    if (WorkNotification::GetErrorCode(response) != WORKER_OK) {
+        setState(State::Absent);
+        _retryTimer.start();
+        return;
+    }
+    setState(State::Starting);
+    checkSim();
+}
+
+void ModemLink::checkSim() {
+    request(MESSAGE_PIN_CHECK_STATE, {}, [this](const QVariantMap& response) {
+        if (_state == State::Absent)
+            return;
+        const int code = WorkNotification::GetErrorCode(response);
+        if (code == WORKER_ERR_NO_DATA_DEVICE)
+            return;
+        const auto sim = WorkNotification::GetValueObject(response).value<BLPinCheckState>();
+        _pinAttempts = sim.nPinCnt;
+        _pukAttempts = sim.nPukCnt;
+        emit simChecked();
+        if (code != WORKER_OK) {
+            setState(State::NoSim);
+            return;
+        }
+        switch (sim.nState) {
+        case kSimReady:
+            learnModem();
+            break;
+        case kSimPin:
+            setState(State::NeedPin);
+            break;
+        case kSimPuk:
+            setState(State::NeedPuk);
+            break;
+        case kSimBlocked:
+            setState(State::Blocked);
+            break;
+        case kSimAbsent:
+            setState(State::NoSim);
+            break;
+        default: // personalisation locks: nothing the app can unlock
+            setState(State::Blocked);
+            break;
+        }
+    });
+}
+
+void ModemLink::learnModem() {
+    request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO, {}, [this](const QVariantMap& response) {
+        if (_state == State::Absent)
+            return;
+        _equipment = WorkNotification::GetValueObject(response).value<BLEquipmentInfo>();
+        if (AppConfig* configuration = config()) {
+            AppConfig::DeviceInfo& device = configuration->deviceInfo();
+            device.blOK = WorkNotification::GetErrorCode(response) == WORKER_OK;
+            device.strManufacturer = _equipment.strManufacturer;
+            device.strModel = _equipment.strModel;
+            device.strRevision = _equipment.strRevision;
+            device.strSerialNumber = _equipment.strSerialNumber;
+            device.strImsi = _equipment.strImsi;
+        }
+        request(MESSAGE_NETWORK_GET_INFO, {}, [this](const QVariantMap& answer) {
+            if (_state == State::Absent)
+                return;
+            if (WorkNotification::GetErrorCode(answer) == WORKER_OK) {
+                _network = WorkNotification::GetValueObject(answer).value<BLNetworkInfo>();
+                _hasNetwork = true;
+            }
+            setState(State::Ready);
+            if (_hasNetwork)
+                emit networkChanged(_network);
+        });
+    });
+}
+
+void ModemLink::refreshNetwork() {
+    if (_state != State::Ready)
+        return;
+    request(MESSAGE_NETWORK_GET_INFO, {}, [this](const QVariantMap& response) {
+        if (_state != State::Ready || WorkNotification::GetErrorCode(response) != WORKER_OK)
+            return;
+        _network = WorkNotification::GetValueObject(response).value<BLNetworkInfo>();
+        _hasNetwork = true;
+        emit networkChanged(_network);
+    });
+}
+
+void ModemLink::verifyPin(const QString& pin, Reply reply) {
+    request(MESSAGE_PIN_VERIFY, pin, [this, reply](const QVariantMap& response) {
+        if (reply)
+            reply(response);
+        checkSim();
+    });
+}
+
+void ModemLink::verifyPuk(const QString& puk, const QString& newPin, Reply reply) {
+    BLPINVerifyPukInfo info;
+    info.strPUK = puk;
+    info.strNewPin = newPin;
+    request(MESSAGE_PIN_VERIFY_PUK, QVariant::fromValue(info), [this, reply](const QVariantMap& response) {
+        if (reply)
+            reply(response);
+        checkSim();
+    });
+}
+
+void ModemLink::onUnplugged() {
+    _initInFlight = false;
+    setState(State::Absent);
+    // The worker drops requests while the modem is away; their callbacks would wait for ever.
+    failPending(WORKER_ERR_NO_DATA_DEVICE);
+}
+
+QString ModemLink::stateText(State state) {
+    switch (state) {
+    case State::Absent:
+        return tr("No modem");
+    case State::Starting:
+        return tr("Starting the modem…");
+    case State::NeedPin:
+        return tr("PIN required");
+    case State::NeedPuk:
+        return tr("PUK required");
+    case State::NoSim:
+        return tr("No SIM card");
+    case State::Blocked:
+        return tr("SIM card blocked");
+    case State::Ready:
+        return tr("Ready");
+    }
+    return {};
+}

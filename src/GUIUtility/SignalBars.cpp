@@ -1,0 +1,33 @@
+#include "SignalBars.h"
+
+#include <QPainter>
+
+SignalBars::SignalBars(QWidget* parent) : QWidget(parent) {
+    setMinimumSize(sizeHint());
+    setToolTip(tr("Signal strength"));
+}
+
+void SignalBars::setLevel(int level) {
+    level = (level >= 0 && level <= 5) ? level : -1;
+    if (level == _level)
+        return;
+    _level = level;
+    setToolTip(level < 0 ? tr("No signal information") : tr("Signal %1 of 5").arg(level));
+    update();
+}
+
+void SignalBars::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    constexpr int kBars = 5;
+    const qreal gap = 2;
+    const qreal barWidth = (width() - gap * (kBars - 1)) / kBars;
+    for (int i = 0; i < kBars; ++i) {
+        const qreal barHeight = height() * (i + 1) / qreal(kBars);
+        const QRectF bar(i * (barWidth + gap), height() - barHeight, barWidth, barHeight);
+        const bool lit = i < _level;
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(lit ? palette().color(QPalette::Highlight) : palette().color(QPalette::Mid));
+        painter.drawRoundedRect(bar, 1, 1);
+    }
+}

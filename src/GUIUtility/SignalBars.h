@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QWidget>
+
+// Signal strength as five rising bars; level 0-5, anything else (no modem, unknown) shows empty bars.
+class SignalBars : public QWidget {
+    Q_OBJECT
+public:
+    explicit SignalBars(QWidget* parent = nullptr);
+
+    void setLevel(int level);
+    int level() const { return _level; }
+
+    QSize sizeHint() const override { return {30, 16}; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    int _level = -1;
+};

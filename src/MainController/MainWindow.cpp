@@ -1,0 +1,241 @@
+#include "MainWindow.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QIcon>
+#include <QLabel>
+#include <QMenu>
+#include <QPainter>
+#include <QPixmap>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QSystemTrayIcon>
+#include <QTabWidget>
+
+#include "AppConfig.h"
+#include "Account/AccountPlugin.h"
+#include "Connect/ConnectPlugin.h"
+#include "Connector/ConnectController.h"
+#include "Connector/ProfileSettingsController.h"
+#include "Contacts/ContactsPlugin.h"
+#include "DesktopNotifier.h"
+#include "Messages/MessagesPlugin.h"
+#include "ModulePlugin.h"
+#include "Network/NetworkPlugin.h"
+#include "NotificationCenter.h"
+#include "PinDialog.h"
+#include "Settings/SettingsPlugin.h"
+#include "Statistics/StatisticsPlugin.h"
+#include "Statistics/TrafficStatics.h"
+#include "StatusBarView.h"
+#include "Toolkit/ToolkitPlugin.h"
+
+namespace {
+
+// The installed theme icon; drawn here when the theme has none (running from the build tree).
+QIcon AppIcon() {
+    QIcon icon = QIcon::fromTheme(QStringLiteral("dialtone"));
+    if (!icon.isNull())
+        return icon;
+    QPixmap pixmap(64, 64);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0x1f, 0x6f, 0xb5));
+    painter.drawRoundedRect(QRectF(2, 2, 60, 60), 12, 12);
+    painter.setBrush(Qt::white);
+    for (int i = 0; i < 4; ++i) {
+        const qreal height = 10 + i * 10;
+        painter.drawRoundedRect(QRectF(12 + i * 11, 52 - height, 7, height), 2, 2);
+    }
+    return QIcon(pixmap);
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
+    setWindowTitle(tr("Dialtone"));
+    setWindowIcon(AppIcon());
+    _link = std::make_unique<ModemLink>(this);
+    _notifier = std::make_unique<DesktopNotifier>();
+    // The worker's start makes the configuration the modules share.
+    _link->start();
+    AppConfig* config = _link->config();
+    Q_ASSERT(config);
+    _traffic = std::make_unique<TrafficStatics>(*config);
+    _profiles = std::make_unique<ProfileSettingsController>(*config);
+    _context = std::make_unique<ModuleContext>(ModuleContext{*_link, *config, *_traffic, *_profiles, *_notifier,
+                                                             [this](const QString& name) { return showModule(name); }});
+
+    _pages = new QStackedWidget(this);
+    _tabs = new QTabWidget(_pages);
+    _tabs->setObjectName(QStringLiteral("modules"));
+    _tabs->setDocumentMode(true);
+    _modemPage = new QLabel(_pages);
+    _modemPage->setObjectName(QStringLiteral("modemPage"));
+    _modemPage->setAlignment(Qt::AlignCenter);
+    _modemPage->setWordWrap(true);
+    _modemPage->setMargin(24);
+    _pages->addWidget(_tabs);
+    _pages->addWidget(_modemPage);
+    setCentralWidget(_pages);
+    buildModules();
+
+    _statusView = new StatusBarView(*_link, this);
+    statusBar()->addPermanentWidget(_statusView, 1);
+    buildTray();
+
+    connect(_link.get(), &ModemLink::stateChanged, this, &MainWindow::onStateChanged);
+    onStateChanged(_link->state());
+}
+
+MainWindow::~MainWindow() {
+    NotificationCenter::defaultCenter().removeObserver(this);
+    if (_pinDialog)
+        delete _pinDialog;
+    // The modules go before the link they talk through.
+    for (ModulePlugin* module : _modules)
+        delete module;
+    _modules.clear();
+    _link.reset();
+}
+
+void MainWindow::buildModules() {
+    ModuleContext& context = *_context;
+    _modules = {new ConnectPlugin(context),  new MessagesPlugin(context), new ContactsPlugin(context),
+                new StatisticsPlugin(context), new AccountPlugin(context), new ToolkitPlugin(context),
+                new NetworkPlugin(context),  new SettingsPlugin(context)};
+    for (ModulePlugin* module : _modules) {
+        module->setObjectName(module->moduleName());
+        _tabs->addTab(module, module->icon(), module->title());
+    }
+}
+
+void MainWindow::buildTray() {
+    _tray = new QSystemTrayIcon(AppIcon(), this);
+    auto* menu = new QMenu(this);
+    menu->addAction(tr("Show Dialtone"), this, [this] {
+        showNormal();
+        raise();
+        activateWindow();
+    });
+    menu->addSeparator();
+    menu->addAction(tr("Quit"), qApp, &QApplication::quit);
+    _tray->setContextMenu(menu);
+    connect(_tray, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger)
+            setVisible(!isVisible());
+    });
+    _notifier->setTrayIcon(_tray);
+    if (QSystemTrayIcon::isSystemTrayAvailable())
+        _tray->show();
+    NotificationCenter::defaultCenter().addObserver(CONNECT_STATE, this,
+                                                    [this](const Notification&) { updateTray(); });
+    updateTray();
+}
+
+void MainWindow::updateTray() {
+    QString state = ModemLink::stateText(_link->state());
+    if (_link->state() == ModemLink::State::Ready)
+        state = _statusView->connected() ? tr("Connected") : tr("Not connected");
+    const QString operatorName = _link->state() == ModemLink::State::Ready ? _statusView->operatorText() : QString();
+    _tray->setToolTip(operatorName.isEmpty() ? tr("Dialtone: %1").arg(state)
+                                             : tr("Dialtone: %1 (%2)").arg(state, operatorName));
+}
+
+PinDialog* MainWindow::pinDialog() const {
+    return _pinDialog.data();
+}
+
+bool MainWindow::showsModemPage() const {
+    return _pages->currentWidget() == _modemPage;
+}
+
+QString MainWindow::modemPageText() const {
+    return _modemPage->text();
+}
+
+ModulePlugin* MainWindow::module(const QString& moduleName) const {
+    for (ModulePlugin* module : _modules) {
+        if (module->moduleName() == moduleName)
+            return module;
+    }
+    return nullptr;
+}
+
+ModulePlugin* MainWindow::showModule(const QString& moduleName) {
+    ModulePlugin* found = module(moduleName);
+    if (found)
+        _tabs->setCurrentWidget(found);
+    return found;
+}
+
+void MainWindow::onStateChanged(ModemLink::State state) {
+    using State = ModemLink::State;
+    if (state == State::Ready) {
+        _pages->setCurrentWidget(_tabs);
+        if (_pinDialog)
+            _pinDialog->accept();
+        _profiles->chooseProfilesForSIM(_link->network().strSpName);
+        _modulesReady = true;
+        for (ModulePlugin* module : _modules)
+            module->modemReady();
+        updateTray();
+        return;
+    }
+    if (_modulesReady) {
+        _modulesReady = false;
+        for (ModulePlugin* module : _modules)
+            module->modemGone();
+    }
+    QString text;
+    switch (state) {
+    case State::Absent:
+        text = tr("<h2>No modem</h2><p>Plug in your USB modem. Dialtone finds it by itself; there is no "
+                  "need to restart.</p>");
+        break;
+    case State::Starting:
+        text = tr("<h2>Starting the modem…</h2>");
+        break;
+    case State::NeedPin:
+    case State::NeedPuk:
+        text = tr("<h2>The SIM card is locked</h2><p>Enter its code to go on.</p>");
+        break;
+    case State::NoSim:
+        text = tr("<h2>No SIM card</h2><p>Put a SIM card into the modem and plug it in again.</p>");
+        break;
+    case State::Blocked:
+        text = tr("<h2>The SIM card is blocked</h2><p>It accepts no more codes; ask your operator for a "
+                  "new card.</p>");
+        break;
+    case State::Ready:
+        break;
+    }
+    _modemPage->setText(text);
+    _pages->setCurrentWidget(_modemPage);
+    if (state == State::NeedPin || state == State::NeedPuk)
+        askForPin(state == State::NeedPuk);
+    else if (_pinDialog)
+        _pinDialog->reject();
+    updateTray();
+}
+
+void MainWindow::askForPin(bool puk) {
+    if (_pinDialog) {
+        if (_pinDialog->asksForPuk() == puk)
+            return;
+        _pinDialog->deleteLater();
+        _pinDialog = nullptr;
+    }
+    _pinDialog = new PinDialog(*_link, puk, this);
+    _pinDialog->setAttribute(Qt::WA_DeleteOnClose);
+    _pinDialog->open();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    // Closing the window quits; the tray icon is a view of the state, not a place to hide in.
+    event->accept();
+    qApp->quit();
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QList>
+#include <QMainWindow>
+#include <QPointer>
+
+#include <memory>
+
+#include "ModemLink.h"
+
+class DesktopNotifier;
+class ModulePlugin;
+class PinDialog;
+class ProfileSettingsController;
+class QLabel;
+class QStackedWidget;
+class QSystemTrayIcon;
+class QTabWidget;
+class StatusBarView;
+class TrafficStatics;
+struct ModuleContext;
+
+// The desktop app's window: one tab per module, the status bar, the tray icon, the PIN prompt and the
+// "no modem" page shown while the modem is away. Made, it starts the worker and brings the modem up; the
+// window follows the modem's state from then on.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit MainWindow(QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    ModemLink& link() { return *_link; }
+    DesktopNotifier& notifier() { return *_notifier; }
+    StatusBarView* statusView() const { return _statusView; }
+    QSystemTrayIcon* trayIcon() const { return _tray; }
+    // The PIN prompt while it is open, else null.
+    PinDialog* pinDialog() const;
+    // Whether the "no modem" (or locked SIM) page covers the modules.
+    bool showsModemPage() const;
+    QString modemPageText() const;
+
+    const QList<ModulePlugin*>& modules() const { return _modules; }
+    ModulePlugin* module(const QString& moduleName) const;
+    // Brings the module's tab to the front; returns the module, or null for an unknown name.
+    ModulePlugin* showModule(const QString& moduleName);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildModules();
+    void buildTray();
+    void onStateChanged(ModemLink::State state);
+    void askForPin(bool puk);
+    void updateTray();
+
+    std::unique_ptr<ModemLink> _link;
+    std::unique_ptr<DesktopNotifier> _notifier;
+    std::unique_ptr<TrafficStatics> _traffic;
+    std::unique_ptr<ProfileSettingsController> _profiles;
+    std::unique_ptr<ModuleContext> _context;
+    QStackedWidget* _pages = nullptr;
+    QTabWidget* _tabs = nullptr;
+    QLabel* _modemPage = nullptr;
+    StatusBarView* _statusView = nullptr;
+    QSystemTrayIcon* _tray = nullptr;
+    QPointer<PinDialog> _pinDialog;
+    QList<ModulePlugin*> _modules;
+    bool _modulesReady = false;
+};

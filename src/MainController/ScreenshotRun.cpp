@@ -1,0 +1,74 @@
+#include "ScreenshotRun.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QPixmap>
+#include <QThread>
+#include <QTimer>
+
+#include <cstdio>
+
+#include "MainWindow.h"
+#include "ModulePlugin.h"
+
+namespace {
+
+void Settle(int milliseconds) {
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < milliseconds) {
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(5);
+    }
+}
+
+} // namespace
+
+ScreenshotRun::ScreenshotRun(MainWindow& window, QString folder) : _window(window), _folder(std::move(folder)) {}
+
+void ScreenshotRun::start() {
+    if (!QDir().mkpath(_folder)) {
+        std::fprintf(stderr, "dialtone-gui: cannot create %s\n", qPrintable(_folder));
+        QTimer::singleShot(0, qApp, &QApplication::quit);
+        return;
+    }
+    auto shootOnce = [this] {
+        if (_started)
+            return;
+        _started = true;
+        // Queued: the modules hear "ready" first and send their first requests.
+        QTimer::singleShot(0, this, &ScreenshotRun::shootAll);
+    };
+    connect(&_window.link(), &ModemLink::stateChanged, this, [shootOnce](ModemLink::State state) {
+        if (state == ModemLink::State::Ready)
+            shootOnce();
+    });
+    QTimer::singleShot(kReadyTimeoutMs, this, shootOnce);
+    if (_window.link().state() == ModemLink::State::Ready)
+        shootOnce();
+}
+
+void ScreenshotRun::shootAll() {
+    bool ok = true;
+    if (_window.link().state() != ModemLink::State::Ready) {
+        std::fprintf(stderr, "dialtone-gui: the modem did not come up; only the \"no modem\" page is shown\n");
+        ok = save(QStringLiteral("no-modem")) && false;
+    } else {
+        Settle(kSettleMs);
+        for (ModulePlugin* module : _window.modules()) {
+            _window.showModule(module->moduleName());
+            Settle(kSettleMs);
+            ok = save(module->moduleName()) && ok;
+        }
+    }
+    _succeeded = ok;
+    QApplication::quit();
+}
+
+bool ScreenshotRun::save(const QString& name) {
+    const QString path = QDir(_folder).filePath(name + QStringLiteral(".png"));
+    const bool saved = _window.grab().save(path, "PNG");
+    std::fprintf(saved ? stdout : stderr, "%s %s\n", saved ? "wrote" : "could not write", qPrintable(path));
+    return saved;
+}

@@ -1,0 +1,111 @@
+#include "StatusBarView.h"
+
+#include <QHBoxLayout>
+
+#include "Connector/ConnectController.h"
+#include "ConvertUtilty.h"
+#include "NotificationCenter.h"
+#include "SignalBars.h"
+#include "StatisticsRecords.h"
+#include "StatusText.h"
+
+namespace {
+
+QLabel* Field(QWidget* parent, const QString& toolTip) {
+    auto* label = new QLabel(parent);
+    label->setToolTip(toolTip);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+} // namespace
+
+StatusBarView::StatusBarView(ModemLink& link, QWidget* parent) : QWidget(parent), _link(link) {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(4, 0, 4, 0);
+    layout->setSpacing(12);
+    _bars = new SignalBars(this);
+    _operator = Field(this, tr("Operator"));
+    _bearer = Field(this, tr("Bearer"));
+    _roaming = Field(this, tr("Registration"));
+    _connection = Field(this, tr("Connection time and rates"));
+    layout->addWidget(_bars);
+    layout->addWidget(_operator);
+    layout->addWidget(_bearer);
+    layout->addWidget(_roaming);
+    layout->addStretch(1);
+    layout->addWidget(_connection);
+
+    connect(&_link, &ModemLink::stateChanged, this, &StatusBarView::showModemState);
+    connect(&_link, &ModemLink::networkChanged, this, &StatusBarView::showNetwork);
+    NotificationCenter& center = NotificationCenter::defaultCenter();
+    center.addObserver(CONNECT_STATE, this, [this](const Notification& n) { onConnectState(n); });
+    center.addObserver(NOTIFY_TRAFFIC_STATISTICS, this, [this](const Notification& n) { onStatistics(n); });
+    showModemState(_link.state());
+}
+
+StatusBarView::~StatusBarView() {
+    NotificationCenter::defaultCenter().removeObserver(this);
+}
+
+int StatusBarView::signalLevel() const {
+    return _bars->level();
+}
+
+void StatusBarView::showModemState(ModemLink::State state) {
+    if (state == ModemLink::State::Ready && _link.hasNetwork()) {
+        showNetwork(_link.network());
+        return;
+    }
+    _bars->setLevel(-1);
+    _operator->setText(ModemLink::stateText(state));
+    _bearer->clear();
+    _roaming->clear();
+    if (state != ModemLink::State::Ready) {
+        _connected = false;
+        _connection->clear();
+    }
+}
+
+void StatusBarView::showNetwork(const BLNetworkInfo& network) {
+    _bars->setLevel(network.nRssi);
+    const QString name = QString::fromStdString(OperatorText(network.strOperator, network.strSpName));
+    _operator->setText(network.strOperator.isEmpty() && network.strSpName.isEmpty() ? tr("No operator") : name);
+    _bearer->setText(QString::fromStdString(BearerText(network.nBearer)));
+    _roaming->setText(network.nRoamState == 1 ? tr("Roaming")
+                                              : QString::fromStdString(ServiceStateText(network.nRoamState)));
+    // The connect controller learns the roaming state from here.
+    NotificationCenter::defaultCenter().post(NETWORK_UPDATE, nullptr,
+                                             {{KEY_ROAMSTATE, network.nRoamState},
+                                              {KEY_GPRSSTATE, network.nGprsState},
+                                              {KEY_OPERATOR, network.strOperator}});
+}
+
+void StatusBarView::onConnectState(const Notification& notification) {
+    const int announced = notification.userInfo.value(KEY_VALUE_OBJECT).toInt();
+    _connected = announced == ConnectController::kAnnounceConnected;
+    switch (announced) {
+    case ConnectController::kAnnounceConnecting:
+        _connection->setText(tr("Connecting…"));
+        break;
+    case ConnectController::kAnnounceDisconnecting:
+        _connection->setText(tr("Disconnecting…"));
+        break;
+    case ConnectController::kAnnounceConnected:
+        _connection->setText(tr("Connected"));
+        break;
+    default:
+        _connection->setText(tr("Disconnected"));
+        break;
+    }
+}
+
+void StatusBarView::onStatistics(const Notification& notification) {
+    if (!_connected)
+        return;
+    const auto sample = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS).value<BLConnectStatistics>();
+    const QString up = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_UPDATA_RATE).toString();
+    const QString down = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString();
+    _connection->setText(tr("%1   ↑ %2   ↓ %3")
+                             .arg(ConvertUtilty::secondToTimeFormat(sample.nDurationSeconds), up, down));
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QLabel>
+#include <QWidget>
+
+#include "ModemLink.h"
+
+class SignalBars;
+struct Notification;
+
+// The status bar's contents: signal bars, operator, bearer, roaming, and while connected the link's
+// duration and rates. Follows the modem link and the connect controller's notifications.
+class StatusBarView : public QWidget {
+    Q_OBJECT
+public:
+    explicit StatusBarView(ModemLink& link, QWidget* parent = nullptr);
+    ~StatusBarView() override;
+
+    // What is shown, for tests and the tray's tool tip.
+    int signalLevel() const;
+    QString operatorText() const { return _operator->text(); }
+    QString bearerText() const { return _bearer->text(); }
+    QString roamingText() const { return _roaming->text(); }
+    QString connectionText() const { return _connection->text(); }
+    bool connected() const { return _connected; }
+
+private:
+    void showModemState(ModemLink::State state);
+    void showNetwork(const BLNetworkInfo& network);
+    void onConnectState(const Notification& notification);
+    void onStatistics(const Notification& notification);
+
+    ModemLink& _link;
+    SignalBars* _bars = nullptr;
+    QLabel* _operator = nullptr;
+    QLabel* _bearer = nullptr;
+    QLabel* _roaming = nullptr;
+    QLabel* _connection = nullptr;
+    bool _connected = false;
+};

@@ -1,0 +1,68 @@
+// dialtone-gui: the desktop app.
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QTimer>
+
+#include <cstdio>
+#include <memory>
+
+#include "MainWindow.h"
+#include "ScreenshotRun.h"
+#include "Simulator.h"
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("dialtone-gui"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Dialtone"));
+    QApplication::setApplicationVersion(QStringLiteral(DIALTONE_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("dialtone"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Connection manager for USB 3G/HSPA modems."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption simulate(QStringLiteral("simulate"),
+                                      QStringLiteral("Run against a simulated modem instead of a real one."));
+    const QCommandLineOption scenario(QStringLiteral("scenario"),
+                                      QStringLiteral("The simulated modem's scenario (default, pin-locked, "
+                                                     "full-sim, or a file)."),
+                                      QStringLiteral("name"));
+    const QCommandLineOption devDir(QStringLiteral("dev-dir"),
+                                    QStringLiteral("Look for the modem's ports in this folder instead of /dev."),
+                                    QStringLiteral("folder"));
+    const QCommandLineOption screenshots(QStringLiteral("screenshots"),
+                                         QStringLiteral("Render every tab to a PNG file in the folder, then quit."),
+                                         QStringLiteral("folder"));
+    parser.addOptions({simulate, scenario, devDir, screenshots});
+    parser.process(application);
+
+    Simulator simulator;
+    if (parser.isSet(simulate) || parser.isSet(scenario)) {
+        std::string error;
+        if (!simulator.start(parser.value(scenario).toStdString(), false, error)) {
+            std::fprintf(stderr, "dialtone-gui: %s\n", error.c_str());
+            return 1;
+        }
+        qputenv("DIALTONE_DEV_DIR", QByteArray::fromStdString(simulator.devDir()));
+    } else if (parser.isSet(devDir)) {
+        qputenv("DIALTONE_DEV_DIR", QDir(parser.value(devDir)).absolutePath().toLocal8Bit());
+    }
+
+    auto window = std::make_unique<MainWindow>();
+    simulator.stopOnInterrupt();
+    window->resize(960, 640);
+    window->show();
+
+    std::unique_ptr<ScreenshotRun> shots;
+    if (parser.isSet(screenshots)) {
+        shots = std::make_unique<ScreenshotRun>(*window, parser.value(screenshots));
+        shots->start();
+    }
+    const int status = application.exec();
+    window.reset(); // hangs up and lets go of the modem before the simulator ends
+    if (shots && !shots->succeeded())
+        return 1;
+    return status;
+}

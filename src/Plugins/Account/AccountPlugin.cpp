@@ -1,0 +1,3 @@
+#include "AccountPlugin.h"
+
+AccountPlugin::AccountPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}

@@ -1,0 +1,3 @@
+#include "ConnectPlugin.h"
+
+ConnectPlugin::ConnectPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}

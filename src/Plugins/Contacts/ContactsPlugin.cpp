@@ -1,0 +1,3 @@
+#include "ContactsPlugin.h"
+
+ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}

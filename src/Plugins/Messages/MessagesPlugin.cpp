@@ -1,0 +1,3 @@
+#include "MessagesPlugin.h"
+
+MessagesPlugin::MessagesPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}

@@ -1,0 +1,3 @@
+#include "NetworkPlugin.h"
+
+NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}

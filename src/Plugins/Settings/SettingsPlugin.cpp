@@ -1,0 +1,3 @@
+#include "SettingsPlugin.h"
+
+SettingsPlugin::SettingsPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}

@@ -1,0 +1,3 @@
+#include "StatisticsPlugin.h"
+
+StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}

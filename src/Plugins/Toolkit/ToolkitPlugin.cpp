@@ -1,0 +1,3 @@
+#include "ToolkitPlugin.h"
+
+ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}

@@ -1,0 +1,58 @@
+#include "GuiTestSupport.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QThread>
+
+#include <cstdlib>
+
+void ensureGuiApplication() {
+    static int argc = 1;
+    static char name[] = "dialtone_gui_tests";
+    static char* argv[] = {name, nullptr};
+    if (!QApplication::instance()) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        new QApplication(argc, argv); // kept for the rest of the run
+    }
+}
+
+bool waitForGui(const std::function<bool()>& cond, std::chrono::milliseconds limit) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!cond()) {
+        if (clock.elapsed() > limit.count())
+            return false;
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(2);
+    }
+    return true;
+}
+
+GuiWorld::GuiWorld(const QStringList& simulatorArguments) {
+    ensureGuiApplication();
+    const QByteArray home = _home.path().toLocal8Bit();
+    setenv("HOME", home.constData(), 1);
+    unsetenv("XDG_CONFIG_HOME");
+    for (const char* folder : {"peers", "run", "net"})
+        QDir(_ppp.path()).mkpath(QString::fromLatin1(folder));
+    setenv("DIALTONE_PPPD", DIALTONE_FAKE_PPPD, 1);
+    setenv("DIALTONE_PEERS_DIR", (_ppp.path() + "/peers").toLocal8Bit().constData(), 1);
+    setenv("DIALTONE_PPP_RUN_DIR", (_ppp.path() + "/run").toLocal8Bit().constData(), 1);
+    setenv("DIALTONE_NET_DIR", (_ppp.path() + "/net").toLocal8Bit().constData(), 1);
+    _sim = std::make_unique<SimulatedModem>(simulatorArguments);
+    if (!_sim->started())
+        return;
+    _window = std::make_unique<MainWindow>();
+    _window->resize(960, 640);
+    _window->show();
+}
+
+GuiWorld::~GuiWorld() {
+    _window.reset();
+    _sim.reset();
+}
+
+bool GuiWorld::waitForState(ModemLink::State state, std::chrono::milliseconds limit) {
+    return _window && waitForGui([&] { return _window->link().state() == state; }, limit);
+}

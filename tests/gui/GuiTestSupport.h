@@ -1,0 +1,55 @@
+#pragma once
+
+// The desktop app's main window on a simulated modem, offscreen, with a HOME, a device folder and pppd
+// folders of its own (the stand-in pppd dials).
+
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+#include "E2ESupport.h"
+#include "MainWindow.h"
+#include "ModemLink.h"
+
+class ModulePlugin;
+
+// One QApplication on the offscreen platform for the whole run.
+void ensureGuiApplication();
+
+class GuiWorld {
+public:
+    // simulatorArguments: e.g. {"--scenario", "pin-locked"}.
+    explicit GuiWorld(const QStringList& simulatorArguments = {});
+    ~GuiWorld();
+    GuiWorld(const GuiWorld&) = delete;
+    GuiWorld& operator=(const GuiWorld&) = delete;
+
+    bool started() const { return _sim && _sim->started(); }
+    SimulatedModem& sim() { return *_sim; }
+    MainWindow& window() { return *_window; }
+    ModemLink& link() { return _window->link(); }
+
+    // Runs events until the modem reaches the state.
+    bool waitForState(ModemLink::State state, std::chrono::milliseconds limit = std::chrono::seconds(20));
+    // The module by name, its tab shown; cast to the plugin's class.
+    template <class Plugin> Plugin* show(const QString& moduleName) {
+        return qobject_cast<Plugin*>(_window->showModule(moduleName));
+    }
+
+    QString home() const { return _home.path(); }
+    // pppd's folders: peers, pid files (run) and interface counters (net).
+    QString pppDir() const { return _ppp.path(); }
+
+private:
+    QTemporaryDir _home;
+    QTemporaryDir _ppp;
+    std::unique_ptr<SimulatedModem> _sim;
+    std::unique_ptr<MainWindow> _window;
+};
+
+// Runs events until cond holds or the limit passes.
+bool waitForGui(const std::function<bool()>& cond, std::chrono::milliseconds limit = std::chrono::seconds(10));
