@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "DebugSink.h"
 #include "MainWindow.h"
 #include "ScreenshotRun.h"
 #include "Simulator.h"
@@ -35,8 +36,11 @@ int main(int argc, char** argv) {
     const QCommandLineOption screenshots(QStringLiteral("screenshots"),
                                          QStringLiteral("Render every tab to a PNG file in the folder, then quit."),
                                          QStringLiteral("folder"));
-    parser.addOptions({simulate, scenario, devDir, screenshots});
+    const QCommandLineOption debug(QStringLiteral("debug"),
+                                   QStringLiteral("Show the modem link's debug output on standard error."));
+    parser.addOptions({simulate, scenario, devDir, screenshots, debug});
     parser.process(application);
+    SetDebugSink(parser.isSet(debug) ? stderr : nullptr);
 
     Simulator simulator;
     if (parser.isSet(simulate) || parser.isSet(scenario)) {

@@ -24,6 +24,7 @@ root="$stage$prefix"
 expected=(
     bin/dialtone
     bin/dialtone-modemsim
+    bin/dialtone-gui
     share/dialtone/Resources/PredefinedProfile
     share/dialtone/Resources/PLMN
     share/dialtone/Resources/VELModemService
@@ -39,7 +40,7 @@ for file in "${expected[@]}"; do
     [[ -s "$root/$file" ]] || fail "$file missing or empty"
 done
 [[ -s "$stage$udev_dir/70-dialtone-modem.rules" ]] || fail "udev rule missing in $udev_dir"
-for program in bin/dialtone bin/dialtone-modemsim share/dialtone/Resources/VELModemService; do
+for program in bin/dialtone bin/dialtone-modemsim bin/dialtone-gui share/dialtone/Resources/VELModemService; do
     [[ -x "$root/$program" ]] || fail "$program is not executable"
 done
 
@@ -74,6 +75,10 @@ done
 if command -v xmllint >/dev/null 2>&1; then
     xmllint --noout "$root/share/icons/hicolor/scalable/apps/dialtone.svg" || fail "dialtone.svg is not XML"
 fi
+
+# The installed desktop app starts and knows its version (no display needed).
+version=$(QT_QPA_PLATFORM=offscreen "$root/bin/dialtone-gui" --version 2>&1) || fail "dialtone-gui --version failed: $version"
+[[ "$version" == *dialtone-gui* ]] || fail "dialtone-gui --version printed: $version"
 
 if ((failures > 0)); then
     echo "$failures check(s) failed; the installed tree is in $stage" >&2
