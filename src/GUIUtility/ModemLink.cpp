@@ -154,6 +154,7 @@ void ModemLink::onInitAnswer(const QVariantMap& response) {
         return;
     }
     setState(State::Starting);
+    _simCheckFailures = 0;
     checkSim();
 }
 
@@ -169,9 +170,18 @@ void ModemLink::checkSim() {
         _pukAttempts = sim.nPukCnt;
         emit simChecked();
         if (code != WORKER_OK) {
-            setState(State::NoSim);
+            // A SIM still starting up answers busy for a moment; only a lasting failure means no SIM.
+            if (++_simCheckFailures < kSimCheckTries) {
+                QTimer::singleShot(kSimCheckRetryMs, this, [this] {
+                    if (_state == State::Starting)
+                        checkSim();
+                });
+            } else {
+                setState(State::NoSim);
+            }
             return;
         }
+        _simCheckFailures = 0;
         switch (sim.nState) {
         case kSimReady:
             learnModem();

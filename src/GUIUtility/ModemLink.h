@@ -39,6 +39,8 @@ public:
 
     static constexpr int kRetryIntervalMs = 2000;  // init retries while no modem answers
     static constexpr int kNetworkPollMs = 5000;    // registration, signal and bearer for the status bar
+    static constexpr int kSimCheckTries = 5;       // SIM state reads before a failing SIM counts as absent
+    static constexpr int kSimCheckRetryMs = 1000;
 
     explicit ModemLink(QObject* parent = nullptr);
     ~ModemLink() override; // ends the worker (and a link the app started)
@@ -113,6 +115,7 @@ private:
     qint64 _nextTicket = 1;
     std::map<qint64, Pending> _pending;
     QStringList _watched;
+    int _simCheckFailures = 0;
     int _pinAttempts = -1;
     int _pukAttempts = -1;
     BLEquipmentInfo _equipment;

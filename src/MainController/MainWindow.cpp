@@ -8,6 +8,8 @@
 #include <QMenu>
 #include <QPainter>
 #include <QPixmap>
+#include <QPushButton>
+#include <QVBoxLayout>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QSystemTrayIcon>
@@ -73,11 +75,22 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
     _tabs = new QTabWidget(_pages);
     _tabs->setObjectName(QStringLiteral("modules"));
     _tabs->setDocumentMode(true);
-    _modemPage = new QLabel(_pages);
+    _modemPage = new QWidget(_pages);
     _modemPage->setObjectName(QStringLiteral("modemPage"));
-    _modemPage->setAlignment(Qt::AlignCenter);
-    _modemPage->setWordWrap(true);
-    _modemPage->setMargin(24);
+    auto* pageLayout = new QVBoxLayout(_modemPage);
+    _modemText = new QLabel(_modemPage);
+    _modemText->setAlignment(Qt::AlignCenter);
+    _modemText->setWordWrap(true);
+    _modemText->setMargin(24);
+    // A cancelled prompt can be opened again from here.
+    _unlockButton = new QPushButton(tr("Unlock the SIM…"), _modemPage);
+    _unlockButton->setObjectName(QStringLiteral("unlock"));
+    connect(_unlockButton, &QPushButton::clicked, this,
+            [this] { askForPin(_link->state() == ModemLink::State::NeedPuk); });
+    pageLayout->addStretch(1);
+    pageLayout->addWidget(_modemText);
+    pageLayout->addWidget(_unlockButton, 0, Qt::AlignHCenter);
+    pageLayout->addStretch(2);
     _pages->addWidget(_tabs);
     _pages->addWidget(_modemPage);
     setCentralWidget(_pages);
@@ -154,7 +167,7 @@ bool MainWindow::showsModemPage() const {
 }
 
 QString MainWindow::modemPageText() const {
-    return _modemPage->text();
+    return _modemText->text();
 }
 
 ModulePlugin* MainWindow::module(const QString& moduleName) const {
@@ -213,7 +226,8 @@ void MainWindow::onStateChanged(ModemLink::State state) {
     case State::Ready:
         break;
     }
-    _modemPage->setText(text);
+    _modemText->setText(text);
+    _unlockButton->setVisible(state == State::NeedPin || state == State::NeedPuk);
     _pages->setCurrentWidget(_modemPage);
     if (state == State::NeedPin || state == State::NeedPuk)
         askForPin(state == State::NeedPuk);

@@ -13,6 +13,7 @@ class ModulePlugin;
 class PinDialog;
 class ProfileSettingsController;
 class QLabel;
+class QPushButton;
 class QStackedWidget;
 class QSystemTrayIcon;
 class QTabWidget;
@@ -61,7 +62,9 @@ private:
     std::unique_ptr<ModuleContext> _context;
     QStackedWidget* _pages = nullptr;
     QTabWidget* _tabs = nullptr;
-    QLabel* _modemPage = nullptr;
+    QWidget* _modemPage = nullptr;
+    QLabel* _modemText = nullptr;
+    QPushButton* _unlockButton = nullptr;
     StatusBarView* _statusView = nullptr;
     QSystemTrayIcon* _tray = nullptr;
     QPointer<PinDialog> _pinDialog;

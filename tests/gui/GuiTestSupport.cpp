@@ -7,12 +7,15 @@
 
 #include <cstdlib>
 
+#include "DebugSink.h"
+
 void ensureGuiApplication() {
     static int argc = 1;
     static char name[] = "dialtone_gui_tests";
     static char* argv[] = {name, nullptr};
     if (!QApplication::instance()) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        SetDebugSink(nullptr); // the modem link's chatter
         new QApplication(argc, argv); // kept for the rest of the run
     }
 }

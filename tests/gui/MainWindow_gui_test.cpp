@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QSystemTrayIcon>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTabWidget>
 
 #include <gtest/gtest.h>
@@ -37,6 +38,16 @@ TEST(MainWindowGui, LockedSimAsksForThePinWithTheAttemptsLeft) {
     prompt->enter("12");
     EXPECT_EQ(world.link().pinAttempts(), 2);
     EXPECT_FALSE(prompt->errorText().isEmpty());
+
+    // Cancelled, the prompt opens again from the locked page.
+    prompt->reject();
+    ASSERT_TRUE(waitForGui([&] { return window.pinDialog() == nullptr; }));
+    auto* unlock = window.findChild<QPushButton*>("unlock");
+    ASSERT_TRUE(unlock && unlock->isVisible());
+    unlock->click();
+    ASSERT_TRUE(waitForGui([&] { return window.pinDialog() && window.pinDialog()->isVisible(); }));
+    prompt = window.pinDialog();
+    EXPECT_EQ(prompt->attemptsText(), "Attempts left: 2");
 
     prompt->enter("1234");
     ASSERT_TRUE(world.waitForState(State::Ready));
