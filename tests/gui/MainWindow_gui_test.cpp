@@ -2,9 +2,9 @@
 // bar, and the "no modem" state through unplugging and replugging.
 
 #include <QLabel>
-#include <QSystemTrayIcon>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSystemTrayIcon>
 #include <QTabWidget>
 
 #include <gtest/gtest.h>
@@ -13,6 +13,7 @@
 #include "ModulePlugin.h"
 #include "PinDialog.h"
 #include "StatusBarView.h"
+#include "WorkMessageNames.h"
 
 using State = ModemLink::State;
 
@@ -51,7 +52,8 @@ TEST(MainWindowGui, LockedSimAsksForThePinWithTheAttemptsLeft) {
 
     prompt->enter("1234");
     ASSERT_TRUE(world.waitForState(State::Ready));
-    EXPECT_TRUE(waitForGui([&] { return window.pinDialog() == nullptr || !window.pinDialog()->isVisible(); }));
+    EXPECT_TRUE(
+        waitForGui([&] { return window.pinDialog() == nullptr || !window.pinDialog()->isVisible(); }));
     EXPECT_FALSE(window.showsModemPage());
 }
 
@@ -66,7 +68,8 @@ TEST(MainWindowGui, ThreeWrongPinsAskForThePukAndTheNewPinUnlocks) {
         ASSERT_TRUE(waitForGui([&] { return world.link().pinAttempts() != before; }));
     }
     ASSERT_TRUE(world.waitForState(State::NeedPuk));
-    ASSERT_TRUE(waitForGui([&] { return world.window().pinDialog() && world.window().pinDialog()->asksForPuk(); }));
+    ASSERT_TRUE(
+        waitForGui([&] { return world.window().pinDialog() && world.window().pinDialog()->asksForPuk(); }));
     EXPECT_EQ(world.window().pinDialog()->attemptsText(), "Attempts left: 10");
     world.window().pinDialog()->enter("12345678", "4321");
     ASSERT_TRUE(world.waitForState(State::Ready));
@@ -98,4 +101,28 @@ TEST(MainWindowGui, UnpluggingShowsNoModemAndReplugRecoversWithoutRestart) {
     EXPECT_FALSE(window.showsModemPage());
     EXPECT_TRUE(waitForGui([&] { return status->signalLevel() >= 0; }));
     EXPECT_EQ(window.modules().size(), modules);
+}
+
+TEST(ModemLinkGui, EachAnswerReachesOnlyItsOwnRequest) {
+    GuiWorld world;
+    ASSERT_TRUE(world.started());
+    ASSERT_TRUE(world.waitForState(State::Ready));
+    // Two requests of the same name in flight, and one whose context is gone before its answer.
+    int first = 0;
+    int second = 0;
+    int orphan = 0;
+    world.link().request(MESSAGE_NETWORK_GET_INFO, {}, [&](const QVariantMap&) { ++first; });
+    world.link().request(MESSAGE_NETWORK_GET_INFO, {}, [&](const QVariantMap&) { ++second; });
+    auto context = std::make_unique<QObject>();
+    world.link().request(
+        MESSAGE_NETWORK_GET_INFO, {}, [&](const QVariantMap&) { ++orphan; }, context.get());
+    context.reset();
+    ASSERT_TRUE(waitForGui([&] { return first == 1 && second == 1; }));
+    // A later answer of the same name must not reach them again.
+    int third = 0;
+    world.link().request(MESSAGE_NETWORK_GET_INFO, {}, [&](const QVariantMap&) { ++third; });
+    ASSERT_TRUE(waitForGui([&] { return third == 1; }));
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 1);
+    EXPECT_EQ(orphan, 0);
 }
