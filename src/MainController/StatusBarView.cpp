@@ -5,7 +5,7 @@
 #include "Connector/ConnectController.h"
 #include "ConvertUtilty.h"
 #include "NotificationCenter.h"
-#include "SignalBars.h"
+#include "CNSSignalBars.h"
 #include "StatisticsRecords.h"
 #include "StatusText.h"
 
@@ -24,7 +24,7 @@ StatusBarView::StatusBarView(ModemLink& link, QWidget* parent) : QWidget(parent)
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(4, 0, 4, 0);
     layout->setSpacing(12);
-    _bars = new SignalBars(this);
+    _bars = new CNSSignalBars(this);
     _operator = Field(this, tr("Operator"));
     _bearer = Field(this, tr("Bearer"));
     _roaming = Field(this, tr("Registration"));

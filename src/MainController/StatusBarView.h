@@ -5,7 +5,7 @@
 
 #include "ModemLink.h"
 
-class SignalBars;
+class CNSSignalBars;
 struct Notification;
 
 // The status bar's contents: signal bars, operator, bearer, roaming, and while connected the link's
@@ -31,7 +31,7 @@ private:
     void onStatistics(const Notification& notification);
 
     ModemLink& _link;
-    SignalBars* _bars = nullptr;
+    CNSSignalBars* _bars = nullptr;
     QLabel* _operator = nullptr;
     QLabel* _bearer = nullptr;
     QLabel* _roaming = nullptr;

@@ -1,13 +1,13 @@
-#include "SignalBars.h"
+#include "CNSSignalBars.h"
 
 #include <QPainter>
 
-SignalBars::SignalBars(QWidget* parent) : QWidget(parent) {
+CNSSignalBars::CNSSignalBars(QWidget* parent) : QWidget(parent) {
     setMinimumSize(sizeHint());
     setToolTip(tr("Signal strength"));
 }
 
-void SignalBars::setLevel(int level) {
+void CNSSignalBars::setLevel(int level) {
     level = (level >= 0 && level <= 5) ? level : -1;
     if (level == _level)
         return;
@@ -16,7 +16,7 @@ void SignalBars::setLevel(int level) {
     update();
 }
 
-void SignalBars::paintEvent(QPaintEvent*) {
+void CNSSignalBars::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     constexpr int kBars = 5;

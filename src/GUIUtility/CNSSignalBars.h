@@ -3,10 +3,10 @@
 #include <QWidget>
 
 // Signal strength as five rising bars; level 0-5, anything else (no modem, unknown) shows empty bars.
-class SignalBars : public QWidget {
+class CNSSignalBars : public QWidget {
     Q_OBJECT
 public:
-    explicit SignalBars(QWidget* parent = nullptr);
+    explicit CNSSignalBars(QWidget* parent = nullptr);
 
     void setLevel(int level);
     int level() const { return _level; }
