@@ -1,3 +1,274 @@
 #include "ConnectPlugin.h"
 
-ConnectPlugin::ConnectPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}
+#include <QApplication>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "Connector/ConnectController.h"
+#include "ConvertUtilty.h"
+#include "DebugSink.h"
+#include "LocalizedStrings.h"
+#include "NotificationCenter.h"
+
+namespace {
+
+// The controller names its texts by key; keys the translation table does not know yet read in English.
+QString KeyText(const QString& key) {
+    const QString text = LocalizedStrings::text(key);
+    if (text != key)
+        return text;
+    static const QHash<QString, const char*> fallback{
+        {QStringLiteral("IDS_CONNECT"), QT_TRANSLATE_NOOP("ConnectPlugin", "Connect")},
+        {QStringLiteral("IDS_DISCONNECT"), QT_TRANSLATE_NOOP("ConnectPlugin", "Disconnect")},
+        {QStringLiteral("IDS_COMMON_WARNING"), QT_TRANSLATE_NOOP("ConnectPlugin", "Warning")},
+        {QStringLiteral("IDS_COMMON_OK"), QT_TRANSLATE_NOOP("ConnectPlugin", "OK")},
+        {QStringLiteral("IDS_DIALUP_CANTFIND"),
+         QT_TRANSLATE_NOOP("ConnectPlugin", "There is no connection profile for this SIM. Add one under "
+                                            "Settings, then connect again.")},
+    };
+    const auto found = fallback.constFind(key);
+    return found == fallback.constEnd() ? key : QCoreApplication::translate("ConnectPlugin", found.value());
+}
+
+QString Bytes(quint64 bytes) {
+    return ConvertUtilty::byte2String(bytes) + QStringLiteral("B");
+}
+
+QLabel* CounterLabel(const QString& name, QWidget* parent) {
+    auto* label = new QLabel(QStringLiteral("–"), parent);
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+} // namespace
+
+ConnectPlugin::ConnectPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
+    auto* layout = new QVBoxLayout(this);
+
+    auto* profileBox = new QGroupBox(tr("Connection"), this);
+    auto* profileLayout = new QFormLayout(profileBox);
+    _profiles = new QComboBox(profileBox);
+    _profiles->setObjectName(QStringLiteral("profiles"));
+    _profiles->setMinimumContentsLength(24);
+    _profiles->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    profileLayout->addRow(tr("Profile:"), _profiles);
+
+    _state = new QLabel(profileBox);
+    _state->setObjectName(QStringLiteral("connectState"));
+    _state->setTextFormat(Qt::PlainText);
+    profileLayout->addRow(tr("State:"), _state);
+
+    auto* buttonRow = new QHBoxLayout;
+    _button = new QPushButton(KeyText(QStringLiteral("IDS_CONNECT")), profileBox);
+    _button->setObjectName(QStringLiteral("connectButton"));
+    _button->setDefault(true);
+    _button->setMinimumWidth(120);
+    _busy = new QProgressBar(profileBox);
+    _busy->setObjectName(QStringLiteral("busy"));
+    _busy->setRange(0, 0);
+    _busy->setTextVisible(false);
+    _busy->setMaximumWidth(160);
+    buttonRow->addWidget(_button);
+    buttonRow->addWidget(_busy);
+    buttonRow->addStretch(1);
+    profileLayout->addRow(buttonRow);
+    layout->addWidget(profileBox);
+
+    _message = new QLabel(this);
+    _message->setObjectName(QStringLiteral("connectMessage"));
+    _message->setTextFormat(Qt::PlainText);
+    _message->setWordWrap(true);
+    layout->addWidget(_message);
+
+    auto* counterBox = new QGroupBox(tr("This connection"), this);
+    auto* counters = new QFormLayout(counterBox);
+    _duration = CounterLabel(QStringLiteral("duration"), counterBox);
+    _sent = CounterLabel(QStringLiteral("sent"), counterBox);
+    _received = CounterLabel(QStringLiteral("received"), counterBox);
+    _upRate = CounterLabel(QStringLiteral("upRate"), counterBox);
+    _downRate = CounterLabel(QStringLiteral("downRate"), counterBox);
+    counters->addRow(tr("Duration:"), _duration);
+    counters->addRow(tr("Sent:"), _sent);
+    counters->addRow(tr("Received:"), _received);
+    counters->addRow(tr("Upload rate:"), _upRate);
+    counters->addRow(tr("Download rate:"), _downRate);
+    layout->addWidget(counterBox);
+    layout->addStretch(1);
+
+    connect(_button, &QPushButton::clicked, this, [this] {
+        if (!_controller)
+            return;
+        _message->clear();
+        _controller->actionForButtonConnect();
+    });
+    connect(_profiles, &QComboBox::currentIndexChanged, this, [this](int index) {
+        if (_controller && index >= 0)
+            _controller->selectProfileIndex(index);
+    });
+    // The history must hold the last seconds of a link that is still up when the app quits.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &ConnectPlugin::saveTraffic);
+    refreshView();
+}
+
+ConnectPlugin::~ConnectPlugin() {
+    NotificationCenter::defaultCenter().removeObserver(this);
+    saveTraffic();
+}
+
+QString ConnectPlugin::buttonTitle(const QString& key) {
+    return KeyText(key);
+}
+
+void ConnectPlugin::saveTraffic() {
+    // A second save adds nothing: the controller clears what it saved.
+    if (_controller)
+        _controller->applicationWillTerminate();
+}
+
+void ConnectPlugin::createController() {
+    saveTraffic();
+    _controller.reset();
+    NotificationCenter::defaultCenter().removeObserver(this);
+    _worker = link().workTarget();
+    _controller = std::make_unique<ConnectController>(_worker, &context().config, &context().traffic);
+    _controller->setEchoSink([](const QString& line) { DebugPrint("%s", qPrintable(line)); });
+    connect(_controller.get(), &ConnectController::viewStateChanged, this, &ConnectPlugin::refreshView);
+    connect(_controller.get(), &ConnectController::warningRequested, this, &ConnectPlugin::showWarning);
+    connect(_controller.get(), &ConnectController::serviceCreationFailed, this,
+            &ConnectPlugin::showServiceFailure);
+    NotificationCenter::defaultCenter().addObserver(NOTIFY_TRAFFIC_STATISTICS, this,
+                                                    [this](const Notification& n) { showStatistics(n); });
+}
+
+void ConnectPlugin::modemReady() {
+    _modemPresent = true;
+    _message->clear();
+    if (!_controller || _worker != link().workTarget())
+        createController();
+    // Also after a replug: the dial-up service is looked up again and the profiles published anew.
+    _controller->modemInit();
+    refreshView();
+}
+
+void ConnectPlugin::modemGone() {
+    _modemPresent = false;
+    refreshView();
+}
+
+void ConnectPlugin::refreshView() {
+    const ConnectController* c = _controller.get();
+    const int state = c && _modemPresent ? c->connectState() : ConnectController::kDisconnected;
+
+    QStringList names;
+    QStringList apns;
+    if (c && _modemPresent) {
+        for (const APNInfo& profile : c->offeredProfiles()) {
+            names << profile.strAccount;
+            apns << profile.strApn;
+        }
+    }
+    {
+        const QSignalBlocker quiet(_profiles);
+        QStringList shown;
+        QStringList shownApns;
+        for (int i = 0; i < _profiles->count(); ++i) {
+            shown << _profiles->itemText(i);
+            shownApns << _profiles->itemData(i).toString();
+        }
+        if (shown != names || shownApns != apns) {
+            _profiles->clear();
+            for (qsizetype i = 0; i < names.size(); ++i) {
+                _profiles->addItem(names[i], apns[i]);
+                _profiles->setItemData(static_cast<int>(i), tr("APN: %1").arg(apns[i]), Qt::ToolTipRole);
+            }
+        }
+        if (c && c->selectedIndex() >= 0 && c->selectedIndex() < _profiles->count())
+            _profiles->setCurrentIndex(c->selectedIndex());
+    }
+    _profiles->setEnabled(c && _modemPresent && c->choiceEnabled() && !names.isEmpty());
+    if (names.isEmpty())
+        _profiles->setPlaceholderText(_modemPresent ? tr("No profiles yet") : tr("No modem"));
+
+    _button->setText(KeyText(c && _modemPresent ? c->buttonTitleKey() : QStringLiteral("IDS_CONNECT")));
+    _button->setEnabled(c && _modemPresent && c->buttonEnabled());
+    _busy->setVisible(c && _modemPresent && c->busy());
+
+    QString text;
+    if (!_modemPresent)
+        text = tr("No modem: plug it in to connect");
+    else if (!c || !c->connectorReady())
+        text = tr("Preparing the modem's dial-up service…");
+    else if (state == ConnectController::kConnecting)
+        text = tr("Connecting…");
+    else if (state == ConnectController::kConnected)
+        text = tr("Connected");
+    else if (state == ConnectController::kDisconnecting)
+        text = tr("Disconnecting…");
+    else
+        text = tr("Not connected");
+    _state->setText(text);
+
+    if (!_modemPresent || state == ConnectController::kDisconnected || state == ConnectController::kInvalid) {
+        _upRate->setText(QStringLiteral("–"));
+        _downRate->setText(QStringLiteral("–"));
+    }
+}
+
+void ConnectPlugin::showStatistics(const Notification& notification) {
+    if (!_controller || notification.object != _controller.get())
+        return;
+    const int state = _controller->connectState();
+    // Outside a link the worker counts nothing: keep the last connection's figures in view.
+    if (state != ConnectController::kConnecting && state != ConnectController::kConnected)
+        return;
+    const auto sample =
+        notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS).value<BLConnectStatistics>();
+    _duration->setText(ConvertUtilty::secondToTimeFormat(sample.nDurationSeconds));
+    _sent->setText(Bytes(sample.nSentBytes));
+    _received->setText(Bytes(sample.nReceivedBytes));
+    _upRate->setText(notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_UPDATA_RATE).toString());
+    _downRate->setText(
+        notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString());
+}
+
+void ConnectPlugin::clearCounters() {
+    for (QLabel* label : {_duration, _sent, _received, _upRate, _downRate})
+        label->setText(QStringLiteral("–"));
+}
+
+void ConnectPlugin::showWarning(const QString& titleKey, const QString& messageKey,
+                                const QString& buttonKey) {
+    _message->setText(KeyText(messageKey));
+    auto* box = new QMessageBox(QMessageBox::Warning, KeyText(titleKey), KeyText(messageKey),
+                                QMessageBox::NoButton, this);
+    box->setObjectName(QStringLiteral("connectWarning"));
+    box->setTextFormat(Qt::PlainText);
+    box->addButton(KeyText(buttonKey), QMessageBox::AcceptRole);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+void ConnectPlugin::showServiceFailure() {
+    const QString reason =
+        tr("The modem's dial-up service could not be created. Creating it needs the rights to write the "
+           "pppd peers folder (usually /etc/ppp/peers): run Dialtone once as a user who may write there, "
+           "or ask your administrator to add the modem's peer entry.");
+    _message->setText(reason);
+    clearCounters();
+    _button->setEnabled(false);
+    // The controller ends the application once this returns; the dialog waits for the user first.
+    QMessageBox box(QMessageBox::Critical, tr("Cannot connect"),
+                    reason + QStringLiteral("\n\n") + tr("Dialtone will close now."), QMessageBox::Ok, this);
+    box.setObjectName(QStringLiteral("serviceFailure"));
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}

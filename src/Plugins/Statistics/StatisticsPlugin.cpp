@@ -1,3 +1,255 @@
 #include "StatisticsPlugin.h"
 
-StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "AppConfig.h"
+#include "Connector/ConnectController.h"
+#include "ConvertUtilty.h"
+#include "NotificationCenter.h"
+#include "CNSTrafficChart.h"
+
+namespace {
+
+QString Bytes(quint64 bytes) {
+    return ConvertUtilty::byte2String(bytes) + QStringLiteral("B");
+}
+
+quint64 Sum(quint64 a, quint64 b) {
+    return a > UINT64_MAX - b ? UINT64_MAX : a + b;
+}
+
+QLabel* ValueLabel(const QString& name, QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+bool LinkUp(const ConnectController* controller) {
+    return controller && (controller->connectState() == ConnectController::kConnecting ||
+                          controller->connectState() == ConnectController::kConnected);
+}
+
+} // namespace
+
+StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent)
+    : ModulePlugin(context, parent), _statistics(context.config) {
+    auto* layout = new QVBoxLayout(this);
+
+    auto* chooser = new QHBoxLayout;
+    _period = new QComboBox(this);
+    _period->setObjectName(QStringLiteral("period"));
+    _period->addItems({tr("This month"), tr("Last month"), tr("Custom")});
+    const QDate today = QDate::currentDate();
+    _from = new QDateEdit(today.addDays(1 - today.day()), this);
+    _from->setObjectName(QStringLiteral("from"));
+    _to = new QDateEdit(today, this);
+    _to->setObjectName(QStringLiteral("to"));
+    for (QDateEdit* edit : {_from, _to}) {
+        edit->setCalendarPopup(true);
+        edit->setDisplayFormat(QStringLiteral("yyyy-MM-dd"));
+    }
+    chooser->addWidget(new QLabel(tr("Period:"), this));
+    chooser->addWidget(_period);
+    chooser->addWidget(new QLabel(tr("from"), this));
+    chooser->addWidget(_from);
+    chooser->addWidget(new QLabel(tr("to"), this));
+    chooser->addWidget(_to);
+    chooser->addStretch(1);
+    layout->addLayout(chooser);
+
+    _chart = new CNSTrafficChart(this);
+    _chart->setObjectName(QStringLiteral("chart"));
+    layout->addWidget(_chart, 1);
+
+    _message = new QLabel(this);
+    _message->setObjectName(QStringLiteral("statisticsMessage"));
+    _message->setTextFormat(Qt::PlainText);
+    _message->setWordWrap(true);
+    layout->addWidget(_message);
+
+    auto* totals = new QHBoxLayout;
+    auto* periodBox = new QGroupBox(tr("In this period"), this);
+    auto* periodForm = new QFormLayout(periodBox);
+    _periodSent = ValueLabel(QStringLiteral("periodSent"), periodBox);
+    _periodReceived = ValueLabel(QStringLiteral("periodReceived"), periodBox);
+    _periodTotal = ValueLabel(QStringLiteral("periodTotal"), periodBox);
+    _periodRoaming = ValueLabel(QStringLiteral("periodRoaming"), periodBox);
+    periodForm->addRow(tr("Sent:"), _periodSent);
+    periodForm->addRow(tr("Received:"), _periodReceived);
+    periodForm->addRow(tr("Total:"), _periodTotal);
+    periodForm->addRow(tr("Of which roaming:"), _periodRoaming);
+    totals->addWidget(periodBox, 1);
+
+    auto* resetBox = new QGroupBox(tr("Since the last reset"), this);
+    auto* resetForm = new QFormLayout(resetBox);
+    _resetSent = ValueLabel(QStringLiteral("resetSent"), resetBox);
+    _resetReceived = ValueLabel(QStringLiteral("resetReceived"), resetBox);
+    _connectTime = ValueLabel(QStringLiteral("connectTime"), resetBox);
+    _resetDate = ValueLabel(QStringLiteral("resetDate"), resetBox);
+    resetForm->addRow(tr("Sent:"), _resetSent);
+    resetForm->addRow(tr("Received:"), _resetReceived);
+    resetForm->addRow(tr("Connection time:"), _connectTime);
+    resetForm->addRow(tr("Last reset:"), _resetDate);
+    _reset = new QPushButton(tr("Reset…"), resetBox);
+    _reset->setObjectName(QStringLiteral("reset"));
+    _reset->setToolTip(tr("Set the totals since the last reset to zero; optionally delete the day history"));
+    auto* resetRow = new QHBoxLayout;
+    resetRow->addStretch(1);
+    resetRow->addWidget(_reset);
+    resetForm->addRow(resetRow);
+    totals->addWidget(resetBox, 1);
+    layout->addLayout(totals);
+
+    connect(_period, &QComboBox::currentIndexChanged, this, &StatisticsPlugin::periodChosen);
+    connect(_from, &QDateEdit::dateChanged, this, &StatisticsPlugin::refresh);
+    connect(_to, &QDateEdit::dateChanged, this, &StatisticsPlugin::refresh);
+    connect(_reset, &QPushButton::clicked, this, &StatisticsPlugin::askReset);
+
+    NotificationCenter& center = NotificationCenter::defaultCenter();
+    center.addObserver(NOTIFY_TRAFFIC_STATISTICS, this, [this](const Notification& n) { followLink(n); });
+    // A link that ends has just written its traffic into the history.
+    center.addObserver(CONNECT_STATE, this, [this](const Notification& n) { followLink(n); });
+    periodChosen();
+}
+
+StatisticsPlugin::~StatisticsPlugin() {
+    NotificationCenter::defaultCenter().removeObserver(this);
+}
+
+std::pair<QDate, QDate> StatisticsPlugin::periodDays(Period period, const QDate& today) {
+    const QDate firstOfMonth(today.year(), today.month(), 1);
+    if (period == LastMonth) {
+        const QDate first = firstOfMonth.addMonths(-1);
+        return {first, firstOfMonth.addDays(-1)};
+    }
+    return {firstOfMonth, today};
+}
+
+void StatisticsPlugin::periodChosen() {
+    const auto period = static_cast<Period>(_period->currentIndex());
+    const bool custom = period == Custom;
+    _from->setEnabled(custom);
+    _to->setEnabled(custom);
+    if (!custom) {
+        const auto [first, last] = periodDays(period, QDate::currentDate());
+        const QSignalBlocker quietFrom(_from);
+        const QSignalBlocker quietTo(_to);
+        _from->setDate(first);
+        _to->setDate(last);
+    }
+    refresh();
+}
+
+void StatisticsPlugin::followLink(const Notification& notification) {
+    if (auto* controller = qobject_cast<ConnectController*>(notification.object))
+        _live = controller;
+    // The controller updates its counts after it announces them: read them once it is done.
+    if (!isVisible() || _refreshQueued)
+        return;
+    _refreshQueued = true;
+    QTimer::singleShot(0, this, [this] {
+        _refreshQueued = false;
+        refresh();
+    });
+}
+
+void StatisticsPlugin::showEvent(QShowEvent* event) {
+    ModulePlugin::showEvent(event);
+    refresh();
+}
+
+void StatisticsPlugin::refresh() {
+    const QDate from = _from->date();
+    const QDate to = _to->date();
+    if (from > to) {
+        _message->setText(tr("The first day comes after the last day: choose the days again."));
+        _chart->setDays({}, {}, {});
+        for (QLabel* label : {_periodSent, _periodReceived, _periodTotal, _periodRoaming})
+            label->setText(QStringLiteral("–"));
+        return;
+    }
+    StatisticsRange range = _statistics.rangeStatistics(from, to);
+    StatisticsSinceReset since = _statistics.sinceReset();
+
+    const QDate today = QDate::currentDate();
+    const bool live = LinkUp(_live);
+    if (live) {
+        if (today >= from && today <= to)
+            range.rows.append(
+                {TrafficStatics::getKeyOfDate(QDateTime::currentDateTime()), _live->pendingDayItem()});
+        const BLConnectStatistics& sample = _live->latestStatistics();
+        since.sentBytes = Sum(since.sentBytes, sample.nSentBytes);
+        since.receivedBytes = Sum(since.receivedBytes, sample.nReceivedBytes);
+        since.connectTimeSeconds += sample.nDurationSeconds;
+    }
+    range.total = StatisticsController::totalOfRows(range.rows);
+    _chart->setDays(from, to, range.rows);
+    if (from.daysTo(to) >= CNSTrafficChart::kMaxDays)
+        _message->setText(tr("The chart shows the last %1 days of the period; the totals cover all of it.")
+                              .arg(CNSTrafficChart::kMaxDays));
+    else if (live)
+        _message->setText(tr("Includes the connection in progress."));
+    else
+        _message->clear();
+
+    const _TrafficStaticsItem& t = range.total;
+    const quint64 sent = Sum(t.noRoamingSendBytes, t.roamingSendBytes);
+    const quint64 received = Sum(t.noRoamingReceiveBytes, t.roamingReceiveBytes);
+    _periodSent->setText(Bytes(sent));
+    _periodReceived->setText(Bytes(received));
+    _periodTotal->setText(Bytes(Sum(sent, received)));
+    _periodRoaming->setText(Bytes(Sum(t.roamingSendBytes, t.roamingReceiveBytes)));
+
+    _resetSent->setText(Bytes(since.sentBytes));
+    _resetReceived->setText(Bytes(since.receivedBytes));
+    _connectTime->setText(ConvertUtilty::secondToTimeFormat(since.connectTimeSeconds));
+    _resetDate->setText(since.resetDate.isValid()
+                            ? QLocale().toString(since.resetDate.toLocalTime(), QLocale::ShortFormat)
+                            : tr("Never"));
+}
+
+void StatisticsPlugin::askReset() {
+    auto* box = new QMessageBox(QMessageBox::Question, tr("Reset the statistics"),
+                                tr("Set the totals since the last reset to zero? The traffic per day stays "
+                                   "unless you delete it too."),
+                                QMessageBox::Cancel, this);
+    box->setObjectName(QStringLiteral("resetConfirm"));
+    QPushButton* confirm = box->addButton(tr("Reset"), QMessageBox::DestructiveRole);
+    confirm->setObjectName(QStringLiteral("confirmReset"));
+    auto* history = new QCheckBox(tr("Also delete the traffic per day"), box);
+    history->setObjectName(QStringLiteral("deleteHistory"));
+    box->setCheckBox(history);
+    box->setDefaultButton(QMessageBox::Cancel);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(box, &QMessageBox::buttonClicked, this, [this, confirm, history](QAbstractButton* clicked) {
+        if (clicked == confirm)
+            reset(history->isChecked());
+    });
+    box->open();
+}
+
+void StatisticsPlugin::reset(bool alsoHistory) {
+    QString failure;
+    if (!_statistics.resetTotals())
+        failure = tr("The totals could not be reset: the settings could not be written. Check that your "
+                     "configuration folder is writable, then try again.");
+    else if (alsoHistory && !_statistics.deleteHistory())
+        failure = tr("The totals were reset, but the traffic per day could not be deleted. Check that your "
+                     "data folder is writable, then try again.");
+    refresh();
+    if (!failure.isEmpty())
+        _message->setText(failure);
+}

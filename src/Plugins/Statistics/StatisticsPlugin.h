@@ -1,12 +1,65 @@
 #pragma once
 
-#include "ModulePlugin.h"
+#include <QDate>
+#include <QPointer>
 
+#include "ModulePlugin.h"
+#include "Statistics/StatisticsController.h"
+
+class ConnectController;
+class QComboBox;
+class QDateEdit;
+class QLabel;
+class QPushButton;
+class CNSTrafficChart;
+
+// The statistics tab: the traffic of a period (this month, last month or chosen days) as a bar per day
+// with the roaming share, the period's totals, the totals since the last reset, and the reset. Works from
+// the history on this computer, so it needs no modem; a connection in progress is added to today until
+// its traffic is saved when it ends.
 class StatisticsPlugin : public ModulePlugin {
     Q_OBJECT
 public:
+    enum Period { ThisMonth = 0, LastMonth = 1, Custom = 2 };
+
     explicit StatisticsPlugin(ModuleContext& context, QWidget* parent = nullptr);
+    ~StatisticsPlugin() override;
 
     QString title() const override { return tr("Statistics"); }
     QString moduleName() const override { return QStringLiteral("statistics"); }
+
+    // The first and last day of a period, today given.
+    static std::pair<QDate, QDate> periodDays(Period period, const QDate& today);
+
+    // Reads the history again and shows it.
+    void refresh();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void periodChosen();
+    void askReset();
+    void reset(bool alsoHistory);
+    void followLink(const Notification& notification);
+
+    StatisticsController _statistics;
+    // The connect controller with a link up; its unsaved counts are shown as part of today.
+    QPointer<ConnectController> _live;
+    bool _refreshQueued = false;
+
+    QComboBox* _period = nullptr;
+    QDateEdit* _from = nullptr;
+    QDateEdit* _to = nullptr;
+    CNSTrafficChart* _chart = nullptr;
+    QLabel* _message = nullptr;
+    QLabel* _periodSent = nullptr;
+    QLabel* _periodReceived = nullptr;
+    QLabel* _periodTotal = nullptr;
+    QLabel* _periodRoaming = nullptr;
+    QLabel* _resetSent = nullptr;
+    QLabel* _resetReceived = nullptr;
+    QLabel* _connectTime = nullptr;
+    QLabel* _resetDate = nullptr;
+    QPushButton* _reset = nullptr;
 };
