@@ -265,6 +265,22 @@ TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOnc
     EXPECT_EQ(totals.connectTimeSeconds, 5u);
 }
 
+TEST_F(ConnectControllerTest, AResetWhileTheControllerRunsIsNotUndoneByTheNextSave) {
+    ProfileSettingsController settings(*config);
+    readyWithProfiles(settings);
+    controller->actionForButtonConnect();
+    answer(MESSAGE_CONNECT_STATUS, WORKER_OK, ConnectController::kConnected);
+    answerStatistics(5, 1000, 7000);
+    controller->saveTrafficStaticsData();
+    ASSERT_TRUE(traffic->saveResetDate()); // the statistics view's reset
+    answerStatistics(2, 10, 20);
+    controller->saveTrafficStaticsData();
+    const _TrafficStaticsItem totals = traffic->getTotalStatics();
+    EXPECT_EQ(totals.noRoamingSendBytes, 10u);
+    EXPECT_EQ(totals.noRoamingReceiveBytes, 20u);
+    EXPECT_EQ(totals.connectTimeSeconds, 2u);
+}
+
 TEST_F(ConnectControllerTest, RoamingTrafficGoesToTheRoamingPairAndSamplesAreSetNotAdded) {
     NotificationCenter::defaultCenter().post(
         NETWORK_UPDATE, nullptr, {{KEY_ROAMSTATE, 1}, {KEY_GPRSSTATE, 1}, {KEY_OPERATOR, "Abroad"}});

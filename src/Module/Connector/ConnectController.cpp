@@ -345,6 +345,8 @@ void ConnectController::saveTrafficStaticsData() {
     if (_traffic == nullptr) {
         return;
     }
+    // The store's totals, not the ones read at start: the user may have reset them since.
+    _runningTotals = _traffic->getTotalStatics();
     _runningTotals.noRoamingSendBytes += _latestSample.nSentBytes;
     _runningTotals.noRoamingReceiveBytes += _latestSample.nReceivedBytes;
     _runningTotals.connectTimeSeconds += _latestSample.nDurationSeconds;
