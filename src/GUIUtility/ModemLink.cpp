@@ -97,6 +97,12 @@ void ModemLink::request(const QString& name, const QVariant& argument, Reply rep
             reply({{ERROR_CODE, WORKER_ERR_NO_TARGET}});
         return;
     }
+    if (_state == State::Absent && name != MESSAGE_INIT_WORK_THREAD) {
+        // The worker drops every other request while the modem is away.
+        if (reply)
+            reply({{ERROR_CODE, WORKER_ERR_NO_DATA_DEVICE}});
+        return;
+    }
     watch(name);
     const qint64 ticket = _nextTicket++;
     QVariantMap userInfo{{kTicketKey, ticket}};

@@ -1,3 +1,429 @@
 #include "ContactsPlugin.h"
 
-ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStandardItemModel>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include "ContactDialog.h"
+#include "Messages/MessagesPlugin.h"
+#include "StatusText.h"
+#include "WorkMessageNames.h"
+#include "WorkNotification.h"
+
+namespace {
+
+constexpr int kIndexRole = Qt::UserRole + 1;
+
+// The result list comes as a QList of the record or as a QVariantList of them.
+QList<BLPbItem> Contacts(const QVariant& value) {
+    if (value.metaType() == QMetaType::fromType<QList<BLPbItem>>())
+        return value.value<QList<BLPbItem>>();
+    QList<BLPbItem> items;
+    for (const QVariant& item : value.toList()) {
+        if (item.metaType() == QMetaType::fromType<BLPbItem>())
+            items.append(item.value<BLPbItem>());
+    }
+    return items;
+}
+
+} // namespace
+
+ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
+    _store = new QComboBox(this);
+    _store->setObjectName(QStringLiteral("store"));
+    _store->addItem(tr("SIM card"), kSimStore);
+    _store->addItem(tr("Modem"), kModemStore);
+    _usage = new QLabel(this);
+    _usage->setObjectName(QStringLiteral("usage"));
+    _usage->setTextFormat(Qt::PlainText);
+    _search = new QLineEdit(this);
+    _search->setObjectName(QStringLiteral("search"));
+    _search->setPlaceholderText(tr("Search names and numbers"));
+    _search->setClearButtonEnabled(true);
+    _busy = new QProgressBar(this);
+    _busy->setObjectName(QStringLiteral("busy"));
+    _busy->setRange(0, 0);
+    _busy->setMaximumWidth(120);
+    _busy->setTextVisible(false);
+    _busy->hide();
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(new QLabel(tr("Phonebook:"), this));
+    top->addWidget(_store);
+    top->addWidget(_usage, 1);
+    top->addWidget(_busy);
+    top->addWidget(_search, 1);
+
+    _model = new QStandardItemModel(0, 2, this);
+    _model->setHorizontalHeaderLabels({tr("Name"), tr("Number")});
+    _view = new QTreeView(this);
+    _view->setObjectName(QStringLiteral("list"));
+    _view->setModel(_model);
+    _view->setRootIsDecorated(false);
+    _view->setUniformRowHeights(true);
+    _view->setSelectionMode(QAbstractItemView::SingleSelection);
+    _view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    _view->setSortingEnabled(true);
+    _view->sortByColumn(0, Qt::AscendingOrder);
+    _view->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    _view->setMinimumHeight(160);
+
+    _empty = new QLabel(this);
+    _empty->setObjectName(QStringLiteral("empty"));
+    _empty->setAlignment(Qt::AlignCenter);
+    _empty->setTextFormat(Qt::PlainText);
+    _error = new QLabel(this);
+    _error->setObjectName(QStringLiteral("error"));
+    _error->setTextFormat(Qt::PlainText);
+    _error->setWordWrap(true);
+    _error->setStyleSheet(QStringLiteral("color: #b00020;"));
+    _error->hide();
+
+    _add = new QPushButton(tr("&Add…"), this);
+    _add->setObjectName(QStringLiteral("add"));
+    _edit = new QPushButton(tr("&Edit…"), this);
+    _edit->setObjectName(QStringLiteral("edit"));
+    _delete = new QPushButton(tr("&Delete"), this);
+    _delete->setObjectName(QStringLiteral("delete"));
+    _message = new QPushButton(tr("Send &message"), this);
+    _message->setObjectName(QStringLiteral("sendMessage"));
+    _reload = new QPushButton(tr("&Reload"), this);
+    _reload->setObjectName(QStringLiteral("reload"));
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* button : {_add, _edit, _delete, _message})
+        buttons->addWidget(button);
+    buttons->addStretch(1);
+    buttons->addWidget(_reload);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addWidget(_view, 1);
+    layout->addWidget(_empty);
+    layout->addWidget(_error);
+    layout->addLayout(buttons);
+
+    connect(_store, &QComboBox::currentIndexChanged, this, [this] {
+        fillList();
+        updateLimits();
+    });
+    connect(_search, &QLineEdit::textChanged, this, &ContactsPlugin::fillList);
+    connect(_view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &ContactsPlugin::updateButtons);
+    connect(_view, &QTreeView::doubleClicked, this, &ContactsPlugin::editContact);
+    connect(_add, &QPushButton::clicked, this, &ContactsPlugin::addContact);
+    connect(_edit, &QPushButton::clicked, this, &ContactsPlugin::editContact);
+    connect(_delete, &QPushButton::clicked, this, &ContactsPlugin::deleteContact);
+    connect(_message, &QPushButton::clicked, this, &ContactsPlugin::sendMessage);
+    connect(_reload, &QPushButton::clicked, this, [this] { reload(); });
+
+    fillList();
+    updateLimits();
+}
+
+int ContactsPlugin::currentStore() const {
+    return _store->currentData().toInt();
+}
+
+QString ContactsPlugin::usageText(int used, int total) {
+    if (total <= 0)
+        return {};
+    return tr("%1 of %2 used").arg(used).arg(total);
+}
+
+void ContactsPlugin::modemReady() {
+    _ready = true;
+    _error->hide();
+    reload();
+}
+
+void ContactsPlugin::modemGone() {
+    _ready = false;
+    ++_generation;
+    _pending = 0;
+    _items.clear();
+    _haveUsage = _haveLimits = false;
+    _error->hide();
+    for (QObject* child : children()) {
+        if (auto* dialog = qobject_cast<ContactDialog*>(child))
+            dialog->reject();
+    }
+    setBusy(false);
+    fillList();
+    updateLimits();
+}
+
+void ContactsPlugin::setBusy(bool busy) {
+    _pending += busy ? 1 : -1;
+    if (_pending < 0)
+        _pending = 0;
+    _busy->setVisible(_pending > 0);
+    updateButtons();
+}
+
+void ContactsPlugin::fail(const QString& what, int code, const QString& hint) {
+    QString text = tr("%1 failed: %2.").arg(what, QString::fromStdString(ResultCodeText(code)));
+    text += QLatin1Char(' ') + (code == WORKER_ERR_NO_TARGET || !_ready
+                                    ? tr("Plug the modem in again; the contacts are read when it is back.")
+                                : !hint.isEmpty()
+                                    ? hint
+                                    : tr("Check that the SIM is in place and press Reload to try again."));
+    _error->setText(text);
+    _error->show();
+}
+
+// The list, then the use of both storages, then (once) their limits. "then" runs after a full read.
+void ContactsPlugin::reload(std::function<void()> then) {
+    if (!_ready)
+        return;
+    const int generation = _generation;
+    setBusy(true);
+    link().request(
+        MESSAGE_PB_INIT_LIST, {},
+        [this, generation, then](const QVariantMap& list) {
+            if (generation != _generation)
+                return;
+            if (const int code = WorkNotification::GetErrorCode(list)) {
+                setBusy(false);
+                fail(tr("Reading the phonebooks"), code);
+                return;
+            }
+            _items = Contacts(WorkNotification::GetValueObject(list));
+            fillList();
+            link().request(
+                MESSAGE_PB_GET_STORAGE_INFO, {},
+                [this, generation, then](const QVariantMap& usage) {
+                    if (generation != _generation)
+                        return;
+                    if (const int code = WorkNotification::GetErrorCode(usage)) {
+                        setBusy(false);
+                        fail(tr("Reading the phonebooks' use"), code);
+                        return;
+                    }
+                    _usageInfo = WorkNotification::GetValueObject(usage).value<BLPBStorageInfo>();
+                    _haveUsage = true;
+                    updateLimits();
+                    auto done = [this, then] {
+                        setBusy(false);
+                        if (then)
+                            then();
+                    };
+                    if (_haveLimits) {
+                        done();
+                        return;
+                    }
+                    link().request(
+                        MESSAGE_PB_GET_CONSTRAINT, {},
+                        [this, generation, done](const QVariantMap& limits) {
+                            if (generation != _generation)
+                                return;
+                            if (const int code = WorkNotification::GetErrorCode(limits)) {
+                                setBusy(false);
+                                fail(tr("Reading the phonebooks' limits"), code);
+                                return;
+                            }
+                            _limits = WorkNotification::GetValueObject(limits).value<BLPbConstraint>();
+                            _haveLimits = true;
+                            updateLimits();
+                            done();
+                        },
+                        this);
+                },
+                this);
+        },
+        this);
+}
+
+void ContactsPlugin::fillList() {
+    const int store = currentStore();
+    const QString filter = _search->text().trimmed();
+    const BLPbItem* selected = selectedContact();
+    const int selectedIndex = selected ? selected->nIndex : -1;
+    _model->removeRows(0, _model->rowCount());
+    int shown = 0;
+    for (const BLPbItem& item : std::as_const(_items)) {
+        if (item.nStore != store)
+            continue;
+        if (!filter.isEmpty() && !item.strName.contains(filter, Qt::CaseInsensitive) &&
+            !item.strNumber.contains(filter))
+            continue;
+        auto* name = new QStandardItem(item.strName);
+        name->setData(item.nIndex, kIndexRole);
+        auto* number = new QStandardItem(item.strNumber);
+        number->setData(item.nIndex, kIndexRole);
+        _model->appendRow({name, number});
+        ++shown;
+    }
+    _view->sortByColumn(_view->header()->sortIndicatorSection(), _view->header()->sortIndicatorOrder());
+    for (int row = 0; row < _model->rowCount(); ++row) {
+        if (_model->item(row)->data(kIndexRole).toInt() == selectedIndex)
+            _view->setCurrentIndex(_model->index(row, 0));
+    }
+    if (shown == 0) {
+        _empty->setText(!_ready             ? tr("No modem: the contacts are read when the modem is ready.")
+                        : !filter.isEmpty() ? tr("No contact matches \"%1\".").arg(filter)
+                                            : tr("No contacts in this phonebook."));
+    }
+    _empty->setVisible(shown == 0);
+    updateButtons();
+}
+
+void ContactsPlugin::updateLimits() {
+    if (!_haveUsage) {
+        _usage->clear();
+        return;
+    }
+    const bool sim = currentStore() == kSimStore;
+    QString text = sim ? usageText(_usageInfo.nSimUsed, _usageInfo.nSimTotal)
+                       : usageText(_usageInfo.nMeUsed, _usageInfo.nMeTotal);
+    if (_haveLimits) {
+        const int name = sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen;
+        const int number = sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen;
+        if (name > 0 && number > 0)
+            text += tr(" (names up to %1, numbers up to %2 characters)").arg(name).arg(number);
+    }
+    _usage->setText(text);
+}
+
+void ContactsPlugin::updateButtons() {
+    const bool idle = _ready && _pending == 0;
+    const bool chosen = selectedContact() != nullptr;
+    _add->setEnabled(idle);
+    _edit->setEnabled(idle && chosen);
+    _delete->setEnabled(idle && chosen);
+    _message->setEnabled(chosen);
+    _reload->setEnabled(idle);
+    _store->setEnabled(_ready);
+}
+
+const BLPbItem* ContactsPlugin::selectedContact() const {
+    const QModelIndex current = _view->currentIndex();
+    if (!current.isValid() || !_view->selectionModel()->isSelected(current))
+        return nullptr;
+    const int index = current.data(kIndexRole).toInt();
+    const int store = currentStore();
+    for (const BLPbItem& item : _items) {
+        if (item.nStore == store && item.nIndex == index)
+            return &item;
+    }
+    return nullptr;
+}
+
+void ContactsPlugin::addContact() {
+    const int storeCode = currentStore();
+    const bool sim = storeCode == kSimStore;
+    if (_haveUsage &&
+        (sim ? _usageInfo.nSimUsed >= _usageInfo.nSimTotal : _usageInfo.nMeUsed >= _usageInfo.nMeTotal)) {
+        _error->setText(tr("This phonebook is full. Delete a contact or choose the other phonebook."));
+        _error->show();
+        return;
+    }
+    auto* dialog =
+        new ContactDialog(_store->currentText(), sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen,
+                          sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::accepted, this, [this, dialog, storeCode] {
+        store(BLPbItem{storeCode, dialog->name(), dialog->number(), 0}, true);
+    });
+    dialog->open();
+}
+
+void ContactsPlugin::editContact() {
+    const BLPbItem* chosen = selectedContact();
+    if (!chosen || !_ready || _pending > 0)
+        return;
+    const BLPbItem item = *chosen;
+    const bool sim = item.nStore == kSimStore;
+    auto* dialog =
+        new ContactDialog(_store->currentText(), sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen,
+                          sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setContact(item.strName, item.strNumber);
+    connect(dialog, &QDialog::accepted, this, [this, dialog, item] {
+        store(BLPbItem{item.nStore, dialog->name(), dialog->number(), item.nIndex}, false);
+    });
+    dialog->open();
+}
+
+void ContactsPlugin::store(const BLPbItem& item, bool isNew) {
+    if (!_ready)
+        return;
+    _error->hide();
+    const int generation = _generation;
+    auto stored = [this, generation, isNew](const QVariantMap& response) {
+        if (generation != _generation)
+            return;
+        setBusy(false);
+        if (const int code = WorkNotification::GetErrorCode(response)) {
+            fail(isNew ? tr("Adding the contact") : tr("Saving the contact"), code,
+                 tr("Check the name and number and try again; Reload shows what the phonebook holds now."));
+            return;
+        }
+        reload();
+    };
+    if (!isNew) {
+        setBusy(true);
+        link().request(MESSAGE_PB_UPDATE_ITEM, QVariant::fromValue(item), stored, this);
+        return;
+    }
+    // The modem picks the first free index from its last reading of the storage, so read it first.
+    reload([this, item, stored] {
+        setBusy(true);
+        const BLPBNewItem entry{item.nStore, item.strName, item.strNumber};
+        link().request(MESSAGE_PB_ADD_ITEM, QVariant::fromValue(entry), stored, this);
+    });
+}
+
+void ContactsPlugin::deleteContact() {
+    const BLPbItem* chosen = selectedContact();
+    if (!chosen || !_ready || _pending > 0)
+        return;
+    const BLPbItem item = *chosen;
+    auto* question = new QMessageBox(
+        QMessageBox::Question, tr("Delete contact"),
+        tr("Delete %1 (%2) from the %3 phonebook?").arg(item.strName, item.strNumber, _store->currentText()),
+        QMessageBox::Yes | QMessageBox::No, this);
+    question->setObjectName(QStringLiteral("confirmDelete"));
+    question->setTextFormat(Qt::PlainText);
+    question->setDefaultButton(QMessageBox::No);
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    connect(question, &QMessageBox::finished, this, [this, item](int answer) {
+        if (answer != QMessageBox::Yes || !_ready)
+            return;
+        _error->hide();
+        const int generation = _generation;
+        setBusy(true);
+        link().request(
+            MESSAGE_PB_DELETE_ITEM, QVariant::fromValue(BLPBDeleteItem{item.nStore, item.nIndex}),
+            [this, generation](const QVariantMap& response) {
+                if (generation != _generation)
+                    return;
+                setBusy(false);
+                if (const int code = WorkNotification::GetErrorCode(response)) {
+                    fail(tr("Deleting the contact"), code,
+                         tr("Press Reload to see what the phonebook holds now, then try again."));
+                    return;
+                }
+                reload();
+            },
+            this);
+    });
+    question->open();
+}
+
+void ContactsPlugin::sendMessage() {
+    const BLPbItem* chosen = selectedContact();
+    if (!chosen || !context().showModule)
+        return;
+    const BLPbItem item = *chosen;
+    if (auto* messages = qobject_cast<MessagesPlugin*>(context().showModule(QStringLiteral("messages"))))
+        messages->composeTo(item.strNumber, item.strName);
+}

@@ -1,3 +1,332 @@
 #include "ToolkitPlugin.h"
 
-ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QRegularExpressionValidator>
+#include <QVBoxLayout>
+
+#include "StatusText.h"
+#include "WorkMessageNames.h"
+#include "WorkNotification.h"
+
+namespace {
+
+// Get inkey and get input formats.
+constexpr int kFormatDigits = 0;
+constexpr int kFormatYesNo = 3;
+
+constexpr int kItemRole = Qt::UserRole + 1;
+
+bool IsMenu(const BLSatCommand& command) {
+    return command.nCommand == ToolkitPlugin::kMainMenu || command.nCommand == ToolkitPlugin::kSelectItem;
+}
+
+QLabel* PlainLabel(QWidget* parent, const QString& objectName) {
+    auto* label = new QLabel(parent);
+    label->setObjectName(objectName);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
+QPushButton* Button(const QString& text, const QString& objectName, QWidget* parent) {
+    auto* button = new QPushButton(text, parent);
+    button->setObjectName(objectName);
+    return button;
+}
+
+} // namespace
+
+ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
+    _title = PlainLabel(this, QStringLiteral("title"));
+    QFont bold = _title->font();
+    bold.setBold(true);
+    _title->setFont(bold);
+    _text = PlainLabel(this, QStringLiteral("text"));
+    _text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    _items = new QListWidget(this);
+    _items->setObjectName(QStringLiteral("items"));
+    _items->setMinimumHeight(140);
+    _input = new QLineEdit(this);
+    _input->setObjectName(QStringLiteral("input"));
+    _inputHint = PlainLabel(this, QStringLiteral("inputHint"));
+    _status = PlainLabel(this, QStringLiteral("status"));
+    _error = PlainLabel(this, QStringLiteral("error"));
+    _error->setStyleSheet(QStringLiteral("color: #b00020;"));
+    _busy = new QProgressBar(this);
+    _busy->setObjectName(QStringLiteral("busy"));
+    _busy->setRange(0, 0);
+    _busy->setTextVisible(false);
+    _busy->setMaximumWidth(120);
+
+    _select = Button(tr("&Open"), QStringLiteral("select"), this);
+    _back = Button(tr("&Back"), QStringLiteral("back"), this);
+    _ok = Button(tr("&OK"), QStringLiteral("ok"), this);
+    _yes = Button(tr("&Yes"), QStringLiteral("yes"), this);
+    _no = Button(tr("&No"), QStringLiteral("no"), this);
+    _end = Button(tr("&End session"), QStringLiteral("endSession"), this);
+    _reload = Button(tr("&Read again"), QStringLiteral("reload"), this);
+
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* button : {_select, _back, _ok, _yes, _no})
+        buttons->addWidget(button);
+    buttons->addStretch(1);
+    buttons->addWidget(_busy);
+    buttons->addWidget(_reload);
+    buttons->addWidget(_end);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(_title);
+    layout->addWidget(_text);
+    layout->addWidget(_items, 1);
+    layout->addWidget(_input);
+    layout->addWidget(_inputHint);
+    layout->addStretch(0);
+    layout->addWidget(_status);
+    layout->addWidget(_error);
+    layout->addLayout(buttons);
+
+    connect(_select, &QPushButton::clicked, this, &ToolkitPlugin::choose);
+    connect(_items, &QListWidget::itemActivated, this, &ToolkitPlugin::choose);
+    connect(_items, &QListWidget::currentRowChanged, this, &ToolkitPlugin::updateButtons);
+    connect(_back, &QPushButton::clicked, this, [this] {
+        answer(BLSatResponse{_current.nCommand, kResultBack, 0, {}});
+    });
+    connect(_ok, &QPushButton::clicked, this, [this] {
+        if (_current.nCommand == kGetInput || _current.nCommand == kGetInkey)
+            sendInput();
+        else
+            answer(BLSatResponse{_current.nCommand, kResultDone, 0, {}});
+    });
+    connect(_input, &QLineEdit::returnPressed, _ok, &QPushButton::click);
+    connect(_input, &QLineEdit::textChanged, this, &ToolkitPlugin::updateButtons);
+    connect(_yes, &QPushButton::clicked, this, [this] {
+        answer(BLSatResponse{_current.nCommand, kResultDone, 1, {}});
+    });
+    connect(_no, &QPushButton::clicked, this, [this] {
+        answer(BLSatResponse{_current.nCommand, kResultDone, 0, {}});
+    });
+    connect(_end, &QPushButton::clicked, this, &ToolkitPlugin::endSession);
+    connect(_reload, &QPushButton::clicked, this, [this] { loadMenu(); });
+
+    modemGone();
+}
+
+void ToolkitPlugin::modemReady() {
+    _ready = true;
+    loadMenu();
+}
+
+void ToolkitPlugin::modemGone() {
+    _ready = false;
+    ++_generation;
+    _busyState = false;
+    _haveCommand = false;
+    _current = {};
+    _title->setText(tr("SIM Toolkit"));
+    _text->setText(tr("The card's menu is read when the modem is ready."));
+    _text->show();
+    _items->clear();
+    _status->clear();
+    _error->clear();
+    updateButtons();
+}
+
+void ToolkitPlugin::setBusy(bool busy) {
+    _busyState = busy;
+    updateButtons();
+}
+
+void ToolkitPlugin::fail(const QString& what, int code) {
+    _error->setText(tr("%1 failed: %2. Try again, or end the session to go back to the main menu.")
+                        .arg(what, QString::fromStdString(ResultCodeText(code))));
+}
+
+void ToolkitPlugin::loadMenu(const QString& note) {
+    if (!_ready)
+        return;
+    const int generation = _generation;
+    _error->clear();
+    _status->setText(note);
+    setBusy(true);
+    link().request(
+        MESSAGE_STK_GET_MENU, {},
+        [this, generation](const QVariantMap& response) {
+            if (generation != _generation)
+                return;
+            setBusy(false);
+            if (const int code = WorkNotification::GetErrorCode(response)) {
+                showNoMenu(tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
+                              "menu; press Read again to retry.")
+                               .arg(QString::fromStdString(ResultCodeText(code))));
+                return;
+            }
+            const auto menu = WorkNotification::GetValueObject(response).value<BLSatCommand>();
+            if (menu.lstItems.isEmpty()) {
+                showNoMenu(tr("This SIM card has no toolkit menu."));
+                return;
+            }
+            showCommand(menu);
+        },
+        this);
+}
+
+void ToolkitPlugin::showNoMenu(const QString& why) {
+    _haveCommand = false;
+    _current = {};
+    _title->setText(tr("SIM Toolkit"));
+    _text->setText(why);
+    _text->show();
+    _items->clear();
+    updateButtons();
+}
+
+void ToolkitPlugin::answer(const BLSatResponse& response) {
+    if (!_ready || _busyState)
+        return;
+    const int generation = _generation;
+    _error->clear();
+    _status->clear();
+    setBusy(true);
+    link().request(
+        MESSAGE_STK_SELECT_ITEM, QVariant::fromValue(response),
+        [this, generation](const QVariantMap& reply) {
+            if (generation != _generation)
+                return;
+            setBusy(false);
+            if (const int code = WorkNotification::GetErrorCode(reply)) {
+                fail(tr("Sending your answer to the card"), code);
+                return;
+            }
+            const auto next = WorkNotification::GetValueObject(reply).value<BLSatCommand>();
+            if (next.nCommand == kSessionEnd || (IsMenu(next) && next.lstItems.isEmpty()))
+                loadMenu(tr("The card ended the dialogue."));
+            else
+                showCommand(next);
+        },
+        this);
+}
+
+void ToolkitPlugin::showCommand(const BLSatCommand& command) {
+    _current = command;
+    _haveCommand = true;
+    _items->clear();
+    _input->clear();
+    _input->setValidator(nullptr);
+    _inputHint->clear();
+
+    const bool menu = IsMenu(command);
+    _title->setText(command.nCommand == kMainMenu
+                        ? (command.strText.isEmpty() ? tr("SIM Toolkit") : command.strText)
+                    : menu ? command.strText
+                           : tr("Message from the SIM card"));
+    _text->setText(menu ? QString() : command.strText);
+    _text->setVisible(!_text->text().isEmpty());
+    if (menu) {
+        for (const BLSatMenuItem& entry : command.lstItems) {
+            auto* item = new QListWidgetItem(entry.strText, _items);
+            item->setData(kItemRole, entry.nItemId);
+            if (entry.nItemId == command.nDefaultItem && command.nDefaultItem != 0)
+                _items->setCurrentItem(item);
+        }
+        if (!_items->currentItem() && _items->count() > 0)
+            _items->setCurrentRow(0);
+    } else if (command.nCommand == kGetInput ||
+               (command.nCommand == kGetInkey && command.nFormat != kFormatYesNo)) {
+        const bool inkey = command.nCommand == kGetInkey;
+        const int most = inkey                    ? 1
+                         : command.nMaxLength > 0 ? std::min<int>(command.nMaxLength, kMaxInput)
+                                                  : kMaxInput;
+        const int least = inkey ? 1 : std::clamp<int>(command.nMinLength, 0, most);
+        _input->setMaxLength(most);
+        if (command.nFormat == kFormatDigits) {
+            _input->setValidator(
+                new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9*#+]*")), _input));
+        }
+        if (!inkey)
+            _input->setText(command.strDefaultText.left(most));
+        QString hint = inkey           ? tr("Type one key.")
+                       : least == most ? tr("Type %n character(s).", nullptr, most)
+                                       : tr("Type %1 to %2 characters.").arg(least).arg(most);
+        if (command.nFormat == kFormatDigits)
+            hint += QLatin1Char(' ') + tr("Digits, *, # and + only.");
+        _inputHint->setText(hint);
+    } else if (command.nCommand != kDisplayText && command.nCommand != kGetInkey) {
+        _status->setText(tr("The card sent a request this program does not show (%1). Press OK to accept it "
+                            "or End session to leave.")
+                             .arg(command.nCommand));
+    }
+    updateButtons();
+    if (_input->isVisible())
+        _input->setFocus();
+}
+
+void ToolkitPlugin::choose() {
+    if (!IsMenu(_current) || !_items->currentItem())
+        return;
+    answer(BLSatResponse{_current.nCommand, kResultDone, _items->currentItem()->data(kItemRole).toInt(), {}});
+}
+
+void ToolkitPlugin::sendInput() {
+    if (!_ok->isEnabled())
+        return;
+    answer(BLSatResponse{_current.nCommand, kResultDone, 0, _input->text()});
+}
+
+void ToolkitPlugin::endSession() {
+    if (!_ready || !_haveCommand || _current.nCommand == kMainMenu)
+        return;
+    const int generation = _generation;
+    setBusy(true);
+    link().request(
+        MESSAGE_STK_SELECT_ITEM,
+        QVariant::fromValue(BLSatResponse{_current.nCommand, kResultEndedByUser, 0, {}}),
+        [this, generation](const QVariantMap&) {
+            if (generation != _generation)
+                return;
+            // Whatever the card answers, the main menu is shown again.
+            setBusy(false);
+            loadMenu();
+        },
+        this);
+}
+
+void ToolkitPlugin::updateButtons() {
+    const int command = _haveCommand ? _current.nCommand : -1;
+    const bool menu = _haveCommand && IsMenu(_current);
+    const bool yesNo = command == kGetInkey && _current.nFormat == kFormatYesNo;
+    const bool typed = command == kGetInput || (command == kGetInkey && !yesNo);
+    const bool idle = _ready && !_busyState;
+
+    _items->setVisible(menu);
+    _input->setVisible(typed);
+    _inputHint->setVisible(typed);
+    _select->setVisible(menu);
+    _back->setVisible(command == kSelectItem);
+    _ok->setVisible(_haveCommand && !menu && !yesNo);
+    _yes->setVisible(yesNo);
+    _no->setVisible(yesNo);
+    _end->setVisible(_haveCommand && command != kMainMenu);
+    _reload->setVisible(_ready && !_haveCommand);
+    _busy->setVisible(_busyState);
+
+    bool inputOk = true;
+    if (typed) {
+        const int least =
+            command == kGetInkey ? 1 : std::clamp<int>(_current.nMinLength, 0, _input->maxLength());
+        inputOk = _input->text().size() >= least;
+    }
+    _select->setEnabled(idle && _items->currentItem());
+    _select->setText(_busyState && menu ? tr("Opening…") : tr("&Open"));
+    _back->setEnabled(idle);
+    _ok->setEnabled(idle && inputOk);
+    _yes->setEnabled(idle);
+    _no->setEnabled(idle);
+    _end->setEnabled(idle);
+    _reload->setEnabled(idle);
+}
