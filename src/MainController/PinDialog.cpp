@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "PinDialog.h"
 
 #include <QDialogButtonBox>
@@ -51,10 +52,8 @@ PinDialog::PinDialog(ModemLink& link, bool puk, QWidget* parent) : QDialog(paren
     _attempts = new QLabel(this);
     _attempts->setObjectName(QStringLiteral("attempts"));
     layout->addWidget(_attempts);
-    _error = new QLabel(this);
-    _error->setObjectName(QStringLiteral("error"));
-    _error->setStyleSheet(QStringLiteral("color: #b00020"));
-    _error->setWordWrap(true);
+    _error = CNSPlainLabel(QStringLiteral("error"), this);
+    CNSSetErrorStyle(_error);
     layout->addWidget(_error);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);

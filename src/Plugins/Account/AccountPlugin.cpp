@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "AccountPlugin.h"
 
 #include <QFormLayout>
@@ -70,12 +71,7 @@ AccountPlugin::AccountPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     auto* buttonsLayout = new QHBoxLayout(_buttonsRow);
     buttonsLayout->setContentsMargins(0, 0, 0, 0);
     buttonsLayout->addStretch(1);
-    _inputError = new QLabel(_entryBox);
-    _inputError->setObjectName(QStringLiteral("inputError"));
-    _inputError->setTextFormat(Qt::PlainText);
-    _inputError->setWordWrap(true);
-    _inputError->setStyleSheet(QStringLiteral("color: #b00020;"));
-    _inputError->hide();
+    _inputError = CNSErrorLabel(QStringLiteral("inputError"), _entryBox);
     auto* entryLayout = new QVBoxLayout(_entryBox);
     entryLayout->addWidget(_prompt);
     entryLayout->addLayout(_inputsForm);
@@ -129,12 +125,7 @@ AccountPlugin::AccountPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     replyLayout->addWidget(_cancel);
     _replyRow->hide();
 
-    _error = new QLabel(this);
-    _error->setObjectName(QStringLiteral("error"));
-    _error->setTextFormat(Qt::PlainText);
-    _error->setWordWrap(true);
-    _error->setStyleSheet(QStringLiteral("color: #b00020;"));
-    _error->hide();
+    _error = CNSErrorLabel(QStringLiteral("error"), this);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(_tip);

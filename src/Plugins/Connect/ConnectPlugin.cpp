@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "ConnectPlugin.h"
 
 #include <QApplication>
@@ -39,14 +40,6 @@ QString KeyText(const QString& key) {
 
 QString Bytes(quint64 bytes) {
     return ConvertUtilty::byte2String(bytes) + QStringLiteral("B");
-}
-
-QLabel* CounterLabel(const QString& name, QWidget* parent) {
-    auto* label = new QLabel(QStringLiteral("–"), parent);
-    label->setObjectName(name);
-    label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    return label;
 }
 
 } // namespace
@@ -91,11 +84,11 @@ ConnectPlugin::ConnectPlugin(ModuleContext& context, QWidget* parent) : ModulePl
 
     auto* counterBox = new QGroupBox(tr("This connection"), this);
     auto* counters = new QFormLayout(counterBox);
-    _duration = CounterLabel(QStringLiteral("duration"), counterBox);
-    _sent = CounterLabel(QStringLiteral("sent"), counterBox);
-    _received = CounterLabel(QStringLiteral("received"), counterBox);
-    _upRate = CounterLabel(QStringLiteral("upRate"), counterBox);
-    _downRate = CounterLabel(QStringLiteral("downRate"), counterBox);
+    _duration = CNSValueLabel(QStringLiteral("duration"), counterBox, QStringLiteral("–"));
+    _sent = CNSValueLabel(QStringLiteral("sent"), counterBox, QStringLiteral("–"));
+    _received = CNSValueLabel(QStringLiteral("received"), counterBox, QStringLiteral("–"));
+    _upRate = CNSValueLabel(QStringLiteral("upRate"), counterBox, QStringLiteral("–"));
+    _downRate = CNSValueLabel(QStringLiteral("downRate"), counterBox, QStringLiteral("–"));
     counters->addRow(tr("Duration:"), _duration);
     counters->addRow(tr("Sent:"), _sent);
     counters->addRow(tr("Received:"), _received);

@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "ContactsPlugin.h"
 
 #include <QComboBox>
@@ -81,12 +82,7 @@ ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : Module
     _empty->setObjectName(QStringLiteral("empty"));
     _empty->setAlignment(Qt::AlignCenter);
     _empty->setTextFormat(Qt::PlainText);
-    _error = new QLabel(this);
-    _error->setObjectName(QStringLiteral("error"));
-    _error->setTextFormat(Qt::PlainText);
-    _error->setWordWrap(true);
-    _error->setStyleSheet(QStringLiteral("color: #b00020;"));
-    _error->hide();
+    _error = CNSErrorLabel(QStringLiteral("error"), this);
 
     _add = new QPushButton(tr("&Add…"), this);
     _add->setObjectName(QStringLiteral("add"));

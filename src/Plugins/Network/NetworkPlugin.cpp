@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "NetworkPlugin.h"
 
 #include <QButtonGroup>
@@ -57,14 +58,6 @@ QString FailureText(const QString& what, int code) {
     return NetworkPlugin::tr("%1 failed: %2 (code %3).").arg(what, Q(ResultCodeText(code))).arg(code);
 }
 
-QLabel* ValueLabel(const char* objectName) {
-    auto* label = new QLabel(QStringLiteral("-"));
-    label->setObjectName(QLatin1String(objectName));
-    label->setTextFormat(Qt::PlainText); // operator names come from the network
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    return label;
-}
-
 } // namespace
 
 // Band masks of the modem's system selection ("AT+SYSSEL=<band>"); all bits set lets it use every band.
@@ -90,13 +83,13 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
 
     auto* current = new QGroupBox(tr("Current network"));
     auto* form = new QFormLayout(current);
-    form->addRow(tr("Operator:"), _operator = ValueLabel("operator"));
-    form->addRow(tr("Registration:"), _registration = ValueLabel("registration"));
-    form->addRow(tr("Technology:"), _technology = ValueLabel("technology"));
-    form->addRow(tr("Bearer:"), _bearer = ValueLabel("bearer"));
-    form->addRow(tr("Signal:"), _signal = ValueLabel("signal"));
-    form->addRow(tr("Roaming:"), _roaming = ValueLabel("roaming"));
-    form->addRow(tr("Selection:"), _selection = ValueLabel("selection"));
+    form->addRow(tr("Operator:"), _operator = CNSValueLabel(QStringLiteral("operator"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Registration:"), _registration = CNSValueLabel(QStringLiteral("registration"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Technology:"), _technology = CNSValueLabel(QStringLiteral("technology"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Bearer:"), _bearer = CNSValueLabel(QStringLiteral("bearer"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Signal:"), _signal = CNSValueLabel(QStringLiteral("signal"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Roaming:"), _roaming = CNSValueLabel(QStringLiteral("roaming"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Selection:"), _selection = CNSValueLabel(QStringLiteral("selection"), nullptr, QStringLiteral("-")));
     layout->addWidget(current);
 
     auto* available = new QGroupBox(tr("Available networks"));
@@ -427,7 +420,7 @@ void NetworkPlugin::updateButtons() {
 
 void NetworkPlugin::setStatus(QLabel* label, const QString& text, bool error) {
     label->setText(text);
-    label->setStyleSheet(error ? QStringLiteral("color: #b00020;") : QString());
+    CNSSetErrorStyle(label, error);
 }
 
 void NetworkPlugin::selectValue(QComboBox* box, int value, const QString& unknownText) {

@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "PinSettingsPage.h"
 
 #include <QFormLayout>
@@ -238,5 +239,5 @@ void PinSettingsPage::updateButtons() {
 
 void PinSettingsPage::setStatus(const QString& text, bool error) {
     _status->setText(text);
-    _status->setStyleSheet(error ? QStringLiteral("color: #b00020;") : QString());
+    CNSSetErrorStyle(_status, error);
 }

@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "ProfileDialog.h"
 
 #include <QComboBox>
@@ -43,11 +44,7 @@ ProfileDialog::ProfileDialog(const APNInfo& profile, QWidget* parent) : QDialog(
                                "does not ask for them."));
     hint->setWordWrap(true);
     layout->addWidget(hint);
-    _error = new QLabel;
-    _error->setObjectName(QStringLiteral("profileError"));
-    _error->setStyleSheet(QStringLiteral("color: #b00020;"));
-    _error->setWordWrap(true);
-    _error->hide();
+    _error = CNSErrorLabel(QStringLiteral("profileError"));
     layout->addWidget(_error);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
     buttons->setObjectName(QStringLiteral("profileButtons"));

@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "ProfilesPage.h"
 
 #include <QHBoxLayout>
@@ -186,10 +187,10 @@ void ProfilesPage::updateButtons() {
     _edit->setEnabled(own);
     _delete->setEnabled(own);
     _default->setEnabled(index >= 0);
-    _status->setStyleSheet(QString());
+    CNSSetErrorStyle(_status, false);
 }
 
 void ProfilesPage::showError(const QString& text) {
     _status->setText(text);
-    _status->setStyleSheet(QStringLiteral("color: #b00020;"));
+    CNSSetErrorStyle(_status);
 }

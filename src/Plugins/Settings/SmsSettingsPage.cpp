@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "SmsSettingsPage.h"
 
 #include <QCheckBox>
@@ -242,7 +243,7 @@ void SmsSettingsPage::applyStored(bool fromUser) {
 
 void SmsSettingsPage::setStatus(const QString& text, bool error) {
     _status->setText(text);
-    _status->setStyleSheet(error ? QStringLiteral("color: #b00020;") : QString());
+    CNSSetErrorStyle(_status, error);
 }
 
 void SmsSettingsPage::updateButtons() {

@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "StatisticsPlugin.h"
 
 #include <QCheckBox>
@@ -27,14 +28,6 @@ QString Bytes(quint64 bytes) {
 
 quint64 Sum(quint64 a, quint64 b) {
     return a > UINT64_MAX - b ? UINT64_MAX : a + b;
-}
-
-QLabel* ValueLabel(const QString& name, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(name);
-    label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    return label;
 }
 
 bool LinkUp(const ConnectController* controller) {
@@ -83,10 +76,10 @@ StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent)
     auto* totals = new QHBoxLayout;
     auto* periodBox = new QGroupBox(tr("In this period"), this);
     auto* periodForm = new QFormLayout(periodBox);
-    _periodSent = ValueLabel(QStringLiteral("periodSent"), periodBox);
-    _periodReceived = ValueLabel(QStringLiteral("periodReceived"), periodBox);
-    _periodTotal = ValueLabel(QStringLiteral("periodTotal"), periodBox);
-    _periodRoaming = ValueLabel(QStringLiteral("periodRoaming"), periodBox);
+    _periodSent = CNSValueLabel(QStringLiteral("periodSent"), periodBox);
+    _periodReceived = CNSValueLabel(QStringLiteral("periodReceived"), periodBox);
+    _periodTotal = CNSValueLabel(QStringLiteral("periodTotal"), periodBox);
+    _periodRoaming = CNSValueLabel(QStringLiteral("periodRoaming"), periodBox);
     periodForm->addRow(tr("Sent:"), _periodSent);
     periodForm->addRow(tr("Received:"), _periodReceived);
     periodForm->addRow(tr("Total:"), _periodTotal);
@@ -95,10 +88,10 @@ StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent)
 
     auto* resetBox = new QGroupBox(tr("Since the last reset"), this);
     auto* resetForm = new QFormLayout(resetBox);
-    _resetSent = ValueLabel(QStringLiteral("resetSent"), resetBox);
-    _resetReceived = ValueLabel(QStringLiteral("resetReceived"), resetBox);
-    _connectTime = ValueLabel(QStringLiteral("connectTime"), resetBox);
-    _resetDate = ValueLabel(QStringLiteral("resetDate"), resetBox);
+    _resetSent = CNSValueLabel(QStringLiteral("resetSent"), resetBox);
+    _resetReceived = CNSValueLabel(QStringLiteral("resetReceived"), resetBox);
+    _connectTime = CNSValueLabel(QStringLiteral("connectTime"), resetBox);
+    _resetDate = CNSValueLabel(QStringLiteral("resetDate"), resetBox);
     resetForm->addRow(tr("Sent:"), _resetSent);
     resetForm->addRow(tr("Received:"), _resetReceived);
     resetForm->addRow(tr("Connection time:"), _connectTime);

@@ -1,3 +1,4 @@
+#include "CNSLabels.h"
 #include "ToolkitPlugin.h"
 
 #include <QHBoxLayout>
@@ -26,14 +27,6 @@ bool IsMenu(const BLSatCommand& command) {
     return command.nCommand == ToolkitPlugin::kMainMenu || command.nCommand == ToolkitPlugin::kSelectItem;
 }
 
-QLabel* PlainLabel(QWidget* parent, const QString& objectName) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(objectName);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    return label;
-}
-
 QPushButton* Button(const QString& text, const QString& objectName, QWidget* parent) {
     auto* button = new QPushButton(text, parent);
     button->setObjectName(objectName);
@@ -43,21 +36,21 @@ QPushButton* Button(const QString& text, const QString& objectName, QWidget* par
 } // namespace
 
 ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
-    _title = PlainLabel(this, QStringLiteral("title"));
+    _title = CNSPlainLabel(QStringLiteral("title"), this);
     QFont bold = _title->font();
     bold.setBold(true);
     _title->setFont(bold);
-    _text = PlainLabel(this, QStringLiteral("text"));
+    _text = CNSPlainLabel(QStringLiteral("text"), this);
     _text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     _items = new QListWidget(this);
     _items->setObjectName(QStringLiteral("items"));
     _items->setMinimumHeight(140);
     _input = new QLineEdit(this);
     _input->setObjectName(QStringLiteral("input"));
-    _inputHint = PlainLabel(this, QStringLiteral("inputHint"));
-    _status = PlainLabel(this, QStringLiteral("status"));
-    _error = PlainLabel(this, QStringLiteral("error"));
-    _error->setStyleSheet(QStringLiteral("color: #b00020;"));
+    _inputHint = CNSPlainLabel(QStringLiteral("inputHint"), this);
+    _status = CNSPlainLabel(QStringLiteral("status"), this);
+    _error = CNSPlainLabel(QStringLiteral("error"), this);
+    CNSSetErrorStyle(_error);
     _busy = new QProgressBar(this);
     _busy->setObjectName(QStringLiteral("busy"));
     _busy->setRange(0, 0);
