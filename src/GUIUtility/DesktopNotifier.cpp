@@ -12,7 +12,8 @@
 DesktopNotifier::DesktopNotifier(QObject* parent) : QObject(parent) {}
 
 bool DesktopNotifier::soundsEnabled() {
-    return ConvertUtilty::NSStringBOOLToBOOL(UserDefaults::value(kPlaySoundsKey, QStringLiteral("TRUE")).toString());
+    return ConvertUtilty::NSStringBOOLToBOOL(
+        UserDefaults::value(kPlaySoundsKey, QStringLiteral("TRUE")).toString());
 }
 
 void DesktopNotifier::setSoundsEnabled(bool enabled) {

@@ -48,9 +48,8 @@ void ModemLink::start() {
                                                     [this](const Notification&) { onUnplugged(); });
     for (const QString& report :
          {MESSAGE_RPT_RECEIVE_SMS, MESSAGE_RPT_RECEIVE_FILTER_SMS, MESSAGE_RPT_RECEIVE_USSD}) {
-        NotificationCenter::defaultCenter().addObserver(report, this, [this](const Notification& n) {
-            emit reportReceived(n.name, n.userInfo);
-        });
+        NotificationCenter::defaultCenter().addObserver(
+            report, this, [this](const Notification& n) { emit reportReceived(n.name, n.userInfo); });
     }
     _agent->setServerSetupCompleteTargetCallBack([this](WorkNotification* notification) {
         _notification = notification;

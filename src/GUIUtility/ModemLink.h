@@ -37,9 +37,9 @@ public:
     Q_ENUM(State)
     using Reply = std::function<void(const QVariantMap& response)>;
 
-    static constexpr int kRetryIntervalMs = 2000;  // init retries while no modem answers
-    static constexpr int kNetworkPollMs = 5000;    // registration, signal and bearer for the status bar
-    static constexpr int kSimCheckTries = 5;       // SIM state reads before a failing SIM counts as absent
+    static constexpr int kRetryIntervalMs = 2000; // init retries while no modem answers
+    static constexpr int kNetworkPollMs = 5000;   // registration, signal and bearer for the status bar
+    static constexpr int kSimCheckTries = 5;      // SIM state reads before a failing SIM counts as absent
     static constexpr int kSimCheckRetryMs = 1000;
 
     explicit ModemLink(QObject* parent = nullptr);

@@ -9,14 +9,14 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
-#include <QVBoxLayout>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QSystemTrayIcon>
 #include <QTabWidget>
+#include <QVBoxLayout>
 
-#include "AppConfig.h"
 #include "Account/AccountPlugin.h"
+#include "AppConfig.h"
 #include "Connect/ConnectPlugin.h"
 #include "Connector/ConnectController.h"
 #include "Connector/ProfileSettingsController.h"
@@ -68,8 +68,9 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
     Q_ASSERT(config);
     _traffic = std::make_unique<TrafficStatics>(*config);
     _profiles = std::make_unique<ProfileSettingsController>(*config);
-    _context = std::make_unique<ModuleContext>(ModuleContext{*_link, *config, *_traffic, *_profiles, *_notifier,
-                                                             [this](const QString& name) { return showModule(name); }});
+    _context = std::make_unique<ModuleContext>(
+        ModuleContext{*_link, *config, *_traffic, *_profiles, *_notifier,
+                      [this](const QString& name) { return showModule(name); }});
 
     _pages = new QStackedWidget(this);
     _tabs = new QTabWidget(_pages);
@@ -117,9 +118,9 @@ MainWindow::~MainWindow() {
 
 void MainWindow::buildModules() {
     ModuleContext& context = *_context;
-    _modules = {new ConnectPlugin(context),  new MessagesPlugin(context), new ContactsPlugin(context),
-                new StatisticsPlugin(context), new AccountPlugin(context), new ToolkitPlugin(context),
-                new NetworkPlugin(context),  new SettingsPlugin(context)};
+    _modules = {new ConnectPlugin(context),    new MessagesPlugin(context), new ContactsPlugin(context),
+                new StatisticsPlugin(context), new AccountPlugin(context),  new ToolkitPlugin(context),
+                new NetworkPlugin(context),    new SettingsPlugin(context)};
     for (ModulePlugin* module : _modules) {
         module->setObjectName(module->moduleName());
         _tabs->addTab(module, module->icon(), module->title());
@@ -153,7 +154,8 @@ void MainWindow::updateTray() {
     QString state = ModemLink::stateText(_link->state());
     if (_link->state() == ModemLink::State::Ready)
         state = _statusView->connected() ? tr("Connected") : tr("Not connected");
-    const QString operatorName = _link->state() == ModemLink::State::Ready ? _statusView->operatorText() : QString();
+    const QString operatorName =
+        _link->state() == ModemLink::State::Ready ? _statusView->operatorText() : QString();
     _tray->setToolTip(operatorName.isEmpty() ? tr("Dialtone: %1").arg(state)
                                              : tr("Dialtone: %1 (%2)").arg(state, operatorName));
 }

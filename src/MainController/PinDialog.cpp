@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "PinDialog.h"
 
 #include <QDialogButtonBox>
@@ -9,6 +8,7 @@
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
 
+#include "CNSLabels.h"
 #include "ModemLink.h"
 #include "StatusText.h"
 #include "WorkNotification.h"

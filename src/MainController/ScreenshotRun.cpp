@@ -25,7 +25,8 @@ void Settle(int milliseconds) {
 
 } // namespace
 
-ScreenshotRun::ScreenshotRun(MainWindow& window, QString folder) : _window(window), _folder(std::move(folder)) {}
+ScreenshotRun::ScreenshotRun(MainWindow& window, QString folder)
+    : _window(window), _folder(std::move(folder)) {}
 
 void ScreenshotRun::start() {
     if (!QDir().mkpath(_folder)) {
@@ -52,7 +53,8 @@ void ScreenshotRun::start() {
 void ScreenshotRun::shootAll() {
     bool ok = true;
     if (_window.link().state() != ModemLink::State::Ready) {
-        std::fprintf(stderr, "dialtone-gui: the modem did not come up; only the \"no modem\" page is shown\n");
+        std::fprintf(stderr,
+                     "dialtone-gui: the modem did not come up; only the \"no modem\" page is shown\n");
         ok = save(QStringLiteral("no-modem")) && false;
     } else {
         Settle(kSettleMs);

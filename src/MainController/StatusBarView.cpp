@@ -2,10 +2,10 @@
 
 #include <QHBoxLayout>
 
+#include "CNSSignalBars.h"
 #include "Connector/ConnectController.h"
 #include "ConvertUtilty.h"
 #include "NotificationCenter.h"
-#include "CNSSignalBars.h"
 #include "StatisticsRecords.h"
 #include "StatusText.h"
 
@@ -70,7 +70,8 @@ void StatusBarView::showModemState(ModemLink::State state) {
 void StatusBarView::showNetwork(const BLNetworkInfo& network) {
     _bars->setLevel(network.nRssi);
     const QString name = QString::fromStdString(OperatorText(network.strOperator, network.strSpName));
-    _operator->setText(network.strOperator.isEmpty() && network.strSpName.isEmpty() ? tr("No operator") : name);
+    _operator->setText(network.strOperator.isEmpty() && network.strSpName.isEmpty() ? tr("No operator")
+                                                                                    : name);
     _bearer->setText(QString::fromStdString(BearerText(network.nBearer)));
     _roaming->setText(network.nRoamState == 1 ? tr("Roaming")
                                               : QString::fromStdString(ServiceStateText(network.nRoamState)));
@@ -103,9 +104,11 @@ void StatusBarView::onConnectState(const Notification& notification) {
 void StatusBarView::onStatistics(const Notification& notification) {
     if (!_connected)
         return;
-    const auto sample = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS).value<BLConnectStatistics>();
+    const auto sample =
+        notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS).value<BLConnectStatistics>();
     const QString up = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_UPDATA_RATE).toString();
-    const QString down = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString();
-    _connection->setText(tr("%1   ↑ %2   ↓ %3")
-                             .arg(ConvertUtilty::secondToTimeFormat(sample.nDurationSeconds), up, down));
+    const QString down =
+        notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString();
+    _connection->setText(
+        tr("%1   ↑ %2   ↓ %3").arg(ConvertUtilty::secondToTimeFormat(sample.nDurationSeconds), up, down));
 }

@@ -30,12 +30,13 @@ int main(int argc, char** argv) {
                                       QStringLiteral("The simulated modem's scenario (default, pin-locked, "
                                                      "full-sim, or a file)."),
                                       QStringLiteral("name"));
-    const QCommandLineOption devDir(QStringLiteral("dev-dir"),
-                                    QStringLiteral("Look for the modem's ports in this folder instead of /dev."),
-                                    QStringLiteral("folder"));
-    const QCommandLineOption screenshots(QStringLiteral("screenshots"),
-                                         QStringLiteral("Render every tab to a PNG file in the folder, then quit."),
-                                         QStringLiteral("folder"));
+    const QCommandLineOption devDir(
+        QStringLiteral("dev-dir"),
+        QStringLiteral("Look for the modem's ports in this folder instead of /dev."),
+        QStringLiteral("folder"));
+    const QCommandLineOption screenshots(
+        QStringLiteral("screenshots"),
+        QStringLiteral("Render every tab to a PNG file in the folder, then quit."), QStringLiteral("folder"));
     const QCommandLineOption debug(QStringLiteral("debug"),
                                    QStringLiteral("Show the modem link's debug output on standard error."));
     parser.addOptions({simulate, scenario, devDir, screenshots, debug});

@@ -2,9 +2,9 @@
 
 #include <QIcon>
 
-#include <functional>
 #include <QString>
 #include <QWidget>
+#include <functional>
 
 #include "ModemLink.h"
 

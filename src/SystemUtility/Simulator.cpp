@@ -59,7 +59,6 @@ void WatchForInterrupts(pid_t pid, const std::string& folder) {
         sigaction(signalNumber, &action, nullptr);
 }
 
-
 } // namespace
 
 Simulator::~Simulator() {
@@ -200,7 +199,6 @@ void Simulator::stop() {
     _atLink.clear();
     _control.clear();
 }
-
 
 void Simulator::stopOnInterrupt() const {
     if (_pid > 0)

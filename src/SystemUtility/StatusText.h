@@ -13,7 +13,7 @@ std::string BearerText(int bearer);        // 0 no service, 1 GPRS ... 7 GSM
 std::string AccessTechnologyText(int act); // 0 GSM, 2 UTRAN, 7 E-UTRAN, ...
 std::string ConnectStatusText(int status); // -1 none, 0 disconnected, 1 connecting, 2 connected, ...
 std::string SignalText(int level);         // level 0-5 as bars, 6 unknown
-std::string ResultCodeText(int code);        // an application result code in words
+std::string ResultCodeText(int code);      // an application result code in words
 
 // "Name (code)" for an operator code the operator table knows, else the text as it is; "-" for none. The
 // service provider name, when the SIM has one, goes first.

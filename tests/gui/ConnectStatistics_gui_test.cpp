@@ -15,8 +15,8 @@
 #include "Connector/ConnectController.h"
 #include "ConvertUtilty.h"
 #include "GuiTestSupport.h"
-#include "Statistics/StatisticsPlugin.h"
 #include "Statistics/CNSTrafficChart.h"
+#include "Statistics/StatisticsPlugin.h"
 #include "StatusBarView.h"
 
 using namespace std::chrono_literals;

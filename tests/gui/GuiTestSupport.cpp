@@ -15,7 +15,7 @@ void ensureGuiApplication() {
     static char* argv[] = {name, nullptr};
     if (!QApplication::instance()) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
-        SetDebugSink(nullptr); // the modem link's chatter
+        SetDebugSink(nullptr);        // the modem link's chatter
         new QApplication(argc, argv); // kept for the rest of the run
     }
 }

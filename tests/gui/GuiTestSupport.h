@@ -52,4 +52,5 @@ private:
 };
 
 // Runs events until cond holds or the limit passes.
-bool waitForGui(const std::function<bool()>& cond, std::chrono::milliseconds limit = std::chrono::seconds(10));
+bool waitForGui(const std::function<bool()>& cond,
+                std::chrono::milliseconds limit = std::chrono::seconds(10));

@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "AccountPlugin.h"
 
 #include <QFormLayout>
@@ -18,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include "Account/AccountController.h"
+#include "CNSLabels.h"
 #include "StatusText.h"
 #include "UssdRecords.h"
 #include "WorkMessageNames.h"

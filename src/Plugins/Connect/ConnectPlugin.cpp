@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "ConnectPlugin.h"
 
 #include <QApplication>
@@ -12,6 +11,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "CNSLabels.h"
 #include "Connector/ConnectController.h"
 #include "ConvertUtilty.h"
 #include "DebugSink.h"

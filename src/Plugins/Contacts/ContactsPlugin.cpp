@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "ContactsPlugin.h"
 
 #include <QComboBox>
@@ -14,6 +13,7 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include "CNSLabels.h"
 #include "ContactDialog.h"
 #include "Messages/MessagesPlugin.h"
 #include "StatusText.h"

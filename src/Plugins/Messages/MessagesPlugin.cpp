@@ -1,3 +1,783 @@
 #include "MessagesPlugin.h"
 
-MessagesPlugin::MessagesPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {}
+#include <QCoreApplication>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStandardItemModel>
+#include <QToolButton>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include "AtSublayerInterface.h"
+#include "BLRecords.h"
+#include "CNSLabels.h"
+#include "ComposeDialog.h"
+#include "DesktopNotifier.h"
+#include "MessageText.h"
+#include "SMS/SMSExt.h"
+#include "SMS/SMSStorage.h"
+#include "StatusText.h"
+#include "WorkNotification.h"
+#include "WorkThread.h"
+
+namespace {
+
+// Storage codes of the modem's message list.
+constexpr int kStorageSim = 1;
+constexpr int kStorageModem = 2;
+constexpr int kStoragePc = 4;
+// Read tags of the list: unread, read, unsent, sent.
+constexpr int kTagUnread = 0;
+constexpr int kTagUnsent = 2;
+constexpr int kTagSent = 3;
+// A status report rather than a message.
+constexpr int kTypeStatusReport = 2;
+
+QString localBox(MessagesPlugin::Folder folder) {
+    switch (folder) {
+    case MessagesPlugin::Outbox:
+        return SMS_BOX_OUTBOX;
+    case MessagesPlugin::Sent:
+        return SMS_BOX_SENDBOX;
+    case MessagesPlugin::Drafts:
+        return SMS_BOX_DRAFT;
+    case MessagesPlugin::Archive:
+        return SMS_BOX_ACHIVE;
+    default:
+        return {};
+    }
+}
+
+int storageOf(MessagesPlugin::Folder folder) {
+    switch (folder) {
+    case MessagesPlugin::Sim:
+        return kStorageSim;
+    case MessagesPlugin::Modem:
+        return kStorageModem;
+    case MessagesPlugin::Computer:
+        return kStoragePc;
+    default:
+        return 0;
+    }
+}
+
+qint64 readKey(const BLSmsListItem& item) {
+    return (static_cast<qint64>(item.nStoreIn) << 32) | static_cast<quint32>(item.nRef);
+}
+
+bool isOutgoing(const BLSmsListItem& item) {
+    return item.nTag == kTagUnsent || item.nTag == kTagSent;
+}
+
+bool sameEntry(const std::variant<BLSmsListItem, MessageItem>& a,
+               const std::variant<BLSmsListItem, MessageItem>& b) {
+    const auto* left = std::get_if<BLSmsListItem>(&a);
+    const auto* right = std::get_if<BLSmsListItem>(&b);
+    if (left && right)
+        return readKey(*left) == readKey(*right);
+    if (!left && !right)
+        return std::get<MessageItem>(a).isSameItem(std::get<MessageItem>(b));
+    return false;
+}
+
+QString timeText(const QDateTime& time) {
+    return time.isValid() ? QLocale().toString(time, QLocale::ShortFormat) : QString();
+}
+
+} // namespace
+
+MessagesPlugin::MessagesPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
+    buildUi();
+    connect(&link(), &ModemLink::reportReceived, this, &MessagesPlugin::onReport);
+    refreshFolders();
+    refreshList();
+}
+
+MessagesPlugin::~MessagesPlugin() = default;
+
+void MessagesPlugin::buildUi() {
+    _new = new QPushButton(tr("New"), this);
+    _new->setObjectName(QStringLiteral("new"));
+    _reply = new QPushButton(tr("Reply"), this);
+    _reply->setObjectName(QStringLiteral("reply"));
+    _forward = new QPushButton(tr("Forward"), this);
+    _forward->setObjectName(QStringLiteral("forward"));
+    _delete = new QPushButton(tr("Delete"), this);
+    _delete->setObjectName(QStringLiteral("delete"));
+    _move = new QToolButton(this);
+    _move->setObjectName(QStringLiteral("move"));
+    _move->setText(tr("Move to"));
+    _move->setPopupMode(QToolButton::InstantPopup);
+    _move->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    auto* moveMenu = new QMenu(_move);
+    struct Target {
+        QString name;
+        QString label;
+        QString box;
+    };
+    const Target targets[] = {{QStringLiteral("moveArchive"), tr("Archive"), SMS_BOX_ACHIVE},
+                              {QStringLiteral("moveDrafts"), tr("Drafts"), SMS_BOX_DRAFT},
+                              {QStringLiteral("moveOutbox"), tr("Outbox"), SMS_BOX_OUTBOX},
+                              {QStringLiteral("moveSent"), tr("Sent"), SMS_BOX_SENDBOX}};
+    for (const Target& target : targets) {
+        QAction* action = moveMenu->addAction(target.label);
+        action->setObjectName(target.name);
+        action->setData(target.box);
+        connect(action, &QAction::triggered, this, [this, box = target.box] { moveSelected(box); });
+    }
+    _move->setMenu(moveMenu);
+    _refresh = new QPushButton(tr("Reload"), this);
+    _refresh->setObjectName(QStringLiteral("reload"));
+    _busy = new QProgressBar(this);
+    _busy->setObjectName(QStringLiteral("busy"));
+    _busy->setRange(0, 0);
+    _busy->setMaximumWidth(120);
+    _busy->setToolTip(tr("Reading the messages from the modem…"));
+    _busy->hide();
+
+    auto* actions = new QHBoxLayout;
+    for (QWidget* widget : std::initializer_list<QWidget*>{_new, _reply, _forward, _delete, _move, _refresh})
+        actions->addWidget(widget);
+    actions->addStretch(1);
+    actions->addWidget(_busy);
+
+    _status = CNSPlainLabel(QStringLiteral("status"), this);
+    _status->hide();
+
+    _folders = new QListWidget(this);
+    _folders->setObjectName(QStringLiteral("folders"));
+    _folders->setMinimumWidth(140);
+    for (int folder = 0; folder < FolderCount; ++folder) {
+        auto* item = new QListWidgetItem(_folders);
+        item->setData(Qt::UserRole, folder);
+    }
+
+    _model = new QStandardItemModel(this);
+    _list = new QTreeView(this);
+    _list->setObjectName(QStringLiteral("messages"));
+    _list->setModel(_model);
+    _list->setRootIsDecorated(false);
+    _list->setUniformRowHeights(true);
+    _list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    _list->setSelectionMode(QAbstractItemView::SingleSelection);
+    _list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    _list->setMinimumHeight(120);
+    _empty = new QLabel(tr("No messages"), this);
+    _empty->setObjectName(QStringLiteral("empty"));
+    _empty->setAlignment(Qt::AlignCenter);
+    _empty->setEnabled(false);
+
+    _readerHeader = new QLabel(this);
+    _readerHeader->setObjectName(QStringLiteral("readerHeader"));
+    _readerHeader->setTextFormat(Qt::PlainText);
+    _readerHeader->setWordWrap(true);
+    _readerHeader->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    _reader = new QPlainTextEdit(this);
+    _reader->setObjectName(QStringLiteral("reader"));
+    _reader->setReadOnly(true);
+    _reader->setPlaceholderText(tr("Select a message to read it."));
+
+    auto* listPane = new QWidget(this);
+    auto* listLayout = new QVBoxLayout(listPane);
+    listLayout->setContentsMargins(0, 0, 0, 0);
+    listLayout->addWidget(_list, 1);
+    listLayout->addWidget(_empty);
+    auto* readerPane = new QWidget(this);
+    auto* readerLayout = new QVBoxLayout(readerPane);
+    readerLayout->setContentsMargins(0, 0, 0, 0);
+    readerLayout->addWidget(_readerHeader);
+    readerLayout->addWidget(_reader, 1);
+    auto* right = new QSplitter(Qt::Vertical, this);
+    right->addWidget(listPane);
+    right->addWidget(readerPane);
+    right->setStretchFactor(0, 3);
+    right->setStretchFactor(1, 2);
+    auto* split = new QSplitter(Qt::Horizontal, this);
+    split->addWidget(_folders);
+    split->addWidget(right);
+    split->setStretchFactor(1, 1);
+    split->setSizes({180, 720});
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(actions);
+    layout->addWidget(_status);
+    layout->addWidget(split, 1);
+
+    _folders->setCurrentRow(0);
+    connect(_folders, &QListWidget::currentRowChanged, this, [this](int row) {
+        if (row >= 0 && row < FolderCount && row != _folder) {
+            _folder = static_cast<Folder>(row);
+            refreshList();
+        }
+    });
+    connect(_list->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &MessagesPlugin::showSelected);
+    connect(_list, &QTreeView::doubleClicked, this, &MessagesPlugin::openSelected);
+    connect(_new, &QPushButton::clicked, this, [this] { openCompose({}, {}); });
+    connect(_reply, &QPushButton::clicked, this, &MessagesPlugin::reply);
+    connect(_forward, &QPushButton::clicked, this, &MessagesPlugin::forward);
+    connect(_delete, &QPushButton::clicked, this, &MessagesPlugin::removeSelected);
+    connect(_refresh, &QPushButton::clicked, this, [this] {
+        if (link().state() == ModemLink::State::Ready)
+            loadModemMessages();
+        refreshFolders();
+        refreshList();
+    });
+}
+
+// ---- Loading ----
+
+SMSStorage& MessagesPlugin::store() const {
+    const QString imsi = link().equipment().strImsi;
+    if (!_store || (!imsi.isEmpty() && imsi != _storeImsi)) {
+        _store = std::make_unique<SMSStorage>(imsi);
+        _storeImsi = imsi;
+    }
+    return *_store;
+}
+
+void MessagesPlugin::modemReady() {
+    _store.reset(); // the SIM may be another one
+    loadModemMessages();
+    refreshFolders();
+    refreshList();
+}
+
+void MessagesPlugin::modemGone() {
+    ++_generation;
+    _modemItems.clear();
+    _readHere.clear();
+    _modemLoaded = false;
+    setBusy(false);
+    refreshFolders();
+    refreshList();
+}
+
+void MessagesPlugin::setBusy(bool busy) {
+    _busy->setVisible(busy);
+    _refresh->setEnabled(!busy);
+}
+
+void MessagesPlugin::showError(const QString& text) {
+    _status->setText(text);
+    _status->setVisible(!text.isEmpty());
+}
+
+void MessagesPlugin::loadModemMessages() {
+    const int generation = ++_generation;
+    setBusy(true);
+    showError({});
+    // The modem readies its message settings, then the SIM's computer-side inbox is registered (so that
+    // messages moved out of the modem memory are kept), then the message table is built; new-message
+    // reports are only read once the table exists.
+    link().request(
+        MESSAGE_SMS_INIT, {},
+        [this, generation](const QVariantMap& response) {
+            if (generation != _generation)
+                return;
+            if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
+                setBusy(false);
+                showError(tr("The modem's messages could not be prepared: %1. Press Reload to try again.")
+                              .arg(QString::fromStdString(ResultCodeText(code))));
+                return;
+            }
+            const QByteArray imsi = link().equipment().strImsi.toLatin1();
+            WorkThread* worker = WorkThread::GetRequestInterfaceImpObject();
+            const QPointer<MessagesPlugin> self(this);
+            const auto listNext = [self, generation] {
+                if (!self || generation != self->_generation)
+                    return;
+                self->link().request(
+                    MESSAGE_SMS_GET_LIST, {},
+                    [self, generation](const QVariantMap& list) {
+                        if (self)
+                            self->onMessagesListed(list, generation);
+                    },
+                    self);
+            };
+            if (!worker || imsi.isEmpty()) {
+                listNext();
+                return;
+            }
+            // The sublayer belongs to the worker's thread; the list is asked for once it is registered.
+            QMetaObject::invokeMethod(
+                worker,
+                [worker, imsi, listNext] {
+                    if (TInterfaceAtSublayer* sublayer = worker->atSublayer()) {
+                        sublayer->SMSSetIMSI(imsi.constData());
+                        SMSExt::registerWith(*sublayer);
+                    }
+                    // Back on the GUI thread, where listNext checks that the view is still there.
+                    QMetaObject::invokeMethod(QCoreApplication::instance(), listNext, Qt::QueuedConnection);
+                },
+                Qt::QueuedConnection);
+        },
+        this);
+}
+
+void MessagesPlugin::onMessagesListed(const QVariantMap& response, int generation) {
+    if (generation != _generation)
+        return;
+    setBusy(false);
+    if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
+        showError(tr("The messages could not be read from the modem: %1. Press Reload to try again.")
+                      .arg(QString::fromStdString(ResultCodeText(code))));
+        return;
+    }
+    _modemItems.clear();
+    for (const QVariant& value : WorkNotification::GetValueObject(response).toList()) {
+        if (value.metaType() != QMetaType::fromType<BLSmsListItem>())
+            continue;
+        const auto item = value.value<BLSmsListItem>();
+        if (item.nType != kTypeStatusReport)
+            _modemItems.append(item);
+    }
+    _modemLoaded = true;
+    refreshFolders();
+    refreshList();
+}
+
+void MessagesPlugin::onReport(const QString& name, const QVariantMap& data) {
+    if (name != MESSAGE_RPT_RECEIVE_SMS)
+        return;
+    const QVariant value = WorkNotification::GetValueObject(data);
+    if (value.metaType() != QMetaType::fromType<BLSmsListItem>())
+        return;
+    const auto item = value.value<BLSmsListItem>();
+    if (item.nType == kTypeStatusReport) {
+        applyDeliveryReport(item);
+        return;
+    }
+    // The parts of a long message arrive one by one; each report carries what is in so far.
+    bool known = false;
+    for (BLSmsListItem& held : _modemItems) {
+        if (held.nStoreIn == item.nStoreIn && held.nRef == item.nRef) {
+            held = item;
+            known = true;
+        }
+    }
+    if (!known)
+        _modemItems.append(item);
+    refreshFolders();
+    refreshList();
+    if (item.nCompleted) {
+        const QString words = MessageText::firstLine(item.strContent, 40);
+        context().notifier.notify(tr("New message"), item.strAddress + QStringLiteral(": ") + words);
+    }
+}
+
+void MessagesPlugin::applyDeliveryReport(const BLSmsListItem& report) {
+    // The report names the recipient; it answers the latest message to that number still waiting for one.
+    QList<MessageItem> sent = store().getSendBoxList();
+    for (auto it = sent.rbegin(); it != sent.rend(); ++it) {
+        QVariantMap& dictionary = it->getMessageDictionary();
+        if (dictionary.contains(kDeliveryStatusKey) ||
+            !MessageText::sameNumber(it->getFristNumber(), report.strAddress))
+            continue;
+        dictionary.insert(kDeliveryStatusKey, report.nStatusReportStatus);
+        dictionary.insert(kDeliveryTimeKey,
+                          report.dateTime.isValid() ? report.dateTime : QDateTime::currentDateTime());
+        if (store().saveMessageData() != SMSStorage::kOK)
+            showError(tr("The delivery report could not be saved with the sent message."));
+        context().notifier.notify(tr("Delivery report"),
+                                  report.strAddress + QStringLiteral(": ") +
+                                      MessageText::deliveryText(report.nStatusReportStatus));
+        refreshList();
+        return;
+    }
+}
+
+// ---- Showing ----
+
+bool MessagesPlugin::isUnread(const BLSmsListItem& item) const {
+    return item.nTag == kTagUnread && !_readHere.contains(readKey(item));
+}
+
+QList<MessagesPlugin::Entry> MessagesPlugin::entriesOf(Folder folder) const {
+    QList<Entry> entries;
+    if (const int storage = storageOf(folder)) {
+        for (const BLSmsListItem& item : _modemItems) {
+            if (item.nStoreIn == storage)
+                entries.append(item);
+        }
+        return entries;
+    }
+    if (!_store && link().equipment().strImsi.isEmpty())
+        return entries;
+    for (const MessageItem& item :
+         store().getMessageListByBoxType(localBox(folder)).value_or(QList<MessageItem>()))
+        entries.append(item);
+    return entries;
+}
+
+void MessagesPlugin::refreshFolders() {
+    const QString names[FolderCount] = {tr("SIM card"), tr("Modem"),  tr("On this computer"), tr("Outbox"),
+                                        tr("Sent"),     tr("Drafts"), tr("Archive")};
+    for (int folder = 0; folder < FolderCount; ++folder) {
+        const QList<Entry> entries = entriesOf(static_cast<Folder>(folder));
+        int unread = 0;
+        for (const Entry& entry : entries) {
+            if (const auto* item = std::get_if<BLSmsListItem>(&entry); item && isUnread(*item))
+                ++unread;
+        }
+        QListWidgetItem* row = _folders->item(folder);
+        const bool modemFolder = storageOf(static_cast<Folder>(folder)) != 0;
+        QString text = names[folder];
+        if (!modemFolder || _modemLoaded)
+            text += unread > 0 ? QStringLiteral(" (%1/%2)").arg(unread).arg(entries.size())
+                               : QStringLiteral(" (%1)").arg(entries.size());
+        row->setText(text);
+        QFont font = row->font();
+        font.setBold(unread > 0);
+        row->setFont(font);
+        row->setToolTip(unread > 0 ? tr("%1 unread").arg(unread) : QString());
+    }
+}
+
+int MessagesPlugin::listedCount() const {
+    return _model->rowCount();
+}
+
+void MessagesPlugin::showFolder(Folder folder) {
+    _folders->setCurrentRow(folder);
+}
+
+void MessagesPlugin::refreshList() {
+    const bool incoming = _folder == Sim || _folder == Modem || _folder == Computer;
+    // The message being read stays selected when the list changes under it (a new message came in).
+    const std::optional<Entry> selected = selectedEntry();
+    _listed = entriesOf(_folder);
+    QSignalBlocker quiet(_list->selectionModel());
+    _model->clear();
+    _model->setHorizontalHeaderLabels(
+        {incoming ? tr("From / To") : tr("To"), tr("Date"), tr("Message"), tr("Status")});
+    // Newest first.
+    std::stable_sort(_listed.begin(), _listed.end(), [](const Entry& a, const Entry& b) {
+        const auto time = [](const Entry& e) {
+            if (const auto* item = std::get_if<BLSmsListItem>(&e))
+                return item->dateTime;
+            return std::get<MessageItem>(e).getCreateTime();
+        };
+        return time(a) > time(b);
+    });
+    for (int row = 0; row < _listed.size(); ++row) {
+        QString who, status;
+        QDateTime time;
+        QString text;
+        bool bold = false;
+        if (const auto* item = std::get_if<BLSmsListItem>(&_listed[row])) {
+            who = item->strAddress;
+            time = item->dateTime;
+            text = item->strContent;
+            bold = isUnread(*item);
+            if (item->nTag == kTagUnsent)
+                status = tr("Not sent");
+            else if (item->nTag == kTagSent)
+                status = tr("Sent");
+            if (!item->nCompleted)
+                status = tr("Incomplete (parts missing)");
+        } else {
+            const MessageItem& local = std::get<MessageItem>(_listed[row]);
+            who = local.getNumbers().join(QStringLiteral("; "));
+            time = local.getCreateTime();
+            text = local.getContent();
+            const QVariantMap& dictionary = local.getMessageDictionary();
+            if (dictionary.contains(kDeliveryStatusKey))
+                status = MessageText::deliveryText(dictionary.value(kDeliveryStatusKey).toInt());
+        }
+        QList<QStandardItem*> cells{new QStandardItem(who), new QStandardItem(timeText(time)),
+                                    new QStandardItem(MessageText::firstLine(text)),
+                                    new QStandardItem(status)};
+        for (QStandardItem* cell : cells) {
+            cell->setData(row, Qt::UserRole);
+            if (bold) {
+                QFont font = cell->font();
+                font.setBold(true);
+                cell->setFont(font);
+            }
+        }
+        _model->appendRow(cells);
+    }
+    QHeaderView* header = _list->header();
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    header->setSectionResizeMode(2, QHeaderView::Stretch);
+    header->setSectionResizeMode(3, QHeaderView::ResizeToContents);
+    const bool modemAway = incoming && !_modemLoaded;
+    if (!modemAway)
+        _empty->setText(tr("No messages"));
+    else if (link().state() == ModemLink::State::Ready)
+        _empty->setText(tr("Reading the messages from the modem…"));
+    else
+        _empty->setText(tr("The modem's messages show here once the modem is ready."));
+    _empty->setVisible(_listed.isEmpty());
+    if (selected) {
+        for (int row = 0; row < _listed.size(); ++row) {
+            if (sameEntry(_listed[row], *selected)) {
+                _list->setCurrentIndex(_model->index(row, 0));
+                break;
+            }
+        }
+    }
+    quiet.unblock();
+    showSelected();
+}
+
+std::optional<MessagesPlugin::Entry> MessagesPlugin::selectedEntry() const {
+    const QModelIndex current = _list->currentIndex();
+    if (!current.isValid())
+        return std::nullopt;
+    const int row = current.data(Qt::UserRole).toInt();
+    if (row < 0 || row >= _listed.size())
+        return std::nullopt;
+    return _listed.at(row);
+}
+
+void MessagesPlugin::showSelected() {
+    const std::optional<Entry> entry = selectedEntry();
+    if (!entry) {
+        _readerHeader->clear();
+        _reader->clear();
+        updateActions();
+        return;
+    }
+    if (const auto* item = std::get_if<BLSmsListItem>(&*entry)) {
+        const QString who = isOutgoing(*item) ? tr("To: %1") : tr("From: %1");
+        _readerHeader->setText(who.arg(item->strAddress) + QStringLiteral("\n") + timeText(item->dateTime));
+        _reader->setPlainText(item->nCompleted ? item->strContent
+                                               : item->strContent + QStringLiteral("\n\n") +
+                                                     tr("(Some parts of this message have not arrived.)"));
+        if (isUnread(*item)) {
+            _readHere.insert(readKey(*item));
+            const QModelIndex current = _list->currentIndex();
+            for (int column = 0; column < _model->columnCount(); ++column) {
+                if (QStandardItem* cell = _model->item(current.row(), column)) {
+                    QFont font = cell->font();
+                    font.setBold(false);
+                    cell->setFont(font);
+                }
+            }
+            refreshFolders();
+        }
+    } else {
+        const MessageItem& local = std::get<MessageItem>(*entry);
+        QString header = tr("To: %1").arg(local.getNumbers().join(QStringLiteral("; "))) +
+                         QStringLiteral("\n") + timeText(local.getCreateTime());
+        const QVariantMap& dictionary = local.getMessageDictionary();
+        if (dictionary.contains(kDeliveryStatusKey)) {
+            header += QStringLiteral("\n") +
+                      tr("Delivery report: %1 (%2)")
+                          .arg(MessageText::deliveryText(dictionary.value(kDeliveryStatusKey).toInt()),
+                               timeText(dictionary.value(kDeliveryTimeKey).toDateTime()));
+        }
+        _readerHeader->setText(header);
+        _reader->setPlainText(local.getContent());
+    }
+    updateActions();
+}
+
+void MessagesPlugin::updateActions() {
+    const std::optional<Entry> entry = selectedEntry();
+    const bool modemEntry = entry && std::holds_alternative<BLSmsListItem>(*entry);
+    const bool ready = link().state() == ModemLink::State::Ready;
+    _reply->setEnabled(modemEntry && !isOutgoing(std::get<BLSmsListItem>(*entry)));
+    _forward->setEnabled(entry.has_value());
+    _delete->setEnabled(entry.has_value() && (!modemEntry || ready));
+    _move->setEnabled(entry.has_value() && (!modemEntry || ready));
+    const QString current = localBox(_folder);
+    for (QAction* action : _move->menu()->actions()) {
+        const QString box = action->data().toString();
+        // From the modem only to the archive; between the computer's boxes, anywhere else.
+        action->setVisible(modemEntry ? box == SMS_BOX_ACHIVE : box != current);
+    }
+}
+
+// ---- Actions ----
+
+ComposeDialog* MessagesPlugin::openCompose(const QStringList& numbers, const QString& text,
+                                           const std::optional<MessageItem>& origin) {
+    auto* dialog = new ComposeDialog(link(), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setRecipients(numbers);
+    dialog->setText(text);
+    dialog->setOrigin(origin);
+    connect(dialog, &ComposeDialog::messageSent, this,
+            [this, dialog](const QString& number, const QString& body) {
+                if (const auto& origin = dialog->origin()) {
+                    store().deletMessageItem(*origin);
+                    dialog->setOrigin(std::nullopt);
+                }
+                keepLocal({number}, body, SMS_BOX_SENDBOX);
+            });
+    connect(dialog, &ComposeDialog::messageFailed, this,
+            [this, dialog](const QString& number, const QString& body, int) {
+                const auto& origin = dialog->origin();
+                if (origin && origin->getBoxType() == SMS_BOX_OUTBOX)
+                    return;
+                if (origin)
+                    store().deletMessageItem(*origin);
+                MessageItem item = MessageItem::createMessageItem({number}, body, QString(), QString(),
+                                                                  QDateTime(), 0, SMS_BOX_OUTBOX);
+                if (store().saveMessageItem(item) != SMSStorage::kOK)
+                    showError(tr("The unsent message could not be kept in the outbox; copy its text."));
+                dialog->setOrigin(item);
+                refreshFolders();
+                refreshList();
+            });
+    connect(dialog, &ComposeDialog::draftRequested, this,
+            [this, dialog](const QStringList& recipients, const QString& body) {
+                if (const auto& origin = dialog->origin())
+                    store().deletMessageItem(*origin);
+                keepLocal(recipients, body, SMS_BOX_DRAFT);
+            });
+    _compose = dialog;
+    dialog->show();
+    return dialog;
+}
+
+void MessagesPlugin::keepLocal(const QStringList& numbers, const QString& text, const QString& box) {
+    const MessageItem item =
+        MessageItem::createMessageItem(numbers, text, QString(), QString(), QDateTime(), 0, box);
+    if (store().saveMessageItem(item) != SMSStorage::kOK)
+        showError(tr("The message could not be written to the message store in your home folder. Check "
+                     "that the disk is not full."));
+    refreshFolders();
+    refreshList();
+}
+
+void MessagesPlugin::composeTo(const QString& number, const QString& name) {
+    ComposeDialog* dialog = openCompose({number}, {});
+    if (!name.isEmpty())
+        dialog->setWindowTitle(tr("New message to %1").arg(name));
+}
+
+void MessagesPlugin::reply() {
+    const std::optional<Entry> entry = selectedEntry();
+    if (const auto* item = entry ? std::get_if<BLSmsListItem>(&*entry) : nullptr)
+        openCompose({item->strAddress}, {});
+}
+
+void MessagesPlugin::forward() {
+    const std::optional<Entry> entry = selectedEntry();
+    if (!entry)
+        return;
+    if (const auto* item = std::get_if<BLSmsListItem>(&*entry))
+        openCompose({}, item->strContent);
+    else
+        openCompose({}, std::get<MessageItem>(*entry).getContent());
+}
+
+void MessagesPlugin::openSelected() {
+    const std::optional<Entry> entry = selectedEntry();
+    if (!entry)
+        return;
+    if (const auto* item = std::get_if<MessageItem>(&*entry)) {
+        // A draft or an unsent message is continued where it was left.
+        if (_folder == Drafts || _folder == Outbox)
+            openCompose(item->getNumbers(), item->getContent(), *item);
+        return;
+    }
+    reply();
+}
+
+void MessagesPlugin::removeSelected() {
+    const std::optional<Entry> entry = selectedEntry();
+    if (!entry)
+        return;
+    if (QMessageBox::question(this, tr("Delete message"),
+                              tr("Delete the selected message? This cannot be undone."),
+                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+        return;
+    if (const auto* item = std::get_if<MessageItem>(&*entry)) {
+        if (store().deletMessageItem(*item) != SMSStorage::kOK)
+            showError(tr("The message store could not be written; the message is still there."));
+        refreshFolders();
+        refreshList();
+        return;
+    }
+    const BLSmsListItem item = std::get<BLSmsListItem>(*entry);
+    setBusy(true);
+    const int generation = _generation;
+    link().request(
+        MESSAGE_SMS_DELETE, item.nRef,
+        [this, item, generation](const QVariantMap& response) {
+            setBusy(false);
+            if (generation != _generation)
+                return;
+            if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
+                showError(tr("The message could not be deleted: %1.")
+                              .arg(QString::fromStdString(ResultCodeText(code))));
+                return;
+            }
+            _modemItems.removeIf([&item](const BLSmsListItem& held) {
+                return held.nStoreIn == item.nStoreIn && held.nRef == item.nRef;
+            });
+            refreshFolders();
+            refreshList();
+        },
+        this);
+}
+
+void MessagesPlugin::archiveSelected() {
+    const std::optional<Entry> entry = selectedEntry();
+    const auto* found = entry ? std::get_if<BLSmsListItem>(&*entry) : nullptr;
+    if (!found)
+        return;
+    const BLSmsListItem item = *found;
+    // The copy is kept first; the modem's message goes only once the copy is safe.
+    const MessageItem copy = MessageItem::createMessageItem({item.strAddress}, item.strContent, QString(),
+                                                            QString(), item.dateTime, 0, SMS_BOX_ACHIVE);
+    if (store().saveMessageItem(copy) != SMSStorage::kOK) {
+        showError(tr("The archive could not be written; the message stays on the modem."));
+        return;
+    }
+    setBusy(true);
+    const int generation = _generation;
+    link().request(
+        MESSAGE_SMS_DELETE, item.nRef,
+        [this, item, generation](const QVariantMap& response) {
+            setBusy(false);
+            if (generation != _generation)
+                return;
+            if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
+                showError(tr("The message was archived but could not be removed from the modem: %1.")
+                              .arg(QString::fromStdString(ResultCodeText(code))));
+            } else {
+                _modemItems.removeIf([&item](const BLSmsListItem& held) {
+                    return held.nStoreIn == item.nStoreIn && held.nRef == item.nRef;
+                });
+            }
+            refreshFolders();
+            refreshList();
+        },
+        this);
+}
+
+void MessagesPlugin::moveSelected(const QString& box) {
+    const std::optional<Entry> entry = selectedEntry();
+    if (!entry)
+        return;
+    if (std::holds_alternative<BLSmsListItem>(*entry)) {
+        if (box == SMS_BOX_ACHIVE)
+            archiveSelected();
+        return;
+    }
+    const MessageItem& item = std::get<MessageItem>(*entry);
+    // A move is a delete, a change of box, and a save.
+    MessageItem moved = MessageItem::initWithDictionary(item.getMessageDictionary());
+    moved.setBoxType(box);
+    if (store().deletMessageItem(item) != SMSStorage::kOK ||
+        store().saveMessageItem(moved) != SMSStorage::kOK)
+        showError(tr("The message store could not be written; check the disk and try again."));
+    refreshFolders();
+    refreshList();
+}

@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "NetworkPlugin.h"
 
 #include <QButtonGroup>
@@ -16,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "BLRecords.h"
+#include "CNSLabels.h"
 #include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
@@ -83,13 +83,20 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
 
     auto* current = new QGroupBox(tr("Current network"));
     auto* form = new QFormLayout(current);
-    form->addRow(tr("Operator:"), _operator = CNSValueLabel(QStringLiteral("operator"), nullptr, QStringLiteral("-")));
-    form->addRow(tr("Registration:"), _registration = CNSValueLabel(QStringLiteral("registration"), nullptr, QStringLiteral("-")));
-    form->addRow(tr("Technology:"), _technology = CNSValueLabel(QStringLiteral("technology"), nullptr, QStringLiteral("-")));
-    form->addRow(tr("Bearer:"), _bearer = CNSValueLabel(QStringLiteral("bearer"), nullptr, QStringLiteral("-")));
-    form->addRow(tr("Signal:"), _signal = CNSValueLabel(QStringLiteral("signal"), nullptr, QStringLiteral("-")));
-    form->addRow(tr("Roaming:"), _roaming = CNSValueLabel(QStringLiteral("roaming"), nullptr, QStringLiteral("-")));
-    form->addRow(tr("Selection:"), _selection = CNSValueLabel(QStringLiteral("selection"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Operator:"),
+                 _operator = CNSValueLabel(QStringLiteral("operator"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Registration:"),
+                 _registration = CNSValueLabel(QStringLiteral("registration"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Technology:"),
+                 _technology = CNSValueLabel(QStringLiteral("technology"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Bearer:"),
+                 _bearer = CNSValueLabel(QStringLiteral("bearer"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Signal:"),
+                 _signal = CNSValueLabel(QStringLiteral("signal"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Roaming:"),
+                 _roaming = CNSValueLabel(QStringLiteral("roaming"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Selection:"),
+                 _selection = CNSValueLabel(QStringLiteral("selection"), nullptr, QStringLiteral("-")));
     layout->addWidget(current);
 
     auto* available = new QGroupBox(tr("Available networks"));

@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "PinSettingsPage.h"
 
 #include <QFormLayout>
@@ -12,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "BLRecords.h"
+#include "CNSLabels.h"
 #include "ModemLink.h"
 #include "StatusText.h"
 #include "WorkMessageNames.h"

@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "ProfileDialog.h"
 
 #include <QComboBox>
@@ -7,6 +6,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QVBoxLayout>
+
+#include "CNSLabels.h"
 
 namespace {
 

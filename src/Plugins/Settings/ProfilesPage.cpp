@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "ProfilesPage.h"
 
 #include <QHBoxLayout>
@@ -10,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "AppConfig.h"
+#include "CNSLabels.h"
 #include "Connector/ProfileSettingsController.h"
 #include "ModulePlugin.h"
 #include "ProfileDialog.h"

@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "SmsSettingsPage.h"
 
 #include <QCheckBox>
@@ -13,6 +12,7 @@
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
 
+#include "CNSLabels.h"
 #include "ConvertUtilty.h"
 #include "ModemLink.h"
 #include "StatusText.h"

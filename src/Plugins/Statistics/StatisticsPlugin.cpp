@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "StatisticsPlugin.h"
 
 #include <QCheckBox>
@@ -15,10 +14,11 @@
 #include <QVBoxLayout>
 
 #include "AppConfig.h"
+#include "CNSLabels.h"
+#include "CNSTrafficChart.h"
 #include "Connector/ConnectController.h"
 #include "ConvertUtilty.h"
 #include "NotificationCenter.h"
-#include "CNSTrafficChart.h"
 
 namespace {
 

@@ -1,4 +1,3 @@
-#include "CNSLabels.h"
 #include "ToolkitPlugin.h"
 
 #include <QHBoxLayout>
@@ -11,6 +10,7 @@
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
 
+#include "CNSLabels.h"
 #include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"

@@ -1,0 +1,228 @@
+#include <gtest/gtest.h>
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeView>
+
+#include "DesktopNotifier.h"
+#include "GuiTestSupport.h"
+#include "Messages/ComposeDialog.h"
+#include "Messages/MessageText.h"
+#include "Messages/MessagesPlugin.h"
+#include "WorkNotification.h"
+
+namespace {
+
+QJsonArray SentParts(GuiWorld& world) {
+    return world.sim().control("dump").value("sms").toObject().value("sent").toArray();
+}
+
+// The texts of one column of the listed messages.
+QStringList Column(MessagesPlugin* messages, int column) {
+    auto* view = messages->findChild<QTreeView*>("messages");
+    QStringList texts;
+    for (int row = 0; row < view->model()->rowCount(); ++row)
+        texts << view->model()->index(row, column).data().toString();
+    return texts;
+}
+
+struct Opened {
+    MessagesPlugin* messages = nullptr;
+    ComposeDialog* compose = nullptr;
+};
+
+Opened OpenCompose(GuiWorld& world, const QString& to, const QString& text) {
+    Opened opened;
+    opened.messages = world.show<MessagesPlugin>("messages");
+    if (!opened.messages)
+        return opened;
+    opened.messages->findChild<QPushButton*>("new")->click();
+    opened.compose = opened.messages->composeWindow();
+    if (!opened.compose)
+        return opened;
+    QTest::keyClicks(opened.compose->findChild<QLineEdit*>("recipients"), to);
+    // Typing 200 characters one by one is slow and adds nothing: the counter follows textChanged.
+    opened.compose->findChild<QPlainTextEdit*>("text")->setPlainText(text);
+    return opened;
+}
+
+} // namespace
+
+TEST(MessagesGui, LongMessageCountsTwoPartsAndGoesOutInTwoSegments) {
+    GuiWorld world;
+    ASSERT_TRUE(world.started());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    const QString text = QString(200, QLatin1Char('a'));
+    const Opened opened = OpenCompose(world, "+491701234567", text);
+    ASSERT_TRUE(opened.compose);
+
+    // 200 septets: two parts of 153, 106 left in the second.
+    EXPECT_EQ(opened.compose->findChild<QLabel*>("counter")->text(), "106 characters left · 2 parts");
+
+    opened.compose->findChild<QPushButton*>("send")->click();
+    ASSERT_TRUE(waitForGui([&] { return SentParts(world).size() >= 2 && !opened.messages->composeWindow(); },
+                           std::chrono::seconds(20)));
+    const QJsonArray parts = SentParts(world);
+    ASSERT_EQ(parts.size(), 2);
+    QString joined;
+    for (const QJsonValue& part : parts) {
+        EXPECT_EQ(part["to"].toString(), "+491701234567");
+        joined += part["text"].toString();
+    }
+    EXPECT_EQ(joined, text);
+
+    opened.messages->showFolder(MessagesPlugin::Sent);
+    ASSERT_EQ(opened.messages->listedCount(), 1);
+    EXPECT_EQ(Column(opened.messages, 0), QStringList{"+491701234567"});
+}
+
+TEST(MessagesGui, FailedSendKeepsTextAndGoesToOutbox) {
+    GuiWorld world;
+    ASSERT_TRUE(world.started());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    // The modem tries once more itself; both tries fail.
+    ASSERT_TRUE(world.sim().control("set fail_sends 2")["ok"].toBool());
+    const Opened opened = OpenCompose(world, "+491701234567", "Will not go");
+    ASSERT_TRUE(opened.compose);
+
+    auto* send = opened.compose->findChild<QPushButton*>("send");
+    send->click();
+    auto* status = opened.compose->findChild<QLabel*>("status");
+    ASSERT_TRUE(waitForGui(
+        [&] { return !opened.messages->composeWindow() || (send->isEnabled() && !status->isHidden()); },
+        std::chrono::seconds(20)));
+    ASSERT_TRUE(opened.messages->composeWindow()) << "the failed message was reported as sent";
+    EXPECT_EQ(opened.compose->text(), "Will not go");
+    EXPECT_TRUE(status->text().contains("+491701234567")) << status->text().toStdString();
+    opened.messages->showFolder(MessagesPlugin::Outbox);
+    EXPECT_EQ(Column(opened.messages, 2), QStringList{"Will not go"});
+
+    // Sent on the second try, the outbox copy moves to the sent box rather than staying twice.
+    send->click();
+    ASSERT_TRUE(waitForGui([&] { return !opened.messages->composeWindow(); }, std::chrono::seconds(20)));
+    EXPECT_EQ(opened.messages->listedCount(), 0);
+    opened.messages->showFolder(MessagesPlugin::Sent);
+    EXPECT_EQ(opened.messages->listedCount(), 1);
+}
+
+TEST(MessagesGui, IncomingMessageIsListedAndAnnounced) {
+    GuiWorld world;
+    ASSERT_TRUE(world.started());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    auto* messages = world.show<MessagesPlugin>("messages");
+    ASSERT_TRUE(messages);
+    auto* busy = messages->findChild<QWidget*>("busy");
+    ASSERT_TRUE(waitForGui([&] { return busy->isHidden(); }, std::chrono::seconds(20)));
+    const DesktopNotifier& notifier = world.window().notifier();
+    const int before = notifier.count();
+
+    const QJsonObject delivered = world.sim().control("sms +4917012345678 Hello from the test");
+    ASSERT_TRUE(delivered["ok"].toBool());
+    const MessagesPlugin::Folder folder =
+        delivered["storage"].toString() == "SM" ? MessagesPlugin::Sim : MessagesPlugin::Modem;
+    messages->showFolder(folder);
+    ASSERT_TRUE(waitForGui([&] { return Column(messages, 2).contains("Hello from the test"); },
+                           std::chrono::seconds(20)));
+    EXPECT_TRUE(Column(messages, 0).contains("+4917012345678"));
+    EXPECT_EQ(notifier.count(), before + 1);
+    EXPECT_TRUE(notifier.lastText().startsWith("+4917012345678: Hello")) << notifier.lastText().toStdString();
+}
+
+TEST(MessagesGui, DeliveryReportIsShownOnTheSentMessage) {
+    GuiWorld world;
+    ASSERT_TRUE(world.started());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    world.sim().control("set status_report_delay_ms 300");
+    // What the settings tab does when the user asks for delivery reports.
+    bool asked = false;
+    world.link().request(MESSAGE_SMS_SET_STATUS_REPORT, QStringLiteral("TRUE"),
+                         [&](const QVariantMap&) { asked = true; });
+    ASSERT_TRUE(waitForGui([&] { return asked; }));
+    const Opened opened = OpenCompose(world, "+491701234567", "Did it arrive?");
+    ASSERT_TRUE(opened.compose);
+    opened.compose->findChild<QPushButton*>("send")->click();
+
+    opened.messages->showFolder(MessagesPlugin::Sent);
+    ASSERT_TRUE(waitForGui([&] { return Column(opened.messages, 3) == QStringList{"Delivered"}; },
+                           std::chrono::seconds(20)));
+    opened.messages->findChild<QTreeView*>("messages")
+        ->setCurrentIndex(opened.messages->findChild<QTreeView*>("messages")->model()->index(0, 0));
+    EXPECT_TRUE(
+        opened.messages->findChild<QLabel*>("readerHeader")->text().contains("Delivery report: Delivered"));
+}
+
+TEST(MessagesGui, UnpluggingEmptiesTheModemFoldersAndReplugReadsThemAgain) {
+    GuiWorld world;
+    ASSERT_TRUE(world.started());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    const Opened opened = OpenCompose(world, "+491701234567", "For later");
+    ASSERT_TRUE(opened.compose);
+    opened.compose->findChild<QPushButton*>("saveDraft")->click();
+    MessagesPlugin* messages = opened.messages;
+    messages->showFolder(MessagesPlugin::Sim);
+    ASSERT_TRUE(waitForGui([&] { return messages->listedCount() > 0; }, std::chrono::seconds(20)));
+    const int onSim = messages->listedCount();
+
+    ASSERT_TRUE(world.sim().control("unplug")["ok"].toBool());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Absent));
+    EXPECT_EQ(messages->listedCount(), 0);
+    messages->showFolder(MessagesPlugin::Drafts);
+    EXPECT_EQ(Column(messages, 2), QStringList{"For later"});
+
+    ASSERT_TRUE(world.sim().control("plug")["ok"].toBool());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready, std::chrono::seconds(30)));
+    messages->showFolder(MessagesPlugin::Sim);
+    EXPECT_TRUE(waitForGui([&] { return messages->listedCount() == onSim; }, std::chrono::seconds(20)));
+}
+
+// The counter follows the send path's rules: accented letters are replaced where that keeps 7-bit.
+TEST(MessagesGui, ComposeCounterUsesTheSendPathsCoding) {
+    ensureGuiApplication();
+    ModemLink link;
+    ComposeDialog compose(link);
+    struct Row {
+        QString text;
+        const char* counter;
+    };
+    const Row rows[] = {
+        {QString(160, 'a'), "0 characters left · 1 part"},
+        {QString::fromUtf8("À bientôt"), "151 characters left · 1 part"},
+        {QString::fromUtf8("€").repeated(80), "0 characters left · 1 part"},
+        {QString::fromUtf8("ж").repeated(71), "63 characters left · 2 parts"},
+    };
+    for (const Row& row : rows) {
+        compose.setText(row.text);
+        EXPECT_EQ(compose.findChild<QLabel*>("counter")->text(), QString::fromUtf8(row.counter))
+            << row.text.toStdString();
+    }
+}
+
+TEST(MessageText, NumbersAndRecipients) {
+    struct Row {
+        QString a, b;
+        bool same;
+    };
+    const Row rows[] = {
+        {"+491701234567", "+491701234567", true},
+        {"+491701234567", "01701234567", true},
+        {"+49 170 123-4567", "+491701234567", true},
+        {"+491701234567", "+491701234568", false},
+        {"12345", "012345", false},
+        {"", "", false},
+        {"Vodafone", "Vodafone", true},
+        {"1234", "", false},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(MessageText::sameNumber(row.a, row.b), row.same)
+            << row.a.toStdString() << " / " << row.b.toStdString();
+
+    EXPECT_EQ(MessageText::splitRecipients(" +4917 ; 0170,,+4917; "), (QStringList{"+4917", "0170"}));
+    EXPECT_EQ(MessageText::firstLine("  Hi there\nsecond line"), "Hi there");
+    EXPECT_EQ(MessageText::firstLine(QString(100, 'x'), 10).size(), 10);
+}
