@@ -20,22 +20,9 @@
 
 namespace {
 
-// The controller names its texts by key; keys the translation table does not know yet read in English.
+// The controller names its texts by key.
 QString KeyText(const QString& key) {
-    const QString text = LocalizedStrings::text(key);
-    if (text != key)
-        return text;
-    static const QHash<QString, const char*> fallback{
-        {QStringLiteral("IDS_CONNECT"), QT_TRANSLATE_NOOP("ConnectPlugin", "Connect")},
-        {QStringLiteral("IDS_DISCONNECT"), QT_TRANSLATE_NOOP("ConnectPlugin", "Disconnect")},
-        {QStringLiteral("IDS_COMMON_WARNING"), QT_TRANSLATE_NOOP("ConnectPlugin", "Warning")},
-        {QStringLiteral("IDS_COMMON_OK"), QT_TRANSLATE_NOOP("ConnectPlugin", "OK")},
-        {QStringLiteral("IDS_DIALUP_CANTFIND"),
-         QT_TRANSLATE_NOOP("ConnectPlugin", "There is no connection profile for this SIM. Add one under "
-                                            "Settings, then connect again.")},
-    };
-    const auto found = fallback.constFind(key);
-    return found == fallback.constEnd() ? key : QCoreApplication::translate("ConnectPlugin", found.value());
+    return LocalizedStrings::text(key);
 }
 
 QString Bytes(quint64 bytes) {
