@@ -704,23 +704,25 @@ void MessagesPlugin::removeSelected() {
         refreshList();
         return;
     }
-    const BLSmsListItem item = std::get<BLSmsListItem>(*entry);
+    deleteFromModem(std::get<BLSmsListItem>(*entry), tr("The message could not be deleted: %1."));
+}
+
+void MessagesPlugin::deleteFromModem(const BLSmsListItem& item, const QString& failureText) {
     setBusy(true);
     const int generation = _generation;
     link().request(
         MESSAGE_SMS_DELETE, item.nRef,
-        [this, item, generation](const QVariantMap& response) {
+        [this, item, failureText, generation](const QVariantMap& response) {
             setBusy(false);
             if (generation != _generation)
                 return;
             if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
-                showError(tr("The message could not be deleted: %1.")
-                              .arg(QString::fromStdString(ResultCodeText(code))));
-                return;
+                showError(failureText.arg(QString::fromStdString(ResultCodeText(code))));
+            } else {
+                _modemItems.removeIf([&item](const BLSmsListItem& held) {
+                    return held.nStoreIn == item.nStoreIn && held.nRef == item.nRef;
+                });
             }
-            _modemItems.removeIf([&item](const BLSmsListItem& held) {
-                return held.nStoreIn == item.nStoreIn && held.nRef == item.nRef;
-            });
             refreshFolders();
             refreshList();
         },
@@ -740,26 +742,7 @@ void MessagesPlugin::archiveSelected() {
         showError(tr("The archive could not be written; the message stays on the modem."));
         return;
     }
-    setBusy(true);
-    const int generation = _generation;
-    link().request(
-        MESSAGE_SMS_DELETE, item.nRef,
-        [this, item, generation](const QVariantMap& response) {
-            setBusy(false);
-            if (generation != _generation)
-                return;
-            if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
-                showError(tr("The message was archived but could not be removed from the modem: %1.")
-                              .arg(QString::fromStdString(ResultCodeText(code))));
-            } else {
-                _modemItems.removeIf([&item](const BLSmsListItem& held) {
-                    return held.nStoreIn == item.nStoreIn && held.nRef == item.nRef;
-                });
-            }
-            refreshFolders();
-            refreshList();
-        },
-        this);
+    deleteFromModem(item, tr("The message was archived but could not be removed from the modem: %1."));
 }
 
 void MessagesPlugin::moveSelected(const QString& box) {

@@ -84,6 +84,8 @@ private:
     void forward();
     void removeSelected();
     void archiveSelected();
+    // Deletes the message on the SIM or modem; failureText gets the reason as %1.
+    void deleteFromModem(const BLSmsListItem& item, const QString& failureText);
     void moveSelected(const QString& box);
     void openSelected();
 
