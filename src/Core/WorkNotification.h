@@ -38,6 +38,9 @@ inline constexpr qint32 WORKER_ERR_SERVICE_NOT_FOUND = 37; // modem initialisati
 inline constexpr qint32 WORKER_ERR_NO_DEV_NAME = 38;
 inline constexpr qint32 WORKER_ERR_NO_MODE_DEV = 39;
 inline constexpr qint32 WORKER_ERR_SMS_FILTERED = 44; // an incoming SMS taken by a filtering client
+// The request's argument was refused before anything reached the modem (a malformed PIN, a number with
+// letters, a text that an AT parameter cannot carry): nothing was sent and no SIM attempt was used.
+inline constexpr qint32 WORKER_ERR_INVALID_ARGUMENT = 45;
 
 // Asynchronous requests sent and not yet answered. Sending through sendASyncWorkMessage counts up, every
 // delivered answer counts down, but sendworkMessage's asynchronous path does not count up and a dropped

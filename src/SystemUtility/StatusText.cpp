@@ -150,6 +150,8 @@ std::string ResultCodeText(int code) {
         return "no modem device";
     case 44:
         return "the message was taken by a filter";
+    case 45:
+        return "the request's argument was refused before reaching the modem";
     default:
         return "the modem reported error " + std::to_string(code);
     }
