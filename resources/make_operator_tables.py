@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Builds the "PredefinedProfile" and "PLMN" resources from the operator and APN database
+"""Builds the "PredefinedProfile", "PLMN" and "MCCRegion" resources from the operator and APN database
 (mobile-broadband-provider-info's serviceproviders.xml).
 
 PredefinedProfile: one line per internet APN of each GSM provider and each of its MCC+MNC codes, columns
@@ -7,6 +7,9 @@ separated by a tab, lines by "\\r\\n", no line break after the last line:
     account, MCC+MNC, "*99#", user name, password, APN, auth (0 none/unknown, 1 PAP, 2 CHAP),
     SPN, (unused), DNS1, DNS2
 PLMN: one line per MCC+MNC: the code, a tab, the operator's name.
+MCCRegion: one line per MCC: the code, a tab, the country's ISO 3166 code in capitals (the region phone
+numbers are read in). Where an MCC is listed under several countries (234: GB, GG, IM, JE), the country
+with the most networks on it wins.
 
 The SPN column. When a SIM is inserted, the profiles are chosen by its SPN first: the profiles whose SPN
 equals the SIM's SPN; one match is taken as it is, without looking at the IMSI, and two or more matches are
@@ -142,6 +145,20 @@ def build_tables(providers):
     return profiles, plmn
 
 
+def read_mcc_regions(path):
+    counts = {}
+    for country in ET.parse(path).getroot().findall("country"):
+        region = clean(country.get("code")).upper()
+        if len(region) != 2 or not region.isalpha():
+            continue
+        for net in country.iter("network-id"):
+            mcc = clean(net.get("mcc"))
+            if len(mcc) == 3 and mcc.isdigit():
+                per_mcc = counts.setdefault(mcc, {})
+                per_mcc[region] = per_mcc.get(region, 0) + 1
+    return [[mcc, max(sorted(regions), key=lambda r: regions[r])] for mcc, regions in sorted(counts.items())]
+
+
 def write_table(path, rows):
     text = "\r\n".join("\t".join(row) for row in rows)
     folder = os.path.dirname(path) or "."
@@ -155,10 +172,11 @@ def write_table(path, rows):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--database", required=True, help="serviceproviders.xml")
-    parser.add_argument("--output", required=True, help="folder for PredefinedProfile and PLMN")
+    parser.add_argument("--output", required=True, help="folder for the tables")
     args = parser.parse_args()
     try:
         providers = read_providers(args.database)
+        mcc_regions = read_mcc_regions(args.database)
     except (OSError, ET.ParseError) as err:
         print("make_operator_tables: cannot read %s: %s" % (args.database, err), file=sys.stderr)
         return 1
@@ -169,6 +187,7 @@ def main():
     os.makedirs(args.output, exist_ok=True)
     write_table(os.path.join(args.output, "PredefinedProfile"), profiles)
     write_table(os.path.join(args.output, "PLMN"), plmn)
+    write_table(os.path.join(args.output, "MCCRegion"), mcc_regions)
     return 0
 
 
