@@ -121,7 +121,9 @@ TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
         {"+123456789012345678901", nullptr},
         {"1234567890123456789012", nullptr},
         {"+447802000332", "AT+CSCA=\"447802000332\",145\r"},
-        {"", "AT+CSCA=\"\",129\r"},
+        {"", nullptr},
+        {"+49 170 1234", nullptr},
+        {"12\";+CFUN=0", nullptr},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.number);
@@ -131,7 +133,7 @@ TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
             ExpectIra();
             m_fake.Expect(row.sent).WithTimeout(1000).WithFinals(kCme);
         }
-        EXPECT_EQ(m_sms.SetServiceCentre(address), row.sent != nullptr ? 0 : 1);
+        EXPECT_EQ(m_sms.SetServiceCentre(address), row.sent != nullptr ? 0 : CSmsUtility::kErrNotAPhoneNumber);
         m_fake.VerifyDone();
     }
     // No character set, no number.
@@ -298,6 +300,7 @@ protected:
     static std::string ExpectedPdu() {
         TTpduSubmit probe;
         probe.nMti = 1;
+        probe.destination.szAddress[0] = '1';
         TProtocalTpduData encoded;
         EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(probe, encoded), 0);
         char reference[3];

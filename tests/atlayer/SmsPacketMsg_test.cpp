@@ -159,7 +159,7 @@ TEST(SmsPacketMsg, TemplateFields) {
 
     // A destination with "*" or "#" splits, but does not encode.
     segments = Split(sms, Item(L"hello", "*100#"), encodeType);
-    EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(segments[0], tpdu), 1);
+    EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(segments[0], tpdu), CSmsUtility::kErrNotAPhoneNumber);
 }
 
 // With Latin support, accented letters the alphabet lacks are sent unaccented, but only when that makes

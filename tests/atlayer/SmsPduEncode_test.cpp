@@ -58,9 +58,12 @@ TEST(SmsPduEncode, SubmitOctets) {
     EXPECT_EQ(Hex(first.data + 2, static_cast<int>(first.nLength) - 2),
               "0B916407281553F800000C050003CC0201D06536FB0D");
 
-    // "*" and "#" cannot be sent; nor can more than 140 octets of user data.
-    std::strcpy(submit.destination.szAddress, "*100#");
-    EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), 1);
+    // Only digits can be sent to: not "*" and "#", nor letters, nor no number; nor more than 140 octets
+    // of user data.
+    for (const char* destination : {"*100#", "abc", "", "49 170"}) {
+        std::strcpy(submit.destination.szAddress, destination);
+        EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), CSmsUtility::kErrNotAPhoneNumber) << destination;
+    }
     std::strcpy(submit.destination.szAddress, "123");
     submit.userData.nLength = 154; // 154 septets and the header: 141 octets
     EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), 1);
@@ -81,6 +84,9 @@ TEST(SmsPduEncode, Addresses) {
         {"", "0081"},
         {"*100#", ""},
         {"12#", ""},
+        {"+49 170 123 4567", ""},
+        {"abc", ""},
+        {"49+170", ""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.number);

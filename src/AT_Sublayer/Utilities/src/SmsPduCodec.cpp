@@ -10,6 +10,7 @@
 namespace {
 
 constexpr int kMaxAddressDigits = 21;
+constexpr int kMaxDialDigits = 20; // TP-Address: at most 10 octets of semi-octets
 constexpr int kMaxAlphanumericSeptets = 20;
 constexpr int kMaxSeptets = 160;
 constexpr int kMaxUserDataOctets = 140;
@@ -561,6 +562,13 @@ void CSmsUtility::GetUserDataContent(int alphabet, const TUserData& data, std::w
 
 // ---- Encoding ----
 
+bool CSmsUtility::IsDialableAddress(const TMsgAddress& address) {
+    const int count = static_cast<int>(strnlen(address.szAddress, kMsgAddressSize));
+    return count > 0 && count <= kMaxDialDigits &&
+           std::all_of(address.szAddress, address.szAddress + count,
+                       [](char c) { return c >= '0' && c <= '9'; });
+}
+
 int CSmsUtility::EncodeTpduSubmit(const TTpduSubmit& submit, TProtocalTpduData& out) {
     out = TProtocalTpduData{};
     uint8_t* data = out.data;
@@ -575,6 +583,8 @@ int CSmsUtility::EncodeTpduSubmit(const TTpduSubmit& submit, TProtocalTpduData& 
         first |= 0x40;
     if (submit.bReplyPath)
         first |= 0x80;
+    if (!IsDialableAddress(submit.destination))
+        return kErrNotAPhoneNumber;
     data[pos++] = static_cast<uint8_t>(first);
     // The record's own reference is not used: every submit takes the next value of the process's counter.
     data[pos++] = g_nextMessageReference.fetch_add(1);
@@ -598,7 +608,7 @@ int CSmsUtility::EncodeTpduSubmit(const TTpduSubmit& submit, TProtocalTpduData& 
 int CSmsUtility::EncodeTpduAddress(const TMsgAddress& address, uint8_t* out, int size) {
     const int count = static_cast<int>(strnlen(address.szAddress, kMsgAddressSize));
     const char* text = address.szAddress;
-    if (std::find_if(text, text + count, [](char c) { return c == '*' || c == '#'; }) != text + count)
+    if (!std::all_of(text, text + count, [](char c) { return c >= '0' && c <= '9'; }))
         return 0;
     const int written = 2 + (count + 1) / 2;
     if (out == nullptr || written > size)

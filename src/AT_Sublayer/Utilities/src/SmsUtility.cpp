@@ -72,12 +72,12 @@ int CSmsUtility::SetServiceCentre(const TSmsAddress& address) {
     centre.nType = kAddressTypeNational;
     if (length > 0 && number[0] == '+') {
         if (length > 21)
-            return 1;
+            return kErrNotAPhoneNumber;
         centre.nType = kAddressTypeInternational;
         ++number;
         --length;
     } else if (length > 20) {
-        return 1;
+        return kErrNotAPhoneNumber;
     }
     std::memcpy(centre.szAddress, number, length);
     return SetServiceCenterAddress(centre);
@@ -116,6 +116,8 @@ int CSmsUtility::Send(const TSmsSendItem& item) {
     int encodeType = 0;
     if (const int result = PacketMsg(item, segments, encodeType); result != 0)
         return result;
+    if (!segments.empty() && !IsDialableAddress(segments.front().destination))
+        return kErrNotAPhoneNumber;
     int format = 0;
     if (const int result = GetMessageFormat(format); result != 0)
         return result;
@@ -284,6 +286,8 @@ int CSmsUtility::SelectTeCharacterSet(int charset, int codePage, int part) {
 }
 
 int CSmsUtility::SetServiceCenterAddress(const TMsgAddress& address) {
+    if (!IsDialableAddress(address))
+        return kErrNotAPhoneNumber;
     if (const int result = SelectTeCharacterSet(kCharsetIra, 0, 0); result != 0)
         return result;
     char command[96];

@@ -156,9 +156,18 @@ public:
 
     // ---- PDU encoding ----
 
+    // Result of sending to, or setting, an address that is not a phone number: nothing reaches the modem.
+    // The worker's code for an argument refused before the modem is asked.
+    static constexpr int kErrNotAPhoneNumber = 45;
+    // A destination or service centre the modem can take: 1 to 20 digits (the "+" is in the type octet).
+    // Service codes ("*100#") and anything else are refused, so that no character is ever packed as a
+    // digit it is not.
+    static bool IsDialableAddress(const TMsgAddress& address);
+
     // Builds an SMS-SUBMIT; the message reference comes from a process-wide counter (first value 1).
+    // kErrNotAPhoneNumber when the destination is not dialable.
     static int EncodeTpduSubmit(const TTpduSubmit& submit, TProtocalTpduData& out);
-    // Returns the octets written, 0 when the address holds "*" or "#" or size is too small.
+    // Returns the octets written, 0 when the address holds anything but digits or size is too small.
     static int EncodeTpduAddress(const TMsgAddress& address, uint8_t* out, int size);
     // Writes TP-UDL and the user data; returns the octets written (0 when size is too small).
     static int EncodeTpduUserData(uint8_t dcs, TUserData data, uint8_t* out, int size);
