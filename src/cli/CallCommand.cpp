@@ -11,6 +11,7 @@
 #include "BusinessOperator.h"
 #include "CallRecords.h"
 #include "ModemSession.h"
+#include "NumberArguments.h"
 #include "RecordJson.h"
 #include "WorkNotification.h"
 
@@ -99,11 +100,12 @@ int List(CliContext& context, ModemSession& session) {
         std::printf("No calls\n");
         return EXIT_OK;
     }
+    const std::string region = SessionRegion(session);
     std::printf("%3s  %-8s  %-24s  %s\n", "ID", "DIR", "STATE", "NUMBER");
     for (const BLCallItem& call : calls) {
         std::printf("%3d  %-8s  %-24s  %s\n", call.nIndex,
                     call.nDir == kDirectionOutgoing ? "outgoing" : "incoming", StateText(call.nState),
-                    call.strNumber.toStdString().c_str());
+                    NumberForReading(call.strNumber, region).c_str());
     }
     return EXIT_OK;
 }
@@ -117,7 +119,15 @@ std::optional<BLCallItem> Outgoing(const QList<BLCallItem>& calls) {
     return std::nullopt;
 }
 
-int Dial(CliContext& context, ModemSession& session, const std::string& number) {
+// Service codes ("*#06#", "*21*0170123#") are dialled as typed; anything else must be a phone number.
+int Dial(CliContext& context, ModemSession& session, const std::string& typed) {
+    std::string number = typed;
+    if (!BusinessOperator::isDialNumber(QString::fromStdString(typed))) {
+        const std::optional<std::string> dial = DialNumber(typed, SessionRegion(session));
+        if (!dial)
+            return EXIT_USAGE;
+        number = *dial;
+    }
     ReportProgress("calling " + number);
     const QVariantMap response =
         session.request(MESSAGE_CALL_DIAL, QString::fromStdString(number), kDialDeadlineSeconds);
@@ -178,8 +188,10 @@ void AddCallCommand(CLI::App& app, CliContext& context) {
         ->required();
     dial->callback([&context, arguments] {
         if (!BusinessOperator::isDialNumber(QString::fromStdString(arguments->number))) {
-            context.exitCode = ReportUsage("\"" + arguments->number + "\" is not a number to dial");
-            return;
+            if (const std::string refusal = NumberRefusal(arguments->number); !refusal.empty()) {
+                context.exitCode = ReportUsage(refusal);
+                return;
+            }
         }
         context.exitCode =
             RunInSession(context, [&](ModemSession& s) { return Dial(context, s, arguments->number); });

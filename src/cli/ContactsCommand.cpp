@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "ModemSession.h"
+#include "NumberArguments.h"
 #include "PhonebookRecords.h"
 #include "RecordJson.h"
 #include "WorkNotification.h"
@@ -55,10 +56,11 @@ int List(CliContext& context, ModemSession& session) {
         std::printf("No contacts\n");
         return EXIT_OK;
     }
+    const std::string region = SessionRegion(session);
     std::printf("%-6s %5s  %-30s %s\n", "STORE", "INDEX", "NAME", "NUMBER");
     for (const BLPbItem& item : items) {
         std::printf("%-6s %5d  %s %s\n", StoreName(item.nStore), item.nIndex,
-                    Padded(item.strName, 30).c_str(), item.strNumber.toStdString().c_str());
+                    Padded(item.strName, 30).c_str(), NumberForReading(item.strNumber, region).c_str());
     }
     return EXIT_OK;
 }
@@ -85,6 +87,9 @@ int Info(CliContext& context, ModemSession& session) {
 }
 
 int Add(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
+    const std::optional<std::string> number = DialNumber(arguments.number, SessionRegion(session));
+    if (!number)
+        return EXIT_USAGE;
     // The first free index comes from the last reading of the storage, so read both first.
     const QVariantMap list = session.request(MESSAGE_PB_INIT_LIST);
     if (const int failed = session.check(list, "reading the phonebooks"))
@@ -92,7 +97,7 @@ int Add(CliContext& context, ModemSession& session, const ContactsArguments& arg
     const QVariantMap usage = session.request(MESSAGE_PB_GET_STORAGE_INFO);
     if (const int failed = session.check(usage, "reading the phonebooks' use"))
         return failed;
-    const BLPBNewItem item{StoreCode(arguments.store), Q(arguments.name), Q(arguments.number)};
+    const BLPBNewItem item{StoreCode(arguments.store), Q(arguments.name), Q(*number)};
     const QVariantMap response = session.request(MESSAGE_PB_ADD_ITEM, QVariant::fromValue(item));
     if (const int failed = session.check(response, "adding the contact"))
         return failed;
@@ -105,7 +110,10 @@ int Add(CliContext& context, ModemSession& session, const ContactsArguments& arg
 }
 
 int Update(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
-    const BLPbItem item{StoreCode(arguments.store), Q(arguments.name), Q(arguments.number), arguments.index};
+    const std::optional<std::string> number = DialNumber(arguments.number, SessionRegion(session));
+    if (!number)
+        return EXIT_USAGE;
+    const BLPbItem item{StoreCode(arguments.store), Q(arguments.name), Q(*number), arguments.index};
     const QVariantMap response = session.request(MESSAGE_PB_UPDATE_ITEM, QVariant::fromValue(item));
     if (const int failed = session.check(response, "updating the contact"))
         return failed;
@@ -153,7 +161,7 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
 
     CLI::App* add = contacts->add_subcommand("add", "Add a contact at the first free index");
     add->add_option("NAME", arguments->name, "The name")->required();
-    add->add_option("NUMBER", arguments->number, "The number")->required();
+    add->add_option("NUMBER", arguments->number, "The number")->required()->check(NumberRefusal);
     add->add_option("--store", arguments->store, "The phonebook: sim (default) or modem")
         ->check(CLI::IsMember({"sim", "modem"}));
     add->callback([&context, arguments] {
@@ -164,7 +172,7 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
     CLI::App* update = contacts->add_subcommand("update", "Overwrite the contact at an index");
     AddStoreOption(update, *arguments);
     update->add_option("NAME", arguments->name, "The name")->required();
-    update->add_option("NUMBER", arguments->number, "The number")->required();
+    update->add_option("NUMBER", arguments->number, "The number")->required()->check(NumberRefusal);
     update->callback([&context, arguments] {
         context.exitCode =
             RunInSession(context, [&](ModemSession& s) { return Update(context, s, *arguments); });

@@ -9,6 +9,7 @@
 #include <optional>
 #include <vector>
 
+#include "NumberArguments.h"
 #include "SmsUtility.h"
 #include "ValidityCode.h"
 
@@ -243,8 +244,14 @@ int Decode(const CliContext& context, const std::string& hex, std::optional<int>
     return EXIT_OK;
 }
 
-int Encode(const CliContext& context, const std::string& number, const std::string& text, bool report,
+// Without a modem there is no home country: an international number becomes E.164, a national one keeps
+// its digits.
+int Encode(const CliContext& context, const std::string& typed, const std::string& text, bool report,
            const std::optional<TSmsValidPeriod>& validity) {
+    const std::optional<std::string> dial = DialNumber(typed, {});
+    if (!dial)
+        return EXIT_USAGE;
+    const std::string& number = *dial;
     CSmsUtility sms;
     sms.EnableStatusReport(report ? 1 : 0);
     if (validity)
@@ -306,13 +313,11 @@ void AddPduCommand(CLI::App& app, CliContext& context) {
     auto encodeArgs = std::make_shared<EncodeArgs>();
     CLI::App* encode = pdu->add_subcommand(
         "encode", "Split a text into SMS-SUBMIT PDUs as the send path does, one per line");
-    encode->add_option("NUMBER", encodeArgs->number, "Destination; a leading + marks an international number")
+    encode
+        ->add_option("NUMBER", encodeArgs->number,
+                     "Destination; a leading + or 00 marks an international number")
         ->required()
-        ->check([](const std::string& value) {
-            return value.size() < static_cast<std::size_t>(kSmsNumberSize)
-                       ? std::string()
-                       : std::string("at most 23 characters");
-        });
+        ->check(NumberRefusal);
     encode->add_option("TEXT", encodeArgs->text, "The message text (UTF-8)")->required();
     encode->add_flag("--report", encodeArgs->report, "Ask for a status report");
     encode

@@ -10,6 +10,7 @@
 
 #include "BLRecords.h"
 #include "ModemSession.h"
+#include "NumberArguments.h"
 #include "RecordJson.h"
 #include "SMS/MessageItem.h"
 #include "SMS/SMSStorage.h"
@@ -29,7 +30,7 @@ struct BoxArguments {
     std::vector<std::string> move; // N BOX
 };
 
-void PrintBox(const CliContext& context, const QList<MessageItem>& items) {
+void PrintBox(const CliContext& context, const QList<MessageItem>& items, const std::string& region) {
     if (context.json) {
         nlohmann::json list = nlohmann::json::array();
         int position = 0;
@@ -46,7 +47,10 @@ void PrintBox(const CliContext& context, const QList<MessageItem>& items) {
         QString text = item.getContent();
         text.replace(QLatin1Char('\n'), QLatin1Char(' '));
         const QDateTime time = item.getCreateTime();
-        std::cout << ++position << "  " << item.getNumbers().join(QStringLiteral(", ")).toStdString() << "  "
+        QStringList numbers;
+        for (const QString& number : item.getNumbers())
+            numbers << QString::fromStdString(NumberForReading(number, region));
+        std::cout << ++position << "  " << numbers.join(QStringLiteral(", ")).toStdString() << "  "
                   << (time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd hh:mm")).toStdString() : "-")
                   << "  " << text.toUtf8().toStdString() << '\n';
     }
@@ -70,12 +74,17 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
     const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
     if (const int failed = session.check(equipment, "reading the SIM's IMSI"))
         return failed;
-    SMSStorage store(WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>().strImsi);
+    const QString imsi = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>().strImsi;
+    SMSStorage store(imsi);
+    const std::string region = RegionOfImsi(imsi);
     const QString type = kBoxes.at(box);
     const QList<MessageItem> items = store.getMessageListByBoxType(type).value_or(QList<MessageItem>());
 
     if (arguments.add.size() == 2) {
-        MessageItem item = MessageItem::createMessageItem({QString::fromStdString(arguments.add[0])},
+        const std::optional<std::string> number = DialNumber(arguments.add[0], region);
+        if (!number)
+            return EXIT_USAGE;
+        MessageItem item = MessageItem::createMessageItem({QString::fromStdString(*number)},
                                                           QString::fromStdString(arguments.add[1]), QString(),
                                                           QString(), QDateTime(), 0, type);
         if (const int failed = ReportStoreResult(context, store.saveMessageItem(item), "adding the message"))
@@ -103,7 +112,7 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
         if (const int failed = ReportStoreResult(context, store.saveMessageItem(moved), "moving the message"))
             return failed;
     }
-    PrintBox(context, store.getMessageListByBoxType(type).value_or(QList<MessageItem>()));
+    PrintBox(context, store.getMessageListByBoxType(type).value_or(QList<MessageItem>()), region);
     return EXIT_OK;
 }
 
@@ -136,6 +145,12 @@ void AddSmsBoxCommands(CLI::App& sms, CliContext& context) {
         add->excludes(remove)->excludes(move);
         remove->excludes(move);
         command->callback([&context, arguments, box] {
+            if (arguments->add.size() == 2) {
+                if (const std::string refusal = NumberRefusal(arguments->add[0]); !refusal.empty()) {
+                    context.exitCode = ReportUsage(refusal);
+                    return;
+                }
+            }
             context.exitCode =
                 RunInSession(context, [&](ModemSession& s) { return RunBox(context, s, box, *arguments); });
         });

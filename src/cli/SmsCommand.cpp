@@ -23,6 +23,7 @@
 #include "DamagedFile.h"
 #include "ModemSession.h"
 #include "NotificationCenter.h"
+#include "NumberArguments.h"
 #include "RecordJson.h"
 #include "SMS/SMSExt.h"
 #include "SmsBoxCommand.h"
@@ -126,13 +127,13 @@ std::string TimeText(const QDateTime& time) {
     return time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd hh:mm")).toStdString() : "-";
 }
 
-void PrintItem(const BLSmsListItem& item) {
+void PrintItem(const BLSmsListItem& item, const std::string& region) {
     std::string text = item.nType == 2 ? "delivery status " + std::to_string(item.nStatusReportStatus)
                                        : OneLine(item.strContent);
     if (!item.nCompleted && item.nType != 2)
         text += " (incomplete)";
     std::printf("%4d  %-5s  %-6s  %-16s  %-16s  %s\n", item.nRef, StorageName(item.nStoreIn).c_str(),
-                StateText(item).c_str(), item.strAddress.toUtf8().constData(),
+                StateText(item).c_str(), NumberForReading(item.strAddress, region).c_str(),
                 TimeText(item.dateTime).c_str(), text.c_str());
 }
 
@@ -159,8 +160,9 @@ int List(const CliContext& context, ModemSession& session) {
         PrintJson(list);
         return EXIT_OK;
     }
+    const std::string region = RegionOfImsi(imsi);
     for (const BLSmsListItem& item : items)
-        PrintItem(item);
+        PrintItem(item, region);
     return EXIT_OK;
 }
 
@@ -177,11 +179,15 @@ int SegmentCount(const std::string& number, const std::string& text) {
     return static_cast<int>(segments.size());
 }
 
-int Send(const CliContext& context, ModemSession& session, const std::string& number, const std::string& text,
+int Send(const CliContext& context, ModemSession& session, const std::string& typed, const std::string& text,
          bool report) {
     QString imsi;
     if (const int failed = PrepareSms(session, imsi))
         return failed;
+    const std::optional<std::string> dial = DialNumber(typed, RegionOfImsi(imsi));
+    if (!dial)
+        return EXIT_USAGE;
+    const std::string& number = *dial;
     if (report) {
         const QVariantMap response = session.request(MESSAGE_SMS_SET_STATUS_REPORT, QStringLiteral("TRUE"));
         if (const int failed = session.check(response, "asking for a delivery report"))
@@ -243,8 +249,9 @@ int Watch(const CliContext& context, ModemSession& session) {
     if (const int failed = ReadList(session, items))
         return failed;
     QObject receiver;
+    const std::string region = RegionOfImsi(imsi);
     NotificationCenter::defaultCenter().addObserver(
-        MESSAGE_RPT_RECEIVE_SMS, &receiver, [&context](const Notification& notification) {
+        MESSAGE_RPT_RECEIVE_SMS, &receiver, [&context, &region](const Notification& notification) {
             const QVariant value = WorkNotification::GetValueObject(notification.userInfo);
             if (value.metaType() != QMetaType::fromType<BLSmsListItem>())
                 return;
@@ -256,12 +263,12 @@ int Watch(const CliContext& context, ModemSession& session) {
                 std::cout << VariantToJson(value).dump(-1, ' ', false, json::error_handler_t::replace)
                           << '\n';
             } else if (item.nType == 2) {
-                std::cout << "Delivery report from " << item.strAddress.toStdString() << ": status "
-                          << item.nStatusReportStatus << " (message " << item.nRef << ")\n";
+                std::cout << "Delivery report from " << NumberForReading(item.strAddress, region)
+                          << ": status " << item.nStatusReportStatus << " (message " << item.nRef << ")\n";
             } else {
-                std::cout << "Message " << item.nRef << " from " << item.strAddress.toStdString() << " at "
-                          << TimeText(item.dateTime) << ": " << item.strContent.toUtf8().toStdString()
-                          << '\n';
+                std::cout << "Message " << item.nRef << " from " << NumberForReading(item.strAddress, region)
+                          << " at " << TimeText(item.dateTime) << ": "
+                          << item.strContent.toUtf8().toStdString() << '\n';
             }
             std::cout.flush();
         });
@@ -316,12 +323,15 @@ int State(const CliContext& context, ModemSession& session) {
     return EXIT_OK;
 }
 
-int ServiceCentre(const CliContext& context, ModemSession& session, const std::string& number) {
+int ServiceCentre(const CliContext& context, ModemSession& session, const std::string& typed) {
     QString imsi;
     if (const int failed = PrepareSms(session, imsi))
         return failed;
-    if (!number.empty()) {
-        const QVariantMap response = session.request(MESSAGE_SMS_SET_SC, Q(number));
+    if (!typed.empty()) {
+        const std::optional<std::string> number = DialNumber(typed, RegionOfImsi(imsi));
+        if (!number)
+            return EXIT_USAGE;
+        const QVariantMap response = session.request(MESSAGE_SMS_SET_SC, Q(*number));
         if (const int failed = session.check(response, "setting the service centre"))
             return failed;
     }
@@ -377,7 +387,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
         ->callback([&context, run] { run([&](ModemSession& s) { return List(context, s); }); });
 
     CLI::App* send = sms->add_subcommand("send", "Send a text; a long one goes in several parts");
-    send->add_option("NUMBER", arguments->number, "The recipient")->required();
+    send->add_option("NUMBER", arguments->number, "The recipient")->required()->check(NumberRefusal);
     send->add_option("TEXT", arguments->text, "The text")->required();
     send->add_flag("--report", arguments->report, "Ask the network for a delivery report");
     send->callback([&context, arguments, run] {
@@ -416,7 +426,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
         ->callback([&context, run] { run([&](ModemSession& s) { return State(context, s); }); });
 
     CLI::App* sc = sms->add_subcommand("sc", "Show or set the service centre number");
-    sc->add_option("NUMBER", arguments->number, "The new service centre number");
+    sc->add_option("NUMBER", arguments->number, "The new service centre number")->check(NumberRefusal);
     sc->callback([&context, arguments, run] {
         run([&](ModemSession& s) { return ServiceCentre(context, s, arguments->number); });
     });

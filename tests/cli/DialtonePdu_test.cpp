@@ -1,3 +1,4 @@
+#include <cstring>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -76,6 +77,28 @@ TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
     EXPECT_NE(json.out.find("\"strPdu\": \"00"), std::string::npos) << json.out;
 }
 
+// Numbers as people type them: the destination field of the PDU (after first octet and reference).
+TEST(DialtonePdu, TypedNumbersBecomeTheRightDestination) {
+    struct Row {
+        const char* typed;
+        const char* address; // length, type of address, semi-octets
+    };
+    // clang-format off
+    const Row rows[] = {
+        {"+49 170 123 4567",   "0C91947110325476"},
+        {"+49 (170) 123-4567", "0C91947110325476"},
+        {"0049.170.123.4567",  "0C91947110325476"},
+        {"0170 1234567",       "0B811007214365F7"},
+        {"22255",              "05812252F5"},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        const Outcome run = RunDialtone({"pdu", "encode", row.typed, "Hi"}, "");
+        ASSERT_EQ(run.status, 0) << row.typed << ": " << run.err;
+        EXPECT_EQ(run.out.substr(6, std::strlen(row.address)), row.address) << row.typed << ": " << run.out;
+    }
+}
+
 TEST(DialtonePdu, FailuresAndUsageErrors) {
     struct Row {
         std::vector<std::string> arguments;
@@ -86,9 +109,13 @@ TEST(DialtonePdu, FailuresAndUsageErrors) {
     const Row rows[] = {
         {{"pdu", "decode", "07912143658709F1XX"}, 1, "", "the PDU could not be decoded (result 1)"},
         {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"ERROR_CODE\": 1\n}\n", "could not be decoded"},
-        {{"pdu", "encode", "*100#", "hi"}, 1, "", "could not be encoded"},
+        {{"pdu", "encode", "*100#", "hi"}, 2, "", "'*100#' is a service code, not a phone number: use dialtone ussd '*100#'"},
+        {{"pdu", "encode", "abc", "hi"}, 2, "", "letters are not allowed in a phone number"},
+        {{"pdu", "encode", "0170 \xF0\x9F\x98\x80", "hi"}, 2, "", "is not a phone number"},
+        {{"pdu", "encode", "", "hi"}, 2, "", "the phone number is empty"},
+        {{"pdu", "encode", "+999 1234", "hi"}, 2, "", "country code that does not exist"},
+        {{"pdu", "encode", "1234567890123456789012345", "hi"}, 2, "", "has 25 digits"},
         {{"pdu", "encode", "123", "hi", "--validity", "3x"}, 2, "", "--validity"},
-        {{"pdu", "encode", "123456789012345678901234", "hi"}, 2, "", "at most 23 characters"},
         {{"pdu", "decode"}, 2, "", "HEX"},
         {{"pdu"}, 2, "", "subcommand"},
         {{"pdu", "decode", "00", "--tpdu-len", "x"}, 2, "", "--tpdu-len"},

@@ -166,6 +166,37 @@ TEST(DialtoneSms, EmptyStorageListsNothing) {
     EXPECT_EQ(Parse(document.out), json::array());
 }
 
+// Typed numbers are sent in the SIM's country's E.164 form; what is not a number sends nothing.
+TEST(DialtoneSms, TypedNumbersReachTheRightRecipient) {
+    SimulatedModem modem(Scenario(json::array()));
+    ASSERT_TRUE(modem.ready());
+    struct Row {
+        const char* typed;
+        int status;
+        const char* to; // nullptr: nothing sent
+    };
+    // clang-format off
+    const Row rows[] = {
+        {"+49 170 123 4567", 0, "+491701234567"},
+        {"(0170) 123-4567",  0, "+491701234567"},
+        {"abc",              2, nullptr},
+        {"",                 2, nullptr},
+    };
+    // clang-format on
+    std::size_t sent = 0;
+    for (const Row& row : rows) {
+        const Outcome run = modem.run({"sms", "send", row.typed, "Hello"});
+        EXPECT_EQ(run.status, row.status) << row.typed << ": " << run.err;
+        const json parts = modem.command("dump")["sms"]["sent"];
+        ASSERT_EQ(parts.size(), sent + (row.to ? 1 : 0)) << row.typed;
+        if (row.to) {
+            EXPECT_EQ(parts[sent++]["to"], row.to);
+        }
+    }
+    const Outcome box = modem.run({"sms", "sent"});
+    EXPECT_NE(box.out.find("0170 1234567"), std::string::npos) << box.out;
+}
+
 TEST(DialtoneSms, DraftIsAddedMovedToTheArchiveAndDeleted) {
     SimulatedModem modem(Scenario(json::array()));
     ASSERT_TRUE(modem.ready());

@@ -1,0 +1,46 @@
+#include "NumberArguments.h"
+
+#include "BLRecords.h"
+#include "CliSupport.h"
+#include "HomeRegion.h"
+#include "ModemSession.h"
+#include "PhoneNumbers.h"
+#include "WorkNotification.h"
+
+namespace {
+
+std::string Reason(const PhoneNumbers::DialString& parsed, const std::string& typed) {
+    if (parsed.refusal == PhoneNumbers::Refusal::ServiceCode)
+        return parsed.reason + ": use dialtone ussd '" + typed + "'";
+    return parsed.reason;
+}
+
+} // namespace
+
+std::string NumberRefusal(const std::string& typed) {
+    const PhoneNumbers::DialString parsed = PhoneNumbers::Parse(typed, {});
+    return parsed.ok() ? std::string() : Reason(parsed, typed);
+}
+
+std::string SessionRegion(ModemSession& session) {
+    // The diagnosis request always succeeds; what the modem could not tell stays empty.
+    const QVariantMap response = session.request(MESSAGE_SYSTEM_GET_DIAG_INFO);
+    const auto diag = WorkNotification::GetValueObject(response).value<BLDiagInfo>();
+    return HomeRegion::fromImsiOrNetwork(diag.strImsi, diag.strOperator).toStdString();
+}
+
+std::string RegionOfImsi(const QString& imsi) {
+    return HomeRegion::regionForMcc(imsi).toStdString();
+}
+
+std::optional<std::string> DialNumber(const std::string& typed, const std::string& region) {
+    const PhoneNumbers::DialString parsed = PhoneNumbers::Parse(typed, region);
+    if (parsed.ok())
+        return parsed.number;
+    ReportUsage(Reason(parsed, typed));
+    return std::nullopt;
+}
+
+std::string NumberForReading(const QString& number, const std::string& region) {
+    return PhoneNumbers::ForReading(number.toStdString(), region);
+}
