@@ -3,6 +3,7 @@
 #include "AppConfig.h"
 #include "BLRecords.h"
 #include "GUIThreadAgent.h"
+#include "HomeRegion.h"
 #include "PinRecords.h"
 #include "WorkNotification.h"
 
@@ -208,6 +209,10 @@ void ModemLink::checkSim() {
             break;
         }
     });
+}
+
+QString ModemLink::homeRegion() const {
+    return HomeRegion::fromImsiOrNetwork(_equipment.strImsi, _hasNetwork ? _network.strOperator : QString());
 }
 
 void ModemLink::learnModem() {

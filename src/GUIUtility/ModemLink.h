@@ -71,6 +71,8 @@ public:
     // The latest registration, signal and bearer (polled while Ready).
     const BLNetworkInfo& network() const { return _network; }
     bool hasNetwork() const { return _hasNetwork; }
+    // The country phone numbers are read in: the SIM's, else the registered network's; empty when unknown.
+    QString homeRegion() const;
 
     // Asks for the network information now (after a network change).
     void refreshNetwork();

@@ -11,6 +11,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "RecordList.h"
+
 // JSON for what travels between the tool and the worker: plain values, lists, dictionaries and the
 // request and result records. A record becomes an object whose keys are its field names, with "class"
 // naming the record; a null text or an invalid date becomes null; dates are ISO 8601 texts.
@@ -26,16 +28,3 @@ bool JsonToVariant(const nlohmann::json& document, QVariant& value, std::string&
 
 // The names of the records JsonToVariant knows, in no particular order.
 std::vector<std::string> RecordClassNames();
-
-// The records of a result list, whether it came as a QList of the record or as a QVariantList of them;
-// elements of another type are left out.
-template <typename Record> QList<Record> RecordList(const QVariant& value) {
-    if (value.metaType() == QMetaType::fromType<QList<Record>>())
-        return value.value<QList<Record>>();
-    QList<Record> records;
-    for (const QVariant& item : value.toList()) {
-        if (item.metaType() == QMetaType::fromType<Record>())
-            records.append(item.value<Record>());
-    }
-    return records;
-}

@@ -113,7 +113,8 @@ TEST(ContactsGui, AddEditDeleteReachTheSim) {
     EXPECT_FALSE(c.listShows("Zoe Test"));
 }
 
-// What the user types is cut to the SIM's limits; Save waits for a storable entry.
+// Names are cut to the SIM's limit; numbers are read as people type them, and what cannot be stored is
+// said under the field while Save waits.
 TEST(ContactsGui, EditDialogHoldsTheSimLimits) {
     ContactsTab c;
     ASSERT_TRUE(c.open());
@@ -122,21 +123,27 @@ TEST(ContactsGui, EditDialogHoldsTheSimLimits) {
     auto* name = dialog->findChild<QLineEdit*>("name");
     auto* number = dialog->findChild<QLineEdit*>("number");
     auto* save = dialog->findChild<QPushButton*>("save");
+    auto* error = dialog->findChild<QLabel*>("numberError");
+    ASSERT_TRUE(error);
     struct Row {
         const char* name;
         const char* number;
         const char* storedName;
-        const char* storedNumber;
-        bool saveEnabled;
-    } rows[] = {
-        {"A name far longer than the SIM", "+49301", "A name far lon", "+49301", true},
-        {"Shop", "0301 55-77 ab", "Shop", "03015577", true}, // separators and letters are refused
-        {"Shop", "*100#", "Shop", "*100#", true},
-        {"Shop", "49+30", "Shop", "4930", true}, // a plus only leads
-        {"Shop", "+", "Shop", "+", false},
-        {"", "5500", "", "5500", false},
-        {"Mailbox", "123456789012345678901234", "Mailbox", "12345678901234567890", true},
+        const char* stored; // what Save stores; empty when refused
+        const char* reason; // shown under the number; empty for none
     };
+    // clang-format off
+    const Row rows[] = {
+        {"A name far longer than the SIM", "+49 170 1234567", "A name far lon", "+491701234567", ""},
+        {"Shop",    "(0170) 123-4567",           "Shop",    "+491701234567", ""},
+        {"Shop",    "*100#",                     "Shop",    "*100#",         ""},
+        {"Shop",    "0301 55-77 ab",             "Shop",    "",              "letters are not allowed"},
+        {"Shop",    "49+30",                     "Shop",    "",              "is not a phone number"},
+        {"Shop",    "+",                         "Shop",    "",              "empty"},
+        {"",        "0170 1234567",              "",        "+491701234567", ""},
+        {"Mailbox", "1234567890123456789012345", "Mailbox", "",              "has 25 digits"},
+    };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.number);
         name->clear();
@@ -144,7 +151,9 @@ TEST(ContactsGui, EditDialogHoldsTheSimLimits) {
         QTest::keyClicks(name, row.name);
         QTest::keyClicks(number, row.number);
         EXPECT_EQ(name->text(), row.storedName);
-        EXPECT_EQ(number->text(), row.storedNumber);
-        EXPECT_EQ(save->isEnabled(), row.saveEnabled);
+        EXPECT_EQ(dialog->number(), row.stored);
+        EXPECT_EQ(error->isHidden(), *row.reason == '\0');
+        EXPECT_TRUE(error->text().contains(row.reason)) << error->text().toStdString();
+        EXPECT_EQ(save->isEnabled(), *row.name != '\0' && *row.stored != '\0');
     }
 }

@@ -6,20 +6,24 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QRegularExpressionValidator>
 #include <QVBoxLayout>
+
+#include "CNSLabels.h"
+#include "PhoneNumbers.h"
 
 namespace {
 
-const QRegularExpression& DialablePattern() {
-    static const QRegularExpression pattern(QStringLiteral("^\\+?[0-9*#]*$"));
-    return pattern;
+// Service codes a phonebook keeps as they are ("*100#" for the balance).
+bool isServiceCode(const QString& number) {
+    static const QRegularExpression pattern(QStringLiteral("^\\+?[0-9*#]*[*#][0-9*#]*$"));
+    return pattern.match(number).hasMatch();
 }
 
 } // namespace
 
-ContactDialog::ContactDialog(const QString& storeName, int maxName, int maxNumber, QWidget* parent)
-    : QDialog(parent) {
+ContactDialog::ContactDialog(const QString& storeName, int maxName, int maxNumber, const QString& region,
+                             QWidget* parent)
+    : QDialog(parent), _maxNumber(maxNumber), _region(region) {
     setObjectName(QStringLiteral("contactDialog"));
     setWindowTitle(tr("Contact in the %1 phonebook").arg(storeName));
     setMinimumWidth(360);
@@ -28,12 +32,9 @@ ContactDialog::ContactDialog(const QString& storeName, int maxName, int maxNumbe
     _name->setObjectName(QStringLiteral("name"));
     _number = new QLineEdit(this);
     _number->setObjectName(QStringLiteral("number"));
-    _number->setValidator(new QRegularExpressionValidator(DialablePattern(), _number));
     _number->setPlaceholderText(tr("+491701234567"));
     if (maxName > 0)
         _name->setMaxLength(maxName);
-    if (maxNumber > 0)
-        _number->setMaxLength(maxNumber);
 
     _hint = new QLabel(this);
     _hint->setTextFormat(Qt::PlainText);
@@ -43,9 +44,11 @@ ContactDialog::ContactDialog(const QString& storeName, int maxName, int maxNumbe
         limits << tr("names up to %n character(s)", nullptr, maxName);
     if (maxNumber > 0)
         limits << tr("numbers up to %n character(s)", nullptr, maxNumber);
-    _hint->setText(limits.isEmpty() ? tr("A number may hold +, digits, * and #.")
-                                    : tr("This phonebook keeps %1. A number may hold +, digits, * and #.")
-                                          .arg(limits.join(tr(" and "))));
+    _hint->setText(limits.isEmpty() ? QString()
+                                    : tr("This phonebook keeps %1.").arg(limits.join(tr(" and "))));
+    _hint->setVisible(!limits.isEmpty());
+    _numberError = CNSPlainLabel(QStringLiteral("numberError"), this);
+    _numberError->hide();
 
     _buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel, this);
     _buttons->button(QDialogButtonBox::Save)->setObjectName(QStringLiteral("save"));
@@ -56,6 +59,7 @@ ContactDialog::ContactDialog(const QString& storeName, int maxName, int maxNumbe
     auto* form = new QFormLayout;
     form->addRow(tr("&Name:"), _name);
     form->addRow(tr("N&umber:"), _number);
+    form->addRow(QString(), _numberError);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(_hint);
@@ -67,8 +71,8 @@ ContactDialog::ContactDialog(const QString& storeName, int maxName, int maxNumbe
 }
 
 void ContactDialog::setContact(const QString& name, const QString& number) {
-    // An entry written by another device may not fit: the name is cut to the field, and a number with
-    // other characters is shown as it is and keeps Save disabled until it is corrected.
+    // An entry written by another device may not fit: the name is cut to the field, and a number that
+    // cannot be stored is shown as it is and keeps Save disabled until it is corrected.
     _name->setText(name);
     _number->setText(number);
     updateSave();
@@ -79,15 +83,37 @@ QString ContactDialog::name() const {
 }
 
 QString ContactDialog::number() const {
-    return _number->text().trimmed();
+    QString error;
+    return readNumber(error);
 }
 
-bool ContactDialog::isDialable(const QString& number) {
-    return DialablePattern().match(number).hasMatch();
+QString ContactDialog::readNumber(QString& error) const {
+    const QString typed = _number->text().trimmed();
+    QString stored = typed;
+    if (!isServiceCode(typed)) {
+        const PhoneNumbers::DialString parsed =
+            PhoneNumbers::Parse(typed.toStdString(), _region.toStdString());
+        if (!parsed.ok()) {
+            error = QString::fromStdString(parsed.reason);
+            return {};
+        }
+        stored = QString::fromStdString(parsed.number);
+    }
+    if (_maxNumber > 0 && stored.size() > _maxNumber) {
+        error = tr("%1 has %2 characters; this phonebook keeps numbers up to %3.")
+                    .arg(stored)
+                    .arg(stored.size())
+                    .arg(_maxNumber);
+        return {};
+    }
+    return stored;
 }
 
 void ContactDialog::updateSave() {
-    const bool ok =
-        !name().isEmpty() && !number().isEmpty() && isDialable(number()) && number() != QStringLiteral("+");
-    _buttons->button(QDialogButtonBox::Save)->setEnabled(ok);
+    QString error;
+    const QString stored = readNumber(error);
+    // Nothing typed yet is not an error.
+    _numberError->setText(error);
+    _numberError->setVisible(!error.isEmpty() && !_number->text().trimmed().isEmpty());
+    _buttons->button(QDialogButtonBox::Save)->setEnabled(!name().isEmpty() && !stored.isEmpty());
 }

@@ -16,6 +16,8 @@
 #include "CNSLabels.h"
 #include "ContactDialog.h"
 #include "Messages/MessagesPlugin.h"
+#include "PhoneNumbers.h"
+#include "RecordList.h"
 #include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
@@ -23,18 +25,6 @@
 namespace {
 
 constexpr int kIndexRole = Qt::UserRole + 1;
-
-// The result list comes as a QList of the record or as a QVariantList of them.
-QList<BLPbItem> Contacts(const QVariant& value) {
-    if (value.metaType() == QMetaType::fromType<QList<BLPbItem>>())
-        return value.value<QList<BLPbItem>>();
-    QList<BLPbItem> items;
-    for (const QVariant& item : value.toList()) {
-        if (item.metaType() == QMetaType::fromType<BLPbItem>())
-            items.append(item.value<BLPbItem>());
-    }
-    return items;
-}
 
 } // namespace
 
@@ -192,7 +182,7 @@ void ContactsPlugin::reload(std::function<void()> then) {
                 fail(tr("Reading the phonebooks"), code);
                 return;
             }
-            _items = Contacts(WorkNotification::GetValueObject(list));
+            _items = RecordList<BLPbItem>(WorkNotification::GetValueObject(list));
             fillList();
             link().request(
                 MESSAGE_PB_GET_STORAGE_INFO, {},
@@ -253,7 +243,8 @@ void ContactsPlugin::fillList() {
             continue;
         auto* name = new QStandardItem(item.strName);
         name->setData(item.nIndex, kIndexRole);
-        auto* number = new QStandardItem(item.strNumber);
+        auto* number = new QStandardItem(QString::fromStdString(
+            PhoneNumbers::ForReading(item.strNumber.toStdString(), link().homeRegion().toStdString())));
         number->setData(item.nIndex, kIndexRole);
         _model->appendRow({name, number});
         ++shown;
@@ -322,9 +313,9 @@ void ContactsPlugin::addContact() {
         _error->show();
         return;
     }
-    auto* dialog =
-        new ContactDialog(_store->currentText(), sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen,
-                          sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen, this);
+    auto* dialog = new ContactDialog(
+        _store->currentText(), sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen,
+        sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen, link().homeRegion(), this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QDialog::accepted, this, [this, dialog, storeCode] {
         store(BLPbItem{storeCode, dialog->name(), dialog->number(), 0}, true);
@@ -338,9 +329,9 @@ void ContactsPlugin::editContact() {
         return;
     const BLPbItem item = *chosen;
     const bool sim = item.nStore == kSimStore;
-    auto* dialog =
-        new ContactDialog(_store->currentText(), sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen,
-                          sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen, this);
+    auto* dialog = new ContactDialog(
+        _store->currentText(), sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen,
+        sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen, link().homeRegion(), this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setContact(item.strName, item.strNumber);
     connect(dialog, &QDialog::accepted, this, [this, dialog, item] {

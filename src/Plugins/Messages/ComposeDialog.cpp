@@ -7,26 +7,16 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QVBoxLayout>
 
 #include "BLRecords.h"
 #include "CNSLabels.h"
 #include "MessageText.h"
 #include "ModemLink.h"
+#include "PhoneNumbers.h"
 #include "SMS/SmsSegmentCounter.h"
 #include "StatusText.h"
 #include "WorkNotification.h"
-
-namespace {
-
-// What a number may hold: a leading "+", digits, and the separators people type.
-bool looksLikeNumber(const QString& number) {
-    static const QRegularExpression pattern(QStringLiteral("^\\+?[0-9 ()/*#-]{1,30}$"));
-    return pattern.match(number).hasMatch();
-}
-
-} // namespace
 
 ComposeDialog::ComposeDialog(ModemLink& link, QWidget* parent) : QDialog(parent), _link(link) {
     setObjectName(QStringLiteral("compose"));
@@ -36,6 +26,9 @@ ComposeDialog::ComposeDialog(ModemLink& link, QWidget* parent) : QDialog(parent)
     _recipients = new QLineEdit(this);
     _recipients->setObjectName(QStringLiteral("recipients"));
     _recipients->setPlaceholderText(tr("Numbers, separated by ;"));
+    _numberError = CNSPlainLabel(QStringLiteral("numberError"), this);
+    _numberError->hide();
+    connect(_recipients, &QLineEdit::textEdited, _numberError, &QLabel::hide);
     _text = new QPlainTextEdit(this);
     _text->setObjectName(QStringLiteral("text"));
     _text->setTabChangesFocus(true);
@@ -60,6 +53,7 @@ ComposeDialog::ComposeDialog(ModemLink& link, QWidget* parent) : QDialog(parent)
 
     auto* form = new QFormLayout;
     form->addRow(tr("To:"), _recipients);
+    form->addRow(QString(), _numberError);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(_text, 1);
@@ -117,18 +111,31 @@ void ComposeDialog::setBusy(bool busy) {
     _text->setReadOnly(busy);
 }
 
+std::optional<QStringList> ComposeDialog::dialNumbers() {
+    const std::string region = _link.homeRegion().toStdString();
+    QStringList numbers;
+    for (const QString& typed : recipients()) {
+        const PhoneNumbers::DialString parsed = PhoneNumbers::Parse(typed.toStdString(), region);
+        if (!parsed.ok()) {
+            _numberError->setText(QString::fromStdString(parsed.reason));
+            _numberError->show();
+            return std::nullopt;
+        }
+        numbers << QString::fromStdString(parsed.number);
+    }
+    _numberError->hide();
+    return numbers;
+}
+
 void ComposeDialog::send() {
-    const QStringList numbers = recipients();
-    if (numbers.isEmpty()) {
+    if (recipients().isEmpty()) {
         showError(tr("Enter at least one recipient."));
         return;
     }
-    for (const QString& number : numbers) {
-        if (!looksLikeNumber(number)) {
-            showError(
-                tr("\"%1\" is not a phone number. Use digits, with + for the country code.").arg(number));
-            return;
-        }
+    const std::optional<QStringList> numbers = dialNumbers();
+    if (!numbers) {
+        showError({});
+        return;
     }
     if (_link.state() != ModemLink::State::Ready) {
         showError(tr("The modem is not ready. Save the message as a draft and send it later."));
@@ -136,7 +143,7 @@ void ComposeDialog::send() {
     }
     showError({});
     setBusy(true);
-    sendNext(numbers);
+    sendNext(*numbers);
 }
 
 void ComposeDialog::sendNext(QStringList remaining) {

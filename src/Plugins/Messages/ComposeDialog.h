@@ -47,10 +47,14 @@ private:
     void sendNext(QStringList remaining);
     void setBusy(bool busy);
     void showError(const QString& text);
+    // The recipients as they are sent, or none when one of them is not a phone number (said under the
+    // field).
+    std::optional<QStringList> dialNumbers();
 
     ModemLink& _link;
     QLineEdit* _recipients;
     QPlainTextEdit* _text;
+    QLabel* _numberError;
     QLabel* _counter;
     QLabel* _status;
     QProgressBar* _progress;

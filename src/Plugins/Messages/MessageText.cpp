@@ -11,15 +11,6 @@ QString tr(const char* text) {
     return QCoreApplication::translate("MessageText", text);
 }
 
-QString digits(const QString& number) {
-    QString out;
-    for (const QChar c : number) {
-        if (c.isDigit())
-            out.append(c);
-    }
-    return out;
-}
-
 } // namespace
 
 QStringList splitRecipients(const QString& line) {
@@ -38,17 +29,6 @@ QString firstLine(const QString& text, int maxLength) {
     if (maxLength > 1 && line.size() > maxLength)
         line = line.left(maxLength - 1) + QChar(0x2026);
     return line;
-}
-
-bool sameNumber(const QString& a, const QString& b) {
-    const QString left = digits(a);
-    const QString right = digits(b);
-    if (left.isEmpty() || right.isEmpty())
-        return a.trimmed() == b.trimmed() && !a.trimmed().isEmpty();
-    if (left == right)
-        return true;
-    constexpr int kTail = 9;
-    return left.size() >= kTail && right.size() >= kTail && left.right(kTail) == right.right(kTail);
 }
 
 QString deliveryText(int status) {

@@ -12,10 +12,6 @@ QStringList splitRecipients(const QString& line);
 // The first line of a message for the list, at most maxLength characters ("…" when cut).
 QString firstLine(const QString& text, int maxLength = 80);
 
-// Whether two phone numbers name the same line: the digits are compared, and when one of them is written
-// with a country code and the other nationally, the last 9 digits decide.
-bool sameNumber(const QString& a, const QString& b);
-
 // A delivery report's status (TP-ST) in words: 0-31 delivered, 32-63 still trying, from 64 failed.
 QString deliveryText(int status);
 

@@ -22,6 +22,8 @@
 #include "ComposeDialog.h"
 #include "DesktopNotifier.h"
 #include "MessageText.h"
+#include "PhoneNumbers.h"
+#include "RecordList.h"
 #include "SMS/SMSExt.h"
 #include "SMS/SMSStorage.h"
 #include "StatusText.h"
@@ -247,6 +249,7 @@ SMSStorage& MessagesPlugin::store() const {
 void MessagesPlugin::modemReady() {
     _store.reset(); // the SIM may be another one
     loadModemMessages();
+    loadContacts();
     refreshFolders();
     refreshList();
 }
@@ -254,11 +257,45 @@ void MessagesPlugin::modemReady() {
 void MessagesPlugin::modemGone() {
     ++_generation;
     _modemItems.clear();
+    _contacts.clear();
     _readHere.clear();
     _modemLoaded = false;
     setBusy(false);
     refreshFolders();
     refreshList();
+}
+
+void MessagesPlugin::loadContacts() {
+    const int generation = _generation;
+    link().request(
+        MESSAGE_PB_INIT_LIST, {},
+        [this, generation](const QVariantMap& response) {
+            if (generation != _generation || WorkNotification::GetErrorCode(response) != WORKER_OK)
+                return;
+            _contacts = RecordList<BLPbItem>(WorkNotification::GetValueObject(response));
+            refreshList();
+        },
+        this);
+}
+
+bool MessagesPlugin::sameNumber(const QString& a, const QString& b) const {
+    return PhoneNumbers::SameNumber(a.toStdString(), b.toStdString(), link().homeRegion().toStdString());
+}
+
+QString MessagesPlugin::who(const QString& number) const {
+    for (const BLPbItem& contact : _contacts) {
+        if (!contact.strName.isEmpty() && sameNumber(contact.strNumber, number))
+            return contact.strName;
+    }
+    return QString::fromStdString(
+        PhoneNumbers::ForReading(number.toStdString(), link().homeRegion().toStdString()));
+}
+
+QString MessagesPlugin::who(const QStringList& numbers) const {
+    QStringList names;
+    for (const QString& number : numbers)
+        names << who(number);
+    return names.join(QStringLiteral("; "));
 }
 
 void MessagesPlugin::setBusy(bool busy) {
@@ -370,7 +407,7 @@ void MessagesPlugin::onReport(const QString& name, const QVariantMap& data) {
     refreshList();
     if (item.nCompleted) {
         const QString words = MessageText::firstLine(item.strContent, 40);
-        context().notifier.notify(tr("New message"), item.strAddress + QStringLiteral(": ") + words);
+        context().notifier.notify(tr("New message"), who(item.strAddress) + QStringLiteral(": ") + words);
     }
 }
 
@@ -379,8 +416,7 @@ void MessagesPlugin::applyDeliveryReport(const BLSmsListItem& report) {
     QList<MessageItem> sent = store().getSendBoxList();
     for (auto it = sent.rbegin(); it != sent.rend(); ++it) {
         QVariantMap& dictionary = it->getMessageDictionary();
-        if (dictionary.contains(kDeliveryStatusKey) ||
-            !MessageText::sameNumber(it->getFristNumber(), report.strAddress))
+        if (dictionary.contains(kDeliveryStatusKey) || !sameNumber(it->getFristNumber(), report.strAddress))
             continue;
         dictionary.insert(kDeliveryStatusKey, report.nStatusReportStatus);
         dictionary.insert(kDeliveryTimeKey,
@@ -388,7 +424,7 @@ void MessagesPlugin::applyDeliveryReport(const BLSmsListItem& report) {
         if (store().saveMessageData() != SMSStorage::kOK)
             showError(tr("The delivery report could not be saved with the sent message."));
         context().notifier.notify(tr("Delivery report"),
-                                  report.strAddress + QStringLiteral(": ") +
+                                  who(report.strAddress) + QStringLiteral(": ") +
                                       MessageText::deliveryText(report.nStatusReportStatus));
         refreshList();
         return;
@@ -474,7 +510,7 @@ void MessagesPlugin::refreshList() {
         QString text;
         bool bold = false;
         if (const auto* item = std::get_if<BLSmsListItem>(&_listed[row])) {
-            who = item->strAddress;
+            who = this->who(item->strAddress);
             time = item->dateTime;
             text = item->strContent;
             bold = isUnread(*item);
@@ -486,7 +522,7 @@ void MessagesPlugin::refreshList() {
                 status = tr("Incomplete (parts missing)");
         } else {
             const MessageItem& local = std::get<MessageItem>(_listed[row]);
-            who = local.getNumbers().join(QStringLiteral("; "));
+            who = this->who(local.getNumbers());
             time = local.getCreateTime();
             text = local.getContent();
             const QVariantMap& dictionary = local.getMessageDictionary();
@@ -552,7 +588,8 @@ void MessagesPlugin::showSelected() {
     }
     if (const auto* item = std::get_if<BLSmsListItem>(&*entry)) {
         const QString who = isOutgoing(*item) ? tr("To: %1") : tr("From: %1");
-        _readerHeader->setText(who.arg(item->strAddress) + QStringLiteral("\n") + timeText(item->dateTime));
+        _readerHeader->setText(who.arg(this->who(item->strAddress)) + QStringLiteral("\n") +
+                               timeText(item->dateTime));
         _reader->setPlainText(item->nCompleted ? item->strContent
                                                : item->strContent + QStringLiteral("\n\n") +
                                                      tr("(Some parts of this message have not arrived.)"));
@@ -570,8 +607,8 @@ void MessagesPlugin::showSelected() {
         }
     } else {
         const MessageItem& local = std::get<MessageItem>(*entry);
-        QString header = tr("To: %1").arg(local.getNumbers().join(QStringLiteral("; "))) +
-                         QStringLiteral("\n") + timeText(local.getCreateTime());
+        QString header = tr("To: %1").arg(who(local.getNumbers())) + QStringLiteral("\n") +
+                         timeText(local.getCreateTime());
         const QVariantMap& dictionary = local.getMessageDictionary();
         if (dictionary.contains(kDeliveryStatusKey)) {
             header += QStringLiteral("\n") +

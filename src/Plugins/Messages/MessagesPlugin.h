@@ -88,9 +88,15 @@ private:
     void deleteFromModem(const BLSmsListItem& item, const QString& failureText);
     void moveSelected(const QString& box);
     void openSelected();
+    void loadContacts();
+    bool sameNumber(const QString& a, const QString& b) const;
+    // The contact's name when a phonebook entry has the number, else the number as people read it.
+    QString who(const QString& number) const;
+    QString who(const QStringList& numbers) const;
 
     Folder _folder = Sim;
     QList<BLSmsListItem> _modemItems;
+    QList<BLPbItem> _contacts;                  // the SIM's and the modem's phonebooks, for names in the list
     QSet<qint64> _readHere;                     // modem messages opened in this session (storage << 32 | ref)
     mutable std::unique_ptr<SMSStorage> _store; // the SIM's boxes, opened on first use
     mutable QString _storeImsi;
