@@ -235,16 +235,19 @@ void ContactsPlugin::fillList() {
     const int selectedIndex = selected ? selected->nIndex : -1;
     _model->removeRows(0, _model->rowCount());
     int shown = 0;
+    const std::string region = link().homeRegion().toStdString();
     for (const BLPbItem& item : std::as_const(_items)) {
         if (item.nStore != store)
             continue;
+        // The number is found as stored and as shown ("+49170..." and "0170 ...").
+        const QString shownNumber =
+            QString::fromStdString(PhoneNumbers::ForReading(item.strNumber.toStdString(), region));
         if (!filter.isEmpty() && !item.strName.contains(filter, Qt::CaseInsensitive) &&
-            !item.strNumber.contains(filter))
+            !item.strNumber.contains(filter) && !shownNumber.contains(filter))
             continue;
         auto* name = new QStandardItem(item.strName);
         name->setData(item.nIndex, kIndexRole);
-        auto* number = new QStandardItem(QString::fromStdString(
-            PhoneNumbers::ForReading(item.strNumber.toStdString(), link().homeRegion().toStdString())));
+        auto* number = new QStandardItem(shownNumber);
         number->setData(item.nIndex, kIndexRole);
         _model->appendRow({name, number});
         ++shown;
