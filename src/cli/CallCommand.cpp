@@ -119,15 +119,11 @@ std::optional<BLCallItem> Outgoing(const QList<BLCallItem>& calls) {
     return std::nullopt;
 }
 
-// Service codes ("*#06#", "*21*0170123#") are dialled as typed; anything else must be a phone number.
 int Dial(CliContext& context, ModemSession& session, const std::string& typed) {
-    std::string number = typed;
-    if (!BusinessOperator::isDialNumber(QString::fromStdString(typed))) {
-        const std::optional<std::string> dial = DialNumber(typed, SessionRegion(session));
-        if (!dial)
-            return EXIT_USAGE;
-        number = *dial;
-    }
+    const std::optional<std::string> dial = DialNumberOrCode(typed, SessionRegion(session));
+    if (!dial)
+        return EXIT_USAGE;
+    const std::string& number = *dial;
     ReportProgress("calling " + number);
     const QVariantMap response =
         session.request(MESSAGE_CALL_DIAL, QString::fromStdString(number), kDialDeadlineSeconds);
@@ -184,15 +180,10 @@ void AddCallCommand(CLI::App& app, CliContext& context) {
     auto arguments = std::make_shared<CallArguments>();
 
     CLI::App* dial = call->add_subcommand("dial", "Call a number and wait for the answer");
-    dial->add_option("NUMBER", arguments->number, "The number: an optional + then digits, * and #")
-        ->required();
+    dial->add_option("NUMBER", arguments->number, "The phone number, or a service code of +, digits, * and #")
+        ->required()
+        ->check(NumberOrCodeRefusal);
     dial->callback([&context, arguments] {
-        if (!BusinessOperator::isDialNumber(QString::fromStdString(arguments->number))) {
-            if (const std::string refusal = NumberRefusal(arguments->number); !refusal.empty()) {
-                context.exitCode = ReportUsage(refusal);
-                return;
-            }
-        }
         context.exitCode =
             RunInSession(context, [&](ModemSession& s) { return Dial(context, s, arguments->number); });
     });

@@ -87,7 +87,7 @@ int Info(CliContext& context, ModemSession& session) {
 }
 
 int Add(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
-    const std::optional<std::string> number = DialNumber(arguments.number, SessionRegion(session));
+    const std::optional<std::string> number = DialNumberOrCode(arguments.number, SessionRegion(session));
     if (!number)
         return EXIT_USAGE;
     // The first free index comes from the last reading of the storage, so read both first.
@@ -110,7 +110,7 @@ int Add(CliContext& context, ModemSession& session, const ContactsArguments& arg
 }
 
 int Update(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
-    const std::optional<std::string> number = DialNumber(arguments.number, SessionRegion(session));
+    const std::optional<std::string> number = DialNumberOrCode(arguments.number, SessionRegion(session));
     if (!number)
         return EXIT_USAGE;
     const BLPbItem item{StoreCode(arguments.store), Q(arguments.name), Q(*number), arguments.index};
@@ -161,7 +161,7 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
 
     CLI::App* add = contacts->add_subcommand("add", "Add a contact at the first free index");
     add->add_option("NAME", arguments->name, "The name")->required();
-    add->add_option("NUMBER", arguments->number, "The number")->required()->check(NumberRefusal);
+    add->add_option("NUMBER", arguments->number, "The number")->required()->check(NumberOrCodeRefusal);
     add->add_option("--store", arguments->store, "The phonebook: sim (default) or modem")
         ->check(CLI::IsMember({"sim", "modem"}));
     add->callback([&context, arguments] {
@@ -172,7 +172,7 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
     CLI::App* update = contacts->add_subcommand("update", "Overwrite the contact at an index");
     AddStoreOption(update, *arguments);
     update->add_option("NAME", arguments->name, "The name")->required();
-    update->add_option("NUMBER", arguments->number, "The number")->required()->check(NumberRefusal);
+    update->add_option("NUMBER", arguments->number, "The number")->required()->check(NumberOrCodeRefusal);
     update->callback([&context, arguments] {
         context.exitCode =
             RunInSession(context, [&](ModemSession& s) { return Update(context, s, *arguments); });

@@ -1,6 +1,7 @@
 #include "NumberArguments.h"
 
 #include "BLRecords.h"
+#include "BusinessOperator.h"
 #include "CliSupport.h"
 #include "HomeRegion.h"
 #include "ModemSession.h"
@@ -15,7 +16,22 @@ std::string Reason(const PhoneNumbers::DialString& parsed, const std::string& ty
     return parsed.reason;
 }
 
+bool IsServiceCode(const std::string& typed) {
+    return typed.find_first_of("*#") != std::string::npos &&
+           BusinessOperator::isDialNumber(QString::fromStdString(typed));
+}
+
 } // namespace
+
+std::string NumberOrCodeRefusal(const std::string& typed) {
+    return IsServiceCode(typed) ? std::string() : NumberRefusal(typed);
+}
+
+std::optional<std::string> DialNumberOrCode(const std::string& typed, const std::string& region) {
+    if (IsServiceCode(typed))
+        return typed;
+    return DialNumber(typed, region);
+}
 
 std::string NumberRefusal(const std::string& typed) {
     const PhoneNumbers::DialString parsed = PhoneNumbers::Parse(typed, {});
