@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "AtParameter.h"
 #include "ModemSession.h"
 #include "PhonebookRecords.h"
 #include "RecordJson.h"
@@ -85,6 +86,8 @@ int Info(CliContext& context, ModemSession& session) {
 }
 
 int Add(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
+    if (const int refused = CheckModemText("the name", arguments.name, kContactNameMaxLength))
+        return refused;
     // The first free index comes from the last reading of the storage, so read both first.
     const QVariantMap list = session.request(MESSAGE_PB_INIT_LIST);
     if (const int failed = session.check(list, "reading the phonebooks"))
@@ -105,6 +108,8 @@ int Add(CliContext& context, ModemSession& session, const ContactsArguments& arg
 }
 
 int Update(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
+    if (const int refused = CheckModemText("the name", arguments.name, kContactNameMaxLength))
+        return refused;
     const BLPbItem item{StoreCode(arguments.store), Q(arguments.name), Q(arguments.number), arguments.index};
     const QVariantMap response = session.request(MESSAGE_PB_UPDATE_ITEM, QVariant::fromValue(item));
     if (const int failed = session.check(response, "updating the contact"))

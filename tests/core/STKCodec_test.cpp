@@ -316,6 +316,8 @@ TEST(STKCodec, AnswersAndEnvelopesHaveTheModemsFormats) {
     EXPECT_EQ(CSTKCodec::EncodeSetupCallResponse(0, "\"", command), 1);
     EXPECT_EQ(CSTKCodec::EncodeGetInkeyResponse(0, 2, L"", command), 1);
     EXPECT_EQ(CSTKCodec::EncodeGetInputResponse(0, std::wstring(kSTKMaxTextChars + 1, L'a'), command), 1);
+    EXPECT_EQ(CSTKCodec::EncodeGetInputResponse(0, L"a\";+CFUN=0;\"", command, USSD_TE_GSM), 1);
+    EXPECT_EQ(CSTKCodec::EncodeGetInputResponse(0, L"a\nb", command), 1);
     EXPECT_EQ(CSTKCodec::EncodeProvideLocalInfoResponse(0, command), 0);
     EXPECT_EQ(command, "kept");
     // Quotes and line ends inside an input never end the quoted text.

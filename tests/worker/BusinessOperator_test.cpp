@@ -696,6 +696,44 @@ TEST_F(BusinessOperatorTest, MissingArgumentIsCode3WithoutTouchingTheModem) {
     EXPECT_EQ(m_sublayer->calls, (std::vector<std::string>{"SMSEnableStatusReport 0"}));
 }
 
+// However the request came (a wrong record reads as empty codes), a malformed code costs no SIM attempt.
+TEST_F(BusinessOperatorTest, MalformedCodesAre45WithoutTouchingTheModem) {
+    QVariantMap out;
+    const std::vector<std::pair<const char*, std::function<int(BusinessOperator&)>>> calls = {
+        {"enable, list",
+         [](BusinessOperator& b) {
+             return b.PINEnable(request(QVariantList{1, 2}));
+         }},
+        {"enable, empty",
+         [](BusinessOperator& b) {
+             return b.PINEnable(request(QVariant::fromValue(BLPINEnableInfo{true, ""})));
+         }},
+        {"enable, letters",
+         [](BusinessOperator& b) {
+             return b.PINEnable(request(QVariant::fromValue(BLPINEnableInfo{true, "12ab"})));
+         }},
+        {"verify, short", [](BusinessOperator& b) { return b.PINVerify(request("12")); }},
+        {"verify, injected", [](BusinessOperator& b) { return b.PINVerify(request("1234\";+CFUN=0")); }},
+        {"puk, seven digits",
+         [](BusinessOperator& b) {
+             return b.PINVerifyPuk(request(QVariant::fromValue(BLPINVerifyPukInfo{"1234567", "1234"})));
+         }},
+        {"change, long new PIN",
+         [&](BusinessOperator& b) {
+             return b.PINChange(request(QVariant::fromValue(BLPINChangeInfo{"1234", "123456789"})), out);
+         }},
+        {"change, wrong record",
+         [&](BusinessOperator& b) {
+             return b.PINChange(request(QVariant::fromValue(BLSmsSendItem{})), out);
+         }},
+    };
+    for (const auto& [name, call] : calls) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(call(*m_business), WORKER_ERR_INVALID_ARGUMENT);
+    }
+    EXPECT_TRUE(m_fake.Calls().empty());
+}
+
 TEST_F(BusinessOperatorTest, ArgumentsAreConvertedAndCapped) {
     struct Row {
         const char* name;
@@ -875,6 +913,11 @@ TEST_F(BusinessOperatorTest, ConnectionRequestsWithoutADialUpService) {
         EXPECT_EQ(business.Dialup(request(QVariant::fromValue(dialInfo))), 1);
         m_fake.VerifyDone();
     }
+    // A profile stored with an APN the modem cannot take is neither sent nor dialled.
+    dialInfo.strAPN = "inet\";+CMGD=1,4;+CFUN=0;\"";
+    const std::size_t sent = m_fake.Calls().size();
+    EXPECT_EQ(business.Dialup(request(QVariant::fromValue(dialInfo))), WORKER_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(m_fake.Calls().size(), sent);
 
     QVariantMap response;
     EXPECT_EQ(business.GetPPPStatus(response), 1);

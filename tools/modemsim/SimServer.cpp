@@ -89,7 +89,9 @@ nlohmann::json SimServer::Plug() {
 
 namespace {
 
-// The trace never shows PINs, PUKs or passwords: the digits after a PIN command's "=" become '*'.
+// The trace never shows PINs, PUKs or passwords, whatever characters they hold: after a PIN command's
+// "=" (and the facility of AT+CLCK and AT+CPWD) everything up to the line end but quotes and commas
+// becomes '*'.
 std::string HideSecrets(std::string bytes) {
     std::string upper = bytes;
     for (char& c : upper) {
@@ -97,8 +99,13 @@ std::string HideSecrets(std::string bytes) {
     }
     for (const char* command : {"+CPIN=", "+CLCK=", "+CPWD="}) {
         for (size_t at = upper.find(command); at != std::string::npos; at = upper.find(command, at + 1)) {
-            for (size_t i = at + std::strlen(command); i < bytes.size() && bytes[i] != '\r'; ++i) {
-                if (std::isdigit(static_cast<unsigned char>(bytes[i]))) {
+            size_t i = at + std::strlen(command);
+            const size_t lineEnd = std::min(bytes.find_first_of("\r\n", i), bytes.size());
+            if (std::strcmp(command, "+CPIN=") != 0) {
+                i = std::min(bytes.find(',', i), lineEnd);
+            }
+            for (; i < lineEnd; ++i) {
+                if (bytes[i] != '"' && bytes[i] != ',') {
                     bytes[i] = '*';
                 }
             }

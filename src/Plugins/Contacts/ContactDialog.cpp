@@ -9,6 +9,10 @@
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
 
+#include "AtParameter.h"
+#include "CNSLabels.h"
+#include "ModemTextCheck.h"
+
 namespace {
 
 const QRegularExpression& DialablePattern() {
@@ -58,6 +62,8 @@ ContactDialog::ContactDialog(const QString& storeName, int maxName, int maxNumbe
     form->addRow(tr("N&umber:"), _number);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
+    _nameError = CNSErrorLabel(QStringLiteral("nameError"), this);
+    layout->addWidget(_nameError);
     layout->addWidget(_hint);
     layout->addWidget(_buttons);
 
@@ -87,7 +93,10 @@ bool ContactDialog::isDialable(const QString& number) {
 }
 
 void ContactDialog::updateSave() {
-    const bool ok =
-        !name().isEmpty() && !number().isEmpty() && isDialable(number()) && number() != QStringLiteral("+");
+    const QString nameProblem = ModemTextProblem(tr("the name"), name(), kContactNameMaxLength);
+    _nameError->setText(nameProblem);
+    _nameError->setVisible(!nameProblem.isEmpty());
+    const bool ok = nameProblem.isEmpty() && !name().isEmpty() && !number().isEmpty() &&
+                    isDialable(number()) && number() != QStringLiteral("+");
     _buttons->button(QDialogButtonBox::Save)->setEnabled(ok);
 }

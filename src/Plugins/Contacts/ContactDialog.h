@@ -8,7 +8,7 @@ class QLineEdit;
 
 // Edits one phonebook entry. The phonebook's own limits bound the fields: a name and a number no longer
 // than the storage keeps, and a number of "+", digits, "*" and "#" only. Save stays disabled until the
-// entry can be stored.
+// entry can be stored; a name the modem cannot take as it stands says why below the fields.
 class ContactDialog : public QDialog {
     Q_OBJECT
 public:
@@ -28,5 +28,6 @@ private:
     QLineEdit* _name = nullptr;
     QLineEdit* _number = nullptr;
     QLabel* _hint = nullptr;
+    QLabel* _nameError = nullptr;
     QDialogButtonBox* _buttons = nullptr;
 };
