@@ -699,38 +699,18 @@ TEST_F(BusinessOperatorTest, MissingArgumentIsCode3WithoutTouchingTheModem) {
 // However the request came (a wrong record reads as empty codes), a malformed code costs no SIM attempt.
 TEST_F(BusinessOperatorTest, MalformedCodesAre45WithoutTouchingTheModem) {
     QVariantMap out;
-    const std::vector<std::pair<const char*, std::function<int(BusinessOperator&)>>> calls = {
-        {"enable, list",
-         [](BusinessOperator& b) {
-             return b.PINEnable(request(QVariantList{1, 2}));
-         }},
-        {"enable, empty",
-         [](BusinessOperator& b) {
-             return b.PINEnable(request(QVariant::fromValue(BLPINEnableInfo{true, ""})));
-         }},
-        {"enable, letters",
-         [](BusinessOperator& b) {
-             return b.PINEnable(request(QVariant::fromValue(BLPINEnableInfo{true, "12ab"})));
-         }},
-        {"verify, short", [](BusinessOperator& b) { return b.PINVerify(request("12")); }},
-        {"verify, injected", [](BusinessOperator& b) { return b.PINVerify(request("1234\";+CFUN=0")); }},
-        {"puk, seven digits",
-         [](BusinessOperator& b) {
-             return b.PINVerifyPuk(request(QVariant::fromValue(BLPINVerifyPukInfo{"1234567", "1234"})));
-         }},
-        {"change, long new PIN",
-         [&](BusinessOperator& b) {
-             return b.PINChange(request(QVariant::fromValue(BLPINChangeInfo{"1234", "123456789"})), out);
-         }},
-        {"change, wrong record",
-         [&](BusinessOperator& b) {
-             return b.PINChange(request(QVariant::fromValue(BLSmsSendItem{})), out);
-         }},
+    const auto record = [](auto value) { return request(QVariant::fromValue(value)); };
+    // clang-format off
+    const std::vector<std::function<int(BusinessOperator&)>> calls = {
+        [](BusinessOperator& b) { return b.PINEnable(request(QVariantList{1, 2})); },
+        [&](BusinessOperator& b) { return b.PINEnable(record(BLPINEnableInfo{true, "12ab"})); },
+        [](BusinessOperator& b) { return b.PINVerify(request("1234\";+CFUN=0")); },
+        [&](BusinessOperator& b) { return b.PINVerifyPuk(record(BLPINVerifyPukInfo{"1234567", "1234"})); },
+        [&](BusinessOperator& b) { return b.PINChange(record(BLSmsSendItem{}), out); },
     };
-    for (const auto& [name, call] : calls) {
-        SCOPED_TRACE(name);
+    // clang-format on
+    for (const auto& call : calls)
         EXPECT_EQ(call(*m_business), WORKER_ERR_INVALID_ARGUMENT);
-    }
     EXPECT_TRUE(m_fake.Calls().empty());
 }
 
