@@ -40,10 +40,6 @@ TEST(AtParameter, RefusesWhatEndsTheParameterOrTheCommand) {
         EXPECT_EQ(AppendQuotedAtParameter(command, row.value, row.max), row.fault == AtParameterFault::None);
         EXPECT_EQ(command, row.fault == AtParameterFault::None ? "AT+X=\"" + row.value + "\"" : "AT+X=");
     }
-    EXPECT_EQ(AtParameterProblem("the APN", "a;b", 100),
-              "the APN holds a semicolon (;), which cannot be sent to the modem");
-    EXPECT_EQ(CheckAtParameter(std::wstring(L"Paris \u00E9"), 10), AtParameterFault::None);
-    EXPECT_EQ(CheckAtParameter(std::wstring(L"a\u0085b"), 10), AtParameterFault::Control);
 }
 
 // Every family that puts outside text into a command refuses it and sends nothing: the fake has no
