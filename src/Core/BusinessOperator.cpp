@@ -1,11 +1,13 @@
 #include "BusinessOperator.h"
 
+#include "AtParameter.h"
 #include "AtSublayerInterface.h"
 #include "BLRecords.h"
 #include "CNSLog.h"
 #include "ComOperation.h"
 #include "ConvertUtilty.h"
 #include "NetworkOperator.h"
+#include "PinCodeFormat.h"
 #include "SAT/STKCodec.h"
 #include "WorkNotification.h"
 
@@ -67,6 +69,14 @@ quint64 widened(uint32_t counter) {
 }
 
 constexpr int kParameterNull = WORKER_ERR_PARAMETER_NULL;
+
+// Codes of another form never reach the SIM, whatever record or value the request came with: a wrong
+// record reads as empty codes, and each try would cost an attempt.
+bool codesWellFormed(std::initializer_list<std::pair<const QString&, PinCodeKind>> codes) {
+    return std::all_of(codes.begin(), codes.end(), [](const auto& code) {
+        return IsPinCodeWellFormed(code.first.toStdString(), code.second);
+    });
+}
 
 } // namespace
 
@@ -237,6 +247,9 @@ int BusinessOperator::PINEnable(const QVariantMap& request) {
         PARAMETER_NULL();
     }
     const auto info = value.value<BLPINEnableInfo>();
+    if (!codesWellFormed({{info.strPinCode, PinCodeKind::Pin}})) {
+        return WORKER_ERR_INVALID_ARGUMENT;
+    }
     return _pAtSubLayer->PINEnable(info.blPinEnable ? 1 : 0, info.strPinCode.toUtf8().constData());
 }
 
@@ -260,6 +273,9 @@ int BusinessOperator::PINChange(const QVariantMap& request, QVariantMap& respons
         PARAMETER_NULL();
     }
     const auto info = value.value<BLPINChangeInfo>();
+    if (!codesWellFormed({{info.strOldPin, PinCodeKind::Pin}, {info.strNewPin, PinCodeKind::Pin}})) {
+        return WORKER_ERR_INVALID_ARGUMENT;
+    }
     const int result =
         _pAtSubLayer->PINChange(info.strOldPin.toUtf8().constData(), info.strNewPin.toUtf8().constData());
     int state = 1;
@@ -273,7 +289,11 @@ int BusinessOperator::PINVerify(const QVariantMap& request) {
     if (isMissing(value)) {
         PARAMETER_NULL();
     }
-    return _pAtSubLayer->PINVerify(value.toString().toUtf8().constData());
+    const QString pin = value.toString();
+    if (!codesWellFormed({{pin, PinCodeKind::Pin}})) {
+        return WORKER_ERR_INVALID_ARGUMENT;
+    }
+    return _pAtSubLayer->PINVerify(pin.toUtf8().constData());
 }
 
 int BusinessOperator::PINVerifyPuk(const QVariantMap& request) {
@@ -282,6 +302,9 @@ int BusinessOperator::PINVerifyPuk(const QVariantMap& request) {
         PARAMETER_NULL();
     }
     const auto info = value.value<BLPINVerifyPukInfo>();
+    if (!codesWellFormed({{info.strPUK, PinCodeKind::Puk}, {info.strNewPin, PinCodeKind::Pin}})) {
+        return WORKER_ERR_INVALID_ARGUMENT;
+    }
     return _pAtSubLayer->PINVerifyPuk(info.strPUK.toUtf8().constData(), info.strNewPin.toUtf8().constData());
 }
 
@@ -763,7 +786,17 @@ int BusinessOperator::Dialup(const QVariantMap& request) {
         PARAMETER_NULL();
     }
     const auto dialInfo = value.value<BLConnectDialinfo>();
+    // The user name and the number go into pppd's options and chat script, one per line.
+    for (const QString& text : {dialInfo.strAccountName, dialInfo.strDialNumber}) {
+        if (CheckAtParameter(text.toStdString(), kApnMaxLength) != AtParameterFault::None) {
+            return WORKER_ERR_INVALID_ARGUMENT;
+        }
+    }
     const int result = _pAtSubLayer->SystemSetPdpContext(dialInfo.strAPN.toUtf8().constData(), nullptr);
+    if (result == kAtParameterRefused) {
+        // A profile stored before its APN was checked: dialling would use whatever context the modem has.
+        return WORKER_ERR_INVALID_ARGUMENT;
+    }
     if (_networkOperator->dialByDialInfo(dialInfo) != 0) {
         return WORKER_ERR_GENERAL;
     }

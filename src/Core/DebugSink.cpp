@@ -38,10 +38,24 @@ const SecretCommand* secretCommandAt(std::string_view text, size_t at) {
     return nullptr;
 }
 
+bool cleanlyQuoted(std::string_view argument) {
+    return argument.size() >= 2 && argument.front() == '"' && argument.back() == '"' &&
+           argument.find('"', 1) == argument.size() - 1;
+}
+
+bool smallNumber(std::string_view argument) {
+    return !argument.empty() && argument.size() <= 3 &&
+           argument.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 // Copies the arguments that start at `at` into out, masking the secret ones; returns where they end (a
-// line end, a ";" outside quotes, or the end of the text).
+// line end, a ";" outside quotes, or the end of the text). A code holding a quote or a comma splits into
+// odd arguments, so after a secret one only a last small number that follows cleanly quoted codes (the
+// class of AT+CLCK) stays readable.
 size_t maskArguments(std::string_view text, size_t at, unsigned secrets, std::string& out) {
     unsigned index = 0;
+    bool afterSecret = false;
+    bool secretClean = true;
     while (at <= text.size()) {
         // One argument: up to a comma outside quotes.
         size_t end = at;
@@ -57,7 +71,13 @@ size_t maskArguments(std::string_view text, size_t at, unsigned secrets, std::st
             ++end;
         }
         const std::string_view argument = text.substr(at, end - at);
-        const bool secret = index < 32 && (secrets >> index & 1u) != 0;
+        const bool declared = index < 32 && (secrets >> index & 1u) != 0;
+        const bool last = end >= text.size() || text[end] != ',';
+        const bool secret = declared || (afterSecret && !(secretClean && last && smallNumber(argument)));
+        if (declared && !argument.empty() && argument != "?") {
+            afterSecret = true;
+            secretClean = secretClean && cleanlyQuoted(argument);
+        }
         if (!secret || argument.empty() || argument == "?") {
             out.append(argument);
         } else {

@@ -10,6 +10,7 @@
 
 #include "CNSLabels.h"
 #include "ModemLink.h"
+#include "PinCodeFormat.h"
 #include "StatusText.h"
 #include "WorkNotification.h"
 
@@ -79,9 +80,10 @@ QString PinDialog::errorText() const {
 
 bool PinDialog::inputValid() const {
     if (_puk)
-        return _code->text().size() == 8 && _newPin->text().size() >= 4 &&
+        return IsPinCodeWellFormed(_code->text().toStdString(), PinCodeKind::Puk) &&
+               IsPinCodeWellFormed(_newPin->text().toStdString(), PinCodeKind::Pin) &&
                _newPin->text() == _confirmPin->text();
-    return _code->text().size() >= 4;
+    return IsPinCodeWellFormed(_code->text().toStdString(), PinCodeKind::Pin);
 }
 
 void PinDialog::refresh() {

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "Account/AccountController.h"
+#include "AtParameter.h"
 #include "EquipmentRecords.h"
 #include "GUIThreadAgent.h"
 #include "ModemSession.h"
@@ -285,6 +286,8 @@ int Account(CliContext& context, ModemSession& session, const AccountArguments& 
     for (const std::string& input : inputs) {
         if (const std::string wrong = CheckInput(*field++, input); !wrong.empty())
             return ReportUsage(wrong);
+        if (const int refused = CheckModemText("the input", input, kUssdTextMaxLength))
+            return refused;
         values << QString::fromStdString(input);
     }
     const QString command =

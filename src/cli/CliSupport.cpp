@@ -5,6 +5,8 @@
 
 #include <unistd.h>
 
+#include "AtParameter.h"
+
 int ReportFailure(const CliContext& context, int resultCode, const std::string& what) {
     std::fprintf(stderr, "dialtone: %s (result %d)\n", what.c_str(), resultCode);
     if (context.json)
@@ -15,6 +17,11 @@ int ReportFailure(const CliContext& context, int resultCode, const std::string& 
 int ReportUsage(const std::string& what) {
     std::fprintf(stderr, "dialtone: %s\nRun with --help for more information.\n", what.c_str());
     return EXIT_USAGE;
+}
+
+int CheckModemText(const std::string& what, const std::string& value, std::size_t maxLength) {
+    const std::string problem = AtParameterProblem(what, value, maxLength);
+    return problem.empty() ? EXIT_OK : ReportUsage(problem);
 }
 
 void ReportProgress(const std::string& what) {

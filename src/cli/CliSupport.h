@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -31,6 +32,10 @@ struct CliContext {
 int ReportFailure(const CliContext& context, int resultCode, const std::string& what);
 // Reports a usage error found after parsing (an argument CLI11 could not check). Returns EXIT_USAGE.
 int ReportUsage(const std::string& what);
+// Refuses text that cannot go to the modem as it stands (a double quote, a semicolon, a backslash, a
+// control character, or more than maxLength bytes): reports the usage error naming what and the
+// character, and returns EXIT_USAGE; EXIT_OK when the text may be sent.
+int CheckModemText(const std::string& what, const std::string& value, std::size_t maxLength);
 // Progress of a long command on standard error, only when that is a terminal.
 void ReportProgress(const std::string& what);
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "AtParameter.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "PhonebookRecords.h"
@@ -87,6 +88,8 @@ int Info(CliContext& context, ModemSession& session) {
 }
 
 int Add(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
+    if (const int refused = CheckModemText("the name", arguments.name, kContactNameMaxLength))
+        return refused;
     const std::optional<std::string> number = DialNumberOrCode(arguments.number, SessionRegion(session));
     if (!number)
         return EXIT_USAGE;
@@ -110,6 +113,8 @@ int Add(CliContext& context, ModemSession& session, const ContactsArguments& arg
 }
 
 int Update(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
+    if (const int refused = CheckModemText("the name", arguments.name, kContactNameMaxLength))
+        return refused;
     const std::optional<std::string> number = DialNumberOrCode(arguments.number, SessionRegion(session));
     if (!number)
         return EXIT_USAGE;

@@ -5,6 +5,7 @@
 
 #include "BLRecords.h"
 #include "ModemSession.h"
+#include "PinCodeFormat.h"
 #include "RecordJson.h"
 #include "StatusText.h"
 #include "WorkNotification.h"
@@ -69,6 +70,23 @@ QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+struct CodeArgument {
+    const char* name;
+    const std::string& code;
+    PinCodeKind kind;
+};
+
+// A malformed code is a usage error: it never reaches the SIM, where it would cost an attempt.
+bool CodesWellFormed(CliContext& context, std::initializer_list<CodeArgument> codes) {
+    for (const CodeArgument& argument : codes) {
+        if (const std::string problem = PinCodeProblem(argument.code, argument.kind); !problem.empty()) {
+            context.exitCode = ReportUsage(std::string(argument.name) + ": " + problem);
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 void AddPinCommand(CLI::App& app, CliContext& context) {
@@ -83,6 +101,8 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
     CLI::App* verify = pin->add_subcommand("verify", "Enter the PIN");
     verify->add_option("PIN", arguments->first, "The PIN")->required();
     verify->callback([&context, arguments] {
+        if (!CodesWellFormed(context, {{"PIN", arguments->first, PinCodeKind::Pin}}))
+            return;
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
             return Change(context, s, MESSAGE_PIN_VERIFY, Q(arguments->first), "verifying the PIN",
                           "PIN accepted");
@@ -93,6 +113,9 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
     puk->add_option("PUK", arguments->first, "The PUK")->required();
     puk->add_option("NEWPIN", arguments->second, "The new PIN")->required();
     puk->callback([&context, arguments] {
+        if (!CodesWellFormed(context, {{"PUK", arguments->first, PinCodeKind::Puk},
+                                       {"NEWPIN", arguments->second, PinCodeKind::Pin}}))
+            return;
         BLPINVerifyPukInfo info{Q(arguments->first), Q(arguments->second)};
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
             return Change(context, s, MESSAGE_PIN_VERIFY_PUK, QVariant::fromValue(info), "verifying the PUK",
@@ -104,6 +127,9 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
     change->add_option("OLD", arguments->first, "The current PIN")->required();
     change->add_option("NEW", arguments->second, "The new PIN")->required();
     change->callback([&context, arguments] {
+        if (!CodesWellFormed(context, {{"OLD", arguments->first, PinCodeKind::Pin},
+                                       {"NEW", arguments->second, PinCodeKind::Pin}}))
+            return;
         BLPINChangeInfo info{Q(arguments->first), Q(arguments->second)};
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
             return Change(context, s, MESSAGE_PIN_CHANGE, QVariant::fromValue(info), "changing the PIN",
@@ -117,6 +143,8 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                                                        : "Stop asking for the PIN when the modem starts");
         command->add_option("PIN", arguments->first, "The current PIN")->required();
         command->callback([&context, arguments, enable] {
+            if (!CodesWellFormed(context, {{"PIN", arguments->first, PinCodeKind::Pin}}))
+                return;
             BLPINEnableInfo info{enable, Q(arguments->first)};
             context.exitCode = RunInSession(context, [&](ModemSession& s) {
                 return Change(context, s, MESSAGE_PIN_ENABLE, QVariant::fromValue(info),

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "AppConfig.h"
+#include "AtParameter.h"
 #include "BLRecords.h"
 #include "Connector/ProfileSettingsController.h"
 #include "GUIThreadAgent.h"
@@ -115,10 +116,21 @@ bool Printable(const std::string& text) {
 }
 
 int Add(CliContext& context, const NewProfile& input) {
-    for (const std::string* field :
-         {&input.name, &input.apn, &input.number, &input.user, &input.dns1, &input.dns2}) {
+    for (const std::string* field : {&input.name, &input.dns1, &input.dns2}) {
         if (!Printable(*field))
             return ReportUsage("profile fields cannot hold line breaks");
+    }
+    // The APN goes into AT+CGDCONT, the number into the dial command, the user name into pppd's options.
+    const struct {
+        const char* what;
+        const std::string& value;
+        std::size_t maxLength;
+    } sent[] = {{"the APN", input.apn, kApnMaxLength},
+                {"the number", input.number, kDialStringMaxLength},
+                {"the user name", input.user, kApnMaxLength}};
+    for (const auto& field : sent) {
+        if (const int refused = CheckModemText(field.what, field.value, field.maxLength))
+            return refused;
     }
     if (input.name.empty())
         return ReportUsage("the profile needs a name");

@@ -4,6 +4,7 @@
 
 #include "ModemSession.h"
 #include "RecordJson.h"
+#include "RequestArgument.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -24,17 +25,24 @@ void AddRequestCommand(CLI::App& app, CliContext& context) {
                         "Its argument: a number, a string, or an object with \"class\" naming the record");
     request->callback([&context, arguments] {
         QVariant argument;
+        nlohmann::json document;
         if (!arguments->argument.empty()) {
-            const auto document = nlohmann::json::parse(arguments->argument, nullptr, false);
-            std::string error;
+            document = nlohmann::json::parse(arguments->argument, nullptr, false);
             if (document.is_discarded()) {
                 context.exitCode = ReportUsage("ARGUMENT-JSON is not valid JSON: " + arguments->argument);
                 return;
             }
-            if (!JsonToVariant(document, argument, error)) {
-                context.exitCode = ReportUsage("ARGUMENT-JSON: " + error);
-                return;
-            }
+        }
+        // Checked against what the request takes before anything is sent: a wrong record would reach the
+        // modem as empty or default fields.
+        if (const std::string problem = RequestArgumentProblem(arguments->name, document); !problem.empty()) {
+            context.exitCode = ReportUsage("ARGUMENT-JSON: " + problem);
+            return;
+        }
+        std::string error;
+        if (!document.is_null() && !JsonToVariant(document, argument, error)) {
+            context.exitCode = ReportUsage("ARGUMENT-JSON: " + error);
+            return;
         }
         const QString name = QString::fromStdString(arguments->name);
         context.exitCode = RunInSession(context, [&](ModemSession& session) -> int {

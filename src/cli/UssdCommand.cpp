@@ -13,6 +13,7 @@
 #include <optional>
 #include <vector>
 
+#include "AtParameter.h"
 #include "ModemSession.h"
 #include "NotificationCenter.h"
 #include "RecordJson.h"
@@ -111,6 +112,8 @@ int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& ar
     std::deque<std::string> replies(arguments.replies.begin(), arguments.replies.end());
     std::string text = arguments.code;
     for (;;) {
+        if (const int refused = CheckModemText("the USSD text", text, kUssdTextMaxLength))
+            return refused;
         if (const int failed = Send(session, BLUssdSendCmdInfo::kSend, text, "sending " + text))
             return failed;
         ReportProgress("waiting for the network's answer");
@@ -161,6 +164,10 @@ void AddUssdCommand(CLI::App& app, CliContext& context) {
         if (!arguments->cancel && arguments->code.empty()) {
             context.exitCode = ReportUsage("ussd needs a CODE or --cancel");
             return;
+        }
+        for (const std::string& reply : arguments->replies) {
+            if ((context.exitCode = CheckModemText("the reply", reply, kUssdTextMaxLength)) != EXIT_OK)
+                return;
         }
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
             return arguments->cancel ? Cancel(context, s) : Dialogue(context, s, *arguments);

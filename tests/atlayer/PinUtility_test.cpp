@@ -124,7 +124,12 @@ TEST_F(PinUtilityTest, PinCommandsSendTheirTextAndMapErrors) {
         {[](CPinUtility& p) { return p.Enable(7, "1234"); }, "AT+CLCK=\"SC\",1,\"1234\"\r", ok, 0, 0},
         {[](CPinUtility& p) { return p.Enable(0, "1234"); }, "AT+CLCK=\"SC\",0,\"1234\"\r",
          "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
-        {[](CPinUtility& p) { return p.Enable(1, nullptr); }, "AT+CLCK=\"SC\",1,\"\"\r", ok, 0, 0},
+        // A code that is not 4 to 8 digits (8 for a PUK) never reaches the SIM.
+        {[](CPinUtility& p) { return p.Enable(1, nullptr); }, nullptr, "", 0, 45},
+        {[](CPinUtility& p) { return p.Enable(1, "12ab"); }, nullptr, "", 0, 45},
+        {[](CPinUtility& p) { return p.Verify("12\";+CFUN=0;\""); }, nullptr, "", 0, 45},
+        {[](CPinUtility& p) { return p.VerifyPuk("1234567", "1234"); }, nullptr, "", 0, 45},
+        {[](CPinUtility& p) { return p.Change("1234", "12\r"); }, nullptr, "", 0, 45},
         {[](CPinUtility& p) { return p.Verify(nullptr); }, nullptr, "", 0, 1},
         {[](CPinUtility& p) { return p.VerifyPuk(nullptr, "1234"); }, nullptr, "", 0, 1},
         {[](CPinUtility& p) { return p.VerifyPuk("12345678", nullptr); }, nullptr, "", 0, 1},

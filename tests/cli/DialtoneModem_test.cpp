@@ -23,25 +23,38 @@ using clitest::SimulatedModem;
 using clitest::TempDir;
 using nlohmann::json;
 
+// A request's argument is checked against the record the request takes; the message names the field.
 TEST(DialtoneModem, UsageErrorsExitTwoWithoutTouchingAModem) {
     TempDir home;
-    const std::vector<std::vector<std::string>> rows = {
-        {"frobnicate"},
-        {"pin", "verify"},
-        {"network", "select", "26x02"},
-        {"network", "select", "26202", "--act", "x"},
-        {"request", "MESSAGE_SMS_SEND", "{not json"},
-        {"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumbr":"+491701"})"},
-        {"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumber":17})"},
-        {"request", "MESSAGE_SMS_SEND", R"({"class":"BLNoSuchRecord"})"},
-        {"request", "MESSAGE_NETWORK_SET", R"({"class":"BLNetworkSet","nMode":4294967296})"},
+    const struct {
+        std::vector<std::string> args;
+        const char* says;
+    } rows[] = {
+        // clang-format off
+        {{"frobnicate"}, "A subcommand is required"},
+        {{"pin", "verify"}, "PIN is required"},
+        {{"network", "select", "26x02"}, "MCCMNC must be 5 or 6 digits"},
+        {{"network", "select", "26202", "--act", "x"}, "--act: Value x not in range"},
+        {{"request", "MESSAGE_SMS_SEND", "{not json"}, "is not valid JSON"},
+        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumbr":"+491701"})"}, "BLSmsSendItem has no field \"strNumbr\""},
+        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumber":17})"}, "BLSmsSendItem.strNumber: 17 does not fit"},
+        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLNoSuchRecord"})"}, "takes a BLSmsSendItem, not \"BLNoSuchRecord\""},
+        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLPINEnableInfo"})"}, "takes a BLSmsSendItem, not \"BLPINEnableInfo\""},
+        {{"request", "MESSAGE_NETWORK_SET", R"({"class":"BLNetworkSet","nMode":4294967296})"}, "BLNetworkSet.nMode must be a whole number from 0 to 4"},
+        {{"request", "MESSAGE_NETWORK_SET", R"({"nMode":7})"}, "BLNetworkSet.nMode must be a whole number from 0 to 4, not 7"},
+        {{"request", "MESSAGE_PB_DELETE_ITEM", R"({"nStoreIn":0,"nIndex":-1})"}, "BLPBDeleteItem.nIndex must be a whole number from 1 up, not -1"},
+        {{"request", "MESSAGE_SMS_DELETE", R"("x")"}, "MESSAGE_SMS_DELETE's argument must be a whole number from 0 up"},
+        {{"request", "MESSAGE_SMS_SET_STATUS_REPORT", "true"}, "must be \"TRUE\" or \"FALSE\""},
+        {{"request", "MESSAGE_PIN_CHECK_STATE", "5"}, "MESSAGE_PIN_CHECK_STATE takes no argument"},
+        {{"request", "MESSAGE_CALL_DIAL", R"("123;+CFUN=0")"}, "holds a semicolon (;)"},
+        // clang-format on
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.back());
-        const Outcome run = RunDialtone(row, home.path);
+        SCOPED_TRACE(row.args.back());
+        const Outcome run = RunDialtone(row.args, home.path);
         EXPECT_EQ(run.status, 2) << run.err;
         EXPECT_EQ(run.out, "");
-        EXPECT_FALSE(run.err.empty());
+        EXPECT_NE(run.err.find(row.says), std::string::npos) << run.err;
     }
 }
 

@@ -316,11 +316,11 @@ TEST(STKCodec, AnswersAndEnvelopesHaveTheModemsFormats) {
     EXPECT_EQ(CSTKCodec::EncodeSetupCallResponse(0, "\"", command), 1);
     EXPECT_EQ(CSTKCodec::EncodeGetInkeyResponse(0, 2, L"", command), 1);
     EXPECT_EQ(CSTKCodec::EncodeGetInputResponse(0, std::wstring(kSTKMaxTextChars + 1, L'a'), command), 1);
+    // Quotes, semicolons and line ends in an input would end the quoted text or the command.
+    EXPECT_EQ(CSTKCodec::EncodeGetInputResponse(0, L"a\";+CFUN=0;\"", command, USSD_TE_GSM), 1);
+    EXPECT_EQ(CSTKCodec::EncodeGetInputResponse(0, L"a\r", command, USSD_TE_IRA), 1);
     EXPECT_EQ(CSTKCodec::EncodeProvideLocalInfoResponse(0, command), 0);
     EXPECT_EQ(command, "kept");
-    // Quotes and line ends inside an input never end the quoted text.
-    EXPECT_EQ(CSTKCodec::EncodeGetInputResponse(0, L"a\"\r", command, USSD_TE_IRA), 0);
-    EXPECT_EQ(command, "AT+STGR=3,0,,\"a??\"\r");
 }
 
 TEST(STKCodec, OversizedAndBrokenListingsStayBounded) {

@@ -182,6 +182,10 @@ TEST(Security, SecretsMasked) {
         {"AT+CPWD=\"SC\",\"1234\",\"4321\"\r", "AT+CPWD=\"SC\",\"****\",\"****\"\r"},
         {"AT+CPWD=\"P2\",\"12,34\",\"43;21\"", "AT+CPWD=\"P2\",\"****\",\"****\""},
         {"AT+CPIN=\"12", "AT+CPIN=\"****"},
+        // Codes holding quotes or commas split into odd arguments; none of their characters shows.
+        {"AT+CLCK=\"SC\",1,\"1\",2\"\r", "AT+CLCK=\"SC\",1,\"****\",****\r"},
+        {"AT+CLCK=\"SC\",1,\"1\",7,\"\"\r", "AT+CLCK=\"SC\",1,\"****\",****,\"****\"\r"},
+        {"AT+CPWD=\"SC\",12,34,56\r", "AT+CPWD=\"SC\",****,****,****\r"},
         {"AT+CPIN=", "AT+CPIN="},
         {"AT+CPIN=?\r", "AT+CPIN=?\r"},
         {"AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", "AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"},

@@ -197,10 +197,10 @@ TEST(NetworkSettingsGui, ValidityChoicesAndInputChecks) {
     const struct {
         const char* pin;
         bool good;
-    } pins[] = {{"1234", true},  {"12345678", true}, {"123", false},  {"123456789", false},
-                {"12a4", false}, {"", false},        {" 1234", false}};
+    } pins[] = {{"1234", true},  {"12345678", true}, {"123", false},   {"123456789", false},
+                {"12a4", false}, {"", false},        {" 1234", false}, {"\u0661\u0662\u0663\u0664", false}};
     for (const auto& row : pins)
-        EXPECT_EQ(PinSettingsPage::pinProblem(QLatin1String(row.pin)).isEmpty(), row.good) << row.pin;
+        EXPECT_EQ(PinSettingsPage::pinProblem(QString::fromUtf8(row.pin)).isEmpty(), row.good) << row.pin;
 
     APNInfo good;
     good.strAccount = QStringLiteral("Work");
@@ -213,10 +213,14 @@ TEST(NetworkSettingsGui, ValidityChoicesAndInputChecks) {
         [](APNInfo& p) { p.strApn += QStringLiteral("\nplugin evil.so"); },
         [](APNInfo& p) { p.strPassword = QStringLiteral("a\rb"); },
         [](APNInfo& p) { p.strUserName = QString(QChar(0)); },
+        [](APNInfo& p) { p.strDialNum += QStringLiteral(";+CFUN=0"); },
     };
     for (const auto& breakIt : broken) {
         APNInfo profile = good;
         breakIt(profile);
         EXPECT_FALSE(ProfileDialog::problem(profile).isEmpty());
     }
+    good.strApn += QStringLiteral("\";+CMGD=1,4;\"");
+    EXPECT_EQ(ProfileDialog::problem(good),
+              "The APN holds a double quote (\"), which cannot be sent to the modem.");
 }

@@ -696,6 +696,24 @@ TEST_F(BusinessOperatorTest, MissingArgumentIsCode3WithoutTouchingTheModem) {
     EXPECT_EQ(m_sublayer->calls, (std::vector<std::string>{"SMSEnableStatusReport 0"}));
 }
 
+// However the request came (a wrong record reads as empty codes), a malformed code costs no SIM attempt.
+TEST_F(BusinessOperatorTest, MalformedCodesAre45WithoutTouchingTheModem) {
+    QVariantMap out;
+    const auto record = [](auto value) { return request(QVariant::fromValue(value)); };
+    // clang-format off
+    const std::vector<std::function<int(BusinessOperator&)>> calls = {
+        [](BusinessOperator& b) { return b.PINEnable(request(QVariantList{1, 2})); },
+        [&](BusinessOperator& b) { return b.PINEnable(record(BLPINEnableInfo{true, "12ab"})); },
+        [](BusinessOperator& b) { return b.PINVerify(request("1234\";+CFUN=0")); },
+        [&](BusinessOperator& b) { return b.PINVerifyPuk(record(BLPINVerifyPukInfo{"1234567", "1234"})); },
+        [&](BusinessOperator& b) { return b.PINChange(record(BLSmsSendItem{}), out); },
+    };
+    // clang-format on
+    for (const auto& call : calls)
+        EXPECT_EQ(call(*m_business), WORKER_ERR_INVALID_ARGUMENT);
+    EXPECT_TRUE(m_fake.Calls().empty());
+}
+
 TEST_F(BusinessOperatorTest, ArgumentsAreConvertedAndCapped) {
     struct Row {
         const char* name;
@@ -875,6 +893,11 @@ TEST_F(BusinessOperatorTest, ConnectionRequestsWithoutADialUpService) {
         EXPECT_EQ(business.Dialup(request(QVariant::fromValue(dialInfo))), 1);
         m_fake.VerifyDone();
     }
+    // A profile stored with an APN the modem cannot take is neither sent nor dialled.
+    dialInfo.strAPN = "inet\";+CMGD=1,4;+CFUN=0;\"";
+    const std::size_t sent = m_fake.Calls().size();
+    EXPECT_EQ(business.Dialup(request(QVariant::fromValue(dialInfo))), WORKER_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(m_fake.Calls().size(), sent);
 
     QVariantMap response;
     EXPECT_EQ(business.GetPPPStatus(response), 1);

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 #include <poll.h>
 #include <unistd.h>
 
@@ -89,16 +90,25 @@ nlohmann::json SimServer::Plug() {
 
 namespace {
 
-// The trace never shows PINs, PUKs or passwords: the digits after a PIN command's "=" become '*'.
+// The trace never shows PINs, PUKs or passwords, whatever characters they hold: after a PIN command's
+// "=" and the arguments before its first code (AT+CLCK's facility and mode, AT+CPWD's facility),
+// everything up to the line end but quotes and commas becomes '*'.
 std::string HideSecrets(std::string bytes) {
     std::string upper = bytes;
     for (char& c : upper) {
         c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
     }
-    for (const char* command : {"+CPIN=", "+CLCK=", "+CPWD="}) {
+    const std::pair<const char*, int> commands[] = {{"+CPIN=", 0}, {"+CLCK=", 2}, {"+CPWD=", 1}};
+    for (const auto& [command, plain] : commands) {
         for (size_t at = upper.find(command); at != std::string::npos; at = upper.find(command, at + 1)) {
-            for (size_t i = at + std::strlen(command); i < bytes.size() && bytes[i] != '\r'; ++i) {
-                if (std::isdigit(static_cast<unsigned char>(bytes[i]))) {
+            size_t i = at + std::strlen(command);
+            const size_t lineEnd = std::min(bytes.find_first_of("\r\n", i), bytes.size());
+            for (int skipped = 0; skipped < plain && i < lineEnd; ++skipped) {
+                i = std::min(bytes.find(',', i), lineEnd);
+                i += i < lineEnd ? 1 : 0;
+            }
+            for (; i < lineEnd; ++i) {
+                if (bytes[i] != '"' && bytes[i] != ',') {
                     bytes[i] = '*';
                 }
             }

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "AtParameter.h"
 #include "Gsm7BitAlphabet.h"
 
 namespace {
@@ -110,14 +111,14 @@ void DecodePlainOctets(const std::string& octets, bool gsmBelow80, std::wstring&
     }
 }
 
-// Printable ASCII without the quote: what may stand unquoted in an answer.
+// Printable ASCII that the modem cannot read as the end of the parameter or the command: what may stand
+// unquoted in an answer.
 bool IsPlainInfo(const char* text) {
     for (std::size_t i = 0; text[i] != '\0'; ++i) {
-        const unsigned char c = static_cast<unsigned char>(text[i]);
-        if (c < 0x20 || c > 0x7E || c == '"' || i >= 256)
+        if (static_cast<unsigned char>(text[i]) > 0x7E)
             return false;
     }
-    return true;
+    return CheckAtParameter(std::string_view(text), 256) == AtParameterFault::None;
 }
 
 // A listing's header line and the item lines of the same number after it.
@@ -526,7 +527,8 @@ int CSTKCodec::EncodeDisplayTextResponse(int result, const char* additionalInfo,
 
 int CSTKCodec::EncodeGetInkeyResponse(int result, int yesNo, const std::wstring& key, std::string& command,
                                       int teSet) {
-    if (yesNo > 1 || key.size() > static_cast<std::size_t>(kSTKMaxTextChars))
+    if (yesNo > 1 ||
+        CheckAtParameter(key, static_cast<std::size_t>(kSTKMaxTextChars)) != AtParameterFault::None)
         return 1;
     if (yesNo >= 0) {
         command = Format("AT+STGR=2,%d,,2,%d,", result, yesNo) + "\r";
@@ -541,7 +543,7 @@ int CSTKCodec::EncodeGetInkeyResponse(int result, int yesNo, const std::wstring&
 
 int CSTKCodec::EncodeGetInputResponse(int result, const std::wstring& input, std::string& command,
                                       int teSet) {
-    if (input.size() > static_cast<std::size_t>(kSTKMaxTextChars))
+    if (CheckAtParameter(input, static_cast<std::size_t>(kSTKMaxTextChars)) != AtParameterFault::None)
         return 1;
     command = Format("AT+STGR=3,%d,,", result);
     if (!input.empty())

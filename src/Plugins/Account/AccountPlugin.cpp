@@ -17,7 +17,9 @@
 #include <QVBoxLayout>
 
 #include "Account/AccountController.h"
+#include "AtParameter.h"
 #include "CNSLabels.h"
+#include "ModemTextCheck.h"
 #include "StatusText.h"
 #include "UssdRecords.h"
 #include "WorkMessageNames.h"
@@ -335,6 +337,12 @@ void AccountPlugin::runButton(const QString& code) {
 void AccountPlugin::send(const QString& text) {
     if (!_ready || _busyState || text.isEmpty())
         return;
+    if (const QString problem = ModemTextProblem(tr("the code"), text, kUssdTextMaxLength);
+        !problem.isEmpty()) {
+        _error->setText(problem);
+        _error->show();
+        return;
+    }
     _error->hide();
     if (!_sessionOpen)
         _answer->clear();

@@ -8,7 +8,9 @@
 #include <QRegularExpression>
 #include <QVBoxLayout>
 
+#include "AtParameter.h"
 #include "CNSLabels.h"
+#include "ModemTextCheck.h"
 #include "PhoneNumbers.h"
 
 namespace {
@@ -57,7 +59,9 @@ ContactDialog::ContactDialog(const QString& storeName, int maxName, int maxNumbe
     connect(_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
     auto* form = new QFormLayout;
+    _nameError = CNSErrorLabel(QStringLiteral("nameError"), this);
     form->addRow(tr("&Name:"), _name);
+    form->addRow(QString(), _nameError);
     form->addRow(tr("N&umber:"), _number);
     form->addRow(QString(), _numberError);
     auto* layout = new QVBoxLayout(this);
@@ -110,10 +114,14 @@ QString ContactDialog::readNumber(QString& error) const {
 }
 
 void ContactDialog::updateSave() {
+    const QString nameProblem = ModemTextProblem(tr("the name"), name(), kContactNameMaxLength);
+    _nameError->setText(nameProblem);
+    _nameError->setVisible(!nameProblem.isEmpty());
     QString error;
     const QString stored = readNumber(error);
     // Nothing typed yet is not an error.
     _numberError->setText(error);
     _numberError->setVisible(!error.isEmpty() && !_number->text().trimmed().isEmpty());
-    _buttons->button(QDialogButtonBox::Save)->setEnabled(!name().isEmpty() && !stored.isEmpty());
+    const bool ok = nameProblem.isEmpty() && !name().isEmpty() && !stored.isEmpty();
+    _buttons->button(QDialogButtonBox::Save)->setEnabled(ok);
 }

@@ -9,7 +9,7 @@ class QLineEdit;
 // Edits one phonebook entry. The phonebook's own limits bound the fields: a name no longer than the
 // storage keeps, and a phone number as people type it (read in the home region and kept in the form the
 // modem dials) or a service code of "+", digits, "*" and "#". What cannot be stored is said under the
-// number, and Save stays disabled until the entry can be stored.
+// field, and Save stays disabled until the entry can be stored.
 class ContactDialog : public QDialog {
     Q_OBJECT
 public:
@@ -34,5 +34,6 @@ private:
     QLineEdit* _number = nullptr;
     QLabel* _hint = nullptr;
     QLabel* _numberError = nullptr;
+    QLabel* _nameError = nullptr;
     QDialogButtonBox* _buttons = nullptr;
 };

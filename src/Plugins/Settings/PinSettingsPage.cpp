@@ -13,6 +13,7 @@
 #include "BLRecords.h"
 #include "CNSLabels.h"
 #include "ModemLink.h"
+#include "PinCodeFormat.h"
 #include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
@@ -29,7 +30,8 @@ QLineEdit* PinField(const char* objectName) {
     edit->setMaxLength(8);
     edit->setMaximumWidth(220);
     edit->setInputMethodHints(Qt::ImhDigitsOnly | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
-    edit->setValidator(new QRegularExpressionValidator(QRegularExpression(QStringLiteral("\\d{0,8}")), edit));
+    edit->setValidator(
+        new QRegularExpressionValidator(QRegularExpression(QStringLiteral("[0-9]{0,8}")), edit));
     return edit;
 }
 
@@ -106,8 +108,9 @@ void PinSettingsPage::modemGone() {
 }
 
 QString PinSettingsPage::pinProblem(const QString& pin) {
-    static const QRegularExpression digits(QStringLiteral("^\\d{4,8}$"));
-    return digits.match(pin).hasMatch() ? QString() : tr("A PIN has 4 to 8 digits.");
+    // Only ASCII digits: a digit of another script would pass a "\d" check and cost a SIM attempt.
+    return IsPinCodeWellFormed(pin.toStdString(), PinCodeKind::Pin) ? QString()
+                                                                    : tr("A PIN has 4 to 8 digits.");
 }
 
 void PinSettingsPage::readState() {

@@ -7,7 +7,9 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
+#include "AtParameter.h"
 #include "CNSLabels.h"
+#include "ModemTextCheck.h"
 
 namespace {
 
@@ -70,8 +72,19 @@ QString ProfileDialog::problem(const APNInfo& profile) {
         return tr("Give the profile a name.");
     if (profile.strDialNum.isEmpty())
         return tr("Enter the number to dial (usually *99#).");
-    for (const QString* field : {&profile.strAccount, &profile.strApn, &profile.strDialNum,
-                                 &profile.strUserName, &profile.strPassword}) {
+    // The APN goes into AT+CGDCONT, the number into the dial command, the user name into pppd's options.
+    const struct {
+        QString what;
+        const QString& value;
+        std::size_t maxLength;
+    } sent[] = {{tr("the APN"), profile.strApn, kApnMaxLength},
+                {tr("the number"), profile.strDialNum, kDialStringMaxLength},
+                {tr("the user name"), profile.strUserName, kApnMaxLength}};
+    for (const auto& field : sent) {
+        if (const QString text = ModemTextProblem(field.what, field.value, field.maxLength); !text.isEmpty())
+            return text;
+    }
+    for (const QString* field : {&profile.strAccount, &profile.strPassword}) {
         for (const QChar c : *field) {
             if (c == QLatin1Char('\n') || c == QLatin1Char('\r') || c.unicode() == 0)
                 return tr("The fields cannot hold line breaks.");

@@ -11,6 +11,8 @@
 #include <QVBoxLayout>
 
 #include "CNSLabels.h"
+#include "ModemTextCheck.h"
+#include "SAT/STKTypes.h"
 #include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
@@ -268,6 +270,12 @@ void ToolkitPlugin::choose() {
 void ToolkitPlugin::sendInput() {
     if (!_ok->isEnabled())
         return;
+    if (const QString problem =
+            ModemTextProblem(tr("the answer"), _input->text(), static_cast<std::size_t>(kSTKMaxTextChars));
+        !problem.isEmpty()) {
+        _error->setText(problem);
+        return;
+    }
     answer(BLSatResponse{_current.nCommand, kResultDone, 0, _input->text()});
 }
 

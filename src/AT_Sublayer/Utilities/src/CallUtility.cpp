@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "AtParameter.h"
 #include "FamilyCommand.h"
 
 namespace {
@@ -68,6 +69,9 @@ int CCallUtility::InitCRC() {
 int CCallUtility::Dial(const char* number) {
     if (number == nullptr)
         return 1;
+    // The dial string is not quoted, but a quote, a semicolon or a line end in it would still end it early.
+    if (CheckAtParameter(number, kDialStringMaxLength) != AtParameterFault::None)
+        return kAtParameterRefused;
     // The ";" makes it a voice call. The call setup ends in "OK" or one of the call results.
     const std::string command = std::string("ATD") + number + ";\r";
     std::string response;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "AtParameter.h"
 #include "FamilyCommand.h"
 #include "Gsm7BitAlphabet.h"
 #include "NetworkAnswerParsers.h"
@@ -276,7 +277,8 @@ int CNetworkUtility::Set(int mask, int mode, int format, const char* oper, int a
     if ((mask & 4) != 0 && oper != nullptr) {
         if (CheckName(format, oper) == 0)
             return 1;
-        command += ",\"" + std::string(oper) + "\"";
+        if (!AppendQuotedAtParameter((command += ","), oper, 16))
+            return kAtParameterRefused;
     }
     if ((mask & 8) != 0) {
         if (accessTechnology > 2)

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "AtParameter.h"
 #include "FamilyCommand.h"
 
 namespace {
@@ -253,6 +254,8 @@ int CPbUtility::DecodeItem(const std::string& line, TPbBaseItem& item) {
 }
 
 int CPbUtility::UpdateItem(const TPbItem& item) {
+    if (CheckAtParameter(item.strNumber, kPbNumberMaxLength) != AtParameterFault::None)
+        return kAtParameterRefused;
     if (const int result = SelectTeCharacterSet(kCharsetUcs2, 0, 0); result != 0)
         return result;
     if (const int result = SetStorage(item.nStore); result != 0)
@@ -264,8 +267,13 @@ int CPbUtility::UpdateItem(const TPbItem& item) {
         return result;
 
     // AT+CPBW=3,"+8613800138000",145,"00480069"
-    std::string command = "AT+CPBW=" + std::to_string(item.nIndex) + ",\"" + item.strNumber + "\"," +
-                          std::to_string(type) + ",\"" + name.data() + "\"\r";
+    std::string command = "AT+CPBW=" + std::to_string(item.nIndex) + ",";
+    if (!AppendQuotedAtParameter(command, item.strNumber, kPbNumberMaxLength))
+        return kAtParameterRefused;
+    command += "," + std::to_string(type) + ",";
+    if (!AppendQuotedAtParameter(command, name.data(), name.size()))
+        return kAtParameterRefused;
+    command += "\r";
     // Kept: the number is upper-cased along with the rest.
     std::transform(command.begin(), command.end(), command.begin(),
                    [](char ch) { return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch; });

@@ -3,9 +3,17 @@
 #include <cstdio>
 #include <cstring>
 
+#include "AtParameter.h"
 #include "FamilyCommand.h"
+#include "PinCodeFormat.h"
 
 namespace {
+
+// Appends the code as a quoted parameter when it has the form the SIM takes; a malformed code would
+// only cost an attempt.
+bool AppendCode(std::string& command, const char* code, PinCodeKind kind) {
+    return code != nullptr && IsPinCodeWellFormed(code, kind) && AppendQuotedAtParameter(command, code, 8);
+}
 
 struct StateText {
     const char* text;
@@ -133,26 +141,39 @@ int CPinUtility::RunCommand(const std::string& command) {
 }
 
 int CPinUtility::Enable(int on, const char* pin) {
-    return RunCommand(std::string("AT+CLCK=\"SC\",") + (on != 0 ? "1" : "0") + ",\"" +
-                      (pin != nullptr ? pin : "") + "\"\r");
+    std::string command = std::string("AT+CLCK=\"SC\",") + (on != 0 ? "1," : "0,");
+    if (!AppendCode(command, pin, PinCodeKind::Pin))
+        return kAtParameterRefused;
+    return RunCommand(command + "\r");
 }
 
 int CPinUtility::Change(const char* oldPin, const char* newPin) {
     if (oldPin == nullptr || newPin == nullptr)
         return 1;
-    return RunCommand(std::string("AT+CPWD=\"SC\",\"") + oldPin + "\",\"" + newPin + "\"\r");
+    std::string command = "AT+CPWD=\"SC\",";
+    if (!AppendCode(command, oldPin, PinCodeKind::Pin) ||
+        !AppendCode((command += ","), newPin, PinCodeKind::Pin))
+        return kAtParameterRefused;
+    return RunCommand(command + "\r");
 }
 
 int CPinUtility::Verify(const char* pin) {
     if (pin == nullptr)
         return 1;
-    return RunCommand(std::string("AT+CPIN=\"") + pin + "\"\r");
+    std::string command = "AT+CPIN=";
+    if (!AppendCode(command, pin, PinCodeKind::Pin))
+        return kAtParameterRefused;
+    return RunCommand(command + "\r");
 }
 
 int CPinUtility::VerifyPuk(const char* puk, const char* newPin) {
     if (puk == nullptr || newPin == nullptr)
         return 1;
-    return RunCommand(std::string("AT+CPIN=\"") + puk + "\",\"" + newPin + "\"\r");
+    std::string command = "AT+CPIN=";
+    if (!AppendCode(command, puk, PinCodeKind::Puk) ||
+        !AppendCode((command += ","), newPin, PinCodeKind::Pin))
+        return kAtParameterRefused;
+    return RunCommand(command + "\r");
 }
 
 int CPinUtility::GetInfo(int pinState, TPinInfo& info) {

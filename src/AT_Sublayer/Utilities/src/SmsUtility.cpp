@@ -4,6 +4,9 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string_view>
+
+#include "AtParameter.h"
 
 namespace {
 
@@ -288,11 +291,13 @@ int CSmsUtility::SelectTeCharacterSet(int charset, int codePage, int part) {
 int CSmsUtility::SetServiceCenterAddress(const TMsgAddress& address) {
     if (!IsDialableAddress(address))
         return kErrNotAPhoneNumber;
+    const std::string_view number(address.szAddress, strnlen(address.szAddress, kMsgAddressSize));
+    std::string command = "AT+CSCA=";
+    if (!AppendQuotedAtParameter(command, number, kMsgAddressSize))
+        return kAtParameterRefused;
+    command += "," + std::to_string(address.nType) + "\r";
     if (const int result = SelectTeCharacterSet(kCharsetIra, 0, 0); result != 0)
         return result;
-    char command[96];
-    std::snprintf(command, sizeof command, "AT+CSCA=\"%.*s\",%u\r", kMsgAddressSize, address.szAddress,
-                  address.nType);
     return WriteForOk(command, nullptr, kFinalsCme, 1000);
 }
 

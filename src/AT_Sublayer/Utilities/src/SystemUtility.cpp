@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "AtParameter.h"
 #include "FamilyCommand.h"
 
 namespace {
@@ -141,9 +142,11 @@ int CSystemUtility::SetPdpContext(const char* apn, const char* pdpAddress) {
     if (apn == nullptr)
         return 1;
     // Context 1, type "IP": AT+CGDCONT=1,"IP","internet"
-    std::string command = std::string("AT+CGDCONT=1,\"IP\",\"") + apn + "\"";
-    if (pdpAddress != nullptr)
-        command += std::string(",\"") + pdpAddress + "\"";
+    std::string command = "AT+CGDCONT=1,\"IP\",";
+    if (!AppendQuotedAtParameter(command, apn, kApnMaxLength))
+        return kAtParameterRefused;
+    if (pdpAddress != nullptr && !AppendQuotedAtParameter((command += ","), pdpAddress, kPdpAddressMaxLength))
+        return kAtParameterRefused;
     command += "\r";
     std::string response;
     const int result = WriteComm(response, command.c_str(), nullptr, kIdentityTimeoutMs);

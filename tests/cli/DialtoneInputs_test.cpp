@@ -1,0 +1,90 @@
+// What the tool refuses before the modem is asked: malformed SIM codes and text that would end an AT
+// parameter or command early.
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "CliTestSupport.h"
+
+namespace {
+
+using clitest::Outcome;
+using clitest::SimulatedModem;
+using nlohmann::json;
+
+struct Refusal {
+    std::vector<std::string> args;
+    const char* says; // part of the message on standard error
+    int status = 2;   // -1: any failure
+};
+
+template <std::size_t N> void ExpectRefused(const SimulatedModem& modem, const Refusal (&rows)[N]) {
+    for (const Refusal& row : rows) {
+        SCOPED_TRACE(row.args.back());
+        const Outcome outcome = modem.run(row.args);
+        if (row.status < 0)
+            EXPECT_NE(outcome.status, 0);
+        else
+            EXPECT_EQ(outcome.status, row.status) << outcome.err;
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_NE(outcome.err.find(row.says), std::string::npos) << outcome.err;
+    }
+}
+
+bool Sent(const json& dump, const std::string& part) {
+    for (const json& command : dump["commands"]) {
+        if (command.get<std::string>().find(part) != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
+TEST(DialtoneInputs, PinTyposCostNoAttemptAndTheRightPinStillWorks) {
+    SimulatedModem modem("pin-locked");
+    ASSERT_TRUE(modem.ready());
+    // clang-format off
+    const Refusal rows[] = {
+        {{"pin", "verify", "abcd"}, "PIN: a PIN has 4 to 8 digits, nothing else"},
+        {{"pin", "verify", "12"}, "a PIN has 4 to 8 digits, not 2"},
+        {{"pin", "verify", ""}, "a PIN has 4 to 8 digits, and none was given"},
+        {{"pin", "verify", "123456789"}, "a PIN has 4 to 8 digits, not 9"},
+        {{"pin", "enable", "12ab"}, "a PIN has 4 to 8 digits"},
+        {{"pin", "change", "1234", "12\";+CFUN=0;\""}, "NEW: a PIN has 4 to 8 digits"},
+        {{"pin", "puk", "1234567", "1234"}, "PUK: a PUK has 8 digits, not 7"},
+        {{"request", "MESSAGE_PIN_ENABLE", "[1,2]"}, "takes a BLPINEnableInfo object"},
+    };
+    // clang-format on
+    ExpectRefused(modem, rows);
+    const json dump = modem.dump();
+    EXPECT_EQ(dump["pin"]["pin_left"], 3);
+    EXPECT_FALSE(Sent(dump, "+CPIN=") || Sent(dump, "+CLCK=") || Sent(dump, "+CPWD=")) << dump["commands"];
+
+    const Outcome right = modem.run({"pin", "verify", "1234"});
+    EXPECT_EQ(right.status, 0) << right.err;
+    EXPECT_EQ(modem.dump()["pin"]["state"], "READY");
+}
+
+TEST(DialtoneInputs, TextThatWouldAppendCommandsNeverReachesTheModem) {
+    SimulatedModem modem("default");
+    ASSERT_TRUE(modem.ready());
+    const std::string injected = "x\";+CMGD=1,4;+CFUN=0;\"";
+    // clang-format off
+    const Refusal rows[] = {
+        {{"profiles", "add", "Evil", "inet" + injected}, "the APN holds a double quote"},
+        {{"profiles", "add", "Evil", "inet", "--user", "me\nnoauth"}, "the user name holds a control character"},
+        {{"contacts", "add", "Ann;+CFUN=0", "+4930123456"}, "the name holds a semicolon"},
+        {{"ussd", "*100#" + injected}, "the USSD text holds a double quote"},
+        {{"ussd", "*100#", "--reply", "1\r"}, "the reply holds a control character"},
+        {{"sms", "sc", "+49" + injected}, "", -1},
+    };
+    // clang-format on
+    ExpectRefused(modem, rows);
+    const json dump = modem.dump();
+    EXPECT_FALSE(Sent(dump, "CFUN=0") || Sent(dump, "CMGD=1,4")) << dump["commands"];
+    EXPECT_TRUE(modem.run({"profiles", "list"}).out.find("Evil") == std::string::npos);
+}
+
+} // namespace
