@@ -13,6 +13,7 @@
 #include "RecordJson.h"
 #include "SMS/MessageItem.h"
 #include "SMS/SMSStorage.h"
+#include "TerminalText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -43,12 +44,10 @@ void PrintBox(const CliContext& context, const QList<MessageItem>& items) {
     }
     int position = 0;
     for (const MessageItem& item : items) {
-        QString text = item.getContent();
-        text.replace(QLatin1Char('\n'), QLatin1Char(' '));
         const QDateTime time = item.getCreateTime();
-        std::cout << ++position << "  " << item.getNumbers().join(QStringLiteral(", ")).toStdString() << "  "
+        std::cout << ++position << "  " << TerminalText(item.getNumbers().join(QStringLiteral(", "))) << "  "
                   << (time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd hh:mm")).toStdString() : "-")
-                  << "  " << text.toUtf8().toStdString() << '\n';
+                  << "  " << TerminalText(item.getContent()) << '\n';
     }
 }
 
