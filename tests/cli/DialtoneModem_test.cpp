@@ -100,7 +100,7 @@ TEST(DialtoneModem, WrongPinCountsDownThenTheRightOneUnlocks) {
     const Outcome wrong = RunDialtone(with({"--json", "pin", "verify", "0000"}), home.path);
     EXPECT_EQ(wrong.status, 1);
     EXPECT_EQ(Parse(wrong.out)["ERROR_CODE"], 14); // incorrect password
-    EXPECT_NE(wrong.err.find("incorrect password"), std::string::npos) << wrong.err;
+    EXPECT_NE(wrong.err.find("the PIN or password is wrong"), std::string::npos) << wrong.err;
     EXPECT_NE(wrong.err.find("2 PIN attempts"), std::string::npos) << wrong.err;
 
     const Outcome right = RunDialtone(with({"pin", "verify", "1234"}), home.path);

@@ -83,9 +83,10 @@ TEST(DialtonePdu, FailuresAndUsageErrors) {
         std::string out; // exact
         std::string err; // contained
     };
+    // clang-format off
     const Row rows[] = {
         {{"pdu", "decode", "07912143658709F1XX"}, 1, "", "the PDU could not be decoded (result 1)"},
-        {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"ERROR_CODE\": 1\n}\n", "could not be decoded"},
+        {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"ERROR_CODE\": 1,\n  \"error\": \"the PDU could not be decoded\"\n}\n", "could not be decoded"},
         {{"pdu", "encode", "*100#", "hi"}, 1, "", "could not be encoded"},
         {{"pdu", "encode", "123", "hi", "--validity", "3x"}, 2, "", "--validity"},
         {{"pdu", "encode", "123456789012345678901234", "hi"}, 2, "", "at most 23 characters"},
@@ -94,6 +95,7 @@ TEST(DialtonePdu, FailuresAndUsageErrors) {
         {{"pdu", "decode", "00", "--tpdu-len", "x"}, 2, "", "--tpdu-len"},
         {{}, 2, "", "subcommand"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.arguments));
         const Outcome run = RunDialtone(row.arguments, "");

@@ -18,6 +18,7 @@
 
 #include "Account/AccountController.h"
 #include "CNSLabels.h"
+#include "FailureText.h"
 #include "StatusText.h"
 #include "UssdRecords.h"
 #include "WorkMessageNames.h"
@@ -352,7 +353,9 @@ void AccountPlugin::send(const QString& text) {
             _error->setText(
                 tr("Sending %1 failed: %2. Check the code and that the modem is registered, then try "
                    "again.")
-                    .arg(text, QString::fromStdString(ResultCodeText(code))));
+                    .arg(text,
+                         QString::fromStdString(FailureText(code, WorkNotification::GetSubErrorCode(response),
+                                                            FrontEnd::DesktopApp))));
             _error->show();
             updateButtons();
         },

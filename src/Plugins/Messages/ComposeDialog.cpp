@@ -12,6 +12,7 @@
 
 #include "BLRecords.h"
 #include "CNSLabels.h"
+#include "FailureText.h"
 #include "MessageText.h"
 #include "ModemLink.h"
 #include "SMS/SmsSegmentCounter.h"
@@ -156,7 +157,9 @@ void ComposeDialog::sendNext(QStringList remaining) {
                 setRecipients(remaining);
                 showError(tr("The message to %1 could not be sent: %2. A copy is in the outbox; the text "
                              "is still here, press Send to try again.")
-                              .arg(number, QString::fromStdString(ResultCodeText(code))));
+                              .arg(number, QString::fromStdString(
+                                               FailureText(code, WorkNotification::GetSubErrorCode(response),
+                                                           FrontEnd::DesktopApp))));
                 emit messageFailed(number, body, code);
                 return;
             }

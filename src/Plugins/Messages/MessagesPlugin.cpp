@@ -21,6 +21,7 @@
 #include "CNSLabels.h"
 #include "ComposeDialog.h"
 #include "DesktopNotifier.h"
+#include "FailureText.h"
 #include "MessageText.h"
 #include "SMS/SMSExt.h"
 #include "SMS/SMSStorage.h"
@@ -286,7 +287,8 @@ void MessagesPlugin::loadModemMessages() {
             if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
                 setBusy(false);
                 showError(tr("The modem's messages could not be prepared: %1. Press Reload to try again.")
-                              .arg(QString::fromStdString(ResultCodeText(code))));
+                              .arg(QString::fromStdString(FailureText(
+                                  code, WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
                 return;
             }
             const QByteArray imsi = link().equipment().strImsi.toLatin1();
@@ -329,7 +331,8 @@ void MessagesPlugin::onMessagesListed(const QVariantMap& response, int generatio
     setBusy(false);
     if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
         showError(tr("The messages could not be read from the modem: %1. Press Reload to try again.")
-                      .arg(QString::fromStdString(ResultCodeText(code))));
+                      .arg(QString::fromStdString(FailureText(
+                          code, WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
         return;
     }
     _modemItems.clear();
@@ -717,7 +720,8 @@ void MessagesPlugin::deleteFromModem(const BLSmsListItem& item, const QString& f
             if (generation != _generation)
                 return;
             if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
-                showError(failureText.arg(QString::fromStdString(ResultCodeText(code))));
+                showError(failureText.arg(QString::fromStdString(
+                    FailureText(code, WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
             } else {
                 _modemItems.removeIf([&item](const BLSmsListItem& held) {
                     return held.nStoreIn == item.nStoreIn && held.nRef == item.nRef;
