@@ -172,7 +172,6 @@ TEST(DialtoneModem, KnownCausesAreToldWithWhatToDo) {
     // clang-format off
     const std::vector<Row> rows = {
         {&plain, {"contacts", "add", "Alexandra Schmidt-Meyer", "+4917012345", "--store", "sim"}, "the name is 23 characters; this SIM takes at most 14", 0},
-        {&plain, {"contacts", "update", "sim", "1", "Alexandra Schmidt-Meyer", "+4917012345"}, "the name is 23 characters; this SIM takes at most 14", 0},
         {&fullBook, {"contacts", "add", "Carla", "+4917012345", "--store", "sim"}, "the sim phonebook is full (2 of 2 used)", 0},
         {&plain, {"network", "select", "26203"}, "the network refuses the SIM, emergency calls only", 100032},
         {&plain, {"call", "answer"}, "there is no incoming call", 0},

@@ -20,6 +20,7 @@ using clitest::Parse;
 using clitest::ScenarioPatch;
 using clitest::SimulatedModem;
 using nlohmann::json;
+using namespace std::string_literals;
 
 // The built-in modem with these messages and SMS settings.
 ScenarioPatch Scenario(const json& messages, const json& sms = json::object()) {
@@ -140,10 +141,8 @@ TEST(DialtoneSms, WatchShowsAMessageDeliveredInPartsOnceWhole) {
 bool HasRawControl(const std::string& out) {
     for (std::size_t i = 0; i < out.size(); ++i) {
         const auto c = static_cast<unsigned char>(out[i]);
-        if ((c < 0x20 && c != '\n') || c == 0x7F)
-            return true;
-        if (c == 0xC2 && i + 1 < out.size() && static_cast<unsigned char>(out[i + 1]) >= 0x80 &&
-            static_cast<unsigned char>(out[i + 1]) <= 0x9F)
+        const auto next = static_cast<unsigned char>(i + 1 < out.size() ? out[i + 1] : 0);
+        if ((c < 0x20 && c != '\n') || c == 0x7F || (c == 0xC2 && next >= 0x80 && next <= 0x9F))
             return true;
     }
     return false;
@@ -152,13 +151,7 @@ bool HasRawControl(const std::string& out) {
 // A sender's escape sequences (window title, clear screen, C1 CSI, DEL, NUL) are shown as placeholders in
 // the listings and kept exact in --json.
 TEST(DialtoneSms, EscapeSequencesInAMessageNeverReachTheTerminal) {
-    std::string hostile = "A\x1b]0;owned\x07"
-                          "B\x1b[2J"
-                          "C\xc2\x9b"
-                          "31mD\x7f"
-                          "E";
-    hostile += '\0';
-    hostile += "F";
+    const std::string hostile = "A\x1b]0;owned\aB\x1b[2JC\302\23331mD\177E\0F"s;
     const std::string shown = "A\u241b]0;owned\u2407B\u241b[2JC\ufffd31mD\u2421E\u2400F";
     SimulatedModem modem(Scenario(json::array()));
     ASSERT_TRUE(modem.ready());
