@@ -331,7 +331,7 @@ int ServiceCentre(const CliContext& context, ModemSession& session, const std::s
     if (context.json)
         PrintJson({{"strServiceCentre", current}});
     else
-        std::cout << "Service centre: " << (current.empty() ? "-" : current) << '\n';
+        std::cout << "Service centre: " << (current.empty() ? "-" : TerminalText(current)) << '\n';
     return EXIT_OK;
 }
 
