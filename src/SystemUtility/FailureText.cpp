@@ -2,6 +2,7 @@
 
 #include "ModemErrorCause.h"
 #include "StatusText.h"
+#include "WorkNotification.h"
 
 namespace {
 
@@ -107,6 +108,12 @@ std::string ModemCauseText(int cause, FrontEnd frontEnd) {
 std::string FailureText(int resultCode, int cause, FrontEnd frontEnd) {
     std::string text = ModemCauseText(cause, frontEnd);
     return text.empty() ? ResultCodeText(resultCode) : text;
+}
+
+QString ResponseFailureText(const QVariantMap& response) {
+    return QString::fromStdString(FailureText(WorkNotification::GetErrorCode(response),
+                                              WorkNotification::GetSubErrorCode(response),
+                                              FrontEnd::DesktopApp));
 }
 
 std::string ModemCauseName(int cause) {

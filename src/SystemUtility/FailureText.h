@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QString>
+#include <QVariantMap>
+
 #include <string>
 
 // Why a request failed, in words with what to do next, for the tool and the desktop app alike. The modem's
@@ -15,6 +18,9 @@ std::string ModemCauseText(int cause, FrontEnd frontEnd = FrontEnd::Tool);
 
 // ModemCauseText of the cause when it has one, else ResultCodeText of the result code.
 std::string FailureText(int resultCode, int cause, FrontEnd frontEnd = FrontEnd::Tool);
+
+// The desktop app's FailureText for a response dictionary ("ERROR_CODE" and "SUB_ERROR_CODE").
+QString ResponseFailureText(const QVariantMap& response);
 
 // The cause as the modem named it, for debug output and logs: "+CME ERROR: 20", "" for none.
 std::string ModemCauseName(int cause);

@@ -19,7 +19,6 @@
 #include "Account/AccountController.h"
 #include "CNSLabels.h"
 #include "FailureText.h"
-#include "StatusText.h"
 #include "UssdRecords.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
@@ -353,9 +352,7 @@ void AccountPlugin::send(const QString& text) {
             _error->setText(
                 tr("Sending %1 failed: %2. Check the code and that the modem is registered, then try "
                    "again.")
-                    .arg(text,
-                         QString::fromStdString(FailureText(code, WorkNotification::GetSubErrorCode(response),
-                                                            FrontEnd::DesktopApp))));
+                    .arg(text, ResponseFailureText(response)));
             _error->show();
             updateButtons();
         },

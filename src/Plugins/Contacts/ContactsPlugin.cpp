@@ -17,7 +17,6 @@
 #include "ContactDialog.h"
 #include "FailureText.h"
 #include "Messages/MessagesPlugin.h"
-#include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
 
@@ -168,9 +167,7 @@ void ContactsPlugin::setBusy(bool busy) {
 
 void ContactsPlugin::fail(const QString& what, const QVariantMap& response, const QString& hint) {
     const int code = WorkNotification::GetErrorCode(response);
-    const int cause = WorkNotification::GetSubErrorCode(response);
-    QString text = tr("%1 failed: %2.")
-                       .arg(what, QString::fromStdString(FailureText(code, cause, FrontEnd::DesktopApp)));
+    QString text = tr("%1 failed: %2.").arg(what, ResponseFailureText(response));
     text += QLatin1Char(' ') + (code == WORKER_ERR_NO_TARGET || !_ready
                                     ? tr("Plug the modem in again; the contacts are read when it is back.")
                                 : !hint.isEmpty()

@@ -16,7 +16,6 @@
 #include "MessageText.h"
 #include "ModemLink.h"
 #include "SMS/SmsSegmentCounter.h"
-#include "StatusText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -157,9 +156,7 @@ void ComposeDialog::sendNext(QStringList remaining) {
                 setRecipients(remaining);
                 showError(tr("The message to %1 could not be sent: %2. A copy is in the outbox; the text "
                              "is still here, press Send to try again.")
-                              .arg(number, QString::fromStdString(
-                                               FailureText(code, WorkNotification::GetSubErrorCode(response),
-                                                           FrontEnd::DesktopApp))));
+                              .arg(number, ResponseFailureText(response)));
                 emit messageFailed(number, body, code);
                 return;
             }

@@ -25,7 +25,6 @@
 #include "MessageText.h"
 #include "SMS/SMSExt.h"
 #include "SMS/SMSStorage.h"
-#include "StatusText.h"
 #include "WorkNotification.h"
 #include "WorkThread.h"
 
@@ -287,8 +286,7 @@ void MessagesPlugin::loadModemMessages() {
             if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
                 setBusy(false);
                 showError(tr("The modem's messages could not be prepared: %1. Press Reload to try again.")
-                              .arg(QString::fromStdString(FailureText(
-                                  code, WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
+                              .arg(ResponseFailureText(response)));
                 return;
             }
             const QByteArray imsi = link().equipment().strImsi.toLatin1();
@@ -331,8 +329,7 @@ void MessagesPlugin::onMessagesListed(const QVariantMap& response, int generatio
     setBusy(false);
     if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
         showError(tr("The messages could not be read from the modem: %1. Press Reload to try again.")
-                      .arg(QString::fromStdString(FailureText(
-                          code, WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
+                      .arg(ResponseFailureText(response)));
         return;
     }
     _modemItems.clear();
@@ -720,8 +717,7 @@ void MessagesPlugin::deleteFromModem(const BLSmsListItem& item, const QString& f
             if (generation != _generation)
                 return;
             if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
-                showError(failureText.arg(QString::fromStdString(
-                    FailureText(code, WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
+                showError(failureText.arg(ResponseFailureText(response)));
             } else {
                 _modemItems.removeIf([&item](const BLSmsListItem& held) {
                     return held.nStoreIn == item.nStoreIn && held.nRef == item.nRef;

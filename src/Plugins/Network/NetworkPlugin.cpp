@@ -57,9 +57,7 @@ QString FailedText(const QString& what, const QVariantMap& response) {
     const int code = WorkNotification::GetErrorCode(response);
     if (code == WORKER_ERR_NO_DATA_DEVICE)
         return NetworkPlugin::tr("%1 failed: the modem was unplugged.").arg(what);
-    return NetworkPlugin::tr("%1 failed: %2 (code %3).")
-        .arg(what, Q(FailureText(code, WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp)))
-        .arg(code);
+    return NetworkPlugin::tr("%1 failed: %2 (code %3).").arg(what, ResponseFailureText(response)).arg(code);
 }
 
 } // namespace

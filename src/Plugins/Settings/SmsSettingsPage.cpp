@@ -16,7 +16,6 @@
 #include "ConvertUtilty.h"
 #include "FailureText.h"
 #include "ModemLink.h"
-#include "StatusText.h"
 #include "UserDefaults.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
@@ -49,10 +48,7 @@ QString FailedText(const QString& what, const QVariantMap& response) {
     const int code = WorkNotification::GetErrorCode(response);
     if (code == WORKER_ERR_NO_DATA_DEVICE)
         return SmsSettingsPage::tr("%1: the modem was unplugged.").arg(what);
-    const int cause = WorkNotification::GetSubErrorCode(response);
-    return SmsSettingsPage::tr("%1 failed: %2 (code %3).")
-        .arg(what, QString::fromStdString(FailureText(code, cause, FrontEnd::DesktopApp)))
-        .arg(code);
+    return SmsSettingsPage::tr("%1 failed: %2 (code %3).").arg(what, ResponseFailureText(response)).arg(code);
 }
 
 } // namespace

@@ -12,7 +12,6 @@
 
 #include "CNSLabels.h"
 #include "FailureText.h"
-#include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
 
@@ -157,11 +156,9 @@ void ToolkitPlugin::loadMenu(const QString& note) {
                 return;
             setBusy(false);
             if (const int code = WorkNotification::GetErrorCode(response)) {
-                showNoMenu(
-                    tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
-                       "menu; press Read again to retry.")
-                        .arg(QString::fromStdString(FailureText(
-                            code, WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
+                showNoMenu(tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
+                              "menu; press Read again to retry.")
+                               .arg(ResponseFailureText(response)));
                 return;
             }
             const auto menu = WorkNotification::GetValueObject(response).value<BLSatCommand>();
