@@ -8,7 +8,7 @@
 // Why a request failed, in words with what to do next, for the tool and the desktop app alike. The modem's
 // own cause (a response's "SUB_ERROR_CODE", see ModemErrorCause.h) says more than the result code, so it
 // wins when it is known; otherwise the result code's meaning (ResultCodeText). Where the next step differs
-// between the front ends ("dialtone pin verify PIN" or the PIN page), each gets its own.
+// between the front ends ("dialtone pin verify PIN" or the app's "Unlock the SIM"), each gets its own.
 
 enum class FrontEnd { Tool, DesktopApp };
 
