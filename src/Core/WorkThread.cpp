@@ -6,6 +6,7 @@
 #include "ComOperation.h"
 #include "DeviceUtility.h"
 #include "GUIThreadAgent.h"
+#include "ModemErrorCause.h"
 #include "NetworkOperator.h"
 #include "SleepWatcher.h"
 #include "USBDetector.h"
@@ -26,6 +27,10 @@
 namespace {
 
 std::atomic<WorkThread*> g_workThread{nullptr};
+
+// The modem's last "+CME ERROR"/"+CMS ERROR" cause during the request the worker is running; requests run
+// one at a time on the worker's thread.
+thread_local int t_modemErrorCause = 0;
 
 constexpr int kSwitchTries = 21;
 constexpr useconds_t kSwitchRetrySleep = 500;
@@ -173,6 +178,8 @@ int g_ExecAT(const char* command, const char* expected, int timeoutMs, const std
     const int32_t code =
         ComOperation::GetInstance()->writeCom(command, expected, g_ExecATTimeoutSeconds(timeoutMs), response);
     CNSLOG(0, "\nRECEIVE: <<%s", response.c_str());
+    if (const int cause = ModemErrorCause(response))
+        t_modemErrorCause = cause;
     return g_commErrorMapToVELError(code);
 }
 
@@ -306,8 +313,19 @@ void WorkThread::runAsyncRequest(const QString& name, QObject* sender, const QSt
     respond(name, sender, result);
 }
 
-int WorkThread::messageHandle(const QString& name, QObject*, const QVariantMap& userInfo,
+int WorkThread::messageHandle(const QString& name, QObject* sender, const QVariantMap& userInfo,
                               QVariantMap& result) {
+    // A failure carries the modem's own cause beside the result code, so that the front ends can say it.
+    t_modemErrorCause = 0;
+    const int err = dispatchMessage(name, sender, userInfo, result);
+    if (err != 0 && t_modemErrorCause != 0) {
+        WorkNotification::SetSubErrorCode(result, t_modemErrorCause);
+    }
+    return err;
+}
+
+int WorkThread::dispatchMessage(const QString& name, QObject*, const QVariantMap& userInfo,
+                                QVariantMap& result) {
     for (const RequestEntry& entry : kRequestTable) {
         if (*entry.name != name) {
             continue;

@@ -56,7 +56,8 @@ public:
     void asyncRequest(const QString& name, QObject* sender, const QVariantMap& userInfo) override;
 
     // The dispatcher: the business method's code, 35 for an unknown name. Before the first init there is
-    // no business object and every known request answers 0 without doing anything.
+    // no business object and every known request answers 0 without doing anything. A failure carries the
+    // modem's "+CME ERROR"/"+CMS ERROR" cause under "SUB_ERROR_CODE" (ModemErrorCause.h).
     int messageHandle(const QString& name, QObject* sender, const QVariantMap& userInfo, QVariantMap& result);
     // Builds the modem stack: 0; 1 unplugged at first start or no sublayer; 27 no AT port; 28 the port
     // does not open; 30 the mode switch failed; 31 the modem's start-up commands failed.
@@ -85,6 +86,8 @@ public:
     static QStringList requestNames();
 
 private:
+    int dispatchMessage(const QString& name, QObject* sender, const QVariantMap& userInfo,
+                        QVariantMap& result);
     void respond(const QString& name, QObject* receiver, const QVariantMap& data);
     void runAsyncRequest(const QString& name, QObject* sender, const QString& senderClass,
                          const QVariantMap& userInfo);

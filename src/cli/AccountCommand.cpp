@@ -18,6 +18,7 @@
 #include "GUIThreadAgent.h"
 #include "ModemSession.h"
 #include "NotificationCenter.h"
+#include "TerminalText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -81,22 +82,22 @@ std::string LengthText(const _TAccountInputItem& field) {
 
 void PrintMenu(const _TAccountData& data) {
     if (!data.strTip.empty())
-        std::printf("%s\n\n", Utf8(data.strTip).c_str());
+        std::printf("%s\n\n", TerminalText(Utf8(data.strTip), LineBreaks::Keep).c_str());
     int groupNumber = 0;
     for (const _TAccountGroupItem& group : data.groups) {
-        std::printf("%d %s\n", ++groupNumber, Utf8(group.strName).c_str());
+        std::printf("%d %s\n", ++groupNumber, TerminalText(Utf8(group.strName)).c_str());
         int itemNumber = 0;
         for (const _TAccountUSSDItem& item : group.items) {
             std::string codes;
             for (const _TAccountButtonItem& button : item.buttons)
-                codes += (codes.empty() ? "" : ", ") + Utf8(button.strCode);
-            std::printf("  %d.%d %s  [%s]\n", groupNumber, ++itemNumber, Utf8(item.strText).c_str(),
-                        codes.c_str());
+                codes += (codes.empty() ? "" : ", ") + TerminalText(Utf8(button.strCode));
+            std::printf("  %d.%d %s  [%s]\n", groupNumber, ++itemNumber,
+                        TerminalText(Utf8(item.strText)).c_str(), codes.c_str());
             for (const _TAccountInputItem& input : item.inputs) {
-                std::printf("        input: %s (%s characters", Utf8(input.strTitle).c_str(),
+                std::printf("        input: %s (%s characters", TerminalText(Utf8(input.strTitle)).c_str(),
                             LengthText(input).c_str());
                 if (!input.strLimitation.empty())
-                    std::printf(" of %s", Utf8(input.strLimitation).c_str());
+                    std::printf(" of %s", TerminalText(Utf8(input.strLimitation)).c_str());
                 std::printf(")\n");
             }
         }
@@ -211,7 +212,7 @@ int RunEntry(CliContext& context, AccountController& controller, const QString& 
         exchanges.back().answer = answer->toStdString();
         exchanges.back().question = question;
         if (!context.json) {
-            std::printf("%s\n", answer->toUtf8().constData());
+            std::printf("%s\n", TerminalText(*answer, LineBreaks::Keep).c_str());
             std::fflush(stdout);
         }
         if (!question)
@@ -312,6 +313,6 @@ void AddAccountCommand(CLI::App& app, CliContext& context) {
     account->callback([&app, &context, arguments] {
         arguments->waitGiven = app.count("--wait") > 0;
         context.exitCode =
-            RunInSession(context, [&](ModemSession& s) { return Account(context, s, *arguments); });
+            RunWithSim(context, [&](ModemSession& s) { return Account(context, s, *arguments); });
     });
 }

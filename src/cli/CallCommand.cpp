@@ -2,6 +2,7 @@
 
 #include <QThread>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <memory>
@@ -13,6 +14,7 @@
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "RecordJson.h"
+#include "TerminalText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -22,6 +24,8 @@ constexpr int kDialDeadlineSeconds = 75;
 constexpr int kListPollMs = 500;
 constexpr int kDirectionOutgoing = 0;
 constexpr int kStateActive = 0;
+constexpr int kStateIncoming = 4;
+constexpr int kStateWaiting = 5;
 
 struct CallArguments {
     std::string number;
@@ -47,8 +51,8 @@ const char* StateText(int state) {
     }
 }
 
-// The call family's results in words; others as the session words them.
-std::string CallResultText(int code) {
+// The call family's results in words (the final results of ATD); others as the session words them.
+const char* CallResultText(int code) {
     switch (code) {
     case 25:
         return "no carrier: the call was not set up or has ended";
@@ -59,15 +63,16 @@ std::string CallResultText(int code) {
     case 28:
         return "no dial tone";
     default:
-        return ResultCodeText(code);
+        return nullptr;
     }
 }
 
-int Check(const CliContext& context, const QVariantMap& response, const std::string& what) {
+int Check(const CliContext& context, ModemSession& session, const QVariantMap& response,
+          const std::string& what) {
     const int code = WorkNotification::GetErrorCode(response);
-    if (code == WORKER_OK)
-        return EXIT_OK;
-    return ReportFailure(context, code, what + ": " + CallResultText(code));
+    if (const char* text = CallResultText(code))
+        return ReportFailure(context, code, what + ": " + text);
+    return session.check(response, what);
 }
 
 nlohmann::json CallJson(const BLCallItem& call) {
@@ -79,7 +84,7 @@ nlohmann::json CallJson(const BLCallItem& call) {
 
 int ReadCalls(const CliContext& context, ModemSession& session, QList<BLCallItem>& calls) {
     const QVariantMap response = session.request(MESSAGE_CALL_GET_LIST);
-    if (const int failed = Check(context, response, "reading the calls"))
+    if (const int failed = Check(context, session, response, "reading the calls"))
         return failed;
     calls = RecordList<BLCallItem>(WorkNotification::GetValueObject(response));
     return EXIT_OK;
@@ -105,7 +110,7 @@ int List(CliContext& context, ModemSession& session) {
     for (const BLCallItem& call : calls) {
         std::printf("%3d  %-8s  %-24s  %s\n", call.nIndex,
                     call.nDir == kDirectionOutgoing ? "outgoing" : "incoming", StateText(call.nState),
-                    NumberForReading(call.strNumber, region).c_str());
+                    TerminalText(NumberForReading(call.strNumber, region)).c_str());
     }
     return EXIT_OK;
 }
@@ -127,7 +132,7 @@ int Dial(CliContext& context, ModemSession& session, const std::string& typed) {
     ReportProgress("calling " + number);
     const QVariantMap response =
         session.request(MESSAGE_CALL_DIAL, QString::fromStdString(number), kDialDeadlineSeconds);
-    if (const int failed = Check(context, response, "calling " + number))
+    if (const int failed = Check(context, session, response, "calling " + number))
         return failed;
 
     // The modem may answer the dial before the other end does: follow the call list.
@@ -163,13 +168,26 @@ int Dial(CliContext& context, ModemSession& session, const std::string& typed) {
 int Simple(CliContext& context, ModemSession& session, const QString& name, const QVariant& argument,
            const std::string& what, const char* done) {
     const QVariantMap response = session.request(name, argument);
-    if (const int failed = Check(context, response, what))
+    if (const int failed = Check(context, session, response, what))
         return failed;
     if (context.json)
         PrintJson({{"ERROR_CODE", 0}});
     else
         std::printf("%s\n", done);
     return EXIT_OK;
+}
+
+// Answering with no call to answer is refused at once: the modem would only give up after its time-out.
+int Answer(CliContext& context, ModemSession& session) {
+    QList<BLCallItem> calls;
+    if (const int failed = ReadCalls(context, session, calls))
+        return failed;
+    const bool ringing = std::any_of(calls.cbegin(), calls.cend(), [](const BLCallItem& call) {
+        return call.nState == kStateIncoming || call.nState == kStateWaiting;
+    });
+    if (!ringing)
+        return ReportFailure(context, WORKER_ERR_GENERAL, "answering: there is no incoming call");
+    return Simple(context, session, MESSAGE_CALL_ANSWER, {}, "answering", "Call answered");
 }
 
 } // namespace
@@ -185,13 +203,11 @@ void AddCallCommand(CLI::App& app, CliContext& context) {
         ->check(NumberOrCodeRefusal);
     dial->callback([&context, arguments] {
         context.exitCode =
-            RunInSession(context, [&](ModemSession& s) { return Dial(context, s, arguments->number); });
+            RunWithSim(context, [&](ModemSession& s) { return Dial(context, s, arguments->number); });
     });
 
     call->add_subcommand("answer", "Take the incoming call")->callback([&context] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) {
-            return Simple(context, s, MESSAGE_CALL_ANSWER, {}, "answering", "Call answered");
-        });
+        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Answer(context, s); });
     });
     call->add_subcommand("hangup", "End the calls")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) {

@@ -6,11 +6,20 @@
 #include <unistd.h>
 
 #include "AtParameter.h"
+#include "FailureText.h"
 
-int ReportFailure(const CliContext& context, int resultCode, const std::string& what) {
-    std::fprintf(stderr, "dialtone: %s (result %d)\n", what.c_str(), resultCode);
-    if (context.json)
-        PrintJson({{"ERROR_CODE", resultCode}});
+int ReportFailure(const CliContext& context, int resultCode, const std::string& what, int cause) {
+    const std::string causeName = ModemCauseName(cause);
+    if (causeName.empty())
+        std::fprintf(stderr, "dialtone: %s (result %d)\n", what.c_str(), resultCode);
+    else
+        std::fprintf(stderr, "dialtone: %s (result %d, %s)\n", what.c_str(), resultCode, causeName.c_str());
+    if (context.json) {
+        nlohmann::json error{{"ERROR_CODE", resultCode}, {"error", what}};
+        if (cause != 0)
+            error["SUB_ERROR_CODE"] = cause;
+        PrintJson(error);
+    }
     return EXIT_FAILED;
 }
 

@@ -27,9 +27,10 @@ struct CliContext {
     int exitCode = EXIT_OK;  // set by the command that ran
 };
 
-// Reports a failed operation: "dialtone: <what> (result <code>)" on standard error, and the error object
-// with --json. Returns EXIT_FAILED.
-int ReportFailure(const CliContext& context, int resultCode, const std::string& what);
+// Reports a failed operation: "dialtone: <what> (result <code>)" on standard error, with the modem's own
+// cause beside the code when there is one; with --json {"ERROR_CODE": code, "error": what} (and
+// "SUB_ERROR_CODE": cause) on standard output. Returns EXIT_FAILED.
+int ReportFailure(const CliContext& context, int resultCode, const std::string& what, int cause = 0);
 // Reports a usage error found after parsing (an argument CLI11 could not check). Returns EXIT_USAGE.
 int ReportUsage(const std::string& what);
 // Refuses text that cannot go to the modem as it stands (a double quote, a semicolon, a backslash, a

@@ -378,7 +378,7 @@ void AddConnectCommand(CLI::App& app, CliContext& context) {
                         "The profile's name, or its number in \"dialtone profiles list\"");
     connect->add_flag("--hold", *hold, "Stay in the foreground, record the traffic, hang up on Ctrl-C");
     connect->callback([&context, profile, hold] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) {
+        context.exitCode = RunWithSim(context, [&](ModemSession& s) {
             return WithConnector(context, s, true,
                                  [&](ConnectorRun& run) { return Connect(context, run, *profile, *hold); });
         });

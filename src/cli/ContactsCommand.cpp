@@ -1,5 +1,6 @@
 #include "ContactsCommand.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -8,6 +9,7 @@
 #include "NumberArguments.h"
 #include "PhonebookRecords.h"
 #include "RecordJson.h"
+#include "TerminalText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -37,7 +39,8 @@ QString Q(const std::string& text) {
 
 // The name padded to a column width in characters, not bytes.
 std::string Padded(const QString& name, int width) {
-    return name.leftJustified(width).toStdString();
+    return TerminalText(name).append(static_cast<std::size_t>(std::max<qsizetype>(0, width - name.size())),
+                                     ' ');
 }
 
 int List(CliContext& context, ModemSession& session) {
@@ -61,7 +64,7 @@ int List(CliContext& context, ModemSession& session) {
     std::printf("%-6s %5s  %-30s %s\n", "STORE", "INDEX", "NAME", "NUMBER");
     for (const BLPbItem& item : items) {
         std::printf("%-6s %5d  %s %s\n", StoreName(item.nStore), item.nIndex,
-                    Padded(item.strName, 30).c_str(), NumberForReading(item.strNumber, region).c_str());
+                    Padded(item.strName, 30).c_str(), TerminalText(NumberForReading(item.strNumber, region)).c_str());
     }
     return EXIT_OK;
 }
@@ -87,6 +90,33 @@ int Info(CliContext& context, ModemSession& session) {
     return EXIT_OK;
 }
 
+// The SIM's and the modem's limits are known: a name or number that does not fit is refused here with the
+// numbers, rather than sent for the modem's bare "text string too long". EXIT_OK when it fits.
+int RefuseWhatDoesNotFit(CliContext& context, ModemSession& session, const ContactsArguments& arguments,
+                         const std::string& number, const std::string& what) {
+    const QVariantMap limits = session.request(MESSAGE_PB_GET_CONSTRAINT);
+    if (WorkNotification::GetErrorCode(limits) != WORKER_OK)
+        return EXIT_OK; // the modem's own answer will tell
+    const auto constraint = WorkNotification::GetValueObject(limits).value<BLPbConstraint>();
+    const bool sim = arguments.store == "sim";
+    const int maxName = sim ? constraint.nSimMaxNameLen : constraint.nMeMaxNameLen;
+    const int maxNumber = sim ? constraint.nSimMaxNumberLen : constraint.nMeMaxNumberLen;
+    const auto nameLength = static_cast<int>(Q(arguments.name).toUcs4().size());
+    // The leading "+" is the number's type, not one of its digits.
+    const auto numberLength = static_cast<int>(number.size()) - (number.starts_with('+') ? 1 : 0);
+    const char* holder = sim ? "this SIM takes" : "the modem's phonebook takes";
+    std::string problem;
+    if (maxName > 0 && nameLength > maxName)
+        problem = "the name is " + std::to_string(nameLength) + " characters; " + holder + " at most " +
+                  std::to_string(maxName);
+    else if (maxNumber > 0 && numberLength > maxNumber)
+        problem = "the number is " + std::to_string(numberLength) + " digits; " + holder + " at most " +
+                  std::to_string(maxNumber);
+    if (problem.empty())
+        return EXIT_OK;
+    return ReportFailure(context, WORKER_ERR_INVALID_ARGUMENT, what + ": " + problem);
+}
+
 int Add(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
     if (const int refused = CheckModemText("the name", arguments.name, kContactNameMaxLength))
         return refused;
@@ -99,6 +129,19 @@ int Add(CliContext& context, ModemSession& session, const ContactsArguments& arg
         return failed;
     const QVariantMap usage = session.request(MESSAGE_PB_GET_STORAGE_INFO);
     if (const int failed = session.check(usage, "reading the phonebooks' use"))
+        return failed;
+    const auto info = WorkNotification::GetValueObject(usage).value<BLPBStorageInfo>();
+    const bool sim = arguments.store == "sim";
+    const int used = sim ? info.nSimUsed : info.nMeUsed;
+    const int total = sim ? info.nSimTotal : info.nMeTotal;
+    if (total > 0 && used >= total) {
+        return ReportFailure(
+            context, WORKER_ERR_GENERAL,
+            "adding the contact: the " + arguments.store + " phonebook is full (" + std::to_string(used) +
+                " of " + std::to_string(total) + " used): delete a contact first (dialtone contacts delete " +
+                arguments.store + " INDEX), or add it with --store " + (sim ? "modem" : "sim"));
+    }
+    if (const int failed = RefuseWhatDoesNotFit(context, session, arguments, *number, "adding the contact"))
         return failed;
     const BLPBNewItem item{StoreCode(arguments.store), Q(arguments.name), Q(*number)};
     const QVariantMap response = session.request(MESSAGE_PB_ADD_ITEM, QVariant::fromValue(item));
@@ -118,6 +161,8 @@ int Update(CliContext& context, ModemSession& session, const ContactsArguments& 
     const std::optional<std::string> number = DialNumberOrCode(arguments.number, SessionRegion(session));
     if (!number)
         return EXIT_USAGE;
+    if (const int failed = RefuseWhatDoesNotFit(context, session, arguments, *number, "updating the contact"))
+        return failed;
     const BLPbItem item{StoreCode(arguments.store), Q(arguments.name), Q(*number), arguments.index};
     const QVariantMap response = session.request(MESSAGE_PB_UPDATE_ITEM, QVariant::fromValue(item));
     if (const int failed = session.check(response, "updating the contact"))
@@ -158,10 +203,10 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
     auto arguments = std::make_shared<ContactsArguments>();
 
     contacts->add_subcommand("list", "Every contact of both phonebooks")->callback([&context] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) { return List(context, s); });
+        context.exitCode = RunWithSim(context, [&](ModemSession& s) { return List(context, s); });
     });
     contacts->add_subcommand("info", "Use and limits of both phonebooks")->callback([&context] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Info(context, s); });
+        context.exitCode = RunWithSim(context, [&](ModemSession& s) { return Info(context, s); });
     });
 
     CLI::App* add = contacts->add_subcommand("add", "Add a contact at the first free index");
@@ -170,8 +215,7 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
     add->add_option("--store", arguments->store, "The phonebook: sim (default) or modem")
         ->check(CLI::IsMember({"sim", "modem"}));
     add->callback([&context, arguments] {
-        context.exitCode =
-            RunInSession(context, [&](ModemSession& s) { return Add(context, s, *arguments); });
+        context.exitCode = RunWithSim(context, [&](ModemSession& s) { return Add(context, s, *arguments); });
     });
 
     CLI::App* update = contacts->add_subcommand("update", "Overwrite the contact at an index");
@@ -180,13 +224,13 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
     update->add_option("NUMBER", arguments->number, "The number")->required()->check(NumberOrCodeRefusal);
     update->callback([&context, arguments] {
         context.exitCode =
-            RunInSession(context, [&](ModemSession& s) { return Update(context, s, *arguments); });
+            RunWithSim(context, [&](ModemSession& s) { return Update(context, s, *arguments); });
     });
 
     CLI::App* remove = contacts->add_subcommand("delete", "Delete the contact at an index");
     AddStoreOption(remove, *arguments);
     remove->callback([&context, arguments] {
         context.exitCode =
-            RunInSession(context, [&](ModemSession& s) { return Delete(context, s, *arguments); });
+            RunWithSim(context, [&](ModemSession& s) { return Delete(context, s, *arguments); });
     });
 }

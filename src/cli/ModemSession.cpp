@@ -22,6 +22,7 @@
 #include "AppConfig.h"
 #include "BLRecords.h"
 #include "DeviceUtility.h"
+#include "FailureText.h"
 #include "GUIThreadAgent.h"
 #include "WorkNotification.h"
 
@@ -68,9 +69,15 @@ private:
             }
             if (_wake.wait_until(lock, _deadline) == std::cv_status::timeout && _armed && !_quit &&
                 Clock::now() >= _deadline) {
-                std::fprintf(stderr, "dialtone: %s: the modem did not answer in time\n", _what.c_str());
-                if (_json)
-                    std::printf("{\n  \"ERROR_CODE\": %d\n}\n", WORKER_ERR_TIME_OUT);
+                static constexpr const char kLate[] = "the modem did not answer in time";
+                std::fprintf(stderr, "dialtone: %s: %s (result %d)\n", _what.c_str(), kLate,
+                             WORKER_ERR_TIME_OUT);
+                if (_json) {
+                    const nlohmann::json error{{"ERROR_CODE", WORKER_ERR_TIME_OUT},
+                                               {"error", _what + ": " + kLate}};
+                    std::printf("%s\n",
+                                error.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+                }
                 std::fflush(stdout);
                 if (_simulator > 0)
                     kill(_simulator, SIGTERM);
@@ -98,6 +105,14 @@ private:
 Watchdog& TheWatchdog() {
     static Watchdog watchdog;
     return watchdog;
+}
+
+// Are the modem's ports still there? They go when the stick is pulled.
+bool ModemPresent() {
+    QString dialName;
+    QString atName;
+    return DeviceUtility::getModemDeviceName(dialName, atName) && !atName.isEmpty() &&
+           access((DeviceUtility::deviceDir() + "/" + atName).toLocal8Bit().constData(), F_OK) == 0;
 }
 
 // Is the file locked by another process, the way the modem link locks its port?
@@ -212,11 +227,33 @@ QVariantMap ModemSession::request(const QString& name, const QVariant& argument,
     return response;
 }
 
+int ModemSession::checkPresent(const std::string& what) {
+    if (ModemPresent())
+        return EXIT_OK;
+    return ReportFailure(_context, WORKER_ERR_NO_DATA_DEVICE,
+                         what + ": the modem was unplugged (plug it in and run the command again)");
+}
+
 int ModemSession::check(const QVariantMap& response, const std::string& what) {
     const int code = WorkNotification::GetErrorCode(response);
     if (code == WORKER_OK)
         return EXIT_OK;
-    return ReportFailure(_context, code, what + ": " + ResultCodeText(code));
+    // A pulled stick cancels the command under way, and every later one fails the same way.
+    if (const int gone = checkPresent(what))
+        return gone;
+    const int cause = WorkNotification::GetSubErrorCode(response);
+    return ReportFailure(_context, code, what + ": " + FailureText(code, cause), cause);
+}
+
+int ModemSession::requireSim() {
+    const QVariantMap response = request(MESSAGE_PIN_CHECK_STATE);
+    if (WorkNotification::GetErrorCode(response) != WORKER_OK)
+        return check(response, "reading the SIM's state");
+    std::string text;
+    int code = WORKER_OK;
+    if (!SimUnusable(WorkNotification::GetValueObject(response).value<BLPinCheckState>().nState, text, code))
+        return EXIT_OK;
+    return ReportFailure(_context, code, text);
 }
 
 int RunInSession(CliContext& context, const std::function<int(ModemSession&)>& command) {
@@ -224,4 +261,12 @@ int RunInSession(CliContext& context, const std::function<int(ModemSession&)>& c
     if (!session.open())
         return context.exitCode;
     return command(session);
+}
+
+int RunWithSim(CliContext& context, const std::function<int(ModemSession&)>& command) {
+    return RunInSession(context, [&command](ModemSession& session) {
+        if (const int failed = session.requireSim())
+            return failed;
+        return command(session);
+    });
 }

@@ -44,9 +44,18 @@ public:
     // The worker's request end, for controllers that send asynchronous requests; null before open().
     DeviceWorkRequestInterface* workTarget() const;
 
-    // The response's "ERROR_CODE" reported as a failure of what was tried (text and code on standard
-    // error, the error object with --json); EXIT_FAILED, or EXIT_OK when the code is 0.
+    // The response's "ERROR_CODE" reported as a failure of what was tried, with its cause in words (the
+    // modem's own cause when the response carries one, "the modem was unplugged" when it is gone): text
+    // and code on standard error, the error object with --json; EXIT_FAILED, or EXIT_OK when the code is 0.
     int check(const QVariantMap& response, const std::string& what);
+
+    // EXIT_OK while the modem's ports are there; once the stick is pulled, "<what>: the modem was unplugged"
+    // reported as a failure. For answers that succeed with empty fields when the modem is gone.
+    int checkPresent(const std::string& what);
+
+    // For commands that need the SIM: EXIT_OK when it can be used, else the failure reported with what to
+    // do ("the SIM is locked: dialtone pin verify PIN") before anything else is asked of it.
+    int requireSim();
 
 private:
     int diagnoseOpenFailure(int code);
@@ -59,6 +68,7 @@ private:
     WorkNotification* _notification = nullptr;
 };
 
-
 // Opens a session and runs the command in it: the command's exit status, or the session's failure.
 int RunInSession(CliContext& context, const std::function<int(ModemSession&)>& command);
+// The same for a command that needs the SIM: a locked or missing SIM is reported instead of running it.
+int RunWithSim(CliContext& context, const std::function<int(ModemSession&)>& command);

@@ -8,6 +8,7 @@
 #include "ModemSession.h"
 #include "RecordJson.h"
 #include "StatusText.h"
+#include "TerminalText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -30,7 +31,7 @@ struct NetworkArguments {
 };
 
 std::string Text(const QString& text) {
-    return text.isEmpty() ? "-" : text.toStdString();
+    return text.isEmpty() ? "-" : TerminalText(text);
 }
 
 // Prints the request's value: JSON, or the text the command makes of it.
@@ -50,7 +51,7 @@ int Run(CliContext& context, ModemSession& session, const QString& name, const Q
 
 void ShowInfo(const QVariant& value) {
     const auto info = value.value<BLNetworkInfo>();
-    std::printf("Operator:        %s\n", OperatorText(info.strOperator, {}).c_str());
+    std::printf("Operator:        %s\n", TerminalText(OperatorText(info.strOperator, {})).c_str());
     if (!info.strSpName.isNull())
         std::printf("Provider:        %s\n", Text(info.strSpName).c_str());
     std::printf("Selection:       %s\n", info.nMode == kModeAutomatic ? "automatic"
@@ -116,7 +117,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
 
     network->add_subcommand("scan", "Search for the operators in reach (takes up to a few minutes)")
         ->callback([&context] {
-            context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
+            context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
                 ReportProgress("Searching for networks, this can take a minute...");
                 return Run(context, s, MESSAGE_NETWORK_GET_LIST, {}, "searching for networks",
                            kScanDeadlineSeconds, ShowList);
@@ -145,7 +146,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
             set.nMask |= kMaskAcT;
             set.nAcT = *arguments->act;
         }
-        context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
+        context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
             return Run(context, s, MESSAGE_NETWORK_SET, QVariant::fromValue(set), "selecting the network",
                        kScanDeadlineSeconds, [](const QVariant&) { ShowDone("Network selected"); });
         });
@@ -155,7 +156,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
         BLNetworkSet set;
         set.nMask = kMaskMode;
         set.nMode = kModeAutomatic;
-        context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
+        context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
             return Run(context, s, MESSAGE_NETWORK_SET, QVariant::fromValue(set), "selecting automatic mode",
                        kScanDeadlineSeconds,
                        [](const QVariant&) { ShowDone("Automatic network selection"); });

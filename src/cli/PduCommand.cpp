@@ -11,6 +11,7 @@
 
 #include "NumberArguments.h"
 #include "SmsUtility.h"
+#include "TerminalText.h"
 #include "ValidityCode.h"
 
 namespace {
@@ -164,8 +165,9 @@ json PduJson(const TPduData& pdu, const TMsgPacket& packet, int alphabet) {
 void PrintDecoded(const TPduData& pdu, const TMsgPacket& packet, int alphabet) {
     static const char* const alphabets[] = {"7-bit", "UCS2", "8-bit data", "reserved"};
     const TTpduData& tpdu = pdu.tpdu;
+    // Addresses and texts come from the PDU as it was given: shown, never obeyed.
     const auto line = [](const char* label, const std::string& value) {
-        std::printf("%-16s%s\n", label, value.c_str());
+        std::printf("%-16s%s\n", label, TerminalText(value, LineBreaks::Keep).c_str());
     };
     char buffer[96];
     uint8_t dcs = 0;

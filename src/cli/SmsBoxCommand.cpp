@@ -14,6 +14,7 @@
 #include "RecordJson.h"
 #include "SMS/MessageItem.h"
 #include "SMS/SMSStorage.h"
+#include "TerminalText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -44,15 +45,13 @@ void PrintBox(const CliContext& context, const QList<MessageItem>& items, const 
     }
     int position = 0;
     for (const MessageItem& item : items) {
-        QString text = item.getContent();
-        text.replace(QLatin1Char('\n'), QLatin1Char(' '));
         const QDateTime time = item.getCreateTime();
         QStringList numbers;
         for (const QString& number : item.getNumbers())
             numbers << QString::fromStdString(NumberForReading(number, region));
-        std::cout << ++position << "  " << numbers.join(QStringLiteral(", ")).toStdString() << "  "
+        std::cout << ++position << "  " << TerminalText(numbers.join(QStringLiteral(", "))) << "  "
                   << (time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd hh:mm")).toStdString() : "-")
-                  << "  " << text.toUtf8().toStdString() << '\n';
+                  << "  " << TerminalText(item.getContent()) << '\n';
     }
 }
 

@@ -7,6 +7,7 @@
 #include <QSettings>
 #include <QTimer>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -28,6 +29,7 @@
 #include "SMS/SMSExt.h"
 #include "SmsBoxCommand.h"
 #include "SmsUtility.h"
+#include "TerminalText.h"
 #include "UserDataFolder.h"
 #include "ValidityCode.h"
 #include "WorkNotification.h"
@@ -117,23 +119,17 @@ std::string StateText(const BLSmsListItem& item) {
     return item.nTag >= 0 && item.nTag < 4 ? tags[item.nTag] : "?";
 }
 
-std::string OneLine(const QString& text) {
-    QString line = text;
-    line.replace(QLatin1Char('\n'), QLatin1Char(' ')).replace(QLatin1Char('\r'), QLatin1Char(' '));
-    return line.toUtf8().toStdString();
-}
-
 std::string TimeText(const QDateTime& time) {
     return time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd hh:mm")).toStdString() : "-";
 }
 
 void PrintItem(const BLSmsListItem& item, const std::string& region) {
     std::string text = item.nType == 2 ? "delivery status " + std::to_string(item.nStatusReportStatus)
-                                       : OneLine(item.strContent);
+                                       : TerminalText(item.strContent);
     if (!item.nCompleted && item.nType != 2)
         text += " (incomplete)";
     std::printf("%4d  %-5s  %-6s  %-16s  %-16s  %s\n", item.nRef, StorageName(item.nStoreIn).c_str(),
-                StateText(item).c_str(), NumberForReading(item.strAddress, region).c_str(),
+                StateText(item).c_str(), TerminalText(NumberForReading(item.strAddress, region)).c_str(),
                 TimeText(item.dateTime).c_str(), text.c_str());
 }
 
@@ -228,6 +224,10 @@ int Delete(const CliContext& context, ModemSession& session, int id) {
     QList<BLSmsListItem> items;
     if (const int failed = ReadList(session, items))
         return failed;
+    // An ID the list does not hold is the user's slip, refused before the modem is asked to delete.
+    if (std::none_of(items.cbegin(), items.cend(),
+                     [id](const BLSmsListItem& item) { return item.nRef == id; }))
+        return ReportUsage("no message " + std::to_string(id) + " (dialtone sms list shows the IDs)");
     const QVariantMap response = session.request(MESSAGE_SMS_DELETE, id);
     if (const int failed = session.check(response, "deleting message " + std::to_string(id)))
         return failed;
@@ -263,12 +263,12 @@ int Watch(const CliContext& context, ModemSession& session) {
                 std::cout << VariantToJson(value).dump(-1, ' ', false, json::error_handler_t::replace)
                           << '\n';
             } else if (item.nType == 2) {
-                std::cout << "Delivery report from " << NumberForReading(item.strAddress, region)
+                std::cout << "Delivery report from " << TerminalText(NumberForReading(item.strAddress, region))
                           << ": status " << item.nStatusReportStatus << " (message " << item.nRef << ")\n";
             } else {
-                std::cout << "Message " << item.nRef << " from " << NumberForReading(item.strAddress, region)
-                          << " at " << TimeText(item.dateTime) << ": "
-                          << item.strContent.toUtf8().toStdString() << '\n';
+                std::cout << "Message " << item.nRef << " from "
+                          << TerminalText(NumberForReading(item.strAddress, region)) << " at "
+                          << TimeText(item.dateTime) << ": " << TerminalText(item.strContent) << '\n';
             }
             std::cout.flush();
         });
@@ -342,7 +342,7 @@ int ServiceCentre(const CliContext& context, ModemSession& session, const std::s
     if (context.json)
         PrintJson({{"strServiceCentre", current}});
     else
-        std::cout << "Service centre: " << (current.empty() ? "-" : current) << '\n';
+        std::cout << "Service centre: " << (current.empty() ? "-" : TerminalText(current)) << '\n';
     return EXIT_OK;
 }
 
@@ -380,7 +380,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
     sms->require_subcommand(1);
     auto arguments = std::make_shared<SmsArguments>();
     const auto run = [&context](std::function<int(ModemSession&)> command) {
-        context.exitCode = RunInSession(context, command);
+        context.exitCode = RunWithSim(context, command);
     };
 
     sms->add_subcommand("list", "The messages on the SIM, in the modem and on the computer")

@@ -6,12 +6,13 @@
 #include "ModemSession.h"
 #include "RecordJson.h"
 #include "StatusText.h"
+#include "TerminalText.h"
 #include "WorkNotification.h"
 
 namespace {
 
 std::string Text(const QString& text) {
-    return text.isEmpty() ? "-" : text.toStdString();
+    return text.isEmpty() ? "-" : TerminalText(text);
 }
 
 void PrintField(const char* label, const std::string& value) {
@@ -40,6 +41,9 @@ int Status(CliContext& context, ModemSession& session) {
     session.request(MESSAGE_MODEM_INIT);
     const QVariantMap connectResponse = session.request(MESSAGE_CONNECT_STATUS);
     const int connectStatus = WorkNotification::GetValueObject(connectResponse).toInt();
+    // What the modem could not tell stays empty, also when it was pulled meanwhile: that is no status.
+    if (const int gone = session.checkPresent("reading the modem's state"))
+        return gone;
 
     if (context.json) {
         nlohmann::json document{{"diagInfo", VariantToJson(WorkNotification::GetValueObject(diagResponse))},
@@ -65,7 +69,7 @@ int Status(CliContext& context, ModemSession& session) {
             sim += " (" + std::to_string(pin.nPukCnt) + " PUK attempts left)";
     }
     PrintField("SIM:", sim);
-    PrintField("Operator:", OperatorText(diag.strOperator, diag.strSpName));
+    PrintField("Operator:", TerminalText(OperatorText(diag.strOperator, diag.strSpName)));
     PrintField("Registration:",
                RegistrationText(diag.nNormalRegState) + ", packet " + RegistrationText(diag.nGprsRegState));
     PrintField("Roaming:", ServiceStateText(diag.nRoamState));
@@ -79,6 +83,8 @@ int Info(CliContext& context, ModemSession& session) {
     const QVariantMap response = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
     if (const int failed = session.check(response, "reading the equipment information"))
         return failed;
+    if (const int gone = session.checkPresent("reading the equipment information"))
+        return gone;
     const QVariant value = WorkNotification::GetValueObject(response);
     if (context.json)
         PrintJson(VariantToJson(value));

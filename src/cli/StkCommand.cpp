@@ -8,6 +8,7 @@
 
 #include "ModemSession.h"
 #include "SatRecords.h"
+#include "TerminalText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -49,13 +50,13 @@ bool IsMenu(const BLSatCommand& command) {
 }
 
 void PrintCommand(const BLSatCommand& command) {
-    const std::string text = command.strText.toStdString();
+    const std::string text = TerminalText(command.strText, LineBreaks::Keep);
     switch (command.nCommand) {
     case kMainMenu:
     case kSelectItem:
         std::printf("%s\n", text.c_str());
         for (const BLSatMenuItem& item : command.lstItems) {
-            std::printf("%4d  %s%s\n", item.nItemId, item.strText.toStdString().c_str(),
+            std::printf("%4d  %s%s\n", item.nItemId, TerminalText(item.strText).c_str(),
                         item.nItemId == command.nDefaultItem && command.nDefaultItem != 0 ? "  (default)"
                                                                                           : "");
         }
@@ -136,17 +137,22 @@ int Select(CliContext& context, ModemSession& session, const std::vector<std::st
     BLSatCommand current;
     if (const int failed = GetMenu(session, current))
         return failed;
+    bool chosen = false; // once an item is chosen the card has acted: a later miss is its answer, not a slip
     for (const std::string& argument : items) {
         if (!IsMenu(current)) {
             if (!context.json)
                 PrintCommand(current);
-            return ReportFailure(context, 1, "the SIM shows no menu to choose \"" + argument + "\" from");
+            return ReportFailure(context, 1,
+                                 "the SIM shows no menu to choose \"" + TerminalText(argument) + "\" from");
         }
         const std::optional<int> item = FindItem(current, argument);
         if (!item) {
-            return ReportFailure(
-                context, 1, "\"" + current.strText.toStdString() + "\" has no item \"" + argument + "\"");
+            const std::string what =
+                "\"" + TerminalText(current.strText) + "\" has no item \"" + TerminalText(argument) + "\"";
+            return chosen ? ReportFailure(context, 1, what)
+                          : ReportUsage(what + " (dialtone stk menu lists them)");
         }
+        chosen = true;
         BLSatResponse answer;
         answer.nCommand = current.nCommand;
         answer.nItemId = *item;
@@ -179,12 +185,12 @@ void AddStkCommand(CLI::App& app, CliContext& context) {
     CLI::App* stk = app.add_subcommand("stk", "The SIM toolkit's menus");
     stk->require_subcommand(1);
     stk->add_subcommand("menu", "The SIM's main menu")->callback([&context] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Menu(context, s); });
+        context.exitCode = RunWithSim(context, [&](ModemSession& s) { return Menu(context, s); });
     });
     auto items = std::make_shared<std::vector<std::string>>();
     CLI::App* select = stk->add_subcommand("select", "Choose items, menu by menu, and show the SIM's answer");
     select->add_option("ITEM", *items, "An item's identifier, position or text, one per menu")->required();
     select->callback([&context, items] {
-        context.exitCode = RunInSession(context, [&](ModemSession& s) { return Select(context, s, *items); });
+        context.exitCode = RunWithSim(context, [&](ModemSession& s) { return Select(context, s, *items); });
     });
 }

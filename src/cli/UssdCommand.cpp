@@ -17,6 +17,7 @@
 #include "ModemSession.h"
 #include "NotificationCenter.h"
 #include "RecordJson.h"
+#include "TerminalText.h"
 #include "UssdRecords.h"
 #include "WorkNotification.h"
 
@@ -86,7 +87,7 @@ void PrintAnswer(const CliContext& context, const BLUssdReceive& answer) {
                          .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
                   << std::endl;
     } else {
-        std::printf("%s\n", answer.strContent.toStdString().c_str());
+        std::printf("%s\n", TerminalText(answer.strContent, LineBreaks::Keep).c_str());
         std::fflush(stdout);
     }
 }
@@ -169,7 +170,7 @@ void AddUssdCommand(CLI::App& app, CliContext& context) {
             if ((context.exitCode = CheckModemText("the reply", reply, kUssdTextMaxLength)) != EXIT_OK)
                 return;
         }
-        context.exitCode = RunInSession(context, [&](ModemSession& s) {
+        context.exitCode = RunWithSim(context, [&](ModemSession& s) {
             return arguments->cancel ? Cancel(context, s) : Dialogue(context, s, *arguments);
         });
     });

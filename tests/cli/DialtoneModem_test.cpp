@@ -1,5 +1,6 @@
 // The dialtone tool against the simulated modem: exit codes, JSON output, PIN handling, named requests
-// with record arguments, and a port that another program holds.
+// with record arguments, a port that another program holds, failures told by their causes, a locked SIM
+// and a pulled stick.
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -19,6 +20,7 @@ namespace {
 using clitest::Outcome;
 using clitest::Parse;
 using clitest::RunDialtone;
+using clitest::ScenarioPatch;
 using clitest::SimulatedModem;
 using clitest::TempDir;
 using nlohmann::json;
@@ -111,7 +113,7 @@ TEST(DialtoneModem, WrongPinCountsDownThenTheRightOneUnlocks) {
     const Outcome wrong = RunDialtone(with({"--json", "pin", "verify", "0000"}), home.path);
     EXPECT_EQ(wrong.status, 1);
     EXPECT_EQ(Parse(wrong.out)["ERROR_CODE"], 14); // incorrect password
-    EXPECT_NE(wrong.err.find("incorrect password"), std::string::npos) << wrong.err;
+    EXPECT_NE(wrong.err.find("the PIN or password is wrong"), std::string::npos) << wrong.err;
     EXPECT_NE(wrong.err.find("2 PIN attempts"), std::string::npos) << wrong.err;
 
     const Outcome right = RunDialtone(with({"pin", "verify", "1234"}), home.path);
@@ -163,6 +165,89 @@ TEST(DialtoneModem, APortHeldByAnotherProgramIsAClearError) {
     EXPECT_EQ(run.out, "");
     EXPECT_NE(run.err.find("the modem is in use by another program"), std::string::npos) << run.err;
     EXPECT_LT(took, std::chrono::seconds(10));
+}
+
+// Failures whose cause is known say it, with the code, the same sentence and the modem's own cause (when it
+// gave one) in --json.
+TEST(DialtoneModem, KnownCausesAreToldWithWhatToDo) {
+    SimulatedModem plain("default");
+    const json twoEntries = {{{"index", 1}, {"name", "A"}, {"number", "1"}},
+                             {{"index", 2}, {"name", "B"}, {"number", "2"}}};
+    SimulatedModem fullBook(
+        ScenarioPatch{{{"phonebooks", {{"SM", {{"capacity", 2}, {"entries", twoEntries}}}}}}});
+    ASSERT_TRUE(plain.ready() && fullBook.ready());
+    struct Row {
+        const SimulatedModem* modem;
+        std::vector<std::string> arguments;
+        std::string cause;
+        int modemCause;
+    };
+    // clang-format off
+    const std::vector<Row> rows = {
+        {&plain, {"contacts", "add", "Alexandra Schmidt-Meyer", "+4917012345", "--store", "sim"}, "the name is 23 characters; this SIM takes at most 14", 0},
+        {&fullBook, {"contacts", "add", "Carla", "+4917012345", "--store", "sim"}, "the sim phonebook is full (2 of 2 used)", 0},
+        {&plain, {"network", "select", "26203"}, "the network refuses the SIM, emergency calls only", 100032},
+        {&plain, {"call", "answer"}, "there is no incoming call", 0},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.arguments[0] + " " + row.arguments[1]);
+        std::vector<std::string> arguments{"--json"};
+        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+        const auto start = std::chrono::steady_clock::now();
+        const Outcome run = row.modem->run(arguments);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+        EXPECT_EQ(run.status, 1) << run.err;
+        EXPECT_NE(run.err.find(row.cause), std::string::npos) << run.err;
+        const json document = Parse(run.out);
+        ASSERT_TRUE(document.is_object()) << run.out;
+        EXPECT_TRUE(document.contains("ERROR_CODE")) << run.out;
+        EXPECT_NE(document.value("error", "").find(row.cause), std::string::npos) << run.out;
+        EXPECT_EQ(document.value("SUB_ERROR_CODE", 0), row.modemCause) << run.out;
+    }
+}
+
+// Every command that needs the SIM says that it is locked and how to unlock it, and sends nothing to it.
+TEST(DialtoneModem, LockedSimIsToldByEveryCommandThatNeedsIt) {
+    SimulatedModem modem("pin-locked");
+    ASSERT_TRUE(modem.ready());
+    // clang-format off
+    const std::vector<std::vector<std::string>> rows = {
+        {"sms", "list"}, {"sms", "send", "+491701234567", "Hi"}, {"sms", "delete", "1"}, {"sms", "sc"},
+        {"contacts", "list"}, {"contacts", "add", "Bob", "+4917012345"}, {"connect"}, {"ussd", "*100#"},
+        {"account"}, {"stk", "menu"}, {"network", "select", "26202"}, {"call", "dial", "+491701234567"},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row[0] + " " + (row.size() > 1 ? row[1] : ""));
+        const Outcome run = modem.run(row);
+        EXPECT_EQ(run.status, 1) << run.err;
+        EXPECT_EQ(run.out, "");
+        EXPECT_NE(run.err.find("the SIM is locked: dialtone pin verify PIN"), std::string::npos) << run.err;
+    }
+    EXPECT_EQ(modem.dump()["pin"].value("pin_left", -1), 3) << modem.dump().dump();
+}
+
+// A pulled stick: a command under way says so, and status and info no longer show a modem.
+TEST(DialtoneModem, UnpluggedModemIsAFailure) {
+    SimulatedModem modem("default");
+    ASSERT_TRUE(modem.ready());
+    // clang-format off
+    const std::vector<std::pair<std::string, std::vector<std::string>>> rows = {
+        {"AT+CPBR", {"contacts", "list"}},
+        {"AT+CSQ", {"status"}},
+        {"AT+CGMR", {"info"}},
+    };
+    // clang-format on
+    for (const auto& [pulledOn, arguments] : rows) {
+        SCOPED_TRACE(arguments[0]);
+        ASSERT_TRUE(modem.command("set unplug_on " + pulledOn).value("ok", false));
+        const Outcome run = modem.run(arguments);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.out, "");
+        EXPECT_NE(run.err.find("the modem was unplugged"), std::string::npos) << run.err;
+        modem.command("plug");
+    }
 }
 
 } // namespace

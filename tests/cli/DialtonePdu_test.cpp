@@ -106,9 +106,10 @@ TEST(DialtonePdu, FailuresAndUsageErrors) {
         std::string out; // exact
         std::string err; // contained
     };
+    // clang-format off
     const Row rows[] = {
         {{"pdu", "decode", "07912143658709F1XX"}, 1, "", "the PDU could not be decoded (result 1)"},
-        {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"ERROR_CODE\": 1\n}\n", "could not be decoded"},
+        {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"ERROR_CODE\": 1,\n  \"error\": \"the PDU could not be decoded\"\n}\n", "could not be decoded"},
         {{"pdu", "encode", "*100#", "hi"}, 2, "", "'*100#' is a service code, not a phone number: use dialtone ussd '*100#'"},
         {{"pdu", "encode", "abc", "hi"}, 2, "", "letters are not allowed in a phone number"},
         {{"pdu", "encode", "0170 \xF0\x9F\x98\x80", "hi"}, 2, "", "is not a phone number"},
@@ -121,6 +122,7 @@ TEST(DialtonePdu, FailuresAndUsageErrors) {
         {{"pdu", "decode", "00", "--tpdu-len", "x"}, 2, "", "--tpdu-len"},
         {{}, 2, "", "subcommand"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.arguments));
         const Outcome run = RunDialtone(row.arguments, "");

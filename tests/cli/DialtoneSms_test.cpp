@@ -1,5 +1,6 @@
 // The sms commands against the simulated modem: long texts with a delivery report, a message delivered in
-// parts out of order, a full SIM as the preferred storage, an empty storage, and the boxes on the computer.
+// parts out of order, a full SIM as the preferred storage, an empty storage, the boxes on the computer, and
+// a message full of escape sequences.
 
 #include <chrono>
 #include <sstream>
@@ -19,6 +20,7 @@ using clitest::Parse;
 using clitest::ScenarioPatch;
 using clitest::SimulatedModem;
 using nlohmann::json;
+using namespace std::string_literals;
 
 // The built-in modem with these messages and SMS settings.
 ScenarioPatch Scenario(const json& messages, const json& sms = json::object()) {
@@ -96,12 +98,10 @@ TEST(DialtoneSms, PartsDeliveredOutOfOrderListAsOneMessage) {
     EXPECT_NE(items[0]["nCompleted"], 0);
 }
 
-TEST(DialtoneSms, WatchShowsAMessageDeliveredInPartsOnceWhole) {
-    SimulatedModem modem(Scenario(json::array()));
-    ASSERT_TRUE(modem.ready());
-    const std::string text = LongText(400);
-    json delivered;
-    // The network delivers once the tool has read the storages (its message table is built).
+// Runs "sms watch" with the arguments while the network delivers: the control command goes out once the
+// tool has read the storages (its message table is built). The simulator's answer goes to delivered.
+Outcome WatchWhileDelivering(const SimulatedModem& modem, const std::vector<std::string>& arguments,
+                             const std::string& deliver, json& delivered) {
     std::thread network([&] {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (std::chrono::steady_clock::now() < deadline) {
@@ -112,10 +112,20 @@ TEST(DialtoneSms, WatchShowsAMessageDeliveredInPartsOnceWhole) {
                 break;
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
         }
-        delivered = modem.command("sms --order=2,3,1 +4915112345678 " + text);
+        delivered = modem.command(deliver);
     });
-    const Outcome watched = modem.run({"--json", "--wait", "8", "sms", "watch"});
+    const Outcome watched = modem.run(arguments);
     network.join();
+    return watched;
+}
+
+TEST(DialtoneSms, WatchShowsAMessageDeliveredInPartsOnceWhole) {
+    SimulatedModem modem(Scenario(json::array()));
+    ASSERT_TRUE(modem.ready());
+    const std::string text = LongText(400);
+    json delivered;
+    const Outcome watched = WatchWhileDelivering(modem, {"--json", "--wait", "8", "sms", "watch"},
+                                                 "sms --order=2,3,1 +4915112345678 " + text, delivered);
     ASSERT_EQ(delivered.value("parts", 0), 3) << delivered.dump();
     ASSERT_EQ(watched.status, 0) << watched.err;
     std::vector<json> events;
@@ -125,6 +135,40 @@ TEST(DialtoneSms, WatchShowsAMessageDeliveredInPartsOnceWhole) {
     ASSERT_EQ(events.size(), 1u) << watched.out;
     EXPECT_EQ(events[0]["strContent"], text);
     EXPECT_EQ(events[0]["strAddress"], "+4915112345678");
+}
+
+// A byte that a terminal would act on: C0 controls but the line feed, DEL, and C1 controls in UTF-8.
+bool HasRawControl(const std::string& out) {
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        const auto c = static_cast<unsigned char>(out[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < out.size() ? out[i + 1] : 0);
+        if ((c < 0x20 && c != '\n') || c == 0x7F || (c == 0xC2 && next >= 0x80 && next <= 0x9F))
+            return true;
+    }
+    return false;
+}
+
+// A sender's escape sequences (window title, clear screen, C1 CSI, DEL, NUL) are shown as placeholders in
+// the listings and kept exact in --json.
+TEST(DialtoneSms, EscapeSequencesInAMessageNeverReachTheTerminal) {
+    const std::string hostile = "A\x1b]0;owned\aB\x1b[2JC\302\23331mD\177E\0F"s;
+    const std::string shown = "A\u241b]0;owned\u2407B\u241b[2JC\ufffd31mD\u2421E\u2400F";
+    SimulatedModem modem(Scenario(json::array()));
+    ASSERT_TRUE(modem.ready());
+    json delivered;
+    const Outcome watched = WatchWhileDelivering(modem, {"--wait", "4", "sms", "watch"},
+                                                 "sms --coding=ucs2 +4915112345678 " + hostile, delivered);
+    ASSERT_TRUE(delivered.value("ok", false)) << delivered.dump();
+    EXPECT_FALSE(HasRawControl(watched.out)) << watched.out;
+    EXPECT_NE(watched.out.find(shown), std::string::npos) << watched.out;
+
+    const Outcome listed = modem.run({"sms", "list"});
+    ASSERT_EQ(listed.status, 0) << listed.err;
+    EXPECT_FALSE(HasRawControl(listed.out)) << listed.out;
+    EXPECT_NE(listed.out.find(shown), std::string::npos) << listed.out;
+    const json items = Parse(modem.run({"--json", "sms", "list"}).out);
+    ASSERT_EQ(items.size(), 1u);
+    EXPECT_EQ(items[0]["strContent"], hostile);
 }
 
 TEST(DialtoneSms, FullSimAsPreferredStorageMovesTheMessageToTheComputer) {

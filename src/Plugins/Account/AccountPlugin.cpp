@@ -19,8 +19,8 @@
 #include "Account/AccountController.h"
 #include "AtParameter.h"
 #include "CNSLabels.h"
+#include "FailureText.h"
 #include "ModemTextCheck.h"
-#include "StatusText.h"
 #include "UssdRecords.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
@@ -360,7 +360,7 @@ void AccountPlugin::send(const QString& text) {
             _error->setText(
                 tr("Sending %1 failed: %2. Check the code and that the modem is registered, then try "
                    "again.")
-                    .arg(text, QString::fromStdString(ResultCodeText(code))));
+                    .arg(text, ResponseFailureText(response)));
             _error->show();
             updateButtons();
         },

@@ -15,10 +15,10 @@
 
 #include "CNSLabels.h"
 #include "ContactDialog.h"
+#include "FailureText.h"
 #include "Messages/MessagesPlugin.h"
 #include "PhoneNumbers.h"
 #include "RecordList.h"
-#include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
 
@@ -155,8 +155,9 @@ void ContactsPlugin::setBusy(bool busy) {
     updateButtons();
 }
 
-void ContactsPlugin::fail(const QString& what, int code, const QString& hint) {
-    QString text = tr("%1 failed: %2.").arg(what, QString::fromStdString(ResultCodeText(code)));
+void ContactsPlugin::fail(const QString& what, const QVariantMap& response, const QString& hint) {
+    const int code = WorkNotification::GetErrorCode(response);
+    QString text = tr("%1 failed: %2.").arg(what, ResponseFailureText(response));
     text += QLatin1Char(' ') + (code == WORKER_ERR_NO_TARGET || !_ready
                                     ? tr("Plug the modem in again; the contacts are read when it is back.")
                                 : !hint.isEmpty()
@@ -177,9 +178,9 @@ void ContactsPlugin::reload(std::function<void()> then) {
         [this, generation, then](const QVariantMap& list) {
             if (generation != _generation)
                 return;
-            if (const int code = WorkNotification::GetErrorCode(list)) {
+            if (WorkNotification::GetErrorCode(list) != WORKER_OK) {
                 setBusy(false);
-                fail(tr("Reading the phonebooks"), code);
+                fail(tr("Reading the phonebooks"), list);
                 return;
             }
             _items = RecordList<BLPbItem>(WorkNotification::GetValueObject(list));
@@ -189,9 +190,9 @@ void ContactsPlugin::reload(std::function<void()> then) {
                 [this, generation, then](const QVariantMap& usage) {
                     if (generation != _generation)
                         return;
-                    if (const int code = WorkNotification::GetErrorCode(usage)) {
+                    if (WorkNotification::GetErrorCode(usage) != WORKER_OK) {
                         setBusy(false);
-                        fail(tr("Reading the phonebooks' use"), code);
+                        fail(tr("Reading the phonebooks' use"), usage);
                         return;
                     }
                     _usageInfo = WorkNotification::GetValueObject(usage).value<BLPBStorageInfo>();
@@ -211,9 +212,9 @@ void ContactsPlugin::reload(std::function<void()> then) {
                         [this, generation, done](const QVariantMap& limits) {
                             if (generation != _generation)
                                 return;
-                            if (const int code = WorkNotification::GetErrorCode(limits)) {
+                            if (WorkNotification::GetErrorCode(limits) != WORKER_OK) {
                                 setBusy(false);
-                                fail(tr("Reading the phonebooks' limits"), code);
+                                fail(tr("Reading the phonebooks' limits"), limits);
                                 return;
                             }
                             _limits = WorkNotification::GetValueObject(limits).value<BLPbConstraint>();
@@ -352,8 +353,8 @@ void ContactsPlugin::store(const BLPbItem& item, bool isNew) {
         if (generation != _generation)
             return;
         setBusy(false);
-        if (const int code = WorkNotification::GetErrorCode(response)) {
-            fail(isNew ? tr("Adding the contact") : tr("Saving the contact"), code,
+        if (WorkNotification::GetErrorCode(response) != WORKER_OK) {
+            fail(isNew ? tr("Adding the contact") : tr("Saving the contact"), response,
                  tr("Check the name and number and try again; Reload shows what the phonebook holds now."));
             return;
         }
@@ -397,8 +398,8 @@ void ContactsPlugin::deleteContact() {
                 if (generation != _generation)
                     return;
                 setBusy(false);
-                if (const int code = WorkNotification::GetErrorCode(response)) {
-                    fail(tr("Deleting the contact"), code,
+                if (WorkNotification::GetErrorCode(response) != WORKER_OK) {
+                    fail(tr("Deleting the contact"), response,
                          tr("Press Reload to see what the phonebook holds now, then try again."));
                     return;
                 }

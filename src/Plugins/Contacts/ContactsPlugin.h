@@ -44,7 +44,7 @@ public:
 private:
     void reload(std::function<void()> then = {});
     // Shows what failed, the modem's reason and what to do next (hint, or a general advice).
-    void fail(const QString& what, int code, const QString& hint = {});
+    void fail(const QString& what, const QVariantMap& response, const QString& hint = {});
     void setBusy(bool busy);
     void fillList();
     void updateLimits();

@@ -11,11 +11,11 @@
 
 #include "BLRecords.h"
 #include "CNSLabels.h"
+#include "FailureText.h"
 #include "MessageText.h"
 #include "ModemLink.h"
 #include "PhoneNumbers.h"
 #include "SMS/SmsSegmentCounter.h"
-#include "StatusText.h"
 #include "WorkNotification.h"
 
 ComposeDialog::ComposeDialog(ModemLink& link, QWidget* parent) : QDialog(parent), _link(link) {
@@ -163,7 +163,7 @@ void ComposeDialog::sendNext(QStringList remaining) {
                 setRecipients(remaining);
                 showError(tr("The message to %1 could not be sent: %2. A copy is in the outbox; the text "
                              "is still here, press Send to try again.")
-                              .arg(number, QString::fromStdString(ResultCodeText(code))));
+                              .arg(number, ResponseFailureText(response)));
                 emit messageFailed(number, body, code);
                 return;
             }

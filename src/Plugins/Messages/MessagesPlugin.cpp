@@ -21,12 +21,12 @@
 #include "CNSLabels.h"
 #include "ComposeDialog.h"
 #include "DesktopNotifier.h"
+#include "FailureText.h"
 #include "MessageText.h"
 #include "PhoneNumbers.h"
 #include "RecordList.h"
 #include "SMS/SMSExt.h"
 #include "SMS/SMSStorage.h"
-#include "StatusText.h"
 #include "WorkNotification.h"
 #include "WorkThread.h"
 
@@ -323,7 +323,7 @@ void MessagesPlugin::loadModemMessages() {
             if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
                 setBusy(false);
                 showError(tr("The modem's messages could not be prepared: %1. Press Reload to try again.")
-                              .arg(QString::fromStdString(ResultCodeText(code))));
+                              .arg(ResponseFailureText(response)));
                 return;
             }
             const QByteArray imsi = link().equipment().strImsi.toLatin1();
@@ -366,7 +366,7 @@ void MessagesPlugin::onMessagesListed(const QVariantMap& response, int generatio
     setBusy(false);
     if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
         showError(tr("The messages could not be read from the modem: %1. Press Reload to try again.")
-                      .arg(QString::fromStdString(ResultCodeText(code))));
+                      .arg(ResponseFailureText(response)));
         return;
     }
     _modemItems.clear();
@@ -754,7 +754,7 @@ void MessagesPlugin::deleteFromModem(const BLSmsListItem& item, const QString& f
             if (generation != _generation)
                 return;
             if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
-                showError(failureText.arg(QString::fromStdString(ResultCodeText(code))));
+                showError(failureText.arg(ResponseFailureText(response)));
             } else {
                 _modemItems.removeIf([&item](const BLSmsListItem& held) {
                     return held.nStoreIn == item.nStoreIn && held.nRef == item.nRef;

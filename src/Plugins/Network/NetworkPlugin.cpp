@@ -16,6 +16,7 @@
 
 #include "BLRecords.h"
 #include "CNSLabels.h"
+#include "FailureText.h"
 #include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
@@ -52,10 +53,11 @@ QString OperatorStateText(int state) {
     }
 }
 
-QString FailureText(const QString& what, int code) {
+QString FailedText(const QString& what, const QVariantMap& response) {
+    const int code = WorkNotification::GetErrorCode(response);
     if (code == WORKER_ERR_NO_DATA_DEVICE)
         return NetworkPlugin::tr("%1 failed: the modem was unplugged.").arg(what);
-    return NetworkPlugin::tr("%1 failed: %2 (code %3).").arg(what, Q(ResultCodeText(code))).arg(code);
+    return NetworkPlugin::tr("%1 failed: %2 (code %3).").arg(what, ResponseFailureText(response)).arg(code);
 }
 
 } // namespace
@@ -251,7 +253,7 @@ void NetworkPlugin::search() {
                 return;
             const int code = WorkNotification::GetErrorCode(response);
             if (code != WORKER_OK) {
-                setStatus(_searchStatus, FailureText(tr("The search"), code) + tr(" Try again."), true);
+                setStatus(_searchStatus, FailedText(tr("The search"), response) + tr(" Try again."), true);
                 updateButtons();
                 return;
             }
@@ -316,7 +318,7 @@ void NetworkPlugin::registerSelected() {
             const int code = WorkNotification::GetErrorCode(response);
             if (code != WORKER_OK) {
                 setStatus(_searchStatus,
-                          FailureText(tr("Registering with %1").arg(name), code) +
+                          FailedText(tr("Registering with %1").arg(name), response) +
                               tr(" Choose another network or automatic selection."),
                           true);
             } else {
@@ -393,7 +395,7 @@ void NetworkPlugin::applyRadio() {
         [this, mode, finish](const QVariantMap& response) {
             const int code = WorkNotification::GetErrorCode(response);
             if (code != WORKER_OK) {
-                finish(FailureText(tr("Setting the band"), code) +
+                finish(FailedText(tr("Setting the band"), response) +
                        tr(" Choose \"All bands\" and try again."));
                 return;
             }
@@ -406,7 +408,7 @@ void NetworkPlugin::applyRadio() {
                                   "mode it supports.")
                                    .arg(modeCode));
                     else if (modeCode != WORKER_OK)
-                        finish(FailureText(tr("Setting the mode"), modeCode));
+                        finish(FailedText(tr("Setting the mode"), modeResponse));
                     else
                         finish({});
                 },

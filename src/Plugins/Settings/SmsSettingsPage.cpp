@@ -14,8 +14,8 @@
 
 #include "CNSLabels.h"
 #include "ConvertUtilty.h"
+#include "FailureText.h"
 #include "ModemLink.h"
-#include "StatusText.h"
 #include "UserDefaults.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
@@ -44,12 +44,11 @@ constexpr Validity kValidities[] = {
     {"max", QT_TRANSLATE_NOOP("SmsSettingsPage", "As long as possible"), 255, 0, 0},
 };
 
-QString FailureText(const QString& what, int code) {
+QString FailedText(const QString& what, const QVariantMap& response) {
+    const int code = WorkNotification::GetErrorCode(response);
     if (code == WORKER_ERR_NO_DATA_DEVICE)
         return SmsSettingsPage::tr("%1: the modem was unplugged.").arg(what);
-    return SmsSettingsPage::tr("%1 failed: %2 (code %3).")
-        .arg(what, QString::fromStdString(ResultCodeText(code)))
-        .arg(code);
+    return SmsSettingsPage::tr("%1 failed: %2 (code %3).").arg(what, ResponseFailureText(response)).arg(code);
 }
 
 } // namespace
@@ -155,7 +154,7 @@ void SmsSettingsPage::readServiceCentre() {
             if (code == WORKER_OK)
                 _centre->setText(WorkNotification::GetValueObject(response).toString().left(21));
             else
-                setStatus(FailureText(tr("Reading the service centre"), code), true);
+                setStatus(FailedText(tr("Reading the service centre"), response), true);
         },
         this);
 }
@@ -178,7 +177,7 @@ void SmsSettingsPage::setServiceCentre() {
             if (code == WORKER_OK)
                 setStatus(tr("The service centre number was saved on the SIM."), false);
             else
-                setStatus(FailureText(tr("Saving the service centre"), code), true);
+                setStatus(FailedText(tr("Saving the service centre"), response), true);
             readServiceCentre();
             updateButtons();
         },
@@ -227,7 +226,7 @@ void SmsSettingsPage::applyStored(bool fromUser) {
                 const int code = WorkNotification::GetErrorCode(response);
                 if (code != WORKER_OK)
                     _failures +=
-                        (_failures.isEmpty() ? QString() : QStringLiteral(" ")) + FailureText(what, code);
+                        (_failures.isEmpty() ? QString() : QStringLiteral(" ")) + FailedText(what, response);
                 if (_pending == 0) {
                     _apply->setText(tr("Apply"));
                     if (!_failures.isEmpty())

@@ -11,9 +11,9 @@
 #include <QVBoxLayout>
 
 #include "CNSLabels.h"
+#include "FailureText.h"
 #include "ModemTextCheck.h"
 #include "SAT/STKTypes.h"
-#include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
 
@@ -137,9 +137,11 @@ void ToolkitPlugin::setBusy(bool busy) {
     updateButtons();
 }
 
-void ToolkitPlugin::fail(const QString& what, int code) {
+void ToolkitPlugin::fail(const QString& what, const QVariantMap& response) {
     _error->setText(tr("%1 failed: %2. Try again, or end the session to go back to the main menu.")
-                        .arg(what, QString::fromStdString(ResultCodeText(code))));
+                        .arg(what, QString::fromStdString(FailureText(
+                                       WorkNotification::GetErrorCode(response),
+                                       WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
 }
 
 void ToolkitPlugin::loadMenu(const QString& note) {
@@ -158,7 +160,7 @@ void ToolkitPlugin::loadMenu(const QString& note) {
             if (const int code = WorkNotification::GetErrorCode(response)) {
                 showNoMenu(tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
                               "menu; press Read again to retry.")
-                               .arg(QString::fromStdString(ResultCodeText(code))));
+                               .arg(ResponseFailureText(response)));
                 return;
             }
             const auto menu = WorkNotification::GetValueObject(response).value<BLSatCommand>();
@@ -194,8 +196,8 @@ void ToolkitPlugin::answer(const BLSatResponse& response) {
             if (generation != _generation)
                 return;
             setBusy(false);
-            if (const int code = WorkNotification::GetErrorCode(reply)) {
-                fail(tr("Sending your answer to the card"), code);
+            if (WorkNotification::GetErrorCode(reply) != WORKER_OK) {
+                fail(tr("Sending your answer to the card"), reply);
                 return;
             }
             const auto next = WorkNotification::GetValueObject(reply).value<BLSatCommand>();

@@ -50,7 +50,7 @@ private:
     void endSession();
     void setBusy(bool busy);
     void updateButtons();
-    void fail(const QString& what, int code);
+    void fail(const QString& what, const QVariantMap& response);
 
     BLSatCommand _current;
     bool _haveCommand = false;

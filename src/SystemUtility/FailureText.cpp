@@ -1,0 +1,155 @@
+#include "FailureText.h"
+
+#include "ModemErrorCause.h"
+#include "StatusText.h"
+#include "WorkNotification.h"
+
+namespace {
+
+struct CauseText {
+    int cause;
+    const char* text;
+    const char* toolStep; // what to do next, when it differs between the front ends
+    const char* appStep;
+};
+
+constexpr int Cme(int n) {
+    return kCmeCause + n;
+}
+constexpr int Cms(int n) {
+    return kCmsCause + n;
+}
+
+constexpr const char kNoSim[] = "there is no SIM in the modem: insert one and plug the modem in again";
+constexpr const char kSimLocked[] = "the SIM is locked";
+constexpr const char kPukLocked[] = "the SIM is locked until its PUK is entered";
+constexpr const char kVerifyPin[] = "dialtone pin verify PIN";
+constexpr const char kEnterPin[] = "enter its PIN with \"Unlock the SIM\"";
+constexpr const char kEnterPuk[] = "dialtone pin puk PUK NEWPIN";
+constexpr const char kEnterPukApp[] = "enter the PUK and a new PIN with \"Unlock the SIM\"";
+constexpr const char kNoNetwork[] = "there is no network: check the signal and try again";
+constexpr const char kSimBusy[] = "the SIM is busy: try again in a moment";
+constexpr const char kSimFailed[] = "the SIM failed: take it out, check its contacts and try again";
+
+// The causes a user can act on (3GPP TS 27.007 clause 9.2, TS 27.005 clause 3.2.5, TS 24.011 annex E).
+constexpr CauseText kCauseTexts[] = {
+    {Cme(3), "the modem does not allow this now", nullptr, nullptr},
+    {Cme(4), "the modem does not support this", nullptr, nullptr},
+    {Cme(10), kNoSim, nullptr, nullptr},
+    {Cme(11), kSimLocked, kVerifyPin, kEnterPin},
+    {Cme(12), kPukLocked, kEnterPuk, kEnterPukApp},
+    {Cme(13), kSimFailed, nullptr, nullptr},
+    {Cme(14), kSimBusy, nullptr, nullptr},
+    {Cme(15), "the modem does not accept this SIM", nullptr, nullptr},
+    {Cme(16), "the PIN or password is wrong", "dialtone pin status shows the attempts left",
+     "the PIN settings show the attempts left"},
+    {Cme(17), "this needs the SIM's PIN2", nullptr, nullptr},
+    {Cme(18), "this needs the SIM's PUK2", nullptr, nullptr},
+    {Cme(20), "the store is full: delete an entry first", nullptr, nullptr},
+    {Cme(21), "there is no entry at that index", nullptr, nullptr},
+    {Cme(22), "not found", nullptr, nullptr},
+    {Cme(23), "the SIM's memory failed", nullptr, nullptr},
+    {Cme(24), "the name is longer than the SIM allows", "dialtone contacts info shows the limits", nullptr},
+    {Cme(25), "the name holds characters the SIM cannot store", nullptr, nullptr},
+    {Cme(26), "the number is longer than the SIM allows", "dialtone contacts info shows the limits", nullptr},
+    {Cme(27), "the number holds characters that cannot be dialled", nullptr, nullptr},
+    {Cme(30), kNoNetwork, nullptr, nullptr},
+    {Cme(31), "the network did not answer in time: try again", nullptr, nullptr},
+    {Cme(32), "the network refuses the SIM, emergency calls only",
+     "choose another operator (dialtone network scan) or dialtone network auto",
+     "choose another operator, or automatic selection"},
+    {Cme(107), "the SIM's subscription does not include data", nullptr, nullptr},
+    {Cme(111), "this operator's network does not admit the SIM",
+     "choose another operator (dialtone network scan) or dialtone network auto",
+     "choose another operator, or automatic selection"},
+    {Cme(112), "the network does not admit the SIM in this area", nullptr, nullptr},
+    {Cme(113), "roaming is not allowed in this area", "choose another operator (dialtone network scan)",
+     "choose another operator"},
+    {Cms(1), "the number is not in use: check the number", nullptr, nullptr},
+    {Cms(8), "the operator barred sending this message", nullptr, nullptr},
+    {Cms(10), "messages to this number are barred", nullptr, nullptr},
+    {Cms(21), "the network refused the message", nullptr, nullptr},
+    {Cms(27), "the recipient cannot be reached now: try again later", nullptr, nullptr},
+    {Cms(38), "the network is out of order: try again later", nullptr, nullptr},
+    {Cms(41), "the network failed for a moment: try again", nullptr, nullptr},
+    {Cms(42), "the network is congested: try again later", nullptr, nullptr},
+    {Cms(50), "the SIM's subscription does not include this service", nullptr, nullptr},
+    {Cms(302), "the modem does not allow this now", nullptr, nullptr},
+    {Cms(303), "the modem does not support this", nullptr, nullptr},
+    {Cms(310), kNoSim, nullptr, nullptr},
+    {Cms(311), kSimLocked, kVerifyPin, kEnterPin},
+    {Cms(313), kSimFailed, nullptr, nullptr},
+    {Cms(314), kSimBusy, nullptr, nullptr},
+    {Cms(316), kPukLocked, kEnterPuk, kEnterPukApp},
+    {Cms(321), "there is no message at that index", nullptr, nullptr},
+    {Cms(322), "the message store is full",
+     "delete messages first (dialtone sms list, then dialtone sms delete ID)", "delete messages first"},
+    {Cms(330), "the service centre's number is not known", "set it with dialtone sms sc NUMBER",
+     "set it in the message settings"},
+    {Cms(331), kNoNetwork, nullptr, nullptr},
+    {Cms(332), "the network did not answer in time: try again", nullptr, nullptr},
+};
+
+std::string Sentence(const CauseText& entry, FrontEnd frontEnd) {
+    const char* step = frontEnd == FrontEnd::Tool ? entry.toolStep : entry.appStep;
+    return step == nullptr ? std::string(entry.text) : std::string(entry.text) + ": " + step;
+}
+
+} // namespace
+
+std::string ModemCauseText(int cause, FrontEnd frontEnd) {
+    for (const CauseText& entry : kCauseTexts) {
+        if (entry.cause == cause)
+            return Sentence(entry, frontEnd);
+    }
+    return {};
+}
+
+std::string FailureText(int resultCode, int cause, FrontEnd frontEnd) {
+    std::string text = ModemCauseText(cause, frontEnd);
+    return text.empty() ? ResultCodeText(resultCode) : text;
+}
+
+QString ResponseFailureText(const QVariantMap& response) {
+    return QString::fromStdString(FailureText(WorkNotification::GetErrorCode(response),
+                                              WorkNotification::GetSubErrorCode(response),
+                                              FrontEnd::DesktopApp));
+}
+
+std::string ModemCauseName(int cause) {
+    if (cause >= kCmsCause && cause < kCmsCause + kCmeCause)
+        return "+CMS ERROR: " + std::to_string(cause - kCmsCause);
+    if (cause >= kCmeCause && cause < kCmsCause)
+        return "+CME ERROR: " + std::to_string(cause - kCmeCause);
+    return {};
+}
+
+bool SimUnusable(int pinState, std::string& text, int& resultCode, FrontEnd frontEnd) {
+    switch (pinState) {
+    case 1: // ready
+    case 7: // PIN2 and PUK2 only guard their own services
+    case 8:
+        return false;
+    case 0:
+        resultCode = 8;
+        text = ModemCauseText(Cme(10), frontEnd);
+        return true;
+    case 2:
+        resultCode = 9;
+        text = ModemCauseText(Cme(11), frontEnd);
+        return true;
+    case 3:
+        resultCode = 10;
+        text = ModemCauseText(Cme(12), frontEnd);
+        return true;
+    case 17:
+        resultCode = 10;
+        text = "the SIM is blocked: its PUK attempts are used up, only the operator can replace it";
+        return true;
+    default:
+        resultCode = 5;
+        text =
+            "the modem is locked (" + PinStateText(pinState) + "): it needs its unlock code from the seller";
+        return true;
+    }
+}
