@@ -49,8 +49,7 @@ ContactDialog::ContactDialog(const QString& storeName, int maxName, int maxNumbe
     _hint->setText(limits.isEmpty() ? QString()
                                     : tr("This phonebook keeps %1.").arg(limits.join(tr(" and "))));
     _hint->setVisible(!limits.isEmpty());
-    _numberError = CNSPlainLabel(QStringLiteral("numberError"), this);
-    _numberError->hide();
+    _numberError = CNSErrorLabel(QStringLiteral("numberError"), this);
 
     _buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel, this);
     _buttons->button(QDialogButtonBox::Save)->setObjectName(QStringLiteral("save"));
@@ -124,4 +123,7 @@ void ContactDialog::updateSave() {
     _numberError->setVisible(!error.isEmpty() && !_number->text().trimmed().isEmpty());
     const bool ok = nameProblem.isEmpty() && !name().isEmpty() && !stored.isEmpty();
     _buttons->button(QDialogButtonBox::Save)->setEnabled(ok);
+    // The wrapped error lines need more height than the layout's minimum says.
+    if (isVisible())
+        adjustSize();
 }

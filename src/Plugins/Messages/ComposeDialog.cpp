@@ -26,8 +26,7 @@ ComposeDialog::ComposeDialog(ModemLink& link, QWidget* parent) : QDialog(parent)
     _recipients = new QLineEdit(this);
     _recipients->setObjectName(QStringLiteral("recipients"));
     _recipients->setPlaceholderText(tr("Numbers, separated by ;"));
-    _numberError = CNSPlainLabel(QStringLiteral("numberError"), this);
-    _numberError->hide();
+    _numberError = CNSErrorLabel(QStringLiteral("numberError"), this);
     connect(_recipients, &QLineEdit::textEdited, _numberError, &QLabel::hide);
     _text = new QPlainTextEdit(this);
     _text->setObjectName(QStringLiteral("text"));
