@@ -194,9 +194,7 @@ TEST(DialtoneModem, KnownCausesAreToldWithWhatToDo) {
         SCOPED_TRACE(row.arguments[0] + " " + row.arguments[1]);
         std::vector<std::string> arguments{"--json"};
         arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
-        const auto start = std::chrono::steady_clock::now();
         const Outcome run = row.modem->run(arguments);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
         EXPECT_EQ(run.status, 1) << run.err;
         EXPECT_NE(run.err.find(row.cause), std::string::npos) << run.err;
         const json document = Parse(run.out);
