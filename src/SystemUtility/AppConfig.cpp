@@ -4,6 +4,8 @@
 #include "ConvertUtilty.h"
 #include "DamagedFile.h"
 #include "PropertyList.h"
+#include "StoreFile.h"
+#include "StoreLock.h"
 #include "ResourceLocator.h"
 #include "UserDataFolder.h"
 
@@ -37,7 +39,7 @@ QString filePath(const QString& folder, const QString& name) {
 
 // The profile lists hold passwords: the owner alone reads them. Later saves keep the mode.
 bool writePrivate(const QString& path, const QVariant& root) {
-    return PropertyList::write(path, root) &&
+    return StoreFile::write(path, root) &&
            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
 }
 
@@ -90,6 +92,7 @@ QString AppConfig::getUserDataPath() {
 void AppConfig::initSystemConfig() {
     _strSystemConfigFilePath = filePath(getUserDataPath(), QStringLiteral("SystemConfig.plist"));
     _dictSystemConfig = DamagedFile::readMap(_strSystemConfigFilePath);
+    _dictSystemConfigAsRead = _dictSystemConfig;
     const QVariantMap marker = _dictSystemConfig.value(kDefaultApnInfo).toMap();
     _defAPNInfo.isSetDefault =
         marker.contains(kIfSetDefault) ? marker.value(kIfSetDefault).toString() : QString();
@@ -210,6 +213,7 @@ int AppConfig::findApnItemByIMSI(const QString& imsi, QList<APNInfo>* result) co
 }
 
 int AppConfig::writeUserApnListToFile() {
+    StoreLock fileLock(_strUserAPNListFilePath);
     if (!writePrivate(_strUserAPNListFilePath, toDictionaries(_arrUserApnList))) {
         CNSLOG(2, "file write error!!!");
         return 1;
@@ -222,6 +226,7 @@ int AppConfig::writeUserIMSIApnListToFile() {
         CNSLOG(2, "file write error!!!");
         return 1;
     }
+    StoreLock fileLock(_strUserIMSIApnListFilePath);
     QVariantMap perSim = DamagedFile::readMap(_strUserIMSIApnListFilePath);
     perSim.insert(_strIMSIRetain, toDictionaries(_arrUserIMSIApnList));
     if (!writePrivate(_strUserIMSIApnListFilePath, perSim)) {
@@ -405,7 +410,21 @@ bool AppConfig::getSMSDeliveryReportEnable() {
 }
 
 int AppConfig::writeSystemConfigToFile() {
-    if (!PropertyList::write(_strSystemConfigFilePath, _dictSystemConfig)) {
+    StoreLock fileLock(_strSystemConfigFilePath);
+    // Another process (the app beside a tool command) may have changed other keys since this copy was
+    // read: start from the file and apply only the keys changed here.
+    QVariantMap merged = DamagedFile::readMap(_strSystemConfigFilePath);
+    for (auto it = _dictSystemConfig.cbegin(); it != _dictSystemConfig.cend(); ++it) {
+        if (_dictSystemConfigAsRead.value(it.key()) != it.value())
+            merged.insert(it.key(), it.value());
+    }
+    for (auto it = _dictSystemConfigAsRead.cbegin(); it != _dictSystemConfigAsRead.cend(); ++it) {
+        if (!_dictSystemConfig.contains(it.key()))
+            merged.remove(it.key());
+    }
+    _dictSystemConfig = merged;
+    _dictSystemConfigAsRead = merged;
+    if (!StoreFile::write(_strSystemConfigFilePath, _dictSystemConfig)) {
         CNSLOG(2, "config file write error!!!");
         return 1;
     }

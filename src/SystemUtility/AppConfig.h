@@ -126,6 +126,7 @@ private:
     QList<APNInfo> _arrApnListFixed;
     QVariantList _arrPLMNList;
     QVariantMap _dictSystemConfig;
+    QVariantMap _dictSystemConfigAsRead; // the file's content when last read or written
     QString _strUserAPNListFilePath;
     QString _strUserIMSIApnListFilePath;
     QString _strSystemConfigFilePath;

@@ -58,6 +58,8 @@ void PrintBox(const CliContext& context, const QList<MessageItem>& items, const 
 int ReportStoreResult(const CliContext& context, int result, const std::string& what) {
     if (result == SMSStorage::kOK)
         return EXIT_OK;
+    if (result == SMSStorage::kNoSuchMessage)
+        return ReportFailure(context, result, what + ": another program changed the box meanwhile; list it again");
     return ReportFailure(context, result, what + ": the message store could not be written");
 }
 
@@ -102,13 +104,8 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
         const auto target = kBoxes.find(arguments.move[1]);
         if (target == kBoxes.end())
             return ReportUsage("no box \"" + arguments.move[1] + "\" (outbox, sent, drafts, archive)");
-        // A move is a delete, a change of box, and a save.
         if (const int failed =
-                ReportStoreResult(context, store.deletMessageItem(*item), "moving the message"))
-            return failed;
-        MessageItem moved = MessageItem::initWithDictionary(item->getMessageDictionary());
-        moved.setBoxType(target->second);
-        if (const int failed = ReportStoreResult(context, store.saveMessageItem(moved), "moving the message"))
+                ReportStoreResult(context, store.moveMessageItem(*item, target->second), "moving the message"))
             return failed;
     }
     PrintBox(context, store.getMessageListByBoxType(type).value_or(QList<MessageItem>()), region);

@@ -14,6 +14,8 @@ namespace {
 
 const char* const kImsi = "001010123456789";
 const char* const kPdu = "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37";
+// The same sender and text, another time stamp.
+const char* const kLaterPdu = "07912143658709F1040B918100551512F20000111010214375000AE8329BFD4697D9EC37";
 
 QVariantList Refs(std::initializer_list<int> refs) {
     QVariantList records;
@@ -99,7 +101,7 @@ TEST(SMSExt, RefusesAnEmptyImsiAndAFullInbox) {
 
     ASSERT_TRUE(PropertyList::write(store.filePath(), QVariantMap{{kImsi, Refs({29999, 30000})}}));
     index = 0;
-    EXPECT_NE(store.save(kImsi, kPdu, 28, index), 0);
+    EXPECT_NE(store.save(kImsi, kLaterPdu, 28, index), 0);
     EXPECT_EQ(index, 0);
     EXPECT_EQ(PropertyList::readMap(store.filePath()).value(kImsi).toList().size(), 2);
 }
@@ -116,7 +118,7 @@ TEST(SMSExt, DamagedRecordsAreSkippedNotLost) {
     ASSERT_EQ(listed.size(), 1u);
     EXPECT_EQ(listed.front().nIndex, 4);
     int index = 0;
-    ASSERT_EQ(store.save(kImsi, kPdu, 28, index), 0);
+    ASSERT_EQ(store.save(kImsi, kLaterPdu, 28, index), 0);
     EXPECT_EQ(index, 5);
     EXPECT_EQ(PropertyList::readMap(store.filePath()).value(kImsi).toList().size(), 4);
 }

@@ -1,5 +1,6 @@
 #include "SMS/SMSExt.h"
 
+#include <QSet>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -8,7 +9,8 @@
 #include "AtSublayerInterface.h"
 #include "CNSLog.h"
 #include "DamagedFile.h"
-#include "PropertyList.h"
+#include "StoreFile.h"
+#include "StoreLock.h"
 #include "UserDataFolder.h"
 
 namespace {
@@ -48,6 +50,18 @@ bool readRecord(const QVariant& entry, TSMSRecordInPC& record) {
     return true;
 }
 
+// A message's identity in the store is its PDU as read from the modem: service centre, sender, time
+// stamp and text. The modem's copy is deleted only after the store was written, so after a crash in
+// between the same PDU comes again; it is then recognised and not stored twice.
+int indexOfPdu(const QVariantList& entries, const QString& pdu) {
+    for (const QVariant& entry : entries) {
+        const QVariantMap map = entry.toMap();
+        if (isInteger(map.value(kRef)) && map.value(kPdu).toString().compare(pdu, Qt::CaseInsensitive) == 0)
+            return map.value(kRef).toInt();
+    }
+    return -1;
+}
+
 bool refuseEmpty(const QString& imsi) {
     if (!imsi.isEmpty())
         return false;
@@ -76,10 +90,13 @@ int SMSExt::list(const QString& imsi, std::list<TSMSRecordInPC>& records) {
         return 1;
     QMutexLocker lock(&_mutex);
     const QVariantList entries = DamagedFile::readMap(filePath()).value(imsi).toList();
+    QSet<QString> seen;
     for (const QVariant& entry : entries) {
         TSMSRecordInPC record;
-        if (readRecord(entry, record))
-            records.push_back(std::move(record));
+        if (!readRecord(entry, record) || seen.contains(QString::fromStdString(record.strPdu).toUpper()))
+            continue;
+        seen.insert(QString::fromStdString(record.strPdu).toUpper());
+        records.push_back(std::move(record));
     }
     return 0;
 }
@@ -88,8 +105,13 @@ int SMSExt::save(const QString& imsi, const QString& pdu, int pduLength, int& in
     if (refuseEmpty(imsi))
         return 1;
     QMutexLocker lock(&_mutex);
-    QVariantMap root = DamagedFile::readMap(filePath());
+    StoreLock fileLock(filePath());
+    QVariantMap root = readUnderLock();
     QVariantList entries = root.value(imsi).toList();
+    if (const int stored = indexOfPdu(entries, pdu); stored >= 0) {
+        index = stored;
+        return 0;
+    }
     const int next = newIndex(entries);
     if (next < 0) {
         CNSLOG(2, "no free index in the inbox of %s", imsi.toUtf8().constData());
@@ -107,7 +129,8 @@ int SMSExt::remove(const QString& imsi, int index) {
     if (refuseEmpty(imsi))
         return 1;
     QMutexLocker lock(&_mutex);
-    QVariantMap root = DamagedFile::readMap(filePath());
+    StoreLock fileLock(filePath());
+    QVariantMap root = readUnderLock();
     QVariantList entries = root.value(imsi).toList();
     const auto before = entries.size();
     entries.removeIf([index](const QVariant& entry) {
@@ -139,9 +162,31 @@ int SMSExt::newIndex(const QVariantList& records) {
     return -1;
 }
 
+QVariantMap SMSExt::readUnderLock() const {
+    QVariantMap root = DamagedFile::readMap(filePath());
+    // A leftover of a killed write may hold messages already deleted on the modem: merge them back.
+    const auto merge = [&root](const QVariant& leftover) {
+        const QVariantMap saved = leftover.toMap();
+        for (auto it = saved.begin(); it != saved.end(); ++it) {
+            QVariantList entries = root.value(it.key()).toList();
+            for (const QVariant& entry : it.value().toList()) {
+                TSMSRecordInPC record;
+                const QString pdu = entry.toMap().value(kPdu).toString();
+                const int next = newIndex(entries);
+                if (!readRecord(entry, record) || indexOfPdu(entries, pdu) >= 0 || next < 0)
+                    continue;
+                entries.append(QVariantMap{{kRef, next}, {kPduLen, record.nPduLen}, {kPdu, pdu}});
+            }
+            root.insert(it.key(), entries);
+        }
+    };
+    StoreFile::recoverLeftovers(filePath(), merge, [this, &root] { return writeFile(root); });
+    return root;
+}
+
 bool SMSExt::writeFile(const QVariantMap& root) const {
     for (int attempt = 0; attempt < kWriteAttempts; ++attempt) {
-        if (PropertyList::write(filePath(), root))
+        if (StoreFile::write(filePath(), root))
             return true;
     }
     CNSLOG(2, "file write error!!!");

@@ -16,8 +16,10 @@ class TInterfaceAtSublayer;
 //
 //     { "<imsi>": [ { "SMS_REF": 1, "SMS_PDU_LEN": 24, "SMS_PDU": "0791..." }, ... ], ... }
 //
-// The file is re-read for every call and written whole (atomically, up to 3 attempts) after every change,
-// so records survive a crash of the program. Every call returns 0 on success, 1 on failure; an empty IMSI
+// The file is re-read for every call and written whole (atomically, up to 3 attempts, synced to disk)
+// after every change, so records survive a crash of the program. Changes hold the file's StoreLock, so
+// two processes (two sticks, the app and a tool command) never lose each other's records. A PDU already
+// stored is not stored again: its record's index is returned, and listing shows each PDU once. Every call returns 0 on success, 1 on failure; an empty IMSI
 // is refused. The three static callbacks are those of CSmsUtility's computer-side store; their context is
 // the SMSExt object.
 class SMSExt {
@@ -44,6 +46,8 @@ public:
     static int DeleteCallback(void* context, const char* imsi, int index);
 
 private:
+    // The file's content under its lock, with the leftovers of an interrupted write merged in.
+    QVariantMap readUnderLock() const;
     bool writeFile(const QVariantMap& root) const;
 
     QMutex _mutex;

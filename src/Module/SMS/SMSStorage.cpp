@@ -3,9 +3,22 @@
 #include "AppConfig.h"
 #include "CNSLog.h"
 #include "DamagedFile.h"
-#include "PropertyList.h"
+#include "StoreFile.h"
+#include "StoreLock.h"
 
 #include <QMetaType>
+#include <QSet>
+
+namespace {
+
+// Who, what and when: a message keeps these through moves and delivery reports.
+QString identity(const QVariantMap& message) {
+    return message.value(SMS_KEY_NUMBERS).toStringList().join(QLatin1Char('\n')) + QLatin1Char('\x1f') +
+           QString::number(message.value(SMS_KEY_CREATE_TIME).toDateTime().toSecsSinceEpoch()) + QLatin1Char('\x1f') +
+           message.value(SMS_KEY_CONTENT).toString();
+}
+
+} // namespace
 
 SMSStorage::SMSStorage() {
     init();
@@ -37,7 +50,33 @@ void SMSStorage::loadSMS() {
         _strFilePath = QStringLiteral("%1/%2").arg(AppConfig::getUserDataPath(),
                                                    QStringLiteral("SMSInBox_%1").arg(_strIMSI));
     }
+    StoreLock fileLock(_strFilePath);
+    readFile();
+}
+
+void SMSStorage::readFile() {
     _dictFile = DamagedFile::readMap(_strFilePath);
+    // A leftover of a killed write holds the last change: its messages are taken in where they are new.
+    bool merged = false;
+    const auto merge = [this, &merged](const QVariant& leftover) {
+        QSet<QString> known;
+        for (const Box& box : _boxes)
+            for (const QVariant& entry : _dictFile.value(box.fileKey).toList())
+                known.insert(identity(entry.toMap()));
+        const QVariantMap saved = leftover.toMap();
+        for (const Box& box : _boxes) {
+            QVariantList list = _dictFile.value(box.fileKey).toList();
+            for (const QVariant& entry : saved.value(box.fileKey).toList()) {
+                if (entry.typeId() == QMetaType::QVariantMap && !known.contains(identity(entry.toMap()))) {
+                    list.append(entry);
+                    merged = true;
+                }
+            }
+            _dictFile.insert(box.fileKey, list);
+        }
+    };
+    StoreFile::recoverLeftovers(_strFilePath, merge,
+                                [this, &merged] { return !merged || StoreFile::write(_strFilePath, _dictFile); });
     for (Box& box : _boxes) {
         box.dictionaries.clear();
         const QVariant stored = _dictFile.value(box.fileKey);
@@ -110,29 +149,74 @@ QList<MessageItem> SMSStorage::getAchieveBoxList() const {
 }
 
 int SMSStorage::saveMessageItem(const MessageItem& item) {
-    Box* box = findBox(item.getBoxType());
-    if (!box) {
+    if (!findBox(item.getBoxType())) {
         return kUnknownBox;
     }
+    StoreLock fileLock(_strFilePath);
+    readFile();
+    Box* box = findBox(item.getBoxType());
     box->dictionaries.append(item);
     box->items.append(item);
-    return saveMessageData();
+    return writeFile();
+}
+
+bool SMSStorage::removeFrom(Box& box, const MessageItem& item) {
+    // A copy: the item's dictionary may itself be one of those removed.
+    const QVariantMap content = item.getMessageDictionary();
+    const auto removed = box.dictionaries.removeIf(
+        [&content](const MessageItem& entry) { return entry.getMessageDictionary() == content; });
+    box.items.removeIf([&content](const MessageItem& entry) { return entry.getMessageDictionary() == content; });
+    return removed > 0;
 }
 
 int SMSStorage::deletMessageItem(const MessageItem& item) {
-    Box* box = findBox(item.getBoxType());
-    if (!box) {
+    if (!findBox(item.getBoxType())) {
         return kUnknownBox;
     }
-    // A copy: the item's dictionary may itself be one of those removed.
-    const QVariantMap content = item.getMessageDictionary();
-    box->dictionaries.removeIf(
-        [&content](const MessageItem& entry) { return entry.getMessageDictionary() == content; });
-    box->items.removeIf([&item](const MessageItem& entry) { return entry.isSameItem(item); });
-    return saveMessageData();
+    StoreLock fileLock(_strFilePath);
+    readFile();
+    removeFrom(*findBox(item.getBoxType()), item);
+    return writeFile();
+}
+
+int SMSStorage::moveMessageItem(const MessageItem& item, const QString& targetBox) {
+    if (!findBox(item.getBoxType()) || !findBox(targetBox)) {
+        return kUnknownBox;
+    }
+    StoreLock fileLock(_strFilePath);
+    readFile();
+    if (!removeFrom(*findBox(item.getBoxType()), item)) {
+        return kNoSuchMessage;
+    }
+    MessageItem moved = MessageItem::initWithDictionary(item.getMessageDictionary());
+    moved.setBoxType(targetBox);
+    Box* target = findBox(targetBox);
+    target->dictionaries.append(moved);
+    target->items.append(moved);
+    // Both boxes are in the one file: the move is a single rename, never a message in no box.
+    return writeFile();
 }
 
 int SMSStorage::saveMessageData() {
+    StoreLock fileLock(_strFilePath);
+    // Messages another process added since this store was read are kept.
+    const QVariantMap onDisk = DamagedFile::readMap(_strFilePath);
+    QSet<QString> held;
+    for (const Box& box : _boxes)
+        for (const MessageItem& entry : box.dictionaries)
+            held.insert(identity(entry.getMessageDictionary()));
+    for (Box& box : _boxes) {
+        for (const QVariant& entry : onDisk.value(box.fileKey).toList()) {
+            if (entry.typeId() == QMetaType::QVariantMap && !held.contains(identity(entry.toMap()))) {
+                box.dictionaries.append(MessageItem::initWithDictionary(entry.toMap()));
+                box.items.append(box.dictionaries.last());
+            }
+        }
+    }
+    return writeFile();
+}
+
+int SMSStorage::writeFile() {
     for (const Box& box : _boxes) {
         QVariantList list;
         list.reserve(box.dictionaries.size());
@@ -141,7 +225,7 @@ int SMSStorage::saveMessageData() {
         }
         _dictFile.insert(box.fileKey, list);
     }
-    if (!PropertyList::write(_strFilePath, _dictFile)) {
+    if (!StoreFile::write(_strFilePath, _dictFile)) {
         CNSLOG(2, "message save Error!!");
         return kSaveFailed;
     }

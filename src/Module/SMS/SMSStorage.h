@@ -16,12 +16,15 @@
 // "ACHIEVEBOX"; the boxes are looked up by their type names ("OUTBOX", "SENDBOX", "DRAFTDBOX",
 // "ACHIVEBOX"). Other keys of the file are kept as they are.
 //
-// The store is read once when it is made and written whole after every change. A missing or unreadable
-// file starts it empty. Writes replace the file in one step, so a failed write leaves the old file intact.
+// The store is read when it is made, and every change reads the file again under its StoreLock, applies
+// itself and writes the file whole, so two processes on one user's data (the app and a tool command) keep
+// each other's changes. A missing or unreadable file starts it empty. Writes replace the file in one step,
+// so a failed write leaves the old file intact; a leftover of a killed write is merged in at the next read.
 class SMSStorage {
 public:
     static constexpr int kOK = 0;
     static constexpr int kSaveFailed = 1;
+    static constexpr int kNoSuchMessage = 2;
     static constexpr int kUnknownBox = 3;
 
     // init: the shared "LocalSMS.plist".
@@ -44,9 +47,13 @@ public:
     // item stays in the lists), 3 for an unknown box (nothing changes).
     int saveMessageItem(const MessageItem& item);
     // Removes from the item's box every dictionary equal to the item's and the item itself, and writes the
-    // file; the same results. Moving a message is a delete, a change of "BOX", and a save.
+    // file; the same results.
     int deletMessageItem(const MessageItem& item);
-    // Writes the whole store: 0, or 1 after logging the failure.
+    // Moves the item to another box in one write: 0, 1 when the write failed (the message stays where it
+    // was), 2 when its box no longer holds it, 3 for an unknown box.
+    int moveMessageItem(const MessageItem& item, const QString& targetBox);
+    // Writes the whole store (after changing held dictionaries in place), keeping messages another process
+    // added meanwhile: 0, or 1 after logging the failure.
     int saveMessageData();
 
     QString filePath() const { return _strFilePath; }
@@ -64,6 +71,10 @@ private:
     const Box* findBox(const QString& boxType) const;
     Box* findBox(const QString& boxType);
     void initMessageItemListByBox(Box& box);
+    // Call with the store's lock held.
+    void readFile();
+    int writeFile();
+    static bool removeFrom(Box& box, const MessageItem& item);
 
     std::array<Box, 4> _boxes;
     QString _strFilePath;

@@ -5,6 +5,8 @@
 #include "ConvertUtilty.h"
 #include "DamagedFile.h"
 #include "PropertyList.h"
+#include "StoreFile.h"
+#include "StoreLock.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -75,6 +77,11 @@ QString TrafficStatics::getDateTimeStringHMS(const QDateTime& date) {
 }
 
 QVariantMap TrafficStatics::getDateTrafficsDictionary() {
+    StoreLock fileLock(_strDateTrafficsPath);
+    return readDateTraffics();
+}
+
+QVariantMap TrafficStatics::readDateTraffics() {
     QVariant content;
     if (DamagedFile::readPropertyList(_strDateTrafficsPath, QMetaType::QVariantMap, content) !=
         DamagedFile::State::Good) {
@@ -87,7 +94,8 @@ QVariantMap TrafficStatics::getDateTrafficsDictionary() {
 }
 
 bool TrafficStatics::updateDateStatisticsWithItem(const _TrafficStaticsItem& item, const QDateTime& forDate) {
-    QVariantMap days = getDateTrafficsDictionary();
+    StoreLock fileLock(_strDateTrafficsPath);
+    QVariantMap days = readDateTraffics();
     const QString key = getKeyOfDate(forDate);
     const QVariant stored = days.value(key);
     QVariantMap entry;
@@ -152,7 +160,7 @@ QVariantMap TrafficStatics::searchADateDictionaryForKey(const QString& key) cons
 }
 
 bool TrafficStatics::writeDateTrafficsToDictionary(const QVariantMap& dict, const QString& toFile) {
-    return PropertyList::write(toFile, dict);
+    return StoreFile::write(toFile, dict);
 }
 
 bool TrafficStatics::removeAllStatisticsItems() {

@@ -71,7 +71,8 @@ public:
 
     // The day file's content, read afresh (created first when missing or unreadable).
     QVariantMap getDateTrafficsDictionary();
-    // Adds the item's four byte counts to the date's day entry and writes the day file.
+    // Adds the item's four byte counts to the date's day entry and writes the day file, under the file's
+    // lock so that two processes counting at once both count.
     bool updateDateStatisticsWithItem(const _TrafficStaticsItem& item, const QDateTime& forDate);
     // The days from..to that have entries, ascending, each as a one-key dictionary {day key: entry}.
     QVariantList arrayDateStatisticsFromDate(const QDateTime& from, const QDateTime& toDate);
@@ -96,6 +97,8 @@ public:
     QString dateTrafficsPath() const { return _strDateTrafficsPath; }
 
 private:
+    // getDateTrafficsDictionary without taking the lock (its caller holds it).
+    QVariantMap readDateTraffics();
     AppConfig& _config;
     QVariantMap _dictTrafficStatics;
     QString _strDataFile;

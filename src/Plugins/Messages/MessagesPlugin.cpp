@@ -792,11 +792,9 @@ void MessagesPlugin::moveSelected(const QString& box) {
         return;
     }
     const MessageItem& item = std::get<MessageItem>(*entry);
-    // A move is a delete, a change of box, and a save.
-    MessageItem moved = MessageItem::initWithDictionary(item.getMessageDictionary());
-    moved.setBoxType(box);
-    if (store().deletMessageItem(item) != SMSStorage::kOK ||
-        store().saveMessageItem(moved) != SMSStorage::kOK)
+    if (const int result = store().moveMessageItem(item, box); result == SMSStorage::kNoSuchMessage)
+        showError(tr("The message was changed by another program meanwhile; see the list again."));
+    else if (result != SMSStorage::kOK)
         showError(tr("The message store could not be written; check the disk and try again."));
     refreshFolders();
     refreshList();
