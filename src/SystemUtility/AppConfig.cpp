@@ -4,9 +4,9 @@
 #include "ConvertUtilty.h"
 #include "DamagedFile.h"
 #include "PropertyList.h"
+#include "ResourceLocator.h"
 #include "StoreFile.h"
 #include "StoreLock.h"
-#include "ResourceLocator.h"
 #include "UserDataFolder.h"
 
 #include <QFile>
@@ -39,8 +39,7 @@ QString filePath(const QString& folder, const QString& name) {
 
 // The profile lists hold passwords: the owner alone reads them. Later saves keep the mode.
 bool writePrivate(const QString& path, const QVariant& root) {
-    return StoreFile::write(path, root) &&
-           QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    return StoreFile::write(path, root) && QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
 }
 
 // Resource tables: lines separated by "\r\n", columns by a tab. A missing file has no lines.

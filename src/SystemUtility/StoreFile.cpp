@@ -63,7 +63,8 @@ bool StoreFile::recoverLeftovers(const QString& path, const Merge& merge,
     if (merged > 0 && !writeBack())
         return false;
     for (const QString& leftover : leftovers) {
-        CNSLOG(2, "removed %s, left by an interrupted write (%d merged)", leftover.toUtf8().constData(), merged);
+        CNSLOG(2, "removed %s, left by an interrupted write (%d merged)", leftover.toUtf8().constData(),
+               merged);
         QFile::remove(leftover);
     }
     return true;

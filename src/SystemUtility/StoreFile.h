@@ -19,7 +19,8 @@ public:
     // leftovers are removed once that succeeded (at once when nothing was merged); false when the write
     // back failed and they were kept. Call under the store's lock, so no other write is in flight.
     using Merge = std::function<void(const QVariant& leftover)>;
-    static bool recoverLeftovers(const QString& path, const Merge& merge, const std::function<bool()>& writeBack);
+    static bool recoverLeftovers(const QString& path, const Merge& merge,
+                                 const std::function<bool()>& writeBack);
 
     // Test hook, called before each write with "write <file name>" and after the rename with "written <file
     // name>"; returning false makes that step fail as a full disk would. Empty by default.

@@ -59,7 +59,8 @@ int ReportStoreResult(const CliContext& context, int result, const std::string& 
     if (result == SMSStorage::kOK)
         return EXIT_OK;
     if (result == SMSStorage::kNoSuchMessage)
-        return ReportFailure(context, result, what + ": another program changed the box meanwhile; list it again");
+        return ReportFailure(context, result,
+                             what + ": another program changed the box meanwhile; list it again");
     return ReportFailure(context, result, what + ": the message store could not be written");
 }
 
@@ -104,8 +105,8 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
         const auto target = kBoxes.find(arguments.move[1]);
         if (target == kBoxes.end())
             return ReportUsage("no box \"" + arguments.move[1] + "\" (outbox, sent, drafts, archive)");
-        if (const int failed =
-                ReportStoreResult(context, store.moveMessageItem(*item, target->second), "moving the message"))
+        if (const int failed = ReportStoreResult(context, store.moveMessageItem(*item, target->second),
+                                                 "moving the message"))
             return failed;
     }
     PrintBox(context, store.getMessageListByBoxType(type).value_or(QList<MessageItem>()), region);

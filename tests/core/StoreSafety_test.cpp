@@ -29,7 +29,8 @@ QString pdu(int n) {
 
 MessageItem draft(const QString& text) {
     return MessageItem::createMessageItem({"+491701"}, text, QString(), QString(),
-                                          QDateTime(QDate(2024, 5, 1), QTime(14, 0), Qt::UTC), 0, SMS_BOX_DRAFT);
+                                          QDateTime(QDate(2024, 5, 1), QTime(14, 0), Qt::UTC), 0,
+                                          SMS_BOX_DRAFT);
 }
 
 // Runs body in a child process and waits for it; the child's exit status.
@@ -109,27 +110,35 @@ TEST(StoreSafety, TwoProcessesWritingTheSameStoresLoseNothing) {
 // death anywhere leaves it on the modem, and the next start stores it again. It must end up stored once.
 TEST(StoreSafety, ModemMessageStoredOnceWhateverStepTheProcessDiesAt) {
     // clang-format off
-    const struct { QString step; bool leftover; } rows[] = {
-        {"write " + kInbox, false}, {"written " + kInbox, false}, {"", true},
+    const struct { QString step; bool dies; } rows[] = {
+        {"write " + kInbox, true}, {"written " + kInbox, true}, {"", true}, {"write " + kInbox, false},
     };
     // clang-format on
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.step.toStdString());
+        SCOPED_TRACE(row.step.toStdString() + (row.dies ? " dies" : " fails"));
         TempHome home;
         QDir().mkpath(home.userData());
         int index = 0;
         ASSERT_EQ(SMSExt::shared().save(kImsi, pdu(1), 12, index), 0);
-        if (row.leftover) {
-            const QVariantList stored = PropertyList::readMap(SMSExt::shared().filePath()).value(kImsi).toList();
+        if (row.step.isEmpty()) {
+            const QVariantList stored =
+                PropertyList::readMap(SMSExt::shared().filePath()).value(kImsi).toList();
             leaveLeftover(home, kInbox,
-                          QVariantMap{{kImsi, stored + QVariantList{QVariantMap{
-                                                           {"SMS_REF", 2}, {"SMS_PDU_LEN", 12}, {"SMS_PDU", pdu(2)}}}}});
-        } else {
+                          QVariantMap{{kImsi, stored + QVariantList{QVariantMap{{"SMS_REF", 2},
+                                                                                {"SMS_PDU_LEN", 12},
+                                                                                {"SMS_PDU", pdu(2)}}}}});
+        } else if (row.dies) {
             inChild([&row] {
                 dieAt(row.step);
                 int ignored = 0;
                 SMSExt::shared().save(kImsi, pdu(2), 12, ignored);
             });
+        } else {
+            // A full disk: the store says so, and the message stays on the modem for the next try.
+            StoreFile::setFaultHook([&row](const QString& step) { return step != row.step; });
+            EXPECT_NE(SMSExt::shared().save(kImsi, pdu(2), 12, index), 0);
+            StoreFile::setFaultHook({});
+            EXPECT_EQ(countPdu(pdu(2)), 0);
         }
         // The next start reads the modem again: the message is still there and is stored again.
         ASSERT_EQ(SMSExt::shared().save(kImsi, pdu(2), 12, index), 0);
@@ -179,7 +188,8 @@ TEST(StoreSafety, MoveLeavesTheMessageInExactlyOneBox) {
         SMSStorage restarted(kImsi);
         QStringList everywhere;
         for (const QString& box : {SMS_BOX_OUTBOX, SMS_BOX_SENDBOX, SMS_BOX_DRAFT, SMS_BOX_ACHIVE})
-            for (const MessageItem& item : restarted.getMessageListByBoxType(box).value_or(QList<MessageItem>()))
+            for (const MessageItem& item :
+                 restarted.getMessageListByBoxType(box).value_or(QList<MessageItem>()))
                 everywhere << box + ":" + item.getContent();
         QStringList expected{row.box + ":keep me", SMS_BOX_DRAFT + ":other"};
         everywhere.sort();

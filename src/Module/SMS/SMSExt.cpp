@@ -89,7 +89,8 @@ int SMSExt::list(const QString& imsi, std::list<TSMSRecordInPC>& records) {
     if (refuseEmpty(imsi))
         return 1;
     QMutexLocker lock(&_mutex);
-    const QVariantList entries = DamagedFile::readMap(filePath()).value(imsi).toList();
+    StoreLock fileLock(filePath()); // only to pick up a leftover of a killed write
+    const QVariantList entries = readUnderLock().value(imsi).toList();
     QSet<QString> seen;
     for (const QVariant& entry : entries) {
         TSMSRecordInPC record;

@@ -14,8 +14,8 @@ namespace {
 // Who, what and when: a message keeps these through moves and delivery reports.
 QString identity(const QVariantMap& message) {
     return message.value(SMS_KEY_NUMBERS).toStringList().join(QLatin1Char('\n')) + QLatin1Char('\x1f') +
-           QString::number(message.value(SMS_KEY_CREATE_TIME).toDateTime().toSecsSinceEpoch()) + QLatin1Char('\x1f') +
-           message.value(SMS_KEY_CONTENT).toString();
+           QString::number(message.value(SMS_KEY_CREATE_TIME).toDateTime().toSecsSinceEpoch()) +
+           QLatin1Char('\x1f') + message.value(SMS_KEY_CONTENT).toString();
 }
 
 } // namespace
@@ -75,8 +75,9 @@ void SMSStorage::readFile() {
             _dictFile.insert(box.fileKey, list);
         }
     };
-    StoreFile::recoverLeftovers(_strFilePath, merge,
-                                [this, &merged] { return !merged || StoreFile::write(_strFilePath, _dictFile); });
+    StoreFile::recoverLeftovers(_strFilePath, merge, [this, &merged] {
+        return !merged || StoreFile::write(_strFilePath, _dictFile);
+    });
     for (Box& box : _boxes) {
         box.dictionaries.clear();
         const QVariant stored = _dictFile.value(box.fileKey);
@@ -161,11 +162,14 @@ int SMSStorage::saveMessageItem(const MessageItem& item) {
 }
 
 bool SMSStorage::removeFrom(Box& box, const MessageItem& item) {
-    // A copy: the item's dictionary may itself be one of those removed.
-    const QVariantMap content = item.getMessageDictionary();
-    const auto removed = box.dictionaries.removeIf(
-        [&content](const MessageItem& entry) { return entry.getMessageDictionary() == content; });
-    box.items.removeIf([&content](const MessageItem& entry) { return entry.getMessageDictionary() == content; });
+    // By identity: the file keeps whole seconds, the caller's item may hold the milliseconds it was made
+    // with. A copy, since the item's dictionary may itself be one of those removed.
+    const QString wanted = identity(item.getMessageDictionary());
+    const auto same = [&wanted](const MessageItem& entry) {
+        return identity(entry.getMessageDictionary()) == wanted;
+    };
+    const auto removed = box.dictionaries.removeIf(same);
+    box.items.removeIf(same);
     return removed > 0;
 }
 
@@ -180,7 +184,13 @@ int SMSStorage::deletMessageItem(const MessageItem& item) {
 }
 
 int SMSStorage::moveMessageItem(const MessageItem& item, const QString& targetBox) {
-    if (!findBox(item.getBoxType()) || !findBox(targetBox)) {
+    MessageItem moved = MessageItem::initWithDictionary(item.getMessageDictionary());
+    moved.setBoxType(targetBox);
+    return replaceMessageItem(item, moved);
+}
+
+int SMSStorage::replaceMessageItem(const MessageItem& item, const MessageItem& replacement) {
+    if (!findBox(item.getBoxType()) || !findBox(replacement.getBoxType())) {
         return kUnknownBox;
     }
     StoreLock fileLock(_strFilePath);
@@ -188,12 +198,10 @@ int SMSStorage::moveMessageItem(const MessageItem& item, const QString& targetBo
     if (!removeFrom(*findBox(item.getBoxType()), item)) {
         return kNoSuchMessage;
     }
-    MessageItem moved = MessageItem::initWithDictionary(item.getMessageDictionary());
-    moved.setBoxType(targetBox);
-    Box* target = findBox(targetBox);
-    target->dictionaries.append(moved);
-    target->items.append(moved);
-    // Both boxes are in the one file: the move is a single rename, never a message in no box.
+    Box* target = findBox(replacement.getBoxType());
+    target->dictionaries.append(replacement);
+    target->items.append(replacement);
+    // All boxes are in the one file: this is a single rename, never a message in no box or in two.
     return writeFile();
 }
 

@@ -46,12 +46,15 @@ public:
     // Appends the item to the box named by its "BOX" and writes the file: 0, 1 when the write failed (the
     // item stays in the lists), 3 for an unknown box (nothing changes).
     int saveMessageItem(const MessageItem& item);
-    // Removes from the item's box every dictionary equal to the item's and the item itself, and writes the
-    // file; the same results.
+    // Removes from the item's box every message with the item's numbers, time (whole seconds) and text,
+    // and writes the file; the same results.
     int deletMessageItem(const MessageItem& item);
     // Moves the item to another box in one write: 0, 1 when the write failed (the message stays where it
     // was), 2 when its box no longer holds it, 3 for an unknown box.
     int moveMessageItem(const MessageItem& item, const QString& targetBox);
+    // The same for a message that becomes another (a draft sent, an unsent message kept in the outbox):
+    // the item leaves its box and the replacement enters its own in one write.
+    int replaceMessageItem(const MessageItem& item, const MessageItem& replacement);
     // Writes the whole store (after changing held dictionaries in place), keeping messages another process
     // added meanwhile: 0, or 1 after logging the failure.
     int saveMessageData();

@@ -649,22 +649,18 @@ ComposeDialog* MessagesPlugin::openCompose(const QStringList& numbers, const QSt
     dialog->setOrigin(origin);
     connect(dialog, &ComposeDialog::messageSent, this,
             [this, dialog](const QString& number, const QString& body) {
-                if (const auto& origin = dialog->origin()) {
-                    store().deletMessageItem(*origin);
-                    dialog->setOrigin(std::nullopt);
-                }
-                keepLocal({number}, body, SMS_BOX_SENDBOX);
+                const std::optional<MessageItem> origin = dialog->origin();
+                dialog->setOrigin(std::nullopt);
+                keepLocal({number}, body, SMS_BOX_SENDBOX, origin);
             });
     connect(dialog, &ComposeDialog::messageFailed, this,
             [this, dialog](const QString& number, const QString& body, int) {
-                const auto& origin = dialog->origin();
+                const std::optional<MessageItem> origin = dialog->origin();
                 if (origin && origin->getBoxType() == SMS_BOX_OUTBOX)
                     return;
-                if (origin)
-                    store().deletMessageItem(*origin);
                 MessageItem item = MessageItem::createMessageItem({number}, body, QString(), QString(),
                                                                   QDateTime(), 0, SMS_BOX_OUTBOX);
-                if (store().saveMessageItem(item) != SMSStorage::kOK)
+                if (saveReplacing(item, origin) != SMSStorage::kOK)
                     showError(tr("The unsent message could not be kept in the outbox; copy its text."));
                 dialog->setOrigin(item);
                 refreshFolders();
@@ -672,23 +668,28 @@ ComposeDialog* MessagesPlugin::openCompose(const QStringList& numbers, const QSt
             });
     connect(dialog, &ComposeDialog::draftRequested, this,
             [this, dialog](const QStringList& recipients, const QString& body) {
-                if (const auto& origin = dialog->origin())
-                    store().deletMessageItem(*origin);
-                keepLocal(recipients, body, SMS_BOX_DRAFT);
+                keepLocal(recipients, body, SMS_BOX_DRAFT, dialog->origin());
             });
     _compose = dialog;
     dialog->show();
     return dialog;
 }
 
-void MessagesPlugin::keepLocal(const QStringList& numbers, const QString& text, const QString& box) {
+void MessagesPlugin::keepLocal(const QStringList& numbers, const QString& text, const QString& box,
+                               const std::optional<MessageItem>& origin) {
     const MessageItem item =
         MessageItem::createMessageItem(numbers, text, QString(), QString(), QDateTime(), 0, box);
-    if (store().saveMessageItem(item) != SMSStorage::kOK)
+    if (saveReplacing(item, origin) != SMSStorage::kOK)
         showError(tr("The message could not be written to the message store in your home folder. Check "
                      "that the disk is not full."));
     refreshFolders();
     refreshList();
+}
+
+int MessagesPlugin::saveReplacing(const MessageItem& item, const std::optional<MessageItem>& origin) {
+    const int result = origin ? store().replaceMessageItem(*origin, item) : SMSStorage::kNoSuchMessage;
+    // An origin another program removed meanwhile is no reason to lose the text.
+    return result == SMSStorage::kNoSuchMessage ? store().saveMessageItem(item) : result;
 }
 
 void MessagesPlugin::composeTo(const QString& number, const QString& name) {

@@ -79,7 +79,11 @@ private:
 
     ComposeDialog* openCompose(const QStringList& numbers, const QString& text,
                                const std::optional<MessageItem>& origin = std::nullopt);
-    void keepLocal(const QStringList& numbers, const QString& text, const QString& box);
+    // Saves the message in the box; with an origin (the draft or unsent message it continues), the origin
+    // is replaced in the same write.
+    void keepLocal(const QStringList& numbers, const QString& text, const QString& box,
+                   const std::optional<MessageItem>& origin = std::nullopt);
+    int saveReplacing(const MessageItem& item, const std::optional<MessageItem>& origin);
     void reply();
     void forward();
     void removeSelected();
