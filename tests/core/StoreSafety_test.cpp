@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -18,53 +17,39 @@
 namespace {
 
 const QString kImsi = QStringLiteral("262021234567890");
-const QString kInbox = QStringLiteral("SmsInBoxPC.plist");
-const QString kBoxes = QStringLiteral("SMSInBox_") + kImsi;
 
-// A received PDU whose text ends in the two hex digits of n, so that every n is another message.
+// A received PDU whose text ends in the hex digits of n: every n is another message.
 QString pdu(int n) {
-    return QStringLiteral("07912143658709F1040B918100551512F2000011101021436500") +
-           QStringLiteral("02C8%1").arg(n & 0xff, 2, 16, QLatin1Char('0')).toUpper();
+    return QStringLiteral("07912143658709F1040B918100551512F200001110102143650002C8%1")
+        .arg(n & 0xff, 2, 16, QLatin1Char('0'))
+        .toUpper();
 }
 
 MessageItem draft(const QString& text) {
-    return MessageItem::createMessageItem({"+491701"}, text, QString(), QString(),
-                                          QDateTime(QDate(2024, 5, 1), QTime(14, 0), Qt::UTC), 0,
-                                          SMS_BOX_DRAFT);
+    return MessageItem::createMessageItem({"+491701"}, text, {}, {},
+                                          QDateTime(QDate(2024, 5, 1), QTime(14, 0)), 0, SMS_BOX_DRAFT);
 }
 
-// Runs body in a child process and waits for it; the child's exit status.
-int inChild(const std::function<void()>& body) {
+pid_t inChild(const std::function<void()>& body) {
     const pid_t child = fork();
     if (child == 0) {
         body();
         _exit(0);
     }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return child;
 }
 
-// In a child: the process dies (no clean-up of any kind) when it reaches the step.
-void dieAt(const QString& step) {
-    StoreFile::setFaultHook([step](const QString& reached) {
-        if (reached == step)
-            _exit(9);
-        return true;
-    });
-}
-
-// What a write killed between its temporary file and the rename leaves beside the store.
-void leaveLeftover(const TempHome& home, const QString& store, const QVariant& content) {
-    TempHome::writeFile(home.userFile(store + ".Xq3Zk9"), PropertyList::toXml(content));
-}
-
-int countPdu(const QString& wanted) {
-    std::list<TSMSRecordInPC> records;
-    SMSExt::shared().list(kImsi, records);
-    return static_cast<int>(std::count_if(records.begin(), records.end(), [&wanted](const TSMSRecordInPC& r) {
-        return QString::fromStdString(r.strPdu) == wanted;
-    }));
+// Every record stored: "inbox:<last PDU digits>" and "<box>:<text>", sorted.
+QStringList stored() {
+    QStringList all;
+    for (const QVariant& record : PropertyList::readMap(SMSExt::shared().filePath()).value(kImsi).toList())
+        all << "inbox:" + record.toMap().value("SMS_PDU").toString().right(2);
+    SMSStorage boxes(kImsi);
+    for (const QString& box : {SMS_BOX_OUTBOX, SMS_BOX_SENDBOX, SMS_BOX_DRAFT, SMS_BOX_ACHIVE})
+        for (const MessageItem& item : boxes.getMessageListByBoxType(box).value_or(QList<MessageItem>()))
+            all << box + ":" + item.getContent();
+    all.sort();
+    return all;
 }
 
 } // namespace
@@ -73,128 +58,88 @@ TEST(StoreSafety, TwoProcessesWritingTheSameStoresLoseNothing) {
     TempHome home;
     QDir().mkpath(home.userData());
     constexpr int kRounds = 40;
-    pid_t children[2];
+    QStringList expected;
+    std::vector<pid_t> writers;
     for (int writer = 0; writer < 2; ++writer) {
-        children[writer] = fork();
-        if (children[writer] == 0) {
-            for (int round = 0; round < kRounds; ++round) {
-                const int n = writer * kRounds + round;
+        for (int n = writer * kRounds; n < (writer + 1) * kRounds; ++n)
+            expected << "inbox:" + pdu(n).right(2) << SMS_BOX_DRAFT + ":" + QString::number(n);
+        writers.push_back(inChild([writer] {
+            for (int n = writer * kRounds; n < (writer + 1) * kRounds; ++n) {
                 int index = 0;
                 SMSExt::shared().save(kImsi, pdu(n), 12, index);
                 SMSStorage(kImsi).saveMessageItem(draft(QString::number(n)));
-                AppConfig config;
-                config.saveConfigObject(n, QStringLiteral("writer%1").arg(writer));
+                AppConfig().saveConfigObject(n, QStringLiteral("writer%1").arg(writer));
             }
-            _exit(0);
-        }
+        }));
     }
-    for (const pid_t child : children)
-        waitpid(child, nullptr, 0);
-
-    std::list<TSMSRecordInPC> received;
-    SMSExt::shared().list(kImsi, received);
-    QStringList drafts;
-    for (const MessageItem& item : SMSStorage(kImsi).getDarftList())
-        drafts << item.getContent();
-    drafts.removeDuplicates();
-    EXPECT_EQ(received.size(), 2u * kRounds);
-    EXPECT_EQ(PropertyList::readMap(SMSExt::shared().filePath()).value(kImsi).toList().size(), 2 * kRounds);
-    EXPECT_EQ(SMSStorage(kImsi).getDarftList().size(), 2 * kRounds);
-    EXPECT_EQ(drafts.size(), 2 * kRounds);
+    for (const pid_t writer : writers)
+        waitpid(writer, nullptr, 0);
+    expected.sort();
+    EXPECT_EQ(stored(), expected);
     const QVariantMap config = PropertyList::readMap(home.userFile("SystemConfig.plist"));
     EXPECT_EQ(config.value("writer0").toInt(), kRounds - 1);
     EXPECT_EQ(config.value("writer1").toInt(), 2 * kRounds - 1);
 }
 
-// A message on its way from the modem: the modem's copy is deleted only after the store returned 0, so a
-// death anywhere leaves it on the modem, and the next start stores it again. It must end up stored once.
-TEST(StoreSafety, ModemMessageStoredOnceWhateverStepTheProcessDiesAt) {
+// A modem message's store and a move between boxes, with the process killed at a step, the write failing
+// (a full disk) or killed at the rename (the new content only in QSaveFile's leftover). Whatever happens,
+// after the next start every message is there exactly once, and no leftover remains. The modem's copy is
+// deleted only after the store succeeded, so the next start always reads it from the modem again.
+TEST(StoreSafety, EveryMessageOnceAfterADeathOrAFailedWriteAtEachStep) {
+    enum Fault { Dies, Fails, DiesAtRename };
+    const QString inbox = "SmsInBoxPC.plist", boxes = "SMSInBox_" + kImsi;
+    const QStringList received{"inbox:01", "inbox:02"};
+    const QStringList moved{SMS_BOX_ACHIVE + ":keep me", SMS_BOX_DRAFT + ":other"};
+    const QStringList notMoved{SMS_BOX_DRAFT + ":keep me", SMS_BOX_DRAFT + ":other"};
     // clang-format off
-    const struct { QString step; bool dies; } rows[] = {
-        {"write " + kInbox, true}, {"written " + kInbox, true}, {"", true}, {"write " + kInbox, false},
+    const struct { QString step; Fault fault; QStringList expected; } rows[] = {
+        {"write " + inbox, Dies, received}, {"written " + inbox, Dies, received},
+        {"write " + inbox, Fails, received}, {inbox, DiesAtRename, received},
+        {"write " + boxes, Dies, notMoved}, {"written " + boxes, Dies, moved},
+        {"write " + boxes, Fails, notMoved}, {boxes, DiesAtRename, notMoved},
     };
     // clang-format on
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.step.toStdString() + (row.dies ? " dies" : " fails"));
+        SCOPED_TRACE(row.step.toStdString() + " fault " + std::to_string(row.fault));
         TempHome home;
         QDir().mkpath(home.userData());
+        const bool toInbox = row.step.contains(inbox);
         int index = 0;
-        ASSERT_EQ(SMSExt::shared().save(kImsi, pdu(1), 12, index), 0);
-        if (row.step.isEmpty()) {
-            const QVariantList stored =
-                PropertyList::readMap(SMSExt::shared().filePath()).value(kImsi).toList();
-            leaveLeftover(home, kInbox,
-                          QVariantMap{{kImsi, stored + QVariantList{QVariantMap{{"SMS_REF", 2},
-                                                                                {"SMS_PDU_LEN", 12},
-                                                                                {"SMS_PDU", pdu(2)}}}}});
-        } else if (row.dies) {
-            inChild([&row] {
-                dieAt(row.step);
-                int ignored = 0;
-                SMSExt::shared().save(kImsi, pdu(2), 12, ignored);
-            });
-        } else {
-            // A full disk: the store says so, and the message stays on the modem for the next try.
-            StoreFile::setFaultHook([&row](const QString& step) { return step != row.step; });
-            EXPECT_NE(SMSExt::shared().save(kImsi, pdu(2), 12, index), 0);
-            StoreFile::setFaultHook({});
-            EXPECT_EQ(countPdu(pdu(2)), 0);
-        }
-        // The next start reads the modem again: the message is still there and is stored again.
-        ASSERT_EQ(SMSExt::shared().save(kImsi, pdu(2), 12, index), 0);
-        EXPECT_EQ(countPdu(pdu(1)), 1);
-        EXPECT_EQ(countPdu(pdu(2)), 1);
-        EXPECT_EQ(QDir(home.userData()).entryList({kInbox + ".??????"}, QDir::Files), QStringList());
-    }
-}
-
-// A move killed at any step, or failing its write, leaves the message in exactly one box.
-TEST(StoreSafety, MoveLeavesTheMessageInExactlyOneBox) {
-    // clang-format off
-    const struct { QString step; bool dies; QString box; } rows[] = {
-        {"write " + kBoxes, true, SMS_BOX_DRAFT}, {"written " + kBoxes, true, SMS_BOX_ACHIVE},
-        {"write " + kBoxes, false, SMS_BOX_DRAFT}, {"", true, SMS_BOX_DRAFT},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.step.toStdString() + (row.dies ? " dies" : " fails"));
-        TempHome home;
-        QDir().mkpath(home.userData());
-        {
+        if (toInbox)
+            ASSERT_EQ(SMSExt::shared().save(kImsi, pdu(1), 12, index), 0);
+        else
+            ASSERT_TRUE(SMSStorage(kImsi).saveMessageItem(draft("keep me")) == 0 &&
+                        SMSStorage(kImsi).saveMessageItem(draft("other")) == 0);
+        const auto step = [toInbox, &index] {
             SMSStorage store(kImsi);
-            ASSERT_EQ(store.saveMessageItem(draft("keep me")), 0);
-            ASSERT_EQ(store.saveMessageItem(draft("other")), 0);
-        }
-        const auto move = [] {
-            SMSStorage store(kImsi);
-            return store.moveMessageItem(store.getDarftList().first(), SMS_BOX_ACHIVE);
+            return toInbox ? SMSExt::shared().save(kImsi, pdu(2), 12, index)
+                           : store.moveMessageItem(store.getDarftList().first(), SMS_BOX_ACHIVE);
         };
-        if (row.step.isEmpty()) {
-            // Killed at the rename: the moved state is only in the leftover, beside the old file.
-            QVariantMap moved = PropertyList::readMap(home.userFile(kBoxes));
-            moved.insert("ACHIEVEBOX", QVariantList{moved.value("DRAFT").toList().takeFirst()});
-            leaveLeftover(home, kBoxes, moved);
-        } else if (row.dies) {
-            inChild([&row, &move] {
-                dieAt(row.step);
-                move();
-            });
+        if (row.fault == DiesAtRename) {
+            const QString path = home.userFile(row.step);
+            QVariantMap next = PropertyList::readMap(path);
+            if (toInbox)
+                next.insert(kImsi, next.value(kImsi).toList() << QVariantMap{
+                                       {"SMS_REF", 9}, {"SMS_PDU_LEN", 12}, {"SMS_PDU", pdu(2)}});
+            else if (QVariantList drafts = next.value("DRAFT").toList(); !drafts.isEmpty())
+                next.insert("ACHIEVEBOX", QVariantList{drafts.takeFirst()}), next.insert("DRAFT", drafts);
+            TempHome::writeFile(path + ".Xq3Zk9", PropertyList::toXml(next));
         } else {
-            StoreFile::setFaultHook([&row](const QString& step) { return step != row.step; });
-            EXPECT_EQ(move(), SMSStorage::kSaveFailed);
+            StoreFile::setFaultHook([&row](const QString& reached) {
+                if (reached == row.step && row.fault == Dies)
+                    _exit(9);
+                return reached != row.step;
+            });
+            if (row.fault == Dies)
+                waitpid(inChild([&step] { step(); }), nullptr, 0);
+            else
+                EXPECT_NE(step(), 0);
             StoreFile::setFaultHook({});
         }
-
-        SMSStorage restarted(kImsi);
-        QStringList everywhere;
-        for (const QString& box : {SMS_BOX_OUTBOX, SMS_BOX_SENDBOX, SMS_BOX_DRAFT, SMS_BOX_ACHIVE})
-            for (const MessageItem& item :
-                 restarted.getMessageListByBoxType(box).value_or(QList<MessageItem>()))
-                everywhere << box + ":" + item.getContent();
-        QStringList expected{row.box + ":keep me", SMS_BOX_DRAFT + ":other"};
-        everywhere.sort();
-        expected.sort();
-        EXPECT_EQ(everywhere, expected);
-        EXPECT_EQ(QDir(home.userData()).entryList({kBoxes + ".??????"}, QDir::Files), QStringList());
+        if (toInbox) { // the next start finds the message still on the modem
+            ASSERT_EQ(SMSExt::shared().save(kImsi, pdu(2), 12, index), 0);
+        }
+        EXPECT_EQ(stored(), row.expected);
+        EXPECT_EQ(QDir(home.userData()).entryList({"*.??????"}, QDir::Files), QStringList());
     }
 }
