@@ -19,9 +19,9 @@ class TInterfaceAtSublayer;
 // The file is re-read for every call and written whole (atomically, up to 3 attempts, synced to disk)
 // after every change, so records survive a crash of the program. Changes hold the file's StoreLock, so
 // two processes (two sticks, the app and a tool command) never lose each other's records. A PDU already
-// stored is not stored again: its record's index is returned, and listing shows each PDU once. Every call returns 0 on success, 1 on failure; an empty IMSI
-// is refused. The three static callbacks are those of CSmsUtility's computer-side store; their context is
-// the SMSExt object.
+// stored is not stored again: its record's index is returned, and listing shows each PDU once. Every call
+// returns 0 on success, 1 on failure; an empty IMSI is refused. The three static callbacks are those of
+// CSmsUtility's computer-side store; their context is the SMSExt object.
 class SMSExt {
 public:
     static SMSExt& shared();
