@@ -56,7 +56,6 @@ QStringList stored() {
 
 TEST(StoreSafety, TwoProcessesWritingTheSameStoresLoseNothing) {
     TempHome home;
-    QDir().mkpath(home.userData());
     constexpr int kRounds = 40;
     QStringList expected;
     std::vector<pid_t> writers;
@@ -102,7 +101,6 @@ TEST(StoreSafety, EveryMessageOnceAfterADeathOrAFailedWriteAtEachStep) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.step.toStdString() + " fault " + std::to_string(row.fault));
         TempHome home;
-        QDir().mkpath(home.userData());
         const bool toInbox = row.step.contains(inbox);
         int index = 0;
         if (toInbox)
