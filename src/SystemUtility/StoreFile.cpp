@@ -38,6 +38,8 @@ bool StoreFile::write(const QString& path, const QVariant& root) {
         CNSLOG(2, "writing %s failed", info.fileName().toUtf8().constData());
         return false;
     }
+    // What an earlier killed write left is older than this content (the message stores have merged it).
+    recoverLeftovers(path, {}, {});
     return passes(QStringLiteral("written ") + info.fileName());
 }
 
@@ -63,9 +65,9 @@ bool StoreFile::recoverLeftovers(const QString& path, const Merge& merge,
     if (merged > 0 && !writeBack())
         return false;
     for (const QString& leftover : leftovers) {
-        CNSLOG(2, "removed %s, left by an interrupted write (%d merged)", leftover.toUtf8().constData(),
-               merged);
-        QFile::remove(leftover);
+        if (QFile::remove(leftover))
+            CNSLOG(2, "removed %s, left by an interrupted write (%d merged)", leftover.toUtf8().constData(),
+                   merged);
     }
     return true;
 }

@@ -11,7 +11,8 @@ class StoreFile {
 public:
     // Writes root to path through a temporary file renamed into place, then syncs the folder so that the
     // rename itself is on disk before the caller acts on it (deletes the modem's copy, reports success).
-    // false when a step failed; the old file is then intact.
+    // false when a step failed; the old file is then intact. Leftovers of earlier writes are removed after
+    // it. Call under the store's lock.
     static bool write(const QString& path, const QVariant& root);
 
     // The leftovers of an interrupted write, "<name>.XXXXXX" beside path. A readable one at least as new
