@@ -36,8 +36,8 @@ thread_local int t_modemErrorCause = 0;
 constexpr int kSwitchTries = 21;
 constexpr useconds_t kSwitchRetrySleep = 500;
 constexpr int kDetectIntervalMs = 1000;
-// New-message lines waiting (seconds behind the modem) that make the front ends list the storage again,
-// and the least number of ticks between two such re-lists while a flood goes on.
+// New-message lines waiting (seconds behind the modem), some of them not yet listed, that make the front
+// ends list the storage again, and the least number of ticks between two such re-lists during a flood.
 constexpr uint64_t kRelistBacklog = 5;
 constexpr int kRelistSpacingTicks = 5;
 
@@ -494,10 +494,12 @@ void WorkThread::checkReportBacklog() {
     _missedNewMessages = com->takeMissedNewMessages() || _missedNewMessages;
     if (_ticksToNextRelist > 0)
         --_ticksToNextRelist;
-    if ((!_missedNewMessages && uncovered < kRelistBacklog) || _ticksToNextRelist > 0)
+    // The newest line not yet shown waits behind every queued one, shown or not.
+    const bool behind = uncovered > 0 && waiting >= kRelistBacklog;
+    if ((!_missedNewMessages && !behind) || _ticksToNextRelist > 0)
         return;
-    CNSLOG(1, "%d new-message reports wait, %s merged: asking for a re-list", static_cast<int>(uncovered),
-           _missedNewMessages ? "some" : "none");
+    CNSLOG(1, "%d new-message reports not yet listed, %s missed: asking for a re-list",
+           static_cast<int>(uncovered), _missedNewMessages ? "some" : "none");
     _relistCoveredReports = com->newMessageReportsQueued();
     _ticksToNextRelist = kRelistSpacingTicks;
     _missedNewMessages = false;
