@@ -1,8 +1,7 @@
-// A stick flooding the AT port with unsolicited lines: the command still ends at its final result, repeated
-// lines are merged, a USSD answer goes ahead of the flood, and the queue's bounds never cost a kept line.
+// A stick flooding the AT port with unsolicited lines: repeated lines are merged, a USSD answer goes ahead
+// of the flood, and the queue's bounds never cost a kept line.
 #include "ComOperation.h"
 #include "DebugSink.h"
-#include "PtyPeer.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +9,6 @@
 #include <vector>
 
 namespace {
-
-using namespace std::chrono_literals;
 
 UnsolicitedReportList& Reports(ComOperation* com) {
     UnsolicitedReportList* list = nullptr;
@@ -26,74 +23,11 @@ void DropReports(ComOperation* com) {
     com->takeMissedNewMessages();
 }
 
-std::string Lines(const std::string& line, int count) {
-    std::string text;
-    for (int i = 0; i < count; ++i)
-        text += "\r\n" + line + "\r\n";
-    return text;
-}
-
 bool Holds(ComOperation* com, const std::string& text) {
     for (const UnsolicitedReportDataType* report : Reports(com))
         if (report->strText == text)
             return true;
     return false;
-}
-
-// Quiets the channel's debug lines (one per dropped line) for the scope.
-class QuietDebug {
-public:
-    QuietDebug() : _file(std::tmpfile()), _previous(GetDebugSink()) { SetDebugSink(_file); }
-    ~QuietDebug() {
-        SetDebugSink(_previous);
-        std::fclose(_file);
-    }
-
-private:
-    std::FILE* _file;
-    std::FILE* _previous;
-};
-
-TEST(ComOperationFloodTest, FloodsOnThePortAreMerged) {
-    struct Row {
-        const char* line;
-        int count;
-        int commands;      // the same flood answers this many commands in a row
-        const char* after; // a line after the flood, or nullptr
-        const char* front; // the queue's first line
-        size_t queued;
-        bool missed;
-    };
-    // clang-format off
-    const Row rows[] = {
-        {"RING", 400, 1, nullptr, "\r\nRING\r\n", 1, false},
-        {"NO CARRIER", 100, 2, nullptr, "\r\nNO CARRIER\r\n", 1, false},
-        {"RING", 400, 1, "+CUSD: 0,\"Balance 5.00\",15", "\r\n+CUSD: 0,\"Balance 5.00\",15\r\n", 2, false},
-        {"+CMTI: \"SM\",1", 1000, 1, nullptr, "\r\n+CMTI: \"SM\",1\r\n", 1, true},
-        {"+CDSI: \"SM\",2", 200, 3, nullptr, "\r\n+CDSI: \"SM\",2\r\n", 1, true},
-    };
-    // clang-format on
-    QuietDebug quiet;
-    ComOperation* com = ComOperation::GetInstance();
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.count << " x " << row.line);
-        PtyPeer peer;
-        ASSERT_TRUE(peer.isOpen());
-        ASSERT_EQ(com->openCom(peer.slavePath().c_str()), 0);
-        const std::string flood = Lines(row.line, row.count) + (row.after ? Lines(row.after, 1) : "");
-        for (int i = 0; i < row.commands; ++i)
-            peer.expect("AT+CSQ\r", PtyPeer::Answer{{0ms, flood}, {5ms, "\r\n+CSQ: 18,99\r\n\r\nOK\r\n"}});
-        for (int i = 0; i < row.commands; ++i) {
-            std::string response;
-            ASSERT_EQ(com->writeCom("AT+CSQ\r", "+CSQ: ", 5, response), 0);
-            EXPECT_NE(response.find("+CSQ: 18,99"), std::string::npos);
-        }
-        ASSERT_EQ(Reports(com).size(), row.queued);
-        EXPECT_EQ(Reports(com).front()->strText, row.front);
-        EXPECT_EQ(com->takeMissedNewMessages(), row.missed);
-        com->closeCom();
-        DropReports(com);
-    }
 }
 
 TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
@@ -127,7 +61,9 @@ TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
         {"kept lines stop at the hard bound, counted as missed", {{CMTI, "+CMTI: \"ME\",", static_cast<int>(ComOperation::kMaxKeptReports) + 4, true}}, ComOperation::kMaxKeptReports, "+CMTI: \"ME\",0", "+CMTI: \"ME\",4096", true},
     };
     // clang-format on
-    QuietDebug quiet;
+    std::FILE* debug = std::tmpfile(); // one debug line per dropped line
+    std::FILE* previous = GetDebugSink();
+    SetDebugSink(debug);
     ComOperation* com = ComOperation::GetInstance();
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -149,6 +85,8 @@ TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
         EXPECT_EQ(com->newMessageReportsQueued() - countedBefore, newMessageLines);
     }
     DropReports(com);
+    SetDebugSink(previous);
+    std::fclose(debug);
 }
 
 } // namespace

@@ -15,7 +15,6 @@
 
 #include "QtEventLoop.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <functional>
@@ -246,22 +245,6 @@ TEST_F(WorkerFixture, ReportsByKindOnePerCall) {
     UnsolicitedReportList* reports = nullptr;
     ComOperation::GetInstance()->getUnsoliciteReportList(reports);
     EXPECT_TRUE(reports->empty());
-}
-
-// Six new-message lines at once put the worker five seconds behind: the front ends are asked once to
-// list the storage again; the lines it covered ask for nothing more while they are worked off.
-TEST_F(WorkerFixture, ABacklogOfNewMessagesAsksForOneReList) {
-    std::string lines;
-    for (int i = 1; i <= 6; ++i)
-        lines += "\r\n+CMTI: \"SM\"," + std::to_string(i) + "\r\n\r\nOK\r\n";
-    queueReports(lines);
-    for (int i = 0; i < 6; ++i)
-        onWorker([this] { _worker->handleUnsolicitedReport(); });
-    ASSERT_TRUE(waitFor([&] { return _responder.responses.size() >= 7; }));
-    waitFor([] { return false; }, std::chrono::milliseconds(100));
-    const std::vector<QString> names = responseNames();
-    EXPECT_EQ(std::count(names.begin(), names.end(), MESSAGE_RPT_SMS_RELIST), 1);
-    EXPECT_EQ(names[1], MESSAGE_RPT_SMS_RELIST);
 }
 
 TEST_F(WorkerFixture, TwoQueuedReportsComeOnTwoTimerTicksAndARingIsDropped) {
