@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QSet>
 #include <QSettings>
+#include <QStringList>
 #include <QTimer>
 
 #include <algorithm>
@@ -242,11 +243,10 @@ int Delete(const CliContext& context, ModemSession& session, int id) {
 // What a message is, whatever its table ID or storage: the ID changes when the table is built anew, and
 // a message moved to the computer comes back under another storage.
 QString MessageIdentity(const BLSmsListItem& item) {
-    return QStringLiteral("%1|%2|%3|%4|%5")
-        .arg(item.nType)
-        .arg(item.strAddress, item.dateTime.toString(Qt::ISODate))
-        .arg(item.nStatusReportStatus)
-        .arg(item.strContent);
+    // Joined, not formatted: a sender or text holding "%1" must not take part in the formatting.
+    return QStringList{QString::number(item.nType), item.strAddress, item.dateTime.toString(Qt::ISODate),
+                       QString::number(item.nStatusReportStatus), item.strContent}
+        .join(QChar(0x1F));
 }
 
 void PrintEvent(const CliContext& context, const BLSmsListItem& item, const std::string& region) {
