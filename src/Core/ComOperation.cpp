@@ -2,6 +2,7 @@
 
 #include "DebugSink.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include <sys/file.h>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -32,6 +34,15 @@ constexpr size_t kReadBufferSize = 5120;
 constexpr int kTimeOutsBeforeReopen = 40;
 
 int32_t g_nTimeOutCount = 0;
+
+bool IsNewMessageReport(unsolicited_report_e_type nType) {
+    return nType == UNSOLICITED_REPORT_CMTI || nType == UNSOLICITED_REPORT_CDSI;
+}
+
+// Lines that announce something stored or answer a request; the rest may be merged away or pushed out.
+bool IsKeptReport(unsolicited_report_e_type nType) {
+    return IsNewMessageReport(nType) || nType == UNSOLICITED_REPORT_CUSD;
+}
 
 using Ticks = std::chrono::duration<int64_t, std::ratio<1, 60>>;
 
@@ -217,15 +228,54 @@ void ComOperation::checkUnsolicitedReport(std::string& strData, const char* szEx
     for (size_t nType = 0; nType < kReportPrefixes.size(); ++nType) {
         if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines) == 0)
             continue;
-        for (const std::string& strLine : lstLines) {
-            if (_lstReport.size() >= kMaxQueuedReports) {
-                DebugPrint("report queue full, dropped: %s", strLine.c_str());
-                continue;
+        for (const std::string& strLine : lstLines)
+            queueReport(static_cast<unsolicited_report_e_type>(nType), strLine);
+    }
+    // Of adjacent report lines one pass cuts every other one; a new-message line left in the answer is
+    // missed here, though its message stays stored.
+    for (const unsolicited_report_e_type nType : {UNSOLICITED_REPORT_CMTI, UNSOLICITED_REPORT_CDSI}) {
+        const char* szPrefix = kReportPrefixes[nType];
+        const bool blOwnAnswer = szExpected != nullptr && std::strstr(szExpected, szPrefix) != nullptr;
+        if (!blOwnAnswer && strData.find(szPrefix) != std::string::npos)
+            _blMissedNewMessages = true;
+    }
+}
+
+void ComOperation::queueReport(unsolicited_report_e_type nType, const std::string& strLine) {
+    const bool blNewMessage = IsNewMessageReport(nType);
+    if (nType != UNSOLICITED_REPORT_CUSD) {
+        for (const UnsolicitedReportDataType* queued : _lstReport) {
+            if (queued->nType == nType && queued->strText == strLine) {
+                _blMissedNewMessages = _blMissedNewMessages || blNewMessage;
+                return;
             }
-            _lstReport.push_back(
-                new UnsolicitedReportDataType(static_cast<unsolicited_report_e_type>(nType), strLine));
         }
     }
+    if (_lstReport.size() >= kMaxQueuedReports) {
+        const auto oldestMergeable =
+            std::find_if(_lstReport.begin(), _lstReport.end(),
+                         [](const auto* queued) { return !IsKeptReport(queued->nType); });
+        if (oldestMergeable != _lstReport.end()) {
+            DebugPrint("report queue full, dropped: %s", (*oldestMergeable)->strText.c_str());
+            delete *oldestMergeable;
+            _lstReport.erase(oldestMergeable);
+        } else if (!IsKeptReport(nType) || _lstReport.size() >= kMaxKeptReports) {
+            DebugPrint("report queue full, dropped: %s", strLine.c_str());
+            _blMissedNewMessages = _blMissedNewMessages || blNewMessage;
+            return;
+        }
+    }
+    auto position = _lstReport.end();
+    if (nType == UNSOLICITED_REPORT_CUSD)
+        position = std::find_if(_lstReport.begin(), _lstReport.end(),
+                                [](const auto* queued) { return queued->nType != UNSOLICITED_REPORT_CUSD; });
+    _lstReport.insert(position, new UnsolicitedReportDataType(nType, strLine));
+    if (blNewMessage)
+        ++_nNewMessageReports;
+}
+
+bool ComOperation::takeMissedNewMessages() {
+    return std::exchange(_blMissedNewMessages, false);
 }
 
 int stringHasSuffix(const char* szText, const char* szSuffix) {

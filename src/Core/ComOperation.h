@@ -9,6 +9,12 @@
 // It writes one command at a time, collects the answer until a final result ("+CME ERROR:", "+CMS ERROR:",
 // "ERROR", "OK", searched as plain substrings) or the "> " text prompt arrives, and cuts the unsolicited
 // lines it recognises out of the answer into a queue that the worker drains.
+//
+// The queue keeps what a burst must not cost. A line identical to one still queued carries nothing new and
+// is merged into it: a RING train becomes one RING, and a repeated "+CMTI: \"SM\",3" names the same
+// stored message, which is read when its line is taken. "+CUSD:" answers are never merged; they go ahead of
+// every other kind, since a request is waiting for them. New-message, status-report and USSD lines are
+// kept; the others count against kMaxQueuedReports, and when the queue is full the oldest of them goes.
 // Result codes: 0 success, 1 port not open, 4 open failed, 5 close failed, 6 empty command or write failed,
 // 8 time-out, 9 cancelled. The response string is only written on success.
 
@@ -39,9 +45,14 @@ using UnsolicitedReportList = std::list<UnsolicitedReportDataType*>;
 class ComOperation {
 public:
     static constexpr int kDevicePathSize = 513;
-    // The worker takes one report a second; beyond this many queued, further report lines are dropped
-    // (a stick flooding the port must not eat the memory). A dropped "+CMTI:" leaves its message stored.
+    // The worker takes one report a second. Past this many queued lines, an incoming line pushes out the
+    // oldest RING, NO CARRIER, toolkit or other mergeable line; with none left to push out, a mergeable
+    // line is dropped and a kept one still joins.
     static constexpr size_t kMaxQueuedReports = 256;
+    // The hard bound for kept lines, which a stick flooding the port must not pass. Distinct "+CMTI:" lines
+    // name distinct storage slots (a few hundred at most) and "+CUSD:" answers come one per request, so
+    // only a faulty stick reaches it; a new-message line dropped there counts as missed.
+    static constexpr size_t kMaxKeptReports = 4096;
 
     // The process-wide channel, created on first use and never destroyed.
     static ComOperation* GetInstance();
@@ -63,9 +74,17 @@ public:
     void reset();
     // Hands out the queue itself; the caller reads the front record, pops it and deletes it.
     void getUnsoliciteReportList(UnsolicitedReportList*& pReportList);
-    // Moves every recognised report line out of strData into the queue, the report table's order first,
-    // then the order within the data; lines past kMaxQueuedReports are cut out and dropped.
+    // Moves every recognised report line out of strData into the queue (queueReport), the report table's
+    // order first, then the order within the data.
     void checkUnsolicitedReport(std::string& strData, const char* szExpected);
+    // Queues one report line under the merging and bounding rules above.
+    void queueReport(unsolicited_report_e_type nType, const std::string& strLine);
+    // New-message and status-report lines queued since the channel was made (merged ones not counted);
+    // with the count still queued, the worker tells how far it lags behind the modem.
+    uint64_t newMessageReportsQueued() const { return _nNewMessageReports; }
+    // Whether a new-message or status-report line was merged or dropped since the last call; clears it.
+    // Their messages stay stored; the front ends list the storage again to show them.
+    bool takeMissedNewMessages();
 
     // The process-wide time-out count behind the reopen; tests start from a clean count.
     static int32_t GetTimeOutCount();
@@ -77,6 +96,8 @@ private:
     int32_t _nFd;
     char _szDevicePath[kDevicePathSize];
     UnsolicitedReportList _lstReport;
+    uint64_t _nNewMessageReports = 0;
+    bool _blMissedNewMessages = false;
     std::atomic<unsigned char> _cCancel;
 };
 

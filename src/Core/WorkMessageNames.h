@@ -68,3 +68,5 @@ inline const QString MESSAGE_USB_UNPLUGGED = QStringLiteral("MESSAGE_USB_UNPLUGG
 inline const QString MESSAGE_RPT_RECEIVE_SMS = QStringLiteral("MESSAGE_RPT_RECEIVE_SMS");
 inline const QString MESSAGE_RPT_RECEIVE_FILTER_SMS = QStringLiteral("MESSAGE_RPT_RECEIVE_FILTER_SMS");
 inline const QString MESSAGE_RPT_RECEIVE_USSD = QStringLiteral("MESSAGE_RPT_RECEIVE_USSD");
+// New-message reports were merged or fell far behind: list the storage again to show every message.
+inline const QString MESSAGE_RPT_SMS_RELIST = QStringLiteral("MESSAGE_RPT_SMS_RELIST");

@@ -134,8 +134,8 @@ qint32 WorkNotification::getQueueItemCount() {
 bool WorkNotification::deliverResponse(const QString& name, const QVariantMap& responseData, QObject* poster,
                                        NotificationCenter& center) {
     CNSLOG(4, "[OUT] message = %s", qPrintable(name));
-    // These two are reports from the worker, not answers to a counted request.
-    if (name != MESSAGE_RPT_RECEIVE_SMS && name != MESSAGE_USB_UNPLUGGED) {
+    // These are reports from the worker, not answers to a counted request.
+    if (name != MESSAGE_RPT_RECEIVE_SMS && name != MESSAGE_RPT_SMS_RELIST && name != MESSAGE_USB_UNPLUGGED) {
         reduceQueueItemCount();
     }
     if (GetErrorCode(responseData) == WORKER_ERR_NOT_POSTED) {

@@ -93,8 +93,9 @@ public:
     static qint32 getQueueItemCount();
 
     // The GUI thread's handling of one answer or report from the worker (asyncResponse): counts the
-    // answer down, except for the reports "MESSAGE_RPT_RECEIVE_SMS" and "MESSAGE_USB_UNPLUGGED"; then
-    // posts it under name with poster as the object, unless its code is 25. Returns whether it was posted.
+    // answer down, except for the reports "MESSAGE_RPT_RECEIVE_SMS", "MESSAGE_RPT_SMS_RELIST" and
+    // "MESSAGE_USB_UNPLUGGED"; then posts it under name with poster as the object, unless its code is 25.
+    // Returns whether it was posted.
     static bool deliverResponse(const QString& name, const QVariantMap& responseData, QObject* poster,
                                 NotificationCenter& center = NotificationCenter::defaultCenter());
 

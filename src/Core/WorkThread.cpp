@@ -17,6 +17,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
@@ -35,6 +36,10 @@ thread_local int t_modemErrorCause = 0;
 constexpr int kSwitchTries = 21;
 constexpr useconds_t kSwitchRetrySleep = 500;
 constexpr int kDetectIntervalMs = 1000;
+// New-message lines waiting (seconds behind the modem), some of them not yet listed, that make the front
+// ends list the storage again, and the least number of ticks between two such re-lists during a flood.
+constexpr uint64_t kRelistBacklog = 5;
+constexpr int kRelistSpacingTicks = 5;
 
 // How the argument of a request reaches its business method.
 using BusinessCall = int (*)(BusinessOperator&, const QVariantMap& in, QVariantMap& out);
@@ -436,10 +441,14 @@ void WorkThread::handleUnsolicitedReport() {
     ComOperation::GetInstance()->getUnsoliciteReportList(reports);
     CNSLOG(0, "report size = %d", static_cast<int>(reports->size()));
     if (reports->empty()) {
+        checkReportBacklog();
         return;
     }
 
-    UnsolicitedReportDataType* const report = reports->front();
+    // Taken off first: a line that arrives while this one is handled is a new announcement, never merged
+    // into the one in hand.
+    const std::unique_ptr<UnsolicitedReportDataType> report(reports->front());
+    reports->pop_front();
     QVariantMap request;
     WorkNotification::SetValueObject(request, QString::fromStdString(report->strText));
     QVariantMap result;
@@ -468,10 +477,33 @@ void WorkThread::handleUnsolicitedReport() {
     if (err == 0) {
         respond(name, nullptr, result);
     }
-
-    reports->pop_front();
     CNSLOG(0, "come a report : %s", report->strText.c_str());
-    delete report;
+    checkReportBacklog();
+}
+
+void WorkThread::checkReportBacklog() {
+    ComOperation* const com = ComOperation::GetInstance();
+    UnsolicitedReportList* reports = nullptr;
+    com->getUnsoliciteReportList(reports);
+    const auto waiting =
+        static_cast<uint64_t>(std::count_if(reports->begin(), reports->end(), [](const auto* r) {
+            return r->nType == UNSOLICITED_REPORT_CMTI || r->nType == UNSOLICITED_REPORT_CDSI;
+        }));
+    // Lines queued before the last re-list name messages it has already shown.
+    const uint64_t uncovered = std::min(waiting, com->newMessageReportsQueued() - _relistCoveredReports);
+    _missedNewMessages = com->takeMissedNewMessages() || _missedNewMessages;
+    if (_ticksToNextRelist > 0)
+        --_ticksToNextRelist;
+    // The newest line not yet shown waits behind every queued one, shown or not.
+    const bool behind = uncovered > 0 && waiting >= kRelistBacklog;
+    if ((!_missedNewMessages && !behind) || _ticksToNextRelist > 0)
+        return;
+    CNSLOG(1, "%d new-message reports not yet listed, %s missed: asking for a re-list",
+           static_cast<int>(uncovered), _missedNewMessages ? "some" : "none");
+    _relistCoveredReports = com->newMessageReportsQueued();
+    _ticksToNextRelist = kRelistSpacingTicks;
+    _missedNewMessages = false;
+    respond(MESSAGE_RPT_SMS_RELIST, nullptr, {});
 }
 
 void WorkThread::dropDetectTimer() {

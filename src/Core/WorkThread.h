@@ -93,6 +93,9 @@ private:
                          const QVariantMap& userInfo);
     void stopPortWatcher();
     void dropDetectTimer();
+    // After each report: asks the front ends to list the storage again when new-message lines were
+    // merged or dropped, or when too many wait behind the one-a-second pace.
+    void checkReportBacklog();
 
     QPointer<QObject> _responderObject;
     DeviceWorkResponseInterface* _responder = nullptr;
@@ -104,6 +107,10 @@ private:
     std::unique_ptr<NetworkOperator> _retiredNetworkOperator;
     std::unique_ptr<USBDetector> _usbDetector;
     QTimer* _detectTimer = nullptr;
+    // New-message lines queued up to the last re-list request, and the ticks before another may go out.
+    uint64_t _relistCoveredReports = 0;
+    int _ticksToNextRelist = 0;
+    bool _missedNewMessages = false;
 
     // Watches the AT port's entry in the device folder; its removal counts as the device's removal.
     std::unique_ptr<PortWatcher> _portWatcher;

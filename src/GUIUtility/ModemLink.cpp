@@ -47,8 +47,8 @@ void ModemLink::start() {
     _agent = std::make_unique<GUIThreadAgent>(parent(), _delegate.get());
     NotificationCenter::defaultCenter().addObserver(MESSAGE_USB_UNPLUGGED, this,
                                                     [this](const Notification&) { onUnplugged(); });
-    for (const QString& report :
-         {MESSAGE_RPT_RECEIVE_SMS, MESSAGE_RPT_RECEIVE_FILTER_SMS, MESSAGE_RPT_RECEIVE_USSD}) {
+    for (const QString& report : {MESSAGE_RPT_RECEIVE_SMS, MESSAGE_RPT_RECEIVE_FILTER_SMS,
+                                  MESSAGE_RPT_RECEIVE_USSD, MESSAGE_RPT_SMS_RELIST}) {
         NotificationCenter::defaultCenter().addObserver(
             report, this, [this](const Notification& n) { emit reportReceived(n.name, n.userInfo); });
     }

@@ -4,7 +4,9 @@
 #include <QEventLoop>
 #include <QMetaObject>
 #include <QObject>
+#include <QSet>
 #include <QSettings>
+#include <QStringList>
 #include <QTimer>
 
 #include <algorithm>
@@ -238,8 +240,34 @@ int Delete(const CliContext& context, ModemSession& session, int id) {
     return EXIT_OK;
 }
 
+// What a message is, whatever its table ID or storage: the ID changes when the table is built anew, and
+// a message moved to the computer comes back under another storage.
+QString MessageIdentity(const BLSmsListItem& item) {
+    // Joined, not formatted: a sender or text holding "%1" must not take part in the formatting.
+    return QStringList{QString::number(item.nType), item.strAddress, item.dateTime.toString(Qt::ISODate),
+                       QString::number(item.nStatusReportStatus), item.strContent}
+        .join(QChar(0x1F));
+}
+
+void PrintEvent(const CliContext& context, const BLSmsListItem& item, const std::string& region) {
+    if (context.json) {
+        std::cout
+            << VariantToJson(QVariant::fromValue(item)).dump(-1, ' ', false, json::error_handler_t::replace)
+            << '\n';
+    } else if (item.nType == 2) {
+        std::cout << "Delivery report from " << TerminalText(NumberForReading(item.strAddress, region))
+                  << ": status " << item.nStatusReportStatus << " (message " << item.nRef << ")\n";
+    } else {
+        std::cout << "Message " << item.nRef << " from "
+                  << TerminalText(NumberForReading(item.strAddress, region)) << " at "
+                  << TimeText(item.dateTime) << ": " << TerminalText(item.strContent) << '\n';
+    }
+    std::cout.flush();
+}
+
 // Incoming messages and delivery reports, as the worker announces them, until the wait runs out or the
-// user interrupts.
+// user interrupts. When the worker falls behind a burst it asks for the storage to be listed again; what
+// the list holds that was neither there at the start nor shown since is shown then, once.
 int Watch(const CliContext& context, ModemSession& session) {
     QString imsi;
     if (const int failed = PrepareSms(session, imsi))
@@ -248,30 +276,33 @@ int Watch(const CliContext& context, ModemSession& session) {
     QList<BLSmsListItem> items;
     if (const int failed = ReadList(session, items))
         return failed;
-    QObject receiver;
+    QSet<QString> shown;
+    for (const BLSmsListItem& item : items)
+        shown.insert(MessageIdentity(item));
     const std::string region = RegionOfImsi(imsi);
+    // A part of a longer message shows once the whole message is in.
+    const auto show = [&](const BLSmsListItem& item) {
+        if (item.nType != 2 && !item.nCompleted)
+            return;
+        if (!shown.contains(MessageIdentity(item)))
+            PrintEvent(context, item, region);
+        shown.insert(MessageIdentity(item));
+    };
+    QObject receiver;
     NotificationCenter::defaultCenter().addObserver(
-        MESSAGE_RPT_RECEIVE_SMS, &receiver, [&context, &region](const Notification& notification) {
+        MESSAGE_RPT_RECEIVE_SMS, &receiver, [&show](const Notification& notification) {
             const QVariant value = WorkNotification::GetValueObject(notification.userInfo);
-            if (value.metaType() != QMetaType::fromType<BLSmsListItem>())
-                return;
-            const auto item = value.value<BLSmsListItem>();
-            // A part of a longer message shows once the whole message is in.
-            if (item.nType != 2 && !item.nCompleted)
-                return;
-            if (context.json) {
-                std::cout << VariantToJson(value).dump(-1, ' ', false, json::error_handler_t::replace)
-                          << '\n';
-            } else if (item.nType == 2) {
-                std::cout << "Delivery report from " << TerminalText(NumberForReading(item.strAddress, region))
-                          << ": status " << item.nStatusReportStatus << " (message " << item.nRef << ")\n";
-            } else {
-                std::cout << "Message " << item.nRef << " from "
-                          << TerminalText(NumberForReading(item.strAddress, region)) << " at "
-                          << TimeText(item.dateTime) << ": " << TerminalText(item.strContent) << '\n';
-            }
-            std::cout.flush();
+            if (value.metaType() == QMetaType::fromType<BLSmsListItem>())
+                show(value.value<BLSmsListItem>());
         });
+    NotificationCenter::defaultCenter().addObserver(MESSAGE_RPT_SMS_RELIST, &receiver,
+                                                    [&](const Notification&) {
+                                                        QList<BLSmsListItem> listed;
+                                                        if (ReadList(session, listed) != EXIT_OK)
+                                                            return;
+                                                        for (const BLSmsListItem& item : listed)
+                                                            show(item);
+                                                    });
     std::signal(SIGINT, OnInterrupt);
     std::signal(SIGTERM, OnInterrupt);
     ReportProgress("Waiting for messages; press Ctrl-C to stop");

@@ -1,81 +1,90 @@
-// A stick flooding the AT port with unsolicited lines: the command still ends at its final result and
-// the report queue stops growing at its bound.
+// A stick flooding the AT port with unsolicited lines: repeated lines are merged, a USSD answer goes ahead
+// of the flood, and the queue's bounds never cost a kept line.
 #include "ComOperation.h"
 #include "DebugSink.h"
-#include "PtyPeer.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <vector>
 
 namespace {
 
-using namespace std::chrono_literals;
+UnsolicitedReportList& Reports(ComOperation* com) {
+    UnsolicitedReportList* list = nullptr;
+    com->getUnsoliciteReportList(list);
+    return *list;
+}
 
 void DropReports(ComOperation* com) {
-    UnsolicitedReportList* list = nullptr;
-    com->getUnsoliciteReportList(list);
-    while (!list->empty()) {
-        delete list->front();
-        list->pop_front();
-    }
+    for (UnsolicitedReportDataType* report : Reports(com))
+        delete report;
+    Reports(com).clear();
+    com->takeMissedNewMessages();
 }
 
-size_t Queued(ComOperation* com) {
-    UnsolicitedReportList* list = nullptr;
-    com->getUnsoliciteReportList(list);
-    return list->size();
+bool Holds(ComOperation* com, const std::string& text) {
+    for (const UnsolicitedReportDataType* report : Reports(com))
+        if (report->strText == text)
+            return true;
+    return false;
 }
 
-std::string Lines(const std::string& line, int count) {
-    std::string text;
-    for (int i = 0; i < count; ++i)
-        text += "\r\n" + line + "\r\n";
-    return text;
-}
-
-TEST(ComOperationFloodTest, ReportQueueIsBounded) {
-    struct Row {
+TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
+    struct Step {
+        unsolicited_report_e_type type;
         const char* line;
         int count;
-        int commands; // the same flood answers this many commands in a row
-        bool capped;
+        bool numbered; // the line with its copy number appended, so every copy differs
     };
-    // Adjacent report lines are not all cut in one pass (some stay in the answer), so below the bound
-    // only an upper limit holds.
+    struct Row {
+        const char* name;
+        std::vector<Step> steps;
+        size_t queued;
+        const char* front;
+        const char* absent; // a line that must not be queued, or nullptr
+        bool missed;
+    };
+    const auto RING = UNSOLICITED_REPORT_RING;
+    const auto CMTI = UNSOLICITED_REPORT_CMTI;
+    const auto CUSD = UNSOLICITED_REPORT_CUSD;
+    const auto STIN = UNSOLICITED_REPORT_STIN;
+    const int full = static_cast<int>(ComOperation::kMaxQueuedReports);
+    // clang-format off
     const Row rows[] = {
-        {"RING", 10, 1, false},
-        {"NO CARRIER", 100, 2, false},
-        {"+CMTI: \"SM\",1", 1000, 1, true},
-        {"+CDSI: \"SM\",2", 200, 3, true},
+        {"a RING train is one RING", {{RING, "RING", 400, false}}, 1, "RING", nullptr, false},
+        {"a repeated new-message line names one slot", {{CMTI, "+CMTI: \"SM\",1", 3, false}}, 1, "+CMTI: \"SM\",1", nullptr, true},
+        {"USSD answers are never merged and go first", {{RING, "RING", 1, false}, {CMTI, "+CMTI: \"SM\",1", 1, false}, {CUSD, "+CUSD: 1,\"Menu\",15", 2, false}}, 4, "+CUSD: 1,\"Menu\",15", nullptr, false},
+        {"a full queue pushes out the oldest mergeable line", {{RING, "RING", 1, false}, {STIN, "+STIN: ", full - 1, true}, {UNSOLICITED_REPORT_NO_CARRIER, "NO CARRIER", 1, false}}, ComOperation::kMaxQueuedReports, "+STIN: 0", "RING", false},
+        {"new-message lines push out mergeable ones, then pass the bound", {{STIN, "+STIN: ", full, true}, {CMTI, "+CMTI: \"SM\",", full + 44, true}}, ComOperation::kMaxQueuedReports + 44, "+CMTI: \"SM\",0", "+STIN: 255", false},
+        {"with only kept lines queued a mergeable one is dropped", {{CMTI, "+CMTI: \"SM\",", full, true}, {RING, "RING", 1, false}}, ComOperation::kMaxQueuedReports, "+CMTI: \"SM\",0", "RING", false},
+        {"kept lines stop at the hard bound, counted as missed", {{CMTI, "+CMTI: \"ME\",", static_cast<int>(ComOperation::kMaxKeptReports) + 4, true}}, ComOperation::kMaxKeptReports, "+CMTI: \"ME\",0", "+CMTI: \"ME\",4096", true},
     };
-    std::FILE* debug = std::tmpfile();
-    ASSERT_NE(debug, nullptr);
+    // clang-format on
+    std::FILE* debug = std::tmpfile(); // one debug line per dropped line
     std::FILE* previous = GetDebugSink();
     SetDebugSink(debug);
     ComOperation* com = ComOperation::GetInstance();
     for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.count << " x " << row.line);
-        PtyPeer peer;
-        ASSERT_TRUE(peer.isOpen());
-        ASSERT_EQ(com->openCom(peer.slavePath().c_str()), 0);
-        for (int i = 0; i < row.commands; ++i)
-            peer.expect("AT+CSQ\r", PtyPeer::Answer{{0ms, Lines(row.line, row.count)},
-                                                    {5ms, "\r\n+CSQ: 18,99\r\n\r\nOK\r\n"}});
-        for (int i = 0; i < row.commands; ++i) {
-            std::string response;
-            ASSERT_EQ(com->writeCom("AT+CSQ\r", "+CSQ: ", 5, response), 0);
-            EXPECT_NE(response.find("+CSQ: 18,99"), std::string::npos);
-        }
-        if (row.capped) {
-            EXPECT_EQ(Queued(com), ComOperation::kMaxQueuedReports);
-        } else {
-            EXPECT_GT(Queued(com), 0u);
-            EXPECT_LE(Queued(com), static_cast<size_t>(row.count * row.commands));
-        }
-        com->closeCom();
+        SCOPED_TRACE(row.name);
         DropReports(com);
+        const uint64_t countedBefore = com->newMessageReportsQueued();
+        uint64_t newMessageLines = 0;
+        for (const Step& step : row.steps) {
+            for (int i = 0; i < step.count; ++i)
+                com->queueReport(step.type, step.numbered ? step.line + std::to_string(i) : step.line);
+        }
+        for (const UnsolicitedReportDataType* report : Reports(com))
+            newMessageLines += report->nType == CMTI ? 1 : 0;
+        ASSERT_EQ(Reports(com).size(), row.queued);
+        EXPECT_EQ(Reports(com).front()->strText, row.front);
+        if (row.absent) {
+            EXPECT_FALSE(Holds(com, row.absent));
+        }
+        EXPECT_EQ(com->takeMissedNewMessages(), row.missed);
+        EXPECT_EQ(com->newMessageReportsQueued() - countedBefore, newMessageLines);
     }
+    DropReports(com);
     SetDebugSink(previous);
     std::fclose(debug);
 }

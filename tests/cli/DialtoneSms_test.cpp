@@ -1,8 +1,9 @@
 // The sms commands against the simulated modem: long texts with a delivery report, a message delivered in
-// parts out of order, a full SIM as the preferred storage, an empty storage, the boxes on the computer, and
-// a message full of escape sequences.
+// parts out of order, a full SIM as the preferred storage, an empty storage, the boxes on the computer, a
+// message full of escape sequences, and bursts of unsolicited lines.
 
 #include <chrono>
+#include <map>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -98,25 +99,33 @@ TEST(DialtoneSms, PartsDeliveredOutOfOrderListAsOneMessage) {
     EXPECT_NE(items[0]["nCompleted"], 0);
 }
 
+// Runs the tool while another thread waits for a command starting with commandStart to reach the modem,
+// then lets the network act.
+template <typename Act>
+Outcome RunWhenSent(const SimulatedModem& modem, const std::vector<std::string>& arguments,
+                    const std::string& commandStart, Act act) {
+    std::thread network([&] {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (std::chrono::steady_clock::now() < deadline) {
+            bool sent = false;
+            for (const json& command : modem.dump().value("commands", json::array()))
+                sent = sent || command.get<std::string>().rfind(commandStart, 0) == 0;
+            if (sent)
+                break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        act();
+    });
+    const Outcome outcome = modem.run(arguments);
+    network.join();
+    return outcome;
+}
+
 // Runs "sms watch" with the arguments while the network delivers: the control command goes out once the
 // tool has read the storages (its message table is built). The simulator's answer goes to delivered.
 Outcome WatchWhileDelivering(const SimulatedModem& modem, const std::vector<std::string>& arguments,
                              const std::string& deliver, json& delivered) {
-    std::thread network([&] {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (std::chrono::steady_clock::now() < deadline) {
-            bool listed = false;
-            for (const json& command : modem.command("dump").value("commands", json::array()))
-                listed = listed || command.get<std::string>().rfind("AT+CMGL", 0) == 0;
-            if (listed)
-                break;
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
-        delivered = modem.command(deliver);
-    });
-    const Outcome watched = modem.run(arguments);
-    network.join();
-    return watched;
+    return RunWhenSent(modem, arguments, "AT+CMGL", [&] { delivered = modem.command(deliver); });
 }
 
 TEST(DialtoneSms, WatchShowsAMessageDeliveredInPartsOnceWhole) {
@@ -266,6 +275,38 @@ TEST(DialtoneSms, DraftIsAddedMovedToTheArchiveAndDeleted) {
 
     const Outcome missing = modem.run({"sms", "archive", "--delete", "1"});
     EXPECT_EQ(missing.status, 2);
+}
+
+// A RING flood while the USSD answer is on its way: the answer still comes within the wait.
+TEST(DialtoneSms, UssdAnswerArrivesThroughARingFlood) {
+    SimulatedModem modem(ScenarioPatch{{{"ussd", {{"delay_ms", 2000}}}}});
+    ASSERT_TRUE(modem.ready());
+    const Outcome asked = RunWhenSent(modem, {"--wait", "10", "ussd", "*100#"}, "AT+CUSD=1",
+                                      [&] { modem.command("set flood 400"); });
+    ASSERT_EQ(asked.status, 0) << asked.err;
+    EXPECT_EQ(asked.out, "Your balance is 12.34 EUR. Valid until 31.12.2025.\n");
+}
+
+// A thousand messages in a few seconds, announced as a real stick does (at once, not per poll): the worker
+// falls behind and the watch catches up by listing the storage, showing each message once.
+TEST(DialtoneSms, WatchShowsEveryMessageOfABurstOnce) {
+    constexpr int kMessages = 1000;
+    const json scenario = {{"sms", {{"storages", {{"SM", 1000}, {"ME", 100}}}, {"messages", json::array()}}},
+                           {"knobs", {{"urc_mode", "immediate"}}}};
+    SimulatedModem modem(ScenarioPatch{scenario});
+    ASSERT_TRUE(modem.ready());
+    const Outcome watched = RunWhenSent(modem, {"--json", "--wait", "15", "sms", "watch"}, "AT+CMGL", [&] {
+        for (int i = 0; i < kMessages; ++i)
+            ASSERT_TRUE(modem.command("sms +4915112345678 burst " + std::to_string(i)).value("ok", false));
+    });
+    ASSERT_EQ(watched.status, 0) << watched.err;
+    std::map<std::string, int> shown;
+    std::istringstream lines(watched.out);
+    for (std::string line; std::getline(lines, line);)
+        ++shown[Parse(line).value("strContent", "")];
+    EXPECT_EQ(shown.size(), static_cast<size_t>(kMessages));
+    for (int i = 0; i < kMessages; ++i)
+        EXPECT_EQ(shown["burst " + std::to_string(i)], 1) << i;
 }
 
 } // namespace

@@ -260,22 +260,18 @@ TEST_F(FaultsE2E, AnswersInOneBytePieces) {
     EXPECT_EQ(texts(), inPieces);
 }
 
-// Unsolicited lines by the thousand, at once and as a stream: the report queue stays bounded and
-// requests still get through.
+// Unsolicited lines by the thousand, at once and as a stream: identical lines are merged into one, the
+// report queue stays bounded and requests still get through.
 TEST_F(FaultsE2E, FloodOfUnsolicitedLinesStaysBounded) {
     start();
     set("flood_line RING");
     set("flood 3000");
-    // The next poll reads them all; the worker takes one a second.
-    ASSERT_TRUE(waitUntil([&] { return queuedReports() + 5 >= ComOperation::kMaxQueuedReports; }, 5s));
-    EXPECT_LE(queuedReports(), ComOperation::kMaxQueuedReports);
-
     set("flood_interval_ms 2");
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < 3000) {
         EXPECT_EQ(error(sync(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO)), 0);
-        EXPECT_LE(queuedReports(), ComOperation::kMaxQueuedReports);
+        EXPECT_LE(queuedReports(), 1u);
     }
     set("flood_interval_ms 0");
     EXPECT_EQ(error(sync(MESSAGE_PIN_CHECK_STATE)), 0);

@@ -230,8 +230,9 @@ TEST_F(WorkerFixture, ReportsByKindOnePerCall) {
           "\r\nRING\r\n", "\r\nNO CARRIER\r\n", "\r\n+STIN: 1\r\n"}) {
         queueReports(line);
     }
-    const std::vector<QString> expected = {MESSAGE_RPT_RECEIVE_SMS, MESSAGE_RPT_RECEIVE_SMS,
-                                           MESSAGE_RPT_RECEIVE_USSD};
+    // The USSD answer goes ahead of the others: a request waits for it.
+    const std::vector<QString> expected = {MESSAGE_RPT_RECEIVE_USSD, MESSAGE_RPT_RECEIVE_SMS,
+                                           MESSAGE_RPT_RECEIVE_SMS};
     for (int i = 0; i < 6; ++i) {
         onWorker([this] { _worker->handleUnsolicitedReport(); });
     }

@@ -382,7 +382,20 @@ void MessagesPlugin::onMessagesListed(const QVariantMap& response, int generatio
     refreshList();
 }
 
+void MessagesPlugin::relistModemMessages() {
+    if (!_modemLoaded)
+        return;
+    const int generation = _generation;
+    link().request(
+        MESSAGE_SMS_GET_LIST, {},
+        [this, generation](const QVariantMap& list) { onMessagesListed(list, generation); }, this);
+}
+
 void MessagesPlugin::onReport(const QString& name, const QVariantMap& data) {
+    if (name == MESSAGE_RPT_SMS_RELIST) {
+        relistModemMessages();
+        return;
+    }
     if (name != MESSAGE_RPT_RECEIVE_SMS)
         return;
     const QVariant value = WorkNotification::GetValueObject(data);

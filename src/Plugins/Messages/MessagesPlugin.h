@@ -63,6 +63,8 @@ private:
     void buildUi();
     void loadModemMessages();
     void onMessagesListed(const QVariantMap& response, int generation);
+    // The worker fell behind a burst of new messages: the table it lists now holds them all.
+    void relistModemMessages();
     void onReport(const QString& name, const QVariantMap& data);
     void applyDeliveryReport(const BLSmsListItem& report);
     void refreshFolders();
