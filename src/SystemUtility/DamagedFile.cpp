@@ -4,6 +4,7 @@
 #include "PropertyList.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
@@ -19,6 +20,7 @@ namespace {
 std::atomic<std::FILE*> g_notices{stderr};
 
 constexpr qint64 kMaxSettingsSize = 1 << 20;
+constexpr qint64 kMaxCompareSize = 16 << 20;
 
 bool present(const QFileInfo& info) {
     return info.exists() || info.isSymLink();
@@ -76,6 +78,36 @@ bool settingsTextIsSound(const QByteArray& bytes) {
     return true;
 }
 
+// "<path>.damaged-<yyyyMMdd-hhmmss>", with "-2", "-3", ... when that name is taken.
+QString keptName(const QString& path) {
+    const QString base = path + QStringLiteral(".damaged-") +
+                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    QString kept = base;
+    for (int n = 2; present(QFileInfo(kept)); ++n) {
+        kept = base + QStringLiteral("-%1").arg(n);
+    }
+    return kept;
+}
+
+// A kept copy with the same bytes as the file, or "".
+QString keptCopyOf(const QString& path) {
+    const QFileInfo info(path);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > kMaxCompareSize) {
+        return {};
+    }
+    const QByteArray bytes = file.read(file.size());
+    const QStringList names =
+        info.dir().entryList({info.fileName() + QStringLiteral(".damaged-*")}, QDir::Files);
+    for (const QString& name : names) {
+        QFile copy(info.dir().filePath(name));
+        if (copy.size() == bytes.size() && copy.open(QIODevice::ReadOnly) && copy.readAll() == bytes) {
+            return copy.fileName();
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 void DamagedFile::setNoticeStream(std::FILE* stream) {
@@ -86,23 +118,27 @@ void DamagedFile::reportWrongEntries(const QString& path, const QString& what, q
     if (count <= 0) {
         return;
     }
-    CNSLOG(2, "%s: %lld wrong entries skipped", qPrintable(what), static_cast<long long>(count));
-    notice(QStringLiteral("%1 holds %2 wrong %3; %4 skipped, the rest is used")
+    // The next save writes the good entries only: a copy of the file as it is keeps the others, once.
+    QString kept = keptCopyOf(path);
+    if (kept.isEmpty()) {
+        kept = keptName(path);
+        if (!QFile::copy(path, kept)) {
+            kept.clear();
+        }
+    }
+    CNSLOG(2, "%s: %lld wrong entries skipped, the file is kept as %s", qPrintable(what),
+           static_cast<long long>(count), qPrintable(kept));
+    notice(QStringLiteral("%1 holds %2 wrong %3; %4 skipped and the file is kept as %5")
                .arg(path)
                .arg(count)
                .arg(count == 1 ? QStringLiteral("entry") : QStringLiteral("entries"),
-                    count == 1 ? QStringLiteral("it is") : QStringLiteral("they are")));
+                    count == 1 ? QStringLiteral("it is") : QStringLiteral("they are"), kept));
 }
 
 QString DamagedFile::keepAside(const QString& path, const QString& what) {
     // A folder, a device or a link to nowhere in the place of our file: written over it would fail later.
     const bool notAFile = !QFileInfo(path).isFile();
-    const QString base = path + QStringLiteral(".damaged-") +
-                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    QString kept = base;
-    for (int n = 2; present(QFileInfo(kept)); ++n) {
-        kept = base + QStringLiteral("-%1").arg(n);
-    }
+    const QString kept = keptName(path);
     const QString problem =
         notAFile ? QStringLiteral("is not a regular file") : QStringLiteral("could not be read");
     if (QFile::rename(path, kept)) {

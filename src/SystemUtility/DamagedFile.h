@@ -21,7 +21,9 @@ public:
     static QString keepAside(const QString& path, const QString& what);
 
     // A readable file with entries of the wrong shape: the good ones are used, the others are skipped and
-    // their count goes to the log (level 2) and the notice. Nothing happens for a count of 0.
+    // their count goes to the log (level 2) and the notice. The file is copied as a kept copy (once: not
+    // again while one with the same bytes is there), since the next save drops the skipped entries.
+    // Nothing happens for a count of 0.
     static void reportWrongEntries(const QString& path, const QString& what, qsizetype count);
 
     // Reads a property list whose root must be of rootType (QMetaType::QVariantMap or QVariantList).

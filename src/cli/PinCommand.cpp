@@ -78,16 +78,17 @@ struct CodeSlot {
     PinCodeKind kind;
     bool confirmed = false; // asked twice at the prompt (a new PIN typed blind)
     std::string code;
+    CLI::Option* argument = nullptr;
 };
 
 struct PinCodes {
-    std::vector<CodeSlot> slots;
+    std::vector<CodeSlot> needed;
     bool fromStdin = false;
 };
 
 std::string Names(const PinCodes& codes) {
     std::string names;
-    for (const CodeSlot& slot : codes.slots)
+    for (const CodeSlot& slot : codes.needed)
         names += (names.empty() ? "" : " and ") + std::string(slot.name);
     return names;
 }
@@ -95,9 +96,9 @@ std::string Names(const PinCodes& codes) {
 // Fills the codes not given as arguments.
 bool GatherCodes(CliContext& context, PinCodes& codes, const std::string& stdinOption) {
     std::size_t given = 0;
-    for (const CodeSlot& slot : codes.slots)
-        given += slot.code.empty() ? 0 : 1;
-    if (given == codes.slots.size() && !codes.fromStdin)
+    for (const CodeSlot& slot : codes.needed)
+        given += slot.argument->count() > 0 ? 1 : 0;
+    if (given == codes.needed.size() && !codes.fromStdin)
         return true;
     if (given != 0) {
         context.exitCode = ReportUsage(codes.fromStdin ? "give " + Names(codes) +
@@ -111,7 +112,7 @@ bool GatherCodes(CliContext& context, PinCodes& codes, const std::string& stdinO
                                        " reads it from standard input, one per line");
         return false;
     }
-    for (CodeSlot& slot : codes.slots) {
+    for (CodeSlot& slot : codes.needed) {
         if (!ReadSecretLine(slot.prompt, slot.code)) {
             context.exitCode = ReportUsage(std::string("standard input ended before the ") + slot.name);
             return false;
@@ -131,7 +132,7 @@ bool GatherCodes(CliContext& context, PinCodes& codes, const std::string& stdinO
 bool CodesReady(CliContext& context, PinCodes& codes, const std::string& stdinOption) {
     if (!GatherCodes(context, codes, stdinOption))
         return false;
-    for (const CodeSlot& slot : codes.slots) {
+    for (const CodeSlot& slot : codes.needed) {
         if (const std::string problem = PinCodeProblem(slot.code, slot.kind); !problem.empty()) {
             context.exitCode = ReportUsage(std::string(slot.name) + ": " + problem);
             return false;
@@ -141,15 +142,15 @@ bool CodesReady(CliContext& context, PinCodes& codes, const std::string& stdinOp
 }
 
 // Registers the code arguments (optional: see CodeSlot) and the option reading them from standard input.
-std::shared_ptr<PinCodes> AddCodes(CLI::App* command, std::vector<CodeSlot> slots,
+std::shared_ptr<PinCodes> AddCodes(CLI::App* command, std::vector<CodeSlot> needed,
                                    const std::string& stdinOption) {
     auto codes = std::make_shared<PinCodes>();
-    codes->slots = std::move(slots);
-    for (CodeSlot& slot : codes->slots)
-        command->add_option(slot.name, slot.code,
+    codes->needed = std::move(needed);
+    for (CodeSlot& slot : codes->needed)
+        slot.argument = command->add_option(slot.name, slot.code,
                             std::string("The ") + slot.prompt + " (better: " + stdinOption + ")");
     command->add_flag(stdinOption, codes->fromStdin,
-                      codes->slots.size() == 1
+                      codes->needed.size() == 1
                           ? "Read the code from standard input"
                           : "Read the codes from standard input, one per line, in this order");
     return codes;
@@ -171,7 +172,7 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
         if (!CodesReady(context, *verifyCodes, "--pin-stdin"))
             return;
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
-            return Change(context, s, MESSAGE_PIN_VERIFY, Q(verifyCodes->slots[0].code), "verifying the PIN",
+            return Change(context, s, MESSAGE_PIN_VERIFY, Q(verifyCodes->needed[0].code), "verifying the PIN",
                           "PIN accepted");
         });
     });
@@ -183,7 +184,7 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
     puk->callback([&context, pukCodes] {
         if (!CodesReady(context, *pukCodes, "--codes-stdin"))
             return;
-        BLPINVerifyPukInfo info{Q(pukCodes->slots[0].code), Q(pukCodes->slots[1].code)};
+        BLPINVerifyPukInfo info{Q(pukCodes->needed[0].code), Q(pukCodes->needed[1].code)};
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
             return Change(context, s, MESSAGE_PIN_VERIFY_PUK, QVariant::fromValue(info), "verifying the PUK",
                           "PUK accepted, new PIN set");
@@ -198,7 +199,7 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
     change->callback([&context, changeCodes] {
         if (!CodesReady(context, *changeCodes, "--codes-stdin"))
             return;
-        BLPINChangeInfo info{Q(changeCodes->slots[0].code), Q(changeCodes->slots[1].code)};
+        BLPINChangeInfo info{Q(changeCodes->needed[0].code), Q(changeCodes->needed[1].code)};
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
             return Change(context, s, MESSAGE_PIN_CHANGE, QVariant::fromValue(info), "changing the PIN",
                           "PIN changed");
@@ -213,7 +214,7 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
         command->callback([&context, codes, enable] {
             if (!CodesReady(context, *codes, "--pin-stdin"))
                 return;
-            BLPINEnableInfo info{enable, Q(codes->slots[0].code)};
+            BLPINEnableInfo info{enable, Q(codes->needed[0].code)};
             context.exitCode = RunInSession(context, [&](ModemSession& s) {
                 return Change(context, s, MESSAGE_PIN_ENABLE, QVariant::fromValue(info),
                               enable ? "enabling the PIN request" : "disabling the PIN request",

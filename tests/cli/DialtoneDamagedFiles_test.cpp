@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
 #include "CliTestSupport.h"
@@ -58,6 +60,56 @@ TEST(DialtoneDamagedFiles, StatsGoesOnAndSaysWhereTheCopyIs) {
         EXPECT_NE(run.err.find("dialtone: "), std::string::npos) << run.err;
         EXPECT_NE(run.err.find(kept[0].string()), std::string::npos) << run.err;
     }
+}
+
+TEST(DialtoneDamagedFiles, NotAFileInItsPlaceIsMovedAside) {
+    // clang-format off
+    const struct { const char* file; bool pipe; } rows[] = {
+        {"DateTraffics.plist", false},
+        {"SystemConfig.plist", true}, // a named pipe would block a plain read
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.file);
+        TempDir home;
+        const fs::path data = fs::path(home.path) / "Documents" / "HSPA Modem User Data";
+        fs::create_directories(data);
+        if (row.pipe)
+            ASSERT_EQ(mkfifo((data / row.file).c_str(), 0600), 0);
+        else
+            fs::create_directories(data / row.file / "inside");
+
+        const Outcome run = RunDialtone({"stats"}, home.path);
+        EXPECT_EQ(run.status, 0) << run.err;
+        const std::vector<fs::path> kept = KeptCopies(data / row.file);
+        ASSERT_EQ(kept.size(), 1u) << run.err;
+        EXPECT_EQ(fs::is_fifo(kept[0]), row.pipe);
+        EXPECT_NE(run.err.find("is not a regular file; it is kept as " + kept[0].string()), std::string::npos)
+            << run.err;
+    }
+}
+
+TEST(DialtoneDamagedFiles, WrongProfileEntriesAreCountedAndTheGoodOnesKept) {
+    TempDir home;
+    const fs::path data = fs::path(home.path) / "Documents" / "HSPA Modem User Data";
+    fs::create_directories(data);
+    std::ofstream(data / "UserAPNList.plist")
+        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><array>"
+           "<dict><key>ACCOUNT</key><string>Home</string><key>APN</key><string>home.example</string></dict>"
+           "<dict><key>ACCOUNT</key><string>No APN</string></dict>"
+           "<dict><key>ACCOUNT</key><array/><key>APN</key><string>x</string></dict>"
+           "<string>not a profile</string></array></plist>";
+
+    const Outcome run = RunDialtone({"profiles", "add", "Office", "office.example"}, home.path);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.err.find("UserAPNList.plist holds 3 wrong entries; they are skipped and the file is kept as"), std::string::npos)
+        << run.err;
+    const std::vector<fs::path> kept = KeptCopies(data / "UserAPNList.plist");
+    ASSERT_EQ(kept.size(), 1u);
+    EXPECT_NE(ReadAll(kept[0]).find("No APN"), std::string::npos);
+    const std::string stored = ReadAll(data / "UserAPNList.plist");
+    EXPECT_NE(stored.find("home.example"), std::string::npos);
+    EXPECT_NE(stored.find("office.example"), std::string::npos);
 }
 
 } // namespace
