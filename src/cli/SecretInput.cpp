@@ -62,9 +62,10 @@ bool ReadSecretLine(const std::string& prompt, std::string& secret) {
     secret.clear();
     std::optional<EchoOff> quiet;
     if (isatty(STDIN_FILENO)) {
+        // Echo goes off before the prompt shows, so that nothing typed after the prompt is echoed.
+        quiet.emplace();
         std::fprintf(stderr, "%s: ", prompt.c_str());
         std::fflush(stderr);
-        quiet.emplace();
     }
     const bool read = static_cast<bool>(std::getline(std::cin, secret));
     if (!secret.empty() && secret.back() == '\r')

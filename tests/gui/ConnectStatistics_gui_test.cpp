@@ -2,19 +2,23 @@
 // link, and the statistics tab's own pieces (periods, the chart's days).
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QFile>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <csignal>
 #include <fstream>
 
 #include "Connect/ConnectPlugin.h"
 #include "Connector/ConnectController.h"
 #include "ConvertUtilty.h"
 #include "GuiTestSupport.h"
+#include "QuitOnSignals.h"
 #include "Statistics/CNSTrafficChart.h"
 #include "Statistics/StatisticsPlugin.h"
 #include "StatusBarView.h"
@@ -114,6 +118,34 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     EXPECT_EQ(LabelText(stats, "periodTotal"), Bytes(123456 + 7654321));
     EXPECT_EQ(LabelText(stats, "resetReceived"), Bytes(7654321));
     EXPECT_EQ(LabelText(stats, "statisticsMessage"), "");
+}
+
+// SIGTERM and SIGINT end the app like its Quit: the event loop returns 0 and closing the window hangs up the
+// link the app dialled and removes its dial options file.
+TEST(ConnectStatisticsGui, TerminationSignalsQuitAndHangUp) {
+    for (const int signalNumber : {SIGTERM, SIGINT}) {
+        SCOPED_TRACE(signalNumber);
+        GuiWorld world;
+        ASSERT_TRUE(world.started());
+        ASSERT_TRUE(world.waitForState(State::Ready));
+        auto* tab = world.show<ConnectPlugin>("connect");
+        auto* button = tab->findChild<QPushButton*>("connectButton");
+        ASSERT_TRUE(waitForGui([&] { return button->isEnabled(); }, 20s));
+        button->click();
+        ASSERT_TRUE(waitForGui(
+            [&] { return tab->controller()->connectState() == ConnectController::kConnected; }, 30s));
+        const QString options = world.home() + "/Documents/USB Modem User Data/VELMODEM1.options";
+        const QString pidFile = world.pppDir() + "/run/ppp-VELMODEM1.pid";
+        ASSERT_TRUE(QFile::exists(options) && QFile::exists(pidFile));
+
+        const QuitOnSignals quitOnSignals;
+        QTimer::singleShot(0, [signalNumber] { std::raise(signalNumber); });
+        QTimer::singleShot(10s, [] { QCoreApplication::exit(3); });
+        EXPECT_EQ(QCoreApplication::exec(), 0);
+        world.closeWindow();
+        EXPECT_FALSE(QFile::exists(options));
+        EXPECT_FALSE(QFile::exists(pidFile));
+    }
 }
 
 TEST(ConnectStatisticsGui, UnplugDisablesTheButtonAndReplugMakesItReadyAgain) {
