@@ -69,7 +69,6 @@ TEST(DialtoneInputs, PinTyposCostNoAttemptAndTheRightPinStillWorks) {
         {{"pin", "puk", "--codes-stdin"}, "NEWPIN: a PIN has 4 to 8 digits, not 3", 2, "12345678\n123\n"},
         {{"pin", "change", "--codes-stdin"}, "standard input ended before the NEW", 2, "1234\n"},
         {{"pin", "verify", "--pin-stdin", "1234"}, "either as arguments or with --pin-stdin"},
-        {{"pin", "verify"}, "no PIN given; --pin-stdin reads it"},
         {{"request", "MESSAGE_PIN_ENABLE", "[1,2]"}, "takes a BLPINEnableInfo object"},
     };
     // clang-format on
