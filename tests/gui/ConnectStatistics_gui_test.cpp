@@ -28,6 +28,15 @@ using State = ModemLink::State;
 
 namespace {
 
+// The connect tab once the modem is ready and the button can be pressed; nullptr when it does not get there.
+ConnectPlugin* ReadyConnectTab(GuiWorld& world) {
+    if (!world.started() || !world.waitForState(State::Ready))
+        return nullptr;
+    auto* tab = world.show<ConnectPlugin>("connect");
+    auto* button = tab ? tab->findChild<QPushButton*>("connectButton") : nullptr;
+    return button && waitForGui([&] { return button->isEnabled(); }, 20s) ? tab : nullptr;
+}
+
 QString Bytes(quint64 bytes) {
     return ConvertUtilty::byte2String(bytes) + QStringLiteral("B");
 }
@@ -126,12 +135,9 @@ TEST(ConnectStatisticsGui, TerminationSignalsQuitAndHangUp) {
     for (const int signalNumber : {SIGTERM, SIGINT}) {
         SCOPED_TRACE(signalNumber);
         GuiWorld world;
-        ASSERT_TRUE(world.started());
-        ASSERT_TRUE(world.waitForState(State::Ready));
-        auto* tab = world.show<ConnectPlugin>("connect");
-        auto* button = tab->findChild<QPushButton*>("connectButton");
-        ASSERT_TRUE(waitForGui([&] { return button->isEnabled(); }, 20s));
-        button->click();
+        auto* tab = ReadyConnectTab(world);
+        ASSERT_NE(tab, nullptr);
+        tab->findChild<QPushButton*>("connectButton")->click();
         ASSERT_TRUE(waitForGui(
             [&] { return tab->controller()->connectState() == ConnectController::kConnected; }, 30s));
         const QString options = world.home() + "/Documents/USB Modem User Data/VELMODEM1.options";
@@ -150,11 +156,9 @@ TEST(ConnectStatisticsGui, TerminationSignalsQuitAndHangUp) {
 
 TEST(ConnectStatisticsGui, UnplugDisablesTheButtonAndReplugMakesItReadyAgain) {
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(State::Ready));
-    auto* tab = world.show<ConnectPlugin>("connect");
+    auto* tab = ReadyConnectTab(world);
+    ASSERT_NE(tab, nullptr);
     auto* button = tab->findChild<QPushButton*>("connectButton");
-    ASSERT_TRUE(waitForGui([&] { return button->isEnabled(); }, 20s));
 
     world.sim().control("unplug");
     ASSERT_TRUE(world.waitForState(State::Absent));
