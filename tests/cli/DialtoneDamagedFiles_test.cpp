@@ -67,8 +67,9 @@ TEST(DialtoneDamagedFiles, StatsGoesOnAndSaysWhereTheCopyIs) {
         ASSERT_EQ(kept.size(), 1u);
         EXPECT_EQ(fs::is_directory(kept[0]), row.kind == Folder);
         EXPECT_EQ(fs::is_fifo(kept[0]), row.kind == Pipe);
-        if (row.kind == File)
+        if (row.kind == File) {
             EXPECT_EQ(ReadAll(kept[0]), row.bytes);
+        }
         EXPECT_NE(run.err.find("dialtone: "), std::string::npos) << run.err;
         EXPECT_NE(run.err.find(kept[0].string()), std::string::npos) << run.err;
     }

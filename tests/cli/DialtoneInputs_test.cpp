@@ -1,18 +1,8 @@
 // What the tool refuses before the modem is asked: malformed SIM codes and text that would end an AT
 // parameter or command early.
 
-#include <algorithm>
-#include <csignal>
-#include <cstdlib>
 #include <string>
 #include <vector>
-
-#include <poll.h>
-#include <pty.h>
-#include <sys/ioctl.h>
-#include <sys/wait.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -80,50 +70,6 @@ TEST(DialtoneInputs, PinTyposCostNoAttemptAndTheRightPinStillWorks) {
     const Outcome right = modem.run({"pin", "verify", "--pin-stdin"}, "1234\r\n");
     EXPECT_EQ(right.status, 0) << right.err;
     EXPECT_EQ(modem.dump()["pin"]["state"], "READY");
-}
-
-// "pin verify" without a code on a terminal asks for it without echo; Ctrl-C in the middle of the typing
-// ends the tool with the terminal echoing again and no attempt used.
-TEST(DialtoneInputs, PinPromptHidesTheTypingAndRestoresTheTerminalOnCtrlC) {
-    SimulatedModem modem("pin-locked");
-    ASSERT_TRUE(modem.ready());
-    int master = -1;
-    int slave = -1;
-    ASSERT_EQ(openpty(&master, &slave, nullptr, nullptr, nullptr), 0);
-    const pid_t pid = fork();
-    if (pid == 0) {
-        setsid();
-        ioctl(slave, TIOCSCTTY, 0);
-        for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-            dup2(slave, fd);
-        setenv("HOME", modem.home.path.c_str(), 1);
-        execl(DIALTONE_CLI, "dialtone", "--dev-dir", modem.devDir.path.c_str(), "pin", "verify", nullptr);
-        _exit(127);
-    }
-    std::string shown;
-    const auto readShown = [&](int waitMs) {
-        char buffer[256];
-        pollfd ready{master, POLLIN, 0};
-        const ssize_t n = poll(&ready, 1, waitMs) > 0 ? read(master, buffer, sizeof buffer) : 0;
-        shown.append(buffer, static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
-        return n > 0;
-    };
-    while (shown.find("PIN: ") == std::string::npos && readShown(10000)) {
-    }
-    ASSERT_NE(shown.find("PIN: "), std::string::npos) << shown;
-    ASSERT_EQ(write(master, "12\x03", 3), 3);
-    int status = 0;
-    ASSERT_EQ(waitpid(pid, &status, 0), pid);
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
-    while (readShown(0)) {
-    }
-    EXPECT_EQ(shown.find("12"), std::string::npos) << shown;
-    termios after{};
-    ASSERT_EQ(tcgetattr(slave, &after), 0);
-    EXPECT_TRUE(after.c_lflag & ECHO);
-    close(master);
-    close(slave);
-    EXPECT_EQ(modem.dump()["pin"]["pin_left"], 3);
 }
 
 TEST(DialtoneInputs, TextThatWouldAppendCommandsNeverReachesTheModem) {
