@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "DebugSink.h"
 #include "CoreDumps.h"
+#include "DebugSink.h"
 #include "MainWindow.h"
 #include "QuitOnSignals.h"
 #include "ScreenshotRun.h"

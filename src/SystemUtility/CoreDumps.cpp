@@ -4,7 +4,7 @@
 #include <sys/resource.h>
 
 void DisableCoreDumps() {
-    const struct rlimit none {0, 0};
+    const struct rlimit none { 0, 0 };
     setrlimit(RLIMIT_CORE, &none);
     prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
 }

@@ -2,7 +2,6 @@
 
 #include <QFile>
 
-#include <cerrno>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,17 +39,14 @@ bool PrivateFile::restrictDescriptor(int fd) {
     if (fd < 0 || fstat(fd, &info) != 0) {
         return false;
     }
-    if (info.st_uid != geteuid() || (info.st_mode & 07777) == 0600) {
-        return info.st_uid == geteuid();
-    }
-    return fchmod(fd, 0600) == 0;
+    return info.st_uid != geteuid() || (info.st_mode & 07777) == 0600 || fchmod(fd, 0600) == 0;
 }
 
 bool PrivateFile::restrict(const QString& path) {
     const QByteArray native = QFile::encodeName(path);
     struct stat info {};
-    if (lstat(native.constData(), &info) != 0 || !S_ISREG(info.st_mode) || info.st_uid != geteuid()) {
+    if (lstat(native.constData(), &info) != 0 || !S_ISREG(info.st_mode)) {
         return false;
     }
-    return (info.st_mode & 07777) == 0600 || chmod(native.constData(), 0600) == 0;
+    return info.st_uid != geteuid() || (info.st_mode & 07777) == 0600 || chmod(native.constData(), 0600) == 0;
 }

@@ -148,7 +148,8 @@ std::shared_ptr<PinCodes> AddCodes(CLI::App* command, std::vector<CodeSlot> need
     codes->needed = std::move(needed);
     for (CodeSlot& slot : codes->needed)
         slot.argument = command->add_option(slot.name, slot.code,
-                            std::string("The ") + slot.prompt + " (better: " + stdinOption + ")");
+                                            std::string("The ") + slot.prompt +
+                                                "; leave it out to be asked, or use " + stdinOption);
     command->add_flag(stdinOption, codes->fromStdin,
                       codes->needed.size() == 1
                           ? "Read the code from standard input"
