@@ -278,7 +278,8 @@ bool PropertyList::write(const QString& path, const QVariant& root) {
         return false;
     }
     // A new file gets the umask's mode and a replaced one keeps its old mode: both become the owner's alone.
-    if (!PrivateFile::restrictDescriptor(file.handle()) || file.write(xml) != xml.size()) {
+    // A full disk shows only when the buffer goes out: a failed flush must not be committed.
+    if (!PrivateFile::restrictDescriptor(file.handle()) || file.write(xml) != xml.size() || !file.flush()) {
         file.cancelWriting();
         return false;
     }
