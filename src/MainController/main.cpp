@@ -8,12 +8,15 @@
 #include <cstdio>
 #include <memory>
 
+#include "CoreDumps.h"
 #include "DebugSink.h"
 #include "MainWindow.h"
+#include "QuitOnSignals.h"
 #include "ScreenshotRun.h"
 #include "Simulator.h"
 
 int main(int argc, char** argv) {
+    DisableCoreDumps();
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("dialtone-gui"));
     QApplication::setApplicationDisplayName(QStringLiteral("Dialtone"));
@@ -55,8 +58,9 @@ int main(int argc, char** argv) {
         qputenv("DIALTONE_DEV_DIR", QDir(parser.value(devDir)).absolutePath().toLocal8Bit());
     }
 
+    // After the simulator's own handlers: the quit below ends the simulator too.
+    QuitOnSignals quitOnSignals;
     auto window = std::make_unique<MainWindow>();
-    simulator.stopOnInterrupt();
     window->resize(960, 640);
     window->show();
 
@@ -66,7 +70,7 @@ int main(int argc, char** argv) {
         shots->start();
     }
     const int status = application.exec();
-    window.reset(); // hangs up and lets go of the modem before the simulator ends
+    window.reset(); // hangs up, removes the dial options and lets go of the modem before the simulator ends
     if (shots && !shots->succeeded())
         return 1;
     return status;

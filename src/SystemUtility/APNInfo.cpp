@@ -31,6 +31,28 @@ QVariantMap APNInfo::toDictionary() const {
     return dictionary;
 }
 
+bool APNInfo::isWellFormed(const QVariant& entry) {
+    if (entry.typeId() != QMetaType::QVariantMap) {
+        return false;
+    }
+    const QVariantMap dictionary = entry.toMap();
+    if (!dictionary.contains(kAccount) || !dictionary.contains(kApn)) {
+        return false;
+    }
+    for (const QString& key : {kAccount, kMCCMNC, kDialNum, kUserName, kPassword, kApn, kProxy}) {
+        const auto it = dictionary.constFind(key);
+        if (it != dictionary.cend() && it.value().typeId() != QMetaType::QString) {
+            return false;
+        }
+    }
+    const auto authType = dictionary.constFind(kAuthType);
+    bool number = true;
+    if (authType != dictionary.cend()) {
+        authType.value().toString().toInt(&number);
+    }
+    return number;
+}
+
 APNInfo APNInfo::fromDictionary(const QVariantMap& dictionary) {
     APNInfo info;
     info.strAccount = stringValue(dictionary, kAccount);

@@ -25,6 +25,8 @@ struct APNInfo {
     QVariantMap toDictionary() const;
     // A key that is missing from the dictionary leaves a null string (0 for "AUTHTYPE").
     static APNInfo fromDictionary(const QVariantMap& dictionary);
+    // A stored profile names its account and APN, its text fields are strings and its auth type a number.
+    static bool isWellFormed(const QVariant& entry);
 
     bool operator==(const APNInfo& other) const = default;
 };

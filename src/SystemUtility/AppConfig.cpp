@@ -10,6 +10,7 @@
 #include "UserDataFolder.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QStringList>
 
 #include <utility>
@@ -37,11 +38,6 @@ QString filePath(const QString& folder, const QString& name) {
     return QStringLiteral("%1/%2").arg(folder, name);
 }
 
-// The profile lists hold passwords: the owner alone reads them. Later saves keep the mode.
-bool writePrivate(const QString& path, const QVariant& root) {
-    return StoreFile::write(path, root) && QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-}
-
 // Resource tables: lines separated by "\r\n", columns by a tab. A missing file has no lines.
 QStringList resourceLines(const QString& name) {
     QFile file(ResourceLocator::resourcePath(name));
@@ -65,13 +61,15 @@ QVariantList toDictionaries(const QList<APNInfo>& list) {
     return out;
 }
 
-QList<APNInfo> fromDictionaries(const QVariantList& list) {
+// The profiles of a stored list; entries of the wrong shape are skipped and reported with their count.
+QList<APNInfo> fromDictionaries(const QVariantList& list, const QString& path) {
     QList<APNInfo> out;
     for (const QVariant& item : list) {
-        if (item.typeId() == QMetaType::QVariantMap) {
+        if (APNInfo::isWellFormed(item)) {
             out.append(APNInfo::fromDictionary(item.toMap()));
         }
     }
+    DamagedFile::reportWrongEntries(path, QFileInfo(path).fileName(), list.size() - out.size());
     return out;
 }
 
@@ -128,7 +126,8 @@ void AppConfig::initUserApnList() {
     const QString folder = getUserDataPath();
     _strUserAPNListFilePath = filePath(folder, QStringLiteral("UserAPNList.plist"));
     _strUserIMSIApnListFilePath = filePath(folder, QStringLiteral("UserIMSIAPNList.plist"));
-    _arrUserApnList = fromDictionaries(DamagedFile::readList(_strUserAPNListFilePath));
+    _arrUserApnList =
+        fromDictionaries(DamagedFile::readList(_strUserAPNListFilePath), _strUserAPNListFilePath);
 }
 
 void AppConfig::initPLMNList() {
@@ -155,7 +154,7 @@ QList<APNInfo> AppConfig::getFixApnByIMSI(const QString& imsi, const QString& sp
 
     QList<APNInfo> result;
     if (isSetDefaultUserApn() && isFromIMSI() && hasEntry) {
-        result = fromDictionaries(entry.value().toList());
+        result = fromDictionaries(entry.value().toList(), _strUserIMSIApnListFilePath);
     } else {
         if (isSetDefaultUserApn() && isFromIMSI()) {
             // The SIM's default list is gone: forget the marker (the settings file keeps it).
@@ -213,7 +212,7 @@ int AppConfig::findApnItemByIMSI(const QString& imsi, QList<APNInfo>* result) co
 
 int AppConfig::writeUserApnListToFile() {
     StoreLock fileLock(_strUserAPNListFilePath);
-    if (!writePrivate(_strUserAPNListFilePath, toDictionaries(_arrUserApnList))) {
+    if (!StoreFile::write(_strUserAPNListFilePath, toDictionaries(_arrUserApnList))) {
         CNSLOG(2, "file write error!!!");
         return 1;
     }
@@ -228,7 +227,7 @@ int AppConfig::writeUserIMSIApnListToFile() {
     StoreLock fileLock(_strUserIMSIApnListFilePath);
     QVariantMap perSim = DamagedFile::readMap(_strUserIMSIApnListFilePath);
     perSim.insert(_strIMSIRetain, toDictionaries(_arrUserIMSIApnList));
-    if (!writePrivate(_strUserIMSIApnListFilePath, perSim)) {
+    if (!PropertyList::write(_strUserIMSIApnListFilePath, perSim)) {
         CNSLOG(2, "file write error!!!");
         return 1;
     }

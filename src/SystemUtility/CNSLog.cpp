@@ -3,6 +3,7 @@
 #include "AppConfig.h"
 #include "ConvertUtilty.h"
 #include "DebugSink.h"
+#include "PrivateFile.h"
 
 #include <QDate>
 #include <QDateTime>
@@ -140,7 +141,7 @@ void CNSLog::start() {
     QString path;
     if (on) {
         const QString folder = logFolderPath();
-        if (!QDir().mkpath(folder)) {
+        if (!PrivateFile::makeFolder(folder)) {
             syslog(LOG_ERR, "Create log file failed!!!");
         }
         const QDate today = QDate::currentDate();
@@ -148,6 +149,7 @@ void CNSLog::start() {
                    .arg(folder, QStringLiteral("LOG"),
                         QString::asprintf("%02d_%02d_%04d", today.day(), today.month(), today.year()));
         fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+        PrivateFile::restrictDescriptor(fd);
     }
     {
         std::lock_guard guard(_lock);

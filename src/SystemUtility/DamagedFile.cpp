@@ -4,6 +4,7 @@
 #include "PropertyList.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
@@ -19,6 +20,7 @@ namespace {
 std::atomic<std::FILE*> g_notices{stderr};
 
 constexpr qint64 kMaxSettingsSize = 1 << 20;
+constexpr qint64 kMaxCompareSize = 16 << 20;
 
 bool present(const QFileInfo& info) {
     return info.exists() || info.isSymLink();
@@ -76,32 +78,78 @@ bool settingsTextIsSound(const QByteArray& bytes) {
     return true;
 }
 
-} // namespace
-
-void DamagedFile::setNoticeStream(std::FILE* stream) {
-    g_notices.store(stream);
-}
-
-QString DamagedFile::keepAside(const QString& path, const QString& what) {
-    if (QFileInfo(path).isDir() && !QFileInfo(path).isSymLink()) {
-        // Not a file of ours that went bad: left where it is, and writes to it fail.
-        CNSLOG(2, "%s %s is a folder, defaults are used", qPrintable(what), qPrintable(path));
-        return {};
-    }
+// "<path>.damaged-<yyyyMMdd-hhmmss>", with "-2", "-3", ... when that name is taken.
+QString keptName(const QString& path) {
     const QString base = path + QStringLiteral(".damaged-") +
                          QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
     QString kept = base;
     for (int n = 2; present(QFileInfo(kept)); ++n) {
         kept = base + QStringLiteral("-%1").arg(n);
     }
+    return kept;
+}
+
+// A kept copy with the same bytes as the file, or "".
+QString keptCopyOf(const QString& path) {
+    const QFileInfo info(path);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > kMaxCompareSize) {
+        return {};
+    }
+    const QByteArray bytes = file.read(file.size());
+    const QStringList names =
+        info.dir().entryList({info.fileName() + QStringLiteral(".damaged-*")}, QDir::Files);
+    for (const QString& name : names) {
+        QFile copy(info.dir().filePath(name));
+        if (copy.size() == bytes.size() && copy.open(QIODevice::ReadOnly) && copy.readAll() == bytes) {
+            return copy.fileName();
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+void DamagedFile::setNoticeStream(std::FILE* stream) {
+    g_notices.store(stream);
+}
+
+void DamagedFile::reportWrongEntries(const QString& path, const QString& what, qsizetype count) {
+    if (count <= 0) {
+        return;
+    }
+    // The next save writes the good entries only: a copy of the file as it is keeps the others, once.
+    QString kept = keptCopyOf(path);
+    if (kept.isEmpty()) {
+        kept = keptName(path);
+        if (!QFile::copy(path, kept)) {
+            kept.clear();
+        }
+    }
+    CNSLOG(2, "%s: %lld wrong entries skipped, the file is kept as %s", qPrintable(what),
+           static_cast<long long>(count), qPrintable(kept));
+    notice(QStringLiteral("%1 holds %2 wrong %3; %4 skipped and the file is kept as %5")
+               .arg(path)
+               .arg(count)
+               .arg(count == 1 ? QStringLiteral("entry") : QStringLiteral("entries"),
+                    count == 1 ? QStringLiteral("it is") : QStringLiteral("they are"), kept));
+}
+
+QString DamagedFile::keepAside(const QString& path, const QString& what) {
+    // A folder, a device or a link to nowhere in the place of our file: written over it would fail later.
+    const bool notAFile = !QFileInfo(path).isFile();
+    const QString kept = keptName(path);
+    const QString problem =
+        notAFile ? QStringLiteral("is not a regular file") : QStringLiteral("could not be read");
     if (QFile::rename(path, kept)) {
-        CNSLOG(2, "unreadable %s kept as %s, a new one is started", qPrintable(what), qPrintable(kept));
-        notice(
-            QStringLiteral("%1 could not be read; it is kept as %2 and defaults are used").arg(path, kept));
+        CNSLOG(2, "%s %s %s, kept as %s, a new one is started", qPrintable(what), qPrintable(path),
+               qPrintable(problem), qPrintable(kept));
+        notice(QStringLiteral("%1 %2; it is kept as %3 and defaults are used").arg(path, problem, kept));
         return kept;
     }
-    CNSLOG(2, "unreadable %s %s could not be kept aside, it is replaced", qPrintable(what), qPrintable(path));
-    notice(QStringLiteral("%1 could not be read nor moved aside; defaults are used").arg(path));
+    CNSLOG(2, "%s %s %s and could not be kept aside", qPrintable(what), qPrintable(path),
+           qPrintable(problem));
+    notice(QStringLiteral("%1 %2 and could not be moved aside; defaults are used").arg(path, problem));
     return {};
 }
 
@@ -111,7 +159,8 @@ DamagedFile::State DamagedFile::readPropertyList(const QString& path, int rootTy
     if (!present(info)) {
         return State::Absent;
     }
-    QVariant root = PropertyList::read(path);
+    // Only a regular file is opened: a named pipe in its place would block the read.
+    QVariant root = info.isFile() ? PropertyList::read(path) : QVariant();
     if (root.typeId() == rootType) {
         content = std::move(root);
         return State::Good;
@@ -139,7 +188,7 @@ DamagedFile::State DamagedFile::checkSettingsFile(const QString& path) {
     }
     bool sound = false;
     QFile file(path);
-    if (file.open(QIODevice::ReadOnly) && file.size() <= kMaxSettingsSize) {
+    if (info.isFile() && file.open(QIODevice::ReadOnly) && file.size() <= kMaxSettingsSize) {
         sound = settingsTextIsSound(file.read(file.size()));
     }
     file.close();

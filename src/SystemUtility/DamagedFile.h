@@ -10,15 +10,21 @@
 // Files of ours that cannot be read are never thrown away: the damaged file is renamed to
 // "<name>.damaged-<yyyyMMdd-hhmmss>" (with "-2", "-3", ... when that name is taken), a level-2 log line and
 // a notice line say so (the notice names the file and its kept copy), and the caller goes on with its
-// defaults. A missing file is not damaged.
+// defaults. A missing file is not damaged; anything but a regular file (a folder, a device, a pipe, a
+// dangling link) in its place is damaged.
 class DamagedFile {
 public:
     enum class State { Absent, Good, Damaged };
 
     // Moves the file aside as above. `what` names it in the log line ("DateTraffics.plist"). Returns the
-    // kept copy's path, or "" when it could not be moved (that is logged too). A folder in the file's place
-    // is left alone.
+    // kept copy's path, or "" when it could not be moved (that is logged too).
     static QString keepAside(const QString& path, const QString& what);
+
+    // A readable file with entries of the wrong shape: the good ones are used, the others are skipped and
+    // their count goes to the log (level 2) and the notice. The file is copied as a kept copy (once: not
+    // again while one with the same bytes is there), since the next save drops the skipped entries.
+    // Nothing happens for a count of 0.
+    static void reportWrongEntries(const QString& path, const QString& what, qsizetype count);
 
     // Reads a property list whose root must be of rootType (QMetaType::QVariantMap or QVariantList).
     // Good: content holds the root. Absent: no file, content is invalid. Damaged: the file could not be

@@ -1,6 +1,7 @@
 #include "PropertyList.h"
 
 #include "BinaryPropertyList.h"
+#include "PrivateFile.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -276,7 +277,9 @@ bool PropertyList::write(const QString& path, const QVariant& root) {
     if (!file.open(QIODevice::WriteOnly)) {
         return false;
     }
-    if (file.write(xml) != xml.size()) {
+    // A new file gets the umask's mode and a replaced one keeps its old mode: both become the owner's alone.
+    // A full disk shows only when the buffer goes out: a failed flush must not be committed.
+    if (!PrivateFile::restrictDescriptor(file.handle()) || file.write(xml) != xml.size() || !file.flush()) {
         file.cancelWriting();
         return false;
     }

@@ -1,10 +1,8 @@
 #include "UserDataFolder.h"
 
-#include <QDir>
-#include <QFile>
+#include "PrivateFile.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
+#include <QDir>
 
 QString UserDataFolder::configPath() {
     return documentsPath(QStringLiteral("HSPA Modem User Data"));
@@ -15,17 +13,9 @@ QString UserDataFolder::devicePath() {
 }
 
 QString UserDataFolder::documentsPath(const QString& name) {
-    const QString documents = QDir::homePath() + QStringLiteral("/Documents");
-    const QString path = QStringLiteral("%1/%2").arg(documents, name);
+    const QString path = QStringLiteral("%1/Documents/%2").arg(QDir::homePath(), name);
     // The folder holds profile passwords and the dial options: the owner alone may enter it, also when an
     // older version left it open to others.
-    const QByteArray native = QFile::encodeName(path);
-    struct stat info {};
-    if (lstat(native.constData(), &info) != 0) {
-        QDir().mkpath(documents);
-        mkdir(native.constData(), 0700);
-    } else if (S_ISDIR(info.st_mode) && info.st_uid == geteuid() && (info.st_mode & 077) != 0) {
-        chmod(native.constData(), info.st_mode & 0700);
-    }
+    PrivateFile::makeFolder(path);
     return path;
 }

@@ -1,8 +1,8 @@
 #include "UserDefaults.h"
 
 #include "DamagedFile.h"
+#include "PrivateFile.h"
 
-#include <QDir>
 #include <QStandardPaths>
 
 namespace {
@@ -18,7 +18,7 @@ QSettings settings() {
 QString UserDefaults::filePath() {
     const QString folder =
         QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/dialtone");
-    QDir().mkpath(folder);
+    PrivateFile::makeFolder(folder);
     return folder + QStringLiteral("/defaults.ini");
 }
 
@@ -30,5 +30,6 @@ bool UserDefaults::setValue(const QString& key, const QVariant& value) {
     QSettings store = settings();
     store.setValue(key, value);
     store.sync();
+    PrivateFile::restrict(store.fileName());
     return store.status() == QSettings::NoError;
 }

@@ -2,20 +2,20 @@
 
 #include <cstdio>
 #include <memory>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
 
 #include "BLRecords.h"
 #include "ModemSession.h"
 #include "PinCodeFormat.h"
 #include "RecordJson.h"
+#include "SecretInput.h"
 #include "StatusText.h"
 #include "WorkNotification.h"
 
 namespace {
-
-struct PinArguments {
-    std::string first;
-    std::string second;
-};
 
 // Adds the PIN state as the modem tells it now to a failure: what a wrong PIN left.
 void ReportAttemptsLeft(ModemSession& session) {
@@ -70,21 +70,91 @@ QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-struct CodeArgument {
-    const char* name;
-    const std::string& code;
+// One code a PIN command needs: from its argument, from standard input (--pin-stdin, --codes-stdin, one
+// line each), or typed at the prompt without echo when no argument is given on a terminal.
+struct CodeSlot {
+    const char* name;   // as in the usage: "PIN", "NEWPIN"
+    const char* prompt; // "PIN", "New PIN"
     PinCodeKind kind;
+    bool confirmed = false; // asked twice at the prompt (a new PIN typed blind)
+    std::string code;
+    CLI::Option* argument = nullptr;
 };
 
+struct PinCodes {
+    std::vector<CodeSlot> needed;
+    bool fromStdin = false;
+};
+
+std::string Names(const PinCodes& codes) {
+    std::string names;
+    for (const CodeSlot& slot : codes.needed)
+        names += (names.empty() ? "" : " and ") + std::string(slot.name);
+    return names;
+}
+
+// Fills the codes not given as arguments.
+bool GatherCodes(CliContext& context, PinCodes& codes, const std::string& stdinOption) {
+    std::size_t given = 0;
+    for (const CodeSlot& slot : codes.needed)
+        given += slot.argument->count() > 0 ? 1 : 0;
+    if (given == codes.needed.size() && !codes.fromStdin)
+        return true;
+    if (given != 0) {
+        context.exitCode = ReportUsage(codes.fromStdin ? "give " + Names(codes) +
+                                                             " either as arguments or with " + stdinOption
+                                                       : Names(codes) + " are needed together");
+        return false;
+    }
+    const bool prompting = isatty(STDIN_FILENO);
+    if (!codes.fromStdin && !prompting) {
+        context.exitCode = ReportUsage("no " + Names(codes) + " given; " + stdinOption +
+                                       " reads it from standard input, one per line");
+        return false;
+    }
+    for (CodeSlot& slot : codes.needed) {
+        if (!ReadSecretLine(slot.prompt, slot.code)) {
+            context.exitCode = ReportUsage(std::string("standard input ended before the ") + slot.name);
+            return false;
+        }
+        if (prompting && slot.confirmed) {
+            std::string again;
+            if (!ReadSecretLine(std::string(slot.prompt) + " again", again) || again != slot.code) {
+                context.exitCode = ReportUsage("the two new PINs differ; nothing was changed");
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 // A malformed code is a usage error: it never reaches the SIM, where it would cost an attempt.
-bool CodesWellFormed(CliContext& context, std::initializer_list<CodeArgument> codes) {
-    for (const CodeArgument& argument : codes) {
-        if (const std::string problem = PinCodeProblem(argument.code, argument.kind); !problem.empty()) {
-            context.exitCode = ReportUsage(std::string(argument.name) + ": " + problem);
+bool CodesReady(CliContext& context, PinCodes& codes, const std::string& stdinOption) {
+    if (!GatherCodes(context, codes, stdinOption))
+        return false;
+    for (const CodeSlot& slot : codes.needed) {
+        if (const std::string problem = PinCodeProblem(slot.code, slot.kind); !problem.empty()) {
+            context.exitCode = ReportUsage(std::string(slot.name) + ": " + problem);
             return false;
         }
     }
     return true;
+}
+
+// Registers the code arguments (optional: see CodeSlot) and the option reading them from standard input.
+std::shared_ptr<PinCodes> AddCodes(CLI::App* command, std::vector<CodeSlot> needed,
+                                   const std::string& stdinOption) {
+    auto codes = std::make_shared<PinCodes>();
+    codes->needed = std::move(needed);
+    for (CodeSlot& slot : codes->needed)
+        slot.argument = command->add_option(slot.name, slot.code,
+                                            std::string("The ") + slot.prompt +
+                                                "; leave it out to be asked, or use " + stdinOption);
+    command->add_flag(stdinOption, codes->fromStdin,
+                      codes->needed.size() == 1
+                          ? "Read the code from standard input"
+                          : "Read the codes from standard input, one per line, in this order");
+    return codes;
 }
 
 } // namespace
@@ -92,31 +162,30 @@ bool CodesWellFormed(CliContext& context, std::initializer_list<CodeArgument> co
 void AddPinCommand(CLI::App& app, CliContext& context) {
     CLI::App* pin = app.add_subcommand("pin", "The SIM's PIN: status, verify, puk, change, enable, disable");
     pin->require_subcommand(1);
-    auto arguments = std::make_shared<PinArguments>();
 
     pin->add_subcommand("status", "SIM and PIN state with the attempts left")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) { return Status(context, s); });
     });
 
     CLI::App* verify = pin->add_subcommand("verify", "Enter the PIN");
-    verify->add_option("PIN", arguments->first, "The PIN")->required();
-    verify->callback([&context, arguments] {
-        if (!CodesWellFormed(context, {{"PIN", arguments->first, PinCodeKind::Pin}}))
+    auto verifyCodes = AddCodes(verify, {{"PIN", "PIN", PinCodeKind::Pin, false, {}}}, "--pin-stdin");
+    verify->callback([&context, verifyCodes] {
+        if (!CodesReady(context, *verifyCodes, "--pin-stdin"))
             return;
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
-            return Change(context, s, MESSAGE_PIN_VERIFY, Q(arguments->first), "verifying the PIN",
+            return Change(context, s, MESSAGE_PIN_VERIFY, Q(verifyCodes->needed[0].code), "verifying the PIN",
                           "PIN accepted");
         });
     });
 
     CLI::App* puk = pin->add_subcommand("puk", "Unblock the SIM with the PUK and set a new PIN");
-    puk->add_option("PUK", arguments->first, "The PUK")->required();
-    puk->add_option("NEWPIN", arguments->second, "The new PIN")->required();
-    puk->callback([&context, arguments] {
-        if (!CodesWellFormed(context, {{"PUK", arguments->first, PinCodeKind::Puk},
-                                       {"NEWPIN", arguments->second, PinCodeKind::Pin}}))
+    auto pukCodes = AddCodes(
+        puk, {{"PUK", "PUK", PinCodeKind::Puk, false, {}}, {"NEWPIN", "New PIN", PinCodeKind::Pin, true, {}}},
+        "--codes-stdin");
+    puk->callback([&context, pukCodes] {
+        if (!CodesReady(context, *pukCodes, "--codes-stdin"))
             return;
-        BLPINVerifyPukInfo info{Q(arguments->first), Q(arguments->second)};
+        BLPINVerifyPukInfo info{Q(pukCodes->needed[0].code), Q(pukCodes->needed[1].code)};
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
             return Change(context, s, MESSAGE_PIN_VERIFY_PUK, QVariant::fromValue(info), "verifying the PUK",
                           "PUK accepted, new PIN set");
@@ -124,13 +193,14 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
     });
 
     CLI::App* change = pin->add_subcommand("change", "Change the PIN");
-    change->add_option("OLD", arguments->first, "The current PIN")->required();
-    change->add_option("NEW", arguments->second, "The new PIN")->required();
-    change->callback([&context, arguments] {
-        if (!CodesWellFormed(context, {{"OLD", arguments->first, PinCodeKind::Pin},
-                                       {"NEW", arguments->second, PinCodeKind::Pin}}))
+    auto changeCodes = AddCodes(
+        change,
+        {{"OLD", "Current PIN", PinCodeKind::Pin, false, {}}, {"NEW", "New PIN", PinCodeKind::Pin, true, {}}},
+        "--codes-stdin");
+    change->callback([&context, changeCodes] {
+        if (!CodesReady(context, *changeCodes, "--codes-stdin"))
             return;
-        BLPINChangeInfo info{Q(arguments->first), Q(arguments->second)};
+        BLPINChangeInfo info{Q(changeCodes->needed[0].code), Q(changeCodes->needed[1].code)};
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
             return Change(context, s, MESSAGE_PIN_CHANGE, QVariant::fromValue(info), "changing the PIN",
                           "PIN changed");
@@ -141,11 +211,11 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
         CLI::App* command = pin->add_subcommand(enable ? "enable" : "disable",
                                                 enable ? "Ask for the PIN when the modem starts"
                                                        : "Stop asking for the PIN when the modem starts");
-        command->add_option("PIN", arguments->first, "The current PIN")->required();
-        command->callback([&context, arguments, enable] {
-            if (!CodesWellFormed(context, {{"PIN", arguments->first, PinCodeKind::Pin}}))
+        auto codes = AddCodes(command, {{"PIN", "Current PIN", PinCodeKind::Pin, false, {}}}, "--pin-stdin");
+        command->callback([&context, codes, enable] {
+            if (!CodesReady(context, *codes, "--pin-stdin"))
                 return;
-            BLPINEnableInfo info{enable, Q(arguments->first)};
+            BLPINEnableInfo info{enable, Q(codes->needed[0].code)};
             context.exitCode = RunInSession(context, [&](ModemSession& s) {
                 return Change(context, s, MESSAGE_PIN_ENABLE, QVariant::fromValue(info),
                               enable ? "enabling the PIN request" : "disabling the PIN request",

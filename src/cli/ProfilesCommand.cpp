@@ -4,9 +4,7 @@
 
 #include <cstdio>
 #include <functional>
-#include <iostream>
 #include <memory>
-#include <unistd.h>
 
 #include "AppConfig.h"
 #include "AtParameter.h"
@@ -14,6 +12,7 @@
 #include "Connector/ProfileSettingsController.h"
 #include "GUIThreadAgent.h"
 #include "ModemSession.h"
+#include "SecretInput.h"
 #include "SimProfiles.h"
 #include "WorkNotification.h"
 
@@ -145,13 +144,8 @@ int Add(CliContext& context, const NewProfile& input) {
     if (!input.dns2.empty())
         profile.strDNS2 = QString::fromStdString(input.dns2);
     if (input.passwordFromStdin) {
-        // One line from standard input, so the password never shows in a process list.
-        if (isatty(STDIN_FILENO))
-            std::fprintf(stderr, "Password: ");
         std::string password;
-        std::getline(std::cin, password);
-        if (!password.empty() && password.back() == '\r')
-            password.pop_back();
+        ReadSecretLine("Password", password);
         if (!Printable(password))
             return ReportUsage("the password cannot hold line breaks");
         profile.strPassword = QString::fromStdString(password);

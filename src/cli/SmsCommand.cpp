@@ -27,6 +27,7 @@
 #include "ModemSession.h"
 #include "NotificationCenter.h"
 #include "NumberArguments.h"
+#include "PrivateFile.h"
 #include "RecordJson.h"
 #include "SMS/SMSExt.h"
 #include "SmsBoxCommand.h"
@@ -57,6 +58,13 @@ QSettings Settings() {
     const QString path = UserDataFolder::configPath() + "/dialtone-cli.ini";
     DamagedFile::checkSettingsFile(path);
     return QSettings(path, QSettings::IniFormat);
+}
+
+void SaveSetting(const QString& key, const QVariant& value) {
+    QSettings settings = Settings();
+    settings.setValue(key, value);
+    settings.sync();
+    PrivateFile::restrict(settings.fileName());
 }
 
 const std::map<std::string, int> kStorages{
@@ -328,7 +336,7 @@ int Storage(const CliContext& context, ModemSession& session, const std::string&
     const QVariantMap response = session.request(MESSAGE_SMS_SET_PREFERRED_STORAGE, storage);
     if (const int failed = session.check(response, "choosing the storage for new messages"))
         return failed;
-    Settings().setValue("sms/storage", storage);
+    SaveSetting("sms/storage", storage);
     if (context.json)
         PrintJson({{"storage", name}});
     else
@@ -385,7 +393,7 @@ int Validity(const CliContext& context, ModemSession& session, const std::string
     const QVariantMap response = session.request(MESSAGE_SMS_SET_VALID_PERIOD, QVariant::fromValue(period));
     if (const int failed = session.check(response, "setting the validity period"))
         return failed;
-    Settings().setValue("sms/validity", Q(code));
+    SaveSetting("sms/validity", Q(code));
     if (context.json)
         PrintJson(VariantToJson(QVariant::fromValue(period)));
     else

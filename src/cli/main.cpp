@@ -12,6 +12,7 @@
 #include "CliSupport.h"
 #include "ConnectCommand.h"
 #include "ContactsCommand.h"
+#include "CoreDumps.h"
 #include "DebugSink.h"
 #include "GpsCommand.h"
 #include "NetworkCommand.h"
@@ -26,6 +27,7 @@
 #include "UssdCommand.h"
 
 int main(int argc, char** argv) {
+    DisableCoreDumps();
     // A closed standard output (dialtone status | head) must not keep the tool from cleaning up.
     std::signal(SIGPIPE, SIG_IGN);
     CLI::App app("Dialtone: a connection manager for USB 3G/HSPA modems", "dialtone");

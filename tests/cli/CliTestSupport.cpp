@@ -46,7 +46,8 @@ TempDir::~TempDir() {
 }
 
 Outcome RunDialtone(const std::vector<std::string>& args, const std::string& home,
-                    const std::vector<std::pair<std::string, std::string>>& extraEnv) {
+                    const std::vector<std::pair<std::string, std::string>>& extraEnv,
+                    const std::string& inputPath) {
     const TempDir errDir;
     const std::string errPath = errDir.path + "/stderr.txt";
     std::string command = "env";
@@ -63,7 +64,7 @@ Outcome RunDialtone(const std::vector<std::string>& args, const std::string& hom
     command += " " + Quote(DIALTONE_CLI);
     for (const std::string& argument : args)
         command += " " + Quote(argument);
-    command += " 2>" + Quote(errPath) + " </dev/null";
+    command += " 2>" + Quote(errPath) + " <" + Quote(inputPath);
     Outcome run;
     FILE* pipe = popen(command.c_str(), "r");
     EXPECT_NE(pipe, nullptr);
@@ -189,6 +190,14 @@ Outcome SimulatedModem::run(const std::vector<std::string>& arguments) const {
     std::vector<std::string> all{"--dev-dir", devDir.path};
     all.insert(all.end(), arguments.begin(), arguments.end());
     return RunDialtone(all, home.path);
+}
+
+Outcome SimulatedModem::run(const std::vector<std::string>& arguments, const std::string& input) const {
+    const std::string inputPath = files.path + "/stdin.txt";
+    std::ofstream(inputPath, std::ios::binary) << input;
+    std::vector<std::string> all{"--dev-dir", devDir.path};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return RunDialtone(all, home.path, {}, inputPath);
 }
 
 } // namespace clitest

@@ -32,10 +32,11 @@ struct TempDir {
     std::string path;
 };
 
-// Runs the tool at DIALTONE_CLI with the arguments, standard input from /dev/null. HOME is set to home
+// Runs the tool at DIALTONE_CLI with the arguments, standard input from inputPath. HOME is set to home
 // unless it is empty. extraEnv sets further variables; a pair with an empty value removes that variable.
 Outcome RunDialtone(const std::vector<std::string>& args, const std::string& home,
-                    const std::vector<std::pair<std::string, std::string>>& extraEnv = {});
+                    const std::vector<std::pair<std::string, std::string>>& extraEnv = {},
+                    const std::string& inputPath = "/dev/null");
 
 // JSON without exceptions: a discarded value when the text is not JSON.
 nlohmann::json Parse(const std::string& text);
@@ -69,6 +70,8 @@ public:
 
     // The tool against this modem ("--dev-dir" first), with home as its HOME.
     Outcome run(const std::vector<std::string>& arguments) const;
+    // The same with the text on its standard input.
+    Outcome run(const std::vector<std::string>& arguments, const std::string& input) const;
 
     TempDir files;
     TempDir devDir;

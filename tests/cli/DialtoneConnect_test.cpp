@@ -175,4 +175,39 @@ TEST(DialtoneConnect, PasswordIsReadFromStandardInputNotTheCommandLine) {
     EXPECT_NE(text.find("s3cret"), std::string::npos);
 }
 
+TEST(DialtoneConnect, EveryFileAndFolderWrittenIsTheOwnersAlone) {
+    namespace fs = std::filesystem;
+    ConnectWorld world;
+    ASSERT_TRUE(world.modem.ready());
+    const fs::path home = world.modem.home.path;
+    const fs::path data = home / "Documents" / "HSPA Modem User Data";
+    // Left open by an older version: a 0755 data and configuration folder and a 0644 settings file.
+    fs::create_directories(data);
+    fs::create_directories(home / ".config" / "dialtone");
+    for (const char* own : {"Documents", ".config"})
+        fs::permissions(home / own, fs::perms::owner_all);
+    std::ofstream(data / "dialtone-cli.ini") << "[sms]\nvalidity=1d\n";
+    std::ofstream(data / "OPENLOG");
+    fs::permissions(data / "OPENLOG", fs::perms::owner_read | fs::perms::owner_write);
+
+    // clang-format off
+    const std::vector<std::string> runs[] = {{"--wait", "20", "connect"}, {"disconnect"}, {"sms", "storage", "pc"}, {"profiles", "add", "Office", "office.example"}, {"stats"}};
+    // clang-format on
+    for (const auto& arguments : runs) {
+        const Outcome run = world.run(arguments);
+        ASSERT_EQ(run.status, 0) << arguments.back() << ": " << run.err;
+    }
+    ASSERT_TRUE(fs::exists(home / ".config" / "dialtone" / "defaults.ini"));
+    ASSERT_TRUE(fs::exists(home / "Library" / "logs"));
+    int seen = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(home)) {
+        const auto mode = entry.symlink_status().permissions() & fs::perms::all;
+        const bool folder = entry.is_directory();
+        EXPECT_EQ(mode, folder ? fs::perms::owner_all : fs::perms::owner_read | fs::perms::owner_write)
+            << entry.path();
+        ++seen;
+    }
+    EXPECT_GE(seen, 12);
+}
+
 } // namespace

@@ -17,14 +17,15 @@ using nlohmann::json;
 
 struct Refusal {
     std::vector<std::string> args;
-    const char* says; // part of the message on standard error
-    int status = 2;   // -1: any failure
+    const char* says;            // part of the message on standard error
+    int status = 2;              // -1: any failure
+    const char* input = nullptr; // standard input (none: /dev/null)
 };
 
 template <std::size_t N> void ExpectRefused(const SimulatedModem& modem, const Refusal (&rows)[N]) {
     for (const Refusal& row : rows) {
         SCOPED_TRACE(row.args.back());
-        const Outcome outcome = modem.run(row.args);
+        const Outcome outcome = row.input ? modem.run(row.args, row.input) : modem.run(row.args);
         if (row.status < 0)
             EXPECT_NE(outcome.status, 0);
         else
@@ -54,6 +55,10 @@ TEST(DialtoneInputs, PinTyposCostNoAttemptAndTheRightPinStillWorks) {
         {{"pin", "enable", "12ab"}, "a PIN has 4 to 8 digits"},
         {{"pin", "change", "1234", "12\";+CFUN=0;\""}, "NEW: a PIN has 4 to 8 digits"},
         {{"pin", "puk", "1234567", "1234"}, "PUK: a PUK has 8 digits, not 7"},
+        {{"pin", "verify", "--pin-stdin"}, "PIN: a PIN has 4 to 8 digits, nothing else", 2, "12ab\n"},
+        {{"pin", "puk", "--codes-stdin"}, "NEWPIN: a PIN has 4 to 8 digits, not 3", 2, "12345678\n123\n"},
+        {{"pin", "change", "--codes-stdin"}, "standard input ended before the NEW", 2, "1234\n"},
+        {{"pin", "verify", "--pin-stdin", "1234"}, "either as arguments or with --pin-stdin"},
         {{"request", "MESSAGE_PIN_ENABLE", "[1,2]"}, "takes a BLPINEnableInfo object"},
     };
     // clang-format on
@@ -62,7 +67,7 @@ TEST(DialtoneInputs, PinTyposCostNoAttemptAndTheRightPinStillWorks) {
     EXPECT_EQ(dump["pin"]["pin_left"], 3);
     EXPECT_FALSE(Sent(dump, "+CPIN=") || Sent(dump, "+CLCK=") || Sent(dump, "+CPWD=")) << dump["commands"];
 
-    const Outcome right = modem.run({"pin", "verify", "1234"});
+    const Outcome right = modem.run({"pin", "verify", "--pin-stdin"}, "1234\r\n");
     EXPECT_EQ(right.status, 0) << right.err;
     EXPECT_EQ(modem.dump()["pin"]["state"], "READY");
 }

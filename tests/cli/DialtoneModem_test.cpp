@@ -34,7 +34,7 @@ TEST(DialtoneModem, UsageErrorsExitTwoWithoutTouchingAModem) {
     } rows[] = {
         // clang-format off
         {{"frobnicate"}, "A subcommand is required"},
-        {{"pin", "verify"}, "PIN is required"},
+        {{"pin", "verify"}, "no PIN given; --pin-stdin reads it"},
         {{"network", "select", "26x02"}, "MCCMNC must be 5 or 6 digits"},
         {{"network", "select", "26202", "--act", "x"}, "--act: Value x not in range"},
         {{"request", "MESSAGE_SMS_SEND", "{not json"}, "is not valid JSON"},

@@ -195,8 +195,8 @@ TEST(SMSStorage, DamagedFilesStartEmptyOrKeepTheMessagesTheyHave) {
 TEST(SMSStorage, FailedWriteReportsOneAndKeepsTheListsChanged) {
     TempHome home;
     const QString logPath = home.openLog();
-    QDir().mkpath(home.userFile("SMSInBox_" + kIMSI)); // a folder where the file should be
     SMSStorage store(kIMSI);
+    QDir().mkpath(home.userFile("SMSInBox_" + kIMSI)); // a folder where the file should be
     EXPECT_EQ(store.saveMessageItem(message("+491701", "unsaved", "OUTBOX")), 1);
     EXPECT_EQ(store.getOutBoxList().size(), 1);
     EXPECT_TRUE(TempHome::readFile(logPath).contains("message save Error!!"));

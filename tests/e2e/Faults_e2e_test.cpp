@@ -29,6 +29,9 @@
 #include <memory>
 #include <vector>
 
+#include <csignal>
+
+#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
@@ -356,7 +359,9 @@ TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
         const char* how;
         bool needsPermissions; // root writes through a read-only folder
     };
-    const Row rows[] = {{"read-only folder", true}, {"file name taken by a folder", false}};
+    const Row rows[] = {{"read-only folder", true}, {"no room for the file (a file size limit)", false}};
+    rlimit fileSize{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &fileSize), 0);
     for (const Row& row : rows) {
         SCOPED_TRACE(row.how);
         if (row.needsPermissions && geteuid() == 0) {
@@ -371,9 +376,10 @@ TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
         if (row.needsPermissions) {
             ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
         } else {
-            // What the listing moved there so far is put back afterwards.
-            ASSERT_TRUE(QFile::rename(inbox, inbox + ".kept"));
-            ASSERT_TRUE(QDir().mkpath(inbox));
+            // No file may grow: every write of the store fails, as on a full disk.
+            std::signal(SIGXFSZ, SIG_IGN);
+            const rlimit small{0, fileSize.rlim_max};
+            ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
         }
 
         const qsizetype sentBefore = _sim->commands().size();
@@ -390,8 +396,7 @@ TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
             ASSERT_TRUE(
                 QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         } else {
-            ASSERT_TRUE(QDir(inbox).removeRecursively());
-            ASSERT_TRUE(QFile::rename(inbox + ".kept", inbox));
+            ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &fileSize), 0);
         }
         const QVariantList items = list();
         EXPECT_EQ(stored("ME").size(), 0);

@@ -2,19 +2,23 @@
 // link, and the statistics tab's own pieces (periods, the chart's days).
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QFile>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <csignal>
 #include <fstream>
 
 #include "Connect/ConnectPlugin.h"
 #include "Connector/ConnectController.h"
 #include "ConvertUtilty.h"
 #include "GuiTestSupport.h"
+#include "QuitOnSignals.h"
 #include "Statistics/CNSTrafficChart.h"
 #include "Statistics/StatisticsPlugin.h"
 #include "StatusBarView.h"
@@ -23,6 +27,15 @@ using namespace std::chrono_literals;
 using State = ModemLink::State;
 
 namespace {
+
+// The connect tab once the modem is ready and the button can be pressed; nullptr when it does not get there.
+ConnectPlugin* ReadyConnectTab(GuiWorld& world) {
+    if (!world.started() || !world.waitForState(State::Ready))
+        return nullptr;
+    auto* tab = world.show<ConnectPlugin>("connect");
+    auto* button = tab ? tab->findChild<QPushButton*>("connectButton") : nullptr;
+    return button && waitForGui([&] { return button->isEnabled(); }, 20s) ? tab : nullptr;
+}
 
 QString Bytes(quint64 bytes) {
     return ConvertUtilty::byte2String(bytes) + QStringLiteral("B");
@@ -116,13 +129,38 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     EXPECT_EQ(LabelText(stats, "statisticsMessage"), "");
 }
 
+// SIGTERM and SIGINT end the app like its Quit: the event loop returns 0 and closing the window hangs up the
+// link the app dialled and removes its dial options file.
+TEST(ConnectStatisticsGui, TerminationSignalsQuitAndHangUp) {
+    for (const int signalNumber : {SIGTERM, SIGINT}) {
+        SCOPED_TRACE(signalNumber);
+        GuiWorld world;
+        auto* tab = ReadyConnectTab(world);
+        ASSERT_NE(tab, nullptr);
+        tab->findChild<QPushButton*>("connectButton")->click();
+        ASSERT_TRUE(waitForGui(
+            [&] { return tab->controller()->connectState() == ConnectController::kConnected; }, 30s));
+        const QString options = world.home() + "/Documents/USB Modem User Data/VELMODEM1.options";
+        const QString pidFile = world.pppDir() + "/run/ppp-VELMODEM1.pid";
+        ASSERT_TRUE(QFile::exists(options) && QFile::exists(pidFile));
+
+        const QuitOnSignals quitOnSignals;
+        QTimer::singleShot(0, [signalNumber] { std::raise(signalNumber); });
+        QTimer giveUp; // gone with this round, so that it cannot end a later test's event loop
+        giveUp.callOnTimeout([] { QCoreApplication::exit(3); });
+        giveUp.start(10s);
+        EXPECT_EQ(QCoreApplication::exec(), 0);
+        world.closeWindow();
+        EXPECT_FALSE(QFile::exists(options));
+        EXPECT_FALSE(QFile::exists(pidFile));
+    }
+}
+
 TEST(ConnectStatisticsGui, UnplugDisablesTheButtonAndReplugMakesItReadyAgain) {
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(State::Ready));
-    auto* tab = world.show<ConnectPlugin>("connect");
+    auto* tab = ReadyConnectTab(world);
+    ASSERT_NE(tab, nullptr);
     auto* button = tab->findChild<QPushButton*>("connectButton");
-    ASSERT_TRUE(waitForGui([&] { return button->isEnabled(); }, 20s));
 
     world.sim().control("unplug");
     ASSERT_TRUE(world.waitForState(State::Absent));

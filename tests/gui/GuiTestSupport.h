@@ -32,6 +32,8 @@ public:
     SimulatedModem& sim() { return *_sim; }
     MainWindow& window() { return *_window; }
     ModemLink& link() { return _window->link(); }
+    // Closes the window the way the app's main() does after its event loop ends.
+    void closeWindow() { _window.reset(); }
 
     // Runs events until the modem reaches the state.
     bool waitForState(ModemLink::State state, std::chrono::milliseconds limit = std::chrono::seconds(20));
