@@ -227,7 +227,7 @@ int AppConfig::writeUserIMSIApnListToFile() {
     StoreLock fileLock(_strUserIMSIApnListFilePath);
     QVariantMap perSim = DamagedFile::readMap(_strUserIMSIApnListFilePath);
     perSim.insert(_strIMSIRetain, toDictionaries(_arrUserIMSIApnList));
-    if (!PropertyList::write(_strUserIMSIApnListFilePath, perSim)) {
+    if (!StoreFile::write(_strUserIMSIApnListFilePath, perSim)) {
         CNSLOG(2, "file write error!!!");
         return 1;
     }
