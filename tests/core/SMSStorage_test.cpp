@@ -2,6 +2,7 @@
 
 #include "PropertyList.h"
 #include "SMS/SMSStorage.h"
+#include "StoreFile.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -196,9 +197,10 @@ TEST(SMSStorage, FailedWriteReportsOneAndKeepsTheListsChanged) {
     TempHome home;
     const QString logPath = home.openLog();
     SMSStorage store(kIMSI);
-    QDir().mkpath(home.userFile("SMSInBox_" + kIMSI)); // a folder where the file should be
+    StoreFile::setFaultHook([](const QString& step) { return !step.startsWith("write "); }); // a full disk
     EXPECT_EQ(store.saveMessageItem(message("+491701", "unsaved", "OUTBOX")), 1);
+    StoreFile::setFaultHook({});
     EXPECT_EQ(store.getOutBoxList().size(), 1);
     EXPECT_TRUE(TempHome::readFile(logPath).contains("message save Error!!"));
-    EXPECT_TRUE(QFileInfo(store.filePath()).isDir());
+    EXPECT_FALSE(QFileInfo::exists(store.filePath()));
 }

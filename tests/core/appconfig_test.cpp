@@ -1,5 +1,6 @@
 #include "AppConfig.h"
 #include "PropertyList.h"
+#include "StoreFile.h"
 #include "TempHome.h"
 
 #include <QDir>
@@ -324,11 +325,12 @@ TEST(AppConfig, FailedWritesAreLoggedAndMemoryKept) {
     TempHome home;
     const QString log = home.openLog();
     AppConfig config;
-    // Folders made in place of the files after they were read make the writes fail, also for root. One
-    // found when a file is read again is moved aside, and the write goes through.
-    for (const char* name : {"SystemConfig.plist", "UserAPNList.plist", "UserIMSIAPNList.plist"}) {
-        QDir().mkpath(home.userFile(name));
-    }
+    // A full disk fails the writes of the settings and the shared profile list. A folder found in place of
+    // the per-SIM list when it is read again is moved aside, and that write goes through.
+    StoreFile::setFaultHook([](const QString& step) {
+        return !(step == "write SystemConfig.plist" || step == "write UserAPNList.plist");
+    });
+    QDir().mkpath(home.userFile("UserIMSIAPNList.plist"));
     config.setConnectSoundEnable(false);
     EXPECT_FALSE(config.getConnectSoundEnable());
     EXPECT_FALSE(config.saveConfigObject(5, "SMS_VP"));
@@ -339,6 +341,7 @@ TEST(AppConfig, FailedWritesAreLoggedAndMemoryKept) {
     config.getFixApnByIMSI("460001234567890", "");
     EXPECT_EQ(config.writeUserIMSIApnListToFile(), 0);
     EXPECT_TRUE(QFileInfo(home.userFile("UserIMSIAPNList.plist")).isFile());
+    StoreFile::setFaultHook({});
 
     const QString text = QString::fromUtf8(TempHome::readFile(log));
     EXPECT_TRUE(text.contains("[-CNSLOG_ERROR-]: AppConfig.cpp:"));
