@@ -6,7 +6,7 @@ FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_GEN  := -G Ninja
 
-.PHONY: all bootstrap configure build check asan bench fuzz fuzz-smoke demo install format clean
+.PHONY: all bootstrap configure build check asan bench fuzz fuzz-smoke fuzz-long demo install format clean
 
 all: build
 
@@ -43,16 +43,12 @@ fuzz: bootstrap
 # Runs each target for FUZZ_SECONDS on a scratch copy of its seeds ($(FUZZ_BUILD)/corpus/<name>, kept between
 # runs) and prints its executions; a finding lands in $(FUZZ_BUILD)/findings/<name>/ and fails the run.
 fuzz-smoke: fuzz
-	@out=$(abspath $(FUZZ_BUILD)); failed=0; \
-	for t in $(FUZZ_TARGETS); do \
-		mkdir -p $$out/corpus/$$t $$out/findings/$$t && cp fuzz/corpus/$$t/* $$out/corpus/$$t/; \
-		log=$$out/findings/$$t.log; \
-		if nice -n 19 $$out/fuzz/$${t}_fuzz -max_total_time=$(FUZZ_SECONDS) -print_final_stats=1 \
-			-artifact_prefix=$$out/findings/$$t/ $$out/corpus/$$t >$$log 2>&1; \
-		then result=clean; else result="FOUND something: $$log"; failed=1; fi; \
-		runs=$$(sed -n 's/^stat::number_of_executed_units: *//p' $$log); \
-		printf '%-16s %12s executions in %ss  %s\n' $$t "$${runs:-?}" $(FUZZ_SECONDS) "$$result"; \
-	done; exit $$failed
+	@scripts/fuzz-run $(FUZZ_BUILD) seconds $(FUZZ_SECONDS) $(FUZZ_TARGETS)
+
+# Runs each target to FUZZ_RUNS executions (ten million), one after the other; README.md gives the time.
+FUZZ_RUNS ?= 10000000
+fuzz-long: fuzz
+	@scripts/fuzz-run $(FUZZ_BUILD) runs $(FUZZ_RUNS) $(FUZZ_TARGETS)
 
 # What Dialtone sees of a modem, shown against the simulated one: equipment, SIM and PIN state, operator,
 # signal, bearer. Its own HOME keeps the demo's configuration out of the user's.

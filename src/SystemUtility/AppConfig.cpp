@@ -13,6 +13,7 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#include <optional>
 #include <utility>
 
 namespace {
@@ -38,13 +39,18 @@ QString filePath(const QString& folder, const QString& name) {
     return QStringLiteral("%1/%2").arg(folder, name);
 }
 
-// Resource tables: lines separated by "\r\n", columns by a tab. A missing file has no lines.
-QStringList resourceLines(const QString& name) {
+// A resource table's text; nothing when the file is missing (a table without lines).
+std::optional<QByteArray> resourceText(const QString& name) {
     QFile file(ResourceLocator::resourcePath(name));
     if (!file.open(QIODevice::ReadOnly)) {
-        return {};
+        return std::nullopt;
     }
-    return QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"));
+    return file.readAll();
+}
+
+// Resource tables: lines separated by "\r\n", columns by a tab.
+QStringList tableLines(const QByteArray& text) {
+    return QString::fromUtf8(text).split(QStringLiteral("\r\n"));
 }
 
 // Two strings that are both present and equal (a missing value equals nothing).
@@ -61,15 +67,18 @@ QVariantList toDictionaries(const QList<APNInfo>& list) {
     return out;
 }
 
-// The profiles of a stored list; entries of the wrong shape are skipped and reported with their count.
-QList<APNInfo> fromDictionaries(const QVariantList& list, const QString& path) {
+// The profiles of a stored list; entries of the wrong shape are skipped and, with report, reported with
+// their count.
+QList<APNInfo> fromDictionaries(const QVariantList& list, const QString& path, bool report = true) {
     QList<APNInfo> out;
     for (const QVariant& item : list) {
         if (APNInfo::isWellFormed(item)) {
             out.append(APNInfo::fromDictionary(item.toMap()));
         }
     }
-    DamagedFile::reportWrongEntries(path, QFileInfo(path).fileName(), list.size() - out.size());
+    if (report) {
+        DamagedFile::reportWrongEntries(path, QFileInfo(path).fileName(), list.size() - out.size());
+    }
     return out;
 }
 
@@ -98,8 +107,17 @@ void AppConfig::initSystemConfig() {
 }
 
 void AppConfig::initFixApnList() {
+    const std::optional<QByteArray> text = resourceText(QStringLiteral("PredefinedProfile"));
+    if (!text) {
+        _arrApnListFixed.clear();
+        return;
+    }
+    readFixApnList(*text);
+}
+
+void AppConfig::readFixApnList(const QByteArray& text) {
     _arrApnListFixed.clear();
-    const QStringList lines = resourceLines(QStringLiteral("PredefinedProfile"));
+    const QStringList lines = tableLines(text);
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const QStringList columns = lines[i].split(QLatin1Char('\t'));
         if (columns.size() < kProfileMinColumns) {
@@ -131,8 +149,17 @@ void AppConfig::initUserApnList() {
 }
 
 void AppConfig::initPLMNList() {
+    const std::optional<QByteArray> text = resourceText(QStringLiteral("PLMN"));
+    if (!text) {
+        _arrPLMNList.clear();
+        return;
+    }
+    readPLMNList(*text);
+}
+
+void AppConfig::readPLMNList(const QByteArray& text) {
     _arrPLMNList.clear();
-    const QStringList lines = resourceLines(QStringLiteral("PLMN"));
+    const QStringList lines = tableLines(text);
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const QStringList columns = lines[i].split(QLatin1Char('\t'));
         if (columns.size() == 2) {
@@ -210,9 +237,33 @@ int AppConfig::findApnItemByIMSI(const QString& imsi, QList<APNInfo>* result) co
     return found;
 }
 
-int AppConfig::writeUserApnListToFile() {
-    StoreLock fileLock(_strUserAPNListFilePath);
-    if (!StoreFile::write(_strUserAPNListFilePath, toDictionaries(_arrUserApnList))) {
+int AppConfig::changeUserList(bool perSim, const std::function<void(QList<APNInfo>&)>& change) {
+    if (perSim && _strIMSIRetain.isNull()) {
+        CNSLOG(2, "file write error!!!");
+        return 1;
+    }
+    const QString& path = perSim ? _strUserIMSIApnListFilePath : _strUserAPNListFilePath;
+    StoreLock fileLock(path);
+    // Another process (the app beside a tool command) may have changed the list since this copy was
+    // read: the change is made to the list as the file holds it now.
+    QVariantMap perSimLists;
+    QList<APNInfo> current;
+    if (perSim) {
+        perSimLists = DamagedFile::readMap(path);
+        current = fromDictionaries(perSimLists.value(_strIMSIRetain).toList(), path, false);
+    } else {
+        current = fromDictionaries(DamagedFile::readList(path), path, false); // reported when first read
+    }
+    change(current);
+    (perSim ? _arrUserIMSIApnList : _arrUserApnList) = current;
+    bool written = false;
+    if (perSim) {
+        perSimLists.insert(_strIMSIRetain, toDictionaries(current));
+        written = StoreFile::write(path, perSimLists);
+    } else {
+        written = StoreFile::write(path, toDictionaries(current));
+    }
+    if (!written) {
         CNSLOG(2, "file write error!!!");
         return 1;
     }
@@ -246,21 +297,25 @@ QList<APNInfo>* AppConfig::listForIndex(int index, int* inListIndex) {
 void AppConfig::saveUserAPNItem(int index, const APNInfo& item) {
     int at = 0;
     QList<APNInfo>* list = listForIndex(index, &at);
+    const bool perSim = list == &_arrUserIMSIApnList;
     if (at < 0 || at >= list->size()) {
         CNSLOG(2, "index is over max count nIndex = %d", index);
-    } else {
-        (*list)[at] = item;
+        changeUserList(perSim, [](QList<APNInfo>&) {});
+        return;
     }
-    if (list == &_arrUserIMSIApnList) {
-        writeUserIMSIApnListToFile();
-    } else {
-        writeUserApnListToFile();
-    }
+    const APNInfo before = list->at(at);
+    changeUserList(perSim, [&](QList<APNInfo>& current) {
+        const qsizetype found = current.indexOf(before);
+        // Removed by another process meanwhile: the edit is kept as a new profile.
+        if (found < 0)
+            current.append(item);
+        else
+            current[found] = item;
+    });
 }
 
 void AppConfig::addUserAPNItem(const APNInfo& item) {
-    _arrUserApnList.append(item);
-    writeUserApnListToFile();
+    changeUserList(false, [&](QList<APNInfo>& current) { current.append(item); });
 }
 
 void AppConfig::deleteSingleUserApnItem(int index) {
@@ -268,8 +323,8 @@ void AppConfig::deleteSingleUserApnItem(int index) {
         CNSLOG(2, "index is over max count nIndex = %d", index);
         return;
     }
-    _arrUserApnList.removeAt(index);
-    writeUserApnListToFile();
+    const APNInfo doomed = _arrUserApnList.at(index);
+    changeUserList(false, [&](QList<APNInfo>& current) { current.removeOne(doomed); });
 }
 
 int AppConfig::deleteUserApnItems(const QList<APNInfo>& /*items*/) {
@@ -313,17 +368,20 @@ int AppConfig::setDefaultUserApnItemsByIndex(int index) {
     if (list->isEmpty() || at < 0 || at >= list->size()) {
         return 0;
     }
-    if (list->size() > 1) {
-        list->swapItemsAt(0, at);
-    }
     const bool perSim = list == &_arrUserIMSIApnList;
+    const APNInfo chosen = list->at(at);
+    changeUserList(perSim, [&](QList<APNInfo>& current) {
+        const qsizetype found = current.indexOf(chosen);
+        if (found > 0)
+            current.swapItemsAt(0, found);
+    });
     _defAPNInfo.isSetDefault = kTrue;
     _defAPNInfo.defaultIMSI = perSim ? _strIMSIRetain : QStringLiteral("");
     storeDefaultMarker();
     if (perSim) {
-        writeUserIMSIApnListToFile();
+        // Written too, as it always was (as the file holds it now).
+        changeUserList(false, [](QList<APNInfo>&) {});
     }
-    writeUserApnListToFile();
     writeSystemConfigToFile();
     return 0;
 }

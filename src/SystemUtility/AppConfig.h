@@ -8,6 +8,7 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+#include <functional>
 #include <optional>
 
 // The application's configuration: system settings, the user's connection profiles, the per-SIM profiles
@@ -36,6 +37,9 @@ public:
     void initFixApnList();
     void initUserApnList();
     void initPLMNList();
+    // The two resource tables' readers, on their text (UTF-8) rather than the resource file.
+    void readFixApnList(const QByteArray& text);
+    void readPLMNList(const QByteArray& text);
 
     // Chooses the profiles for the SIM in use (IMSI, service provider name, which may be null or empty),
     // makes them the per-SIM list of that IMSI and writes it. Later per-SIM operations use this IMSI.
@@ -49,8 +53,8 @@ public:
     const QList<APNInfo>& fixedApnList() const { return _arrApnListFixed; }
     const QVariantList& plmnList() const { return _arrPLMNList; }
 
-    // 0 written, 1 failed ("file write error!!!" at level 2).
-    int writeUserApnListToFile();
+    // Writes this copy as the SIM's list (the per-SIM file's other SIMs are kept). 0 written, 1 failed
+    // ("file write error!!!" at level 2). The user list is only written through the changes below.
     int writeUserIMSIApnListToFile();
 
     // Replaces the item at the index (90000 rule) and writes that list; an index outside the list logs
@@ -120,6 +124,9 @@ private:
     bool flag(const QString& key, bool defaultValue);
     void setFlag(const QString& key, bool value);
     void storeDefaultMarker();
+    // Re-reads the user list (or this SIM's list) under its file's lock, applies the change to it, writes
+    // it and keeps it as this copy. 0 written, 1 failed.
+    int changeUserList(bool perSim, const std::function<void(QList<APNInfo>&)>& change);
 
     QList<APNInfo> _arrUserApnList;
     QList<APNInfo> _arrUserIMSIApnList;

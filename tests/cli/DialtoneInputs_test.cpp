@@ -1,8 +1,14 @@
 // What the tool refuses before the modem is asked: malformed SIM codes and text that would end an AT
 // parameter or command early.
 
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
+
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -70,6 +76,47 @@ TEST(DialtoneInputs, PinTyposCostNoAttemptAndTheRightPinStillWorks) {
     const Outcome right = modem.run({"pin", "verify", "--pin-stdin"}, "1234\r\n");
     EXPECT_EQ(right.status, 0) << right.err;
     EXPECT_EQ(modem.dump()["pin"]["state"], "READY");
+}
+
+// Typed at a terminal, the PIN is asked for without echo, and the echo is back once it is read.
+TEST(DialtoneInputs, PinTypedAtATerminalIsNotEchoed) {
+    SimulatedModem modem("pin-locked");
+    ASSERT_TRUE(modem.ready());
+    const int master = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(master, 0);
+    ASSERT_EQ(grantpt(master), 0);
+    ASSERT_EQ(unlockpt(master), 0);
+    const std::string terminal = ptsname(master);
+    const int watch = open(terminal.c_str(), O_RDWR | O_NOCTTY); // keeps the terminal and shows its settings
+    ASSERT_GE(watch, 0);
+    const auto echoing = [watch] {
+        termios settings{};
+        return tcgetattr(watch, &settings) == 0 && (settings.c_lflag & ECHO) != 0;
+    };
+    ASSERT_TRUE(echoing());
+
+    Outcome verified;
+    std::thread user([&] {
+        verified = clitest::RunDialtone({"--dev-dir", modem.devDir.path, "pin", "verify"}, modem.home.path, {},
+                                        terminal);
+    });
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (echoing() && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_FALSE(echoing()) << "the prompt turns the echo off";
+    ASSERT_EQ(write(master, "1234\n", 5), 5);
+    user.join();
+
+    EXPECT_EQ(verified.status, 0) << verified.err;
+    EXPECT_NE(verified.err.find("PIN: "), std::string::npos) << verified.err;
+    EXPECT_TRUE(echoing()) << "the echo is back";
+    fcntl(master, F_SETFL, O_NONBLOCK);
+    char shown[256];
+    const ssize_t n = read(master, shown, sizeof shown);
+    EXPECT_EQ(std::string(shown, n > 0 ? static_cast<size_t>(n) : 0).find("1234"), std::string::npos);
+    EXPECT_EQ(modem.dump()["pin"]["state"], "READY");
+    close(watch);
+    close(master);
 }
 
 TEST(DialtoneInputs, TextThatWouldAppendCommandsNeverReachesTheModem) {

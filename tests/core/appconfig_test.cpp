@@ -281,9 +281,7 @@ TEST(AppConfig, OneIndexAddressesBothLists) {
     config.saveUserAPNItem(1, profile("Office", "office.apn"));
     EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Home", "Office"}));
 
-    // An index equal to the count (or beyond, or negative) addresses nothing; the file is still written.
-    QFile::remove(home.userFile("UserAPNList.plist"));
-    QFile::remove(home.userFile("UserIMSIAPNList.plist"));
+    // An index equal to the count (or beyond, or negative) addresses nothing.
     for (int index : {2, 3, -1, 90003, 90004}) {
         config.saveUserAPNItem(index, profile("Bad", "bad.apn"));
         EXPECT_EQ(config.setDefaultUserApnItemsByIndex(index), 0);
@@ -303,6 +301,25 @@ TEST(AppConfig, OneIndexAddressesBothLists) {
     EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Office"}));
     EXPECT_EQ(config.deleteUserApnItems(config.getUserApnList()), 0);
     EXPECT_EQ(AppConfig().getUserApnList().size(), 1);
+}
+
+// Two copies of the configuration stand for the desktop app and a tool command: each change is made to
+// the list as the file holds it, so neither loses the other's profiles, and indexes from a copy's own
+// view still address the profile that copy showed.
+TEST(AppConfig, TwoWritersKeepEachOthersProfiles) {
+    TempHome home;
+    AppConfig app;
+    AppConfig tool;
+    app.addUserAPNItem(profile("Home", "home.apn"));
+    tool.addUserAPNItem(profile("Work", "work.apn"));
+    app.addUserAPNItem(profile("Mobile", "mobile.apn"));
+    EXPECT_EQ(accounts(AppConfig().getUserApnList()), (std::vector<std::string>{"Home", "Work", "Mobile"}));
+
+    tool.deleteSingleUserApnItem(1); // Work, in the tool's view [Home, Work]
+    app.saveUserAPNItem(1, profile("Work2", "work.apn")); // Work was removed meanwhile: kept as new
+    EXPECT_EQ(accounts(AppConfig().getUserApnList()), (std::vector<std::string>{"Home", "Mobile", "Work2"}));
+    tool.setDefaultUserApnItems(tool.getUserApnList()[1]); // Mobile, in the tool's view [Home, Mobile]
+    EXPECT_EQ(accounts(AppConfig().getUserApnList()), (std::vector<std::string>{"Mobile", "Home", "Work2"}));
 }
 
 TEST(AppConfig, CorruptFilesReadAsEmpty) {
@@ -337,7 +354,6 @@ TEST(AppConfig, FailedWritesAreLoggedAndMemoryKept) {
     EXPECT_EQ(config.getSMSValidityPeriod(), 5);
     config.addUserAPNItem(profile("Home", "home.apn"));
     EXPECT_EQ(config.getUserApnList().size(), 1);
-    EXPECT_EQ(config.writeUserApnListToFile(), 1);
     config.getFixApnByIMSI("460001234567890", "");
     EXPECT_EQ(config.writeUserIMSIApnListToFile(), 0);
     EXPECT_TRUE(QFileInfo(home.userFile("UserIMSIAPNList.plist")).isFile());
@@ -347,7 +363,7 @@ TEST(AppConfig, FailedWritesAreLoggedAndMemoryKept) {
     EXPECT_TRUE(text.contains("[-CNSLOG_ERROR-]: AppConfig.cpp:"));
     EXPECT_TRUE(text.contains("AppConfig::writeSystemConfigToFile VER:"));
     EXPECT_TRUE(text.contains("-->>: config file write error!!!\n"));
-    EXPECT_TRUE(text.contains("AppConfig::writeUserApnListToFile VER:"));
+    EXPECT_TRUE(text.contains("AppConfig::changeUserList VER:"));
     EXPECT_TRUE(text.contains("UserIMSIAPNList.plist is not a regular file, kept as"));
     EXPECT_TRUE(text.contains("-->>: file write error!!!\n"));
 }

@@ -158,6 +158,28 @@ TEST(MessagesGui, IncomingMessageIsListedAndAnnounced) {
     EXPECT_TRUE(notifier.lastText().startsWith(contact + ": Hello")) << notifier.lastText().toStdString();
 }
 
+// A burst announced at once, as real sticks do: the worker takes one announcement a second, so the tab
+// catches up by listing the storage again, and shows each message once.
+TEST(MessagesGui, BurstIsCaughtUpByListingTheStorageAgain) {
+    GuiWorld world;
+    ASSERT_TRUE(world.started());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    auto* messages = world.show<MessagesPlugin>("messages");
+    ASSERT_TRUE(messages);
+    messages->showFolder(MessagesPlugin::Sim);
+    ASSERT_TRUE(waitForGui([&] { return messages->listedCount() > 0; }, std::chrono::seconds(20)));
+    const int before = messages->listedCount();
+
+    constexpr int kBurst = 24; // the SIM's free places; one a second would take longer than the wait
+    ASSERT_TRUE(world.sim().control("set urc_mode immediate")["ok"].toBool());
+    for (int i = 0; i < kBurst; ++i)
+        ASSERT_TRUE(world.sim().control(QStringLiteral("sms +4915112345678 burst %1").arg(i))["ok"].toBool());
+    ASSERT_TRUE(waitForGui([&] { return messages->listedCount() >= before + kBurst; }, std::chrono::seconds(15)));
+    const QStringList texts = Column(messages, 2);
+    for (int i = 0; i < kBurst; ++i)
+        EXPECT_EQ(texts.count(QStringLiteral("burst %1").arg(i)), 1) << i;
+}
+
 TEST(MessagesGui, DeliveryReportIsShownOnTheSentMessage) {
     GuiWorld world;
     ASSERT_TRUE(world.started());

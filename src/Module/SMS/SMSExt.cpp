@@ -92,13 +92,19 @@ int SMSExt::list(const QString& imsi, std::list<TSMSRecordInPC>& records) {
     StoreLock fileLock(filePath()); // only to pick up a leftover of a killed write
     const QVariantList entries = readUnderLock().value(imsi).toList();
     QSet<QString> seen;
+    qsizetype wrong = 0;
     for (const QVariant& entry : entries) {
         TSMSRecordInPC record;
-        if (!readRecord(entry, record) || seen.contains(QString::fromStdString(record.strPdu).toUpper()))
+        if (!readRecord(entry, record)) {
+            ++wrong;
+            continue;
+        }
+        if (seen.contains(QString::fromStdString(record.strPdu).toUpper()))
             continue;
         seen.insert(QString::fromStdString(record.strPdu).toUpper());
         records.push_back(std::move(record));
     }
+    DamagedFile::reportWrongEntries(filePath(), kFileName, wrong);
     return 0;
 }
 

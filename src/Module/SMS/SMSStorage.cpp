@@ -6,6 +6,7 @@
 #include "StoreFile.h"
 #include "StoreLock.h"
 
+#include <QFileInfo>
 #include <QMetaType>
 #include <QSet>
 
@@ -78,6 +79,7 @@ void SMSStorage::readFile() {
     StoreFile::recoverLeftovers(_strFilePath, merge, [this, &merged] {
         return !merged || StoreFile::write(_strFilePath, _dictFile);
     });
+    qsizetype wrong = 0;
     for (Box& box : _boxes) {
         box.dictionaries.clear();
         const QVariant stored = _dictFile.value(box.fileKey);
@@ -86,11 +88,16 @@ void SMSStorage::readFile() {
                 // Anything but a message dictionary in a box is dropped.
                 if (entry.typeId() == QMetaType::QVariantMap) {
                     box.dictionaries.append(MessageItem::initWithDictionary(entry.toMap()));
+                } else {
+                    ++wrong;
                 }
             }
+        } else if (stored.isValid()) {
+            ++wrong; // a box that is no list
         }
         _dictFile.insert(box.fileKey, QVariantList());
     }
+    DamagedFile::reportWrongEntries(_strFilePath, QFileInfo(_strFilePath).fileName(), wrong);
     for (Box& box : _boxes) {
         initMessageItemListByBox(box);
     }

@@ -90,6 +90,14 @@ QVariantMap TrafficStatics::readDateTraffics() {
         writeDateTrafficsToDictionary(fresh, _strDateTrafficsPath);
     }
     _dictDateTraffics = PropertyList::readMap(_strDateTrafficsPath);
+    if (!_wrongDaysReported) {
+        // A day that is no dictionary of counters is skipped by every reader; said once per run.
+        _wrongDaysReported = true;
+        qsizetype wrong = 0;
+        for (auto it = _dictDateTraffics.cbegin(); it != _dictDateTraffics.cend(); ++it)
+            wrong += it.key() != kCreationTimeKey && it->typeId() != QMetaType::QVariantMap;
+        DamagedFile::reportWrongEntries(_strDateTrafficsPath, kDateTrafficsFileName, wrong);
+    }
     return _dictDateTraffics;
 }
 

@@ -105,4 +105,5 @@ private:
     QDateTime _DateResetTime;
     QString _strDateTrafficsPath;
     QVariantMap _dictDateTraffics;
+    bool _wrongDaysReported = false;
 };
