@@ -4,9 +4,9 @@
 #include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 #include <poll.h>
 #include <unistd.h>
-#include <utility>
 
 namespace modemsim {
 
