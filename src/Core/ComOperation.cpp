@@ -4,15 +4,19 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
+#include <strings.h>
 #include <sys/file.h>
 #include <termios.h>
 #include <unistd.h>
 #include <utility>
 
 namespace {
+
+constexpr const char* kLineDelimiter = "\r\n";
 
 // Lines of these kinds may arrive in the middle of any answer; the position is the report type.
 constexpr std::array<const char*, 8> kReportPrefixes = {
@@ -29,11 +33,45 @@ constexpr std::array<const char*, 8> kReportPrefixes = {
 // Searched in this order as plain substrings: "OK" inside a data line ends the command too.
 constexpr std::array<const char*, 4> kFinalResults = {"+CME ERROR:", "+CMS ERROR:", "ERROR", "OK"};
 
-constexpr const char* kLineDelimiter = "\r\n";
+// Errors some modems give for a command they do not know or cannot parse; matched as whole lines, since
+// the texts could stand inside a data line.
+constexpr std::array<const char*, 2> kErrorLines = {"COMMAND NOT SUPPORT", "TOO MANY PARAMETERS"};
+
+// The final results of a dial (D) or answer (A) command besides OK and the errors (V.250 6.3.1, 6.3.5).
+// Only these commands end with them: after a voice call's OK, or while no command runs, "NO CARRIER"
+// reports that a call ended and stays a report.
+constexpr std::array<const char*, 4> kCallResultLines = {"NO CARRIER", "BUSY", "NO ANSWER", "NO DIALTONE"};
+
 constexpr size_t kReadBufferSize = 5120;
 constexpr int kTimeOutsBeforeReopen = 40;
 
 int32_t g_nTimeOutCount = 0;
+
+// "ATD12345;\r", "ATDT...", "ATA\r" in any letter case; "ATD" never starts another command.
+bool IsCallSetup(const char* szCmd) {
+    if (strncasecmp(szCmd, "AT", 2) != 0)
+        return false;
+    const char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(szCmd[2])));
+    if (letter == 'D')
+        return true;
+    return letter == 'A' && (szCmd[3] == '\r' || szCmd[3] == '\0');
+}
+
+// True when text holds a whole line equal to line: at the start or behind a line feed, with "\r\n" after it.
+bool HasLine(const std::string& text, const char* line) {
+    const size_t nLength = std::strlen(line);
+    for (size_t nPos = text.find(line); nPos != std::string::npos; nPos = text.find(line, nPos + 1)) {
+        const bool blStarts = nPos == 0 || text[nPos - 1] == '\n';
+        if (blStarts && text.compare(nPos + nLength, 2, kLineDelimiter) == 0)
+            return true;
+    }
+    return false;
+}
+
+template <size_t N>
+bool HasAnyLine(const std::string& text, const std::array<const char*, N>& lines) {
+    return std::any_of(lines.begin(), lines.end(), [&text](const char* line) { return HasLine(text, line); });
+}
 
 bool IsNewMessageReport(unsolicited_report_e_type nType) {
     return nType == UNSOLICITED_REPORT_CMTI || nType == UNSOLICITED_REPORT_CDSI;
@@ -151,6 +189,7 @@ int32_t ComOperation::writeCom(const char* szCmd, const char* szExpected, int32_
         return 6;
     }
 
+    const bool blCallSetup = IsCallSetup(szCmd);
     std::array<char, kReadBufferSize> buffer;
     const int64_t nStart = NowTicks();
     for (;;) {
@@ -180,12 +219,14 @@ int32_t ComOperation::writeCom(const char* szCmd, const char* szExpected, int32_
             continue;
         }
 
-        checkUnsolicitedReport(strData, szExpected);
-        for (const char* szFinal : kFinalResults) {
-            if (strData.find(szFinal) != std::string::npos) {
-                strResponse = strData;
-                return 0;
-            }
+        checkUnsolicitedReport(strData, szExpected, blCallSetup);
+        const bool blFinal =
+            std::any_of(kFinalResults.begin(), kFinalResults.end(),
+                        [&strData](const char* szFinal) { return strData.find(szFinal) != std::string::npos; }) ||
+            HasAnyLine(strData, kErrorLines) || (blCallSetup && HasAnyLine(strData, kCallResultLines));
+        if (blFinal) {
+            strResponse = strData;
+            return 0;
         }
     }
 
@@ -223,10 +264,16 @@ void ComOperation::getUnsoliciteReportList(UnsolicitedReportList*& pReportList) 
     pReportList = &_lstReport;
 }
 
-void ComOperation::checkUnsolicitedReport(std::string& strData, const char* szExpected) {
+void ComOperation::checkUnsolicitedReport(std::string& strData, const char* szExpected, bool blCallSetup) {
     std::list<std::string> lstLines;
     for (size_t nType = 0; nType < kReportPrefixes.size(); ++nType) {
-        if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines) == 0)
+        // A dial or answer command ends with its own "NO CARRIER".
+        if (blCallSetup && nType == UNSOLICITED_REPORT_NO_CARRIER)
+            continue;
+        // USSD answers are each awaited by a request and never merged, so adjacent ones (the answer and a
+        // release notice in one read) are all cut out, in their order.
+        const bool blEvery = nType == UNSOLICITED_REPORT_CUSD;
+        if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines, blEvery) == 0)
             continue;
         for (const std::string& strLine : lstLines)
             queueReport(static_cast<unsolicited_report_e_type>(nType), strLine);
@@ -289,7 +336,7 @@ int stringHasSuffix(const char* szText, const char* szSuffix) {
 }
 
 int stringMatchStringLine(std::string& strData, const char* szExpected, const char* szPrefix,
-                          std::list<std::string>& lstLines) {
+                          std::list<std::string>& lstLines, bool blEveryLine) {
     lstLines.clear();
     if (szPrefix == nullptr || szPrefix[0] == '\0')
         return 0;
@@ -318,6 +365,10 @@ int stringMatchStringLine(std::string& strData, const char* szExpected, const ch
             // the erasure moved in front of it waits for the next answer.
             strData.erase(nStart, nLineFeed - nStart);
             DebugPrint("now strData=%s", strData.c_str());
+            if (blEveryLine) {
+                nPos = strData.find(szPrefix, nStart);
+                continue;
+            }
         }
         nPos = strData.find(szPrefix, nPos + nPrefix);
     }
