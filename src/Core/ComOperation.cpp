@@ -68,8 +68,7 @@ bool HasLine(const std::string& text, const char* line) {
     return false;
 }
 
-template <size_t N>
-bool HasAnyLine(const std::string& text, const std::array<const char*, N>& lines) {
+template <size_t N> bool HasAnyLine(const std::string& text, const std::array<const char*, N>& lines) {
     return std::any_of(lines.begin(), lines.end(), [&text](const char* line) { return HasLine(text, line); });
 }
 
@@ -220,10 +219,12 @@ int32_t ComOperation::writeCom(const char* szCmd, const char* szExpected, int32_
         }
 
         checkUnsolicitedReport(strData, szExpected, blCallSetup);
-        const bool blFinal =
-            std::any_of(kFinalResults.begin(), kFinalResults.end(),
-                        [&strData](const char* szFinal) { return strData.find(szFinal) != std::string::npos; }) ||
-            HasAnyLine(strData, kErrorLines) || (blCallSetup && HasAnyLine(strData, kCallResultLines));
+        const bool blFinal = std::any_of(kFinalResults.begin(), kFinalResults.end(),
+                                         [&strData](const char* szFinal) {
+                                             return strData.find(szFinal) != std::string::npos;
+                                         }) ||
+                             HasAnyLine(strData, kErrorLines) ||
+                             (blCallSetup && HasAnyLine(strData, kCallResultLines));
         if (blFinal) {
             strResponse = strData;
             return 0;

@@ -44,7 +44,8 @@ void SpaceAfterAnswerPrefixes(std::string& answer) {
         std::size_t end = at + 1;
         while (end < answer.size() && end - at <= kMaxPrefixName &&
                (std::isupper(static_cast<unsigned char>(answer[end])) ||
-                std::isdigit(static_cast<unsigned char>(answer[end])) || answer[end] == '$' || answer[end] == '^'))
+                std::isdigit(static_cast<unsigned char>(answer[end])) || answer[end] == '$' ||
+                answer[end] == '^'))
             ++end;
         if (end == at + 1 || end + 1 >= answer.size() || answer[end] != ':' || answer[end + 1] == ' ')
             continue;

@@ -83,7 +83,8 @@ std::string Utf8FromUnits(const std::u16string& units) {
     std::string text;
     for (std::size_t i = 0; i < units.size(); ++i) {
         char32_t cp = units[i];
-        if (cp >= 0xD800 && cp < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] < 0xE000)
+        if (cp >= 0xD800 && cp < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
+            units[i + 1] < 0xE000)
             cp = 0x10000 + ((cp - 0xD800) << 10) + (units[++i] - 0xDC00);
         else if (cp >= 0xD800 && cp < 0xE000)
             cp = 0xFFFD;
@@ -117,8 +118,9 @@ TNetworkListItem ReadCopsListItem(std::string_view text) {
     fields.resize(std::max<std::size_t>(fields.size(), 5));
     ReadAnswerInt(fields[0].c_str(), item.nState);
     const std::u16string numeric = Ucs2Units(fields[3]);
-    const bool ucs2 = !numeric.empty() && std::all_of(numeric.begin(), numeric.end(),
-                                                      [](char16_t unit) { return unit >= u'0' && unit <= u'9'; });
+    const bool ucs2 = !numeric.empty() && std::all_of(numeric.begin(), numeric.end(), [](char16_t unit) {
+        return unit >= u'0' && unit <= u'9';
+    });
     if (ucs2) {
         for (int i = 1; i <= 3; ++i)
             fields[i] = Utf8FromUnits(Ucs2Units(fields[i]));

@@ -293,8 +293,9 @@ void CUssdUility::DecodeReportString(const std::string& text, uint8_t dcs, int t
     int septetCount = count * 8 / 7;
     CSmsUtility::UnpackDefault7BitChars(octets, count, septetCount, static_cast<int>(sizeof septets), 0,
                                         septets);
-    // Seven spare bits at the end are padded with CR (3GPP TS 23.038 clause 6.1.2.3.1).
-    if (septetCount > 0 && count % 7 == 0 && septets[septetCount - 1] == '\r')
+    // Seven spare bits at the end hold CR as padding (3GPP TS 23.038 clause 6.1.2.3.1), or zeros.
+    if (septetCount > 0 && count % 7 == 0 &&
+        (septets[septetCount - 1] == '\r' || septets[septetCount - 1] == 0))
         --septetCount;
     for (int i = 0; i < septetCount; ++i) {
         wchar_t ch = Gsm7DefaultToUnicode(septets[i]);
