@@ -1,6 +1,7 @@
 #include "ComOperation.h"
 
 #include "DebugSink.h"
+#include "ModemDialect.h"
 
 #include <algorithm>
 #include <array>
@@ -272,9 +273,13 @@ void ComOperation::checkUnsolicitedReport(std::string& strData, const char* szEx
         if (blCallSetup && nType == UNSOLICITED_REPORT_NO_CARRIER)
             continue;
         // USSD answers are each awaited by a request and never merged, so adjacent ones (the answer and a
-        // release notice in one read) are all cut out, in their order.
-        const bool blEvery = nType == UNSOLICITED_REPORT_CUSD;
-        if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines, blEvery) == 0)
+        // release notice in one read) are all cut out, in their order. A standard stick's own answer to
+        // AT+CUSD? is the last such line; the first one is the answer on the stick this was written for.
+        ReportLineCut nCut = ReportLineCut::EveryOther;
+        if (nType == UNSOLICITED_REPORT_CUSD)
+            nCut = CurrentModemDialect() == ModemDialect::Standard ? ReportLineCut::EveryOwnAnswerLast
+                                                                   : ReportLineCut::Every;
+        if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines, nCut) == 0)
             continue;
         for (const std::string& strLine : lstLines)
             queueReport(static_cast<unsolicited_report_e_type>(nType), strLine);
@@ -337,7 +342,7 @@ int stringHasSuffix(const char* szText, const char* szSuffix) {
 }
 
 int stringMatchStringLine(std::string& strData, const char* szExpected, const char* szPrefix,
-                          std::list<std::string>& lstLines, bool blEveryLine) {
+                          std::list<std::string>& lstLines, ReportLineCut nCut) {
     lstLines.clear();
     if (szPrefix == nullptr || szPrefix[0] == '\0')
         return 0;
@@ -347,6 +352,12 @@ int stringMatchStringLine(std::string& strData, const char* szExpected, const ch
     const size_t nPrefix = std::strlen(szPrefix);
     const bool blOwnAnswerPrefix = szExpected != nullptr && std::strstr(szExpected, szPrefix) != nullptr;
     bool blOwnAnswerSeen = false;
+    size_t nOwnAnswer = strData.find(szPrefix);
+    if (nCut == ReportLineCut::EveryOwnAnswerLast) {
+        // "+CUSD: 0,\"Bye\",15" then "+CUSD: 1" and OK for AT+CUSD?: the line that came first is a report.
+        const size_t nOk = strData.find("\r\nOK\r\n");
+        nOwnAnswer = strData.rfind(szPrefix, nOk == std::string::npos ? std::string::npos : nOk);
+    }
 
     size_t nPos = strData.find(szPrefix);
     while (nPos != std::string::npos) {
@@ -358,7 +369,7 @@ int stringMatchStringLine(std::string& strData, const char* szExpected, const ch
         }
         const size_t nLineFeed = nEnd + 1;
 
-        if (blOwnAnswerPrefix && !blOwnAnswerSeen) {
+        if (blOwnAnswerPrefix && !blOwnAnswerSeen && nPos == nOwnAnswer) {
             blOwnAnswerSeen = true;
         } else {
             lstLines.push_back(strData.substr(nStart, nLineFeed - nStart + 1));
@@ -366,7 +377,9 @@ int stringMatchStringLine(std::string& strData, const char* szExpected, const ch
             // the erasure moved in front of it waits for the next answer.
             strData.erase(nStart, nLineFeed - nStart);
             DebugPrint("now strData=%s", strData.c_str());
-            if (blEveryLine) {
+            if (nCut != ReportLineCut::EveryOther) {
+                if (nOwnAnswer != std::string::npos && nOwnAnswer > nStart)
+                    nOwnAnswer -= nLineFeed - nStart;
                 nPos = strData.find(szPrefix, nStart);
                 continue;
             }

@@ -110,7 +110,8 @@ int stringHasSuffix(const char* szText, const char* szSuffix);
 // Moves every line holding szPrefix, with the "\r\n" before and after it, from strData to lstLines
 // (emptied first) and returns how many. The first such line stays when szExpected contains szPrefix:
 // it is the command's own answer. A line without a "\r\n" on either side ends the search with 0; lines
-// already taken out in that call are lost. Without blEveryLine, of adjacent lines only every other one
-// is moved; with it, each one in turn.
+// already taken out in that call are lost. nCut: EveryOther moves only every other one of adjacent lines;
+// Every moves each in turn; EveryOwnAnswerLast too, and the line that stays is the last one before "OK".
+enum class ReportLineCut { EveryOther, Every, EveryOwnAnswerLast };
 int stringMatchStringLine(std::string& strData, const char* szExpected, const char* szPrefix,
-                          std::list<std::string>& lstLines, bool blEveryLine = false);
+                          std::list<std::string>& lstLines, ReportLineCut nCut = ReportLineCut::EveryOther);
