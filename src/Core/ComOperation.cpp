@@ -268,24 +268,25 @@ void ComOperation::getUnsoliciteReportList(UnsolicitedReportList*& pReportList) 
 
 void ComOperation::checkUnsolicitedReport(std::string& strData, const char* szExpected, bool blCallSetup) {
     std::list<std::string> lstLines;
+    const bool blStandard = CurrentModemDialect() == ModemDialect::Standard;
     for (size_t nType = 0; nType < kReportPrefixes.size(); ++nType) {
         // A dial or answer command ends with its own "NO CARRIER".
         if (blCallSetup && nType == UNSOLICITED_REPORT_NO_CARRIER)
             continue;
-        // USSD answers are each awaited by a request and never merged, so adjacent ones (the answer and a
-        // release notice in one read) are all cut out, in their order. A standard stick's own answer to
-        // AT+CUSD? is the last such line; the first one is the answer on the stick this was written for.
-        ReportLineCut nCut = ReportLineCut::EveryOther;
+        // A standard stick's adjacent reports are each cut out. On the stick this was written for only every
+        // other one is; a new-message line left behind is flagged below and its message listed again.
+        // USSD answers are each awaited by a request and never merged, so they are all cut out, in their
+        // order, on every stick. A standard stick's own answer to AT+CUSD? is the last such line; the
+        // first one is, on the stick this was written for.
+        ReportLineCut nCut = blStandard ? ReportLineCut::Every : ReportLineCut::EveryOther;
         if (nType == UNSOLICITED_REPORT_CUSD)
-            nCut = CurrentModemDialect() == ModemDialect::Standard ? ReportLineCut::EveryOwnAnswerLast
-                                                                   : ReportLineCut::Every;
+            nCut = blStandard ? ReportLineCut::EveryOwnAnswerLast : ReportLineCut::Every;
         if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines, nCut) == 0)
             continue;
         for (const std::string& strLine : lstLines)
             queueReport(static_cast<unsolicited_report_e_type>(nType), strLine);
     }
-    // Of adjacent report lines one pass cuts every other one; a new-message line left in the answer is
-    // missed here, though its message stays stored.
+    // A new-message line left in the answer is missed here, though its message stays stored.
     for (const unsolicited_report_e_type nType : {UNSOLICITED_REPORT_CMTI, UNSOLICITED_REPORT_CDSI}) {
         const char* szPrefix = kReportPrefixes[nType];
         const bool blOwnAnswer = szExpected != nullptr && std::strstr(szExpected, szPrefix) != nullptr;

@@ -13,9 +13,9 @@
 #include "ComOperation.h"
 #include "DebugSink.h"
 #include "ModemDialect.h"
+#include "NetworkAnswerParsers.h"
 #include "NetworkUtility.h"
 #include "PtyPeer.h"
-#include "ScriptedAtFake.h"
 #include "SmsUtility.h"
 #include "UssdUtility.h"
 
@@ -26,7 +26,6 @@ using Reports = std::vector<std::pair<int, std::string>>;
 constexpr auto kVel = ModemDialect::Vel;
 constexpr auto kStandard = ModemDialect::Standard;
 
-// The host's execute-AT callback in small.
 int ChannelExecAT(const char* command, const char* expected, int timeoutMs, const std::list<std::string>&,
                   std::string& response) {
     const int code =
@@ -63,22 +62,14 @@ TEST_F(AnswerVariants, ChannelEndsCommandsAtOnce) {
     const auto signal = [&] { return network.GetSignalDBValue(value); };
     const auto reg = [&] { return network.GetRegState(0, value) == 0 ? value : -1; };
     const std::string cusd0 = "\r\n+CUSD: 0,\"Balance 5.00\",15\r\n";
-    struct Row {
-        const char* kind;
-        ModemDialect dialect;
-        const char* command;
-        std::string answer;
-        std::function<int()> run;
-        int result;
-        Reports reports;
-    };
     // clang-format off
-    const Row rows[] = {
+    const struct { const char* kind; ModemDialect dialect; const char* command; std::string answer; std::function<int()> run; int result; Reports reports; } rows[] = {
         {"HSPA stick dialling a busy line", kVel, "ATD10086;\r", "\r\nBUSY\r\n", dial, 27, {}},
         {"UMTS stick whose callee does not answer", kStandard, "ATD10086;\r", "\r\nNO ANSWER\r\n", dial, 26, {}},
         {"stick without a voice line, echo on", kStandard, "ATD10086;\r", "ATD10086;\r\r\nNO DIALTONE\r\n", dial, 28, {}},
         {"stick whose call fails to connect", kVel, "ATD10086;\r", "\r\nNO CARRIER\r\n", dial, 25, {}},
         {"call ended during another command", kVel, "AT+CLCC\r", "\r\nNO CARRIER\r\n\r\nOK\r\n", [&] { return call.CheckCallState(calls); }, 0, {{UNSOLICITED_REPORT_NO_CARRIER, "\r\nNO CARRIER\r\n"}}},
+        {"stick sending two new-message reports at once", kStandard, "AT+CSQ\r", "\r\n+CMTI: \"SM\",1\r\n\r\n+CMTI: \"SM\",2\r\n\r\n+CSQ: 20,99\r\n\r\nOK\r\n", signal, 0, {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",1\r\n"}, {UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",2\r\n"}}},
         {"3G module refusing unknown commands", kStandard, "AT+CSQ\r", "\r\nCOMMAND NOT SUPPORT\r\n", signal, 1, {}},
         {"module refusing extra parameters", kVel, "AT+CSQ\r", "\r\nTOO MANY PARAMETERS\r\n", signal, 1, {}},
         {"USSD answer and release notices in one read", kStandard, "AT+CUSD=1\r", "\r\nOK\r\n" + cusd0 + "\r\n+CUSD: 2\r\n\r\n+CUSD: 4\r\n", [&] { return ussd.SetUssdState(value = 1); }, 0,
@@ -92,7 +83,7 @@ TEST_F(AnswerVariants, ChannelEndsCommandsAtOnce) {
     SetDebugSink(nullptr);
     PtyPeer peer;
     ASSERT_EQ(ComOperation::GetInstance()->openCom(peer.slavePath().c_str()), 0);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.kind);
         SetModemDialect(row.dialect);
         peer.expect(row.command, row.answer);
@@ -108,14 +99,8 @@ TEST_F(AnswerVariants, ChannelEndsCommandsAtOnce) {
 }
 
 TEST_F(AnswerVariants, UssdTextForms) {
-    struct Row {
-        const char* kind;
-        int teSet;
-        const char* line;
-        const wchar_t* text;
-    };
     // clang-format off
-    const Row rows[] = {
+    const struct { const char* kind; int teSet; const char* line; const wchar_t* text; } rows[] = {
         {"HSPA stick that answers IRA text", USSD_TE_IRA, "+CUSD: 0,\"Balance: 5.00 EUR\",15", L"Balance: 5.00 EUR"},
         {"stick that leaves out the dcs", USSD_TE_IRA, "+CUSD: 1,\"Reply 1 or 2\"", L"Reply 1 or 2"},
         {"stick that leaves out the dcs and the blank, hex text", USSD_TE_GSM, "+CUSD:0,\"4869\"\r\n", L"Hi"},
@@ -126,7 +111,7 @@ TEST_F(AnswerVariants, UssdTextForms) {
         {"UCS2 answer outside the BMP", USSD_TE_UCS2, "+CUSD: 0,\"D83DDE00\",72", L"\U0001F600"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         TUssdItem item;
         EXPECT_EQ(CUssdUility::ParseCusdReport(row.line, row.teSet, item), 0) << row.kind;
         EXPECT_EQ(item.wstrContent, row.text) << row.kind;
@@ -134,23 +119,17 @@ TEST_F(AnswerVariants, UssdTextForms) {
 }
 
 TEST_F(AnswerVariants, OperatorListFieldByField) {
-    const std::string ucs2Name =
-        "00540065006C00650063006F006D0020004F00700065007200610074006F00720020004E0061006D0065";
     // clang-format off
     const std::pair<std::string, std::vector<std::string>> rows[] = {
         {"(2,\"T - Mobile\",,\"31026\"),,(0,1,2,3,4),(0,1,2)", {"T - Mobile||31026|3"}},
-        {"(1,\"" + ucs2Name + "\",\"0041\",\"00300030003100300031\",2)", {"Telecom Operator|A|00101|2"}},
+        {"(1,\"00540065006C00650063006F006D0020004F00700065007200610074006F00720020004E0061006D0065\",\"0041\",\"00300030003100300031\",2)", {"Telecom Operator|A|00101|2"}},
         {"(1,\"Acme Telecommunications Group\",\"ACME\",\"00101\",2),( 3, \"Op (W)\" ,\"W,1\",00102 )", {"Acme Telecommuni|ACME|00101|2", "Op (W)|W,1|00102|3"}},
         {"(1,\"A\",\"A\",\"00101\",2),(1,\"B\"", {"A|A|00101|2"}},
     };
     // clang-format on
     for (const auto& [list, expected] : rows) {
-        ScriptedAtFake fake;
-        fake.Expect("AT+COPS=?\r", "\r\n+COPS: " + list + "\r\n\r\nOK\r\n");
-        CNetworkUtility network;
-        network.RegisterExecAT(ScriptedAtFake::Callback());
         std::list<TNetworkListItem> items;
-        EXPECT_EQ(network.GetList(items), 0);
+        EXPECT_EQ(ParseCopsListAnswer("\r\n+COPS: " + list + "\r\n\r\nOK\r\n", items), 0);
         std::vector<std::string> read;
         for (const TNetworkListItem& item : items)
             read.push_back(std::string(item.szLongName) + "|" + item.szShortName + "|" + item.szNumericName +
@@ -160,14 +139,12 @@ TEST_F(AnswerVariants, OperatorListFieldByField) {
 }
 
 TEST_F(AnswerVariants, MessageListSkipsAnEntryItCannotRead) {
-    const std::string hello = "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37";
+    const std::string hello = "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37\r\n";
+    const std::string answer = "\r\n+CMGL: 1,1,,28\r\n" + hello +
+                               "+CMGL: 2,1,,28\r\n0791ZZ\r\n+CMGL: 3,1\r\n" + hello + "+CMGL: 4,1,,28\r\n" +
+                               hello + "\r\nOK\r\n";
     std::list<TMessageListBaseItem> messages;
-    EXPECT_EQ(CSmsUtility::DecodePduModeCMGL("\r\n+CMGL: 1,1,,28\r\n" + hello +
-                                                 "\r\n+CMGL: 2,1,,28\r\n0791ZZ\r\n"
-                                                 "+CMGL: 3,1\r\n" +
-                                                 hello + "\r\n+CMGL: 4,1,,28\r\n" + hello + "\r\n\r\nOK\r\n",
-                                             messages),
-              0);
+    EXPECT_EQ(CSmsUtility::DecodePduModeCMGL(answer, messages), 0);
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_EQ(messages.back().nIndex, 4u);
 }
