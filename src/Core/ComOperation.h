@@ -9,8 +9,8 @@
 // It writes one command at a time, collects the answer until a final result ("+CME ERROR:", "+CMS ERROR:",
 // "ERROR", "OK", searched as plain substrings; the lines "COMMAND NOT SUPPORT" and "TOO MANY PARAMETERS";
 // for a dial or answer command also the lines "NO CARRIER", "BUSY", "NO ANSWER", "NO DIALTONE", which stay
-// in its answer) or the "> " text prompt arrives, and cuts the unsolicited
-// lines it recognises out of the answer into a queue that the worker drains.
+// in its answer) or the "> " text prompt arrives, and cuts the unsolicited lines it recognises out of the
+// answer into a queue that the worker drains.
 //
 // The queue keeps what a burst must not cost. A line identical to one still queued carries nothing new and
 // is merged into it: a RING train becomes one RING, and a repeated "+CMTI: \"SM\",3" names the same
@@ -66,8 +66,9 @@ public:
     int32_t closeCom();
     // Writes szCmd (with its own terminator) and waits at most nTimeOut seconds, in 1/60 s ticks, for
     // the answer. szExpected is the prefix of the command's own answer (e.g. "+CUSD: "), or nullptr:
-    // the first line with a report prefix it contains stays in the response. Every 41st time-out in the
-    // life of the process closes and reopens the port at the stored path.
+    // the first line with a report prefix it contains stays in the response (for a standard stick's
+    // "+CUSD: " the last one before OK). Every 41st time-out in the life of the process closes and
+    // reopens the port at the stored path.
     int32_t writeCom(const char* szCmd, const char* szExpected, int32_t nTimeOut, std::string& strResponse);
     // Asks the command in progress to stop with 9; without one, the next command stops at its first poll.
     // The only call that may come from another thread.
