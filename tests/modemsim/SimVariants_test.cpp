@@ -26,7 +26,7 @@ const std::string kNumberUcs2 =
 
 TEST(SimVariantsTest, AnswersAsTheKnobsSay) {
     const std::string ucs2Scan =
-        "+COPS: (2,\"" + kVodafoneUcs2 + "\",\"0076006F00640061002000440045\",\"26202\",2)";
+        "+COPS: (2,\"" + kVodafoneUcs2 + "\",\"0076006F00640061002000440045\",\"00320036003200300032\",2)";
     const std::string ucs2Lang = "+CUSD: 0,\"6537" + kNumberUcs2 + "\",17\r\n";
     // clang-format off
     const Row rows[] = {
