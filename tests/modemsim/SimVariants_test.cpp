@@ -3,13 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "SimControl.h"
-#include "SimScenario.h"
 #include "SimTestSupport.h"
 
 namespace modemsim::test {
 namespace {
-
-using nlohmann::json;
 
 struct Row {
     std::vector<const char*> before; // "AT..." goes to the port (its answer is dropped), the rest to control
@@ -81,32 +78,6 @@ TEST(SimVariantsTest, AnswersAsTheKnobsSay) {
         } else {
             EXPECT_NE(answer.find(row.expected), std::string::npos) << row.command << ": " << answer;
         }
-    }
-}
-
-TEST(SimVariantsTest, KnobsAreCheckedInScenariosAndControl) {
-    struct Bad {
-        const char* scenario;
-        const char* control;
-    };
-    // clang-format off
-    const Bad rows[] = {
-        {R"({"dialect":"other"})", "set dialect other"},
-        {R"({"knobs":{"unsupported_answer":"NO"}})", "set unsupported_answer NO"},
-        {R"({"knobs":{"ussd_format":"base64"}})", "set ussd_format base64"},
-        {R"({"knobs":{"scan_format":7}})", "set scan_format 7"},
-        {R"({"knobs":{"refuse":["CSCB"]}})", "set refuse CSCB"},
-        {R"({"knobs":{"cpbr_entry":"odd"}})", "set cmgl_bad_pdu 2"},
-    };
-    // clang-format on
-    for (const Bad& row : rows) {
-        SimState state;
-        std::string error;
-        json scenario = BuiltinScenario();
-        scenario.merge_patch(json::parse(row.scenario));
-        EXPECT_FALSE(BuildState(scenario, state, error)) << row.scenario;
-        ModemHarness h(ModemHarness::Builtin());
-        EXPECT_EQ(ExecuteControl(row.control, h.modem, {}).value("ok", true), false) << row.control;
     }
 }
 
