@@ -118,9 +118,7 @@ TEST(SimFaultKnobsTest, ControlSettingsAreChecked) {
         {"set unplug_on AT+CMGS=", true},
         {"set unsupported_answer NO", false},
         {"set ussd_format base64", false},
-        {"set cpbr_entry odd", false},
         {"set cmgl_bad_pdu 2", false},
-        {"set refuse +CSCB,+CMMS", true},
     };
     ModemHarness h(ModemHarness::Builtin());
     for (const Row& row : rows) {

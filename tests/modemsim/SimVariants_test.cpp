@@ -30,7 +30,6 @@ TEST(SimVariantsTest, AnswersAsTheKnobsSay) {
         {{"set dialect standard"}, "AT+PNNM?", 0, true, "\r\nERROR\r\n"},
         {{"set dialect standard"}, "AT+CGMI;$GPSC=1,1", 0, true, "\r\nSIMULATED\r\n\r\nERROR\r\n"},
         {{"set dialect standard", "set unsupported_answer COMMAND NOT SUPPORT"}, "AT+SYSSEL?", 0, true, "\r\nCOMMAND NOT SUPPORT\r\n"},
-        {{"set unsupported_answer TOO MANY PARAMETERS"}, "AT+NOSUCH", 0, true, "\r\nTOO MANY PARAMETERS\r\n"},
         {{"set unsupported_answer +CME ERROR"}, "AT+NOSUCH", 0, true, "\r\n+CME ERROR: 4\r\n"},
         {{"set refuse +CSCB, +cmms"}, "AT+CMMS=1", 0, true, "\r\nERROR\r\n"},
         {{"set dialect vel"}, "AT+PNNM?", 0, true, "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n"},
