@@ -112,7 +112,7 @@ bool ModemPresent() {
     QString dialName;
     QString atName;
     return DeviceUtility::getModemDeviceName(dialName, atName) && !atName.isEmpty() &&
-           access((DeviceUtility::deviceDir() + "/" + atName).toLocal8Bit().constData(), F_OK) == 0;
+           access(DeviceUtility::portPath(atName).toLocal8Bit().constData(), F_OK) == 0;
 }
 
 // Is the file locked by another process, the way the modem link locks its port?
@@ -202,7 +202,7 @@ int ModemSession::diagnoseOpenFailure(int code) {
     QString atName;
     const bool found = DeviceUtility::getModemDeviceName(dialName, atName);
     if (code == WORKER_ERR_COM_OPEN_FAILED && found) {
-        const std::string port = (DeviceUtility::deviceDir() + "/" + atName).toStdString();
+        const std::string port = DeviceUtility::portPath(atName).toStdString();
         if (HeldByAnotherProgram(port))
             return ReportFailure(_context, code, "the modem is in use by another program: " + port);
         return ReportFailure(_context, code, "the modem's port " + port + " could not be opened");

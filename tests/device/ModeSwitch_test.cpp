@@ -1,3 +1,4 @@
+#include "ChildProcess.h"
 #include "DeviceTestSupport.h"
 #include "DeviceUtility.h"
 
@@ -18,9 +19,39 @@ protected:
         testbed.emplace();
         world.env.set("DIALTONE_MOUNTS", world.path("mounts"));
         world.env.set("DIALTONE_EJECT", world.standIn("eject"));
-        world.env.set("DIALTONE_MODESWITCH", world.standIn("switch"));
+        world.env.set("DIALTONE_MODESWITCH", switchStandIn());
         world.env.set("DIALTONE_OPEN", world.standIn("open"));
+        world.env.set("DIALTONE_MODESWITCH_DATA", switchData());
         TempWorld::writeFile(world.path("mounts"), "proc /proc proc rw 0 0\n");
+    }
+
+    // usb_modeswitch logs its arguments, the configuration file by its name and content.
+    QString switchStandIn() {
+        const QString script = world.path("switch.sh");
+        TempWorld::writeFile(script,
+                             QStringLiteral("#!/bin/sh\nline=switch\n"
+                                            "while [ $# -gt 0 ]; do\n"
+                                            "  if [ \"$1\" = -c ]; then line=\"$line -c $(basename \"$2\"): "
+                                            "$(cat \"$2\")\"; shift; else line=\"$line $1\"; fi; shift\n"
+                                            "done\necho \"$line\" >> '%1'\n")
+                                 .arg(world.log())
+                                 .toLocal8Bit());
+        QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return script;
+    }
+    // A switch data pack as usb-modeswitch-data ships it, with entries for the two storage ids.
+    QString switchData() {
+        const QString folder = world.path("data");
+        QDir().mkpath(folder);
+        TempWorld::writeFile(folder + "/1bbb:f000", "MessageContent=\"5553424312345678\"");
+        TempWorld::writeFile(folder + "/1bbb:f017", "StandardEject=1");
+        TempWorld::writeFile(folder + "/1bbb:f017:uMa=Other", "wrong variant");
+        const QString pack = world.path("configPack.tar.gz");
+        EXPECT_EQ(
+            ChildProcess::run(
+                "tar", {"-czf", pack, "-C", folder, "1bbb:f000", "1bbb:f017", "1bbb:f017:uMa=Other"}, 10000),
+            0);
+        return pack;
     }
 
     // The storage personality: a CD-ROM and, optionally, a memory card with one partition.
@@ -45,10 +76,9 @@ protected:
 };
 
 QString switchLine(const char* product, int devnum) {
-    return QStringLiteral("switch -v 0x1bbb -p 0x%1 -b 1 -g %2 -V 0x1bbb -P 0x0017 -M "
-                          "55534243123456788000000080000606f50402527000000000000000000000")
-        .arg(product)
-        .arg(devnum);
+    const QString config = QString(product) == "f000" ? "1bbb:f000: MessageContent=\"5553424312345678\""
+                                                      : "1bbb:f017: StandardEject=1";
+    return QStringLiteral("switch -v 0x1bbb -p 0x%1 -b 1 -g %2 -c %3").arg(product).arg(devnum).arg(config);
 }
 
 TEST_F(ModeSwitch, NothingToSwitch) {
@@ -88,6 +118,17 @@ TEST_F(ModeSwitch, PicksOnlyTheStoragePersonality) {
 
     world.env.set("DIALTONE_MODESWITCH", world.standIn("failing-switch", 1));
     EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
+}
+
+// A table stick whose storage id the switch data lacks is not switched; usb_modeswitch is not run.
+TEST_F(ModeSwitch, NoSwitchDataNoSwitch) {
+    const QString usb = testbed->addUsbDevice("1-2", "12d1", "1446", 5);
+    testbed->addBlock(testbed->addScsiDevice(usb, "50", "HUAWEI", "Mass Storage"), "sr5", "disk", true);
+    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
+    world.env.set("DIALTONE_MODESWITCH_DATA", world.path("missing.tar.gz"));
+    addStorageStick("1-3", "f000", 6, false);
+    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
+    EXPECT_TRUE(programLog().isEmpty());
 }
 
 // The card volume: found by its media name on a mounted leaf, never on a CD-ROM, whatever its name.
