@@ -89,6 +89,32 @@ QString Testbed::addModemRecord(const QString& name) {
     return "/sys" + QString::fromLatin1(base);
 }
 
+QString Testbed::addStickRecord(const QString& name, const char* vendor, const char* product,
+                                const QList<int>& interfaces, int firstTty) {
+    const QByteArray base = "/devices/pci0000:00/usb1/" + name.toLatin1();
+    QByteArray record = "P: " + base + "\nE: DEVTYPE=usb_device\nE: SUBSYSTEM=usb\nA: idVendor=" + vendor +
+                        "\nA: idProduct=" + product + "\nA: busnum=1\nA: devnum=4\nA: devpath=3\n\n";
+    for (int i = 0; i < interfaces.size(); ++i) {
+        const QByteArray number = QByteArray::number(interfaces[i], 16).rightJustified(2, '0');
+        const QByteArray interface = base + "/" + name.toLatin1() + ":1." + QByteArray::number(interfaces[i]);
+        const QByteArray tty = "ttyUSB" + QByteArray::number(firstTty + i);
+        record += "P: " + interface + "\nE: DEVTYPE=usb_interface\nE: SUBSYSTEM=usb\nE: DRIVER=option\n" +
+                  "A: bInterfaceNumber=" + number + "\n\nP: " + interface + "/" + tty + "/tty/" + tty +
+                  "\nN: " + tty + "\nE: DEVNAME=/dev/" + tty + "\nE: SUBSYSTEM=tty\n\n";
+    }
+    GError* error = nullptr;
+    EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))
+        << (error ? error->message : "");
+    if (error) {
+        g_error_free(error);
+    }
+    return "/sys" + QString::fromLatin1(base);
+}
+
+int Testbed::ttyMaster(const QString& devnode) {
+    return umockdev_testbed_get_dev_fd(_testbed, devnode.toLocal8Bit().constData());
+}
+
 void Testbed::uevent(const QString& syspath, const char* action) {
     umockdev_testbed_uevent(_testbed, syspath.toLocal8Bit().constData(), action);
 }

@@ -24,6 +24,11 @@ public:
     QString addBlock(const QString& parent, const QString& name, const char* devtype, bool cdrom);
     // The modem personality from umockdev's record format, with an interface and a tty child; no "add".
     QString addModemRecord(const QString& name);
+    // A stick from the record format: one interface per number, each with a tty ttyUSB<first + i>
+    // (a pty: ttyMaster gives its other end); no "add".
+    QString addStickRecord(const QString& name, const char* vendor, const char* product,
+                           const QList<int>& interfaces, int firstTty);
+    int ttyMaster(const QString& devnode);
     void uevent(const QString& syspath, const char* action);
     void remove(const QString& syspath);
 
