@@ -90,7 +90,7 @@ QString Testbed::addModemRecord(const QString& name) {
 }
 
 QString Testbed::addStickRecord(const QString& name, const char* vendor, const char* product,
-                                const QList<int>& interfaces, int firstTty) {
+                                const QList<int>& interfaces, int firstTty, const QByteArray& ttyProperties) {
     const QByteArray base = "/devices/pci0000:00/usb1/" + name.toLatin1();
     QByteArray record = "P: " + base + "\nE: DEVTYPE=usb_device\nE: SUBSYSTEM=usb\nA: idVendor=" + vendor +
                         "\nA: idProduct=" + product + "\nA: busnum=1\nA: devnum=4\nA: devpath=3\n\n";
@@ -100,7 +100,7 @@ QString Testbed::addStickRecord(const QString& name, const char* vendor, const c
         const QByteArray tty = "ttyUSB" + QByteArray::number(firstTty + i);
         record += "P: " + interface + "\nE: DEVTYPE=usb_interface\nE: SUBSYSTEM=usb\nE: DRIVER=option\n" +
                   "A: bInterfaceNumber=" + number + "\n\nP: " + interface + "/" + tty + "/tty/" + tty +
-                  "\nN: " + tty + "\nE: DEVNAME=/dev/" + tty + "\nE: SUBSYSTEM=tty\n\n";
+                  "\nN: " + tty + "\nE: DEVNAME=/dev/" + tty + "\nE: SUBSYSTEM=tty\n" + ttyProperties + "\n";
     }
     GError* error = nullptr;
     EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))

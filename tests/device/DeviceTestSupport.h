@@ -27,7 +27,7 @@ public:
     // A stick from the record format: one interface per number, each with a tty ttyUSB<first + i>
     // (a pty: ttyMaster gives its other end); no "add".
     QString addStickRecord(const QString& name, const char* vendor, const char* product,
-                           const QList<int>& interfaces, int firstTty);
+                           const QList<int>& interfaces, int firstTty, const QByteArray& ttyProperties = {});
     int ttyMaster(const QString& devnode);
     void uevent(const QString& syspath, const char* action);
     void remove(const QString& syspath);
