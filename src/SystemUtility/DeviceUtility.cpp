@@ -49,12 +49,6 @@ QString boundedText(const char* text, int limit = 64) {
     return QString::fromLocal8Bit(text, static_cast<qsizetype>(strnlen(text, limit))).trimmed();
 }
 
-bool usbIdOf(udev_device* usbDevice, UsbId& id) {
-    return UsbId::parse(boundedText(udev_device_get_sysattr_value(usbDevice, "idVendor"), 8) + ':' +
-                            boundedText(udev_device_get_sysattr_value(usbDevice, "idProduct"), 8),
-                        id);
-}
-
 // usb_modeswitch with the configuration its own data has for the storage id.
 bool switchToModem(udev_device* usbDevice, UsbId storageId, int& status) {
     const QTemporaryDir folder;
@@ -92,7 +86,7 @@ void chooseDialectForPort(const QString& port) {
     udev_device* usb =
         tty ? udev_device_get_parent_with_subsystem_devtype(tty.get(), "usb", "usb_device") : nullptr;
     UsbId id;
-    if (usb == nullptr || !usbIdOf(usb, id)) {
+    if (usb == nullptr || !UsbId::ofDevice(usb, id)) {
         return;
     }
     const ModemTable table = ModemTable::installed();
@@ -213,7 +207,7 @@ int DeviceUtility::switchDiskToUSBModem() {
         }
         const QString parentPath = QString::fromLocal8Bit(udev_device_get_syspath(parent));
         UsbId storageId;
-        if (!usbIdOf(parent, storageId) || table.findStorage(storageId) == nullptr ||
+        if (!UsbId::ofDevice(parent, storageId) || table.findStorage(storageId) == nullptr ||
             done.contains(parentPath)) {
             continue;
         }

@@ -50,13 +50,8 @@ UsbView lookAtUsb(const ModemTable& table) {
             if (device == nullptr) {
                 continue;
             }
-            auto attribute = [&](const char* name) {
-                const char* text = udev_device_get_sysattr_value(device, name);
-                return text != nullptr ? QString::fromLatin1(text, qsizetype(strnlen(text, 8))).trimmed()
-                                       : QString();
-            };
             UsbId id;
-            if (UsbId::parse(attribute("idVendor") + ':' + attribute("idProduct"), id)) {
+            if (UsbId::ofDevice(device, id)) {
                 if (table.findModem(id) != nullptr) {
                     view.modems << id;
                 } else if (table.findStorage(id) != nullptr) {

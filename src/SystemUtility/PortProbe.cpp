@@ -30,11 +30,6 @@ QString sysattr(udev_device* device, const char* name) {
                            : QString();
 }
 
-bool usbIdOf(udev_device* usbDevice, UsbId& id) {
-    return UsbId::parse(sysattr(usbDevice, "idVendor") + QLatin1Char(':') + sysattr(usbDevice, "idProduct"),
-                        id);
-}
-
 bool isModemTty(const char* name) {
     return name != nullptr && (std::strncmp(name, "ttyUSB", 6) == 0 || std::strncmp(name, "ttyACM", 6) == 0);
 }
@@ -84,7 +79,7 @@ QList<PortProbe::Stick> PortProbe::sticksWithTtys(udev* context) {
         const char* devnode = udev_device_get_devnode(tty);
         UsbId id;
         if (usb != nullptr && interface != nullptr && devnode != nullptr &&
-            isModemTty(udev_device_get_sysname(tty)) && usbIdOf(usb, id)) {
+            isModemTty(udev_device_get_sysname(tty)) && UsbId::ofDevice(usb, id)) {
             Stick& stick = sticks[QString::fromLocal8Bit(udev_device_get_syspath(usb))];
             stick.id = id;
             stick.syspath = QString::fromLocal8Bit(udev_device_get_syspath(usb));

@@ -1,5 +1,9 @@
 #include "UsbId.h"
 
+#include <libudev.h>
+
+#include <cstring>
+
 namespace {
 
 bool parseHex16(QStringView text, uint16_t& value) {
@@ -22,4 +26,12 @@ bool UsbId::parse(QStringView text, UsbId& id) {
     }
     id = parsed;
     return true;
+}
+
+bool UsbId::ofDevice(udev_device* usbDevice, UsbId& id) {
+    auto attribute = [usbDevice](const char* name) {
+        const char* text = usbDevice != nullptr ? udev_device_get_sysattr_value(usbDevice, name) : nullptr;
+        return text != nullptr ? QString::fromLatin1(text, qsizetype(strnlen(text, 8))).trimmed() : QString();
+    };
+    return parse(attribute("idVendor") + QLatin1Char(':') + attribute("idProduct"), id);
 }

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+struct udev_device;
+
 // A USB vendor and product id pair, written as lsusb prints it: "1bbb:0017".
 struct UsbId {
     uint16_t vendor = 0;
@@ -12,6 +14,8 @@ struct UsbId {
     QString text() const { return QString::asprintf("%04x:%04x", vendor, product); }
     // "vvvv:pppp", four hex digits each; false for anything else.
     static bool parse(QStringView text, UsbId& id);
+    // The idVendor and idProduct attributes of a udev "usb_device"; false when they are missing or bad.
+    static bool ofDevice(udev_device* usbDevice, UsbId& id);
 
     friend bool operator==(const UsbId&, const UsbId&) = default;
 };

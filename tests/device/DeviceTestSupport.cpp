@@ -65,6 +65,16 @@ QString Testbed::addBlock(const QString& parent, const QString& name, const char
     return syspath;
 }
 
+QString Testbed::addRecord(const QByteArray& base, const QByteArray& record) {
+    GError* error = nullptr;
+    EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))
+        << (error ? error->message : "");
+    if (error) {
+        g_error_free(error);
+    }
+    return "/sys" + QString::fromLatin1(base);
+}
+
 QString Testbed::addModemRecord(const QString& name) {
     const QByteArray base = "/devices/pci0000:00/usb1/" + name.toLatin1();
     const QByteArray record =
@@ -80,13 +90,7 @@ QString Testbed::addModemRecord(const QString& name) {
         base + "/" + name.toLatin1() +
         ":1.0/ttyUSB0/tty/ttyUSB0\n"
         "N: ttyUSB0\nE: DEVNAME=/dev/ttyUSB0\nE: SUBSYSTEM=tty\n";
-    GError* error = nullptr;
-    EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))
-        << (error ? error->message : "");
-    if (error) {
-        g_error_free(error);
-    }
-    return "/sys" + QString::fromLatin1(base);
+    return addRecord(base, record);
 }
 
 QString Testbed::addStickRecord(const QString& name, const char* vendor, const char* product,
@@ -102,13 +106,7 @@ QString Testbed::addStickRecord(const QString& name, const char* vendor, const c
                   "A: bInterfaceNumber=" + number + "\n\nP: " + interface + "/" + tty + "/tty/" + tty +
                   "\nN: " + tty + "\nE: DEVNAME=/dev/" + tty + "\nE: SUBSYSTEM=tty\n" + ttyProperties + "\n";
     }
-    GError* error = nullptr;
-    EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))
-        << (error ? error->message : "");
-    if (error) {
-        g_error_free(error);
-    }
-    return "/sys" + QString::fromLatin1(base);
+    return addRecord(base, record);
 }
 
 int Testbed::ttyMaster(const QString& devnode) {

@@ -33,5 +33,8 @@ public:
     void remove(const QString& syspath);
 
 private:
+    // Adds devices from umockdev's record format; returns the syspath of the first, at base.
+    QString addRecord(const QByteArray& base, const QByteArray& record);
+
     UMockdevTestbed* _testbed;
 };
