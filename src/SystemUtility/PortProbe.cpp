@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QMap>
+#include <QSet>
 #include <QStandardPaths>
 
 #include <libudev.h>
@@ -16,6 +17,8 @@
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
+#include <iterator>
+#include <mutex>
 #include <poll.h>
 #include <termios.h>
 #include <unistd.h>
@@ -33,6 +36,25 @@ QString sysattr(udev_device* device, const char* name) {
 bool isModemTty(const char* name) {
     return name != nullptr && (std::strncmp(name, "ttyUSB", 6) == 0 || std::strncmp(name, "ttyACM", 6) == 0);
 }
+
+// Plain USB-serial adapters (a console cable, a microcontroller board) are no modems: nothing is sent to
+// them.
+bool isSerialAdapter(udev_device* interface) {
+    static const char* const kAdapterDrivers[] = {"ftdi_sio", "pl2303",           "ch341",
+                                                  "cp210x",   "ark3116",          "mos7840",
+                                                  "io_ti",    "ti_usb_3410_5052", "keyspan"};
+    const char* driver = udev_device_get_driver(interface);
+    if (driver == nullptr) {
+        driver = udev_device_get_property_value(interface, "DRIVER");
+    }
+    return driver != nullptr &&
+           std::any_of(std::begin(kAdapterDrivers), std::end(kAdapterDrivers),
+                       [driver](const char* name) { return std::strcmp(driver, name) == 0; });
+}
+
+// Sticks whose probe found no ports: probed once while they stay plugged in.
+std::mutex gFailedLock;
+QSet<QString> gFailedProbes;
 
 QVariantMap remembered() {
     return PropertyList::readMap(PortProbe::rememberedPath());
@@ -79,10 +101,12 @@ QList<PortProbe::Stick> PortProbe::sticksWithTtys(udev* context) {
         const char* devnode = udev_device_get_devnode(tty);
         UsbId id;
         if (usb != nullptr && interface != nullptr && devnode != nullptr &&
-            isModemTty(udev_device_get_sysname(tty)) && UsbId::ofDevice(usb, id)) {
+            isModemTty(udev_device_get_sysname(tty)) && !isSerialAdapter(interface) &&
+            UsbId::ofDevice(usb, id)) {
             Stick& stick = sticks[QString::fromLocal8Bit(udev_device_get_syspath(usb))];
             stick.id = id;
             stick.syspath = QString::fromLocal8Bit(udev_device_get_syspath(usb));
+            stick.plug = QStringLiteral("%1 %2 #%3").arg(stick.syspath, id.text(), sysattr(usb, "devnum"));
             bool ok = false;
             const int number = sysattr(interface, "bInterfaceNumber").toInt(&ok, 16);
             Tty found{QString::fromLocal8Bit(devnode), ok ? number : -1};
@@ -160,6 +184,10 @@ bool PortProbe::findPorts(Ports& ports) {
                             layout.value(QStringLiteral("Dial"), -1).toInt(), ports);
         }
         if (!found) {
+            std::lock_guard lock(gFailedLock);
+            if (gFailedProbes.contains(stick.plug)) {
+                continue;
+            }
             ports = Ports{stick.id, {}, {}, true};
             for (const Tty& tty : stick.ttys) {
                 QString& slot = ports.atPort.isEmpty() ? ports.atPort : ports.dialPort;
@@ -175,6 +203,8 @@ bool PortProbe::findPorts(Ports& ports) {
                    qPrintable(ports.atPort), qPrintable(ports.dialPort));
             if (found) {
                 remember(stick, ports);
+            } else {
+                gFailedProbes.insert(stick.plug);
             }
         }
         if (found) {

@@ -10,7 +10,8 @@ struct udev;
 // The ports of a stick whose layout the device table does not know, or of a USB device that is not in
 // the table but has ttys (ttyUSB*, ttyACM*): the first tty that answers "AT" with OK is the AT port, the
 // first other one that answers is the dial port. The result is remembered per vendor:product in the user's
-// config folder ("dialtone/ProbedPorts"), so the next start needs no probing.
+// config folder ("dialtone/ProbedPorts"), so the next start needs no probing; a stick whose ttys do not
+// answer is not probed again while it stays plugged in. Plain USB-serial adapters are left alone.
 class PortProbe {
 public:
     struct Tty {
@@ -20,6 +21,7 @@ public:
     struct Stick {
         UsbId id;
         QString syspath;
+        QString plug;    // this plug-in of the stick: syspath, ids and device number
         QList<Tty> ttys; // in interface order
     };
     struct Ports {

@@ -95,9 +95,11 @@ QString Testbed::addModemRecord(const QString& name) {
 
 QString Testbed::addStickRecord(const QString& name, const char* vendor, const char* product,
                                 const QList<int>& interfaces, int firstTty, const QByteArray& ttyProperties) {
+    static int devnum = 10; // a new one for every plug-in, as the kernel counts
     const QByteArray base = "/devices/pci0000:00/usb1/" + name.toLatin1();
     QByteArray record = "P: " + base + "\nE: DEVTYPE=usb_device\nE: SUBSYSTEM=usb\nA: idVendor=" + vendor +
-                        "\nA: idProduct=" + product + "\nA: busnum=1\nA: devnum=4\nA: devpath=3\n\n";
+                        "\nA: idProduct=" + product +
+                        "\nA: busnum=1\nA: devnum=" + QByteArray::number(++devnum) + "\nA: devpath=3\n\n";
     for (int i = 0; i < interfaces.size(); ++i) {
         const QByteArray number = QByteArray::number(interfaces[i], 16).rightJustified(2, '0');
         const QByteArray interface = base + "/" + name.toLatin1() + ":1." + QByteArray::number(interfaces[i]);
