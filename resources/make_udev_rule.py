@@ -18,8 +18,9 @@ HEADER = """\
 #   dial (PPP) port   /dev/cu.VELMobileConnector<n>1     (the first stick of the table: ...Connector1)
 #   AT command port   /dev/cu.VELDeviceInterface<n>3     (the first stick of the table: ...Interface3)
 #
-# To share the machine with ModemManager, remove a stick's lines: ModemManager then takes it, and the
-# connection manager finds it busy. "udevadm info /dev/ttyUSB0" shows a tty's ids and interface number.
+# ModemManager keeps every other modem. To hand it one of these sticks as well, drop the stick's lines here
+# (or its row from the table before building); the connection manager then finds that stick busy while
+# ModemManager runs. "udevadm info /dev/ttyUSB0" shows a tty's ids and interface number.
 #
 # Numbered after 60-serial.rules, which sets ID_USB_INTERFACE_NUM, ID_VENDOR_ID and ID_MODEL_ID, and before
 # 73-seat-late.rules, which turns the uaccess tag into access for the user at the seat.
