@@ -30,8 +30,9 @@ QString environmentOr(const char* name, const char* fallback) {
 const QString kReloadRules = QStringLiteral("sudo udevadm control --reload && sudo udevadm trigger");
 
 struct UsbView {
-    QList<UsbId> modems;  // in the device table, modem mode
-    QList<UsbId> storage; // in the device table, CD-ROM mode
+    QList<UsbId> modems;      // in the device table, modem mode
+    QList<UsbId> storage;     // in the device table, CD-ROM mode
+    QList<UsbId> otherCdRoms; // USB CD-ROMs not in the table: a stick the table does not know, maybe
     QList<PortProbe::Stick> withTtys;
     QStringList ignoredTtys; // ttys that ModemManager is told to leave alone
 };
@@ -59,6 +60,28 @@ UsbView lookAtUsb(const ModemTable& table) {
                 }
             }
             udev_device_unref(device);
+        }
+        udev_enumerate_unref(enumerate);
+    }
+    enumerate = context != nullptr ? udev_enumerate_new(context) : nullptr;
+    if (enumerate != nullptr) {
+        udev_enumerate_add_match_subsystem(enumerate, "block");
+        udev_enumerate_add_match_property(enumerate, "ID_CDROM", "1");
+        udev_enumerate_scan_devices(enumerate);
+        udev_list_entry* entry = nullptr;
+        udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumerate)) {
+            udev_device* cdrom = udev_device_new_from_syspath(context, udev_list_entry_get_name(entry));
+            udev_device* usb = cdrom != nullptr
+                                   ? udev_device_get_parent_with_subsystem_devtype(cdrom, "usb", "usb_device")
+                                   : nullptr;
+            UsbId id;
+            if (usb != nullptr && UsbId::ofDevice(usb, id) && !view.storage.contains(id) &&
+                !view.otherCdRoms.contains(id)) {
+                view.otherCdRoms << id;
+            }
+            if (cdrom != nullptr) {
+                udev_device_unref(cdrom);
+            }
         }
         udev_enumerate_unref(enumerate);
     }
@@ -117,6 +140,18 @@ DoctorFinding checkUsb(const ModemTable& table, const UsbView& view) {
 
 DoctorFinding checkSwitch(const ModemTable& table, const UsbView& view) {
     if (view.storage.isEmpty()) {
+        for (const UsbId& id : view.otherCdRoms) {
+            if (ModeSwitchData::hasConfig(id)) {
+                return {
+                    QStringLiteral("switch"), false,
+                    QStringLiteral("%1 is a USB CD-ROM that usb_modeswitch knows as a modem in CD-ROM mode; "
+                                   "it is not in the device table")
+                        .arg(id.text()),
+                    QStringLiteral(
+                        "Unplug it and plug it in again: the system's usb_modeswitch rule switches "
+                        "it. If it stays a CD-ROM, add its row to the device table (modems.table).")};
+            }
+        }
         return {QStringLiteral("switch"), true, QStringLiteral("no stick is left in CD-ROM mode"), {}};
     }
     const UsbId id = view.storage.first();

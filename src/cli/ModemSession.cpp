@@ -211,7 +211,7 @@ int ModemSession::diagnoseOpenFailure(int code) {
         code == WORKER_ERR_SWITCH_DISK_ERROR) {
         return ReportFailure(_context, code,
                              "no modem found in " + DeviceUtility::deviceDir().toStdString() +
-                                 " (plug the modem in, or try --simulate)");
+                                 " (plug the modem in; \"dialtone doctor\" says what is missing; or try --simulate)");
     }
     return ReportFailure(_context, code, "the modem could not be initialised: " + ResultCodeText(code));
 }

@@ -24,8 +24,10 @@ struct DoctorWorld {
         world.env.set("DIALTONE_MODESWITCH", world.standIn("switch"));
         QDir().mkpath(world.path("data"));
         TempWorld::writeFile(world.path("data/12d1:1446"), "MessageContent=\"55534243\"");
-        ChildProcess::run("tar", {"-czf", world.path("pack.tar.gz"), "-C", world.path("data"), "12d1:1446"},
-                          10000);
+        TempWorld::writeFile(world.path("data/1e0e:f000"), "MessageContent=\"55534243\"");
+        ChildProcess::run(
+            "tar", {"-czf", world.path("pack.tar.gz"), "-C", world.path("data"), "12d1:1446", "1e0e:f000"},
+            10000);
         world.env.set("DIALTONE_MODESWITCH_DATA", world.path("pack.tar.gz"));
         world.env.set("DIALTONE_PPPD", world.standIn("pppd"));
         chmod(world.path("pppd.sh").toLocal8Bit(), 04755);
@@ -36,6 +38,10 @@ struct DoctorWorld {
     }
     void addStick(const QByteArray& ttyProperties = {}) {
         testbed.addStickRecord("1-3", "12d1", "1001", {0, 1, 2}, 0, ttyProperties);
+    }
+    void addCdRom(const char* vendor, const char* product) {
+        const QString usb = testbed.addUsbDevice("1-5", vendor, product, 6);
+        testbed.addBlock(testbed.addScsiDevice(usb, "60", "Vendor", "CD-ROM"), "sr6", "disk", true);
     }
     void runModemManager() { TempWorld::writeFile(world.path("proc/1/comm"), "ModemManager\n"); }
 
@@ -76,6 +82,8 @@ TEST(Doctor, EachFault) {
         {"CD-ROM, switch pending", storage, "switch", false, "12d1:1446 Huawei E1750 HSPA Modem is still in CD-ROM mode: the switch has not happened (yet)"},
         {"CD-ROM, no usb_modeswitch", [=](DoctorWorld& d) { storage(d); d.world.env.set("DIALTONE_MODESWITCH", d.world.path("none")); }, "switch", false, "CD-ROM mode: usb_modeswitch is not installed"},
         {"CD-ROM, no switch data", [=](DoctorWorld& d) { storage(d); d.world.env.set("DIALTONE_MODESWITCH_DATA", d.world.path("none")); }, "switch", false, "usb_modeswitch has no switch data for 12d1:1446"},
+        {"unknown stick as CD-ROM", [](DoctorWorld& d) { d.addCdRom("1e0e", "f000"); }, "switch", false, "1e0e:f000 is a USB CD-ROM that usb_modeswitch knows as a modem in CD-ROM mode"},
+        {"a plain USB CD drive", [](DoctorWorld& d) { d.addCdRom("0bda", "0138"); }, "switch", true, "no stick is left in CD-ROM mode"},
         {"ModemManager takes the ports", [=](DoctorWorld& d) { stick(d); d.runModemManager(); }, "modemmanager", false, "ModemManager is running and may hold /dev/ttyUSB0, /dev/ttyUSB1, /dev/ttyUSB2"},
         {"ModemManager told to keep off", [](DoctorWorld& d) { d.addStick("E: ID_MM_DEVICE_IGNORE=1\n"); d.runModemManager(); }, "modemmanager", true, "leaves the stick's ports alone"},
         {"no pppd", [](DoctorWorld& d) { d.world.env.set("DIALTONE_PPPD", d.world.path("none")); }, "pppd", false, "pppd is not installed"},
