@@ -20,6 +20,7 @@
 #include <iterator>
 #include <mutex>
 #include <poll.h>
+#include <sys/file.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -123,6 +124,11 @@ QList<PortProbe::Stick> PortProbe::sticksWithTtys(udev* context) {
 bool PortProbe::answersAt(const QString& devnode, int timeoutMs) {
     const int fd = open(devnode.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) {
+        return false;
+    }
+    // A port another program holds (the modem link locks its port the same way) is left alone.
+    if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        close(fd);
         return false;
     }
     termios settings{};
