@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 #include <grp.h>
 #include <sys/stat.h>
@@ -37,69 +38,54 @@ struct UsbView {
     QStringList ignoredTtys; // ttys that ModemManager is told to leave alone
 };
 
+// Visits every udev device of the subsystem whose property has the value.
+void forEachDevice(udev* context, const char* subsystem, const char* property, const char* value,
+                   const std::function<void(udev_device*)>& visit) {
+    udev_enumerate* enumerate = context != nullptr ? udev_enumerate_new(context) : nullptr;
+    if (enumerate == nullptr) {
+        return;
+    }
+    udev_enumerate_add_match_subsystem(enumerate, subsystem);
+    udev_enumerate_add_match_property(enumerate, property, value);
+    udev_enumerate_scan_devices(enumerate);
+    udev_list_entry* entry = nullptr;
+    udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumerate)) {
+        udev_device* device = udev_device_new_from_syspath(context, udev_list_entry_get_name(entry));
+        if (device != nullptr) {
+            visit(device);
+            udev_device_unref(device);
+        }
+    }
+    udev_enumerate_unref(enumerate);
+}
+
 UsbView lookAtUsb(const ModemTable& table) {
     UsbView view;
     udev* context = udev_new();
-    udev_enumerate* enumerate = context != nullptr ? udev_enumerate_new(context) : nullptr;
-    if (enumerate != nullptr) {
-        udev_enumerate_add_match_subsystem(enumerate, "usb");
-        udev_enumerate_add_match_property(enumerate, "DEVTYPE", "usb_device");
-        udev_enumerate_scan_devices(enumerate);
-        udev_list_entry* entry = nullptr;
-        udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumerate)) {
-            udev_device* device = udev_device_new_from_syspath(context, udev_list_entry_get_name(entry));
-            if (device == nullptr) {
-                continue;
-            }
-            UsbId id;
-            if (UsbId::ofDevice(device, id)) {
-                if (table.findModem(id) != nullptr) {
-                    view.modems << id;
-                } else if (table.findStorage(id) != nullptr) {
-                    view.storage << id;
-                }
-            }
-            udev_device_unref(device);
+    forEachDevice(context, "usb", "DEVTYPE", "usb_device", [&](udev_device* device) {
+        UsbId id;
+        if (!UsbId::ofDevice(device, id)) {
+            return;
         }
-        udev_enumerate_unref(enumerate);
-    }
-    enumerate = context != nullptr ? udev_enumerate_new(context) : nullptr;
-    if (enumerate != nullptr) {
-        udev_enumerate_add_match_subsystem(enumerate, "block");
-        udev_enumerate_add_match_property(enumerate, "ID_CDROM", "1");
-        udev_enumerate_scan_devices(enumerate);
-        udev_list_entry* entry = nullptr;
-        udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumerate)) {
-            udev_device* cdrom = udev_device_new_from_syspath(context, udev_list_entry_get_name(entry));
-            udev_device* usb = cdrom != nullptr
-                                   ? udev_device_get_parent_with_subsystem_devtype(cdrom, "usb", "usb_device")
-                                   : nullptr;
-            UsbId id;
-            if (usb != nullptr && UsbId::ofDevice(usb, id) && !view.storage.contains(id) &&
-                !view.otherCdRoms.contains(id)) {
-                view.otherCdRoms << id;
-            }
-            if (cdrom != nullptr) {
-                udev_device_unref(cdrom);
-            }
+        if (table.findModem(id) != nullptr) {
+            view.modems << id;
+        } else if (table.findStorage(id) != nullptr) {
+            view.storage << id;
         }
-        udev_enumerate_unref(enumerate);
-    }
+    });
+    forEachDevice(context, "block", "ID_CDROM", "1", [&](udev_device* cdrom) {
+        UsbId id;
+        if (UsbId::ofDevice(udev_device_get_parent_with_subsystem_devtype(cdrom, "usb", "usb_device"), id) &&
+            !view.storage.contains(id) && !view.otherCdRoms.contains(id)) {
+            view.otherCdRoms << id;
+        }
+    });
     view.withTtys = PortProbe::sticksWithTtys(context);
-    for (const PortProbe::Stick& stick : view.withTtys) {
-        for (const PortProbe::Tty& tty : stick.ttys) {
-            udev_device* device = udev_device_new_from_subsystem_sysname(
-                context, "tty", QFileInfo(tty.devnode).fileName().toLocal8Bit().constData());
-            const char* ignore =
-                device != nullptr ? udev_device_get_property_value(device, "ID_MM_DEVICE_IGNORE") : nullptr;
-            if (ignore != nullptr && qstrcmp(ignore, "1") == 0) {
-                view.ignoredTtys << tty.devnode;
-            }
-            if (device != nullptr) {
-                udev_device_unref(device);
-            }
+    forEachDevice(context, "tty", "ID_MM_DEVICE_IGNORE", "1", [&](udev_device* tty) {
+        if (const char* devnode = udev_device_get_devnode(tty)) {
+            view.ignoredTtys << QString::fromLocal8Bit(devnode);
         }
-    }
+    });
     udev_unref(context);
     return view;
 }
