@@ -3,11 +3,25 @@
 
 #include "DeviceTestSupport.h"
 
+#include "ChildProcess.h"
+
 #include <cstring>
 
 bool underUmockdev() {
     const char* preload = std::getenv("LD_PRELOAD");
     return preload != nullptr && std::strstr(preload, "umockdev-preload") != nullptr;
+}
+
+QString makeSwitchPack(const TempWorld& world, const QStringList& names) {
+    QDir().mkpath(world.path("switch-data"));
+    for (const QString& name : names) {
+        TempWorld::writeFile(world.path("switch-data/" + name), "MessageContent=\"55534243\"");
+    }
+    const QString pack = world.path("configPack.tar.gz");
+    EXPECT_EQ(
+        ChildProcess::run("tar", QStringList{"-czf", pack, "-C", world.path("switch-data")} + names, 10000),
+        0);
+    return pack;
 }
 
 Testbed::Testbed() : _testbed(umockdev_testbed_new()) {}

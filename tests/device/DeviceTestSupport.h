@@ -7,6 +7,9 @@ typedef struct _UMockdevTestbed UMockdevTestbed;
 // True when the program runs under umockdev-wrapper (main re-runs it so when it can).
 bool underUmockdev();
 
+// usb_modeswitch's switch data as Debian packs it (configPack.tar.gz), with a file per name; its path.
+QString makeSwitchPack(const TempWorld& world, const QStringList& names);
+
 // A umockdev test bed: a fake /sys (and udev database) for this process while it lives.
 class Testbed {
 public:

@@ -1,10 +1,11 @@
-#include "ChildProcess.h"
 #include "DeviceTestSupport.h"
 #include "DeviceUtility.h"
 
 #include <gtest/gtest.h>
 
 #include <libudev.h>
+
+#include <QRegularExpression>
 
 namespace {
 
@@ -19,39 +20,11 @@ protected:
         testbed.emplace();
         world.env.set("DIALTONE_MOUNTS", world.path("mounts"));
         world.env.set("DIALTONE_EJECT", world.standIn("eject"));
-        world.env.set("DIALTONE_MODESWITCH", switchStandIn());
+        world.env.set("DIALTONE_MODESWITCH", world.standIn("switch"));
         world.env.set("DIALTONE_OPEN", world.standIn("open"));
-        world.env.set("DIALTONE_MODESWITCH_DATA", switchData());
+        world.env.set("DIALTONE_MODESWITCH_DATA",
+                      makeSwitchPack(world, {"1bbb:f000", "1bbb:f017", "1bbb:f017:uMa=Other"}));
         TempWorld::writeFile(world.path("mounts"), "proc /proc proc rw 0 0\n");
-    }
-
-    // usb_modeswitch logs its arguments, the configuration file by its name and content.
-    QString switchStandIn() {
-        const QString script = world.path("switch.sh");
-        TempWorld::writeFile(script,
-                             QStringLiteral("#!/bin/sh\nline=switch\n"
-                                            "while [ $# -gt 0 ]; do\n"
-                                            "  if [ \"$1\" = -c ]; then line=\"$line -c $(basename \"$2\"): "
-                                            "$(cat \"$2\")\"; shift; else line=\"$line $1\"; fi; shift\n"
-                                            "done\necho \"$line\" >> '%1'\n")
-                                 .arg(world.log())
-                                 .toLocal8Bit());
-        QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return script;
-    }
-    // A switch data pack as usb-modeswitch-data ships it, with entries for the two storage ids.
-    QString switchData() {
-        const QString folder = world.path("data");
-        QDir().mkpath(folder);
-        TempWorld::writeFile(folder + "/1bbb:f000", "MessageContent=\"5553424312345678\"");
-        TempWorld::writeFile(folder + "/1bbb:f017", "StandardEject=1");
-        TempWorld::writeFile(folder + "/1bbb:f017:uMa=Other", "wrong variant");
-        const QString pack = world.path("configPack.tar.gz");
-        EXPECT_EQ(
-            ChildProcess::run(
-                "tar", {"-czf", pack, "-C", folder, "1bbb:f000", "1bbb:f017", "1bbb:f017:uMa=Other"}, 10000),
-            0);
-        return pack;
     }
 
     // The storage personality: a CD-ROM and, optionally, a memory card with one partition.
@@ -67,8 +40,11 @@ protected:
         }
         return usb;
     }
+    // usb_modeswitch's configuration file by its name: it lies in a temporary folder.
     QStringList programLog() const {
-        return QString::fromLocal8Bit(TempWorld::readFile(world.log())).split('\n', Qt::SkipEmptyParts);
+        return QString::fromLocal8Bit(TempWorld::readFile(world.log()))
+            .replace(QRegularExpression("-c \\S*/"), "-c ")
+            .split('\n', Qt::SkipEmptyParts);
     }
 
     TempWorld world;
@@ -76,9 +52,7 @@ protected:
 };
 
 QString switchLine(const char* product, int devnum) {
-    const QString config = QString(product) == "f000" ? "1bbb:f000: MessageContent=\"5553424312345678\""
-                                                      : "1bbb:f017: StandardEject=1";
-    return QStringLiteral("switch -v 0x1bbb -p 0x%1 -b 1 -g %2 -c %3").arg(product).arg(devnum).arg(config);
+    return QStringLiteral("switch -v 0x1bbb -p 0x%1 -b 1 -g %2 -c 1bbb:%1").arg(product).arg(devnum);
 }
 
 TEST_F(ModeSwitch, NothingToSwitch) {

@@ -1,4 +1,3 @@
-#include "ChildProcess.h"
 #include "DeviceTestSupport.h"
 #include "ModemDoctor.h"
 
@@ -22,13 +21,7 @@ struct DoctorWorld {
         world.env.set("DIALTONE_PROC_DIR", world.path("proc"));
         QDir().mkpath(world.path("proc/1"));
         world.env.set("DIALTONE_MODESWITCH", world.standIn("switch"));
-        QDir().mkpath(world.path("data"));
-        TempWorld::writeFile(world.path("data/12d1:1446"), "MessageContent=\"55534243\"");
-        TempWorld::writeFile(world.path("data/1e0e:f000"), "MessageContent=\"55534243\"");
-        ChildProcess::run(
-            "tar", {"-czf", world.path("pack.tar.gz"), "-C", world.path("data"), "12d1:1446", "1e0e:f000"},
-            10000);
-        world.env.set("DIALTONE_MODESWITCH_DATA", world.path("pack.tar.gz"));
+        world.env.set("DIALTONE_MODESWITCH_DATA", makeSwitchPack(world, {"12d1:1446", "1e0e:f000"}));
         world.env.set("DIALTONE_PPPD", world.standIn("pppd"));
         chmod(world.path("pppd.sh").toLocal8Bit(), 04755);
         QDir().mkpath(world.path("peers"));
@@ -49,9 +42,14 @@ struct DoctorWorld {
     Testbed testbed;
 };
 
-bool canRun() {
-    return underUmockdev() && geteuid() == 0;
-}
+class Doctor : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!underUmockdev() || geteuid() != 0) {
+            GTEST_SKIP() << "needs umockdev-wrapper and root (for a setuid-root pppd stand-in)";
+        }
+    }
+};
 
 DoctorFinding finding(const QString& check) {
     for (const DoctorFinding& found : ModemDoctor::examine()) {
@@ -63,10 +61,7 @@ DoctorFinding finding(const QString& check) {
     return {};
 }
 
-TEST(Doctor, EachFault) {
-    if (!canRun()) {
-        GTEST_SKIP() << "needs umockdev-wrapper and root (for a setuid-root pppd stand-in)";
-    }
+TEST_F(Doctor, EachFault) {
     using Setup = std::function<void(DoctorWorld&)>;
     auto stick = [](DoctorWorld& d) { d.addStick(); };
     auto storage = [](DoctorWorld& d) { d.testbed.addUsbDevice("1-4", "12d1", "1446", 5); };
@@ -106,10 +101,7 @@ TEST(Doctor, EachFault) {
 }
 
 // The tool prints the same findings: all well exits 0, a fault exits 1 and names its fix.
-TEST(Doctor, ToolExitStatus) {
-    if (!canRun()) {
-        GTEST_SKIP() << "needs umockdev-wrapper and root (for a setuid-root pppd stand-in)";
-    }
+TEST_F(Doctor, ToolExitStatus) {
     DoctorWorld doctor;
     doctor.addStick();
     for (const bool broken : {false, true}) {
