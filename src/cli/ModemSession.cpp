@@ -209,9 +209,10 @@ int ModemSession::diagnoseOpenFailure(int code) {
     }
     if (code == WORKER_ERR_NO_DATA_DEVICE || (code == WORKER_ERR_GENERAL && !found) ||
         code == WORKER_ERR_SWITCH_DISK_ERROR) {
-        return ReportFailure(_context, code,
-                             "no modem found in " + DeviceUtility::deviceDir().toStdString() +
-                                 " (plug the modem in; \"dialtone doctor\" says what is missing; or try --simulate)");
+        return ReportFailure(
+            _context, code,
+            "no modem found in " + DeviceUtility::deviceDir().toStdString() +
+                " (plug the modem in; \"dialtone doctor\" says what is missing; or try --simulate)");
     }
     return ReportFailure(_context, code, "the modem could not be initialised: " + ResultCodeText(code));
 }
