@@ -388,7 +388,7 @@ int WorkThread::initWrokThread() {
         return WORKER_ERR_NO_DATA_DEVICE;
     }
 
-    const QString portPath = DeviceUtility::deviceDir() + QLatin1Char('/') + strDataDeviceName;
+    const QString portPath = DeviceUtility::portPath(strDataDeviceName);
     const int32_t openErr = _comOperation->openCom(portPath.toLocal8Bit().constData());
     if (openErr != 0 && openErr != 3) {
         CNSLOG(2, "WORKER_ERR_COM_OPEN_FAILED");

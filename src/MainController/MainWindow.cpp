@@ -13,6 +13,7 @@
 #include <QStatusBar>
 #include <QSystemTrayIcon>
 #include <QTabWidget>
+#include <QThread>
 #include <QVBoxLayout>
 
 #include "Account/AccountPlugin.h"
@@ -23,6 +24,7 @@
 #include "Contacts/ContactsPlugin.h"
 #include "DesktopNotifier.h"
 #include "Messages/MessagesPlugin.h"
+#include "ModemDoctor.h"
 #include "ModulePlugin.h"
 #include "Network/NetworkPlugin.h"
 #include "NotificationCenter.h"
@@ -83,6 +85,11 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
     _modemText->setAlignment(Qt::AlignCenter);
     _modemText->setWordWrap(true);
     _modemText->setMargin(24);
+    _findingsText = new QLabel(_modemPage);
+    _findingsText->setObjectName(QStringLiteral("findings"));
+    _findingsText->setWordWrap(true);
+    _findingsText->setMargin(24);
+    _findingsText->setTextInteractionFlags(Qt::TextSelectableByMouse);
     // A cancelled prompt can be opened again from here.
     _unlockButton = new QPushButton(tr("Unlock the SIM…"), _modemPage);
     _unlockButton->setObjectName(QStringLiteral("unlock"));
@@ -91,6 +98,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
     pageLayout->addStretch(1);
     pageLayout->addWidget(_modemText);
     pageLayout->addWidget(_unlockButton, 0, Qt::AlignHCenter);
+    pageLayout->addWidget(_findingsText);
     pageLayout->addStretch(2);
     _pages->addWidget(_tabs);
     _pages->addWidget(_modemPage);
@@ -229,6 +237,9 @@ void MainWindow::onStateChanged(ModemLink::State state) {
         break;
     }
     _modemText->setText(text);
+    _findingsText->setVisible(state == State::Absent);
+    if (state == State::Absent)
+        showFindings();
     _unlockButton->setVisible(state == State::NeedPin || state == State::NeedPuk);
     _pages->setCurrentWidget(_modemPage);
     if (state == State::NeedPin || state == State::NeedPuk)
@@ -236,6 +247,35 @@ void MainWindow::onStateChanged(ModemLink::State state) {
     else if (_pinDialog)
         _pinDialog->reject();
     updateTray();
+}
+
+// The checks read udev and may probe a stick's ports: they run off the GUI thread.
+void MainWindow::showFindings() {
+    if (_examining)
+        return;
+    _examining = true;
+    _findingsText->setText(tr("Looking for the cause…"));
+    auto findings = std::make_shared<QList<DoctorFinding>>();
+    QThread* thread = QThread::create([findings] { *findings = ModemDoctor::examine(); });
+    connect(thread, &QThread::finished, this, [this, findings] {
+        _examining = false;
+        QString html = tr("<p><b>What Dialtone checked</b></p><ul>");
+        for (const DoctorFinding& finding : *findings) {
+            html += QStringLiteral("<li>%1 %2")
+                        .arg(finding.ok ? QStringLiteral("✓") : QStringLiteral("✗"),
+                             finding.text.toHtmlEscaped());
+            if (!finding.fix.isEmpty())
+                html += QStringLiteral("<br><i>%1</i>").arg(finding.fix.toHtmlEscaped());
+            html += QStringLiteral("</li>");
+        }
+        _findingsText->setText(html + QStringLiteral("</ul>"));
+    });
+    connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+    thread->start();
+}
+
+QString MainWindow::findingsText() const {
+    return _findingsText->text();
 }
 
 void MainWindow::askForPin(bool puk) {

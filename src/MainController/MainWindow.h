@@ -39,6 +39,8 @@ public:
     // Whether the "no modem" (or locked SIM) page covers the modules.
     bool showsModemPage() const;
     QString modemPageText() const;
+    // What the checks found while no modem is there (the same findings as "dialtone doctor").
+    QString findingsText() const;
 
     const QList<ModulePlugin*>& modules() const { return _modules; }
     ModulePlugin* module(const QString& moduleName) const;
@@ -54,6 +56,7 @@ private:
     void onStateChanged(ModemLink::State state);
     void askForPin(bool puk);
     void updateTray();
+    void showFindings();
 
     std::unique_ptr<ModemLink> _link;
     std::unique_ptr<DesktopNotifier> _notifier;
@@ -64,6 +67,8 @@ private:
     QTabWidget* _tabs = nullptr;
     QWidget* _modemPage = nullptr;
     QLabel* _modemText = nullptr;
+    QLabel* _findingsText = nullptr;
+    bool _examining = false;
     QPushButton* _unlockButton = nullptr;
     StatusBarView* _statusView = nullptr;
     QSystemTrayIcon* _tray = nullptr;

@@ -3,12 +3,16 @@
 #include "CNSLog.h"
 #include "ChildProcess.h"
 #include "DebugSink.h"
+#include "ModeSwitchData.h"
+#include "ModemTable.h"
+#include "PortProbe.h"
 #include "UserDataFolder.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
+#include <QTemporaryDir>
 #include <QUrl>
 
 #include <libudev.h>
@@ -18,6 +22,11 @@
 #include <memory>
 
 namespace {
+
+QString tool(const char* variable, const char* fallback) {
+    const QString value = qEnvironmentVariable(variable);
+    return value.isEmpty() ? QString::fromLatin1(fallback) : value;
+}
 
 struct UdevDeleter {
     void operator()(udev* context) const { udev_unref(context); }
@@ -32,15 +41,6 @@ const char* const kModemPortName = "VELMobileConnector";
 const char* const kDataPortName = "VELDeviceInterface";
 const char* const kMMCMediaNames[] = {"USBModem MMC Storage Media", "ZENTRAK Mass Storage Media"};
 
-// The switch to the modem personality: a vendor SCSI command (06 f5) in a bulk-only transport wrapper,
-// the same message the usb-modeswitch-data entry for this stick's storage ids sends.
-const char* const kSwitchMessage = "55534243123456788000000080000606f50402527000000000000000000000";
-
-QString tool(const char* variable, const char* fallback) {
-    const QString value = qEnvironmentVariable(variable);
-    return value.isEmpty() ? QString::fromLatin1(fallback) : value;
-}
-
 // A udev text attribute, at most `limit` characters, trimmed; sysfs is outside input.
 QString boundedText(const char* text, int limit = 64) {
     if (text == nullptr) {
@@ -49,33 +49,52 @@ QString boundedText(const char* text, int limit = 64) {
     return QString::fromLocal8Bit(text, static_cast<qsizetype>(strnlen(text, limit))).trimmed();
 }
 
-int hexAttribute(udev_device* device, const char* name) {
-    bool ok = false;
-    const int value = boundedText(udev_device_get_sysattr_value(device, name), 8).toInt(&ok, 16);
-    return ok ? value : -1;
-}
-
-// The mass-storage personality: the modem's vendor with a product id other than the modem's.
-bool isMassStoragePersonality(udev_device* usbDevice) {
-    const int product = hexAttribute(usbDevice, "idProduct");
-    return hexAttribute(usbDevice, "idVendor") == DeviceUtility::kVendorID && product >= 0 &&
-           product != DeviceUtility::kProductID;
-}
-
-bool switchToModem(udev_device* usbDevice, int& status) {
-    const int product = hexAttribute(usbDevice, "idProduct");
-    QStringList arguments{"-v", QString::asprintf("0x%04x", DeviceUtility::kVendorID), "-p",
-                          QString::asprintf("0x%04x", product)};
+// usb_modeswitch with the configuration its own data has for the storage id.
+bool switchToModem(udev_device* usbDevice, UsbId storageId, int& status) {
+    const QTemporaryDir folder;
+    const QString config = ModeSwitchData::extractConfig(storageId, folder);
+    if (config.isNull()) {
+        CNSLOG(2, "no switch data for %s in %s", qPrintable(storageId.text()),
+               qPrintable(ModeSwitchData::packPath()));
+        status = -1;
+        return false;
+    }
+    QStringList arguments{"-v", QString::asprintf("0x%04x", storageId.vendor), "-p",
+                          QString::asprintf("0x%04x", storageId.product)};
     // Bus and device number pick this very stick when several are plugged in.
     const QString bus = boundedText(udev_device_get_sysattr_value(usbDevice, "busnum"), 8);
     const QString device = boundedText(udev_device_get_sysattr_value(usbDevice, "devnum"), 8);
     if (!bus.isEmpty() && !device.isEmpty()) {
         arguments << "-b" << bus << "-g" << device;
     }
-    arguments << "-V" << QString::asprintf("0x%04x", DeviceUtility::kVendorID) << "-P"
-              << QString::asprintf("0x%04x", DeviceUtility::kProductID) << "-M" << kSwitchMessage;
-    status = ChildProcess::run(tool("DIALTONE_MODESWITCH", "/usr/sbin/usb_modeswitch"), arguments, 60000);
+    arguments << "-c" << config;
+    status = ChildProcess::run(DeviceUtility::modeSwitchProgram(), arguments, 60000);
     return status == 0;
+}
+
+// A link the udev rule made points at a tty of a USB stick; the table names the stick's dialect. The
+// simulator's links point at pseudo-terminals, with no USB device behind them: nothing is set.
+void chooseDialectForPort(const QString& port) {
+    const QString target = QFileInfo(port).canonicalFilePath();
+    if (target.isEmpty() || target == QFileInfo(port).absoluteFilePath()) {
+        return;
+    }
+    UdevPtr context(udev_new());
+    DevicePtr tty(context ? udev_device_new_from_subsystem_sysname(context.get(), "tty",
+                                                                   QFileInfo(target).fileName().toLocal8Bit())
+                          : nullptr);
+    udev_device* usb =
+        tty ? udev_device_get_parent_with_subsystem_devtype(tty.get(), "usb", "usb_device") : nullptr;
+    UsbId id;
+    if (usb == nullptr || !UsbId::ofDevice(usb, id)) {
+        return;
+    }
+    const ModemTable table = ModemTable::installed();
+    const ModemModel* model = table.findModem(id);
+    SetModemDialect(model != nullptr ? model->dialect : ModemDialect::Standard);
+    DebugPrint("modem %s: %s, dialect %s\n", qPrintable(id.text()),
+               model != nullptr ? qPrintable(model->name) : "not in the device table",
+               ModemDialectName(CurrentModemDialect()));
 }
 
 // One field of /proc/self/mounts, whose blanks and backslashes are written as octal escapes ("\040").
@@ -126,15 +145,35 @@ bool DeviceUtility::getModemDeviceName(QString& modemDeviceName, QString& dataDe
     }
     CNSLOG(0, "modem driver find: %s", qPrintable(modemEntry));
     CNSLOG(0, "data driver find: %s", qPrintable(dataEntry));
-    if (modemEntry.isEmpty() || dataEntry.isEmpty()) {
-        return false;
+    if (modemEntry.isEmpty() || dataEntry.isEmpty() || !QFileInfo::exists(dir.filePath(dataEntry))) {
+        return modemEntry.isEmpty() && findProbedPorts(modemDeviceName, dataDeviceName);
     }
-    if (!QFileInfo::exists(dir.filePath(dataEntry))) {
-        return false;
-    }
+    chooseDialectForPort(dir.filePath(dataEntry));
     modemDeviceName = modemEntry;
     dataDeviceName = dataEntry;
     return true;
+}
+
+bool DeviceUtility::findProbedPorts(QString& modemDeviceName, QString& dataDeviceName) {
+    PortProbe::Ports ports;
+    if (!PortProbe::findPorts(ports)) {
+        return false;
+    }
+    // Bare names for ports in the device folder, as for the links.
+    const QString prefix = deviceDir() + '/';
+    modemDeviceName = ports.dialPort.startsWith(prefix) ? ports.dialPort.mid(prefix.size()) : ports.dialPort;
+    dataDeviceName = ports.atPort.startsWith(prefix) ? ports.atPort.mid(prefix.size()) : ports.atPort;
+    CNSLOG(0, "ports of %s: dial %s, AT %s", qPrintable(ports.id.text()), qPrintable(modemDeviceName),
+           qPrintable(dataDeviceName));
+    return true;
+}
+
+QString DeviceUtility::portPath(const QString& name) {
+    return name.startsWith('/') ? name : deviceDir() + '/' + name;
+}
+
+QString DeviceUtility::modeSwitchProgram() {
+    return tool("DIALTONE_MODESWITCH", "/usr/sbin/usb_modeswitch");
 }
 
 int DeviceUtility::switchDiskToUSBModem() {
@@ -152,6 +191,7 @@ int DeviceUtility::switchDiskToUSBModem() {
         return -1;
     }
 
+    const ModemTable table = ModemTable::installed();
     int switched = 0;
     QSet<QString> done; // a stick with two CD-ROM drives is switched once
     udev_list_entry* entry = nullptr;
@@ -166,7 +206,9 @@ int DeviceUtility::switchDiskToUSBModem() {
             continue;
         }
         const QString parentPath = QString::fromLocal8Bit(udev_device_get_syspath(parent));
-        if (!isMassStoragePersonality(parent) || done.contains(parentPath)) {
+        UsbId storageId;
+        if (!UsbId::ofDevice(parent, storageId) || table.findStorage(storageId) == nullptr ||
+            done.contains(parentPath)) {
             continue;
         }
         const QString volume = getMMCVolumePath();
@@ -184,7 +226,7 @@ int DeviceUtility::switchDiskToUSBModem() {
             }
         }
         int status = 0;
-        if (switchToModem(parent, status)) {
+        if (switchToModem(parent, storageId, status)) {
             ++switched;
             done.insert(parentPath);
         } else {

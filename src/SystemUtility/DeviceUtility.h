@@ -11,24 +11,33 @@ struct udev_device;
 // volume itself, and the per-user data folder. Class operations only; they hold no state.
 //
 // The device folder is /dev, or DIALTONE_DEV_DIR. Devices come from udev; a "registry entry" is a udev
-// block device. The outside programs can be replaced, for tests and unusual systems: DIALTONE_MODESWITCH
-// (usb_modeswitch), DIALTONE_EJECT (eject), DIALTONE_OPEN (xdg-open); DIALTONE_MOUNTS names the mount
-// table (/proc/self/mounts).
+// block device. The sticks are those of the device table (ModemTable). The outside programs can be replaced,
+// for tests and unusual systems: DIALTONE_MODESWITCH (usb_modeswitch), DIALTONE_EJECT (eject), DIALTONE_OPEN
+// (xdg-open); DIALTONE_MOUNTS names the mount table (/proc/self/mounts).
 class DeviceUtility {
 public:
-    static constexpr int kVendorID = 7099; // 0x1BBB
-    static constexpr int kProductID = 23;  // 0x0017, the modem personality
+    // The stick this program was first written for (the device table's first row), in modem mode.
+    static constexpr int kVendorID = 0x1bbb;
+    static constexpr int kProductID = 0x0017;
 
     // The dial port "cu.VELMobileConnector<suffix>" (the first in name order) and the AT port
-    // "cu.VELDeviceInterface<suffix less its last character>3". True with both bare entry names when
-    // both exist; false, leaving the outputs untouched, otherwise.
+    // "cu.VELDeviceInterface<suffix less its last character>3", the links the udev rule makes. True with
+    // both bare entry names when both exist; the stick behind them then sets the modem dialect. Without
+    // any dial link, the ports of a stick that has no links (see findProbedPorts). False, leaving the
+    // outputs untouched, otherwise.
     static bool getModemDeviceName(QString& modemDeviceName, QString& dataDeviceName);
+    // The ports of a stick without links: from the device table's layout, the remembered probe, or a
+    // probe (PortProbe). Bare names for ports in the device folder, else device paths.
+    static bool findProbedPorts(QString& modemDeviceName, QString& dataDeviceName);
+    // The path of a port getModemDeviceName named.
+    static QString portPath(const QString& name);
 
-    // Switches every mass-storage personality of the modem (a CD-ROM whose USB device has the modem's
-    // vendor and another product) into the modem personality, ejecting the memory-card volume first.
-    // Returns the number of devices switched, 0 when there is none, -1 when udev cannot be asked. The
-    // modem's ports appear some time after a switch.
+    // Switches every mass-storage personality of a stick of the device table (a CD-ROM whose USB device
+    // has one of the table's storage ids) into the modem personality with usb_modeswitch and the switch
+    // data it ships, ejecting the memory-card volume first. Returns the number of devices switched, 0 when
+    // there is none, -1 when udev cannot be asked. The modem's ports appear some time after a switch.
     static int switchDiskToUSBModem();
+    static QString modeSwitchProgram();
 
     // Ejects the volume mounted at the path; true when the eject program exits with 0.
     static bool ejectDisk(const QString& volumePath);

@@ -2,6 +2,9 @@
 
 #include "DebugSink.h"
 #include "DeviceUtility.h"
+#include "ModemTable.h"
+#include "PortProbe.h"
+#include "PropertyList.h"
 #include "ThreadWorker.h"
 
 #include <libudev.h>
@@ -57,8 +60,7 @@ thread_local USBDetector* gUSBDetector = nullptr;
 thread_local udev_monitor* gNotifyPort = nullptr;
 thread_local udev_enumerate* gAddedIter = nullptr;
 thread_local DetectorRunLoop* gRunLoop = nullptr;
-thread_local long gVendorID = DeviceUtility::kVendorID;
-thread_local long gProductID = DeviceUtility::kProductID;
+thread_local QList<UsbId> gWatchedIds; // the table's sticks and the probed ones
 
 long hexSysattr(udev_device* device, const char* name) {
     const char* text = udev_device_get_sysattr_value(device, name);
@@ -72,8 +74,29 @@ long hexSysattr(udev_device* device, const char* name) {
 
 bool matchesModem(udev_device* device) {
     const char* type = udev_device_get_devtype(device);
-    return type != nullptr && std::strcmp(type, "usb_device") == 0 &&
-           hexSysattr(device, "idVendor") == gVendorID && hexSysattr(device, "idProduct") == gProductID;
+    const long vendor = hexSysattr(device, "idVendor");
+    const long product = hexSysattr(device, "idProduct");
+    return type != nullptr && std::strcmp(type, "usb_device") == 0 && vendor >= 0 && product >= 0 &&
+           gWatchedIds.contains(UsbId{static_cast<uint16_t>(vendor), static_cast<uint16_t>(product)});
+}
+
+QList<UsbId> watchedIds() {
+    QList<UsbId> ids;
+    const ModemTable table = ModemTable::installed();
+    for (const ModemModel& model : table.models()) {
+        ids << model.modemId;
+    }
+    const QStringList probed = PropertyList::readMap(PortProbe::rememberedPath()).keys();
+    for (const QString& text : probed) {
+        UsbId id;
+        if (UsbId::parse(text, id) && !ids.contains(id)) {
+            ids << id;
+        }
+    }
+    if (ids.isEmpty()) {
+        ids << UsbId{DeviceUtility::kVendorID, DeviceUtility::kProductID};
+    }
+    return ids;
 }
 
 // Bus number in the top byte, then the port path one nibble each: bus 1, ports 4.2 give 0x01420000.
@@ -249,13 +272,11 @@ int startUSBDetector(USBDetector* detector) {
 }
 
 int mainUSBDetector(int argc, const char* const argv[]) {
-    gVendorID = DeviceUtility::kVendorID;
-    gProductID = DeviceUtility::kProductID;
+    gWatchedIds = watchedIds();
     if (argc > 1) {
-        gVendorID = std::strtol(argv[1], nullptr, 10);
-    }
-    if (argc > 2) {
-        gProductID = std::strtol(argv[2], nullptr, 10);
+        const long product = argc > 2 ? std::strtol(argv[2], nullptr, 10) : DeviceUtility::kProductID;
+        gWatchedIds = {
+            UsbId{static_cast<uint16_t>(std::strtol(argv[1], nullptr, 10)), static_cast<uint16_t>(product)}};
     }
 
     struct sigaction action = {};
@@ -270,7 +291,11 @@ int mainUSBDetector(int argc, const char* const argv[]) {
         std::fprintf(stderr, "ERR: Couldn't create a udev context(%08x)\n", errno);
         return -1;
     }
-    DebugPrint("Looking for devices matching vendor ID=%ld and product ID=%ld\n", gVendorID, gProductID);
+    QStringList idTexts;
+    for (const UsbId& id : std::as_const(gWatchedIds)) {
+        idTexts << id.text();
+    }
+    DebugPrint("Looking for devices matching %s\n", qPrintable(idTexts.join(QLatin1Char(' '))));
 
     udev_enumerate* matching = udev_enumerate_new(context);
     if (matching == nullptr) {
@@ -280,9 +305,6 @@ int mainUSBDetector(int argc, const char* const argv[]) {
     }
     udev_enumerate_add_match_subsystem(matching, "usb");
     udev_enumerate_add_match_property(matching, "DEVTYPE", "usb_device");
-    udev_enumerate_add_match_sysattr(matching, "idVendor", qPrintable(QString::asprintf("%04lx", gVendorID)));
-    udev_enumerate_add_match_sysattr(matching, "idProduct",
-                                     qPrintable(QString::asprintf("%04lx", gProductID)));
 
     DetectorRunLoop ownRunLoop; // when called without a detector
     DetectorRunLoop* runLoop = gRunLoop != nullptr ? gRunLoop : &ownRunLoop;
@@ -331,7 +353,12 @@ void DeviceAdded(void*, udev_enumerate* iterator) {
             std::fprintf(stderr, "unable to create a plugin (%08x)\n", errno);
             continue;
         }
-        DebugPrint("Device 0x%08x added.\n", deviceHandle(device));
+        if (!matchesModem(device)) {
+            udev_device_unref(device);
+            continue;
+        }
+        DebugPrint("Device %04lx:%04lx (0x%08x) added.\n", hexSysattr(device, "idVendor"),
+                   hexSysattr(device, "idProduct"), deviceHandle(device));
         auto* record = new USBDeviceRecord;
         const char* product = udev_device_get_sysattr_value(device, "product");
         const char* name = product != nullptr ? product : udev_device_get_sysname(device);

@@ -14,7 +14,8 @@ struct DetectorRunLoop;
 struct udev_device;
 struct udev_enumerate;
 
-// Watches the USB bus, on a thread of its own, for the removal of the modem (vendor 7099, product 23).
+// Watches the USB bus, on a thread of its own, for the removal of the modem: any stick of the device table
+// (ModemTable) or one whose ports were probed (PortProbe).
 // The removal of a matching USB device marks the detector unplugged, for good, and runs the removal
 // action on the detector thread; a second removal runs it again. Arrivals are only printed: whether the
 // modem is there is decided by DeviceUtility::getModemDeviceName. After a removal, make a new detector
@@ -64,8 +65,8 @@ constexpr unsigned int kUSBMessageServiceChanged = 0xE0000000;
 // The detector thread's functions. Their state (the detector to tell, the monitor, the list of present
 // devices, the run loop) belongs to the thread that runs them.
 int startUSBDetector(USBDetector* detector);
-// Watches for vendor 7099 and product 23, or argv[1] and argv[2] (decimal). Returns 0 when the run loop
-// ends, -1 when the watch cannot be set up.
+// Watches for the sticks of the device table and the probed ones, or argv[1] and argv[2] (vendor and
+// product, decimal). Returns 0 when the run loop ends, -1 when the watch cannot be set up.
 int mainUSBDetector(int argc, const char* const argv[]);
 // Records every device of the list and arms its removal notification.
 void DeviceAdded(void* refCon, udev_enumerate* iterator);

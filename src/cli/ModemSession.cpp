@@ -112,7 +112,7 @@ bool ModemPresent() {
     QString dialName;
     QString atName;
     return DeviceUtility::getModemDeviceName(dialName, atName) && !atName.isEmpty() &&
-           access((DeviceUtility::deviceDir() + "/" + atName).toLocal8Bit().constData(), F_OK) == 0;
+           access(DeviceUtility::portPath(atName).toLocal8Bit().constData(), F_OK) == 0;
 }
 
 // Is the file locked by another process, the way the modem link locks its port?
@@ -202,16 +202,17 @@ int ModemSession::diagnoseOpenFailure(int code) {
     QString atName;
     const bool found = DeviceUtility::getModemDeviceName(dialName, atName);
     if (code == WORKER_ERR_COM_OPEN_FAILED && found) {
-        const std::string port = (DeviceUtility::deviceDir() + "/" + atName).toStdString();
+        const std::string port = DeviceUtility::portPath(atName).toStdString();
         if (HeldByAnotherProgram(port))
             return ReportFailure(_context, code, "the modem is in use by another program: " + port);
         return ReportFailure(_context, code, "the modem's port " + port + " could not be opened");
     }
     if (code == WORKER_ERR_NO_DATA_DEVICE || (code == WORKER_ERR_GENERAL && !found) ||
         code == WORKER_ERR_SWITCH_DISK_ERROR) {
-        return ReportFailure(_context, code,
-                             "no modem found in " + DeviceUtility::deviceDir().toStdString() +
-                                 " (plug the modem in, or try --simulate)");
+        return ReportFailure(
+            _context, code,
+            "no modem found in " + DeviceUtility::deviceDir().toStdString() +
+                " (plug the modem in; \"dialtone doctor\" says what is missing; or try --simulate)");
     }
     return ReportFailure(_context, code, "the modem could not be initialised: " + ResultCodeText(code));
 }

@@ -16,6 +16,7 @@
 #include "DebugSink.h"
 #include "GpsCommand.h"
 #include "NetworkCommand.h"
+#include "DoctorCommand.h"
 #include "PduCommand.h"
 #include "PinCommand.h"
 #include "ProfilesCommand.h"
@@ -62,6 +63,7 @@ int main(int argc, char** argv) {
     AddStkCommand(app, context);
     AddCallCommand(app, context);
     AddGpsCommand(app, context);
+    AddDoctorCommand(app, context);
 
     // The debug sink must point where it belongs before any command runs.
     app.parse_complete_callback([&context, &app] {

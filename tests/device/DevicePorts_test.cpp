@@ -1,5 +1,6 @@
 #include "DeviceTestSupport.h"
 #include "DeviceUtility.h"
+#include "ModemTable.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -91,33 +92,54 @@ TEST(DevicePorts, UserDataFolderIsCreated) {
     EXPECT_TRUE(QFileInfo(path).isDir());
 }
 
-// The shipped udev rule names the ports so that the discovery finds them, for this modem's ids.
-TEST(DevicePorts, UdevRuleMatchesDiscovery) {
-    const QByteArray rule =
-        TempWorld::readFile(DIALTONE_SOURCE_DIR "/resources/udev/70-dialtone-modem.rules");
-    ASSERT_FALSE(rule.isEmpty());
-    const QString text = QString::fromUtf8(rule);
-    QStringList links;
-    QRegularExpression symlink(R"re(SYMLINK\+="([^"]+)")re");
-    for (auto match = symlink.globalMatch(text); match.hasNext();) {
-        links << match.next().captured(1);
-    }
-    ASSERT_EQ(links.size(), 2);
-    const QString vendor = QString::asprintf("\"%04x\"", DeviceUtility::kVendorID);
-    const QString product = QString::asprintf("\"%04x\"", DeviceUtility::kProductID);
-    EXPECT_GE(text.count("ATTR{idVendor}==" + vendor) + text.count("ENV{ID_VENDOR_ID}!=" + vendor), 2);
-    EXPECT_GE(text.count("ATTR{idProduct}==" + product) + text.count("ENV{ID_MODEL_ID}!=" + product), 2);
-    EXPECT_EQ(text.count("ENV{ID_MM_DEVICE_IGNORE}=\"1\""), 2);
+// The rule made from the device table keeps every stick from ModemManager and names each known layout's
+// ports so that the discovery finds them; the first stick keeps its links cu.VELMobileConnector1 and
+// cu.VELDeviceInterface3. Sticks of unknown layout get access to all their ttys, for the probe.
+TEST(DevicePorts, UdevRuleFollowsTheTable) {
+    const QString rule = QString::fromUtf8(TempWorld::readFile(DIALTONE_UDEV_RULE));
+    QStringList problems;
+    const ModemTable table = ModemTable::parse(
+        TempWorld::readFile(DIALTONE_SOURCE_DIR "/resources/devices/modems.table"), &problems);
+    EXPECT_EQ(problems, QStringList());
+    ASSERT_GE(table.models().size(), 20);
+    EXPECT_EQ(table.models()[0].modemId, (UsbId{DeviceUtility::kVendorID, DeviceUtility::kProductID}));
+    EXPECT_EQ(rule.count("ENV{ID_MM_DEVICE_IGNORE}=\"1\""), 2 * table.models().size());
 
-    TempWorld world;
-    for (const QString& link : links) {
-        TempWorld::writeFile(world.dev() + "/" + link, {});
+    for (const ModemModel& model : table.models()) {
+        SCOPED_TRACE(model.modemId.text().toStdString());
+        const QString vendor = model.modemId.text().left(4);
+        const QString product = model.modemId.text().mid(5);
+        EXPECT_TRUE(rule.contains(QStringLiteral("ATTR{idVendor}==\"%1\", ATTR{idProduct}==\"%2\", \\\n"
+                                                 "    ENV{ID_MM_DEVICE_IGNORE}=\"1\"")
+                                      .arg(vendor, product)));
+        const QString match =
+            QStringLiteral("ENV{ID_VENDOR_ID}==\"%1\", ENV{ID_MODEL_ID}==\"%2\"").arg(vendor, product);
+        if (!model.layoutKnown()) {
+            EXPECT_TRUE(rule.contains(match + ", TAG+=\"uaccess\"\n"));
+            continue;
+        }
+        QMap<int, QString> links;
+        const QRegularExpression symlink(
+            QRegularExpression::escape(match) +
+            R"re(, ENV\{ID_USB_INTERFACE_NUM\}=="(..)", SYMLINK\+="([^"]+)", TAG\+="uaccess")re");
+        for (auto found = symlink.globalMatch(rule); found.hasNext();) {
+            const auto next = found.next();
+            links[next.captured(1).toInt(nullptr, 16)] = next.captured(2);
+        }
+        ASSERT_EQ(links.size(), 2);
+        TempWorld world;
+        for (const QString& link : links) {
+            TempWorld::writeFile(world.dev() + "/" + link, {});
+        }
+        QString modem, data;
+        ASSERT_TRUE(DeviceUtility::getModemDeviceName(modem, data));
+        EXPECT_EQ(modem, links[model.dialInterface]);
+        EXPECT_EQ(data, links[model.atInterface]);
+        EXPECT_EQ(table.findLinkSuffix(modem.mid(QString("cu.VELMobileConnector").size())), &model);
     }
-    QString modem, data;
-    ASSERT_TRUE(DeviceUtility::getModemDeviceName(modem, data));
-    EXPECT_TRUE(links.contains(modem));
-    EXPECT_TRUE(links.contains(data));
-    EXPECT_NE(modem, data);
+    EXPECT_TRUE(rule.contains(
+        "ENV{ID_VENDOR_ID}==\"1bbb\", ENV{ID_MODEL_ID}==\"0017\", ENV{ID_USB_INTERFACE_NUM}==\"00\", "
+        "SYMLINK+=\"cu.VELMobileConnector1\", TAG+=\"uaccess\""));
 }
 
 } // namespace

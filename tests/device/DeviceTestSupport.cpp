@@ -3,11 +3,25 @@
 
 #include "DeviceTestSupport.h"
 
+#include "ChildProcess.h"
+
 #include <cstring>
 
 bool underUmockdev() {
     const char* preload = std::getenv("LD_PRELOAD");
     return preload != nullptr && std::strstr(preload, "umockdev-preload") != nullptr;
+}
+
+QString makeSwitchPack(const TempWorld& world, const QStringList& names) {
+    QDir().mkpath(world.path("switch-data"));
+    for (const QString& name : names) {
+        TempWorld::writeFile(world.path("switch-data/" + name), "MessageContent=\"55534243\"");
+    }
+    const QString pack = world.path("configPack.tar.gz");
+    EXPECT_EQ(
+        ChildProcess::run("tar", QStringList{"-czf", pack, "-C", world.path("switch-data")} + names, 10000),
+        0);
+    return pack;
 }
 
 Testbed::Testbed() : _testbed(umockdev_testbed_new()) {}
@@ -65,6 +79,16 @@ QString Testbed::addBlock(const QString& parent, const QString& name, const char
     return syspath;
 }
 
+QString Testbed::addRecord(const QByteArray& base, const QByteArray& record) {
+    GError* error = nullptr;
+    EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))
+        << (error ? error->message : "");
+    if (error) {
+        g_error_free(error);
+    }
+    return "/sys" + QString::fromLatin1(base);
+}
+
 QString Testbed::addModemRecord(const QString& name) {
     const QByteArray base = "/devices/pci0000:00/usb1/" + name.toLatin1();
     const QByteArray record =
@@ -80,13 +104,29 @@ QString Testbed::addModemRecord(const QString& name) {
         base + "/" + name.toLatin1() +
         ":1.0/ttyUSB0/tty/ttyUSB0\n"
         "N: ttyUSB0\nE: DEVNAME=/dev/ttyUSB0\nE: SUBSYSTEM=tty\n";
-    GError* error = nullptr;
-    EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))
-        << (error ? error->message : "");
-    if (error) {
-        g_error_free(error);
+    return addRecord(base, record);
+}
+
+QString Testbed::addStickRecord(const QString& name, const char* vendor, const char* product,
+                                const QList<int>& interfaces, int firstTty, const QByteArray& ttyProperties) {
+    static int devnum = 10; // a new one for every plug-in, as the kernel counts
+    const QByteArray base = "/devices/pci0000:00/usb1/" + name.toLatin1();
+    QByteArray record = "P: " + base + "\nE: DEVTYPE=usb_device\nE: SUBSYSTEM=usb\nA: idVendor=" + vendor +
+                        "\nA: idProduct=" + product +
+                        "\nA: busnum=1\nA: devnum=" + QByteArray::number(++devnum) + "\nA: devpath=3\n\n";
+    for (int i = 0; i < interfaces.size(); ++i) {
+        const QByteArray number = QByteArray::number(interfaces[i], 16).rightJustified(2, '0');
+        const QByteArray interface = base + "/" + name.toLatin1() + ":1." + QByteArray::number(interfaces[i]);
+        const QByteArray tty = "ttyUSB" + QByteArray::number(firstTty + i);
+        record += "P: " + interface + "\nE: DEVTYPE=usb_interface\nE: SUBSYSTEM=usb\nE: DRIVER=option\n" +
+                  "A: bInterfaceNumber=" + number + "\n\nP: " + interface + "/" + tty + "/tty/" + tty +
+                  "\nN: " + tty + "\nE: DEVNAME=/dev/" + tty + "\nE: SUBSYSTEM=tty\n" + ttyProperties + "\n";
     }
-    return "/sys" + QString::fromLatin1(base);
+    return addRecord(base, record);
+}
+
+int Testbed::ttyMaster(const QString& devnode) {
+    return umockdev_testbed_get_dev_fd(_testbed, devnode.toLocal8Bit().constData());
 }
 
 void Testbed::uevent(const QString& syspath, const char* action) {

@@ -7,6 +7,9 @@ typedef struct _UMockdevTestbed UMockdevTestbed;
 // True when the program runs under umockdev-wrapper (main re-runs it so when it can).
 bool underUmockdev();
 
+// usb_modeswitch's switch data as Debian packs it (configPack.tar.gz), with a file per name; its path.
+QString makeSwitchPack(const TempWorld& world, const QStringList& names);
+
 // A umockdev test bed: a fake /sys (and udev database) for this process while it lives.
 class Testbed {
 public:
@@ -24,9 +27,17 @@ public:
     QString addBlock(const QString& parent, const QString& name, const char* devtype, bool cdrom);
     // The modem personality from umockdev's record format, with an interface and a tty child; no "add".
     QString addModemRecord(const QString& name);
+    // A stick from the record format: one interface per number, each with a tty ttyUSB<first + i>
+    // (a pty: ttyMaster gives its other end); no "add".
+    QString addStickRecord(const QString& name, const char* vendor, const char* product,
+                           const QList<int>& interfaces, int firstTty, const QByteArray& ttyProperties = {});
+    int ttyMaster(const QString& devnode);
     void uevent(const QString& syspath, const char* action);
     void remove(const QString& syspath);
 
 private:
+    // Adds devices from umockdev's record format; returns the syspath of the first, at base.
+    QString addRecord(const QByteArray& base, const QByteArray& record);
+
     UMockdevTestbed* _testbed;
 };

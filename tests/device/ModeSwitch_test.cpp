@@ -5,6 +5,8 @@
 
 #include <libudev.h>
 
+#include <QRegularExpression>
+
 namespace {
 
 // The stick and its neighbours as udev shows them, with stand-ins for the eject, switch and open programs
@@ -20,6 +22,8 @@ protected:
         world.env.set("DIALTONE_EJECT", world.standIn("eject"));
         world.env.set("DIALTONE_MODESWITCH", world.standIn("switch"));
         world.env.set("DIALTONE_OPEN", world.standIn("open"));
+        world.env.set("DIALTONE_MODESWITCH_DATA",
+                      makeSwitchPack(world, {"1bbb:f000", "1bbb:f017", "1bbb:f017:uMa=Other"}));
         TempWorld::writeFile(world.path("mounts"), "proc /proc proc rw 0 0\n");
     }
 
@@ -36,8 +40,11 @@ protected:
         }
         return usb;
     }
+    // usb_modeswitch's configuration file by its name: it lies in a temporary folder.
     QStringList programLog() const {
-        return QString::fromLocal8Bit(TempWorld::readFile(world.log())).split('\n', Qt::SkipEmptyParts);
+        return QString::fromLocal8Bit(TempWorld::readFile(world.log()))
+            .replace(QRegularExpression("-c \\S*/"), "-c ")
+            .split('\n', Qt::SkipEmptyParts);
     }
 
     TempWorld world;
@@ -45,10 +52,7 @@ protected:
 };
 
 QString switchLine(const char* product, int devnum) {
-    return QStringLiteral("switch -v 0x1bbb -p 0x%1 -b 1 -g %2 -V 0x1bbb -P 0x0017 -M "
-                          "55534243123456788000000080000606f50402527000000000000000000000")
-        .arg(product)
-        .arg(devnum);
+    return QStringLiteral("switch -v 0x1bbb -p 0x%1 -b 1 -g %2 -c 1bbb:%1").arg(product).arg(devnum);
 }
 
 TEST_F(ModeSwitch, NothingToSwitch) {
@@ -88,6 +92,17 @@ TEST_F(ModeSwitch, PicksOnlyTheStoragePersonality) {
 
     world.env.set("DIALTONE_MODESWITCH", world.standIn("failing-switch", 1));
     EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
+}
+
+// A table stick whose storage id the switch data lacks is not switched; usb_modeswitch is not run.
+TEST_F(ModeSwitch, NoSwitchDataNoSwitch) {
+    const QString usb = testbed->addUsbDevice("1-2", "12d1", "1446", 5);
+    testbed->addBlock(testbed->addScsiDevice(usb, "50", "HUAWEI", "Mass Storage"), "sr5", "disk", true);
+    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
+    world.env.set("DIALTONE_MODESWITCH_DATA", world.path("missing.tar.gz"));
+    addStorageStick("1-3", "f000", 6, false);
+    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
+    EXPECT_TRUE(programLog().isEmpty());
 }
 
 // The card volume: found by its media name on a mounted leaf, never on a CD-ROM, whatever its name.

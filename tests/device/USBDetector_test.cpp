@@ -1,5 +1,7 @@
 #include "DebugSink.h"
 #include "DeviceTestSupport.h"
+#include "PortProbe.h"
+#include "PropertyList.h"
 #include "ThreadWorker.h"
 #include "USBDetector.h"
 
@@ -110,6 +112,26 @@ TEST_F(Detector, ArrivalOnlyLogs) {
     barrier("1-3", 7);
     EXPECT_EQ(removals, 0);
     EXPECT_FALSE(detector->unplugged());
+}
+
+// Every stick of the device table is watched, and one whose ports were probed; IDs print as lsusb shows them.
+TEST_F(Detector, WatchesTableAndProbedSticks) {
+    world.env.set("XDG_CONFIG_HOME", world.path("config"));
+    QDir().mkpath(world.path("config/dialtone"));
+    ASSERT_TRUE(PropertyList::write(PortProbe::rememberedPath(),
+                                    QVariantMap{{"2c7c:0125", QVariantMap{{"AT", 1}, {"Dial", 2}}}}));
+    start();
+    const QString table = testbed->addUsbDevice("1-6", "12d1", "1001", 4);
+    testbed->addUsbDevice("1-7", "2c7c", "0125", 5);
+    testbed->addUsbDevice("1-8", "0bda", "0138", 6);
+    barrier("1-2", 7);
+    EXPECT_EQ(texts->count("added."), 3);
+    EXPECT_TRUE(texts->text().contains("Device 12d1:1001 (0x00010004) added."));
+    EXPECT_TRUE(texts->text().contains("Device 2c7c:0125 (0x00010005) added."));
+    EXPECT_TRUE(texts->text().contains("1bbb:0017 12d1:1001")) << "the watched ids, in hex";
+
+    testbed->uevent(table, "remove");
+    ASSERT_TRUE(waitFor([&] { return removals == 1; }));
 }
 
 // A removal action may drop the detector that calls it.

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "GuiTestSupport.h"
+#include "ModemDoctor.h"
 #include "ModulePlugin.h"
 #include "PinDialog.h"
 #include "StatusBarView.h"
@@ -92,6 +93,10 @@ TEST(MainWindowGui, UnpluggingShowsNoModemAndReplugRecoversWithoutRestart) {
     ASSERT_TRUE(world.waitForState(State::Absent));
     EXPECT_TRUE(window.showsModemPage());
     EXPECT_NE(window.modemPageText().indexOf("No modem"), -1);
+    // The page says what the checks found, as "dialtone doctor" does.
+    const QString firstFinding = ModemDoctor::examine().value(0).text.toHtmlEscaped();
+    EXPECT_TRUE(waitForGui([&] { return window.findingsText().contains(firstFinding); }))
+        << window.findingsText().toStdString();
     EXPECT_EQ(status->operatorText(), "No modem");
     EXPECT_EQ(status->signalLevel(), -1);
     EXPECT_NE(window.trayIcon()->toolTip().indexOf("No modem"), -1);

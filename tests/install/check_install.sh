@@ -29,6 +29,7 @@ expected=(
     share/dialtone/Resources/PLMN
     share/dialtone/Resources/VELModemService
     share/dialtone/Resources/VEL_HSPA_Modem
+    share/dialtone/Resources/modems.table
     share/dialtone/AccountData/Default.dat
     share/dialtone/modemsim/scenarios/default.json
     share/man/man1/dialtone.1
