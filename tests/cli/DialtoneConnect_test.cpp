@@ -197,7 +197,6 @@ TEST(DialtoneConnect, EveryFileAndFolderWrittenIsTheOwnersAlone) {
         const Outcome run = world.run(arguments);
         ASSERT_EQ(run.status, 0) << arguments.back() << ": " << run.err;
     }
-    ASSERT_TRUE(fs::exists(home / ".config" / "dialtone" / "defaults.ini"));
     ASSERT_TRUE(fs::exists(home / "Library" / "logs"));
     int seen = 0;
     for (const auto& entry : fs::recursive_directory_iterator(home)) {

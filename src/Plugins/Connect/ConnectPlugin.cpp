@@ -15,6 +15,7 @@
 #include "Connector/ConnectController.h"
 #include "ConvertUtilty.h"
 #include "DebugSink.h"
+#include "DialupReadiness.h"
 #include "LocalizedStrings.h"
 #include "NotificationCenter.h"
 
@@ -88,6 +89,17 @@ ConnectPlugin::ConnectPlugin(ModuleContext& context, QWidget* parent) : ModulePl
         if (!_controller)
             return;
         _message->clear();
+        const int state = _controller->connectState();
+        if (state == ConnectController::kInvalid || state == ConnectController::kDisconnected) {
+            // pppd would only fail later, with nothing a user can act on.
+            const auto findings = DialupReadiness::check(DialupReadiness::Facts::fromSystem());
+            if (const DialupReadiness::Finding* blocker = DialupReadiness::dialBlocker(findings)) {
+                _message->setText(
+                    tr("Cannot dial: %1.\nFix: %2")
+                        .arg(QString::fromStdString(blocker->text), QString::fromStdString(blocker->fix)));
+                return;
+            }
+        }
         _controller->actionForButtonConnect();
     });
     connect(_profiles, &QComboBox::currentIndexChanged, this, [this](int index) {
@@ -125,6 +137,11 @@ void ConnectPlugin::createController() {
     connect(_controller.get(), &ConnectController::warningRequested, this, &ConnectPlugin::showWarning);
     connect(_controller.get(), &ConnectController::serviceCreationFailed, this,
             &ConnectPlugin::showServiceFailure);
+    _controller->setAskBeforePrivilegedStep(true);
+    connect(_controller.get(), &ConnectController::privilegedStepNeeded, this,
+            &ConnectPlugin::explainPrivilegedStep);
+    connect(_controller.get(), &ConnectController::privilegedStepFailed, this,
+            &ConnectPlugin::showPrivilegedStepFailure);
     NotificationCenter::defaultCenter().addObserver(NOTIFY_TRAFFIC_STATISTICS, this,
                                                     [this](const Notification& n) { showStatistics(n); });
 }
@@ -185,6 +202,8 @@ void ConnectPlugin::refreshView() {
     QString text;
     if (!_modemPresent)
         text = tr("No modem: plug it in to connect");
+    else if (c && c->waitingForPrivilegedStep())
+        text = tr("Not connected: the first connection sets up the modem's dial-up service");
     else if (!c || !c->connectorReady())
         text = tr("Preparing the modem's dial-up service…");
     else if (state == ConnectController::kConnecting)
@@ -251,4 +270,38 @@ void ConnectPlugin::showServiceFailure() {
     box.setObjectName(QStringLiteral("serviceFailure"));
     box.setTextFormat(Qt::PlainText);
     box.exec();
+}
+
+void ConnectPlugin::explainPrivilegedStep() {
+    if (!_privilegeExplained) {
+        QMessageBox box(
+            QMessageBox::Information, tr("Set up dial-up"),
+            tr("Before its first connection, the modem needs a dial-up service: a small entry in "
+               "the system's pppd configuration (/etc/ppp/peers), which only an administrator may "
+               "change. The system now asks for an administrator's password once; later "
+               "connections need no password."),
+            QMessageBox::Cancel, this);
+        box.setObjectName(QStringLiteral("privilegeExplanation"));
+        box.setTextFormat(Qt::PlainText);
+        box.addButton(tr("Continue"), QMessageBox::AcceptRole);
+        if (box.exec() == QMessageBox::Cancel)
+            return;
+        _privilegeExplained = true;
+    }
+    _state->setText(tr("Waiting for the administrator's password…"));
+    _controller->startPrivilegedStep();
+}
+
+void ConnectPlugin::showPrivilegedStepFailure(int status) {
+    // pkexec: 126 the dialog was dismissed, 127 not authorised or no way to ask.
+    QString reason = status == 126 ? tr("The password dialog was closed: the dial-up service was not set up.")
+                                   : tr("The modem's dial-up service could not be set up.");
+    for (const DialupReadiness::Finding& finding :
+         DialupReadiness::check(DialupReadiness::Facts::fromSystem())) {
+        if (!finding.ok)
+            reason += QStringLiteral("\n") + QString::fromStdString(finding.text) + QStringLiteral(": ") +
+                      QString::fromStdString(finding.fix);
+    }
+    _message->setText(reason);
+    refreshView();
 }

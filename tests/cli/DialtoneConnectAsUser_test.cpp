@@ -1,0 +1,136 @@
+// Connecting as a user who is not root: the first connect sets up the dial-up service through pkexec (a
+// stand-in that notes its arguments), the peer belongs to that user, and a user outside the group dip is
+// told how to get in. --simulate leaves the system's dial-up folders alone.
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "CliTestSupport.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using clitest::Outcome;
+using clitest::RunDialtone;
+using clitest::SimulatedModem;
+using clitest::TempDir;
+
+constexpr uid_t kUser = 65534; // nobody
+constexpr gid_t kDip = 30;
+
+std::string readAll(const std::string& path) {
+    std::ifstream file(path);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+// The simulated stick and pppd's folders, opened up so that another user can dial: the peers folder
+// stays root's, as /etc/ppp/peers is.
+class UserWorld {
+public:
+    UserWorld() {
+        for (const char* folder : {"/peers", "/run", "/net"})
+            fs::create_directories(ppp.path + folder);
+        for (const std::string& folder : {ppp.path, ppp.path + "/peers", modem.devDir.path})
+            chmod(folder.c_str(), 0755);
+        for (const std::string& folder : {ppp.path + "/run", ppp.path + "/net"})
+            chmod(folder.c_str(), 0777);
+        for (const auto& entry : fs::directory_iterator(modem.devDir.path))
+            if (entry.is_symlink())
+                chmod(fs::canonical(entry.path()).c_str(), 0666);
+        chown(modem.home.path.c_str(), kUser, kUser);
+        // pkexec is setuid root; so is its stand-in.
+        fs::copy_file(DIALTONE_FAKE_PKEXEC, pkexec());
+        chown(pkexec().c_str(), 0, 0);
+        chmod(pkexec().c_str(), 04755);
+    }
+
+    Outcome runAs(const std::vector<std::string>& groups, const std::vector<std::string>& arguments) const {
+        std::vector<std::string> all{"--dev-dir", modem.devDir.path};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        std::string groupList;
+        for (const std::string& group : groups)
+            groupList += (groupList.empty() ? "" : ",") + group;
+        return RunDialtone(all, modem.home.path,
+                           {{"DIALTONE_PPPD", DIALTONE_FAKE_PPPD},
+                            {"DIALTONE_PEERS_DIR", ppp.path + "/peers"},
+                            {"DIALTONE_PPP_RUN_DIR", ppp.path + "/run"},
+                            {"DIALTONE_NET_DIR", ppp.path + "/net"},
+                            {"DIALTONE_PKEXEC", pkexec()},
+                            {"DIALTONE_FAKE_PKEXEC_LOG", ppp.path + "/pkexec.log"},
+                            {"XDG_CONFIG_HOME", ""}},
+                           "/dev/null",
+                           {"setpriv", "--reuid=" + std::to_string(kUser), "--regid=" + std::to_string(kUser),
+                            groups.empty() ? "--clear-groups" : "--groups=" + groupList, "--"});
+    }
+
+    std::string pkexec() const { return ppp.path + "/pkexec"; }
+
+    SimulatedModem modem;
+    TempDir ppp;
+};
+
+TEST(DialtoneConnectAsUser, FirstConnectSetsUpTheServiceThroughPkexecOnce) {
+    if (getuid() != 0)
+        GTEST_SKIP() << "needs root to run the tool as another user";
+    UserWorld world;
+    ASSERT_TRUE(world.modem.ready());
+
+    const Outcome outsider = world.runAs({}, {"--wait", "20", "connect"});
+    EXPECT_EQ(outsider.status, 1);
+    EXPECT_NE(outsider.err.find("sudo adduser $USER dip"), std::string::npos) << outsider.err;
+    EXPECT_FALSE(fs::exists(world.ppp.path + "/pkexec.log")) << "nothing set up for a user who cannot dial";
+
+    const Outcome connected = world.runAs({std::to_string(kDip)}, {"--wait", "20", "connect"});
+    ASSERT_EQ(connected.status, 0) << connected.err;
+    EXPECT_NE(connected.err.find("asks for a password once"), std::string::npos) << connected.err;
+    const std::string log = readAll(world.ppp.path + "/pkexec.log");
+    EXPECT_NE(log.find("/VELModemService VELMobileConnector"), std::string::npos) << log;
+    EXPECT_NE(log.find(" VELMODEM1\n"), std::string::npos) << log;
+    const std::string peer = readAll(world.ppp.path + "/peers/VELMODEM1");
+    EXPECT_NE(peer.find("# owner uid 65534\n"), std::string::npos) << peer;
+
+    const Outcome disconnected = world.runAs({std::to_string(kDip)}, {"--wait", "20", "disconnect"});
+    EXPECT_EQ(disconnected.status, 0) << disconnected.err;
+    const Outcome again = world.runAs({std::to_string(kDip)}, {"--wait", "20", "connect"});
+    EXPECT_EQ(again.status, 0) << again.err;
+    EXPECT_EQ(readAll(world.ppp.path + "/pkexec.log"), log) << "the password is asked once";
+    world.runAs({std::to_string(kDip)}, {"--wait", "20", "disconnect"});
+}
+
+// What the system's dial-up folders hold: names and change times.
+std::vector<std::string> systemDialupState() {
+    std::vector<std::string> state;
+    for (const char* folder : {"/etc/ppp", "/etc/ppp/peers", "/etc/chatscripts"}) {
+        std::error_code error;
+        for (const auto& entry : fs::directory_iterator(folder, error)) {
+            struct stat info {};
+            stat(entry.path().c_str(), &info);
+            state.push_back(entry.path().string() + " " + std::to_string(info.st_mtim.tv_sec) + "." +
+                            std::to_string(info.st_mtim.tv_nsec));
+        }
+    }
+    std::sort(state.begin(), state.end());
+    return state;
+}
+
+TEST(DialtoneConnectAsUser, SimulateWritesNothingOfTheSystems) {
+    TempDir home;
+    const std::vector<std::string> before = systemDialupState();
+    const std::vector<std::pair<std::string, std::string>> environment{
+        {"DIALTONE_PPPD", DIALTONE_FAKE_PPPD}, {"DIALTONE_PEERS_DIR", ""},
+        {"DIALTONE_PPP_RUN_DIR", ""},          {"DIALTONE_NET_DIR", ""},
+        {"DIALTONE_CHATSCRIPTS_DIR", ""},      {"XDG_CONFIG_HOME", ""}};
+    for (const char* command : {"connect", "monitor", "disconnect"}) {
+        const Outcome run = RunDialtone({"--simulate", "--wait", "3", command}, home.path, environment);
+        EXPECT_NE(run.status, -1) << command << ": " << run.err;
+    }
+    EXPECT_EQ(systemDialupState(), before);
+}
+
+} // namespace
