@@ -51,24 +51,27 @@ public:
     }
 };
 
-TEST(ServiceTool, RefusesWhatCannotGoInAPeerFile) {
+// The tool trusts nothing it is given: what it refuses writes nothing and runs nothing.
+TEST(ServiceTool, WritesThePeerOrRefusesItsArguments) {
     DialWorld world;
+    const QString marker = world.path("ran");
     // clang-format off
     const struct { QStringList arguments; int status; } rows[] = {
         {{"VELMobileConnector1", "VELMODEM1/../x"}, 2},
         {{"VELMobileConnector1", "VELMODEM0"}, 2},
         {{"VELMobileConnector1", "VELMODEM1\nplugin x.so"}, 2},
         {{"VELMobileConnector1", "provider"}, 2},
-        {{"VELMobileConnector1", "-VELMODEM1"}, 2},
         {{"/etc/passwd", "VELMODEM1"}, 2},
         {{"/dev/ttyUSB0", "VELMODEM1"}, 2}, // outside this world's device folder
         {{world.dev() + "/../x", "VELMODEM1"}, 2},
         {{world.dev() + "/cu.x\nnoauth", "VELMODEM1"}, 2},
-        {{world.dev() + "/cu.x noauth", "VELMODEM1"}, 2},
-        {{"cu.x\tnoauth", "VELMODEM1"}, 2},
+        {{"cu.x noauth", "VELMODEM1"}, 2},
+        {{"$(touch " + marker + ")", "VELMODEM1"}, 2},
+        {{"x; touch " + marker, "VELMODEM1"}, 2},
+        {{".hidden", "VELMODEM1"}, 2},
+        {{"", "VELMODEM1"}, 2},
         {{"--option", "noauth", "VELMobileConnector1", "VELMODEM1"}, 2},
         {{"--option", "usepeerdns\nnoauth", "VELMobileConnector1", "VELMODEM1"}, 2},
-        {{"--option", "debug plugin", "VELMobileConnector1", "VELMODEM1"}, 2},
         {{"VELMobileConnector1"}, 2},
     };
     // clang-format on
@@ -77,12 +80,19 @@ TEST(ServiceTool, RefusesWhatCannotGoInAPeerFile) {
         EXPECT_EQ(runTool(row.arguments), row.status);
         EXPECT_TRUE(
             QDir(world.peers()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden).isEmpty());
+        EXPECT_FALSE(QFileInfo::exists(marker));
     }
-    EXPECT_EQ(runTool({"--option", "usepeerdns", world.dev() + "/cu.VELMobileConnector1", "VELMODEM1"}), 0);
-    const QStringList words =
-        PPPConnection::tokenizeOptions(TempWorld::readFile(world.peers() + "/VELMODEM1"));
-    EXPECT_TRUE(words.contains("usepeerdns"));
-    EXPECT_EQ(ownerOf(world.peers() + "/VELMODEM1"), static_cast<long>(getuid()));
+    ASSERT_EQ(runTool({"--option", "usepeerdns", world.dev() + "/cu.VELMobileConnector1", "VELMODEM1"}), 0);
+    const QFileInfo peer(world.peers() + "/VELMODEM1");
+    EXPECT_FALSE(peer.permissions() & QFile::WriteOther);
+    const QStringList words = PPPConnection::tokenizeOptions(TempWorld::readFile(peer.filePath()));
+    EXPECT_TRUE(words.contains(world.dev() + "/cu.VELMobileConnector1"));
+    EXPECT_EQ(words.at(words.indexOf("linkname") + 1), "VELMODEM1");
+    EXPECT_TRUE(words.contains("noauth") && words.contains("usepeerdns"));
+    EXPECT_EQ(ownerOf(peer.filePath()), static_cast<long>(getuid()));
+
+    world.env.set("DIALTONE_PEERS_DIR", world.path("none/peers"));
+    EXPECT_EQ(DialWorld::createService(), 1);
 }
 
 TEST(ServiceTool, AnotherUsersPeerIsNeitherOverwrittenNorUsed) {

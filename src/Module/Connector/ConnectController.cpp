@@ -76,12 +76,10 @@ void ConnectController::handleNotifyModemInit(const Notification& notification) 
             // The profiles are offered meanwhile; the connect button starts the privileged step.
             const bool first = _pendingServiceDevice.isEmpty();
             _pendingServiceDevice = deviceName;
-            _buttonEnabled = true;
-            _choiceEnabled = true;
             if (first) {
                 NotificationCenter::defaultCenter().post(CONNECTOR_READY, this);
             }
-            emit viewStateChanged();
+            refreshConnectButton();
             return;
         }
         if (!_serviceCreated) {
@@ -404,8 +402,10 @@ void ConnectController::applicationWillTerminate() {
 void ConnectController::refreshConnectButton() {
     const bool linkUp = _connectState == kConnecting || _connectState == kConnected;
     _buttonTitleKey = linkUp ? QStringLiteral("IDS_DISCONNECT") : QStringLiteral("IDS_CONNECT");
-    _buttonEnabled = _connectorReady && _connectState != kDisconnecting;
-    _choiceEnabled = _connectorReady && !linkUp && _connectState != kDisconnecting;
+    // While the service waits for the privileged step, the button starts it.
+    const bool usable = _connectorReady || waitingForPrivilegedStep();
+    _buttonEnabled = usable && _connectState != kDisconnecting;
+    _choiceEnabled = usable && !linkUp && _connectState != kDisconnecting;
     emit viewStateChanged();
 }
 

@@ -26,6 +26,16 @@ QString KeyText(const QString& key) {
     return LocalizedStrings::text(key);
 }
 
+// What stands in the way of dialling, each with its fix, one per line.
+void AppendFindings(QString& text) {
+    for (const DialupReadiness::Finding& finding :
+         DialupReadiness::check(DialupReadiness::Facts::fromSystem())) {
+        if (!finding.ok)
+            text += QStringLiteral("\n") + QString::fromStdString(finding.text) + QStringLiteral(". Fix: ") +
+                    QString::fromStdString(finding.fix);
+    }
+}
+
 QString Bytes(quint64 bytes) {
     return ConvertUtilty::byte2String(bytes) + QStringLiteral("B");
 }
@@ -257,10 +267,8 @@ void ConnectPlugin::showWarning(const QString& titleKey, const QString& messageK
 }
 
 void ConnectPlugin::showServiceFailure() {
-    const QString reason =
-        tr("The modem's dial-up service could not be created. Creating it needs the rights to write the "
-           "pppd peers folder (usually /etc/ppp/peers): run Dialtone once as a user who may write there, "
-           "or ask your administrator to add the modem's peer entry.");
+    QString reason = tr("The modem's dial-up service could not be created.");
+    AppendFindings(reason);
     _message->setText(reason);
     clearCounters();
     _button->setEnabled(false);
@@ -296,12 +304,7 @@ void ConnectPlugin::showPrivilegedStepFailure(int status) {
     // pkexec: 126 the dialog was dismissed, 127 not authorised or no way to ask.
     QString reason = status == 126 ? tr("The password dialog was closed: the dial-up service was not set up.")
                                    : tr("The modem's dial-up service could not be set up.");
-    for (const DialupReadiness::Finding& finding :
-         DialupReadiness::check(DialupReadiness::Facts::fromSystem())) {
-        if (!finding.ok)
-            reason += QStringLiteral("\n") + QString::fromStdString(finding.text) + QStringLiteral(": ") +
-                      QString::fromStdString(finding.fix);
-    }
+    AppendFindings(reason);
     _message->setText(reason);
     refreshView();
 }

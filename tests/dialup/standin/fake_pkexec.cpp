@@ -1,7 +1,5 @@
-// A stand-in for pkexec: installed setuid root by a test, it notes its arguments in
-// DIALTONE_FAKE_PKEXEC_LOG, then runs the program with root's rights and PKEXEC_UID set to the caller, as
-// pkexec does once the user has authenticated. Unlike pkexec it keeps the environment, so that the
-// program works in the test's folders.
+// pkexec once the user has authenticated, setuid root in a test: notes its arguments in
+// DIALTONE_FAKE_PKEXEC_LOG and runs the program as root with PKEXEC_UID, keeping the test's environment.
 #include <cstdio>
 #include <cstdlib>
 #include <grp.h>
