@@ -15,10 +15,6 @@ namespace {
 
 constexpr uid_t kOtherUser = 65534; // nobody
 
-QString toolPath() {
-    return ResourceLocator::resourcePath(QLatin1String(ServiceTool::kToolName));
-}
-
 // Runs work in a child process with the user's rights; its exit status.
 int asUser(uid_t uid, const std::function<int()>& work) {
     const pid_t child = fork();
@@ -34,26 +30,24 @@ int asUser(uid_t uid, const std::function<int()>& work) {
 }
 
 int runTool(const QStringList& arguments) {
-    return ChildProcess::run(toolPath(), arguments, 10000);
+    return ChildProcess::run(ResourceLocator::resourcePath(ServiceTool::kToolName), arguments, 10000);
 }
 
 long ownerOf(const QString& peer) {
     return DialupPeer::ownerOf(TempWorld::readFile(peer).toStdString());
 }
 
-// A world whose folders another user may enter, with a peers folder everyone may write (the ownership
-// check, not the folder's rights, keeps the users apart here).
-class SharedDialWorld : public DialWorld {
-public:
-    SharedDialWorld() {
-        for (const QString& folder : {path(""), dev(), peers()})
-            QFile::setPermissions(folder, QFileDevice::Permissions(0x7777));
-    }
-};
+// Lets another user into the world, with a peers folder everyone may write: the ownership check, not the
+// folder's rights, keeps the users apart here.
+void share(const DialWorld& world) {
+    for (const QString& folder : {world.path(""), world.dev(), world.peers()})
+        QFile::setPermissions(folder, QFileDevice::Permissions(0x7777));
+}
 
 // The tool trusts nothing it is given: what it refuses writes nothing and runs nothing.
 TEST(ServiceTool, WritesThePeerOrRefusesItsArguments) {
     DialWorld world;
+    TempWorld::writeFile(world.dev() + "/cu.x", "");
     const QString marker = world.path("ran");
     // clang-format off
     const struct { QStringList arguments; int status; } rows[] = {
@@ -63,6 +57,8 @@ TEST(ServiceTool, WritesThePeerOrRefusesItsArguments) {
         {{"VELMobileConnector1", "provider"}, 2},
         {{"/etc/passwd", "VELMODEM1"}, 2},
         {{"/dev/ttyUSB0", "VELMODEM1"}, 2}, // outside this world's device folder
+        {{world.dev() + "/sda", "VELMODEM1"}, 2},
+        {{"x", "VELMODEM1"}, 2}, // cu.x, a file here
         {{world.dev() + "/../x", "VELMODEM1"}, 2},
         {{world.dev() + "/cu.x\nnoauth", "VELMODEM1"}, 2},
         {{"cu.x noauth", "VELMODEM1"}, 2},
@@ -98,7 +94,8 @@ TEST(ServiceTool, WritesThePeerOrRefusesItsArguments) {
 TEST(ServiceTool, AnotherUsersPeerIsNeitherOverwrittenNorUsed) {
     if (getuid() != 0)
         GTEST_SKIP() << "needs root to act as a second user";
-    SharedDialWorld world;
+    DialWorld world;
+    share(world);
     ASSERT_EQ(DialWorld::createService(), 0);
     const QByteArray mine = TempWorld::readFile(world.peers() + "/VELMODEM1");
     const auto toolAsOther = [](const QString& service) {
@@ -120,20 +117,20 @@ TEST(ServiceTool, AnotherUsersPeerIsNeitherOverwrittenNorUsed) {
 TEST(PeerNames, TwoUsersAtOnceGetPeersOfTheirOwn) {
     if (getuid() != 0)
         GTEST_SKIP() << "needs root to act as a second user";
-    SharedDialWorld world;
-    const auto claim = [] {
-        const ServiceTool::Outcome outcome = ServiceTool::create(DialWorld::kDevice, [](const QString&) {});
-        return outcome.status == 0 ? DialupPeer::numberOf(outcome.service.toStdString())
-                                   : 100 + outcome.status;
-    };
-    int numbers[2] = {};
+    DialWorld world;
+    share(world);
     const uid_t users[2] = {0, kOtherUser};
     pid_t children[2];
     for (int i = 0; i < 2; ++i) {
-        children[i] = fork();
-        if (children[i] == 0)
-            _exit(asUser(users[i], claim));
+        if ((children[i] = fork()) == 0)
+            _exit(asUser(users[i], [] {
+                const ServiceTool::Outcome made =
+                    ServiceTool::create(DialWorld::kDevice, [](const QString&) {});
+                return made.status == 0 ? DialupPeer::numberOf(made.service.toStdString())
+                                        : 100 + made.status;
+            }));
     }
+    int numbers[2] = {};
     for (int i = 0; i < 2; ++i) {
         int status = 0;
         waitpid(children[i], &status, 0);

@@ -55,6 +55,19 @@ bool plainPath(const std::string& path) {
            std::string::npos;
 }
 
+// pppd opens the port with root's rights: only serial ports, never a disk or a console. A port that is
+// not plugged in yet is taken by its name.
+bool serialPort(const std::string& tty) {
+    const std::string name = tty.substr(tty.rfind('/') + 1);
+    bool named = false;
+    for (const char* prefix : {"cu.", "ttyUSB", "ttyACM", "ttyHS"}) {
+        named = named || (name.rfind(prefix, 0) == 0 && name.size() > std::strlen(prefix));
+    }
+    named = named || tty.find("/serial/by-id/") != std::string::npos;
+    struct stat node {};
+    return named && (stat(tty.c_str(), &node) != 0 ? errno == ENOENT : S_ISCHR(node.st_mode));
+}
+
 // With root's rights through pkexec, the user who asked; else whoever runs the tool.
 bool callerUid(uid_t& uid) {
     const char* asked = std::getenv("PKEXEC_UID");
@@ -160,8 +173,9 @@ int main(int argc, char** argv) {
         tty = where.dev + "/cu." + device;
     }
     if (device.empty() || !plainPath(tty) || tty.compare(0, where.dev.size() + 1, where.dev + "/") != 0 ||
-        (device[0] != '/' && (device[0] == '.' || device.find('/') != std::string::npos))) {
-        return fail(kBadArguments, "invalid device '" + device + "': a dial port in " + where.dev);
+        (device[0] != '/' && (device[0] == '.' || device.find('/') != std::string::npos)) ||
+        !serialPort(tty)) {
+        return fail(kBadArguments, "invalid device '" + device + "': a serial port in " + where.dev);
     }
 
     struct stat folder {};
