@@ -12,14 +12,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "CliTestSupport.h"
+#include "ConnectWorld.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using clitest::Outcome;
 using clitest::RunDialtone;
-using clitest::SimulatedModem;
 using clitest::TempDir;
 
 constexpr uid_t kUser = 65534; // nobody
@@ -32,11 +31,9 @@ std::string readAll(const std::string& path) {
 
 // The simulated stick and pppd's folders, opened up so that another user can dial: the peers folder
 // stays root's, as /etc/ppp/peers is.
-class UserWorld {
+class UserWorld : public ConnectWorld {
 public:
     UserWorld() {
-        for (const char* folder : {"/peers", "/run", "/net"})
-            fs::create_directories(ppp.path + folder);
         for (const std::string& folder : {ppp.path, ppp.path + "/peers", modem.devDir.path})
             chmod(folder.c_str(), 0755);
         for (const std::string& folder : {ppp.path + "/run", ppp.path + "/net"})
@@ -53,26 +50,14 @@ public:
 
     // As the user, in the group given ("" for none).
     Outcome runAs(const std::string& group, const std::vector<std::string>& arguments) const {
-        std::vector<std::string> all{"--dev-dir", modem.devDir.path};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        return RunDialtone(all, modem.home.path,
-                           {{"DIALTONE_PPPD", DIALTONE_FAKE_PPPD},
-                            {"DIALTONE_PEERS_DIR", ppp.path + "/peers"},
-                            {"DIALTONE_PPP_RUN_DIR", ppp.path + "/run"},
-                            {"DIALTONE_NET_DIR", ppp.path + "/net"},
-                            {"DIALTONE_PKEXEC", pkexec()},
-                            {"DIALTONE_FAKE_PKEXEC_LOG", ppp.path + "/pkexec.log"},
-                            {"XDG_CONFIG_HOME", ""}},
-                           "/dev/null",
-                           {"setpriv", "--reuid=" + std::to_string(kUser), "--regid=" + std::to_string(kUser),
-                            group.empty() ? "--clear-groups" : "--groups=" + group, "--"});
+        return run(arguments,
+                   {{"DIALTONE_PKEXEC", pkexec()}, {"DIALTONE_FAKE_PKEXEC_LOG", ppp.path + "/pkexec.log"}},
+                   {"setpriv", "--reuid=" + std::to_string(kUser), "--regid=" + std::to_string(kUser),
+                    group.empty() ? "--clear-groups" : "--groups=" + group, "--"});
     }
 
     std::string pkexec() const { return ppp.path + "/pkexec"; }
     std::string pkexecLog() const { return readAll(ppp.path + "/pkexec.log"); }
-
-    SimulatedModem modem;
-    TempDir ppp;
 };
 
 TEST(DialtoneConnectAsUser, FirstConnectSetsUpTheServiceThroughPkexecOnce) {
