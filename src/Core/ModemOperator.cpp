@@ -2,10 +2,13 @@
 
 #include "CNSLog.h"
 #include "DeviceUtility.h"
+#include "DialupPeer.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+
+#include <unistd.h>
 
 ModemOperator::ModemOperator() : _pref(PPPConnection::peersDir()) {}
 
@@ -39,7 +42,13 @@ int ModemOperator::initModem() {
         if (peer.endsWith('~') || !file.open(QIODevice::ReadOnly)) {
             continue;
         }
-        const QStringList words = PPPConnection::tokenizeOptions(file.read(64 * 1024));
+        const QByteArray text = file.read(64 * 1024);
+        // A peer made for another user of this machine is theirs, even on this modem.
+        const long owner = DialupPeer::ownerOf(text.left(4096).toStdString());
+        if (owner >= 0 && owner != static_cast<long>(getuid())) {
+            continue;
+        }
+        const QStringList words = PPPConnection::tokenizeOptions(text);
         bool onModem = false;
         for (const QString& name : names) {
             onModem = onModem || words.contains(name);

@@ -10,8 +10,8 @@
 // Makes and breaks the packet-data connection through pppd. It speaks neither PPP nor AT itself.
 //
 // The modem's "network interface" is its dial port's device node ("<device folder>/cu.<device name>");
-// its "PPP service" is the first pppd peer file, in name order, that names that node (the service tool
-// "VELModemService" writes one); the connection object runs pppd for that peer.
+// its "PPP service" is the first pppd peer file, in name order, that names that node and was not made for
+// another user (the service tool "VELModemService" writes one); the connection object runs pppd for it.
 // Result codes: 0 success, 1 no device node for the name, 2 no peer file for it, 3 no connection
 // (initModem has not succeeded), 4 the connection could not be started, 5 it could not be stopped, 8 no
 // device name. Runs on the worker thread only.

@@ -154,11 +154,22 @@ bool PPPConnection::optionsText(const QVariantMap& options, QByteArray& text) {
         return false;
     }
 
+    // The service tool's copy beside the system's chat scripts, when there is one: only root can change it.
+    // The service tool's copy beside the system's chat scripts, when there is one: only root can change it.
+    // Moved peers come with their own chat scripts folder, or none.
+    const QString scripts = qEnvironmentVariableIsEmpty("DIALTONE_PEERS_DIR")
+                                ? fromEnvironment("DIALTONE_CHATSCRIPTS_DIR", "/etc/chatscripts")
+                                : qEnvironmentVariable("DIALTONE_CHATSCRIPTS_DIR");
+    QString scriptPath = scripts + '/' + script;
+    if (scripts.isEmpty() || !QFileInfo(scriptPath).isFile()) {
+        scriptPath = ResourceLocator::resourcePath(script);
+    }
     QByteArray out = "# Options of one dial, read by pppd with \"file\". Mode 0600: it holds the password.\n";
-    out += "connect " +
-           quoted(QStringLiteral("/usr/sbin/chat -f %1 -T %2")
-                      .arg(shellQuoted(ResourceLocator::resourcePath(script)), shellQuoted(number))) +
-           '\n';
+    out +=
+        "connect " +
+        quoted(
+            QStringLiteral("/usr/sbin/chat -f %1 -T %2").arg(shellQuoted(scriptPath), shellQuoted(number))) +
+        '\n';
     if (!account.isEmpty()) {
         out += "user " + quoted(account) + '\n';
     }
@@ -219,6 +230,11 @@ bool PPPConnection::start(const QVariantMap& options) {
     if (runningPid() > 0) {
         return false;
     }
+    if (qEnvironmentVariableIsEmpty("DIALTONE_PPPD") && peersDir() != QLatin1String("/etc/ppp/peers")) {
+        // "call" reads /etc/ppp/peers only: the system's peer of that name could be another modem's.
+        CNSLOG(2, "pppd cannot dial a peer in %s; DIALTONE_PPPD names one that can", qPrintable(peersDir()));
+        return false;
+    }
     QByteArray text;
     if (!optionsText(options, text)) {
         CNSLOG(2, "dial options cannot be passed to pppd");
@@ -238,8 +254,9 @@ bool PPPConnection::start(const QVariantMap& options) {
         removeOptionsFile();
         return false;
     }
-    _pid = ChildProcess::spawn(pppdPath(), {QStringLiteral("call"), _serviceID, QStringLiteral("file"), path,
-                                            QStringLiteral("nodetach")});
+    _pid = ChildProcess::spawnInOwnSession(
+        pppdPath(),
+        {QStringLiteral("call"), _serviceID, QStringLiteral("file"), path, QStringLiteral("nodetach")});
     _stopping = false;
     if (_pid < 0) {
         removeOptionsFile();

@@ -18,7 +18,8 @@
 // once the link is established. The byte counters are the interface's "statistics" folder.
 //
 // Folders and programs: DIALTONE_PPPD (/usr/sbin/pppd), DIALTONE_PEERS_DIR (/etc/ppp/peers),
-// DIALTONE_PPP_RUN_DIR (/run), DIALTONE_NET_DIR (/sys/class/net).
+// DIALTONE_PPP_RUN_DIR (/run), DIALTONE_NET_DIR (/sys/class/net), DIALTONE_CHATSCRIPTS_DIR (/etc/chatscripts).
+// pppd runs in a session of its own: the link does not end with the terminal or the tool's process group.
 class PPPConnection {
 public:
     // Connection status values.

@@ -53,7 +53,7 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "dialtone-gui: %s\n", error.c_str());
             return 1;
         }
-        qputenv("DIALTONE_DEV_DIR", QByteArray::fromStdString(simulator.devDir()));
+        simulator.useOwnFolders();
     } else if (parser.isSet(devDir)) {
         qputenv("DIALTONE_DEV_DIR", QDir(parser.value(devDir)).absolutePath().toLocal8Bit());
     }

@@ -41,6 +41,14 @@ struct ArgumentVector {
 } // namespace
 
 pid_t ChildProcess::spawn(const QString& program, const QStringList& arguments) {
+    return spawnWith(program, arguments, false);
+}
+
+pid_t ChildProcess::spawnInOwnSession(const QString& program, const QStringList& arguments) {
+    return spawnWith(program, arguments, true);
+}
+
+pid_t ChildProcess::spawnWith(const QString& program, const QStringList& arguments, bool ownSession) {
     if (program.isEmpty()) {
         return -1;
     }
@@ -49,6 +57,9 @@ pid_t ChildProcess::spawn(const QString& program, const QStringList& arguments) 
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    if (ownSession) {
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    }
     posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
@@ -59,7 +70,8 @@ pid_t ChildProcess::spawn(const QString& program, const QStringList& arguments) 
     sigemptyset(&none);
     posix_spawnattr_setsigdefault(&attributes, &all);
     posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK |
+                                              (ownSession ? POSIX_SPAWN_SETSID : 0));
 
     pid_t pid = -1;
     const int error =

@@ -13,6 +13,10 @@ class ChildProcess {
 public:
     // Starts the program; a bare name is looked up in PATH. Returns the pid, or -1 when it cannot start.
     static pid_t spawn(const QString& program, const QStringList& arguments);
+    // The same for a program that must outlive this process's terminal and process group (pppd): it
+    // runs in a session of its own, and its standard error goes to /dev/null too, so a pipe reading this
+    // process's output ends when this process does.
+    static pid_t spawnInOwnSession(const QString& program, const QStringList& arguments);
 
     // Starts the program and waits for it: its exit status, or -1 when it could not start, was killed by
     // a signal, or ran past timeoutMs (then it is killed).
@@ -23,4 +27,7 @@ public:
 
     // Runs the program in the background and forgets it; true when it started.
     static bool startDetached(const QString& program, const QStringList& arguments);
+
+private:
+    static pid_t spawnWith(const QString& program, const QStringList& arguments, bool ownSession);
 };

@@ -200,6 +200,21 @@ void Simulator::stop() {
     _control.clear();
 }
 
+void Simulator::useOwnFolders() const {
+    if (_devDir.empty())
+        return;
+    const std::string dialup = dialupDir();
+    setenv("DIALTONE_DEV_DIR", _devDir.c_str(), 1);
+    const std::pair<const char*, const char*> folders[] = {{"DIALTONE_PEERS_DIR", "/peers"},
+                                                           {"DIALTONE_PPP_RUN_DIR", "/run"},
+                                                           {"DIALTONE_CHATSCRIPTS_DIR", "/chatscripts"}};
+    for (const auto& [variable, name] : folders) {
+        std::error_code ignored;
+        std::filesystem::create_directories(dialup + name, ignored);
+        setenv(variable, (dialup + name).c_str(), 1);
+    }
+}
+
 void Simulator::stopOnInterrupt() const {
     if (_pid > 0)
         WatchForInterrupts(_pid, _devDir);

@@ -23,10 +23,15 @@ public:
     bool start(const std::string& scenario, bool trace, std::string& error, int deadlineMs = 5000);
     // Ends it (SIGTERM, then SIGKILL after two seconds) and removes its device folder. Safe to repeat.
     void stop();
+    // Points this process, and the programs it starts, at the simulator's folders: its device folder, and
+    // pppd's peers, pid files and chat scripts in a "dialup" folder inside it, so that a simulated run
+    // never writes to the system's dial-up configuration.
+    void useOwnFolders() const;
     // Installs the interrupt handler that ends the simulator again, for after code that installed its own.
     void stopOnInterrupt() const;
 
     const std::string& devDir() const { return _devDir; }
+    std::string dialupDir() const { return _devDir.empty() ? std::string() : _devDir + "/dialup"; }
     const std::string& atLink() const { return _atLink; }
     // The simulator's control socket (sms, ring, unplug, plug, ...).
     const std::string& controlSocket() const { return _control; }

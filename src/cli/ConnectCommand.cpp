@@ -14,9 +14,12 @@
 #include "Connector/ConnectController.h"
 #include "Connector/ProfileSettingsController.h"
 #include "ConvertUtilty.h"
+#include "DialupReadiness.h"
 #include "GUIThreadAgent.h"
 #include "ModemSession.h"
+#include "PPPConnection.h"
 #include "RecordJson.h"
+#include "ServiceTool.h"
 #include "SimProfiles.h"
 #include "Statistics/TrafficStatics.h"
 #include "StatusText.h"
@@ -41,9 +44,7 @@ public:
         // The service tool's command line is progress, never part of the output.
         _controller.setEchoSink([](const QString& line) { ReportProgress(line.toStdString()); });
         QObject::connect(&_controller, &ConnectController::serviceCreationFailed, [this] {
-            finish(ReportFailure(_context, WORKER_ERR_SERVICE_NOT_FOUND,
-                                 "the modem's dial-up service could not be created (it needs the rights to "
-                                 "write the pppd peers folder)"));
+            finish(ReportFailure(_context, WORKER_ERR_SERVICE_NOT_FOUND, serviceFailure()));
         });
     }
 
@@ -102,6 +103,12 @@ public:
     void whenReady(std::function<void()> ready) {
         NotificationCenter::defaultCenter().addObserver(CONNECTOR_READY, &_controller,
                                                         [ready](const Notification&) { ready(); });
+        // Said also without a terminal: a password dialog may appear on the desktop.
+        if (ServiceTool::needsPrivilege())
+            std::fprintf(stderr,
+                         "The first connection sets up the modem's dial-up service in %s, which only an "
+                         "administrator may change: the system asks for a password once.\n",
+                         PPPConnection::peersDir().toUtf8().constData());
         _controller.modemInit();
     }
 
@@ -109,6 +116,17 @@ public:
     ProfileSettingsController& settings() { return _settings; }
 
 private:
+    std::string serviceFailure() const {
+        std::string reason = _controller.serviceToolStatus() == 126
+                                 ? "the modem's dial-up service was not created: the password was not given"
+                                 : "the modem's dial-up service could not be created";
+        for (const DialupReadiness::Finding& finding :
+             DialupReadiness::check(DialupReadiness::Facts::fromSystem()))
+            if (!finding.ok && finding.check == "peers")
+                reason += "; " + finding.text + " (fix: " + finding.fix + ")";
+        return reason;
+    }
+
     CliContext& _context;
     ModemSession& _session;
     AppConfig& _config;
@@ -195,6 +213,11 @@ int WithConnector(CliContext& context, ModemSession& session, bool learnSim,
 }
 
 int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, bool hold) {
+    // Before anything is set up: pppd would only fail later, with nothing a user can act on.
+    const auto findings = DialupReadiness::check(DialupReadiness::Facts::fromSystem());
+    if (const DialupReadiness::Finding* blocker = DialupReadiness::dialBlocker(findings))
+        return ReportFailure(context, WORKER_ERR_GENERAL,
+                             "cannot dial: " + blocker->text + " (fix: " + blocker->fix + ")");
     ConnectController& controller = run.controller();
     bool dialled = false;
 

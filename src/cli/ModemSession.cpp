@@ -158,7 +158,7 @@ bool ModemSession::open() {
             _context.exitCode = ReportFailure(_context, WORKER_ERR_NO_DATA_DEVICE, error);
             return false;
         }
-        qputenv("DIALTONE_DEV_DIR", QByteArray::fromStdString(_simulator.devDir()));
+        _simulator.useOwnFolders();
     } else if (!_context.devDir.empty()) {
         qputenv("DIALTONE_DEV_DIR", QByteArray::fromStdString(_context.devDir));
     }

@@ -47,10 +47,13 @@ TempDir::~TempDir() {
 
 Outcome RunDialtone(const std::vector<std::string>& args, const std::string& home,
                     const std::vector<std::pair<std::string, std::string>>& extraEnv,
-                    const std::string& inputPath) {
+                    const std::string& inputPath, const std::vector<std::string>& commandPrefix) {
     const TempDir errDir;
     const std::string errPath = errDir.path + "/stderr.txt";
-    std::string command = "env";
+    std::string command;
+    for (const std::string& word : commandPrefix)
+        command += Quote(word) + " ";
+    command += "env";
     for (const auto& [name, value] : extraEnv) {
         if (value.empty())
             command += " -u " + Quote(name);

@@ -36,7 +36,8 @@ struct TempDir {
 // unless it is empty. extraEnv sets further variables; a pair with an empty value removes that variable.
 Outcome RunDialtone(const std::vector<std::string>& args, const std::string& home,
                     const std::vector<std::pair<std::string, std::string>>& extraEnv = {},
-                    const std::string& inputPath = "/dev/null");
+                    const std::string& inputPath = "/dev/null",
+                    const std::vector<std::string>& commandPrefix = {});
 
 // JSON without exceptions: a discarded value when the text is not JSON.
 nlohmann::json Parse(const std::string& text);

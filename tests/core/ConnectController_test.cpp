@@ -78,7 +78,10 @@ protected:
                           "26201\tTelekom\r\n");
         const QString resources = home.path() + "/Resources";
         TempHome::writeFile(resources + "/VELModemService",
-                            "#!/bin/sh\necho \"$@\" >> \"$(dirname \"$0\")/calls\"\nexit ${STUB_EXIT:-0}\n");
+                            "#!/bin/sh\necho \"$@\" >> \"$(dirname \"$0\")/calls\"\n"
+                            "[ -n \"$STUB_EXIT\" ] || touch \"$DIALTONE_PEERS_DIR/$2\"\nexit ${STUB_EXIT:-0}\n");
+        QDir().mkpath(home.path() + "/peers");
+        qputenv("DIALTONE_PEERS_DIR", QFile::encodeName(home.path() + "/peers"));
         QFile::setPermissions(resources + "/VELModemService",
                               QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         config = std::make_unique<AppConfig>();
@@ -89,6 +92,7 @@ protected:
     void TearDown() override {
         controller.reset();
         qunsetenv("STUB_EXIT");
+        qunsetenv("DIALTONE_PEERS_DIR");
         if (!_oldConfigHome.isEmpty())
             qputenv("XDG_CONFIG_HOME", _oldConfigHome);
     }
@@ -190,7 +194,7 @@ TEST_F(ConnectControllerTest, MissingServiceIsCreatedOnceThenRetriedNineteenTime
     EXPECT_EQ(worker.count(MESSAGE_MODEM_INIT), 21);
     EXPECT_EQ(toolCalls().size(), 1);
 
-    // The number of services made is kept across runs: the next run names the next one.
+    // The next service takes the next number: the first one's peer exists.
     ConnectController::resetProcessState();
     ConnectController second(&worker, config.get(), nullptr);
     second.setEchoSink([](const QString&) {});

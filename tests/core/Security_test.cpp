@@ -7,7 +7,6 @@
 #include "DeviceUtility.h"
 #include "PinUtility.h"
 #include "PtyPeer.h"
-#include "ResourceLocator.h"
 #include "ScriptedAtFake.h"
 #include "TempHome.h"
 #include "UserDataFolder.h"
@@ -121,28 +120,6 @@ TEST(Security, EjectGetsTheVolumeNameAsOneArgument) {
         EXPECT_FALSE(QFileInfo::exists(recorder.marker()));
     }
     qunsetenv("DIALTONE_EJECT");
-}
-
-// The service tool refuses names it cannot put in a peer file, and runs nothing from them.
-TEST(Security, ServiceToolRefusesHostileDeviceNames) {
-    QTemporaryDir peers;
-    qputenv("DIALTONE_PEERS_DIR", QFile::encodeName(peers.path()));
-    const QString marker = peers.path() + "/../ran-" + QFileInfo(peers.path()).fileName();
-    const QString tool = ResourceLocator::resourcePath(QStringLiteral("VELModemService"));
-    ASSERT_TRUE(QFileInfo(tool).isExecutable()) << tool.toStdString();
-    for (const QString& name : hostileArguments(marker) + QStringList{"../../etc/x", ".hidden"}) {
-        SCOPED_TRACE(name.toStdString());
-        EXPECT_EQ(ChildProcess::run(tool, {name, QStringLiteral("VELMODEM1")}, 10000), 2);
-        EXPECT_EQ(ChildProcess::run(tool, {QStringLiteral("VELMobileConnector1"), name}, 10000), 2);
-        EXPECT_TRUE(
-            QDir(peers.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden).isEmpty());
-        EXPECT_FALSE(QFileInfo::exists(marker));
-    }
-    EXPECT_EQ(
-        ChildProcess::run(tool, {QStringLiteral("VELMobileConnector1"), QStringLiteral("VELMODEM1")}, 10000),
-        0)
-        << "a plain name still works";
-    qunsetenv("DIALTONE_PEERS_DIR");
 }
 
 mode_t modeOf(const QString& path) {

@@ -55,6 +55,7 @@ public:
         QDir().mkpath(dev());
         env.set("HOME", home());
         env.set("DIALTONE_DEV_DIR", dev());
+        env.set("DIALTONE_CHATSCRIPTS_DIR", path("chatscripts")); // never the system's
     }
     QString path(const QString& name) const { return _root.path() + "/" + name; }
     QString home() const { return path("home"); }

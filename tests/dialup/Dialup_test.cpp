@@ -55,6 +55,11 @@ TEST_F(Dialup, StatusSequence) {
     const QByteArray pppdArguments = QByteArray("call") + '\0' + "VELMODEM1" + '\0' + "file" + '\0' +
                                      QFile::encodeName(options) + '\0' + "nodetach";
     EXPECT_TRUE(commandLines.contains(pppdArguments));
+    // Its own session, and none of this program's streams: Ctrl-C and a reader of our output let it be.
+    const pid_t pppd = connection().pid();
+    EXPECT_EQ(getsid(pppd), pppd);
+    for (const char* stream : {"0", "1", "2"})
+        EXPECT_EQ(QFileInfo(QStringLiteral("/proc/%1/fd/").arg(pppd) + stream).symLinkTarget(), "/dev/null");
 
     world.connect();
     ASSERT_TRUE(waitFor([&] { return network.connectStatus() == 2; }));

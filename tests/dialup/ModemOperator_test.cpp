@@ -144,25 +144,4 @@ TEST(InitModem, ResultCodes) {
     EXPECT_FALSE(modem.isConnected());
 }
 
-// The service tool writes a peer file for the device, and refuses clearly where it cannot.
-TEST(ServiceTool, CreatesPeerOrRefuses) {
-    DialWorld world;
-    ASSERT_EQ(DialWorld::createService(), 0);
-    const QFileInfo peer(world.peers() + "/VELMODEM1");
-    EXPECT_TRUE(peer.isFile());
-    EXPECT_FALSE(peer.permissions() & QFile::WriteOther);
-    const QStringList words = PPPConnection::tokenizeOptions(TempWorld::readFile(peer.filePath()));
-    EXPECT_TRUE(words.contains(world.dev() + "/cu.VELMobileConnector1"));
-    EXPECT_EQ(words.at(words.indexOf("linkname") + 1), "VELMODEM1");
-    EXPECT_TRUE(words.contains("noauth"));
-
-    EXPECT_EQ(DialWorld::createService("VELMobileConnector1;reboot", "VELMODEM3"), 2);
-    EXPECT_EQ(DialWorld::createService(DialWorld::kDevice, "../VELMODEM3"), 2);
-    EXPECT_FALSE(QFileInfo::exists(world.path("VELMODEM3")));
-
-    TempWorld::writeFile(world.path("a-file"), "");
-    world.env.set("DIALTONE_PEERS_DIR", world.path("a-file/peers"));
-    EXPECT_EQ(DialWorld::createService(), 1);
-}
-
 } // namespace

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Installs the build tree into a scratch folder and checks that every file a package needs is in place.
-# Usage: check_install.sh CMAKE BUILD_DIR STAGE_DIR PREFIX UDEV_RULES_DIR
+# Usage: check_install.sh CMAKE BUILD_DIR STAGE_DIR PREFIX UDEV_RULES_DIR POLKIT_ACTIONS_DIR
 # Everything goes under STAGE_DIR through DESTDIR, the udev rule's absolute folder included, so the real
 # /etc and /usr are never touched.
 set -uo pipefail
 
-cmake=$1 build=$2 stage=$3 prefix=$4 udev_dir=$5
+cmake=$1 build=$2 stage=$3 prefix=$4 udev_dir=$5 polkit_dir=$6
 failures=0
 fail() {
     echo "FAIL: $*" >&2
@@ -41,14 +41,17 @@ for file in "${expected[@]}"; do
     [[ -s "$root/$file" ]] || fail "$file missing or empty"
 done
 [[ -s "$stage$udev_dir/70-dialtone-modem.rules" ]] || fail "udev rule missing in $udev_dir"
+policy="$stage$polkit_dir/org.dialtone.modemservice.policy"
+grep -q ">$prefix/share/dialtone/Resources/VELModemService<" "$policy" 2>/dev/null ||
+    fail "polkit action missing in $polkit_dir or not naming the installed service tool"
 for program in bin/dialtone bin/dialtone-modemsim bin/dialtone-gui share/dialtone/Resources/VELModemService; do
     [[ -x "$root/$program" ]] || fail "$program is not executable"
 done
 
-# Nothing may land outside the stage's prefix but the udev rule.
+# Nothing may land outside the stage's prefix but the udev rule and the polkit action.
 while IFS= read -r file; do
     case "$file" in
-    "$root"/* | "$stage$udev_dir"/*) ;;
+    "$root"/* | "$stage$udev_dir"/* | "$stage$polkit_dir"/*) ;;
     *) fail "installed outside the prefix: ${file#"$stage"}" ;;
     esac
 done < <(find "$stage" -type f)

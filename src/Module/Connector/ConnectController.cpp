@@ -4,12 +4,12 @@
 #include "CNSLog.h"
 #include "ChildProcess.h"
 #include "ConvertUtilty.h"
-#include "ResourceLocator.h"
-#include "UserDefaults.h"
+#include "ServiceTool.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -18,8 +18,6 @@ namespace {
 int g_serviceRetryCount = 0;
 int g_lastAnnouncedState = -1;
 QDateTime g_currentDay;
-
-constexpr int kServiceToolTimeoutMs = 30000;
 
 } // namespace
 
@@ -65,10 +63,25 @@ void ConnectController::handleNotifyModemInit(const Notification& notification) 
     switch (code) {
     case WORKER_OK:
         _connectorReady = true;
+        _pendingServiceDevice.clear();
         refreshConnectButton();
         NotificationCenter::defaultCenter().post(CONNECTOR_READY, this);
+        if (_dialIndexWhenReady >= 0) {
+            _selectedIndex = std::exchange(_dialIndexWhenReady, -1);
+            actionForButtonConnect();
+        }
         break;
     case WORKER_ERR_SERVICE_NOT_FOUND:
+        if (!_serviceCreated && _askBeforePrivilege && ServiceTool::needsPrivilege()) {
+            // The profiles are offered meanwhile; the connect button starts the privileged step.
+            const bool first = _pendingServiceDevice.isEmpty();
+            _pendingServiceDevice = deviceName;
+            if (first) {
+                NotificationCenter::defaultCenter().post(CONNECTOR_READY, this);
+            }
+            refreshConnectButton();
+            return;
+        }
         if (!_serviceCreated) {
             if (createModemService(deviceName) != 0) {
                 CNSLOG(2, "the dial-up service for %s could not be created", qPrintable(deviceName));
@@ -100,19 +113,36 @@ void ConnectController::handleNotifyModemInit(const Notification& notification) 
 }
 
 int ConnectController::createModemService(const QString& modemDeviceName) {
-    const int number = UserDefaults::value(kCreatedModemNumberKey, 0).toInt() + 1;
-    UserDefaults::setValue(kCreatedModemNumberKey, number);
-    const QString serviceName = QStringLiteral("VELMODEM") + QString::number(number);
-    _echo(QStringLiteral("\"%1/\"%2 %3 %4")
-              .arg(ResourceLocator::resourceDir(), kServiceTool, modemDeviceName, serviceName));
-    // The arguments go to the tool as they are, never through a shell.
-    const int status = ChildProcess::run(ResourceLocator::resourcePath(kServiceTool),
-                                         {modemDeviceName, serviceName}, kServiceToolTimeoutMs);
-    return status == 0 ? 0 : (status < 0 ? 1 : status);
+    const ServiceTool::Outcome outcome = ServiceTool::create(modemDeviceName, _echo);
+    _serviceFailure = outcome.status;
+    return outcome.status;
+}
+
+void ConnectController::startPrivilegedStep() {
+    if (_pendingServiceDevice.isEmpty()) {
+        return;
+    }
+    setBusy(true);
+    emit viewStateChanged();
+    const int status = createModemService(_pendingServiceDevice);
+    setBusy(false);
+    if (status != 0) {
+        CNSLOG(2, "the dial-up service for %s was not created (status %d)", qPrintable(_pendingServiceDevice),
+               status);
+        emit viewStateChanged();
+        emit privilegedStepFailed(status);
+        return;
+    }
+    _serviceCreated = true;
+    _dialIndexWhenReady = _selectedIndex;
+    _buttonEnabled = false;
+    emit viewStateChanged();
+    modemInit();
 }
 
 void ConnectController::handleUpdateConnectionProfile(const Notification& notification) {
-    if (!_connectorReady || (_connectState != kInvalid && _connectState != kDisconnected)) {
+    if ((!_connectorReady && _pendingServiceDevice.isEmpty()) ||
+        (_connectState != kInvalid && _connectState != kDisconnected)) {
         return;
     }
     _offeredProfiles = notification.userInfo.value(KEY_FOR_UPDATE_PROFILE).value<QList<APNInfo>>();
@@ -138,6 +168,10 @@ void ConnectController::actionForButtonConnect() {
         break;
     case kInvalid:
     case kDisconnected:
+        if (!_connectorReady && !_pendingServiceDevice.isEmpty()) {
+            emit privilegedStepNeeded();
+            return;
+        }
         _choiceEnabled = false;
         if (_selectedIndex < 0 || _selectedIndex >= _offeredProfiles.size()) {
             _choiceEnabled = true;
@@ -368,8 +402,10 @@ void ConnectController::applicationWillTerminate() {
 void ConnectController::refreshConnectButton() {
     const bool linkUp = _connectState == kConnecting || _connectState == kConnected;
     _buttonTitleKey = linkUp ? QStringLiteral("IDS_DISCONNECT") : QStringLiteral("IDS_CONNECT");
-    _buttonEnabled = _connectorReady && _connectState != kDisconnecting;
-    _choiceEnabled = _connectorReady && !linkUp && _connectState != kDisconnecting;
+    // While the service waits for the privileged step, the button starts it.
+    const bool usable = _connectorReady || waitingForPrivilegedStep();
+    _buttonEnabled = usable && _connectState != kDisconnecting;
+    _choiceEnabled = usable && !linkUp && _connectState != kDisconnecting;
     emit viewStateChanged();
 }
 

@@ -62,8 +62,6 @@ public:
     // Service-not-found retries after a creation; the next one is not sent.
     static constexpr int kMaxServiceRetries = 19;
     static constexpr int kStatusIntervalMs = 1000;
-    static inline const QString kCreatedModemNumberKey = QStringLiteral("CreatedModemNumber");
-    static inline const QString kServiceTool = QStringLiteral("VELModemService");
 
     // The worker's request end; the configuration tells the default profile; traffic may be null (nothing
     // is recorded then).
@@ -74,10 +72,17 @@ public:
     // Start-up: sends "MESSAGE_MODEM_INIT"; the answers drive the loop until the connector is ready.
     void modemInit();
     void handleNotifyModemInit(const Notification& notification);
-    // Runs the service tool for the modem device; its exit status, 0 on success.
+    // Runs the service tool for the modem device (see ServiceTool); its exit status, 0 on success.
     int createModemService(const QString& modemDeviceName);
 
     void handleUpdateConnectionProfile(const Notification& notification);
+    // With true (the desktop app), a dial-up service that needs an administrator's password to be made is
+    // not made at start-up: the profiles are offered, and the connect button asks for the privileged step
+    // (privilegedStepNeeded) before dialling.
+    void setAskBeforePrivilegedStep(bool ask) { _askBeforePrivilege = ask; }
+    bool waitingForPrivilegedStep() const { return !_pendingServiceDevice.isEmpty(); }
+    // Creates the dial-up service through pkexec, then dials the selected profile once it is found.
+    void startPrivilegedStep();
     // The connect button.
     void actionForButtonConnect();
     void dialByAPNInfo(const APNInfo& profile);
@@ -101,6 +106,9 @@ public:
     int connectState() const { return _connectState; }
     bool connectorReady() const { return _connectorReady; }
     bool serviceCreated() const { return _serviceCreated; }
+    // The service tool's last exit status (0 none or success; pkexec's 126 and 127 when the user
+    // dismissed the password dialog or may not authenticate).
+    int serviceToolStatus() const { return _serviceFailure; }
     QString buttonTitleKey() const { return _buttonTitleKey; }
     bool buttonEnabled() const { return _buttonEnabled; }
     bool choiceEnabled() const { return _choiceEnabled; }
@@ -129,6 +137,12 @@ signals:
     void warningRequested(const QString& titleKey, const QString& messageKey, const QString& buttonKey);
     // Creating the dial-up service failed; the application ends.
     void serviceCreationFailed();
+    // The connect button was pressed while the dial-up service waits for an administrator's password:
+    // the view says why and calls startPrivilegedStep().
+    void privilegedStepNeeded();
+    // The privileged step did not create the service (the tool's or pkexec's exit status); the
+    // application goes on, the button can try again.
+    void privilegedStepFailed(int status);
 
 private:
     void refreshConnectButton();
@@ -144,6 +158,10 @@ private:
     int _connectState = kInvalid;
     bool _connectorReady = false;
     bool _serviceCreated = false;
+    int _serviceFailure = 0;
+    bool _askBeforePrivilege = false;
+    QString _pendingServiceDevice;
+    int _dialIndexWhenReady = -1; // the profile chosen before the privileged step
     QList<APNInfo> _offeredProfiles;
     int _defaultIndex = 0;
     int _selectedIndex = 0;

@@ -15,6 +15,7 @@
 #include "Connector/ConnectController.h"
 #include "ConvertUtilty.h"
 #include "DebugSink.h"
+#include "DialupReadiness.h"
 #include "LocalizedStrings.h"
 #include "NotificationCenter.h"
 
@@ -23,6 +24,16 @@ namespace {
 // The controller names its texts by key.
 QString KeyText(const QString& key) {
     return LocalizedStrings::text(key);
+}
+
+// What stands in the way of dialling, each with its fix, one per line.
+void AppendFindings(QString& text) {
+    for (const DialupReadiness::Finding& finding :
+         DialupReadiness::check(DialupReadiness::Facts::fromSystem())) {
+        if (!finding.ok)
+            text += QStringLiteral("\n") + QString::fromStdString(finding.text) + QStringLiteral(". Fix: ") +
+                    QString::fromStdString(finding.fix);
+    }
 }
 
 QString Bytes(quint64 bytes) {
@@ -88,6 +99,17 @@ ConnectPlugin::ConnectPlugin(ModuleContext& context, QWidget* parent) : ModulePl
         if (!_controller)
             return;
         _message->clear();
+        const int state = _controller->connectState();
+        if (state == ConnectController::kInvalid || state == ConnectController::kDisconnected) {
+            // pppd would only fail later, with nothing a user can act on.
+            const auto findings = DialupReadiness::check(DialupReadiness::Facts::fromSystem());
+            if (const DialupReadiness::Finding* blocker = DialupReadiness::dialBlocker(findings)) {
+                _message->setText(
+                    tr("Cannot dial: %1.\nFix: %2")
+                        .arg(QString::fromStdString(blocker->text), QString::fromStdString(blocker->fix)));
+                return;
+            }
+        }
         _controller->actionForButtonConnect();
     });
     connect(_profiles, &QComboBox::currentIndexChanged, this, [this](int index) {
@@ -125,6 +147,11 @@ void ConnectPlugin::createController() {
     connect(_controller.get(), &ConnectController::warningRequested, this, &ConnectPlugin::showWarning);
     connect(_controller.get(), &ConnectController::serviceCreationFailed, this,
             &ConnectPlugin::showServiceFailure);
+    _controller->setAskBeforePrivilegedStep(true);
+    connect(_controller.get(), &ConnectController::privilegedStepNeeded, this,
+            &ConnectPlugin::explainPrivilegedStep);
+    connect(_controller.get(), &ConnectController::privilegedStepFailed, this,
+            &ConnectPlugin::showPrivilegedStepFailure);
     NotificationCenter::defaultCenter().addObserver(NOTIFY_TRAFFIC_STATISTICS, this,
                                                     [this](const Notification& n) { showStatistics(n); });
 }
@@ -185,6 +212,8 @@ void ConnectPlugin::refreshView() {
     QString text;
     if (!_modemPresent)
         text = tr("No modem: plug it in to connect");
+    else if (c && c->waitingForPrivilegedStep())
+        text = tr("Not connected: the first connection sets up the modem's dial-up service");
     else if (!c || !c->connectorReady())
         text = tr("Preparing the modem's dial-up service…");
     else if (state == ConnectController::kConnecting)
@@ -238,10 +267,8 @@ void ConnectPlugin::showWarning(const QString& titleKey, const QString& messageK
 }
 
 void ConnectPlugin::showServiceFailure() {
-    const QString reason =
-        tr("The modem's dial-up service could not be created. Creating it needs the rights to write the "
-           "pppd peers folder (usually /etc/ppp/peers): run Dialtone once as a user who may write there, "
-           "or ask your administrator to add the modem's peer entry.");
+    QString reason = tr("The modem's dial-up service could not be created.");
+    AppendFindings(reason);
     _message->setText(reason);
     clearCounters();
     _button->setEnabled(false);
@@ -251,4 +278,33 @@ void ConnectPlugin::showServiceFailure() {
     box.setObjectName(QStringLiteral("serviceFailure"));
     box.setTextFormat(Qt::PlainText);
     box.exec();
+}
+
+void ConnectPlugin::explainPrivilegedStep() {
+    if (!_privilegeExplained) {
+        QMessageBox box(
+            QMessageBox::Information, tr("Set up dial-up"),
+            tr("Before its first connection, the modem needs a dial-up service: a small entry in "
+               "the system's pppd configuration (/etc/ppp/peers), which only an administrator may "
+               "change. The system now asks for an administrator's password once; later "
+               "connections need no password."),
+            QMessageBox::Cancel, this);
+        box.setObjectName(QStringLiteral("privilegeExplanation"));
+        box.setTextFormat(Qt::PlainText);
+        box.addButton(tr("Continue"), QMessageBox::AcceptRole);
+        if (box.exec() == QMessageBox::Cancel)
+            return;
+        _privilegeExplained = true;
+    }
+    _state->setText(tr("Waiting for the administrator's password…"));
+    _controller->startPrivilegedStep();
+}
+
+void ConnectPlugin::showPrivilegedStepFailure(int status) {
+    // pkexec: 126 the dialog was dismissed, 127 not authorised or no way to ask.
+    QString reason = status == 126 ? tr("The password dialog was closed: the dial-up service was not set up.")
+                                   : tr("The modem's dial-up service could not be set up.");
+    AppendFindings(reason);
+    _message->setText(reason);
+    refreshView();
 }

@@ -39,12 +39,16 @@ private:
     void showStatistics(const Notification& notification);
     void showWarning(const QString& titleKey, const QString& messageKey, const QString& buttonKey);
     void showServiceFailure();
+    // Says, the first time, why the system asks for a password, then runs the privileged step.
+    void explainPrivilegedStep();
+    void showPrivilegedStepFailure(int status);
     void clearCounters();
     void saveTraffic();
 
     std::unique_ptr<ConnectController> _controller;
     DeviceWorkRequestInterface* _worker = nullptr;
     bool _modemPresent = false;
+    bool _privilegeExplained = false;
 
     QComboBox* _profiles = nullptr;
     QPushButton* _button = nullptr;
