@@ -2,6 +2,7 @@
 #include <cstring>
 #include <list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -34,34 +35,50 @@ protected:
     CSmsUtility m_sms;
 };
 
-TEST_F(SmsCommandsTest, InitStopsAtTheFirstRefusedCommand) {
-    struct Step {
-        const char* command;
+TEST_F(SmsCommandsTest, InitPassesOverRefusedOptionalSettings) {
+    struct Command {
+        const char* text;
         int timeout;
         Finals finals;
     };
-    const std::vector<Step> steps = {
-        {"AT+CNMI=2,1,0,2,0\r", 1000, kCms},
-        {"AT+CSCB=1\r", 10000, {"OK", "ERROR", "+CMS ERROR"}},
-        {"AT+CMMS=2\r", 1000, kCme},
-        {"AT+CMGF=0\r", 1000, kCme},
+    const Command cnmi = {"AT+CNMI=2,1,0,2,0\r", 1000, kCms};
+    const Command cnmiNoReports = {"AT+CNMI=2,1,0,0,0\r", 1000, kCms};
+    const Command cnmiSimple = {"AT+CNMI=1,1,0,0,0\r", 1000, kCms};
+    const Command cscb = {"AT+CSCB=1\r", 10000, {"OK", "ERROR", "+CMS ERROR"}};
+    const Command cmms = {"AT+CMMS=2\r", 1000, kCme};
+    const Command cmgf = {"AT+CMGF=0\r", 1000, kCme};
+    enum Outcome { kAccepted, kRefused, kTimedOut };
+    struct Row {
+        const char* modem;
+        std::vector<std::pair<Command, Outcome>> script;
+        int result;
     };
-    // refused: the step answered "ERROR" (steps.size(): none); then the run must stop there.
-    for (std::size_t refused = 0; refused <= steps.size(); ++refused) {
-        SCOPED_TRACE(refused);
+    // clang-format off
+    const Row rows[] = {
+        {"takes everything", {{cnmi, kAccepted}, {cscb, kAccepted}, {cmms, kAccepted}, {cmgf, kAccepted}}, 0},
+        {"no status report routing", {{cnmi, kRefused}, {cnmiNoReports, kAccepted}, {cscb, kAccepted}, {cmms, kAccepted}, {cmgf, kAccepted}}, 0},
+        {"no optional setting at all", {{cnmi, kRefused}, {cnmiNoReports, kRefused}, {cnmiSimple, kRefused}, {cscb, kRefused}, {cmms, kRefused}, {cmgf, kAccepted}}, 0},
+        {"3GPP stick without CSCB and CMMS", {{cnmi, kAccepted}, {cscb, kRefused}, {cmms, kRefused}, {cmgf, kAccepted}}, 0},
+        {"no PDU mode", {{cnmi, kAccepted}, {cscb, kAccepted}, {cmms, kAccepted}, {cmgf, kRefused}}, 1},
+        {"silent modem", {{cnmi, kTimedOut}}, 2},
+        {"silent on cell broadcast", {{cnmi, kAccepted}, {cscb, kTimedOut}}, 2},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.modem);
         ScriptedAtFake fake;
-        for (std::size_t i = 0; i < steps.size() && i <= refused; ++i) {
-            fake.Expect(steps[i].command, i == refused ? "\r\n+CMS ERROR: 303\r\n" : kOk)
-                .WithTimeout(steps[i].timeout)
-                .WithoutPrefix()
-                .WithFinals(steps[i].finals);
+        for (const auto& [command, outcome] : row.script) {
+            if (outcome == kTimedOut)
+                fake.ExpectFailure(command.text, 2);
+            else
+                fake.Expect(command.text, outcome == kRefused ? "\r\n+CMS ERROR: 303\r\n" : kOk)
+                    .WithTimeout(command.timeout)
+                    .WithoutPrefix()
+                    .WithFinals(command.finals);
         }
-        EXPECT_EQ(m_sms.Init(), refused == steps.size() ? 0 : 1);
+        EXPECT_EQ(m_sms.Init(), row.result);
         fake.VerifyDone();
     }
-    ScriptedAtFake timeout;
-    timeout.ExpectFailure("AT+CNMI=2,1,0,2,0\r", 2);
-    EXPECT_EQ(m_sms.Init(), 2);
 }
 
 TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
