@@ -16,6 +16,7 @@
 
 #include "CallUtility.h"
 #include "DebugSink.h"
+#include "ModemDialect.h"
 #include "GPSUtility.h"
 #include "NetworkUtility.h"
 #include "PbUtility.h"
@@ -397,6 +398,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const int kExhausted[] = {2, 1, 30, 0};
     g_script = Script();
     g_script.exhausted = kExhausted[data[1] & 3];
+    // Both ways of reading answers: exact for the stick this was written for, lenient for the others.
+    SetModemDialect((data[1] & 4) != 0 ? ModemDialect::Standard : ModemDialect::Vel);
     std::string_view rest(reinterpret_cast<const char*>(data + 2), size - 2);
     for (;;) {
         const size_t nul = rest.find('\0');

@@ -13,6 +13,7 @@
 
 #include "ComOperation.h"
 #include "DebugSink.h"
+#include "ModemDialect.h"
 #include "STKUtility.h"
 #include "UssdUtility.h"
 
@@ -56,6 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const uint8_t mode = data[0];
     const char* expected = kExpected[(mode & 0x0F) % kExpectedCount];
     const size_t readSize = 1 + (mode >> 4) * 7; // 1 .. 106 octets per read
+    SetModemDialect((mode & 0x10) != 0 ? ModemDialect::Standard : ModemDialect::Vel);
     const std::string text(reinterpret_cast<const char*>(data + 1), size - 1);
 
     ComOperation* channel = ComOperation::GetInstance();

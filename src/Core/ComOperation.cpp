@@ -1,18 +1,23 @@
 #include "ComOperation.h"
 
 #include "DebugSink.h"
+#include "ModemDialect.h"
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
+#include <strings.h>
 #include <sys/file.h>
 #include <termios.h>
 #include <unistd.h>
 #include <utility>
 
 namespace {
+
+constexpr const char* kLineDelimiter = "\r\n";
 
 // Lines of these kinds may arrive in the middle of any answer; the position is the report type.
 constexpr std::array<const char*, 8> kReportPrefixes = {
@@ -29,11 +34,44 @@ constexpr std::array<const char*, 8> kReportPrefixes = {
 // Searched in this order as plain substrings: "OK" inside a data line ends the command too.
 constexpr std::array<const char*, 4> kFinalResults = {"+CME ERROR:", "+CMS ERROR:", "ERROR", "OK"};
 
-constexpr const char* kLineDelimiter = "\r\n";
+// Errors some modems give for a command they do not know or cannot parse; matched as whole lines, since
+// the texts could stand inside a data line.
+constexpr std::array<const char*, 2> kErrorLines = {"COMMAND NOT SUPPORT", "TOO MANY PARAMETERS"};
+
+// The final results of a dial (D) or answer (A) command besides OK and the errors (V.250 6.3.1, 6.3.5).
+// Only these commands end with them: after a voice call's OK, or while no command runs, "NO CARRIER"
+// reports that a call ended and stays a report.
+constexpr std::array<const char*, 4> kCallResultLines = {"NO CARRIER", "BUSY", "NO ANSWER", "NO DIALTONE"};
+
 constexpr size_t kReadBufferSize = 5120;
 constexpr int kTimeOutsBeforeReopen = 40;
 
 int32_t g_nTimeOutCount = 0;
+
+// "ATD12345;\r", "ATDT...", "ATA\r" in any letter case; "ATD" never starts another command.
+bool IsCallSetup(const char* szCmd) {
+    if (strncasecmp(szCmd, "AT", 2) != 0)
+        return false;
+    const char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(szCmd[2])));
+    if (letter == 'D')
+        return true;
+    return letter == 'A' && (szCmd[3] == '\r' || szCmd[3] == '\0');
+}
+
+// True when text holds a whole line equal to line: at the start or behind a line feed, with "\r\n" after it.
+bool HasLine(const std::string& text, const char* line) {
+    const size_t nLength = std::strlen(line);
+    for (size_t nPos = text.find(line); nPos != std::string::npos; nPos = text.find(line, nPos + 1)) {
+        const bool blStarts = nPos == 0 || text[nPos - 1] == '\n';
+        if (blStarts && text.compare(nPos + nLength, 2, kLineDelimiter) == 0)
+            return true;
+    }
+    return false;
+}
+
+template <size_t N> bool HasAnyLine(const std::string& text, const std::array<const char*, N>& lines) {
+    return std::any_of(lines.begin(), lines.end(), [&text](const char* line) { return HasLine(text, line); });
+}
 
 bool IsNewMessageReport(unsolicited_report_e_type nType) {
     return nType == UNSOLICITED_REPORT_CMTI || nType == UNSOLICITED_REPORT_CDSI;
@@ -151,6 +189,7 @@ int32_t ComOperation::writeCom(const char* szCmd, const char* szExpected, int32_
         return 6;
     }
 
+    const bool blCallSetup = IsCallSetup(szCmd);
     std::array<char, kReadBufferSize> buffer;
     const int64_t nStart = NowTicks();
     for (;;) {
@@ -180,12 +219,16 @@ int32_t ComOperation::writeCom(const char* szCmd, const char* szExpected, int32_
             continue;
         }
 
-        checkUnsolicitedReport(strData, szExpected);
-        for (const char* szFinal : kFinalResults) {
-            if (strData.find(szFinal) != std::string::npos) {
-                strResponse = strData;
-                return 0;
-            }
+        checkUnsolicitedReport(strData, szExpected, blCallSetup);
+        const bool blFinal = std::any_of(kFinalResults.begin(), kFinalResults.end(),
+                                         [&strData](const char* szFinal) {
+                                             return strData.find(szFinal) != std::string::npos;
+                                         }) ||
+                             HasAnyLine(strData, kErrorLines) ||
+                             (blCallSetup && HasAnyLine(strData, kCallResultLines));
+        if (blFinal) {
+            strResponse = strData;
+            return 0;
         }
     }
 
@@ -223,16 +266,27 @@ void ComOperation::getUnsoliciteReportList(UnsolicitedReportList*& pReportList) 
     pReportList = &_lstReport;
 }
 
-void ComOperation::checkUnsolicitedReport(std::string& strData, const char* szExpected) {
+void ComOperation::checkUnsolicitedReport(std::string& strData, const char* szExpected, bool blCallSetup) {
     std::list<std::string> lstLines;
+    const bool blStandard = CurrentModemDialect() == ModemDialect::Standard;
     for (size_t nType = 0; nType < kReportPrefixes.size(); ++nType) {
-        if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines) == 0)
+        // A dial or answer command ends with its own "NO CARRIER".
+        if (blCallSetup && nType == UNSOLICITED_REPORT_NO_CARRIER)
+            continue;
+        // A standard stick's adjacent reports are each cut out. On the stick this was written for only every
+        // other one is; a new-message line left behind is flagged below and its message listed again.
+        // USSD answers are each awaited by a request and never merged, so they are all cut out, in their
+        // order, on every stick. A standard stick's own answer to AT+CUSD? is the last such line; the
+        // first one is, on the stick this was written for.
+        ReportLineCut nCut = blStandard ? ReportLineCut::Every : ReportLineCut::EveryOther;
+        if (nType == UNSOLICITED_REPORT_CUSD)
+            nCut = blStandard ? ReportLineCut::EveryOwnAnswerLast : ReportLineCut::Every;
+        if (stringMatchStringLine(strData, szExpected, kReportPrefixes[nType], lstLines, nCut) == 0)
             continue;
         for (const std::string& strLine : lstLines)
             queueReport(static_cast<unsolicited_report_e_type>(nType), strLine);
     }
-    // Of adjacent report lines one pass cuts every other one; a new-message line left in the answer is
-    // missed here, though its message stays stored.
+    // A new-message line left in the answer is missed here, though its message stays stored.
     for (const unsolicited_report_e_type nType : {UNSOLICITED_REPORT_CMTI, UNSOLICITED_REPORT_CDSI}) {
         const char* szPrefix = kReportPrefixes[nType];
         const bool blOwnAnswer = szExpected != nullptr && std::strstr(szExpected, szPrefix) != nullptr;
@@ -289,7 +343,7 @@ int stringHasSuffix(const char* szText, const char* szSuffix) {
 }
 
 int stringMatchStringLine(std::string& strData, const char* szExpected, const char* szPrefix,
-                          std::list<std::string>& lstLines) {
+                          std::list<std::string>& lstLines, ReportLineCut nCut) {
     lstLines.clear();
     if (szPrefix == nullptr || szPrefix[0] == '\0')
         return 0;
@@ -299,6 +353,12 @@ int stringMatchStringLine(std::string& strData, const char* szExpected, const ch
     const size_t nPrefix = std::strlen(szPrefix);
     const bool blOwnAnswerPrefix = szExpected != nullptr && std::strstr(szExpected, szPrefix) != nullptr;
     bool blOwnAnswerSeen = false;
+    size_t nOwnAnswer = strData.find(szPrefix);
+    if (nCut == ReportLineCut::EveryOwnAnswerLast) {
+        // "+CUSD: 0,\"Bye\",15" then "+CUSD: 1" and OK for AT+CUSD?: the line that came first is a report.
+        const size_t nOk = strData.find("\r\nOK\r\n");
+        nOwnAnswer = strData.rfind(szPrefix, nOk == std::string::npos ? std::string::npos : nOk);
+    }
 
     size_t nPos = strData.find(szPrefix);
     while (nPos != std::string::npos) {
@@ -310,7 +370,7 @@ int stringMatchStringLine(std::string& strData, const char* szExpected, const ch
         }
         const size_t nLineFeed = nEnd + 1;
 
-        if (blOwnAnswerPrefix && !blOwnAnswerSeen) {
+        if (blOwnAnswerPrefix && !blOwnAnswerSeen && nPos == nOwnAnswer) {
             blOwnAnswerSeen = true;
         } else {
             lstLines.push_back(strData.substr(nStart, nLineFeed - nStart + 1));
@@ -318,6 +378,12 @@ int stringMatchStringLine(std::string& strData, const char* szExpected, const ch
             // the erasure moved in front of it waits for the next answer.
             strData.erase(nStart, nLineFeed - nStart);
             DebugPrint("now strData=%s", strData.c_str());
+            if (nCut != ReportLineCut::EveryOther) {
+                if (nOwnAnswer != std::string::npos && nOwnAnswer > nStart)
+                    nOwnAnswer -= nLineFeed - nStart;
+                nPos = strData.find(szPrefix, nStart);
+                continue;
+            }
         }
         nPos = strData.find(szPrefix, nPos + nPrefix);
     }

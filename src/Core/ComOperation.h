@@ -7,8 +7,10 @@
 
 // The serial AT channel: the one object that talks to the modem's AT command port.
 // It writes one command at a time, collects the answer until a final result ("+CME ERROR:", "+CMS ERROR:",
-// "ERROR", "OK", searched as plain substrings) or the "> " text prompt arrives, and cuts the unsolicited
-// lines it recognises out of the answer into a queue that the worker drains.
+// "ERROR", "OK", searched as plain substrings; the lines "COMMAND NOT SUPPORT" and "TOO MANY PARAMETERS";
+// for a dial or answer command also the lines "NO CARRIER", "BUSY", "NO ANSWER", "NO DIALTONE", which stay
+// in its answer) or the "> " text prompt arrives, and cuts the unsolicited lines it recognises out of the
+// answer into a queue that the worker drains.
 //
 // The queue keeps what a burst must not cost. A line identical to one still queued carries nothing new and
 // is merged into it: a RING train becomes one RING, and a repeated "+CMTI: \"SM\",3" names the same
@@ -64,8 +66,9 @@ public:
     int32_t closeCom();
     // Writes szCmd (with its own terminator) and waits at most nTimeOut seconds, in 1/60 s ticks, for
     // the answer. szExpected is the prefix of the command's own answer (e.g. "+CUSD: "), or nullptr:
-    // the first line with a report prefix it contains stays in the response. Every 41st time-out in the
-    // life of the process closes and reopens the port at the stored path.
+    // the first line with a report prefix it contains stays in the response (for a standard stick's
+    // "+CUSD: " the last one before OK). Every 41st time-out in the life of the process closes and
+    // reopens the port at the stored path.
     int32_t writeCom(const char* szCmd, const char* szExpected, int32_t nTimeOut, std::string& strResponse);
     // Asks the command in progress to stop with 9; without one, the next command stops at its first poll.
     // The only call that may come from another thread.
@@ -75,8 +78,9 @@ public:
     // Hands out the queue itself; the caller reads the front record, pops it and deletes it.
     void getUnsoliciteReportList(UnsolicitedReportList*& pReportList);
     // Moves every recognised report line out of strData into the queue (queueReport), the report table's
-    // order first, then the order within the data.
-    void checkUnsolicitedReport(std::string& strData, const char* szExpected);
+    // order first, then the order within the data. blCallSetup: a dial or answer command runs, whose
+    // "NO CARRIER" is its final result and stays.
+    void checkUnsolicitedReport(std::string& strData, const char* szExpected, bool blCallSetup = false);
     // Queues one report line under the merging and bounding rules above.
     void queueReport(unsolicited_report_e_type nType, const std::string& strLine);
     // New-message and status-report lines queued since the channel was made (merged ones not counted);
@@ -107,6 +111,8 @@ int stringHasSuffix(const char* szText, const char* szSuffix);
 // Moves every line holding szPrefix, with the "\r\n" before and after it, from strData to lstLines
 // (emptied first) and returns how many. The first such line stays when szExpected contains szPrefix:
 // it is the command's own answer. A line without a "\r\n" on either side ends the search with 0; lines
-// already taken out in that call are lost.
+// already taken out in that call are lost. nCut: EveryOther moves only every other one of adjacent lines;
+// Every moves each in turn; EveryOwnAnswerLast too, and the line that stays is the last one before "OK".
+enum class ReportLineCut { EveryOther, Every, EveryOwnAnswerLast };
 int stringMatchStringLine(std::string& strData, const char* szExpected, const char* szPrefix,
-                          std::list<std::string>& lstLines);
+                          std::list<std::string>& lstLines, ReportLineCut nCut = ReportLineCut::EveryOther);

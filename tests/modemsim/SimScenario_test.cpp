@@ -32,6 +32,7 @@ TEST(SimScenarioTest, ShippedScenariosLoad) {
         {"default.json", PinState::Ready, 3, 30, 3},
         {"pin-locked.json", PinState::SimPin, 3, 30, 3},
         {"full-sim.json", PinState::Ready, 10, 10, 10},
+        {"standard.json", PinState::Ready, 3, 30, 3},
     };
     for (const Row& row : rows) {
         SimState s;
@@ -59,7 +60,7 @@ TEST(SimScenarioTest, MistakesAreNamed) {
         {R"({"sms":{"messages":[{"storage":"SM","index":99,"from":"+49","text":"x"}]}})",
          "bad or repeated index"},
         {R"({"sms":{"messages":[{"storage":"SM"}]}})", "a message needs pdu, from or to"},
-        {R"({"knobs":{"urc_mode":"sometimes"}})", "urc_mode must be poll, immediate or mixed"},
+        {R"({"knobs":{"urc_mode":"sometimes"}})", "urc_mode must be poll, immediate, mixed or ahead"},
         {R"({"voice":{"dial_result":"MAYBE"}})", "dial_result must be"},
         {R"({"ussd":{"menus":{"*1#":"text"}}})", "a USSD menu entry must be an object"},
         {R"({"sim":{"imsi":5}})", "type must be string"},

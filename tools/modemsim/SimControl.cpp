@@ -8,6 +8,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "SimKnobs.h"
 #include "SimNetworkCommands.h"
 #include "SimSmsCommands.h"
 #include "SimText.h"
@@ -164,12 +165,27 @@ json Set(SimModem& modem, std::string rest) {
             return {{"ok", true}, {key, n}};
         }
     }
-    if (key == "mute" || key == "garbage") {
-        if (!isNumber || n > 1) {
-            return Fail(key + " must be 0 or 1");
+    struct BoolKnob {
+        const char* name;
+        bool* target;
+    };
+    const BoolKnob bools[] = {
+        {"mute", &s.knobs.mute},
+        {"garbage", &s.knobs.garbage},
+        {"fail_next_send", &s.sms.failNextSend},
+        {"ussd_packed", &s.ussd.packedGsm},
+        {"ussd_release", &s.ussd.withRelease},
+        {"cmgl_bad_pdu", &s.knobs.cmglBadPdu},
+        {"no_blank_after_colon", &s.knobs.noBlankAfterColon},
+    };
+    for (const BoolKnob& k : bools) {
+        if (key == k.name) {
+            if (!isNumber || n > 1) {
+                return Fail(key + " must be 0 or 1");
+            }
+            *k.target = n == 1;
+            return {{"ok", true}, {key, n == 1}};
         }
-        (key == "mute" ? s.knobs.mute : s.knobs.garbage) = n == 1;
-        return {{"ok", true}, {key, n == 1}};
     }
     if (key == "flood") {
         if (!isNumber || n < 1 || n > 10000) {
@@ -178,33 +194,30 @@ json Set(SimModem& modem, std::string rest) {
         modem.Flood(n);
         return {{"ok", true}, {key, n}};
     }
-    if (key == "flood_line" || key == "unplug_on") {
-        // The text may hold blanks: "+CMTI: \"SM\",1".
-        const std::string text = value + (rest.empty() ? "" : " " + rest);
-        if (key == "flood_line" && (text.empty() || text.size() > 1024)) {
-            return Fail("flood_line must be 1-1024 characters");
+    // Texts may hold blanks: "+CMTI: \"SM\",1".
+    const std::string text = value + (rest.empty() ? "" : " " + rest);
+    const std::pair<const char*, std::string*> texts[] = {{"flood_line", &s.knobs.floodLine},
+                                                          {"unplug_on", &s.knobs.unplugOn},
+                                                          {"inject_ahead", &s.knobs.injectAhead},
+                                                          {"inject_on", &s.knobs.injectOn}};
+    for (const auto& [name, target] : texts) {
+        if (key == name) {
+            if (key == "flood_line" && (text.empty() || text.size() > 1024)) {
+                return Fail("flood_line must be 1-1024 characters");
+            }
+            *target = text;
+            return {{"ok", true}, {key, text}};
         }
-        (key == "flood_line" ? s.knobs.floodLine : s.knobs.unplugOn) = text;
-        return {{"ok", true}, {key, text}};
     }
-    if (key == "fail_next_send" || key == "ussd_packed") {
-        if (!isNumber || n > 1) {
-            return Fail(key + " must be 0 or 1");
-        }
-        (key == "fail_next_send" ? s.sms.failNextSend : s.ussd.packedGsm) = n == 1;
-        return {{"ok", true}, {key, n == 1}};
+    std::string error;
+    if (key == "refuse") {
+        return SetRefusedCommands(s.knobs, text, error) ? json{{"ok", true}, {key, text}} : Fail(error);
     }
-    if (key == "urc_mode") {
-        if (value != "poll" && value != "immediate" && value != "mixed") {
-            return Fail("urc_mode must be poll, immediate or mixed");
-        }
-        s.knobs.urcMode = value == "poll"        ? UrcMode::Poll
-                          : value == "immediate" ? UrcMode::Immediate
-                                                 : UrcMode::Mixed;
-        return {{"ok", true}, {key, value}};
+    if (IsChoiceKnob(key)) {
+        return SetChoiceKnob(s, key, text, error) ? json{{"ok", true}, {key, text}} : Fail(error);
     }
     if (key == "dial_result") {
-        std::string result = value + (rest.empty() ? "" : " " + rest);
+        const std::string& result = text;
         if (result != "OK" && result != "BUSY" && result != "NO ANSWER" && result != "NO CARRIER" &&
             result != "NO DIALTONE") {
             return Fail("dial_result must be OK, BUSY, NO ANSWER, NO CARRIER or NO DIALTONE");

@@ -47,6 +47,50 @@ std::string Framed(const std::string& line) {
     return "\r\n" + line + "\r\n";
 }
 
+// The stick's own commands; a stick of another maker does not know them.
+bool IsMakerCommand(const std::string& name) {
+    static const char* const names[] = {"+HWV",  "+FUNC", "+PNNM", "+SMPN", "+SYSSEL", "+SSND",
+                                        "+SPNM", "+SPDI", "+STGI", "+STGR", "+STIN",   "$GPSC"};
+    for (const char* n : names) {
+        if (name == n) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// What a stick answers to a command it does not know: "ERROR", or its own text ("COMMAND NOT SUPPORT").
+AtReply Unsupported(const std::string& answer) {
+    if (answer == "ERROR") {
+        return AtReply::Error();
+    }
+    if (answer == "+CME ERROR") {
+        return AtReply::Cme(cme::kNotSupported);
+    }
+    return AtReply::Result(answer);
+}
+
+// "+CREG: 0,1" becomes "+CREG:0,1" at the start of each line, as some sticks write them; error reports
+// keep their blank.
+std::string WithoutBlankAfterColon(const std::string& text) {
+    std::string out;
+    size_t pos = 0;
+    while (pos < text.size()) {
+        size_t end = text.find('\n', pos);
+        end = end == std::string::npos ? text.size() : end + 1;
+        std::string line = text.substr(pos, end - pos);
+        size_t colon = line.find(':');
+        if (!line.empty() && line[0] == '+' && colon != std::string::npos && colon + 1 < line.size() &&
+            line[colon + 1] == ' ' && line.compare(0, 10, "+CME ERROR") != 0 &&
+            line.compare(0, 10, "+CMS ERROR") != 0) {
+            line.erase(colon + 1, 1);
+        }
+        out += line;
+        pos = end;
+    }
+    return out;
+}
+
 } // namespace
 
 const char* PinStateName(PinState state) {
@@ -241,19 +285,23 @@ std::string SimModem::ToTe(std::string_view utf8) const {
         return TextToUcs2Hex(utf8);
     }
     if (settings_.cscs == "IRA") {
-        // IRA is 7-bit: one '?' for each character outside it.
-        std::string collapsed;
-        for (size_t i = 0; i < utf8.size(); ++i) {
-            unsigned char c = static_cast<unsigned char>(utf8[i]);
-            if (c < 0x80) {
-                collapsed += static_cast<char>(c);
-            } else if ((c & 0xC0) != 0x80) {
-                collapsed += '?';
-            }
-        }
-        return collapsed;
+        return ToIra(utf8);
     }
     return std::string(utf8);
+}
+
+std::string SimModem::ToIra(std::string_view utf8) {
+    // IRA is 7-bit: one '?' for each character outside it.
+    std::string collapsed;
+    for (size_t i = 0; i < utf8.size(); ++i) {
+        unsigned char c = static_cast<unsigned char>(utf8[i]);
+        if (c < 0x80) {
+            collapsed += static_cast<char>(c);
+        } else if ((c & 0xC0) != 0x80) {
+            collapsed += '?';
+        }
+    }
+    return collapsed;
 }
 
 bool SimModem::FromTe(std::string_view te, std::string* utf8) const {
@@ -411,15 +459,23 @@ void SimModem::HandleLine(const std::string& rawLine) {
         Emit(out + RenderFinal(final, settings_.framing), state_.knobs.latencyMs);
         return;
     }
-    if (!state_.knobs.inject.empty()) {
-        out += Framed(state_.knobs.inject);
-        state_.knobs.inject.clear();
+    Knobs& knobs = state_.knobs;
+    std::string ahead;
+    if ((!knobs.inject.empty() || !knobs.injectAhead.empty()) &&
+        (knobs.injectOn.empty() || StartsWithNoCase(line, knobs.injectOn))) {
+        ahead = knobs.injectAhead.empty() ? "" : Framed(knobs.injectAhead);
+        out += knobs.inject.empty() ? "" : Framed(knobs.inject);
+        knobs.inject.clear();
+        knobs.injectAhead.clear();
+        knobs.injectOn.clear();
     }
-    if (state_.knobs.urcMode == UrcMode::Mixed) {
+    if (knobs.urcMode == UrcMode::Ahead) {
+        ahead += TakeUrcs(urcs_.size());
+    } else if (knobs.urcMode == UrcMode::Mixed) {
         out += TakeUrcs(urcs_.size());
     }
     out += RenderFinal(final, settings_.framing);
-    Emit(out, state_.knobs.latencyMs + final.delayMs);
+    Emit(ahead + out, knobs.latencyMs + final.delayMs);
 }
 
 std::string SimModem::ExecuteLine(std::string_view body, AtReply& final) {
@@ -433,8 +489,9 @@ std::string SimModem::ExecuteLine(std::string_view body, AtReply& final) {
     for (const AtCommand& cmd : cmds) {
         auto it = table_.find(cmd.name);
         AtReply reply;
-        if (it == table_.end()) {
-            reply = AtReply::Error();
+        if (it == table_.end() || state_.knobs.refuse.count(cmd.name) ||
+            (state_.dialect == Dialect::Standard && IsMakerCommand(cmd.name))) {
+            reply = Unsupported(state_.knobs.unsupportedAnswer);
         } else if (it->second.need == SimNeed::Ready && SimError() != 0) {
             reply = AtReply::Cme(SimError());
         } else {
@@ -454,6 +511,9 @@ std::string SimModem::ExecuteLine(std::string_view body, AtReply& final) {
 }
 
 void SimModem::Emit(std::string bytes, int delayMs) {
+    if (state_.knobs.noBlankAfterColon) {
+        bytes = WithoutBlankAfterColon(bytes);
+    }
     if (delayMs > 0) {
         pendingAnswer_ = std::make_pair(now_ + std::chrono::milliseconds(delayMs), std::move(bytes));
     } else {
@@ -497,7 +557,7 @@ std::string SimModem::TakeUrcs(size_t max) {
         out += Framed(urcs_.front());
         urcs_.pop_front();
     }
-    return out;
+    return state_.knobs.noBlankAfterColon ? WithoutBlankAfterColon(out) : out;
 }
 
 void SimModem::FlushImmediateUrcs() {
@@ -533,6 +593,7 @@ nlohmann::json SimModem::Dump() const {
     using nlohmann::json;
     const SimCard& sim = state_.sim;
     json out;
+    out["dialect"] = Standard() ? "standard" : "vel";
     out["pin"] = {{"state", PinStateName(sim.state)},
                   {"enabled", sim.pinEnabled},
                   {"pin", sim.pin},

@@ -101,7 +101,9 @@ public:
 
     // Text in the current AT+CSCS character set: UCS2 hex or plain text.
     std::string ToTe(std::string_view utf8) const;
+    static std::string ToIra(std::string_view utf8);
     bool FromTe(std::string_view te, std::string* utf8) const;
+    bool Standard() const { return state_.dialect == Dialect::Standard; }
     bool SimReady() const { return state_.sim.state == PinState::Ready; }
     // The error for a command that needs the SIM in its present state (0 when it is ready).
     int SimError() const;

@@ -1,5 +1,7 @@
 #include "SimNetworkCommands.h"
 
+#include <span>
+
 #include "SimText.h"
 
 namespace modemsim {
@@ -191,12 +193,21 @@ AtReply Scan(SimModem& m) {
     if (net.cfun != 1) {
         return AtReply::Cme(cme::kNoService);
     }
+    const Knobs::Scan form = m.State().knobs.scan;
     std::string line = "+COPS: ";
     for (size_t i = 0; i < net.operators.size(); ++i) {
         const Operator& op = net.operators[i];
         int stat = op.forbidden ? 3 : static_cast<int>(i) == net.current ? 2 : 1;
-        line += "(" + std::to_string(stat) + ",\"" + op.longName + "\",\"" + op.shortName + "\",\"" +
-                op.numeric + "\"," + std::to_string(op.act) + "),";
+        if (form == Knobs::Scan::NoShortName) {
+            // Some sticks leave the short name out, and the access technology with it:
+            // +COPS: (2,"T - Mobile",,"31026"),(1,"AT&T",,"310410"),,(0,1,2,3,4),(0,1,2)
+            line += "(" + std::to_string(stat) + ",\"" + op.longName + "\",,\"" + op.numeric + "\"),";
+            continue;
+        }
+        const bool ucs2 = form == Knobs::Scan::Ucs2;
+        line += "(" + std::to_string(stat) + ",\"" + (ucs2 ? TextToUcs2Hex(op.longName) : op.longName) +
+                "\",\"" + (ucs2 ? TextToUcs2Hex(op.shortName) : op.shortName) + "\",\"" + op.numeric + "\"," +
+                std::to_string(op.act) + "),";
     }
     line += ",(0,1,2,3,4),(0,1,2)";
     AtReply r = AtReply::Line(line);
@@ -309,15 +320,8 @@ AtReply Ssnd(SimModem& m, const AtCommand& cmd) {
     return AtReply::Line("+SSND: " + bearer);
 }
 
-// AT+SPNM -> +SPNM: 01566F6461666F6E65FFFFFFFFFFFFFFFF  (EF-SPN: display byte, then the name)
-AtReply Spnm(SimModem& m, const AtCommand& cmd) {
-    if (cmd.form == Form::Test) {
-        return AtReply::Ok();
-    }
-    const SimCard& sim = m.State().sim;
-    if (sim.spn.empty()) {
-        return AtReply::Cme(cme::kNotFound);
-    }
+// EF-SPN: the display byte, then 16 bytes of name in the GSM alphabet or 0x80 and UCS2, padded with FF.
+Bytes SpnFile(const SimCard& sim) {
     Bytes name;
     if (sim.spnUcs2) {
         name.push_back(0x80);
@@ -330,11 +334,23 @@ AtReply Spnm(SimModem& m, const AtCommand& cmd) {
     Bytes file;
     file.push_back(static_cast<uint8_t>(sim.spnDisplay & 0xFF));
     file.insert(file.end(), name.begin(), name.end());
-    return AtReply::Line("+SPNM: " + ToHex(file));
+    return file;
 }
 
-// One PLMN of EF-SPDI, nibble-swapped: "26202" -> "62F220".
-bool PlmnToBcd(const std::string& plmn, std::string& out) {
+// AT+SPNM -> +SPNM: 01566F6461666F6E65FFFFFFFFFFFFFFFF  (EF-SPN: display byte, then the name)
+AtReply Spnm(SimModem& m, const AtCommand& cmd) {
+    if (cmd.form == Form::Test) {
+        return AtReply::Ok();
+    }
+    const SimCard& sim = m.State().sim;
+    if (sim.spn.empty()) {
+        return AtReply::Cme(cme::kNotFound);
+    }
+    return AtReply::Line("+SPNM: " + ToHex(SpnFile(sim)));
+}
+
+// One PLMN of EF-SPDI, nibble-swapped: "26202" -> 62 F2 20.
+bool PlmnToBcd(const std::string& plmn, Bytes& out) {
     if (plmn.size() != 5 && plmn.size() != 6) {
         return false;
     }
@@ -343,9 +359,25 @@ bool PlmnToBcd(const std::string& plmn, std::string& out) {
             return false;
         }
     }
-    char mnc3 = plmn.size() == 6 ? plmn[5] : 'F';
-    out = {plmn[1], plmn[0], mnc3, plmn[2], plmn[4], plmn[3]};
+    auto digit = [&](size_t i) { return i < plmn.size() ? plmn[i] - '0' : 0xF; };
+    out.push_back(static_cast<uint8_t>(digit(1) << 4 | digit(0)));
+    out.push_back(static_cast<uint8_t>(digit(5) << 4 | digit(2)));
+    out.push_back(static_cast<uint8_t>(digit(4) << 4 | digit(3)));
     return true;
+}
+
+// EF-SPDI: tag A3, length, PLMN list tag 80, length, PLMNs (40 at most).
+Bytes SpdiFile(const SimCard& sim) {
+    Bytes list;
+    for (const std::string& plmn : sim.spdi) {
+        if (list.size() < 3 * 40) {
+            PlmnToBcd(plmn, list);
+        }
+    }
+    Bytes file = {0xA3, static_cast<uint8_t>((list.size() + 2) & 0xFF), 0x80,
+                  static_cast<uint8_t>(list.size())};
+    file.insert(file.end(), list.begin(), list.end());
+    return file;
 }
 
 // AT+SPDI -> +SPDI: A3058003 62F220  (tag A3, length, PLMN list tag 80, length, PLMNs)
@@ -353,17 +385,47 @@ AtReply Spdi(SimModem& m, const AtCommand& cmd) {
     if (cmd.form == Form::Test) {
         return AtReply::Ok();
     }
-    std::string list;
-    for (const std::string& plmn : m.State().sim.spdi) {
-        std::string bcd;
-        if (PlmnToBcd(plmn, bcd) && list.size() < 2 * 3 * 40) {
-            list += bcd;
-        }
+    return AtReply::Line("+SPDI: " + ToHex(SpdiFile(m.State().sim)));
+}
+
+// Restricted SIM access, READ BINARY of EF-SPN and EF-SPDI:
+// AT+CRSM=176,28486,0,0,17 -> +CRSM: 144,0,"01566F6461666F6E65FFFFFFFFFFFFFFFF"
+// Other files give 106,130 (file not found), other commands 109,0 (instruction not supported).
+AtReply Crsm(SimModem& m, const AtCommand& cmd) {
+    if (cmd.form == Form::Test) {
+        return AtReply::Ok();
     }
-    int inner = static_cast<int>(list.size() / 2);
-    char head[16];
-    std::snprintf(head, sizeof head, "A3%02X80%02X", (inner + 2) & 0xFF, inner & 0xFF);
-    return AtReply::Line("+SPDI: " + std::string(head) + list);
+    int command = 0;
+    int fileId = 0;
+    if (cmd.form != Form::Set || !cmd.Int(0, command) || (cmd.Has(1) && !cmd.Int(1, fileId))) {
+        return AtReply::Cme(cme::kIncorrectParameters);
+    }
+    if (command != 176) {
+        return AtReply::Line("+CRSM: 109,0");
+    }
+    const SimCard& sim = m.State().sim;
+    Bytes file;
+    if (fileId == 0x6F46 && !sim.spn.empty()) {
+        file = SpnFile(sim);
+    } else if (fileId == 0x6FCD && !sim.spdi.empty()) {
+        file = SpdiFile(sim);
+    } else {
+        return AtReply::Line("+CRSM: 106,130");
+    }
+    int offset = (cmd.IntOr(2, 0) << 8) + cmd.IntOr(3, 0);
+    int length = cmd.IntOr(4, 0);
+    if (offset < 0 || length < 0 || offset > static_cast<int>(file.size())) {
+        return AtReply::Line("+CRSM: 107,0"); // wrong offset
+    }
+    const int available = static_cast<int>(file.size()) - offset;
+    if (length > available) {
+        return AtReply::Line("+CRSM: 103," + std::to_string(available)); // wrong length, the right one
+    }
+    length = length == 0 ? available : length;
+    return AtReply::Line("+CRSM: 144,0,\"" +
+                         ToHex(std::span<const uint8_t>(file).subspan(static_cast<size_t>(offset),
+                                                                      static_cast<size_t>(length))) +
+                         "\"");
 }
 
 } // namespace
@@ -442,6 +504,7 @@ void RegisterNetworkCommands(CommandTable& table) {
     table["+SSND"] = {Ssnd, SimNeed::None};
     table["+SPNM"] = {Spnm, SimNeed::Ready};
     table["+SPDI"] = {Spdi, SimNeed::Ready};
+    table["+CRSM"] = {Crsm, SimNeed::Ready};
 }
 
 } // namespace modemsim

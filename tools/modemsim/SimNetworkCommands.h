@@ -7,7 +7,8 @@
 namespace modemsim {
 
 // Network: AT+CSQ, AT+CREG, AT+CGREG, AT+CGATT, AT+COPS (query, the operator scan with its delay,
-// automatic and manual selection), the vendor AT+SYSSEL, AT+SSND, AT+SPNM and AT+SPDI.
+// automatic and manual selection), the vendor AT+SYSSEL, AT+SSND, AT+SPNM and AT+SPDI, and AT+CRSM for
+// the SIM files behind the last two.
 void RegisterNetworkCommands(CommandTable& table);
 
 // Registration status as AT+CREG? gives it: 0 not registered, 1 home, 2 searching, 3 denied, 5 roaming.

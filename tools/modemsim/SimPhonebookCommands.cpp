@@ -12,9 +12,15 @@ Phonebook& Current(SimModem& m) {
     return m.State().phonebooks[m.State().phonebook];
 }
 
-std::string EntryLine(SimModem& m, int index, const PbEntry& e) {
-    return "+CPBR: " + std::to_string(index) + ",\"" + e.number + "\"," + std::to_string(e.type) + ",\"" +
-           m.ToTe(e.name) + "\"";
+// +CPBR: 1,"+491701234567",145,"Anna". With the cpbr_entry knob the first entry of a listing comes as
+// some sticks write it: +CPBR: 1,"+491701234567",,"Anna" or +CPBR: 1,"+491701234567",145,Anna
+std::string EntryLine(SimModem& m, int index, const PbEntry& e, bool first = false) {
+    using Entry = Knobs::PbEntryForm;
+    const Entry form = first ? m.State().knobs.pbEntry : Entry::Normal;
+    const std::string name = m.ToTe(e.name);
+    return "+CPBR: " + std::to_string(index) + ",\"" + e.number + "\"," +
+           (form == Entry::EmptyType ? "" : std::to_string(e.type)) + "," +
+           (form == Entry::UnquotedName ? name : "\"" + name + "\"");
 }
 
 // AT+CPBS="SM";  AT+CPBS? -> +CPBS: "SM",3,250
@@ -61,7 +67,7 @@ AtReply Cpbr(SimModem& m, const AtCommand& cmd) {
     }
     AtReply r;
     for (auto it = pb.entries.lower_bound(first); it != pb.entries.end() && it->first <= last; ++it) {
-        r.lines.push_back(EntryLine(m, it->first, it->second));
+        r.lines.push_back(EntryLine(m, it->first, it->second, r.lines.empty()));
     }
     if (r.lines.empty()) {
         return AtReply::Cme(cme::kNotFound);

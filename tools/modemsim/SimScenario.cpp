@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "SimBuiltinScenario.h"
+#include "SimKnobs.h"
 #include "SimPdu.h"
 #include "SimSecurityCommands.h"
 #include "SimText.h"
@@ -350,18 +351,26 @@ void ParseVoice(const json& j, Voice& voice) {
     voice.ringIntervalMs = IntIn(j, "ring_interval_ms", 3000, 100, 600000);
 }
 
-void ParseKnobs(const json& j, Knobs& knobs) {
+void SetChoice(SimState& s, const json& j, const char* key) {
+    if (j.contains(key)) {
+        std::string error = std::string(key) + " must be a text";
+        const bool ok = j.at(key).is_string() && SetChoiceKnob(s, key, j.at(key).get<std::string>(), error);
+        Require(ok, error);
+    }
+}
+
+void ParseKnobs(const json& j, SimState& s) {
+    Knobs& knobs = s.knobs;
     knobs.latencyMs = IntIn(j, "latency_ms", 0, 0, 600000);
     knobs.chunkBytes = IntIn(j, "chunk_bytes", 0, 0, 4096);
     knobs.chunkGapMs = IntIn(j, "chunk_gap_ms", 0, 0, 10000);
-    std::string mode = j.value("urc_mode", "poll");
-    Require(mode == "poll" || mode == "immediate" || mode == "mixed",
-            "urc_mode must be poll, immediate or mixed");
-    knobs.urcMode = mode == "poll"        ? UrcMode::Poll
-                    : mode == "immediate" ? UrcMode::Immediate
-                                          : UrcMode::Mixed;
+    for (const char* key : {"urc_mode", "unsupported_answer", "ussd_format", "scan_format", "cpbr_entry"}) {
+        SetChoice(s, j, key);
+    }
     knobs.urcPerPoll = IntIn(j, "urc_per_poll", 1, 0, 1000);
     knobs.inject = j.value("inject", "");
+    knobs.injectAhead = j.value("inject_ahead", "");
+    knobs.injectOn = j.value("inject_on", "");
     knobs.mute = j.value("mute", false);
     knobs.garbage = j.value("garbage", false);
     knobs.floodIntervalMs = IntIn(j, "flood_interval_ms", 0, 0, 600000);
@@ -370,6 +379,15 @@ void ParseKnobs(const json& j, Knobs& knobs) {
             "flood_line must be 1-1024 characters");
     knobs.unplugAfter = IntIn(j, "unplug_after", 0, 0, 100000);
     knobs.unplugOn = j.value("unplug_on", "");
+    std::string refuse;
+    for (const json& name : Array(j, "refuse")) {
+        refuse += (refuse.empty() ? "" : ",") + name.get<std::string>();
+    }
+    std::string error;
+    Require(SetRefusedCommands(knobs, refuse, error), error);
+    knobs.cmglBadPdu = j.value("cmgl_bad_pdu", false);
+    knobs.noBlankAfterColon = j.value("no_blank_after_colon", false);
+    s.ussd.withRelease = j.value("ussd_release", false);
 }
 
 } // namespace
@@ -395,7 +413,8 @@ bool BuildState(const nlohmann::json& scenario, SimState& state, std::string& er
         ParseToolkit(Object(scenario, "stk"), s.stk);
         ParseVoice(Object(scenario, "voice"), s.voice);
         s.voice.gps = scenario.value("gps", false);
-        ParseKnobs(Object(scenario, "knobs"), s.knobs);
+        SetChoice(s, scenario, "dialect");
+        ParseKnobs(Object(scenario, "knobs"), s);
         state = std::move(s);
         return true;
     } catch (const ScenarioError& e) {

@@ -94,17 +94,36 @@ AtReply Pin(SimModem& m, const AtCommand& cmd) {
     }
 }
 
-// AT+CPINR: +CPINR: SIM PIN,3,3
+// AT+CPINR -> +CPINR: SIM PIN,3,3 and a line for each other code;
+// AT+CPINR="SIM PIN" gives that code's line, AT+CPINR="SIM*" those starting with "SIM". The Vel stick
+// ignores the selection and lists every code.
 AtReply PinRetries(SimModem& m, const AtCommand& cmd) {
     if (cmd.form == Form::Test) {
         return AtReply::Ok();
     }
     const SimCard& sim = m.State().sim;
+    if (sim.state == PinState::Absent) {
+        return AtReply::Cme(cme::kSimNotInserted);
+    }
+    const std::string lines[] = {"SIM PIN," + std::to_string(sim.pinLeft) + ",3",
+                                 "SIM PUK," + std::to_string(sim.pukLeft) + ",10",
+                                 "SIM PIN2," + std::to_string(sim.pin2Left) + ",3",
+                                 "SIM PUK2," + std::to_string(sim.puk2Left) + ",10"};
+    std::string wanted = cmd.form == Form::Set && m.Standard() ? ToUpper(cmd.Str(0)) : std::string();
+    const bool wildcard = !wanted.empty() && wanted.back() == '*';
+    if (wildcard) {
+        wanted.pop_back();
+    }
     AtReply r;
-    r.lines = {"+CPINR: SIM PIN," + std::to_string(sim.pinLeft) + ",3",
-               "+CPINR: SIM PUK," + std::to_string(sim.pukLeft) + ",10",
-               "+CPINR: SIM PIN2," + std::to_string(sim.pin2Left) + ",3",
-               "+CPINR: SIM PUK2," + std::to_string(sim.puk2Left) + ",10"};
+    for (const std::string& line : lines) {
+        const std::string code = line.substr(0, line.find(','));
+        if (wanted.empty() || code == wanted || (wildcard && code.compare(0, wanted.size(), wanted) == 0)) {
+            r.lines.push_back("+CPINR: " + line);
+        }
+    }
+    if (r.lines.empty()) {
+        return AtReply::Cme(cme::kIncorrectParameters);
+    }
     return r;
 }
 

@@ -195,6 +195,16 @@ AtReply Cmgw(SimModem& m, const AtCommand& cmd) {
     return AtReply::Prompt();
 }
 
+// The cmgl_bad_pdu knob: the service-centre part and the first octet of the TPDU, nothing more, so that
+// the entry cannot be decoded.
+std::string CutShort(const std::string& pdu) {
+    Bytes head;
+    if (pdu.size() < 2 || !FromHex(pdu.substr(0, 2), &head)) {
+        return pdu;
+    }
+    return pdu.substr(0, std::min(pdu.size(), 2 * (static_cast<size_t>(head[0]) + 2)));
+}
+
 // AT+CMGL=4 -> +CMGL: 1,1,,23 / <pdu> / ...
 AtReply Cmgl(SimModem& m, const AtCommand& cmd) {
     if (cmd.form == Form::Test) {
@@ -218,7 +228,7 @@ AtReply Cmgl(SimModem& m, const AtCommand& cmd) {
         }
         r.lines.push_back("+CMGL: " + std::to_string(index) + "," + std::to_string(sms.status) + ",," +
                           std::to_string(sms.tpduLength));
-        r.lines.push_back(sms.pdu);
+        r.lines.push_back(r.lines.size() == 1 && m.State().knobs.cmglBadPdu ? CutShort(sms.pdu) : sms.pdu);
         if (sms.status == 0) {
             sms.status = 1; // listing marks unread messages read
         }

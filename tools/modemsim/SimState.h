@@ -2,6 +2,7 @@
 
 #include <array>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -150,6 +151,9 @@ struct Ussd {
     int presentation = 0;
     int delayMs = 300;
     bool packedGsm = false; // dcs 15 answers as packed septets instead of one code per octet
+    // How the stick hands the network's answer over; sticks differ here.
+    enum class Form { Hex, Text, NoDcs, Ucs2Lang } form = Form::Hex;
+    bool withRelease = false; // "+CUSD: 2" right behind a final answer, in the same write
     std::vector<std::string> requests;
 };
 
@@ -202,15 +206,24 @@ struct DataSession {
 };
 
 // Switches for testing the host's robustness.
-enum class UrcMode { Poll, Immediate, Mixed };
+enum class UrcMode { Poll, Immediate, Mixed, Ahead };
 
 struct Knobs {
     int latencyMs = 0;  // every answer is held back this long
     int chunkBytes = 0; // answers are written in pieces of this many bytes ...
     int chunkGapMs = 0; // ... this far apart
     UrcMode urcMode = UrcMode::Poll;
-    int urcPerPoll = 1; // unsolicited lines written per "at" poll; 0: all
-    std::string inject; // one line mixed into the next answer before its final result
+    int urcPerPoll = 1;      // unsolicited lines written per "at" poll; 0: all
+    std::string inject;      // one line mixed into the next answer before its final result
+    std::string injectAhead; // one line written in front of the next answer, in the same write
+    std::string injectOn;    // the inject lines wait for a command starting with this (case-insensitive)
+    // Answer variants of other sticks.
+    std::string unsupportedAnswer = "ERROR"; // the answer to a command the stick does not know
+    std::set<std::string> refuse;            // commands answered as unknown ("+CSCB")
+    enum class Scan { Full, NoShortName, Ucs2 } scan = Scan::Full;
+    enum class PbEntryForm { Normal, EmptyType, UnquotedName } pbEntry = PbEntryForm::Normal;
+    bool cmglBadPdu = false;        // the first entry of a +CMGL listing has a PDU cut short
+    bool noBlankAfterColon = false; // "+CREG:0,1" instead of "+CREG: 0,1"
     // Faults.
     bool mute = false;       // commands are logged, but nothing is carried out or written
     bool garbage = false;    // answers are replaced by random bytes without a final result or '>'
@@ -220,7 +233,12 @@ struct Knobs {
     std::string unplugOn; // ... or a command starting with this text (case-insensitive); once
 };
 
+// Vel: the stick's own commands besides the 3GPP ones; Standard: 27.007/27.005 only, the maker's
+// commands answer as unknown ones.
+enum class Dialect { Vel, Standard };
+
 struct SimState {
+    Dialect dialect = Dialect::Vel;
     Identity identity;
     SimCard sim;
     Network network;

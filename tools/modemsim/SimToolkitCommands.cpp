@@ -146,6 +146,9 @@ AtReply Stgr(SimModem& m, const AtCommand& cmd) {
 } // namespace
 
 nlohmann::json ToolkitIndication(SimModem& m, const std::string& what) {
+    if (m.Standard()) {
+        return {{"ok", false}, {"error", "a stick of the standard dialect has no toolkit commands"}};
+    }
     const Toolkit& stk = m.State().stk;
     int type = 0;
     if (stk.commands.count(what)) {

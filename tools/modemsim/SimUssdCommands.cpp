@@ -28,7 +28,12 @@ void ShowNode(SimModem& m, int index) {
     Ussd& ussd = m.State().ussd;
     const UssdNode& node = ussd.nodes[static_cast<size_t>(index)];
     ussd.session = node.end ? -1 : index;
-    Present(m, UssdLine(m, node.end ? 0 : 1, node.text));
+    std::string line = UssdLine(m, node.end ? 0 : 1, node.text);
+    if (node.end && ussd.withRelease) {
+        // The network's release notice behind the answer, both in one write as such sticks send them.
+        line += "\r\n\r\n+CUSD: 2";
+    }
+    Present(m, line);
 }
 
 // The network's answer to one request: a menu entry, the next level of the menu the session waits on,
@@ -105,6 +110,17 @@ AtReply Cusd(SimModem& m, const AtCommand& cmd) {
 std::string UssdLine(const SimModem& m, int mode, const std::string& text) {
     if (text.empty()) {
         return "+CUSD: " + std::to_string(mode);
+    }
+    const std::string head = "+CUSD: " + std::to_string(mode) + ",\"";
+    switch (m.State().ussd.form) {
+    case Ussd::Form::Text: // the text itself, whatever AT+CSCS says
+        return head + SimModem::ToIra(text) + "\",15";
+    case Ussd::Form::NoDcs: // 27.007: dcs left out means 0, the text in the TE character set
+        return head + m.ToTe(text) + "\"";
+    case Ussd::Form::Ucs2Lang: // dcs 0x11: the language ("en" in two packed septets), then UCS2
+        return head + "6537" + TextToUcs2Hex(text) + "\",17";
+    case Ussd::Form::Hex:
+        break;
     }
     std::u32string wide = Utf8ToUtf32(text);
     std::string hex;

@@ -61,6 +61,124 @@ void DecodeSpnHex(std::string_view text, TServiceProviderInfo& info) {
     info.nPresent = 1;
 }
 
+// The fields of one operator item, split at the commas outside quotes, each without its quotes.
+std::vector<std::string> ItemFields(std::string_view item) {
+    std::vector<std::string> fields(1);
+    bool quoted = false;
+    for (const char ch : item) {
+        if (ch == '"')
+            quoted = !quoted;
+        else if (ch == ',' && !quoted)
+            fields.emplace_back();
+        else if (quoted || ch != ' ')
+            fields.back().push_back(ch);
+    }
+    return fields;
+}
+
+// The UCS2 units of a text of 4k hexadecimal digits (k >= 1), else nothing.
+std::u16string Ucs2Units(const std::string& hex) {
+    std::u16string units;
+    if (hex.empty() || hex.size() % 4 != 0)
+        return units;
+    for (std::size_t i = 0; i < hex.size(); i += 4) {
+        const int high = HexByte(hex[i], hex[i + 1]);
+        const int low = HexByte(hex[i + 2], hex[i + 3]);
+        if (high < 0 || low < 0)
+            return {};
+        units.push_back(static_cast<char16_t>(high << 8 | low));
+    }
+    return units;
+}
+
+// Copies text into a field of size bytes, cut on a UTF-8 character boundary when too long.
+void CopyCut(const std::string& text, char* field, std::size_t size) {
+    std::size_t length = std::min(text.size(), size - 1);
+    while (length < text.size() && length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+        --length;
+    std::memcpy(field, text.data(), length);
+    field[length] = '\0';
+}
+
+std::string Utf8FromUnits(const std::u16string& units) {
+    std::string text;
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        char32_t cp = units[i];
+        if (cp >= 0xD800 && cp < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
+            units[i + 1] < 0xE000)
+            cp = 0x10000 + ((cp - 0xD800) << 10) + (units[++i] - 0xDC00);
+        else if (cp >= 0xD800 && cp < 0xE000)
+            cp = 0xFFFD;
+        if (cp < 0x80) {
+            text.push_back(static_cast<char>(cp));
+        } else if (cp < 0x800) {
+            text.push_back(static_cast<char>(0xC0 | cp >> 6));
+            text.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        } else if (cp < 0x10000) {
+            text.push_back(static_cast<char>(0xE0 | cp >> 12));
+            text.push_back(static_cast<char>(0x80 | (cp >> 6 & 0x3F)));
+            text.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        } else {
+            text.push_back(static_cast<char>(0xF0 | cp >> 18));
+            text.push_back(static_cast<char>(0x80 | (cp >> 12 & 0x3F)));
+            text.push_back(static_cast<char>(0x80 | (cp >> 6 & 0x3F)));
+            text.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        }
+    }
+    return text;
+}
+
+// One item of a lenient AT+COPS=? answer, field by field; any field may be empty or missing:
+//   2,"T - Mobile",,"31026"      with the terminal set UCS2:  1,"00410063006D0065",,"00300030003100300031",2
+// The names are taken as UCS2 when the numeric name is UCS2 digits; a name too long for its field is cut.
+TNetworkListItem ReadCopsListItem(std::string_view text) {
+    TNetworkListItem item;
+    item.nValid = 1;
+    item.nAcT = 3;
+    std::vector<std::string> fields = ItemFields(text);
+    fields.resize(std::max<std::size_t>(fields.size(), 5));
+    ReadAnswerInt(fields[0].c_str(), item.nState);
+    const std::u16string numeric = Ucs2Units(fields[3]);
+    const bool ucs2 = !numeric.empty() && std::all_of(numeric.begin(), numeric.end(), [](char16_t unit) {
+        return unit >= u'0' && unit <= u'9';
+    });
+    if (ucs2) {
+        for (int i = 1; i <= 3; ++i)
+            fields[i] = Utf8FromUnits(Ucs2Units(fields[i]));
+    }
+    CopyCut(fields[1], item.szLongName, sizeof item.szLongName);
+    CopyCut(fields[2], item.szShortName, sizeof item.szShortName);
+    if (fields[3].size() < sizeof item.szNumericName)
+        CopyCut(fields[3], item.szNumericName, sizeof item.szNumericName);
+    ReadAnswerInt(fields[4].c_str(), item.nAcT);
+    return item;
+}
+
+// The lenient reading of AT+COPS=?: items in parentheses (quotes may hold parentheses) up to the empty
+// element before the supported-mode lists.
+void ReadCopsList(const std::string& answer, std::size_t at, std::list<TNetworkListItem>& items) {
+    const std::size_t lineEnd = std::min(answer.find("\r\n", at), answer.size());
+    std::size_t pos = at + std::strlen("+COPS: ");
+    while (pos < lineEnd) {
+        if (answer[pos] == ' ') {
+            ++pos;
+            continue;
+        }
+        if (answer[pos] != '(')
+            return; // the ",," before the mode lists
+        bool quoted = false;
+        std::size_t close = pos + 1;
+        for (; close < lineEnd && (quoted || answer[close] != ')'); ++close)
+            quoted = answer[close] == '"' ? !quoted : quoted;
+        if (close >= lineEnd)
+            return;
+        items.push_back(ReadCopsListItem(std::string_view(answer).substr(pos + 1, close - pos - 1)));
+        pos = close + 1;
+        if (pos < lineEnd && answer[pos] == ',')
+            ++pos;
+    }
+}
+
 } // namespace
 
 int ParseCopsAnswer(const std::string& answer, TNetworkBaseInfo& info) {
@@ -98,6 +216,10 @@ int ParseCopsListAnswer(const std::string& answer, std::list<TNetworkListItem>& 
     const std::size_t at = answer.find("+COPS: ");
     if (at == std::string::npos)
         return 1;
+    if (ReadsAnswersLeniently()) {
+        ReadCopsList(answer, at, items);
+        return 0;
+    }
     const std::size_t modeLists = answer.find(",,", at);
     for (std::size_t open = answer.find('(', at); open != std::string::npos;
          open = answer.find('(', open + 1)) {

@@ -15,7 +15,9 @@ int ParseCopsAnswer(const std::string& answer, TNetworkBaseInfo& info);
 
 // AT+COPS=? answer: +COPS: (2,"CHINA MOBILE","CMCC","46000",2),(1,...),,(0,1,2,3,4),(0,1,2)
 // Appends the operators up to the ",," that starts the supported-mode lists; an item longer than 45
-// characters or without its ')' ends the list. 1 without "+COPS: ".
+// characters or without its ')' ends the list. Read leniently, each item is read field by field (quoted,
+// bare or empty; names in UCS2 hex when the numeric name is; a name too long for its field is cut) and
+// only an item without its ')' ends the list. 1 without "+COPS: ".
 int ParseCopsListAnswer(const std::string& answer, std::list<TNetworkListItem>& items);
 
 // AT+SPNM answer: +SPNM: 01 80 00 41 00 42 FF FF   the SIM's EF-SPN in hexadecimal, display byte first.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "AtParameter.h"
+#include "DebugSink.h"
 #include "FamilyCommand.h"
 
 namespace {
@@ -180,11 +181,15 @@ int CPbUtility::GetList(int storage, std::list<TPbBaseItem>& items) {
         if (end == std::string::npos)
             break;
         TPbBaseItem item;
-        if (const int result = DecodeItem(response.substr(start, end - start), item); result != 0) {
+        const std::string line = response.substr(start, end - start);
+        if (const int result = DecodeItem(line, item); result == 0) {
+            items.push_back(std::move(item));
+        } else if (ReadsAnswersLeniently()) {
+            DebugPrint("AT+CPBR: skipped an entry that cannot be read: %s", line.c_str());
+        } else {
             items.clear();
             return result;
         }
-        items.push_back(std::move(item));
         at = response.find(kPrefix, end);
     }
     for (const TPbBaseItem& item : items)

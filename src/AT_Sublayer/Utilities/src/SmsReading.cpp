@@ -5,6 +5,8 @@
 #include <cstring>
 #include <vector>
 
+#include "DebugSink.h"
+#include "FamilyCommand.h"
 #include "SmsUtility.h"
 
 namespace {
@@ -171,9 +173,13 @@ int CSmsUtility::DecodePduModeCMGL(const std::string& response, std::list<TMessa
         if (!CutBlock(response, tag, block, end))
             return 1;
         TMessageListBaseItem item;
-        if (const int result = DecodePduCmglItem(block, item); result != 0)
-            return result;
-        read.push_back(std::move(item));
+        if (const int result = DecodePduCmglItem(block, item); result != 0) {
+            if (!ReadsAnswersLeniently())
+                return result;
+            DebugPrint("AT+CMGL: skipped an entry that cannot be read: %s", block.c_str());
+        } else {
+            read.push_back(std::move(item));
+        }
         tag = end;
     }
     items.splice(items.end(), read);

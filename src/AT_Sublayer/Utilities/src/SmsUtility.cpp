@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "AtParameter.h"
+#include "FamilyCommand.h"
 
 namespace {
 
@@ -230,6 +231,7 @@ int CSmsUtility::WriteComm(const std::string& command, const char* expected,
         if (const auto lineEnd = answer.find("\r\n", echo + command.size()); lineEnd != std::string::npos)
             answer.erase(0, lineEnd);
     }
+    SpaceAfterAnswerPrefixes(answer);
     response = std::move(answer);
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "UssdUtility.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <climits>
@@ -16,6 +17,9 @@ namespace {
 
 constexpr const char* kCusdPrefix = "+CUSD: ";
 constexpr std::size_t kCusdPrefixLength = 7;
+
+// UCS2 preceded by a two-character language indication.
+constexpr uint8_t kDcsUcs2AfterLanguage = 0x11;
 
 constexpr int kCheckStateTimeoutMs = 3000;
 constexpr int kSetStateTimeoutMs = 5000;
@@ -69,7 +73,10 @@ int CUssdUility::WriteComm(std::string& response, const char* command, const cha
         return 1;
     const std::list<std::string> finalResults(finals.begin(), finals.end());
     const int result = m_pfnExecAT(command, expected, timeoutMs, finalResults, response);
-    if (result != 0 || expected == nullptr || *expected == '\0')
+    if (result != 0)
+        return result;
+    SpaceAfterAnswerPrefixes(response);
+    if (expected == nullptr || *expected == '\0')
         return result;
     const std::size_t at = response.find(expected);
     if (at == std::string::npos)
@@ -216,34 +223,87 @@ int CUssdUility::Receive(const char* line, TUssdItem& item) {
     return 0;
 }
 
-// +CUSD: 1,"00480069",72   result code m, the text in hex, the data coding scheme.
+// +CUSD: 1,"00480069",72   result code m, the text, the data coding scheme.
+// Modems print the text in hex (UCS2 "00480069", one septet per octet "4869", packed septets "C834"), or,
+// with the terminal set IRA, as the text itself: +CUSD: 0,"Balance 5.00 EUR",15
 int CUssdUility::ParseCusdReport(const char* line, int teSet, TUssdItem& item) {
     item.wstrContent.clear();
     if (line == nullptr)
         return 1;
-    const char* prefix = std::strstr(line, kCusdPrefix);
+    // The stick this program was first written for always writes the blank and the coding scheme; others
+    // may leave them out ("+CUSD:0,\"Hi\"", where a missing scheme means 0, the default alphabet).
+    const bool blStandard = ReadsAnswersLeniently();
+    const char* prefix = std::strstr(line, blStandard ? "+CUSD:" : kCusdPrefix);
+    if (prefix == nullptr)
+        return 1;
+    const char* rest = prefix + kCusdPrefixLength - 1;
+    if (*rest == ' ')
+        ++rest;
     int m = 0;
-    if (prefix == nullptr || !ReadAnswerInt(prefix + kCusdPrefixLength, m))
+    if (!ReadAnswerInt(rest, m))
         return 1;
     item.nType = m;
 
-    const char* rest = prefix + kCusdPrefixLength;
     const char* quote = std::strchr(rest, '"');
     if (std::strchr(rest, ',') == nullptr || quote == nullptr)
         return 0;
-    std::string hex;
-    if (GetQuotationString(quote, hex) != 0)
+    std::string text;
+    if (GetQuotationString(quote, text) != 0)
         return 0;
     // The coding scheme stands behind the closing quote and the comma, whatever the character there is.
-    const char* closing = quote + 1 + hex.size();
+    const char* closing = quote + 1 + text.size();
+    const bool blNoScheme = closing[1] == '\0' || closing[1] == '\r' || closing[1] == '\n';
     int dcs = 0;
-    if (closing[1] == '\0' || !ReadAnswerInt(closing + 2, dcs) || dcs < 0 || dcs > 0xFF)
+    if (blNoScheme ? !blStandard : (!ReadAnswerInt(closing + 2, dcs) || dcs < 0 || dcs > 0xFF))
         return 0;
-
-    uint8_t octets[kUssdMaxReportOctets];
-    const int count = HexToOctets(hex, octets, kUssdMaxReportOctets);
-    DecodeReportText(octets, count, DecodeDcsAlphabet(static_cast<uint8_t>(dcs)), teSet, item.wstrContent);
+    DecodeReportString(text, static_cast<uint8_t>(dcs), teSet, blStandard, item.wstrContent);
     return 0;
+}
+
+void CUssdUility::DecodeReportString(const std::string& text, uint8_t dcs, int teSet, bool lenient,
+                                     std::wstring& out) {
+    const int alphabet = DecodeDcsAlphabet(dcs);
+    const bool blLanguageFirst = lenient && dcs == kDcsUcs2AfterLanguage;
+    const bool blDefault = alphabet == USSD_ALPHABET_7BIT || alphabet == USSD_ALPHABET_RESERVED;
+    const bool blHex = !text.empty() && text.size() % 2 == 0 &&
+                       std::all_of(text.begin(), text.end(), [](char c) { return HexCharToInt(c) >= 0; });
+    if (blDefault && !blLanguageFirst && !blHex) {
+        // Text in the terminal set itself: taken as it stands.
+        for (std::size_t i = 0; i < text.size() && i < static_cast<std::size_t>(kUssdMaxReportOctets); ++i)
+            out.push_back(static_cast<wchar_t>(static_cast<unsigned char>(text[i])));
+        return;
+    }
+    uint8_t octets[kUssdMaxReportOctets];
+    int count = HexToOctets(text, octets, kUssdMaxReportOctets);
+    if (blLanguageFirst) {
+        // Two septets of language (ISO 639) packed into two octets, then UCS2 (3GPP TS 23.038 clause 5).
+        if (count <= 2)
+            return;
+        DecodeReportText(octets + 2, count - 2, USSD_ALPHABET_UCS2, teSet, out);
+        return;
+    }
+    const bool blPacked = lenient && blDefault && teSet != USSD_TE_UCS2 &&
+                          std::any_of(octets, octets + count, [](uint8_t octet) { return octet >= 0x80; });
+    if (!blPacked) {
+        DecodeReportText(octets, count, alphabet, teSet, out);
+        return;
+    }
+    // Septets packed into octets, as on the air: an octet with its top bit set cannot be one septet.
+    uint8_t septets[kUssdMaxReportOctets * 8 / 7 + 1];
+    int septetCount = count * 8 / 7;
+    CSmsUtility::UnpackDefault7BitChars(octets, count, septetCount, static_cast<int>(sizeof septets), 0,
+                                        septets);
+    // Seven spare bits at the end hold CR as padding (3GPP TS 23.038 clause 6.1.2.3.1), or zeros.
+    if (septetCount > 0 && count % 7 == 0 &&
+        (septets[septetCount - 1] == '\r' || septets[septetCount - 1] == 0))
+        --septetCount;
+    for (int i = 0; i < septetCount; ++i) {
+        wchar_t ch = Gsm7DefaultToUnicode(septets[i]);
+        if (septets[i] == kGsm7Escape && i + 1 < septetCount &&
+            Gsm7ExtensionToUnicode(septets[i + 1]) != kGsm7NoChar)
+            ch = Gsm7ExtensionToUnicode(septets[++i]);
+        out.push_back(ch);
+    }
 }
 
 void CUssdUility::DecodeReportText(const uint8_t* octets, int count, int alphabet, int teSet,
@@ -251,8 +311,20 @@ void CUssdUility::DecodeReportText(const uint8_t* octets, int count, int alphabe
     if (octets == nullptr || count <= 0)
         return;
     if (alphabet == USSD_ALPHABET_UCS2) {
-        for (int i = 0; i + 1 < count; i += 2)
-            text.push_back(static_cast<wchar_t>(octets[i] << 8 | octets[i + 1]));
+        // Code points: a surrogate pair is one character; U+0000 ends the text.
+        for (int i = 0; i + 1 < count; i += 2) {
+            unsigned unit = static_cast<unsigned>(octets[i] << 8 | octets[i + 1]);
+            if (unit == 0)
+                break;
+            if (unit >= 0xD800 && unit < 0xDC00 && i + 3 < count) {
+                const unsigned low = static_cast<unsigned>(octets[i + 2] << 8 | octets[i + 3]);
+                if (low >= 0xDC00 && low < 0xE000) {
+                    unit = 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
+                    i += 2;
+                }
+            }
+            text.push_back(static_cast<wchar_t>(unit));
+        }
         return;
     }
     if (alphabet != USSD_ALPHABET_7BIT && alphabet != USSD_ALPHABET_RESERVED)

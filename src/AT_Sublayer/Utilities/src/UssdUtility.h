@@ -52,8 +52,14 @@ public:
     bool IsDialogueActive() const { return m_nDialogueActive != 0; }
 
     // Reads a report line with the terminal set teSet. Clears item.wstrContent; returns 1 when there is no
-    // "+CUSD: m" (nType left alone), else sets nType to m, decodes what text there is and returns 0.
+    // "+CUSD: m" (nType left alone), else sets nType to m, decodes what text there is and returns 0. With
+    // answers read leniently the blank and the coding scheme (then 0) may be missing.
     static int ParseCusdReport(const char* line, int teSet, TUssdItem& item);
+    // Decodes a report's quoted text with its data coding scheme: hex (an even count of hex digits) or, in
+    // the default alphabet, the text itself. Read leniently, dcs 0x11 is UCS2 after a language indication
+    // (dropped), and a default-alphabet hex text with an octet of 0x80 or above is packed septets.
+    static void DecodeReportString(const std::string& text, uint8_t dcs, int teSet, bool lenient,
+                                   std::wstring& out);
     // Decodes the octets of a report's text in alphabet (TUssdAlphabet) with the terminal set teSet.
     static void DecodeReportText(const uint8_t* octets, int count, int alphabet, int teSet,
                                  std::wstring& text);
