@@ -1,0 +1,149 @@
+// Every command of the dialtone tool against a simulated stick that speaks only 3GPP TS 27.007/27.005:
+// each works, or fails at once with a clear reason, and none waits for a time-out.
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "CliTestSupport.h"
+
+namespace {
+
+using clitest::Outcome;
+using clitest::RunDialtone;
+using clitest::SimulatedModem;
+using clitest::TempDir;
+
+constexpr auto kLimit = std::chrono::milliseconds(2000);
+
+struct Row {
+    std::vector<std::string> arguments;
+    int exitCode;
+    std::string shown; // on standard output or standard error
+    int ownPaceMs = 0; // what the command waits for by design: --wait, pppd's link, the network's answer
+};
+
+const std::string kUnsupported = "not supported by this modem (result 46)";
+
+// Runs the rows in order against one simulated standard stick with the settings.
+void RunRows(const std::vector<Row>& rows, std::vector<std::string> settings = {}) {
+    SimulatedModem modem("standard");
+    ASSERT_TRUE(modem.ready());
+    // The scan and the network's USSD answer take their time on purpose; here only the host's share counts.
+    settings.insert(settings.begin(), {"set scan_delay_ms 0", "set ussd_delay_ms 0", "set urc_mode immediate"});
+    for (const std::string& setting : settings)
+        ASSERT_TRUE(modem.command(setting).value("ok", false)) << setting;
+    TempDir ppp;
+    for (const char* folder : {"/peers", "/run", "/net"})
+        std::filesystem::create_directories(ppp.path + folder);
+
+    for (const Row& row : rows) {
+        std::vector<std::string> arguments{"--dev-dir", modem.devDir.path};
+        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+        std::string line;
+        for (const std::string& argument : row.arguments)
+            line += argument + " ";
+        SCOPED_TRACE(line);
+        const auto start = std::chrono::steady_clock::now();
+        const Outcome outcome = RunDialtone(arguments, modem.home.path,
+                                            {{"DIALTONE_DIALECT", "standard"},
+                                             {"DIALTONE_PPPD", DIALTONE_FAKE_PPPD},
+                                             {"DIALTONE_PEERS_DIR", ppp.path + "/peers"},
+                                             {"DIALTONE_PPP_RUN_DIR", ppp.path + "/run"},
+                                             {"DIALTONE_NET_DIR", ppp.path + "/net"},
+                                             {"XDG_CONFIG_HOME", ""}});
+        const auto took = std::chrono::steady_clock::now() - start;
+        const std::string shown = outcome.out + outcome.err;
+        EXPECT_EQ(outcome.status, row.exitCode) << shown;
+        EXPECT_NE(shown.find(row.shown), std::string::npos) << shown;
+        // Start-up included; a command waiting for a time limit takes longer.
+        EXPECT_LT(took, kLimit + std::chrono::milliseconds(row.ownPaceMs)) << shown;
+        // None of the maker's own commands went out.
+        const std::string sent = modem.dump().value("commands", nlohmann::json::array()).dump();
+        for (const char* vendor : {"+HWV", "+FUNC", "+PNNM", "+SMPN", "+SYSSEL", "+SSND", "+SPNM", "+SPDI",
+                                   "+STGI", "+STGR", "+STIN", "$GPSC"})
+            EXPECT_EQ(sent.find(vendor), std::string::npos) << vendor;
+    }
+}
+
+TEST(DialtoneStandardDialect, ModemSimAndNetworkCommands) {
+    // clang-format off
+    RunRows({
+        {{"status"}, 0, "Bearer:          HSDPA"},
+        {{"info"}, 0, "Model:           3G USB Modem"},
+        {{"request", "MESSAGE_PIN_GET_INFO", "2"}, 0, "\"nPukCnt\": 10"},
+        {{"pin", "status"}, 0, "Attempts left:   PIN 3, PUK 10"},
+        {{"pin", "enable", "1234"}, 0, "PIN request enabled"},
+        {{"pin", "change", "1234", "4321"}, 0, "PIN changed"},
+        {{"pin", "disable", "4321"}, 0, "PIN request disabled"},
+        {{"pin", "verify", "4321"}, 1, "3 PIN attempts and 10 PUK attempts left"},
+        {{"pin", "puk", "12345678", "4321"}, 1, "3 PIN attempts and 10 PUK attempts left"},
+        {{"network", "info"}, 0, "Provider:        Vodafone.de"},
+        {{"network", "scan"}, 0, "forbidden  E-Plus"},
+        {{"network", "select", "26201"}, 0, "Network selected"},
+        {{"network", "auto"}, 0, "Automatic network selection"},
+        {{"network", "reg"}, 0, "Registration:    home network"},
+        {{"network", "band"}, 1, kUnsupported},
+        {{"network", "band", "0x3FFFFFFF"}, 1, kUnsupported},
+        {{"network", "mode"}, 1, kUnsupported},
+        {{"network", "mode", "0"}, 1, kUnsupported},
+        {{"stk", "menu"}, 1, kUnsupported},
+        {{"stk", "select", "1"}, 1, kUnsupported},
+        {{"gps", "on"}, 1, kUnsupported},
+        {{"gps", "off"}, 1, kUnsupported},
+        {{"stats"}, 0, "Since the first use"},
+    });
+    // clang-format on
+}
+
+TEST(DialtoneStandardDialect, MessagesContactsCallsAndConnection) {
+    // clang-format off
+    RunRows({
+        {{"sms", "list"}, 0, "Grüße aus Köln"},
+        {{"sms", "send", "+491701234567", "hello"}, 0, "Sent to +491701234567"},
+        {{"sms", "delete", "1"}, 0, "Deleted message 1"},
+        {{"--wait", "0.2", "sms", "watch"}, 0, "", 200},
+        {{"sms", "storage", "sim"}, 0, "kept on the sim"},
+        {{"sms", "state"}, 0, "SIM:    "},
+        {{"sms", "sc"}, 0, "Service centre: +491722270333"},
+        {{"sms", "validity", "max"}, 0, "valid for max"},
+        {{"sms", "sent"}, 0, "hello"},
+        {{"sms", "outbox"}, 0, ""},
+        {{"ussd", "*100#"}, 0, "Your balance is 12.34 EUR", 1000},
+        {{"ussd", "--cancel"}, 0, "USSD dialogue ended"},
+        {{"account"}, 0, "Check balance"},
+        {{"contacts", "list"}, 0, "Anna Schmidt"},
+        {{"contacts", "add", "Berta", "+491702222222"}, 0, "Added to the sim phonebook"},
+        {{"contacts", "update", "sim", "1", "Carla", "+491703333333"}, 0, "Updated sim 1"},
+        {{"contacts", "delete", "sim", "1"}, 0, "Deleted sim 1"},
+        {{"contacts", "info"}, 0, "names up to 14"},
+        {{"call", "dial", "0301234567"}, 0, "active"},
+        {{"call", "list"}, 0, "030 1234567"},
+        {{"call", "dtmf", "1"}, 0, "Tones sent"},
+        {{"call", "hangup"}, 0, "Call ended"},
+        {{"call", "answer"}, 1, "there is no incoming call"},
+        {{"profiles", "list"}, 0, "web.vodafone.de"},
+        {{"profiles", "default", "1"}, 0, "is the default profile"},
+        {{"connect"}, 0, "Connected with", 1000},
+        {{"--wait", "0.5", "monitor"}, 0, "", 500},
+        {{"disconnect"}, 0, "Disconnected after", 1000},
+    });
+    // clang-format on
+}
+
+// A stick without the optional commands, answering them as some sticks do: the counters are unknown, the
+// PIN state and the messages still work.
+TEST(DialtoneStandardDialect, RefusedOptionalCommandsStopNothing) {
+    // clang-format off
+    RunRows({
+        {{"pin", "status"}, 0, "Attempts left:   PIN unknown, PUK unknown"},
+        {{"status"}, 0, "SIM:             ready"},
+        {{"sms", "list"}, 0, "Grüße aus Köln"},
+        {{"sms", "send", "+491701234567", "hello"}, 0, "Sent to +491701234567"},
+    }, {"set unsupported_answer COMMAND NOT SUPPORT", "set refuse +CPINR,+CSCB,+CMMS,+CNMI"});
+    // clang-format on
+}
+
+} // namespace
