@@ -41,7 +41,8 @@ int Status(CliContext& context, ModemSession& session) {
         nlohmann::json document = VariantToJson(value);
         // A counter the modem does not tell is null, not a count.
         for (const char* counter : {"nPinCnt", "nPukCnt"}) {
-            if (document.contains(counter) && document[counter].is_number() && document[counter].get<int>() < 0)
+            if (document.contains(counter) && document[counter].is_number() &&
+                document[counter].get<int>() < 0)
                 document[counter] = nullptr;
         }
         if (enabledKnown)

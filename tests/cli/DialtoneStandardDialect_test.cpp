@@ -32,7 +32,8 @@ void RunRows(const std::vector<Row>& rows, std::vector<std::string> settings = {
     SimulatedModem modem("standard");
     ASSERT_TRUE(modem.ready());
     // The scan and the network's USSD answer take their time on purpose; here only the host's share counts.
-    settings.insert(settings.begin(), {"set scan_delay_ms 0", "set ussd_delay_ms 0", "set urc_mode immediate"});
+    settings.insert(settings.begin(),
+                    {"set scan_delay_ms 0", "set ussd_delay_ms 0", "set urc_mode immediate"});
     for (const std::string& setting : settings)
         ASSERT_TRUE(modem.command(setting).value("ok", false)) << setting;
     TempDir ppp;

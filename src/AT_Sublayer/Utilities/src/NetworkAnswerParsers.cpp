@@ -309,7 +309,8 @@ int ParseCrsmSpnAnswer(const std::string& answer, TServiceProviderInfo& info) {
 
 int ParseCregAccessTechnology(const std::string& answer, int& stat) {
     stat = -1;
-    for (std::size_t at = answer.find("+CREG:"); at != std::string::npos; at = answer.find("+CREG:", at + 1)) {
+    for (std::size_t at = answer.find("+CREG:"); at != std::string::npos;
+         at = answer.find("+CREG:", at + 1)) {
         const std::string line = LineAt(answer, at + std::strlen("+CREG:"));
         int mode = 0;
         int registration = 0;
@@ -323,7 +324,8 @@ int ParseCregAccessTechnology(const std::string& answer, int& stat) {
         for (int field = 2; field < 5 && comma != std::string::npos; ++field)
             comma = line.find(',', comma + 1);
         int technology = -1;
-        if (comma == std::string::npos || !ReadAnswerInt(line.c_str() + comma + 1, technology) || technology < 0)
+        if (comma == std::string::npos || !ReadAnswerInt(line.c_str() + comma + 1, technology) ||
+            technology < 0)
             return -1;
         return technology;
     }

@@ -196,8 +196,8 @@ int CPinUtility::ParseCpinrAnswer(const std::string& answer, const char* code) {
         if (behind < answer.size() && answer[behind] == '"')
             ++behind;
         int left = 0;
-        if (behind < answer.size() && answer[behind] == ',' && ReadAnswerInt(answer.c_str() + behind + 1, left) &&
-            left >= 0)
+        if (behind < answer.size() && answer[behind] == ',' &&
+            ReadAnswerInt(answer.c_str() + behind + 1, left) && left >= 0)
             return left;
     }
     return kPinCountUnknown;

@@ -64,7 +64,8 @@ int CSmsUtility::RegisterExecAT(ExecATCallback callback) {
 int CSmsUtility::Init() {
     // Only PDU mode is needed; a modem that refuses the other settings still sends and receives messages.
     for (const auto& setting : kIndicationSettings) {
-        const int result = SetNewMessageIndications(setting[0], setting[1], setting[2], setting[3], setting[4]);
+        const int result =
+            SetNewMessageIndications(setting[0], setting[1], setting[2], setting[3], setting[4]);
         if (ChannelFailed(result))
             return result;
         if (result == 0)
