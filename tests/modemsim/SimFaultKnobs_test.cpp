@@ -116,6 +116,9 @@ TEST(SimFaultKnobsTest, ControlSettingsAreChecked) {
         {"set flood_line", false},
         {"set unplug_after 6", true},
         {"set unplug_on AT+CMGS=", true},
+        {"set unsupported_answer NO", false},
+        {"set ussd_format base64", false},
+        {"set cmgl_bad_pdu 2", false},
     };
     ModemHarness h(ModemHarness::Builtin());
     for (const Row& row : rows) {

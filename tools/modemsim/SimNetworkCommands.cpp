@@ -204,10 +204,10 @@ AtReply Scan(SimModem& m) {
             line += "(" + std::to_string(stat) + ",\"" + op.longName + "\",,\"" + op.numeric + "\"),";
             continue;
         }
-        const bool ucs2 = form == Knobs::Scan::Ucs2;
-        line += "(" + std::to_string(stat) + ",\"" + (ucs2 ? TextToUcs2Hex(op.longName) : op.longName) +
-                "\",\"" + (ucs2 ? TextToUcs2Hex(op.shortName) : op.shortName) + "\",\"" + op.numeric + "\"," +
-                std::to_string(op.act) + "),";
+        // In UCS2 every text is hex, the numeric name too: (1,"0041","0041","00320036003200300031",2)
+        auto text = [&](const std::string& t) { return form == Knobs::Scan::Ucs2 ? TextToUcs2Hex(t) : t; };
+        line += "(" + std::to_string(stat) + ",\"" + text(op.longName) + "\",\"" + text(op.shortName) +
+                "\",\"" + text(op.numeric) + "\"," + std::to_string(op.act) + "),";
     }
     line += ",(0,1,2,3,4),(0,1,2)";
     AtReply r = AtReply::Line(line);
