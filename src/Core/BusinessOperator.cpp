@@ -6,6 +6,7 @@
 #include "CNSLog.h"
 #include "ComOperation.h"
 #include "ConvertUtilty.h"
+#include "ModemDialect.h"
 #include "NetworkOperator.h"
 #include "PinCodeFormat.h"
 #include "SAT/STKCodec.h"
@@ -399,6 +400,9 @@ int BusinessOperator::NetworkSetMode(const QVariantMap& request) {
         PARAMETER_NULL();
     }
     const int result = _pAtSubLayer->NetworkSetMode(value.toInt());
+    if (result == WORKER_ERR_NOT_SUPPORTED) {
+        return result;
+    }
     if (result != 0) {
         CNSLOG(2, "AT Layer Error Err = %d", result);
         return WORKER_ERR_SET_NETWORK_MODE;
@@ -1032,6 +1036,9 @@ int BusinessOperator::SatSelectItem(const QVariantMap& request, QVariantMap& res
     const QVariant value = WorkNotification::GetValueObject(request);
     if (isMissing(value)) {
         PARAMETER_NULL();
+    }
+    if (StandardDialect()) {
+        return WORKER_ERR_NOT_SUPPORTED; // no toolkit commands on such a stick
     }
     if (_com == nullptr) {
         return WORKER_ERR_GENERAL;

@@ -41,6 +41,9 @@ inline constexpr qint32 WORKER_ERR_SMS_FILTERED = 44; // an incoming SMS taken b
 // The request's argument was refused before anything reached the modem (a malformed PIN, a number with
 // letters, a text that an AT parameter cannot carry): nothing was sent and no SIM attempt was used.
 inline constexpr qint32 WORKER_ERR_INVALID_ARGUMENT = 45;
+// The stick has no command for this (a toolkit, GPS or band selection that only some makers' sticks have):
+// nothing was sent.
+inline constexpr qint32 WORKER_ERR_NOT_SUPPORTED = 46;
 
 // Asynchronous requests sent and not yet answered. Sending through sendASyncWorkMessage counts up, every
 // delivered answer counts down, but sendworkMessage's asynchronous path does not count up and a dropped

@@ -132,6 +132,8 @@ void MainWindow::buildModules() {
     for (ModulePlugin* module : _modules) {
         module->setObjectName(module->moduleName());
         _tabs->addTab(module, module->icon(), module->title());
+        connect(module, &ModulePlugin::supportChanged, this,
+                [this, module](bool supported) { _tabs->setTabVisible(_tabs->indexOf(module), supported); });
     }
 }
 

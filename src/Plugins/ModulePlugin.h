@@ -45,6 +45,11 @@ public:
     // The modem is gone or locked again.
     virtual void modemGone() {}
 
+signals:
+    // The module found that the modem has no such feature (false), or may have it again (true); the main
+    // window hides or shows its tab.
+    void supportChanged(bool supported);
+
 protected:
     ModemLink& link() const { return _context.link; }
     ModuleContext& context() const { return _context; }

@@ -55,6 +55,10 @@ std::string BearerText(int bearer) {
     return Lookup(texts, bearer);
 }
 
+std::string AttemptsText(int count) {
+    return count < 0 ? "unknown" : std::to_string(count);
+}
+
 std::string AccessTechnologyText(int act) {
     static constexpr std::array<const char*, 8> texts{"GSM",         "GSM compact", "UTRAN",      "GSM/EGPRS",
                                                       "UTRAN/HSDPA", "UTRAN/HSUPA", "UTRAN/HSPA", "E-UTRAN"};
@@ -152,6 +156,8 @@ std::string ResultCodeText(int code) {
         return "the message was taken by a filter";
     case 45:
         return "the request's argument was refused before reaching the modem";
+    case 46:
+        return "not supported by this modem";
     default:
         return "the modem reported error " + std::to_string(code);
     }

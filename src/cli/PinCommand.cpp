@@ -23,8 +23,9 @@ void ReportAttemptsLeft(ModemSession& session) {
     if (WorkNotification::GetErrorCode(response) != WORKER_OK)
         return;
     const auto state = WorkNotification::GetValueObject(response).value<BLPinCheckState>();
-    std::fprintf(stderr, "dialtone: SIM %s; %d PIN attempts and %d PUK attempts left\n",
-                 PinStateText(state.nState).c_str(), state.nPinCnt, state.nPukCnt);
+    std::fprintf(stderr, "dialtone: SIM %s; %s PIN attempts and %s PUK attempts left\n",
+                 PinStateText(state.nState).c_str(), AttemptsText(state.nPinCnt).c_str(),
+                 AttemptsText(state.nPukCnt).c_str());
 }
 
 int Status(CliContext& context, ModemSession& session) {
@@ -38,6 +39,12 @@ int Status(CliContext& context, ModemSession& session) {
     const QString enabled = WorkNotification::GetValueObject(enabledResponse).toString();
     if (context.json) {
         nlohmann::json document = VariantToJson(value);
+        // A counter the modem does not tell is null, not a count.
+        for (const char* counter : {"nPinCnt", "nPukCnt"}) {
+            if (document.contains(counter) && document[counter].is_number() &&
+                document[counter].get<int>() < 0)
+                document[counter] = nullptr;
+        }
         if (enabledKnown)
             document["strPinEnabled"] = enabled.toStdString();
         PrintJson(document);
@@ -45,7 +52,8 @@ int Status(CliContext& context, ModemSession& session) {
     }
     std::printf("SIM:             %s\n", PinStateText(state.nState).c_str());
     if (state.nState != 0 && state.nState != 17)
-        std::printf("Attempts left:   PIN %d, PUK %d\n", state.nPinCnt, state.nPukCnt);
+        std::printf("Attempts left:   PIN %s, PUK %s\n", AttemptsText(state.nPinCnt).c_str(),
+                    AttemptsText(state.nPukCnt).c_str());
     if (enabledKnown)
         std::printf("PIN request:     %s\n", enabled == "TRUE" ? "on" : "off");
     return EXIT_OK;

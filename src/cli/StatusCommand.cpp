@@ -63,9 +63,9 @@ int Status(CliContext& context, ModemSession& session) {
     if (WorkNotification::GetErrorCode(pinResponse) == WORKER_OK) {
         const auto pin = WorkNotification::GetValueObject(pinResponse).value<BLPinCheckState>();
         sim = PinStateText(pin.nState);
-        if (pin.nState == 2)
+        if (pin.nState == 2 && pin.nPinCnt >= 0)
             sim += " (" + std::to_string(pin.nPinCnt) + " attempts left)";
-        else if (pin.nState == 3)
+        else if (pin.nState == 3 && pin.nPukCnt >= 0)
             sim += " (" + std::to_string(pin.nPukCnt) + " PUK attempts left)";
     }
     PrintField("SIM:", sim);

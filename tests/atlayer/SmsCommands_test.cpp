@@ -2,6 +2,7 @@
 #include <cstring>
 #include <list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -34,34 +35,36 @@ protected:
     CSmsUtility m_sms;
 };
 
-TEST_F(SmsCommandsTest, InitStopsAtTheFirstRefusedCommand) {
+TEST_F(SmsCommandsTest, InitPassesOverRefusedOptionalSettings) {
     struct Step {
         const char* command;
         int timeout;
         Finals finals;
     };
     const std::vector<Step> steps = {
-        {"AT+CNMI=2,1,0,2,0\r", 1000, kCms},
-        {"AT+CSCB=1\r", 10000, {"OK", "ERROR", "+CMS ERROR"}},
-        {"AT+CMMS=2\r", 1000, kCme},
-        {"AT+CMGF=0\r", 1000, kCme},
+        {"AT+CNMI=2,1,0,2,0\r", 1000, kCms}, {"AT+CNMI=2,1,0,0,0\r", 1000, kCms},
+        {"AT+CNMI=1,1,0,0,0\r", 1000, kCms}, {"AT+CSCB=1\r", 10000, {"OK", "ERROR", "+CMS ERROR"}},
+        {"AT+CMMS=2\r", 1000, kCme},         {"AT+CMGF=0\r", 1000, kCme},
     };
-    // refused: the step answered "ERROR" (steps.size(): none); then the run must stop there.
-    for (std::size_t refused = 0; refused <= steps.size(); ++refused) {
-        SCOPED_TRACE(refused);
+    // One letter per step: A accepted, R refused, T timed out, - not sent.
+    const std::pair<const char*, int> rows[] = {
+        {"A--AAA", 0}, {"RA-AAA", 0}, {"RRRRRA", 0}, {"A--AAR", 1}, {"T-----", 2}, {"A--T--", 2},
+    };
+    for (const auto& [script, result] : rows) {
+        SCOPED_TRACE(script);
         ScriptedAtFake fake;
-        for (std::size_t i = 0; i < steps.size() && i <= refused; ++i) {
-            fake.Expect(steps[i].command, i == refused ? "\r\n+CMS ERROR: 303\r\n" : kOk)
-                .WithTimeout(steps[i].timeout)
-                .WithoutPrefix()
-                .WithFinals(steps[i].finals);
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            if (script[i] == 'T')
+                fake.ExpectFailure(steps[i].command, 2);
+            else if (script[i] != '-')
+                fake.Expect(steps[i].command, script[i] == 'R' ? "\r\n+CMS ERROR: 303\r\n" : kOk)
+                    .WithTimeout(steps[i].timeout)
+                    .WithoutPrefix()
+                    .WithFinals(steps[i].finals);
         }
-        EXPECT_EQ(m_sms.Init(), refused == steps.size() ? 0 : 1);
+        EXPECT_EQ(m_sms.Init(), result);
         fake.VerifyDone();
     }
-    ScriptedAtFake timeout;
-    timeout.ExpectFailure("AT+CNMI=2,1,0,2,0\r", 2);
-    EXPECT_EQ(m_sms.Init(), 2);
 }
 
 TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {

@@ -9,12 +9,15 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabWidget>
 #include <QTest>
 #include <QTreeWidget>
 
 #include "AppConfig.h"
 #include "Connector/ProfileSettingsController.h"
 #include "GuiTestSupport.h"
+#include "MainWindow.h"
+#include "ModemDialect.h"
 #include "Network/NetworkPlugin.h"
 #include "Settings/PinSettingsPage.h"
 #include "Settings/ProfileDialog.h"
@@ -40,6 +43,12 @@ QTreeWidgetItem* Row(QTreeWidget* list, int column, const QString& text) {
     }
     return nullptr;
 }
+
+// The modem's dialect is Standard while it lives.
+struct StandardStick {
+    StandardStick() { SetModemDialect(ModemDialect::Standard); }
+    ~StandardStick() { ResetModemDialect(); }
+};
 
 } // namespace
 
@@ -94,6 +103,28 @@ TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
     EXPECT_TRUE(waitForGui([&] { return Child<QLabel>(network, "selection")->text() == "manual"; }));
     EXPECT_EQ(Row(list, 2, "26201")->text(4), "current");
     EXPECT_EQ(Row(list, 2, "26202")->text(4), "available");
+}
+
+// A stick of the standard dialect has no toolkit and no band or mode selection: the toolkit tab goes, and
+// the band and mode controls are disabled with the reason; a stick with them gets the tab back.
+TEST(NetworkSettingsGui, StandardStickHasNoToolkitTabAndNoBandOrMode) {
+    StandardStick stick;
+    GuiWorld world;
+    ASSERT_TRUE(world.started());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    auto* tabs = Child<QTabWidget>(&world.window(), "modules");
+    const int toolkit = tabs->indexOf(world.window().module(QStringLiteral("toolkit")));
+    EXPECT_TRUE(waitForGui([&] { return !tabs->isTabVisible(toolkit); }));
+    auto* network = world.show<NetworkPlugin>(QStringLiteral("network"));
+    auto* status = Child<QLabel>(network, "radioStatus");
+    EXPECT_TRUE(waitForGui([&] { return status->text().contains("not supported by this modem"); }))
+        << status->text().toStdString();
+    for (const char* control : {"band", "mode", "applyRadio"})
+        EXPECT_FALSE(Child<QWidget>(network, control)->isEnabled()) << control;
+
+    ASSERT_TRUE(world.sim().control(QStringLiteral("unplug")).value("ok").toBool());
+    ASSERT_TRUE(world.waitForState(ModemLink::State::Absent));
+    EXPECT_TRUE(tabs->isTabVisible(toolkit));
 }
 
 // A profile added through the dialog reaches the controller's offered list and the saved user list, so it

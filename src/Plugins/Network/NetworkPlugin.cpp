@@ -199,7 +199,7 @@ void NetworkPlugin::modemReady() {
 
 void NetworkPlugin::modemGone() {
     _ready = false;
-    _searching = _registering = _radioBusy = _regInFlight = false;
+    _searching = _registering = _radioBusy = _regInFlight = _radioUnsupported = false;
     for (QLabel* label : {_operator, _registration, _technology, _bearer, _signal, _roaming, _selection})
         label->setText(QStringLiteral("-"));
     _networks->clear();
@@ -350,6 +350,12 @@ void NetworkPlugin::readRadio() {
     link().request(
         NETWORK_GET_BAND, {},
         [this](const QVariantMap& response) {
+            if (_ready && WorkNotification::GetErrorCode(response) == WORKER_ERR_NOT_SUPPORTED) {
+                _radioUnsupported = true;
+                setStatus(_radioStatus, tr("Band and mode: %1.").arg(ResponseFailureText(response)), false);
+                updateButtons();
+                return;
+            }
             if (_ready && WorkNotification::GetErrorCode(response) == WORKER_OK) {
                 const int band = WorkNotification::GetValueObject(response).toInt();
                 selectValue(_band, band, tr("Band mask %1").arg(band));
@@ -422,9 +428,9 @@ void NetworkPlugin::updateButtons() {
     _search->setText(_searching ? tr("Searching…") : tr("Search networks"));
     const bool chosen = !_networks->selectedItems().isEmpty();
     _register->setEnabled(_ready && !_searching && !_registering && (_automatic->isChecked() || chosen));
-    _applyRadio->setEnabled(_ready && !_radioBusy);
-    _band->setEnabled(_ready && !_radioBusy);
-    _mode->setEnabled(_ready && !_radioBusy);
+    const bool radio = _ready && !_radioBusy && !_radioUnsupported;
+    for (QWidget* control : std::initializer_list<QWidget*>{_applyRadio, _band, _mode})
+        control->setEnabled(radio);
 }
 
 void NetworkPlugin::setStatus(QLabel* label, const QString& text, bool error) {

@@ -73,5 +73,6 @@ private:
     bool _searching = false;
     bool _registering = false;
     bool _radioBusy = false;
+    bool _radioUnsupported = false; // the stick has no band or mode selection
     bool _regInFlight = false;
 };

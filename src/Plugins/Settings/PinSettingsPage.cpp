@@ -139,7 +139,9 @@ void PinSettingsPage::readState() {
                 return;
             const auto state = WorkNotification::GetValueObject(response).value<BLPinCheckState>();
             _pinLeft = state.nPinCnt;
-            _attempts->setText(tr("PIN %1, PUK %2").arg(state.nPinCnt).arg(state.nPukCnt));
+            _attempts->setText(tr("PIN %1, PUK %2")
+                                   .arg(QString::fromStdString(AttemptsText(state.nPinCnt)),
+                                        QString::fromStdString(AttemptsText(state.nPukCnt))));
         },
         this);
 }

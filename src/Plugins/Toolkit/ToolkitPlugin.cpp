@@ -119,6 +119,7 @@ void ToolkitPlugin::modemReady() {
 
 void ToolkitPlugin::modemGone() {
     _ready = false;
+    emit supportChanged(true); // the next modem may have a toolkit
     ++_generation;
     _busyState = false;
     _haveCommand = false;
@@ -157,7 +158,9 @@ void ToolkitPlugin::loadMenu(const QString& note) {
             if (generation != _generation)
                 return;
             setBusy(false);
-            if (const int code = WorkNotification::GetErrorCode(response)) {
+            const int code = WorkNotification::GetErrorCode(response);
+            emit supportChanged(code != WORKER_ERR_NOT_SUPPORTED);
+            if (code != WORKER_OK) {
                 showNoMenu(tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
                               "menu; press Read again to retry.")
                                .arg(ResponseFailureText(response)));

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "FamilyCommand.h"
+#include "ModemDialect.h"
 
 namespace {
 
@@ -21,6 +22,8 @@ int CGPSUtility::WriteComm(std::string& response, const char* command, const cha
 }
 
 int CGPSUtility::Switch(const char* command) {
+    if (StandardDialect())
+        return kNotSupportedByModem;
     std::string response;
     if (const int result = WriteComm(response, command, nullptr, kGpsTimeoutMs); result != 0)
         return result;

@@ -5,7 +5,8 @@
 
 #include "ExecATCallback.h"
 
-// The modem's GPS receiver, switched on ("AT$GPSC=1,1") and off ("AT$GPSC=1,0").
+// The modem's GPS receiver, switched on ("AT$GPSC=1,1") and off ("AT$GPSC=1,0"); kNotSupportedByModem,
+// unsent, on a stick of the standard dialect.
 // Operations return 0 on success, else the execute-AT code or 1.
 class CGPSUtility {
 public:

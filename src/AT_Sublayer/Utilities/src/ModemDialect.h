@@ -15,6 +15,10 @@
 // simulator's pseudo-terminals), DIALTONE_DIALECT ("vel" or "standard") chooses; the default is Vel.
 enum class ModemDialect { Vel, Standard };
 
+// Returned by a family operation that the stick's dialect has no command for; nothing was sent. The same
+// number as the worker's "not supported by this modem" result, so that it passes through unchanged.
+inline constexpr int kNotSupportedByModem = 46;
+
 // The dialect set last, else the one DIALTONE_DIALECT names, else Vel. Safe from any thread.
 ModemDialect CurrentModemDialect();
 void SetModemDialect(ModemDialect dialect);
@@ -24,3 +28,7 @@ void ResetModemDialect();
 // "vel" and "standard"; false for any other name.
 bool ModemDialectFromName(std::string_view name, ModemDialect& dialect);
 const char* ModemDialectName(ModemDialect dialect);
+
+inline bool StandardDialect() {
+    return CurrentModemDialect() == ModemDialect::Standard;
+}

@@ -40,6 +40,27 @@ int HexByte(char high, char low) {
     return h < 0 || l < 0 ? -1 : h * 16 + l;
 }
 
+// EF-SPN in hexadecimal, blanks allowed: display byte, then the name as a SIM alpha identifier. Marks info
+// present.
+void DecodeSpnHex(std::string_view text, TServiceProviderInfo& info) {
+    // Only the first 17 bytes count; a longer answer is simply cut.
+    char hex[kSpnBytes * 2 + 1] = {};
+    CNetworkUtility::TrimString(text, hex, sizeof hex);
+    unsigned char bytes[kSpnBytes] = {};
+    int count = 0;
+    for (int i = 0; count < kSpnBytes && hex[i] != '\0' && hex[i + 1] != '\0'; i += 2) {
+        const int byte = HexByte(hex[i], hex[i + 1]);
+        if (byte < 0)
+            break;
+        bytes[count++] = static_cast<unsigned char>(byte);
+    }
+    if (count > 0)
+        info.nDisplay = bytes[0];
+    if (count >= 2)
+        DecodeSimAlphaIdentifier(bytes + 1, count - 1, info.wszSpName, kSpNameSize - 1);
+    info.nPresent = 1;
+}
+
 // The fields of one operator item, split at the commas outside quotes, each without its quotes.
 std::vector<std::string> ItemFields(std::string_view item) {
     std::vector<std::string> fields(1);
@@ -266,23 +287,49 @@ int ParseSpnmAnswer(const std::string& answer, TServiceProviderInfo& info) {
     if (end == std::string::npos)
         return 1;
 
-    // Only the first 17 bytes count; a longer answer is simply cut.
-    char hex[kSpnBytes * 2 + 1] = {};
-    CNetworkUtility::TrimString(std::string_view(answer).substr(start, end - start), hex, sizeof hex);
-    unsigned char bytes[kSpnBytes] = {};
-    int count = 0;
-    for (int i = 0; count < kSpnBytes && hex[i] != '\0' && hex[i + 1] != '\0'; i += 2) {
-        const int byte = HexByte(hex[i], hex[i + 1]);
-        if (byte < 0)
-            break;
-        bytes[count++] = static_cast<unsigned char>(byte);
-    }
-    if (count > 0)
-        info.nDisplay = bytes[0];
-    if (count >= 2)
-        DecodeSimAlphaIdentifier(bytes + 1, count - 1, info.wszSpName, kSpNameSize - 1);
-    info.nPresent = 1;
+    DecodeSpnHex(std::string_view(answer).substr(start, end - start), info);
     return 0;
+}
+
+int ParseCrsmSpnAnswer(const std::string& answer, TServiceProviderInfo& info) {
+    info = TServiceProviderInfo{};
+    const std::size_t at = answer.find("+CRSM:");
+    if (at == std::string::npos)
+        return 1;
+    int sw1 = 0;
+    if (!ReadAnswerInt(answer.c_str() + at + std::strlen("+CRSM:"), sw1) || sw1 != 144)
+        return 1;
+    const std::size_t open = answer.find('"', at);
+    const std::size_t close = open == std::string::npos ? open : answer.find('"', open + 1);
+    if (close == std::string::npos || answer.find("\r\n", at) < close)
+        return 1;
+    DecodeSpnHex(std::string_view(answer).substr(open + 1, close - open - 1), info);
+    return 0;
+}
+
+int ParseCregAccessTechnology(const std::string& answer, int& stat) {
+    stat = -1;
+    for (std::size_t at = answer.find("+CREG:"); at != std::string::npos;
+         at = answer.find("+CREG:", at + 1)) {
+        const std::string line = LineAt(answer, at + std::strlen("+CREG:"));
+        int mode = 0;
+        int registration = 0;
+        const std::size_t first = line.find(',');
+        if (first == std::string::npos || !ReadAnswerInt(line.c_str(), mode) ||
+            !ReadAnswerInt(line.c_str() + first + 1, registration))
+            continue;
+        stat = registration;
+        // Fields: mode, stat, area, cell, technology.
+        std::size_t comma = first;
+        for (int field = 2; field < 5 && comma != std::string::npos; ++field)
+            comma = line.find(',', comma + 1);
+        int technology = -1;
+        if (comma == std::string::npos || !ReadAnswerInt(line.c_str() + comma + 1, technology) ||
+            technology < 0)
+            return -1;
+        return technology;
+    }
+    return -1;
 }
 
 void ParseSpdiAnswer(const std::string& answer, int& count, std::vector<TSpdiEntry>& entries) {

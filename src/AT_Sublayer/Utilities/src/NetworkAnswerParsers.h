@@ -25,6 +25,16 @@ int ParseCopsListAnswer(const std::string& answer, std::list<TNetworkListItem>& 
 // the line end behind it.
 int ParseSpnmAnswer(const std::string& answer, TServiceProviderInfo& info);
 
+// AT+CRSM=176,28486,0,0,17 answer: +CRSM: 144,0,"0141424344FFFF..."   status words, then EF-SPN in
+// hexadecimal as for ParseSpnmAnswer. 1 without "+CRSM:", for a status other than 144 (normal ending)
+// or without the quoted data.
+int ParseCrsmSpnAnswer(const std::string& answer, TServiceProviderInfo& info);
+
+// AT+CREG? answer after AT+CREG=2: +CREG: 2,1,"1A2B","00C3D4",2   mode, stat, area, cell, access
+// technology. The first line with mode and stat counts (an unsolicited "+CREG: 1,..." has no mode); its
+// access technology, or -1 when it has none. stat is -1 without such a line.
+int ParseCregAccessTechnology(const std::string& answer, int& stat);
+
 // Decodes a SIM alpha identifier (3GPP TS 11.11 Annex B: 0x80 UCS2, 0x81 and 0x82 UCS2 with a base,
 // else GSM default alphabet up to 0xFF) into at most size characters; returns how many were written.
 int DecodeSimAlphaIdentifier(const unsigned char* bytes, int length, char16_t* name, int size);

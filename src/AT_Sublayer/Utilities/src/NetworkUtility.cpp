@@ -8,6 +8,7 @@
 #include "AtParameter.h"
 #include "FamilyCommand.h"
 #include "Gsm7BitAlphabet.h"
+#include "ModemDialect.h"
 #include "NetworkAnswerParsers.h"
 #include "SystemUtility.h"
 
@@ -44,6 +45,10 @@ constexpr BearerText kBearers[] = {{"NO SERVICE", 0}, {"GPRS", 1}, {"EDGE", 2}, 
 
 // The second and third "+SYSSEL" values of each mode.
 constexpr int kModePairs[][2] = {{0, 0}, {2, 0}, {0, 1}, {1, 0}, {0, 2}};
+
+// 3GPP TS 27.007 <AcT> 0 GSM, 1 GSM compact, 2 UTRAN, 3 EDGE, 4 HSDPA, 5 HSUPA, 6 HSPA as bearers; LTE
+// (7) and anything newer has no bearer of its own and stays unknown.
+constexpr int kAccessTechnologyBearers[] = {7, 7, 3, 2, 4, 6, 5};
 
 // 3GPP TS 27.007 <stat> 0 not registered, 1 home, 2 searching, 3 denied, 4 unknown, 5 roaming.
 constexpr int kRegistrationStates[] = {0, 3, 1, 2, 5, 4};
@@ -163,10 +168,14 @@ int CNetworkUtility::GetPSAttachState(int& state) {
 }
 
 int CNetworkUtility::SetBand(int band) {
+    if (StandardDialect())
+        return kNotSupportedByModem;
     return RunSetCommand("AT+SYSSEL=" + std::to_string(band) + "\r", kQuickTimeoutMs);
 }
 
 int CNetworkUtility::SetMode(int mode) {
+    if (StandardDialect())
+        return kNotSupportedByModem;
     if (mode < 0 || mode >= static_cast<int>(std::size(kModePairs)))
         return 1;
     return RunSetCommand("AT+SYSSEL=," + std::to_string(kModePairs[mode][0]) + "," +
@@ -175,10 +184,14 @@ int CNetworkUtility::SetMode(int mode) {
 }
 
 int CNetworkUtility::SetDomain(int domain) {
+    if (StandardDialect())
+        return kNotSupportedByModem;
     return RunSetCommand("AT+SYSSEL=,,," + std::to_string(domain) + "\r", kQuickTimeoutMs);
 }
 
 int CNetworkUtility::ReadSystemSelection(int (&values)[4]) {
+    if (StandardDialect())
+        return kNotSupportedByModem;
     std::string response;
     const int result = WriteComm(response, "AT+SYSSEL?\r", "+SYSSEL:", kQuickTimeoutMs);
     if (result != 0)
@@ -221,7 +234,40 @@ int CNetworkUtility::GetDomain(int& domain) {
     return result;
 }
 
+int CNetworkUtility::GetBearerFromAccessTechnology(int& bearer) {
+    // +CREG: 2,1,"1A2B","00C3D4",2   after AT+CREG=2; else +COPS: 0,2,"46000",2
+    if (!m_bRegistrationDetails) {
+        RunSetCommand("AT+CREG=2\r", kQuickTimeoutMs);
+        m_bRegistrationDetails = true;
+    }
+    std::string response;
+    int result = WriteComm(response, "AT+CREG?\r", "+CREG", kStateTimeoutMs);
+    if (result != 0)
+        return result;
+    int stat = -1;
+    int technology = ParseCregAccessTechnology(response, stat);
+    if (stat != -1 && stat != 1 && stat != 5) {
+        bearer = 0; // no service
+        return 0;
+    }
+    if (technology < 0) {
+        TNetworkBaseInfo base;
+        base.nAcT = -1;
+        std::string operatorAnswer;
+        if ((result = WriteComm(operatorAnswer, "AT+COPS?\r", "+COPS", kQuickTimeoutMs)) != 0)
+            return result;
+        ParseCopsAnswer(operatorAnswer, base);
+        technology = base.nAcT;
+    }
+    if (technology < 0 || technology >= static_cast<int>(std::size(kAccessTechnologyBearers)))
+        return 1;
+    bearer = kAccessTechnologyBearers[technology];
+    return 0;
+}
+
 int CNetworkUtility::GetBearer(int& bearer) {
+    if (StandardDialect())
+        return GetBearerFromAccessTechnology(bearer);
     // +SSND: HSDPA
     std::string response;
     const int result = WriteComm(response, "AT+SSND?\r", "+SSND: ", kQuickTimeoutMs);
@@ -292,6 +338,11 @@ int CNetworkUtility::Set(int mask, int mode, int format, const char* oper, int a
 int CNetworkUtility::GetSpInfo(TServiceProviderInfo& info) {
     info = TServiceProviderInfo{};
     std::string response;
+    if (StandardDialect()) {
+        // READ BINARY of EF-SPN (6F46): +CRSM: 144,0,"014142FFFF..."
+        const int result = WriteComm(response, "AT+CRSM=176,28486,0,0,17\r", "+CRSM", kSimTimeoutMs);
+        return result != 0 ? result : ParseCrsmSpnAnswer(response, info);
+    }
     const int result = WriteComm(response, "AT+SPNM\r", "+SPNM: ", kQuickTimeoutMs);
     if (result != 0)
         return result;
@@ -307,6 +358,11 @@ int CNetworkUtility::GetImsi(char (&imsi)[kImsiSize]) {
 }
 
 int CNetworkUtility::GetSPDI(int& count, std::vector<TSpdiEntry>& entries) {
+    if (StandardDialect()) {
+        count = 0;
+        entries.clear();
+        return kNotSupportedByModem;
+    }
     std::string response;
     const int result = WriteComm(response, "AT+SPDI\r", nullptr, kSimTimeoutMs);
     if (result != 0)

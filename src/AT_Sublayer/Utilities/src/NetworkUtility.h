@@ -14,6 +14,9 @@
 // operator list (AT+COPS), the vendor system selection for band, mode and domain (AT+SYSSEL), the bearer
 // (AT+SSND?), packet attach (AT+CGATT?) and the SIM's service provider name and display list (AT+SPNM,
 // AT+SPDI). Operations return 0 on success, 1 on a failure found here, else the execute-AT code.
+// On a stick of the standard dialect the vendor commands are never sent: the bearer comes from the access
+// technology of AT+CREG? (after AT+CREG=2) or AT+COPS?, the provider name from the SIM's EF-SPN read with
+// AT+CRSM, and band, mode and domain give kNotSupportedByModem.
 // Values that cannot be read keep their defaults: mode 5, format 3, access technology 3, level 6,
 // registration 5, service state 4, bearer 8.
 class CNetworkUtility {
@@ -84,10 +87,14 @@ public:
 private:
     // Runs a set command: 1 when the answer has no "OK".
     int RunSetCommand(const std::string& command, int timeoutMs);
+    // The bearer of the standard dialect: the access technology of the registration, else of the operator.
+    int GetBearerFromAccessTechnology(int& bearer);
     // The four values of "+SYSSEL: 0,2,0,2": band, the mode pair, domain.
     int ReadSystemSelection(int (&values)[4]);
     // The "+CSQ: " value.
     int ReadCsq(int& value);
 
     ExecATCallback m_pfnExecAT = nullptr;
+    // AT+CREG=2 was sent, so that "+CREG?" answers carry the access technology.
+    bool m_bRegistrationDetails = false;
 };

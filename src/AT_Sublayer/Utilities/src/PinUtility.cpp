@@ -2,9 +2,11 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 #include "AtParameter.h"
 #include "FamilyCommand.h"
+#include "ModemDialect.h"
 #include "PinCodeFormat.h"
 
 namespace {
@@ -60,6 +62,10 @@ constexpr ErrorText kCmeErrors[] = {
 
 constexpr int kSimNotInserted = 8;
 constexpr int kPinTimeoutMs = 1000;
+
+bool IsPersonalisationState(int pinState) {
+    return pinState == 4 || pinState == 5 || pinState == 6 || (pinState >= 9 && pinState <= 16);
+}
 
 } // namespace
 
@@ -176,9 +182,50 @@ int CPinUtility::VerifyPuk(const char* puk, const char* newPin) {
     return RunCommand(command + "\r");
 }
 
+int CPinUtility::ParseCpinrAnswer(const std::string& answer, const char* code) {
+    // +CPINR: SIM PIN,3,3   code, attempts left, attempts in all; some modems quote the code.
+    constexpr std::string_view kPrefix = "+CPINR:";
+    const std::size_t codeLength = std::strlen(code);
+    for (std::size_t at = answer.find(kPrefix); at != std::string::npos; at = answer.find(kPrefix, at + 1)) {
+        std::size_t name = answer.find_first_not_of(' ', at + kPrefix.size());
+        if (name != std::string::npos && answer[name] == '"')
+            ++name;
+        if (name == std::string::npos || answer.compare(name, codeLength, code) != 0)
+            continue;
+        std::size_t behind = name + codeLength;
+        if (behind < answer.size() && answer[behind] == '"')
+            ++behind;
+        int left = 0;
+        if (behind < answer.size() && answer[behind] == ',' &&
+            ReadAnswerInt(answer.c_str() + behind + 1, left) && left >= 0)
+            return left;
+    }
+    return kPinCountUnknown;
+}
+
+int CPinUtility::GetInfoByCpinr(int pinState, TPinInfo& info) {
+    info.nPinCnt = kPinCountUnknown;
+    info.nPukCnt = kPinCountUnknown;
+    // The personalisation locks have no standard counter.
+    if (IsPersonalisationState(pinState))
+        return 0;
+    std::string response;
+    const int result = WriteComm(response, "AT+CPINR\r", "+CPINR", kPinTimeoutMs);
+    // A modem without the command answers ERROR: the counters stay unknown, the PIN state is still good.
+    if (result == 30)
+        return result;
+    if (result != 0)
+        return 0;
+    const bool second = pinState == 7 || pinState == 8;
+    info.nPinCnt = ParseCpinrAnswer(response, second ? "SIM PIN2" : "SIM PIN");
+    info.nPukCnt = ParseCpinrAnswer(response, second ? "SIM PUK2" : "SIM PUK");
+    return 0;
+}
+
 int CPinUtility::GetInfo(int pinState, TPinInfo& info) {
-    const bool personalisation =
-        pinState == 4 || pinState == 5 || pinState == 6 || (pinState >= 9 && pinState <= 16);
+    if (StandardDialect())
+        return GetInfoByCpinr(pinState, info);
+    const bool personalisation = IsPersonalisationState(pinState);
     std::string response;
     const int result = WriteComm(response, personalisation ? "AT+SMPN?\r" : "AT+PNNM?\r", nullptr, 10000);
     if (result != 0)

@@ -7,7 +7,8 @@
 #include "PinTypes.h"
 
 // The SIM's PIN: lock state (AT+CPIN?), the PIN request switch (AT+CLCK), PIN change (AT+CPWD), PIN and PUK
-// entry, and the remaining attempts through the vendor commands AT+SMPN? and AT+PNNM?.
+// entry, and the remaining attempts through the vendor commands AT+SMPN? and AT+PNNM?, or AT+CPINR on a
+// stick of the standard dialect.
 // Operations return 0 on success, 1 on failure, 2 time-out, 30 cancelled, 5 to 24 for a "+CME ERROR: " text
 // (GetErrorCode). PIN and PUK texts go into the commands as they are.
 class CPinUtility {
@@ -28,7 +29,8 @@ public:
     int CheckState(int& state);
     // on: non-zero asks for the PIN at power-on. A null pin is sent as an empty one.
     int Enable(int on, const char* pin);
-    // Remaining attempts for the lock of pinState (a CheckState value).
+    // Remaining attempts for the lock of pinState (a CheckState value). In the standard dialect a counter
+    // the modem does not give is kPinCountUnknown and only a cancelled command fails.
     int GetInfo(int pinState, TPinInfo& info);
     int Change(const char* oldPin, const char* newPin);
     int Verify(const char* pin);
@@ -41,10 +43,14 @@ public:
     static int GetErrorCode(const std::string& answer);
     // The state of a "+CPIN: " answer, searched from its "+CPIN" on; 1 when no state text is found.
     static int ParseCpinAnswer(const std::string& answer, int& state);
+    // The attempts left for one code of an "AT+CPINR" answer ("+CPINR: SIM PIN,3,3", the code quoted or
+    // not); kPinCountUnknown when the answer has no such line.
+    static int ParseCpinrAnswer(const std::string& answer, const char* code);
 
 private:
     // Runs a command that answers only "OK" or an error text.
     int RunCommand(const std::string& command);
+    int GetInfoByCpinr(int pinState, TPinInfo& info);
 
     ExecATCallback m_pfnExecAT = nullptr;
 };

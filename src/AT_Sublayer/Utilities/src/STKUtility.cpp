@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "FamilyCommand.h"
+#include "ModemDialect.h"
 
 namespace {
 
@@ -40,6 +41,8 @@ int CSTKUtility::SendCommand(const char* command, std::string& text, int timeout
 }
 
 int CSTKUtility::HandleReport(const char* line, std::string& text) {
+    if (StandardDialect())
+        return kNotSupportedByModem;
     int number = 0;
     if (!ParseIndication(line, number))
         return 1;
@@ -59,6 +62,8 @@ int CSTKUtility::HandleReport(const char* line, std::string& text) {
 }
 
 int CSTKUtility::Init(std::string& text) {
+    if (StandardDialect())
+        return kNotSupportedByModem;
     // AT+STGI=17 -> +STGI: 17,"SIM Services",3 / +STGI: 17,1,"News" / ... / OK
     char command[32];
     std::snprintf(command, sizeof command, "AT+STGI=%d\r", kMainMenuNumber);
@@ -74,6 +79,8 @@ int CSTKUtility::Init(std::string& text) {
 
 int CSTKUtility::GetCurrentProactiveCommand(int& /*type*/, std::string& /*text*/) {
     // AT+STIN? -> +STIN: 11. Nobody reads the answer; the outputs stay as they were.
+    if (StandardDialect())
+        return kNotSupportedByModem;
     std::string response;
     return FamilyWriteComm(m_pfnExecAT, response, "AT+STIN?\r", kStinPrefix, kQueryTimeoutMs);
 }

@@ -6,7 +6,8 @@
 
 // The SIM toolkit's AT side: fetching the main menu ("AT+STGI=17") and the command a "+STIN:" report
 // announces ("AT+STGI=%d"), and sending the "AT+STGR" answers the toolkit module builds.
-// Operations return 0 on success, else the execute-AT code or 1.
+// Operations return 0 on success, else the execute-AT code or 1. On a stick of the standard dialect there
+// is no toolkit: Init, HandleReport and GetCurrentProactiveCommand give kNotSupportedByModem unsent.
 class CSTKUtility {
 public:
     // Time limit of an answer sent through the sublayer, which passes none of its own.

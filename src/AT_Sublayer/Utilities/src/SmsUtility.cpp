@@ -24,6 +24,16 @@ constexpr int kAddressTypeInternational = 145;
 // "+CSCA: " numbers of this length or more are refused.
 constexpr std::size_t kServiceCentreTooLong = 22;
 
+// AT+CNMI settings, tried in this order: new messages and status reports kept on the SIM and announced
+// ("+CMTI", "+CDSI"); then without status reports; then indications dropped while the link is busy, the
+// only combination some modems take.
+constexpr int kIndicationSettings[][5] = {{2, 1, 0, 2, 0}, {2, 1, 0, 0, 0}, {1, 1, 0, 0, 0}};
+
+// A modem that did not answer, or a cancelled command: unlike a refusal, no point in going on.
+bool ChannelFailed(int result) {
+    return result == 2 || result == 30;
+}
+
 const std::list<std::string> kFinalsCme = {"OK", "ERROR", "+CME ERROR"};
 const std::list<std::string> kFinalsCms = {"OK", "+CMS ERROR", "ERROR"};
 
@@ -52,11 +62,18 @@ int CSmsUtility::RegisterExecAT(ExecATCallback callback) {
 // AT+CNMI=2,1,0,2,0: new messages and status reports are stored and announced ("+CMTI: \"SM\",3",
 // "+CDSI: \"SR\",1").
 int CSmsUtility::Init() {
-    if (const int result = SetNewMessageIndications(2, 1, 0, 2, 0); result != 0)
+    // Only PDU mode is needed; a modem that refuses the other settings still sends and receives messages.
+    for (const auto& setting : kIndicationSettings) {
+        const int result =
+            SetNewMessageIndications(setting[0], setting[1], setting[2], setting[3], setting[4]);
+        if (ChannelFailed(result))
+            return result;
+        if (result == 0)
+            break;
+    }
+    if (const int result = DisableCellBroadcast(); ChannelFailed(result))
         return result;
-    if (const int result = DisableCellBroadcast(); result != 0)
-        return result;
-    if (const int result = SetMoreMessageToSend(); result != 0)
+    if (const int result = SetMoreMessageToSend(); ChannelFailed(result))
         return result;
     return SetMessageFormat(kFormatPdu);
 }

@@ -38,6 +38,8 @@ public:
     // The callback registered last, or null.
     ExecATCallback ExecAT() const { return m_pfnExecAT; }
 
+    // The start-up settings. A refused AT+CNMI, AT+CSCB or AT+CMMS is passed over (AT+CNMI tries simpler
+    // settings first); only PDU mode, a time-out or a cancel fail it.
     int Init();
     int GetServiceCentre(TSmsAddress& address);
     int SetServiceCentre(const TSmsAddress& address);

@@ -7,6 +7,7 @@
 
 #include "AtParameter.h"
 #include "FamilyCommand.h"
+#include "ModemDialect.h"
 
 namespace {
 
@@ -95,7 +96,8 @@ int CSystemUtility::GetSerialNumber(char (&text)[kEquipmentTextSize]) {
 }
 
 int CSystemUtility::GetHardwareVersion(char (&text)[kHardwareVersionSize]) {
-    const int result = ReadIdentity("AT+HWV\r", text, kHardwareVersionSize);
+    const int result =
+        StandardDialect() ? kNotSupportedByModem : ReadIdentity("AT+HWV\r", text, kHardwareVersionSize);
     if (result != 0)
         std::memset(text, 0, sizeof text);
     return result;
@@ -165,6 +167,8 @@ int CSystemUtility::SetPhoneFunctionality(int level) {
 }
 
 int CSystemUtility::GetDeviceStartState(int& state) {
+    if (StandardDialect())
+        return kNotSupportedByModem;
     // AT+FUNC=5,? answers "+FUNC: 1".
     std::string response;
     const int result = WriteComm(response, "AT+FUNC=5,?\r", "+FUNC:", kIdentityTimeoutMs);
@@ -181,6 +185,8 @@ int CSystemUtility::GetDeviceStartState(int& state) {
 }
 
 int CSystemUtility::SetDeviceStartState(int state) {
+    if (StandardDialect())
+        return kNotSupportedByModem;
     const std::string command = "AT+FUNC=5," + std::to_string(state) + "\r";
     std::string response;
     const int result = WriteComm(response, command.c_str(), nullptr, kIdentityTimeoutMs);

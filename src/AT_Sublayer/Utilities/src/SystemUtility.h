@@ -9,7 +9,8 @@
 // System and equipment information: echo and error-report setup, the modem's identity (AT+CGMI, AT+CGMM,
 // AT+CGMR, AT+CGSN, AT+CIMI, AT+CNUM, AT+HWV), the PDP context, the phone functionality level and the
 // vendor start state. Operations return 0 on success, 1 on a failure found here, else the execute-AT code
-// (2 time-out, 30 cancelled). Output texts are always NUL-terminated within their fields.
+// (2 time-out, 30 cancelled). Output texts are always NUL-terminated within their fields. The vendor
+// commands (AT+HWV, AT+FUNC) give kNotSupportedByModem, unsent, on a stick of the standard dialect.
 class CSystemUtility {
 public:
     CSystemUtility() = default;
