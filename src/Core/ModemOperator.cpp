@@ -25,15 +25,19 @@ int ModemOperator::initModem() {
     }
     _pref = PPPConnection::peersDir();
 
-    const QString node = DeviceUtility::deviceDir() + QStringLiteral("/cu.") + _strDeviceName;
-    if (_strDeviceName.contains('/') || !QFileInfo::exists(node)) {
+    // A link name ("VELMobileConnector1" for <device folder>/cu.VELMobileConnector1), or the path of a
+    // port found by probing ("/dev/ttyUSB2").
+    const bool probedPath = _strDeviceName.startsWith('/');
+    const QString node =
+        probedPath ? _strDeviceName : DeviceUtility::deviceDir() + QStringLiteral("/cu.") + _strDeviceName;
+    if ((!probedPath && _strDeviceName.contains('/')) || !QFileInfo::exists(node)) {
         return 1;
     }
     _interfaceModem = node;
 
     // pppd takes a bare name as one under /dev.
     QStringList names{node};
-    if (DeviceUtility::deviceDir() == QLatin1String("/dev")) {
+    if (!probedPath && DeviceUtility::deviceDir() == QLatin1String("/dev")) {
         names << QStringLiteral("cu.") + _strDeviceName;
     }
     const QStringList peers = QDir(_pref).entryList(QDir::Files | QDir::Readable, QDir::Name);

@@ -21,7 +21,8 @@ public:
     static constexpr char kModemScript[] = "VEL_HSPA_Modem";
 
     ModemOperator();
-    // The device name is the dial port's entry name without its "cu.": "VELMobileConnector1".
+    // The device name is the dial port's entry name without its "cu." ("VELMobileConnector1"), or the
+    // path of a dial port found by probing ("/dev/ttyUSB0").
     explicit ModemOperator(const QString& modemDeviceName);
     ~ModemOperator();
     ModemOperator(const ModemOperator&) = delete;

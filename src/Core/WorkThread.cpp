@@ -413,7 +413,10 @@ int WorkThread::initWrokThread() {
     }
 
     if (_networkOperator == nullptr) {
-        _networkOperator = std::make_unique<NetworkOperator>(strModemDeviceName.mid(3));
+        // A dial link the udev rule made goes by its name without "cu."; a probed port by its path.
+        _networkOperator = std::make_unique<NetworkOperator>(
+            strModemDeviceName.startsWith(QLatin1String("cu.")) ? strModemDeviceName.mid(3)
+                                                                 : DeviceUtility::portPath(strModemDeviceName));
     }
 
     _businessOperator =

@@ -1,11 +1,11 @@
 #include "ModemDoctor.h"
 
 #include "DeviceUtility.h"
+#include "DialupReadiness.h"
 #include "ModeSwitchData.h"
 #include "ModemTable.h"
 #include "PPPConnection.h"
 #include "PortProbe.h"
-#include "ResourceLocator.h"
 
 #include <QDir>
 #include <QFile>
@@ -271,27 +271,30 @@ DoctorFinding checkPppd() {
     return {QStringLiteral("pppd"), true, QStringLiteral("%1 is setuid root and yours to run").arg(pppd), {}};
 }
 
-DoctorFinding checkPeers() {
+DoctorFinding fromReadiness(const DialupReadiness::Finding& finding) {
+    return {QString::fromStdString(finding.check), finding.ok, QString::fromStdString(finding.text),
+            QString::fromStdString(finding.fix)};
+}
+
+// Group dip, and whether the dial-up service exists or can be made (by this user, or once through pkexec):
+// the same findings that the connect command and the Connect tab show.
+QList<DoctorFinding> checkDialupRights() {
+    QList<DoctorFinding> findings;
     const QString folder = PPPConnection::peersDir();
     const QStringList services =
         QDir(folder).entryList({QStringLiteral("VELMODEM*")}, QDir::Files | QDir::Readable, QDir::Name);
-    if (!services.isEmpty()) {
-        return {QStringLiteral("peers"),
-                true,
-                QStringLiteral("dial-up service %1 in %2").arg(services.first(), folder),
-                {}};
+    for (const DialupReadiness::Finding& finding : DialupReadiness::check(DialupReadiness::Facts::fromSystem())) {
+        if (finding.check == "dip") {
+            findings << fromReadiness(finding);
+        } else if (finding.check == "peers") {
+            findings << (services.isEmpty() ? fromReadiness(finding)
+                                            : DoctorFinding{QStringLiteral("peers"), true,
+                                                            QStringLiteral("dial-up service %1 in %2")
+                                                                .arg(services.first(), folder),
+                                                            {}});
+        }
     }
-    if (QFileInfo(folder).isDir() && access(folder.toLocal8Bit().constData(), W_OK) == 0) {
-        return {
-            QStringLiteral("peers"),
-            true,
-            QStringLiteral("%1 is writable: the dial-up service is made on the first connection").arg(folder),
-            {}};
-    }
-    return {QStringLiteral("peers"), false,
-            QStringLiteral("%1 holds no dial-up service for the modem and is not writable").arg(folder),
-            QStringLiteral("Make the service once as root: sudo %1 VELMobileConnector1 VELMODEM1")
-                .arg(ResourceLocator::resourcePath(QStringLiteral("VELModemService")))};
+    return findings;
 }
 
 DoctorFinding checkDns() {
@@ -325,7 +328,9 @@ QList<DoctorFinding> ModemDoctor::examine() {
     const UsbView view = lookAtUsb(table);
     QList<DoctorFinding> findings{checkUsb(table, view), checkSwitch(table, view), checkModemManager(view)};
     findings += checkPorts();
-    findings << checkPppd() << checkPeers() << checkDns();
+    findings << checkPppd();
+    findings += checkDialupRights();
+    findings << checkDns();
     return findings;
 }
 

@@ -5,7 +5,7 @@
 
 // One step between a plugged-in stick and a working connection, checked.
 struct DoctorFinding {
-    QString check; // "usb", "switch", "modemmanager", "ports", "port-rights", "pppd", "peers", "dns"
+    QString check; // "usb", "switch", "modemmanager", "ports", "port-rights", "pppd", "dip", "peers", "dns"
     bool ok = true;
     QString text; // what was found
     QString fix;  // what to do about it; empty when ok

@@ -1,5 +1,7 @@
 #include "Simulator.h"
 
+#include "ModemDialect.h"
+
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -167,6 +169,11 @@ bool Simulator::start(const std::string& scenario, bool trace, std::string& erro
     _atLink = ready["at_link"].get<std::string>();
     if (ready.contains("control") && ready["control"].is_string())
         _control = ready["control"].get<std::string>();
+    // Its pseudo-terminals have no USB device for the device table to name the dialect: it says it.
+    ModemDialect dialect = ModemDialect::Vel;
+    if (ready.contains("dialect") && ready["dialect"].is_string() &&
+        ModemDialectFromName(ready["dialect"].get<std::string>(), dialect))
+        SetModemDialect(dialect);
     stopOnInterrupt();
     return true;
 }

@@ -83,7 +83,7 @@ TEST_F(Doctor, EachFault) {
         {"ModemManager told to keep off", [](DoctorWorld& d) { d.addStick("E: ID_MM_DEVICE_IGNORE=1\n"); d.runModemManager(); }, "modemmanager", true, "leaves the stick's ports alone"},
         {"no pppd", [](DoctorWorld& d) { d.world.env.set("DIALTONE_PPPD", d.world.path("none")); }, "pppd", false, "pppd is not installed"},
         {"pppd not setuid", [](DoctorWorld& d) { chmod(d.world.path("pppd.sh").toLocal8Bit(), 0755); }, "pppd", false, "is not setuid root: only root may dial"},
-        {"peers folder missing", [](DoctorWorld& d) { d.world.env.set("DIALTONE_PEERS_DIR", d.world.path("none")); }, "peers", false, "holds no dial-up service for the modem and is not writable"},
+        {"peers folder missing", [](DoctorWorld& d) { d.world.env.set("DIALTONE_PEERS_DIR", d.world.path("none")); }, "peers", false, "none does not exist"},
         {"peer already made", [](DoctorWorld& d) { TempWorld::writeFile(d.world.path("peers/VELMODEM1"), "x"); }, "peers", true, "dial-up service VELMODEM1 in "},
         {"no resolv.conf", [](DoctorWorld& d) { QFile::remove(d.world.path("resolv.conf")); }, "dns", false, "is missing or names no server"},
         {"systemd-resolved", [](DoctorWorld& d) { QFile::remove(d.world.path("resolv.conf")); QFile::link("/run/systemd/resolve/stub-resolv.conf", d.world.path("resolv.conf")); }, "dns", true, "names are resolved by systemd-resolved"},

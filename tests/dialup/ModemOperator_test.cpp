@@ -142,6 +142,15 @@ TEST(InitModem, ResultCodes) {
     EXPECT_EQ(modem.connection()->status(), PPPConnection::kDisconnected);
     EXPECT_EQ(modem.onApplicationClosed(), 0);
     EXPECT_FALSE(modem.isConnected());
+
+    // A dial port found by probing goes by its path, through the service tool to the peer.
+    const QString probed = world.dev() + "/ttyUSB5";
+    ASSERT_TRUE(QFile::link(QString::fromStdString(world.modem.slavePath()), probed));
+    ModemOperator probedModem(probed);
+    EXPECT_EQ(probedModem.initModem(), 2);
+    ASSERT_EQ(DialWorld::createService(probed, "VELMODEM3"), 0);
+    EXPECT_EQ(probedModem.initModem(), 0);
+    EXPECT_EQ(probedModem.connection()->serviceID(), "VELMODEM3");
 }
 
 } // namespace

@@ -45,7 +45,8 @@ nlohmann::json SimServer::Paths() const {
             {"dial", dial_.Path()},
             {"at_link", links_.atLink},
             {"dial_link", links_.dialLink},
-            {"control", control_.Path()}};
+            {"control", control_.Path()},
+            {"dialect", modem_.Standard() ? "standard" : "vel"}};
 }
 
 void SimServer::Stop() {
