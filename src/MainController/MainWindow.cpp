@@ -190,6 +190,10 @@ ModulePlugin* MainWindow::module(const QString& moduleName) const {
     return nullptr;
 }
 
+bool MainWindow::isModuleShown(ModulePlugin* module) const {
+    return _tabs->isTabVisible(_tabs->indexOf(module));
+}
+
 ModulePlugin* MainWindow::showModule(const QString& moduleName) {
     ModulePlugin* found = module(moduleName);
     if (found)

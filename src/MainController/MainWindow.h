@@ -43,6 +43,8 @@ public:
     QString findingsText() const;
 
     const QList<ModulePlugin*>& modules() const { return _modules; }
+    // False for the tab of a feature the modem lacks (a toolkit on a stick without one).
+    bool isModuleShown(ModulePlugin* module) const;
     ModulePlugin* module(const QString& moduleName) const;
     // Brings the module's tab to the front; returns the module, or null for an unknown name.
     ModulePlugin* showModule(const QString& moduleName);

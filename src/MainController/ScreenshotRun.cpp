@@ -60,6 +60,8 @@ void ScreenshotRun::shootAll() {
     } else {
         Settle(kSettleMs);
         for (ModulePlugin* module : _window.modules()) {
+            if (!_window.isModuleShown(module))
+                continue;
             _window.showModule(module->moduleName());
             Settle(kSettleMs);
             ok = save(module->moduleName()) && ok;
