@@ -48,9 +48,9 @@ std::optional<QByteArray> resourceText(const QString& name) {
     return file.readAll();
 }
 
-// Resource tables: lines separated by "\r\n", columns by a tab.
-QStringList tableLines(const QByteArray& text) {
-    return QString::fromUtf8(text).split(QStringLiteral("\r\n"));
+// Resource tables: lines separated by "\r\n", columns by a tab. A missing table has no lines.
+QStringList tableLines(const std::optional<QByteArray>& text) {
+    return text ? QString::fromUtf8(*text).split(QStringLiteral("\r\n")) : QStringList();
 }
 
 // Two strings that are both present and equal (a missing value equals nothing).
@@ -107,15 +107,10 @@ void AppConfig::initSystemConfig() {
 }
 
 void AppConfig::initFixApnList() {
-    const std::optional<QByteArray> text = resourceText(QStringLiteral("PredefinedProfile"));
-    if (!text) {
-        _arrApnListFixed.clear();
-        return;
-    }
-    readFixApnList(*text);
+    readFixApnList(resourceText(QStringLiteral("PredefinedProfile")));
 }
 
-void AppConfig::readFixApnList(const QByteArray& text) {
+void AppConfig::readFixApnList(const std::optional<QByteArray>& text) {
     _arrApnListFixed.clear();
     const QStringList lines = tableLines(text);
     for (qsizetype i = 0; i < lines.size(); ++i) {
@@ -149,15 +144,10 @@ void AppConfig::initUserApnList() {
 }
 
 void AppConfig::initPLMNList() {
-    const std::optional<QByteArray> text = resourceText(QStringLiteral("PLMN"));
-    if (!text) {
-        _arrPLMNList.clear();
-        return;
-    }
-    readPLMNList(*text);
+    readPLMNList(resourceText(QStringLiteral("PLMN")));
 }
 
-void AppConfig::readPLMNList(const QByteArray& text) {
+void AppConfig::readPLMNList(const std::optional<QByteArray>& text) {
     _arrPLMNList.clear();
     const QStringList lines = tableLines(text);
     for (qsizetype i = 0; i < lines.size(); ++i) {

@@ -2,6 +2,7 @@
 
 #include "APNInfo.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QVariant>
@@ -37,9 +38,10 @@ public:
     void initFixApnList();
     void initUserApnList();
     void initPLMNList();
-    // The two resource tables' readers, on their text (UTF-8) rather than the resource file.
-    void readFixApnList(const QByteArray& text);
-    void readPLMNList(const QByteArray& text);
+    // The two resource tables' readers, on their text (UTF-8) rather than the resource file; nothing
+    // stands for a missing file.
+    void readFixApnList(const std::optional<QByteArray>& text);
+    void readPLMNList(const std::optional<QByteArray>& text);
 
     // Chooses the profiles for the SIM in use (IMSI, service provider name, which may be null or empty),
     // makes them the per-SIM list of that IMSI and writes it. Later per-SIM operations use this IMSI.
