@@ -32,10 +32,19 @@ bool allowed(const Facts& facts, const struct stat& info, mode_t ownerBit, mode_
     return (info.st_mode & (inGroup(facts, info.st_gid) ? groupBit : otherBit)) != 0;
 }
 
+constexpr char kSystemPeersDir[] = "/etc/ppp/peers";
+
 Finding pppdFinding(const Facts& facts) {
     struct stat info {};
     if (stat(facts.pppd.c_str(), &info) != 0) {
         return {"pppd", false, facts.pppd + " is not installed", "sudo apt install ppp"};
+    }
+    if (!facts.pppdReplaced && facts.peersDir != kSystemPeersDir) {
+        // "call" reads /etc/ppp/peers only: the system's peer of that name could be another modem's.
+        return {"pppd", false,
+                facts.pppd + " reads its dial-up services from " + kSystemPeersDir + " only, not from " +
+                    facts.peersDir + " (a simulated modem's)",
+                "point DIALTONE_PPPD at a pppd that reads DIALTONE_PEERS_DIR, as the tests' stand-in does"};
     }
     if (facts.pppdReplaced || facts.uid == 0) {
         return {"pppd", true, facts.pppd + " can be run", ""};
@@ -100,7 +109,7 @@ Facts Facts::fromSystem() {
     facts.groups.push_back(getgid());
     facts.pppdReplaced = std::getenv("DIALTONE_PPPD") != nullptr && *std::getenv("DIALTONE_PPPD") != '\0';
     facts.pppd = fromEnvironment("DIALTONE_PPPD", "/usr/sbin/pppd");
-    facts.peersDir = fromEnvironment("DIALTONE_PEERS_DIR", "/etc/ppp/peers");
+    facts.peersDir = fromEnvironment("DIALTONE_PEERS_DIR", kSystemPeersDir);
     for (const char* prefix : {DIALTONE_INSTALL_DATADIR, "/usr/share", "/usr/local/share"}) {
         facts.polkitActions.push_back(std::string(prefix) + "/polkit-1/actions/" + kPolkitActionFile);
     }

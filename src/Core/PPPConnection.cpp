@@ -155,7 +155,6 @@ bool PPPConnection::optionsText(const QVariantMap& options, QByteArray& text) {
     }
 
     // The service tool's copy beside the system's chat scripts, when there is one: only root can change it.
-    // The service tool's copy beside the system's chat scripts, when there is one: only root can change it.
     // Moved peers come with their own chat scripts folder, or none.
     const QString scripts = qEnvironmentVariableIsEmpty("DIALTONE_PEERS_DIR")
                                 ? fromEnvironment("DIALTONE_CHATSCRIPTS_DIR", "/etc/chatscripts")
