@@ -230,7 +230,9 @@ TEST_F(AtSublayerTest, SlotsReachTheirFamily) {
     const std::string proactive = "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n";
     // The value read when the slot succeeds, else its result plus 1000.
     const auto read = [&value](int result) { return result == 0 ? value : 1000 + result; };
-    const auto gives = [&text](int result, const std::string& expected) { return result == 0 && text == expected; };
+    const auto gives = [&text](int result, const std::string& expected) {
+        return result == 0 && text == expected;
+    };
     struct Exchange {
         const char* command;
         std::string answer = ScriptedAtFake::kOk;
