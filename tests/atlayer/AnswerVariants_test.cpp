@@ -15,6 +15,7 @@
 #include "ModemDialect.h"
 #include "NetworkAnswerParsers.h"
 #include "NetworkUtility.h"
+#include "PinUtility.h"
 #include "PtyPeer.h"
 #include "SmsUtility.h"
 #include "UssdUtility.h"
@@ -136,6 +137,39 @@ TEST_F(AnswerVariants, OperatorListFieldByField) {
                            "|" + std::to_string(item.nAcT));
         EXPECT_EQ(read, expected) << list;
     }
+}
+
+TEST_F(AnswerVariants, CountersTechnologyAndProviderName) {
+    const auto puk = [](const std::string& answer) {
+        return std::to_string(CPinUtility::ParseCpinrAnswer(answer, "SIM PUK"));
+    };
+    const auto technology = [](const std::string& answer) {
+        int stat = -1;
+        const int act = ParseCregAccessTechnology(answer, stat);
+        return std::to_string(act) + (stat == -1 ? " without state" : "");
+    };
+    const auto provider = [](const std::string& answer) {
+        TServiceProviderInfo info;
+        const std::string result = std::to_string(ParseCrsmSpnAnswer(answer, info));
+        const std::u16string name(info.wszSpName);
+        return info.nPresent == 0 ? result
+                                  : result + " " + std::to_string(info.nDisplay) + " " +
+                                        std::string(name.begin(), name.end());
+    };
+    // clang-format off
+    const struct { const char* kind; std::function<std::string(const std::string&)> parse; std::string answer; const char* read; } rows[] = {
+        {"3GPP reference", puk, "\r\n+CPINR: SIM PIN,3,3\r\n+CPINR: SIM PUK,10,10\r\n\r\nOK\r\n", "10"},
+        {"code quoted", puk, "\r\n+CPINR: \"SIM PIN2\",2,3\r\n+CPINR: \"SIM PUK\",7,10\r\n\r\nOK\r\n", "7"},
+        {"only PUK2 listed", puk, "\r\n+CPINR: SIM PUK2,9,10\r\n\r\nOK\r\n", "-1"},
+        {"HSPA cell", technology, "\r\n+CREG: 2,1,\"1A2B\",\"00C3D4\",6\r\n\r\nOK\r\n", "6"},
+        {"report just before the answer", technology, "\r\n+CREG: 1,\"1A2B\",\"00C3D4\",0\r\n+CREG: 2,5,\"1A2B\",\"00C3D4\",2\r\n\r\nOK\r\n", "2"},
+        {"AT+CREG=2 refused", technology, "\r\n+CREG: 0,1\r\n\r\nOK\r\n", "-1"},
+        {"UCS2, lower-case hex", provider, "\r\n+CRSM: 144,0,\"00800041006300 6d0065ffff\"\r\n\r\nOK\r\n", "0 0 Acme"},
+        {"SIM without EF-SPN", provider, "\r\n+CRSM: 148,4\r\n\r\nOK\r\n", "1"},
+    };
+    // clang-format on
+    for (const auto& row : rows)
+        EXPECT_EQ(row.parse(row.answer), row.read) << row.kind;
 }
 
 TEST_F(AnswerVariants, MessageListSkipsAnEntryItCannotRead) {

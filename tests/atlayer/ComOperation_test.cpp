@@ -117,23 +117,18 @@ struct AnswerCase {
 };
 
 TEST_F(ComOperationTest, CollectsAnAnswerUntilAFinalResult) {
+    // clang-format off
     const AnswerCase cases[] = {
         {"whole answer at once", Pieces({"\r\nOK\r\n"}), "\r\nOK\r\n"},
-        {"split inside a line and inside OK", Pieces({"\r\n+CSQ: 2", "3,99\r\n", "\r\nO", "K\r\n"}),
-         "\r\n+CSQ: 23,99\r\n\r\nOK\r\n"},
-        {"split between CR and LF", Pieces({"\r\n+CGMI: VEL\r", "\n", "\r\nOK\r", "\n"}),
-         "\r\n+CGMI: VEL\r\n\r\nOK\r\n"},
+        {"split inside a line and inside OK", Pieces({"\r\n+CSQ: 2", "3,99\r\n", "\r\nO", "K\r\n"}), "\r\n+CSQ: 23,99\r\n\r\nOK\r\n"},
+        {"split between CR and LF", Pieces({"\r\n+CGMI: VEL\r", "\n", "\r\nOK\r", "\n"}), "\r\n+CGMI: VEL\r\n\r\nOK\r\n"},
         {"CME error", Pieces({"\r\n+CME ERROR: 10\r\n"}), "\r\n+CME ERROR: 10\r\n"},
-        {"CMS error after data", Pieces({"\r\n+CMGS: ", "\r\n+CMS ERROR: 500\r\n"}),
-         "\r\n+CMGS: \r\n+CMS ERROR: 500\r\n"},
+        {"CMS error after data", Pieces({"\r\n+CMGS: ", "\r\n+CMS ERROR: 500\r\n"}), "\r\n+CMGS: \r\n+CMS ERROR: 500\r\n"},
         {"plain error", Pieces({"\r\nERROR\r\n"}), "\r\nERROR\r\n"},
-        {"answer longer than one read",
-         Pieces({"\r\n+CMGL: " + std::string(6000, 'A') + "\r\n", "\r\nOK\r\n"}),
-         "\r\n+CMGL: " + std::string(6000, 'A') + "\r\n\r\nOK\r\n"},
-        {"a NUL ends the text of a read",
-         Pieces({"\r\n+CSQ: 9,99\r\n\r\nOK\r\n" + std::string(1, '\0') + "junk"}),
-         "\r\n+CSQ: 9,99\r\n\r\nOK\r\n"},
+        {"answer longer than one read", Pieces({"\r\n+CMGL: " + std::string(6000, 'A') + "\r\n", "\r\nOK\r\n"}), "\r\n+CMGL: " + std::string(6000, 'A') + "\r\n\r\nOK\r\n"},
+        {"a NUL ends the text of a read", Pieces({"\r\n+CSQ: 9,99\r\n\r\nOK\r\n" + std::string(1, '\0') + "junk"}), "\r\n+CSQ: 9,99\r\n\r\nOK\r\n"},
     };
+    // clang-format on
     for (const AnswerCase& c : cases) {
         SCOPED_TRACE(c.name);
         peer.expect("AT+CSQ\r", c.answer);
@@ -190,57 +185,17 @@ struct ReportCase {
 };
 
 TEST_F(ComOperationTest, CutsUnsolicitedReportsOutOfTheAnswer) {
+    // clang-format off
     const ReportCase cases[] = {
-        {"USSD: the first +CUSD is the command's own answer, the second a report",
-         "",
-         "AT+CUSD=1,\"*100#\",15\r",
-         "+CUSD: ",
-         Pieces({"\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\r\n+CUSD: 2,\"Bye\",15\r\n\r\nOK\r\n"}),
-         "\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\n\r\nOK\r\n",
-         {{UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 2,\"Bye\",15\r\n"}}},
-        {"queued by table order, not arrival order",
-         "",
-         "AT+CSQ\r",
-         "+CSQ: ",
-         Pieces({"\r\nRING\r\n\r\n+CSQ: 20,99\r\n\r\n+CMTI: \"SM\",4\r\n\r\nOK\r\n"}),
-         "\n\r\n+CSQ: 20,99\r\n\n\r\nOK\r\n",
-         {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",4\r\n"}, {UNSOLICITED_REPORT_RING, "\r\nRING\r\n"}}},
-        {"a report at the very start has no line start and is not queued",
-         "",
-         "AT\r",
-         nullptr,
-         Pieces({"+CMTI: \"SM\",5\r\n\r\nOK\r\n"}),
-         "+CMTI: \"SM\",5\r\n\r\nOK\r\n",
-         {}},
-        {"two adjacent reports: the second stays in the answer",
-         "",
-         "AT\r",
-         nullptr,
-         Pieces({"\r\n+CMTI: \"SM\",1\r\n\r\n+CMTI: \"SM\",2\r\n\r\nOK\r\n"}),
-         "\n\r\n+CMTI: \"SM\",2\r\n\r\nOK\r\n",
-         {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",1\r\n"}}},
-        {"a report waiting before the poll command is drawn out by it",
-         "\r\n+CDSI: \"SR\",3\r\n",
-         "at\r",
-         nullptr,
-         Pieces({"\r\nOK\r\n"}),
-         "\n\r\nOK\r\n",
-         {{UNSOLICITED_REPORT_CDSI, "\r\n+CDSI: \"SR\",3\r\n"}}},
-        {"the retry report is cut out and is no final result",
-         "",
-         "AT+CPMS?\r",
-         "+CPMS: ",
-         Pieces({"\r\n+CME ERROR: retry operation\r\n", "\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n"}, 100ms),
-         "\n\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n",
-         {{UNSOLICITED_REPORT_RETRY, "\r\n+CME ERROR: retry operation\r\n"}}},
-        {"toolkit indication",
-         "",
-         "AT\r",
-         nullptr,
-         Pieces({"\r\nOK\r\n\r\n+STIN: 1\r\n"}),
-         "\r\nOK\r\n\n",
-         {{UNSOLICITED_REPORT_STIN, "\r\n+STIN: 1\r\n"}}},
+        {"USSD: the first +CUSD is the command's own answer, the second a report", "", "AT+CUSD=1,\"*100#\",15\r", "+CUSD: ", Pieces({"\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\r\n+CUSD: 2,\"Bye\",15\r\n\r\nOK\r\n"}), "\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 2,\"Bye\",15\r\n"}}},
+        {"queued by table order, not arrival order", "", "AT+CSQ\r", "+CSQ: ", Pieces({"\r\nRING\r\n\r\n+CSQ: 20,99\r\n\r\n+CMTI: \"SM\",4\r\n\r\nOK\r\n"}), "\n\r\n+CSQ: 20,99\r\n\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",4\r\n"}, {UNSOLICITED_REPORT_RING, "\r\nRING\r\n"}}},
+        {"a report at the very start has no line start and is not queued", "", "AT\r", nullptr, Pieces({"+CMTI: \"SM\",5\r\n\r\nOK\r\n"}), "+CMTI: \"SM\",5\r\n\r\nOK\r\n", {}},
+        {"two adjacent reports: the second stays in the answer", "", "AT\r", nullptr, Pieces({"\r\n+CMTI: \"SM\",1\r\n\r\n+CMTI: \"SM\",2\r\n\r\nOK\r\n"}), "\n\r\n+CMTI: \"SM\",2\r\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",1\r\n"}}},
+        {"a report waiting before the poll command is drawn out by it", "\r\n+CDSI: \"SR\",3\r\n", "at\r", nullptr, Pieces({"\r\nOK\r\n"}), "\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CDSI, "\r\n+CDSI: \"SR\",3\r\n"}}},
+        {"the retry report is cut out and is no final result", "", "AT+CPMS?\r", "+CPMS: ", Pieces({"\r\n+CME ERROR: retry operation\r\n", "\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n"}, 100ms), "\n\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n", {{UNSOLICITED_REPORT_RETRY, "\r\n+CME ERROR: retry operation\r\n"}}},
+        {"toolkit indication", "", "AT\r", nullptr, Pieces({"\r\nOK\r\n\r\n+STIN: 1\r\n"}), "\r\nOK\r\n\n", {{UNSOLICITED_REPORT_STIN, "\r\n+STIN: 1\r\n"}}},
     };
+    // clang-format on
     for (const ReportCase& c : cases) {
         SCOPED_TRACE(c.name);
         if (!c.before.empty())

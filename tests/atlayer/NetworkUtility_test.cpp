@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ATSublayer.h"
 #include "NetworkAnswerParsers.h"
 #include "NetworkUtility.h"
 #include "ScriptedAtFake.h"
@@ -619,54 +618,6 @@ TEST_F(NetworkUtilityTest, InfoFailsOnlyWhenTheOperatorCannotBeRead) {
     m_fake.Expect("AT+COPS=3,2\r");
     m_fake.Expect("AT+COPS?\r", "\r\n+CME ERROR: SIM not inserted\r\n");
     EXPECT_EQ(m_network.GetInfo(info), 1);
-}
-
-TEST(NetworkUtilitySublayer, NetworkSlotsReachTheFamily) {
-    TInterfaceAtSublayer* sublayer = nullptr;
-    ASSERT_EQ(ATSubLayer_CreateInstance(sublayer), 0);
-    TInterfaceAtSublayerLower lower;
-    lower.pfnExecAT = ScriptedAtFake::Callback();
-    sublayer->RegisterLowerCBs(lower);
-    {
-        ScriptedAtFake fake;
-        fake.Expect("AT+COPS=?\r", Answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),,(0,1)"));
-        fake.Expect("AT+COPS=1,2,\"00101\"\r");
-        fake.Expect("AT+COPS=3,2\r");
-        fake.Expect("AT+CGREG?\r", Answer("+CGREG: 0,1"));
-        fake.Expect("AT+CGATT?\r", Answer("+CGATT: 1"));
-        fake.Expect("AT+CSQ\r", Answer("+CSQ: 12,99"));
-        fake.Expect("AT+SYSSEL=2\r");
-        fake.Expect("AT+SYSSEL?\r", Answer("+SYSSEL: 2,0,1,2"));
-        fake.Expect("AT+SYSSEL=,1,0\r");
-        fake.Expect("AT+SYSSEL?\r", Answer("+SYSSEL: 2,0,1,2"));
-        fake.Expect("AT+CSQ\r", Answer("+CSQ: 12,99"));
-        fake.Expect("AT+COPS=3,2\r");
-        fake.ExpectFailure("AT+COPS?\r", 2);
-
-        std::list<TNetworkListItem> items;
-        int value = -1;
-        TNetworkInfo info;
-        EXPECT_EQ(sublayer->NetworkGetList(items), 0);
-        ASSERT_EQ(items.size(), 1u);
-        EXPECT_EQ(sublayer->NetworkSet(1 | 2 | 4, 1, 2, "00101", 0), 0);
-        EXPECT_EQ(sublayer->NetworkInit(), 0);
-        EXPECT_EQ(sublayer->NetworkGetRegState(1, value), 0);
-        EXPECT_EQ(value, 3);
-        EXPECT_EQ(sublayer->NetworkGetPSAttachState(value), 0);
-        EXPECT_EQ(value, 1);
-        EXPECT_EQ(sublayer->NetworkGetRssiLevel(value), 0);
-        EXPECT_EQ(value, 3);
-        EXPECT_EQ(sublayer->NetworkSetBand(2), 0);
-        EXPECT_EQ(sublayer->NetworkGetBand(value), 0);
-        EXPECT_EQ(value, 2);
-        EXPECT_EQ(sublayer->NetworkSetMode(3), 0);
-        EXPECT_EQ(sublayer->NetworkGetMode(value), 0);
-        EXPECT_EQ(value, 2);
-        EXPECT_EQ(sublayer->NetworkGetSignalDBValue(value), 0);
-        EXPECT_EQ(value, 90);
-        EXPECT_EQ(sublayer->NetworkGetInfo(info), 2);
-    }
-    ATSubLayer_DestroyInstance(sublayer);
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ATSublayer.h"
 #include "PinUtility.h"
 #include "ScriptedAtFake.h"
 
@@ -103,27 +102,21 @@ TEST_F(PinUtilityTest, PinCommandsSendTheirTextAndMapErrors) {
         int result;
     };
     const char* ok = "\r\nOK\r\n";
+    // clang-format off
     const Row rows[] = {
         {[](CPinUtility& p) { return p.Verify("1234"); }, "AT+CPIN=\"1234\"\r", ok, 0, 0},
-        {[](CPinUtility& p) { return p.Verify("1234"); }, "AT+CPIN=\"1234\"\r",
-         "AT+CPIN=\"1234\"\r\r\nOK\r\n", 0, 0},
-        {[](CPinUtility& p) { return p.Verify("0000"); }, "AT+CPIN=\"0000\"\r",
-         "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
+        {[](CPinUtility& p) { return p.Verify("1234"); }, "AT+CPIN=\"1234\"\r", "AT+CPIN=\"1234\"\r\r\nOK\r\n", 0, 0},
+        {[](CPinUtility& p) { return p.Verify("0000"); }, "AT+CPIN=\"0000\"\r", "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
         {[](CPinUtility& p) { return p.Verify("0000"); }, "AT+CPIN=\"0000\"\r", "", 0, 2},
         {[](CPinUtility& p) { return p.Verify("0000"); }, "AT+CPIN=\"0000\"\r", "\r\nERROR\r\n", 0, 1},
         {[](CPinUtility& p) { return p.Verify("0000"); }, "AT+CPIN=\"0000\"\r", "", 2, 2},
-        {[](CPinUtility& p) { return p.VerifyPuk("12345678", "4321"); }, "AT+CPIN=\"12345678\",\"4321\"\r",
-         ok, 0, 0},
-        {[](CPinUtility& p) { return p.VerifyPuk("12345678", "4321"); }, "AT+CPIN=\"12345678\",\"4321\"\r",
-         "\r\n+CME ERROR: SIM PUK required\r\n", 0, 10},
-        {[](CPinUtility& p) { return p.Change("1234", "4321"); }, "AT+CPWD=\"SC\",\"1234\",\"4321\"\r", ok, 0,
-         0},
-        {[](CPinUtility& p) { return p.Change("1234", "4321"); }, "AT+CPWD=\"SC\",\"1234\",\"4321\"\r",
-         "\r\n+CME ERROR: SIM PIN required\r\n", 0, 9},
+        {[](CPinUtility& p) { return p.VerifyPuk("12345678", "4321"); }, "AT+CPIN=\"12345678\",\"4321\"\r", ok, 0, 0},
+        {[](CPinUtility& p) { return p.VerifyPuk("12345678", "4321"); }, "AT+CPIN=\"12345678\",\"4321\"\r", "\r\n+CME ERROR: SIM PUK required\r\n", 0, 10},
+        {[](CPinUtility& p) { return p.Change("1234", "4321"); }, "AT+CPWD=\"SC\",\"1234\",\"4321\"\r", ok, 0, 0},
+        {[](CPinUtility& p) { return p.Change("1234", "4321"); }, "AT+CPWD=\"SC\",\"1234\",\"4321\"\r", "\r\n+CME ERROR: SIM PIN required\r\n", 0, 9},
         {[](CPinUtility& p) { return p.Enable(1, "1234"); }, "AT+CLCK=\"SC\",1,\"1234\"\r", ok, 0, 0},
         {[](CPinUtility& p) { return p.Enable(7, "1234"); }, "AT+CLCK=\"SC\",1,\"1234\"\r", ok, 0, 0},
-        {[](CPinUtility& p) { return p.Enable(0, "1234"); }, "AT+CLCK=\"SC\",0,\"1234\"\r",
-         "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
+        {[](CPinUtility& p) { return p.Enable(0, "1234"); }, "AT+CLCK=\"SC\",0,\"1234\"\r", "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
         // A code that is not 4 to 8 digits (8 for a PUK) never reaches the SIM.
         {[](CPinUtility& p) { return p.Enable(1, nullptr); }, nullptr, "", 0, 45},
         {[](CPinUtility& p) { return p.Enable(1, "12ab"); }, nullptr, "", 0, 45},
@@ -136,6 +129,7 @@ TEST_F(PinUtilityTest, PinCommandsSendTheirTextAndMapErrors) {
         {[](CPinUtility& p) { return p.Change(nullptr, "1234"); }, nullptr, "", 0, 1},
         {[](CPinUtility& p) { return p.Change("1234", nullptr); }, nullptr, "", 0, 1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.command != nullptr ? ScriptedAtFake::Printable(row.command) : "nothing sent");
         if (row.command != nullptr)
@@ -214,39 +208,6 @@ TEST_F(PinUtilityTest, GetInfoPicksTheCounterCommandByState) {
     m_fake.ExpectFailure("AT+PNNM?\r", 2);
     TPinInfo info;
     EXPECT_EQ(m_pin.GetInfo(2, info), 2);
-}
-
-TEST(PinUtilitySublayer, PinSlotsReachTheFamily) {
-    TInterfaceAtSublayer* sublayer = nullptr;
-    ASSERT_EQ(ATSubLayer_CreateInstance(sublayer), 0);
-    TInterfaceAtSublayerLower lower;
-    lower.pfnExecAT = ScriptedAtFake::Callback();
-    sublayer->RegisterLowerCBs(lower);
-    {
-        ScriptedAtFake fake;
-        fake.Expect("AT+CPIN?\r", "\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n");
-        fake.Expect("AT+CLCK=\"SC\",1,\"1234\"\r");
-        fake.Expect("AT+PNNM?\r", "\r\n+PNNM: 0, 9\r\n\r\nOK\r\n");
-        fake.Expect("AT+CPWD=\"SC\",\"1234\",\"4321\"\r");
-        fake.Expect("AT+CPIN=\"4321\"\r");
-        fake.Expect("AT+CPIN=\"12345678\",\"1111\"\r");
-        fake.Expect("AT+CLCK=\"SC\",2\r", "\r\n+CLCK: 1\r\n\r\nOK\r\n");
-
-        int state = -1;
-        int enabled = -1;
-        TPinInfo info;
-        EXPECT_EQ(sublayer->PINCheckState(state), 0);
-        EXPECT_EQ(state, 3);
-        EXPECT_EQ(sublayer->PINEnable(1, "1234"), 0);
-        EXPECT_EQ(sublayer->PINGetInfo(state, info), 0);
-        EXPECT_EQ(info.nPukCnt, 9);
-        EXPECT_EQ(sublayer->PINChange("1234", "4321"), 0);
-        EXPECT_EQ(sublayer->PINVerify("4321"), 0);
-        EXPECT_EQ(sublayer->PINVerifyPuk("12345678", "1111"), 0);
-        EXPECT_EQ(sublayer->PINGetState(enabled), 0);
-        EXPECT_EQ(enabled, 1);
-    }
-    ATSubLayer_DestroyInstance(sublayer);
 }
 
 } // namespace

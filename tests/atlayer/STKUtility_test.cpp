@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ATSublayer.h"
 #include "STKUtility.h"
 #include "ScriptedAtFake.h"
 
@@ -162,33 +161,6 @@ TEST(STKUtility, WithoutCallbackNothingRuns) {
     // The end of the dialogue needs no modem.
     EXPECT_EQ(stk.HandleReport("+STIN: 20", text), 0);
     EXPECT_EQ(text, "+STGI:20\r\nOK");
-}
-
-TEST(STKUtilityThroughSublayer, OperationsReachTheFamily) {
-    ScriptedAtFake fake;
-    TInterfaceAtSublayer* sublayer = nullptr;
-    ASSERT_EQ(ATSubLayer_CreateInstance(sublayer), 0);
-    TInterfaceAtSublayerLower lower;
-    lower.pfnExecAT = ScriptedAtFake::Callback();
-    ASSERT_EQ(sublayer->RegisterLowerCBs(lower), 0);
-
-    fake.Expect("AT+STGI=17\r", kMainMenu).WithTimeout(5000);
-    fake.Expect("AT+STGR=0,0,1\r").WithTimeout(CSTKUtility::kSendCommandTimeoutMs).WithoutPrefix();
-    fake.Expect("AT+STGI=1\r", "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n").WithTimeout(5000);
-    fake.Expect("AT+STIN?\r", "\r\n+STIN: 1\r\n\r\nOK\r\n").WithTimeout(1000);
-
-    std::string menu;
-    std::string answer;
-    std::string command;
-    int type = 0;
-    EXPECT_EQ(sublayer->STKInit(menu), 0);
-    EXPECT_EQ(menu, kMainMenu);
-    EXPECT_EQ(sublayer->STKSendCommand("AT+STGR=0,0,1\r", answer), 0);
-    EXPECT_EQ(answer, "\r\nOK\r\n");
-    EXPECT_EQ(sublayer->STKHandleReport("+STIN: 1", command), 0);
-    EXPECT_EQ(command, "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n");
-    EXPECT_EQ(sublayer->STKGetCurrentProactiveCommand(type, command), 0);
-    EXPECT_EQ(ATSubLayer_DestroyInstance(sublayer), 0);
 }
 
 } // namespace

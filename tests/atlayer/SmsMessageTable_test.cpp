@@ -124,21 +124,17 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
         int result;
         std::size_t items; // table items afterwards
     };
+    // clang-format off
     const Row rows[] = {
         {"the same segment read again", first, 1, 1},
         {"the same part under another index", {.index = 2, .reference = 9, .total = 2, .sequence = 1}, 0, 2},
         {"same reference, another total", {.index = 3, .reference = 9, .total = 3, .sequence = 2}, 0, 2},
-        {"another sender",
-         {.index = 4, .digits = "4917099999999", .reference = 9, .total = 2, .sequence = 2},
-         0,
-         2},
-        {"another storage",
-         {.storage = SMS_STORAGE_MODEM, .index = 1, .reference = 9, .total = 2, .sequence = 2},
-         0,
-         2},
+        {"another sender", {.index = 4, .digits = "4917099999999", .reference = 9, .total = 2, .sequence = 2}, 0, 2},
+        {"another storage", {.storage = SMS_STORAGE_MODEM, .index = 1, .reference = 9, .total = 2, .sequence = 2}, 0, 2},
         {"another class", {.index = 5, .reference = 9, .total = 2, .sequence = 2, .dcs = 0x11}, 0, 2},
         {"the missing part", {.index = 6, .reference = 9, .total = 2, .sequence = 2}, 0, 1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         CSmsUtility sms;
@@ -233,45 +229,17 @@ TEST(SmsMessageTable, ReplaceMessages) {
         const char* deleteAnswer;
         bool replaced;
     };
+    // clang-format off
     const Row rows[] = {
         // One field smaller makes the stored one older, even when an earlier field is larger.
-        {"newer by the hour",
-         {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120101110000"},
-         true,
-         true,
-         ScriptedAtFake::kOk,
-         true},
-        {"same time",
-         {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120102100000"},
-         true,
-         false,
-         nullptr,
-         false},
-        {"another replace type",
-         {.index = 4, .status = 0, .text = L"new", .pid = 0x42, .time = "130101000000"},
-         true,
-         false,
-         nullptr,
-         false},
-        {"another sender",
-         {.index = 4, .status = 0, .digits = "4930123", .text = L"new", .pid = 0x41, .time = "130101000000"},
-         true,
-         false,
-         nullptr,
-         false},
-        {"listing, not a new message",
-         {.index = 4, .text = L"new", .pid = 0x41, .time = "130101000000"},
-         false,
-         false,
-         nullptr,
-         false},
-        {"deletion refused",
-         {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "130101000000"},
-         true,
-         true,
-         "\r\n+CMS ERROR: 321\r\n",
-         false},
+        {"newer by the hour", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120101110000"}, true, true, ScriptedAtFake::kOk, true},
+        {"same time", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120102100000"}, true, false, nullptr, false},
+        {"another replace type", {.index = 4, .status = 0, .text = L"new", .pid = 0x42, .time = "130101000000"}, true, false, nullptr, false},
+        {"another sender", {.index = 4, .status = 0, .digits = "4930123", .text = L"new", .pid = 0x41, .time = "130101000000"}, true, false, nullptr, false},
+        {"listing, not a new message", {.index = 4, .text = L"new", .pid = 0x41, .time = "130101000000"}, false, false, nullptr, false},
+        {"deletion refused", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "130101000000"}, true, true, "\r\n+CMS ERROR: 321\r\n", false},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         CSmsUtility sms;

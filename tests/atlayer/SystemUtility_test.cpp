@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ATSublayer.h"
 #include "ScriptedAtFake.h"
 #include "SystemUtility.h"
 
@@ -247,13 +246,11 @@ TEST_F(SystemUtilityTest, SetCommandsSendTheirTextAndNeedOk) {
     };
     const char* ok = "\r\nOK\r\n";
     const char* error = "\r\n+CME ERROR: operation not allowed\r\n";
+    // clang-format off
     const Row rows[] = {
-        {[](CSystemUtility& s) { return s.SetPdpContext("internet", nullptr); },
-         "AT+CGDCONT=1,\"IP\",\"internet\"\r", 3000, ok, 0, 0},
-        {[](CSystemUtility& s) { return s.SetPdpContext("cmnet", "10.0.0.1"); },
-         "AT+CGDCONT=1,\"IP\",\"cmnet\",\"10.0.0.1\"\r", 3000, ok, 0, 0},
-        {[](CSystemUtility& s) { return s.SetPdpContext("internet", nullptr); },
-         "AT+CGDCONT=1,\"IP\",\"internet\"\r", 3000, "\r\nERROR\r\n", 0, 1},
+        {[](CSystemUtility& s) { return s.SetPdpContext("internet", nullptr); }, "AT+CGDCONT=1,\"IP\",\"internet\"\r", 3000, ok, 0, 0},
+        {[](CSystemUtility& s) { return s.SetPdpContext("cmnet", "10.0.0.1"); }, "AT+CGDCONT=1,\"IP\",\"cmnet\",\"10.0.0.1\"\r", 3000, ok, 0, 0},
+        {[](CSystemUtility& s) { return s.SetPdpContext("internet", nullptr); }, "AT+CGDCONT=1,\"IP\",\"internet\"\r", 3000, "\r\nERROR\r\n", 0, 1},
         {[](CSystemUtility& s) { return s.SetPdpContext(nullptr, "10.0.0.1"); }, nullptr, 0, "", 0, 1},
         {[](CSystemUtility& s) { return s.SetPhoneFunctionality(1); }, "AT+CFUN=1\r", 20000, ok, 0, 0},
         {[](CSystemUtility& s) { return s.SetPhoneFunctionality(0); }, "AT+CFUN=0\r", 20000, error, 0, 1},
@@ -261,6 +258,7 @@ TEST_F(SystemUtilityTest, SetCommandsSendTheirTextAndNeedOk) {
         {[](CSystemUtility& s) { return s.SetDeviceStartState(1); }, "AT+FUNC=5,1\r", 3000, ok, 0, 0},
         {[](CSystemUtility& s) { return s.SetDeviceStartState(0); }, "AT+FUNC=5,0\r", 3000, error, 0, 1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.command != nullptr ? ScriptedAtFake::Printable(row.command) : "nothing sent");
         if (row.command != nullptr)
@@ -298,43 +296,6 @@ TEST(SystemUtilityNoCallback, CommandsFailWithoutAnExecuteCallback) {
     std::string response;
     EXPECT_EQ(system.WriteComm(response, "AT\r", nullptr, 1000), 1);
     EXPECT_EQ(system.SetPhoneFunctionality(1), 1);
-}
-
-TEST(SystemUtilitySublayer, SystemSlotsReachTheFamily) {
-    TInterfaceAtSublayer* sublayer = nullptr;
-    ASSERT_EQ(ATSubLayer_CreateInstance(sublayer), 0);
-    TInterfaceAtSublayerLower lower;
-    lower.pfnExecAT = ScriptedAtFake::Callback();
-    sublayer->RegisterLowerCBs(lower);
-    {
-        ScriptedAtFake fake;
-        fake.Expect("AT+CGDCONT=1,\"IP\",\"internet\"\r");
-        fake.Expect("AT+CFUN=1\r");
-        fake.Expect("AT+FUNC=5,?\r", "\r\n+FUNC: 1\r\n\r\nOK\r\n");
-        fake.Expect("AT+FUNC=5,0\r");
-        fake.Expect("\x1B", "");
-        fake.ExpectFailure("ATE1\r", 2);
-        fake.Expect("\x1B", "");
-        fake.ExpectFailure("ATE1\r", 30);
-        for (const char* command :
-             {"AT+CGMI\r", "AT+CGMM\r", "AT+CGMR\r", "AT+CGSN\r", "AT+CIMI\r", "AT+CNUM\r"})
-            fake.ExpectFailure(command, 2);
-        fake.Expect("AT+HWV\r", "\r\nHW 2\r\n\r\nOK\r\n");
-
-        int state = -1;
-        TEquipmentInfo info;
-        EXPECT_EQ(sublayer->SystemSetPdpContext("internet", nullptr), 0);
-        EXPECT_EQ(sublayer->SystemSetPhoneFunctionality(1), 0);
-        EXPECT_EQ(sublayer->SystemGetDeviceStartState(state), 0);
-        EXPECT_EQ(state, 1);
-        EXPECT_EQ(sublayer->SystemSetDeviceStartState(0), 0);
-        EXPECT_EQ(sublayer->SystemInitComm(), 2);
-        EXPECT_EQ(sublayer->SystemSyncComm(), 30);
-        EXPECT_EQ(sublayer->SystemGetEquipmentInfo(info), 0);
-        EXPECT_EQ(info.nMask, 64u);
-        EXPECT_STREQ(info.szHardwareVersion, "HW 2");
-    }
-    ATSubLayer_DestroyInstance(sublayer);
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ATSublayer.h"
 #include "ScriptedAtFake.h"
 #include "UssdUtility.h"
 
@@ -453,43 +452,6 @@ TEST(UssdHelpers, QuotationStringHexAndEncodeType) {
     EXPECT_EQ(CUssdUility::WStringToBigEndianUcs2(L"H\u0416x", 3, units, 2), 2);
     const auto* bytes = reinterpret_cast<const uint8_t*>(units);
     EXPECT_EQ(std::vector<uint8_t>(bytes, bytes + 4), (std::vector<uint8_t>{0x00, 0x48, 0x04, 0x16}));
-}
-
-TEST(UssdSublayer, SublayerForwardsTheUssdOperations) {
-    ScriptedAtFake fake;
-    TInterfaceAtSublayer* sublayer = nullptr;
-    ASSERT_EQ(ATSubLayer_CreateInstance(sublayer), 0);
-    TInterfaceAtSublayerLower lower;
-    lower.pfnExecAT = ScriptedAtFake::Callback();
-    ASSERT_EQ(sublayer->RegisterLowerCBs(lower), 0);
-
-    fake.Expect("AT+CSCS=\"UCS2\"\r");
-    fake.Expect("AT+CUSD=1,\"002A0031003000300023\",15\r");
-    wchar_t code[] = L"*100#";
-    EXPECT_EQ(sublayer->SendUssdCmd(code), 0);
-
-    fake.Expect("AT+CSCS?\r", "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n");
-    TUssdItem item;
-    EXPECT_EQ(sublayer->UssdOnReceive("+CUSD: 1,\"00480069\",72", item), 0);
-    EXPECT_EQ(item.nType, 1);
-    EXPECT_EQ(item.wstrContent, L"Hi");
-
-    fake.Expect("AT+CUSD?\r", "\r\n+CUSD: 1\r\n\r\nOK\r\n");
-    fake.Expect("AT+CUSD=2\r");
-    EXPECT_EQ(sublayer->SendUssdCancelCmd(), 0);
-
-    fake.Expect("AT+CUSD?\r", "\r\n+CUSD: 1\r\n\r\nOK\r\n");
-    EXPECT_EQ(sublayer->SendUssdCancelCmd(), 0); // the dialogue is over: nothing sent
-
-    fake.Expect("AT+CUSD?\r", "\r\n+CUSD: 0\r\n\r\nOK\r\n");
-    int state = -1;
-    EXPECT_EQ(sublayer->CheckUssdState(state), 0);
-    EXPECT_EQ(state, 0);
-    fake.Expect("AT+CUSD=1\r");
-    state = 1;
-    EXPECT_EQ(sublayer->SetUssdState(state), 0);
-    fake.VerifyDone();
-    EXPECT_EQ(ATSubLayer_DestroyInstance(sublayer), 0);
 }
 
 } // namespace

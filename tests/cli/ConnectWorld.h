@@ -11,7 +11,7 @@
 // The simulated stick with pppd's folders of its own: peers, pid files and interface counters.
 class ConnectWorld {
 public:
-    ConnectWorld() {
+    explicit ConnectWorld(const std::string& scenario = {}) : modem(scenario) {
         for (const char* folder : {"/peers", "/run", "/net"})
             std::filesystem::create_directories(ppp.path + folder);
     }

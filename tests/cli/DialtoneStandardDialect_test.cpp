@@ -1,20 +1,16 @@
 // Every command of the dialtone tool against a simulated stick that speaks only 3GPP TS 27.007/27.005:
 // each works, or fails at once with a clear reason, and none waits for a time-out.
 #include <chrono>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "CliTestSupport.h"
+#include "ConnectWorld.h"
 
 namespace {
 
 using clitest::Outcome;
-using clitest::RunDialtone;
-using clitest::SimulatedModem;
-using clitest::TempDir;
 
 constexpr auto kLimit = std::chrono::milliseconds(2000);
 
@@ -28,49 +24,9 @@ struct Row {
 
 const std::string kUnsupported = "not supported by this modem (result 46)";
 
-// Runs the rows in order against one simulated standard stick.
-void RunRows(const std::vector<Row>& rows) {
-    SimulatedModem modem("standard");
-    ASSERT_TRUE(modem.ready());
-    // The network's USSD answer takes its time on purpose; here only the host's share counts.
-    for (const char* setting : {"set ussd_delay_ms 0", "set urc_mode immediate"})
-        ASSERT_TRUE(modem.command(setting).value("ok", false)) << setting;
-    TempDir ppp;
-    for (const char* folder : {"/peers", "/run", "/net"})
-        std::filesystem::create_directories(ppp.path + folder);
-
-    for (const Row& row : rows) {
-        std::vector<std::string> arguments{"--dev-dir", modem.devDir.path};
-        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
-        SCOPED_TRACE(row.arguments.front() + " " + row.arguments.back());
-        if (row.setting != nullptr) {
-            ASSERT_TRUE(modem.command(row.setting).value("ok", false)) << row.setting;
-        }
-        const auto start = std::chrono::steady_clock::now();
-        const Outcome outcome = RunDialtone(arguments, modem.home.path,
-                                            {{"DIALTONE_DIALECT", "standard"},
-                                             {"DIALTONE_PPPD", DIALTONE_FAKE_PPPD},
-                                             {"DIALTONE_PEERS_DIR", ppp.path + "/peers"},
-                                             {"DIALTONE_PPP_RUN_DIR", ppp.path + "/run"},
-                                             {"DIALTONE_NET_DIR", ppp.path + "/net"},
-                                             {"XDG_CONFIG_HOME", ""}});
-        const auto took = std::chrono::steady_clock::now() - start;
-        const std::string shown = outcome.out + outcome.err;
-        EXPECT_EQ(outcome.status, row.exitCode) << shown;
-        EXPECT_NE(shown.find(row.shown), std::string::npos) << shown;
-        // Start-up included; a command waiting for a time limit takes longer.
-        EXPECT_LT(took, kLimit + std::chrono::milliseconds(row.ownPaceMs)) << shown;
-        // None of the maker's own commands went out.
-        const std::string sent = modem.dump().value("commands", nlohmann::json::array()).dump();
-        for (const char* vendor : {"+HWV", "+FUNC", "+PNNM", "+SMPN", "+SYSSEL", "+SSND", "+SPNM", "+SPDI",
-                                   "+STGI", "+STGR", "+STIN", "$GPSC"})
-            EXPECT_EQ(sent.find(vendor), std::string::npos) << vendor;
-    }
-}
-
 TEST(DialtoneStandardDialect, EveryCommandWorksOrFailsAtOnce) {
     // clang-format off
-    RunRows({
+    const Row rows[] = {
         {{"status"}, 0, "Bearer:          HSDPA"},
         {{"info"}, 0, "Model:           3G USB Modem"},
         {{"request", "MESSAGE_PIN_GET_INFO", "2"}, 0, "\"nPukCnt\": 10"},
@@ -95,8 +51,34 @@ TEST(DialtoneStandardDialect, EveryCommandWorksOrFailsAtOnce) {
         // A stick refusing the optional commands as some do: the counters are unknown, nothing else stops.
         {{"pin", "status"}, 0, "Attempts left:   PIN unknown, PUK unknown", 0, "set refuse +CPINR,+CSCB,+CMMS,+CNMI"},
         {{"sms", "send", "+491701234567", "again"}, 0, "Sent to", 0, "set unsupported_answer COMMAND NOT SUPPORT"},
-    });
+    };
     // clang-format on
+    ConnectWorld world("standard");
+    clitest::SimulatedModem& modem = world.modem;
+    ASSERT_TRUE(modem.ready());
+    // The network's USSD answer takes its time on purpose; here only the host's share counts.
+    for (const char* setting : {"set ussd_delay_ms 0", "set urc_mode immediate"})
+        ASSERT_TRUE(modem.command(setting).value("ok", false)) << setting;
+
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.arguments.front() + " " + row.arguments.back());
+        if (row.setting != nullptr) {
+            ASSERT_TRUE(modem.command(row.setting).value("ok", false)) << row.setting;
+        }
+        const auto start = std::chrono::steady_clock::now();
+        const Outcome outcome = world.run(row.arguments, {{"DIALTONE_DIALECT", "standard"}});
+        const auto took = std::chrono::steady_clock::now() - start;
+        const std::string shown = outcome.out + outcome.err;
+        EXPECT_EQ(outcome.status, row.exitCode) << shown;
+        EXPECT_NE(shown.find(row.shown), std::string::npos) << shown;
+        // Start-up included; a command waiting for a time limit takes longer.
+        EXPECT_LT(took, kLimit + std::chrono::milliseconds(row.ownPaceMs)) << shown;
+        // None of the maker's own commands went out.
+        const std::string sent = modem.dump().value("commands", nlohmann::json::array()).dump();
+        for (const char* vendor : {"+HWV", "+FUNC", "+PNNM", "+SMPN", "+SYSSEL", "+SSND", "+SPNM", "+SPDI",
+                                   "+STGI", "+STGR", "+STIN", "$GPSC"})
+            EXPECT_EQ(sent.find(vendor), std::string::npos) << vendor;
+    }
 }
 
 } // namespace

@@ -15,8 +15,8 @@ namespace {
 
 constexpr uid_t kOtherUser = 65534; // nobody
 
-// Runs work in a child process with the user's rights; its exit status.
-int asUser(uid_t uid, const std::function<int()>& work) {
+// Starts work in a child process with the user's rights.
+pid_t startAsUser(uid_t uid, const std::function<int()>& work) {
     const pid_t child = fork();
     if (child == 0) {
         if (uid != getuid() && (setgroups(0, nullptr) != 0 || setgid(uid) != 0 || setuid(uid) != 0)) {
@@ -24,6 +24,11 @@ int asUser(uid_t uid, const std::function<int()>& work) {
         }
         _exit(work());
     }
+    return child;
+}
+
+// The child's exit status, once it has ended.
+int exitStatus(pid_t child) {
     int status = 0;
     waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -96,7 +101,7 @@ TEST(ServiceTool, AnotherUsersPeerIsNeitherOverwrittenNorUsed) {
     ASSERT_EQ(DialWorld::createService(), 0);
     const QByteArray mine = TempWorld::readFile(world.peers() + "/VELMODEM1");
     const auto toolAsOther = [](const QString& service) {
-        return asUser(kOtherUser, [&] { return runTool({DialWorld::kDevice, service}); });
+        return exitStatus(startAsUser(kOtherUser, [&] { return runTool({DialWorld::kDevice, service}); }));
     };
     EXPECT_EQ(toolAsOther("VELMODEM1"), ServiceTool::kNotYours);
     EXPECT_EQ(TempWorld::readFile(world.peers() + "/VELMODEM1"), mine);
@@ -117,22 +122,12 @@ TEST(PeerNames, TwoUsersAtOnceGetPeersOfTheirOwn) {
     DialWorld world;
     share(world);
     const uid_t users[2] = {0, kOtherUser};
-    pid_t children[2];
-    for (int i = 0; i < 2; ++i) {
-        if ((children[i] = fork()) == 0)
-            _exit(asUser(users[i], [] {
-                const ServiceTool::Outcome made =
-                    ServiceTool::create(DialWorld::kDevice, [](const QString&) {});
-                return made.status == 0 ? DialupPeer::numberOf(made.service.toStdString())
-                                        : 100 + made.status;
-            }));
-    }
-    int numbers[2] = {};
-    for (int i = 0; i < 2; ++i) {
-        int status = 0;
-        waitpid(children[i], &status, 0);
-        numbers[i] = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
+    const auto createPeer = [] {
+        const ServiceTool::Outcome made = ServiceTool::create(DialWorld::kDevice, [](const QString&) {});
+        return made.status == 0 ? DialupPeer::numberOf(made.service.toStdString()) : 100 + made.status;
+    };
+    const pid_t children[2] = {startAsUser(users[0], createPeer), startAsUser(users[1], createPeer)};
+    const int numbers[2] = {exitStatus(children[0]), exitStatus(children[1])};
     ASSERT_TRUE((numbers[0] == 1 && numbers[1] == 2) || (numbers[0] == 2 && numbers[1] == 1))
         << numbers[0] << " " << numbers[1];
     for (int i = 0; i < 2; ++i)

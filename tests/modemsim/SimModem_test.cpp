@@ -80,11 +80,7 @@ TEST(SimModemTest, PinStateMachineCountsTries) {
     }));
     h.At("ATE0");
     h.At("AT+CMEE=2");
-    struct Step {
-        const char* command;
-        const char* answer;
-    };
-    const Step steps[] = {
+    h.ExpectAnswers({
         {"AT+CPIN?", "\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"},
         {"AT+CIMI", "\r\n+CME ERROR: SIM PIN required\r\n"},
         {"AT+COPS?", "\r\n+COPS: 0\r\n\r\nOK\r\n"},
@@ -113,10 +109,7 @@ TEST(SimModemTest, PinStateMachineCountsTries) {
         {"AT+CLCK=\"SC\",2", "\r\n+CLCK: 0\r\n\r\nOK\r\n"},
         {"AT+CPWD=\"SC\",\"5678\",\"1111\"", "\r\n+CME ERROR: operation not allowed\r\n"},
         {"AT+CIMI", "\r\n262021234567890\r\n\r\nOK\r\n"},
-    };
-    for (const Step& step : steps) {
-        EXPECT_EQ(h.At(step.command), step.answer) << step.command;
-    }
+    });
 }
 
 TEST(SimModemTest, TenWrongPuksBlockTheCard) {
@@ -145,11 +138,7 @@ TEST(SimModemTest, NetworkScanIsHeldBackAndSelectionFollowsTheList) {
               "\r\n+COPS: (2,\"Vodafone.de\",\"voda DE\",\"26202\",2),(1,\"Telekom.de\",\"TDG\",\"26201\",2),"
               "(1,\"o2 - de\",\"o2 - de\",\"26207\",2),(3,\"E-Plus\",\"E-Plus\",\"26203\",0),,"
               "(0,1,2,3,4),(0,1,2)\r\n\r\nOK\r\n");
-    struct Step {
-        const char* command;
-        const char* answer;
-    };
-    const Step steps[] = {
+    h.ExpectAnswers({
         {"AT+CREG?", "\r\n+CREG: 0,1\r\n\r\nOK\r\n"},
         {"AT+COPS=1,2,\"26203\",0", "\r\n+CME ERROR: network not allowed - emergency calls only\r\n"},
         {"AT+COPS=1,2,\"99999\",2", "\r\n+CME ERROR: no network service\r\n"},
@@ -164,10 +153,7 @@ TEST(SimModemTest, NetworkScanIsHeldBackAndSelectionFollowsTheList) {
         {"AT+SYSSEL=,3,0", "\r\n+CME ERROR: incorrect parameters\r\n"},
         {"AT+CFUN=4;+CSQ;+CREG?", "\r\n+CSQ: 99,99\r\n\r\n+CREG: 2,0\r\n\r\nOK\r\n"},
         {"AT+SSND?", "\r\n+SSND: NO SERVICE\r\n\r\nOK\r\n"},
-    };
-    for (const Step& step : steps) {
-        EXPECT_EQ(h.At(step.command), step.answer) << step.command;
-    }
+    });
     // The registration changes went out as "+CREG:" lines: roaming (5), home (1), none (0).
     EXPECT_EQ(h.At("at"), "\r\n+CREG: 1,\"1A2B\",\"00C3D4E5\",2\r\n\r\nOK\r\n");
     EXPECT_EQ(h.At("at"), "\r\n+CREG: 0\r\n\r\nOK\r\n");
@@ -177,11 +163,7 @@ TEST(SimModemTest, PhonebookNamesTravelAsUcs2) {
     ModemHarness h(ModemHarness::Builtin([](SimState& s) { s.phonebooks["SM"].capacity = 5; }));
     h.At("ATE0");
     h.At("AT+CMEE=2");
-    struct Step {
-        const char* command;
-        const char* answer;
-    };
-    const Step steps[] = {
+    h.ExpectAnswers({
         {"AT+CSCS=\"UCS2\"", "\r\nOK\r\n"},
         {"AT+CPBS=\"SM\"", "\r\nOK\r\n"},
         {"AT+CPBS?", "\r\n+CPBS: \"SM\",3,5\r\n\r\nOK\r\n"},
@@ -199,10 +181,7 @@ TEST(SimModemTest, PhonebookNamesTravelAsUcs2) {
         {"AT+CPBW=2", "\r\nOK\r\n"},
         {"AT+CPBR=2", "\r\n+CME ERROR: not found\r\n"},
         {"AT+CSCS=\"IRA\";+CPBR=4", "\r\n+CPBR: 4,\"+4930123456\",145,\"J?rgen\"\r\n\r\nOK\r\n"},
-    };
-    for (const Step& step : steps) {
-        EXPECT_EQ(h.At(step.command), step.answer) << step.command;
-    }
+    });
 }
 
 TEST(SimModemTest, KnobsDelayAnswersAndMixInLines) {
@@ -231,11 +210,7 @@ TEST(SimModemTest, KnobsDelayAnswersAndMixInLines) {
 TEST(SimModemTest, VoiceCallsAndGps) {
     ModemHarness h(ModemHarness::Builtin());
     h.At("ATE0");
-    struct Step {
-        const char* command;
-        const char* answer;
-    };
-    const Step steps[] = {
+    h.ExpectAnswers({
         {"ATD+491111111111;", "\r\nBUSY\r\n"},
         {"ATD+492222222222;", "\r\nNO ANSWER\r\n"},
         {"AT+COLP=1", "\r\nOK\r\n"},
@@ -246,10 +221,7 @@ TEST(SimModemTest, VoiceCallsAndGps) {
         {"AT+CLCC", "\r\nOK\r\n"},
         {"AT$GPSC=1,1", "\r\nOK\r\n"},
         {"AT$GPSC?", "\r\n$GPSC: 1,1\r\n\r\nOK\r\n"},
-    };
-    for (const Step& step : steps) {
-        EXPECT_EQ(h.At(step.command), step.answer) << step.command;
-    }
+    });
     EXPECT_TRUE(h.modem.State().voice.gps);
     EXPECT_EQ(h.modem.State().voice.dtmf, std::vector<std::string>{"5"});
 }

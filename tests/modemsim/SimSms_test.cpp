@@ -85,11 +85,7 @@ TEST(SimSmsTest, SendFailuresAndAborts) {
 
 TEST(SimSmsTest, StorageCommandsFollowCpms) {
     Ready h;
-    struct Step {
-        const char* command;
-        const char* answer;
-    };
-    const Step steps[] = {
+    h.ExpectAnswers({
         {"AT+CPMS?", "\r\n+CPMS: \"SM\",3,30,\"SM\",3,30,\"SM\",3,30\r\n\r\nOK\r\n"},
         {"AT+CPMS=\"ME\",\"ME\",\"ME\"", "\r\n+CPMS: 1,100,1,100,1,100\r\n\r\nOK\r\n"},
         {"AT+CPMS=\"XX\"", "\r\n+CMS ERROR: 302\r\n"},
@@ -102,10 +98,7 @@ TEST(SimSmsTest, StorageCommandsFollowCpms) {
         {"AT+CSCA?", "\r\n+CSCA: \"+491722270333\",145\r\n\r\nOK\r\n"},
         {"AT+CSCS=\"UCS2\";+CSCA?",
          "\r\n+CSCA: \"002B003400390031003700320032003200370030003300330033\",145\r\n\r\nOK\r\n"},
-    };
-    for (const Step& step : steps) {
-        EXPECT_EQ(h.At(step.command), step.answer) << step.command;
-    }
+    });
 }
 
 TEST(SimSmsTest, LongIncomingTextArrivesInParts) {

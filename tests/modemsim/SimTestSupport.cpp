@@ -1,5 +1,7 @@
 #include "SimTestSupport.h"
 
+#include <gtest/gtest.h>
+
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -46,6 +48,11 @@ std::string ModemHarness::Send(const std::string& bytes) {
 
 std::string ModemHarness::At(const std::string& command) {
     return Send(command + "\r");
+}
+
+void ModemHarness::ExpectAnswers(std::initializer_list<std::pair<const char*, const char*>> exchanges) {
+    for (const auto& [command, answer] : exchanges)
+        EXPECT_EQ(At(command), answer) << command;
 }
 
 std::string ModemHarness::Run(int ms) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -21,6 +23,8 @@ public:
     // Writes a command ("\r" added) and returns what the modem answers at once.
     std::string At(const std::string& command);
     std::string Send(const std::string& bytes);
+    // Sends each command in turn and checks the answer it gets at once.
+    void ExpectAnswers(std::initializer_list<std::pair<const char*, const char*>> exchanges);
     // Lets simulated time pass and returns what was written meanwhile.
     std::string Run(int ms);
 

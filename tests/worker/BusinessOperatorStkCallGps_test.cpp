@@ -91,6 +91,7 @@ protected:
 };
 
 TEST_F(BusinessStkCallGpsTest, MainMenuIsReadInTheModemsCharacterSet) {
+    // clang-format off
     const struct {
         const char* name;
         std::string listing;
@@ -98,19 +99,11 @@ TEST_F(BusinessStkCallGpsTest, MainMenuIsReadInTheModemsCharacterSet) {
         std::string title;
         std::vector<std::pair<int, std::string>> items;
     } rows[] = {
-        {"IRA",
-         answer("+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n+STGI: 17,2,\"Games\"\r\n"
-                "+STGI: 17,5,\"Offers\""),
-         kCharSetIra,
-         "SIM Services",
-         {{1, "News"}, {2, "Games"}, {5, "Offers"}}},
-        {"UCS2",
-         answer("+STGI: 17,\"004D0065006E00FC\",1\r\n+STGI: 17,9,\"0053007000690065006C0065\""),
-         kCharSetUcs2,
-         "Menü",
-         {{9, "Spiele"}}},
+        {"IRA", answer("+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n+STGI: 17,2,\"Games\"\r\n+STGI: 17,5,\"Offers\""), kCharSetIra, "SIM Services", {{1, "News"}, {2, "Games"}, {5, "Offers"}}},
+        {"UCS2", answer("+STGI: 17,\"004D0065006E00FC\",1\r\n+STGI: 17,9,\"0053007000690065006C0065\""), kCharSetUcs2, "Menü", {{9, "Spiele"}}},
         {"no items", answer("+STGI: 17,\"Empty\""), kCharSetIra, "Empty", {}},
     };
+    // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         m_fake.Expect("AT+STGI=17\r", row.listing);
@@ -151,6 +144,7 @@ TEST_F(BusinessStkCallGpsTest, MainMenuFailuresStoreNothing) {
 TEST_F(BusinessStkCallGpsTest, AnswerIsSentAndTheAnnouncedCommandFetched) {
     const std::string gamesListing =
         answer("+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\"");
+    // clang-format off
     const struct {
         const char* name;
         BLSatResponse answer;
@@ -164,73 +158,14 @@ TEST_F(BusinessStkCallGpsTest, AnswerIsSentAndTheAnnouncedCommandFetched) {
         std::string text;
         std::vector<std::pair<int, std::string>> items;
     } rows[] = {
-        {"main menu choice",
-         {17, 0, 2, {}},
-         "AT+STGR=0,0,2\r",
-         "\r\nOK\r\n",
-         {"\r\nOK\r\n", answer("+STIN: 11")},
-         "AT+STGI=11\r",
-         gamesListing,
-         11,
-         36,
-         "Games",
-         {{1, "Quiz"}, {2, "About"}}},
-        {"announcement inside the answer",
-         {11, 0, 2, {}},
-         "AT+STGR=11,0,,2\r",
-         "\r\n+STIN: 1\r\n\r\nOK\r\n",
-         {},
-         "AT+STGI=1\r",
-         answer("+STGI: 1,\"Games by your operator\",0,1"),
-         1,
-         33,
-         "Games by your operator",
-         {}},
-        {"text confirmed, dialogue ends",
-         {1, 0, 0, {}},
-         "AT+STGR=1,0,\r",
-         "\r\nOK\r\n",
-         {answer("+STIN: 20")},
-         "",
-         "",
-         20,
-         129,
-         "",
-         {}},
-        {"input answered",
-         {3, 0, 0, "Paris"},
-         "AT+STGR=3,0,,\"Paris\"\r",
-         "\r\nOK\r\n",
-         {answer("+STIN: 1")},
-         "AT+STGI=1\r",
-         answer("+STGI: 1,\"Thank you!\",0,1"),
-         1,
-         33,
-         "Thank you!",
-         {}},
-        {"yes to a question",
-         {2, 0, 1, {}},
-         "AT+STGR=2,0,,2,1,\r",
-         "\r\nOK\r\n",
-         {answer("+STIN: 20")},
-         "",
-         "",
-         20,
-         129,
-         "",
-         {}},
-        {"user ends the menu",
-         {11, 16, -1, {}},
-         "AT+STGR=11,16,,\r",
-         "\r\nOK\r\n",
-         {answer("+STIN: 20")},
-         "",
-         "",
-         20,
-         129,
-         "",
-         {}},
+        {"main menu choice", {17, 0, 2, {}}, "AT+STGR=0,0,2\r", "\r\nOK\r\n", {"\r\nOK\r\n", answer("+STIN: 11")}, "AT+STGI=11\r", gamesListing, 11, 36, "Games", {{1, "Quiz"}, {2, "About"}}},
+        {"announcement inside the answer", {11, 0, 2, {}}, "AT+STGR=11,0,,2\r", "\r\n+STIN: 1\r\n\r\nOK\r\n", {}, "AT+STGI=1\r", answer("+STGI: 1,\"Games by your operator\",0,1"), 1, 33, "Games by your operator", {}},
+        {"text confirmed, dialogue ends", {1, 0, 0, {}}, "AT+STGR=1,0,\r", "\r\nOK\r\n", {answer("+STIN: 20")}, "", "", 20, 129, "", {}},
+        {"input answered", {3, 0, 0, "Paris"}, "AT+STGR=3,0,,\"Paris\"\r", "\r\nOK\r\n", {answer("+STIN: 1")}, "AT+STGI=1\r", answer("+STGI: 1,\"Thank you!\",0,1"), 1, 33, "Thank you!", {}},
+        {"yes to a question", {2, 0, 1, {}}, "AT+STGR=2,0,,2,1,\r", "\r\nOK\r\n", {answer("+STIN: 20")}, "", "", 20, 129, "", {}},
+        {"user ends the menu", {11, 16, -1, {}}, "AT+STGR=11,16,,\r", "\r\nOK\r\n", {answer("+STIN: 20")}, "", "", 20, 129, "", {}},
     };
+    // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         m_fake.Expect("AT+CSCS?\r", kCharSetIra);
@@ -330,6 +265,7 @@ TEST_F(BusinessStkCallGpsTest, DialSendsOnlyDialStringsAndPassesTheCallResultsOn
 }
 
 TEST_F(BusinessStkCallGpsTest, DtmfKeysAreCheckedBeforeAnyIsSent) {
+    // clang-format off
     const struct {
         const char* name;
         QVariantMap request;
@@ -337,11 +273,7 @@ TEST_F(BusinessStkCallGpsTest, DtmfKeysAreCheckedBeforeAnyIsSent) {
         std::string lastReply;
         int result;
     } rows[] = {
-        {"every key kind",
-         request(QStringLiteral("1*#D")),
-         {"AT+VTS=1\r", "AT+VTS=*\r", "AT+VTS=#\r", "AT+VTS=D\r"},
-         "\r\nOK\r\n",
-         0},
+        {"every key kind", request(QStringLiteral("1*#D")), {"AT+VTS=1\r", "AT+VTS=*\r", "AT+VTS=#\r", "AT+VTS=D\r"}, "\r\nOK\r\n", 0},
         {"a bad key at the end", request(QStringLiteral("12E")), {}, "", 1},
         {"lower case", request(QStringLiteral("a")), {}, "", 1},
         {"stops at the first refusal", request(QStringLiteral("12")), {"AT+VTS=1\r"}, kCmeError, 1},
@@ -349,6 +281,7 @@ TEST_F(BusinessStkCallGpsTest, DtmfKeysAreCheckedBeforeAnyIsSent) {
         {"empty", request(QString("")), {}, "", 3},
         {"no argument", {}, {}, "", 3},
     };
+    // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         for (std::size_t i = 0; i < row.sent.size(); ++i) {

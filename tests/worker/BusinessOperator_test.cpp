@@ -724,90 +724,22 @@ TEST_F(BusinessOperatorTest, ArgumentsAreConvertedAndCapped) {
         QVariant stored; // invalid: nothing stored
     };
     const QString longNumber = "+8613800100500123456789"; // 23 characters
+    // clang-format off
     const Row rows[] = {
-        {"service centre",
-         [&](BusinessOperator& b, QVariantMap&) { return b.SMSSetServiceCentre(request(longNumber)); },
-         0,
-         0,
-         {"SMSSetServiceCentre +86138001005001234567"},
-         {}},
-        {"service centre refused",
-         [&](BusinessOperator& b, QVariantMap&) { return b.SMSSetServiceCentre(request("+8613800100500")); },
-         4,
-         4,
-         {"SMSSetServiceCentre +8613800100500"},
-         {}},
-        {"send",
-         [&](BusinessOperator& b, QVariantMap&) {
-             return b.SMSSend(request(QVariant::fromValue(BLSmsSendItem{longNumber, "hello"})));
-         },
-         0,
-         0,
-         {"SMSSend +86138001005001234567 5"},
-         {}},
-        {"status report on",
-         [](BusinessOperator& b, QVariantMap&) { return b.SMSSetStatusReportFlag(request("TRUE")); },
-         0,
-         0,
-         {"SMSEnableStatusReport 1"},
-         {}},
-        {"status report other text",
-         [](BusinessOperator& b, QVariantMap&) { return b.SMSSetStatusReportFlag(request("true")); },
-         0,
-         0,
-         {"SMSEnableStatusReport 0"},
-         {}},
-        {"valid period",
-         [](BusinessOperator& b, QVariantMap&) {
-             return b.SMSSetValidPeriod(request(QVariant::fromValue(BLSmsValidPeriod{1, 2, 3})));
-         },
-         0,
-         0,
-         {"SMSSetValidPeriod 1,1,2,3"},
-         {}},
-        {"preferred storage read resets it",
-         [](BusinessOperator& b, QVariantMap& out) { return b.SMSGetPreferredStorage(out); },
-         0,
-         0,
-         {"SMSSetPreferredStorage 0"},
-         0},
-        {"preferred storage read refused",
-         [](BusinessOperator& b, QVariantMap& out) { return b.SMSGetPreferredStorage(out); },
-         2,
-         2,
-         {"SMSSetPreferredStorage 0"},
-         {}},
-        {"ussd state",
-         [](BusinessOperator& b, QVariantMap&) { return b.USSDSetState(request(2)); },
-         0,
-         0,
-         {"SetUssdState 2"},
-         {}},
-        {"ussd send",
-         [](BusinessOperator& b, QVariantMap&) {
-             return b.USSDSendCmd(request(QVariant::fromValue(BLUssdSendCmdInfo{0, "*100#"})));
-         },
-         0,
-         0,
-         {"SendUssdCmd 5"},
-         {}},
-        {"ussd cancel",
-         [](BusinessOperator& b, QVariantMap&) {
-             return b.USSDSendCmd(request(QVariant::fromValue(BLUssdSendCmdInfo{1, "*100#"})));
-         },
-         1,
-         1,
-         {"SendUssdCancelCmd"},
-         {}},
-        {"ussd other operation",
-         [](BusinessOperator& b, QVariantMap&) {
-             return b.USSDSendCmd(request(QVariant::fromValue(BLUssdSendCmdInfo{5, "*100#"})));
-         },
-         1,
-         0,
-         {},
-         {}},
+        {"service centre", [&](BusinessOperator& b, QVariantMap&) { return b.SMSSetServiceCentre(request(longNumber)); }, 0, 0, {"SMSSetServiceCentre +86138001005001234567"}, {}},
+        {"service centre refused", [&](BusinessOperator& b, QVariantMap&) { return b.SMSSetServiceCentre(request("+8613800100500")); }, 4, 4, {"SMSSetServiceCentre +8613800100500"}, {}},
+        {"send", [&](BusinessOperator& b, QVariantMap&) { return b.SMSSend(request(QVariant::fromValue(BLSmsSendItem{longNumber, "hello"}))); }, 0, 0, {"SMSSend +86138001005001234567 5"}, {}},
+        {"status report on", [](BusinessOperator& b, QVariantMap&) { return b.SMSSetStatusReportFlag(request("TRUE")); }, 0, 0, {"SMSEnableStatusReport 1"}, {}},
+        {"status report other text", [](BusinessOperator& b, QVariantMap&) { return b.SMSSetStatusReportFlag(request("true")); }, 0, 0, {"SMSEnableStatusReport 0"}, {}},
+        {"valid period", [](BusinessOperator& b, QVariantMap&) { return b.SMSSetValidPeriod(request(QVariant::fromValue(BLSmsValidPeriod{1, 2, 3}))); }, 0, 0, {"SMSSetValidPeriod 1,1,2,3"}, {}},
+        {"preferred storage read resets it", [](BusinessOperator& b, QVariantMap& out) { return b.SMSGetPreferredStorage(out); }, 0, 0, {"SMSSetPreferredStorage 0"}, 0},
+        {"preferred storage read refused", [](BusinessOperator& b, QVariantMap& out) { return b.SMSGetPreferredStorage(out); }, 2, 2, {"SMSSetPreferredStorage 0"}, {}},
+        {"ussd state", [](BusinessOperator& b, QVariantMap&) { return b.USSDSetState(request(2)); }, 0, 0, {"SetUssdState 2"}, {}},
+        {"ussd send", [](BusinessOperator& b, QVariantMap&) { return b.USSDSendCmd(request(QVariant::fromValue(BLUssdSendCmdInfo{0, "*100#"}))); }, 0, 0, {"SendUssdCmd 5"}, {}},
+        {"ussd cancel", [](BusinessOperator& b, QVariantMap&) { return b.USSDSendCmd(request(QVariant::fromValue(BLUssdSendCmdInfo{1, "*100#"}))); }, 1, 1, {"SendUssdCancelCmd"}, {}},
+        {"ussd other operation", [](BusinessOperator& b, QVariantMap&) { return b.USSDSendCmd(request(QVariant::fromValue(BLUssdSendCmdInfo{5, "*100#"}))); }, 1, 0, {}, {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         m_sublayer->calls.clear();

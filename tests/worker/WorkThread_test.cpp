@@ -127,26 +127,6 @@ TEST(ExecAT, WithoutAnOpenPortTheCommandFailsWithCode1) {
     EXPECT_EQ(response, "untouched");
 }
 
-TEST(RequestTable, NamesInDispatchOrder) {
-    const QStringList names = WorkThread::requestNames();
-    ASSERT_EQ(names.size(), 56);
-    EXPECT_EQ(names.front(), "MESSAGE_INIT_WORK_THREAD");
-    EXPECT_EQ(names.at(46), "MESSAGE_USSD_SENDCMD");
-    // Toolkit menus, voice calls and GPS come after the original table.
-    EXPECT_EQ(names.mid(47),
-              (QStringList{"MESSAGE_STK_GET_MENU", "MESSAGE_STK_SELECT_ITEM", "MESSAGE_CALL_DIAL",
-                           "MESSAGE_CALL_ANSWER", "MESSAGE_CALL_HANGUP", "MESSAGE_CALL_SEND_DTMF",
-                           "MESSAGE_CALL_GET_LIST", "MESSAGE_GPS_INIT", "MESSAGE_GPS_UNINIT"}));
-    // The second "MESSAGE_NETWORK_GET_LIST" (21st) is never reached.
-    EXPECT_EQ(names.indexOf("MESSAGE_NETWORK_GET_LIST"), 7);
-    EXPECT_EQ(names.at(20), "MESSAGE_NETWORK_GET_LIST");
-    for (const char* bare : {"NETWORK_GET_BAND", "NETWORK_GET_MODE", "NETWORK_SET_BAND", "NETWORK_SET_MODE",
-                             "NETWORK_GET_REG_STATE"}) {
-        EXPECT_TRUE(names.contains(bare)) << bare;
-        EXPECT_FALSE(names.contains(QStringLiteral("MESSAGE_") + bare)) << bare;
-    }
-}
-
 TEST_F(WorkerFixture, SetServerIsToldTheWorkerThroughTheResponderThread) {
     ASSERT_EQ(_responder.servers.size(), 1u);
     EXPECT_EQ(_responder.servers.front(), _worker);
