@@ -1,5 +1,4 @@
-// Answers of several kinds of modem, through the channel and the command families: which lines end a
-// command, which are reports, and what the readers make of each form. One table per family.
+// Answers of several kinds of modem through the channel and the families; one table per family.
 #include <algorithm>
 #include <chrono>
 #include <functional>
@@ -11,7 +10,6 @@
 
 #include "CallUtility.h"
 #include "ComOperation.h"
-#include "DebugSink.h"
 #include "ModemDialect.h"
 #include "NetworkAnswerParsers.h"
 #include "NetworkUtility.h"
@@ -80,8 +78,6 @@ TEST_F(AnswerVariants, ChannelEndsCommandsAtOnce) {
         {"LTE module without a blank after the colon", kStandard, "AT+CREG?\r", "\r\n+CREG: 2\r\n\r\n+CREG:0,1\r\n\r\nOK\r\n", reg, 3, {}},
     };
     // clang-format on
-    std::FILE* const sink = GetDebugSink();
-    SetDebugSink(nullptr);
     PtyPeer peer;
     ASSERT_EQ(ComOperation::GetInstance()->openCom(peer.slavePath().c_str()), 0);
     for (const auto& row : rows) {
@@ -96,7 +92,6 @@ TEST_F(AnswerVariants, ChannelEndsCommandsAtOnce) {
     }
     ComOperation::GetInstance()->reset();
     TakeReports();
-    SetDebugSink(sink);
 }
 
 TEST_F(AnswerVariants, UssdTextForms) {
