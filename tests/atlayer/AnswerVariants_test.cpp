@@ -117,7 +117,7 @@ TEST_F(AnswerVariants, UssdTextForms) {
 TEST_F(AnswerVariants, OperatorListFieldByField) {
     // clang-format off
     const std::pair<std::string, std::vector<std::string>> rows[] = {
-        {"(2,\"T - Mobile\",,\"31026\"),,(0,1,2,3,4),(0,1,2)", {"T - Mobile||31026|3"}},
+        {"(2,\"Acme - Mobile\",,\"00103\"),,(0,1,2,3,4),(0,1,2)", {"Acme - Mobile||00103|3"}},
         {"(1,\"00540065006C00650063006F006D0020004F00700065007200610074006F00720020004E0061006D0065\",\"0041\",\"00300030003100300031\",2)", {"Telecom Operator|A|00101|2"}},
         {"(1,\"Acme Telecommunications Group\",\"ACME\",\"00101\",2),( 3, \"Op (W)\" ,\"W,1\",00102 )", {"Acme Telecommuni|ACME|00101|2", "Op (W)|W,1|00102|3"}},
         {"(1,\"A\",\"A\",\"00101\",2),(1,\"B\"", {"A|A|00101|2"}},

@@ -129,7 +129,7 @@ std::string Utf8FromUnits(const std::u16string& units) {
 }
 
 // One item of a lenient AT+COPS=? answer, field by field; any field may be empty or missing:
-//   2,"T - Mobile",,"31026"      with the terminal set UCS2:  1,"00410063006D0065",,"00300030003100300031",2
+//   2,"Acme - Mobile",,"00103"   with the terminal set UCS2:  1,"00410063006D0065",,"00300030003100300031",2
 // The names are taken as UCS2 when the numeric name is UCS2 digits; a name too long for its field is cut.
 TNetworkListItem ReadCopsListItem(std::string_view text) {
     TNetworkListItem item;
