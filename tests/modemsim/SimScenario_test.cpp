@@ -12,7 +12,7 @@ namespace modemsim::test {
 namespace {
 
 const std::filesystem::path kScenarios =
-    std::filesystem::path(__FILE__).parent_path() / ".." / ".." / "tools" / "modemsim" / "scenarios";
+    std::filesystem::path(DIALTONE_SOURCE_DIR) / "tools" / "modemsim" / "scenarios";
 
 TEST(SimScenarioTest, BuiltinIsTheShippedDefault) {
     std::ifstream in(kScenarios / "default.json");
