@@ -39,9 +39,16 @@ struct Opened {
     ComposeDialog* compose = nullptr;
 };
 
+// The Messages tab once the simulated modem is ready; nullptr when it does not come up.
+MessagesPlugin* ReadyMessages(GuiWorld& world) {
+    if (!world.started() || !world.waitForState(ModemLink::State::Ready))
+        return nullptr;
+    return world.show<MessagesPlugin>("messages");
+}
+
 Opened OpenCompose(GuiWorld& world, const QString& to, const QString& text) {
     Opened opened;
-    opened.messages = world.show<MessagesPlugin>("messages");
+    opened.messages = ReadyMessages(world);
     if (!opened.messages)
         return opened;
     opened.messages->findChild<QPushButton*>("new")->click();
@@ -58,8 +65,6 @@ Opened OpenCompose(GuiWorld& world, const QString& to, const QString& text) {
 
 TEST(MessagesGui, RecipientIsCheckedAndALongMessageGoesOutInTwoSegments) {
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
     const QString text = QString(200, QLatin1Char('a'));
     const Opened opened = OpenCompose(world, "", text);
     ASSERT_TRUE(opened.compose);
@@ -106,12 +111,10 @@ TEST(MessagesGui, RecipientIsCheckedAndALongMessageGoesOutInTwoSegments) {
 
 TEST(MessagesGui, FailedSendKeepsTextAndGoesToOutbox) {
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
-    // The modem tries once more itself; both tries fail.
-    ASSERT_TRUE(world.sim().control("set fail_sends 2")["ok"].toBool());
     const Opened opened = OpenCompose(world, "+491701234567", "Will not go");
     ASSERT_TRUE(opened.compose);
+    // The modem tries once more itself; both tries fail.
+    ASSERT_TRUE(world.sim().control("set fail_sends 2")["ok"].toBool());
 
     auto* send = opened.compose->findChild<QPushButton*>("send");
     send->click();
@@ -135,9 +138,7 @@ TEST(MessagesGui, FailedSendKeepsTextAndGoesToOutbox) {
 
 TEST(MessagesGui, IncomingMessageIsListedAndAnnounced) {
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
-    auto* messages = world.show<MessagesPlugin>("messages");
+    auto* messages = ReadyMessages(world);
     ASSERT_TRUE(messages);
     auto* busy = messages->findChild<QWidget*>("busy");
     ASSERT_TRUE(waitForGui([&] { return busy->isHidden(); }, std::chrono::seconds(20)));
@@ -162,9 +163,7 @@ TEST(MessagesGui, IncomingMessageIsListedAndAnnounced) {
 // catches up by listing the storage again, and shows each message once.
 TEST(MessagesGui, BurstIsCaughtUpByListingTheStorageAgain) {
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
-    auto* messages = world.show<MessagesPlugin>("messages");
+    auto* messages = ReadyMessages(world);
     ASSERT_TRUE(messages);
     messages->showFolder(MessagesPlugin::Sim);
     ASSERT_TRUE(waitForGui([&] { return messages->listedCount() > 0; }, std::chrono::seconds(20)));
@@ -205,8 +204,6 @@ TEST(MessagesGui, DeliveryReportIsShownOnTheSentMessage) {
 
 TEST(MessagesGui, UnpluggingEmptiesTheModemFoldersAndReplugReadsThemAgain) {
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
     const Opened opened = OpenCompose(world, "+491701234567", "For later");
     ASSERT_TRUE(opened.compose);
     opened.compose->findChild<QPushButton*>("saveDraft")->click();
