@@ -27,3 +27,10 @@ public:
     // An answer to an asynchronous request, or a report the worker sends on its own (no receiver).
     virtual void asyncResponse(const QString& name, QObject* receiver, const QVariantMap& responseData) = 0;
 };
+
+// The responder's side of the hand-over: the worker calls it once, on the responder's thread, with itself.
+class WorkServerReceiver {
+public:
+    virtual ~WorkServerReceiver() = default;
+    virtual void setServer(QObject* server) = 0;
+};

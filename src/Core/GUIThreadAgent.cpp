@@ -6,15 +6,6 @@
 
 #include <QThread>
 
-ApplicationShell& ApplicationShell::sharedShell() {
-    static ApplicationShell shell;
-    return shell;
-}
-
-void ApplicationShell::setAppConfig(std::unique_ptr<AppConfig> config) {
-    _appConfig = std::move(config);
-}
-
 GUIThreadAgent::GUIThreadAgent(QObject* mainWindow, QObject* delegate, QObject* parent)
     : QObject(parent), _mainWindow(mainWindow), _delegate(delegate) {
     initAppShell();

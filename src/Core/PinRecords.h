@@ -17,6 +17,15 @@ struct BLPINInfo {
     bool operator==(const BLPINInfo& other) const = default;
 };
 
+// SIM states of "MESSAGE_PIN_CHECK_STATE" (nState); other values are personalisation locks.
+namespace SimState {
+inline constexpr qint32 kAbsent = 0;
+inline constexpr qint32 kReady = 1;
+inline constexpr qint32 kPin = 2;
+inline constexpr qint32 kPuk = 3;
+inline constexpr qint32 kBlocked = 17;
+} // namespace SimState
+
 // Result of "MESSAGE_PIN_CHECK_STATE": the SIM/PIN state and both attempt counters.
 struct BLPinCheckState {
     qint32 nState = 0;

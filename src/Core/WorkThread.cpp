@@ -5,7 +5,7 @@
 #include "CNSLog.h"
 #include "ComOperation.h"
 #include "DeviceUtility.h"
-#include "GUIThreadAgent.h"
+#include "ApplicationShell.h"
 #include "ModemErrorCause.h"
 #include "NetworkOperator.h"
 #include "SleepWatcher.h"

@@ -29,12 +29,6 @@ class PortWatcher;
 //
 // The responder is a QObject that implements DeviceWorkResponseInterface and WorkServerReceiver, through
 // which connectWithPorts hands it the new worker.
-class WorkServerReceiver {
-public:
-    virtual ~WorkServerReceiver() = default;
-    // Called on the responder's thread with the running worker.
-    virtual void setServer(QObject* server) = 0;
-};
 
 class WorkThread : public QObject, public DeviceWorkRequestInterface {
     Q_OBJECT

@@ -62,7 +62,7 @@ QIcon AppIcon() {
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
     setWindowTitle(tr("Dialtone"));
     setWindowIcon(AppIcon());
-    _link = std::make_unique<ModemLink>(this);
+    _link = std::make_unique<ModemLink>(this, nullptr, this);
     _notifier = std::make_unique<DesktopNotifier>();
     // The worker's start makes the configuration the modules share.
     _link->start();

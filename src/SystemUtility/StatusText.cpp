@@ -3,7 +3,7 @@
 #include <array>
 
 #include "AppConfig.h"
-#include "GUIThreadAgent.h"
+#include "ApplicationShell.h"
 
 namespace {
 

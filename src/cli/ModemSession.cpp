@@ -23,7 +23,8 @@
 #include "BLRecords.h"
 #include "DeviceUtility.h"
 #include "FailureText.h"
-#include "GUIThreadAgent.h"
+#include "ApplicationShell.h"
+#include "ModemLink.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -133,14 +134,13 @@ ModemSession::ModemSession(CliContext& context) : _context(context) {}
 
 ModemSession::~ModemSession() {
     TheWatchdog().arm(10, "closing the modem", false, _simulator.pid(), _simulator.devDir());
-    _agent.reset();
-    _delegate.reset();
+    _link.reset();
     TheWatchdog().disarm();
     _simulator.stop();
 }
 
 DeviceWorkRequestInterface* ModemSession::workTarget() const {
-    return _agent ? _agent->workThread() : nullptr;
+    return _link ? _link->workTarget() : nullptr;
 }
 
 bool ModemSession::open() {
@@ -166,29 +166,13 @@ bool ModemSession::open() {
     // A link started by "dialtone connect" stays up when the tool exits; "dialtone disconnect" ends it.
     ApplicationShell::sharedShell().setKeepsLinkOnQuit(true);
 
-    // The delegate is the sender of every request; the ready callback only runs with one.
-    _delegate = std::make_unique<QObject>();
-    _delegate->setObjectName(QStringLiteral("dialtone"));
-    _agent = std::make_unique<GUIThreadAgent>(nullptr, _delegate.get());
-    QEventLoop loop;
-    _agent->setServerSetupCompleteTargetCallBack([this, &loop](WorkNotification* notification) {
-        _notification = notification;
-        loop.quit();
-    });
-    QTimer::singleShot(std::chrono::seconds(10), &loop, &QEventLoop::quit);
-    if (!_notification)
-        loop.exec();
-    if (!_notification)
-        _notification = _agent->workNotification();
-    if (!_notification) {
-        _context.exitCode = ReportFailure(_context, WORKER_ERR_GENERAL, "the worker thread did not start");
-        return false;
-    }
-
-    const QVariantMap response = request(MESSAGE_INIT_WORK_THREAD, {}, 30);
+    _link = std::make_unique<ModemLink>();
+    TheWatchdog().arm(kOpenDeadlineSeconds + 10, "starting the modem", _context.json, _simulator.pid(),
+                      _simulator.devDir());
+    const int code = _link->open(kOpenDeadlineSeconds * 1000);
+    TheWatchdog().disarm();
     // The device watch installs its own interrupt handler; the simulator must still be stopped.
     _simulator.stopOnInterrupt();
-    const int code = WorkNotification::GetErrorCode(response);
     if (code != WORKER_OK) {
         _context.exitCode = diagnoseOpenFailure(code);
         return false;
@@ -218,12 +202,9 @@ int ModemSession::diagnoseOpenFailure(int code) {
 }
 
 QVariantMap ModemSession::request(const QString& name, const QVariant& argument, int deadlineSeconds) {
-    QVariantMap userInfo;
-    if (argument.isValid())
-        WorkNotification::SetValueObject(userInfo, argument);
     TheWatchdog().arm(deadlineSeconds, name.toStdString(), _context.json, _simulator.pid(),
                       _simulator.devDir());
-    QVariantMap response = _notification->sendworkMessage(name, userInfo, true);
+    QVariantMap response = _link->call(name, argument);
     TheWatchdog().disarm();
     return response;
 }

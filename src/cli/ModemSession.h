@@ -15,18 +15,16 @@
 #include "StatusText.h"
 
 class DeviceWorkRequestInterface;
-class GUIThreadAgent;
+class ModemLink;
 class QCoreApplication;
-class QObject;
-class WorkNotification;
 
-// One run of the tool against the modem: the simulator when asked, the application core, the worker
-// thread through GUIThreadAgent, and the modem initialised with "MESSAGE_INIT_WORK_THREAD". Requests are
-// synchronous; a request that outlives its deadline ends the process with exit status 1 and a message,
+// One run of the tool against the modem: the simulator when asked, the modem link, and the modem
+// initialised with "MESSAGE_INIT_WORK_THREAD". Requests wait for their answers; a request that outlives its deadline ends the process with exit status 1 and a message,
 // so the tool never hangs.
 class ModemSession {
 public:
     static constexpr int kDefaultDeadlineSeconds = 60;
+    static constexpr int kOpenDeadlineSeconds = 30; // the worker's start, then the modem's init
 
     explicit ModemSession(CliContext& context);
     ~ModemSession(); // ends the worker, then the simulator
@@ -41,6 +39,8 @@ public:
     QVariantMap request(const QString& name, const QVariant& argument = {},
                         int deadlineSeconds = kDefaultDeadlineSeconds);
 
+    // The link, for the feature controllers; valid after a successful open().
+    ModemLink& link() const { return *_link; }
     // The worker's request end, for controllers that send asynchronous requests; null before open().
     DeviceWorkRequestInterface* workTarget() const;
 
@@ -63,9 +63,7 @@ private:
     CliContext& _context;
     std::unique_ptr<QCoreApplication> _application;
     Simulator _simulator;
-    std::unique_ptr<QObject> _delegate;
-    std::unique_ptr<GUIThreadAgent> _agent;
-    WorkNotification* _notification = nullptr;
+    std::unique_ptr<ModemLink> _link;
 };
 
 // Opens a session and runs the command in it: the command's exit status, or the session's failure.

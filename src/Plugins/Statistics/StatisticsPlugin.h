@@ -4,6 +4,7 @@
 #include <QPointer>
 
 #include "ModulePlugin.h"
+#include "NotificationCenter.h"
 #include "Statistics/StatisticsController.h"
 
 class ConnectController;

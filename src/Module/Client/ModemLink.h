@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 #include <QVariant>
 #include <QVariantMap>
@@ -10,26 +11,28 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <vector>
 
 #include "EquipmentRecords.h"
+#include "ModemTransport.h"
 #include "NetworkRecords.h"
-#include "NotificationCenter.h"
 
 class AppConfig;
+class QEventLoop;
 class DeviceWorkRequestInterface;
-class GUIThreadAgent;
-class WorkNotification;
 
-// The desktop app's one connection to the modem: it starts the worker, brings the modem up, follows it
-// through unplugging and replugging, and carries the modules' requests.
+// The one client of the modem, for the desktop app and the tool alike: it starts the transport (the
+// worker in this process unless another is given), brings the modem up, follows it through unplugging and
+// replugging, and carries the feature controllers' requests.
 //
-// States: Absent (no modem; an init is retried every few seconds), Starting (the modem answers and is
-// being set up), NeedPin / NeedPuk (the SIM is locked; the attempts left are in pinAttempts() and
-// pukAttempts()), NoSim, Blocked (the SIM refuses every code), Ready (the modules may use it).
+// States: Absent (no modem; the desktop app retries an init every few seconds), Starting (the modem
+// answers and is being set up), NeedPin / NeedPuk (the SIM is locked; the attempts left are in
+// pinAttempts() and pukAttempts()), NoSim, Blocked (the SIM refuses every code), Ready (the features may
+// use it).
 //
-// Requests are asynchronous; each answer reaches only the callback of the request it answers, on the GUI
-// thread. An answer that never comes because the modem went away reaches the callback as code 27 (no
-// modem), so that no view waits for ever.
+// Requests carry a ticket, so each answer reaches only the callback of the request it answers, on the
+// thread that made the link. An answer that never comes because the modem went away reaches the callback
+// as code 27 (no modem), so that nobody waits for ever.
 class ModemLink : public QObject {
     Q_OBJECT
 public:
@@ -41,15 +44,25 @@ public:
     static constexpr int kNetworkPollMs = 5000;   // registration, signal and bearer for the status bar
     static constexpr int kSimCheckTries = 5;      // SIM state reads before a failing SIM counts as absent
     static constexpr int kSimCheckRetryMs = 1000;
+    static constexpr int kWaitForever = -1;
+    static constexpr int kWaitPollMs = 50; // how often waitUntil looks again without an answer
 
-    explicit ModemLink(QObject* parent = nullptr);
-    ~ModemLink() override; // ends the worker (and a link the app started)
+    // Without a transport the link makes the in-process worker's (WorkerTransport), handing mainWindow to
+    // the application shell.
+    explicit ModemLink(QObject* parent = nullptr, std::unique_ptr<ModemTransport> transport = {},
+                       QObject* mainWindow = nullptr);
+    ~ModemLink() override; // ends the transport (and a link the app started)
 
-    // Starts the worker and the first init.
+    // The desktop app: starts the transport and the first init, then follows the modem (SIM check,
+    // identity, network poll, init retries while it is away).
     void start();
+    // The tool: starts the transport and sends one init, waiting up to timeoutMs for each step; the init's
+    // result code (the link is Starting on success, Absent otherwise). Nothing is polled or retried.
+    int open(int timeoutMs);
 
     State state() const { return _state; }
-    // The worker's request end, for controllers with a WorkNotification of their own; null before start.
+    ModemTransport& transport() const { return *_transport; }
+    // The worker's request end when it runs in this process; null before start.
     DeviceWorkRequestInterface* workTarget() const;
     // The configuration the worker loaded; null before the first init.
     AppConfig* config() const;
@@ -58,11 +71,22 @@ public:
     // when context is given and has been destroyed by then.
     void request(const QString& name, const QVariant& argument = {}, Reply reply = {},
                  QObject* context = nullptr);
+    // Sends the request and waits for its answer, running this thread's events meanwhile; after timeoutMs
+    // (kWaitForever: no limit) the answer is code 2 (timed out).
+    QVariantMap call(const QString& name, const QVariant& argument = {}, int timeoutMs = kWaitForever);
+    // Runs this thread's events until done() holds or timeoutMs has passed; whether done() holds.
+    bool waitUntil(const std::function<bool()>& done, int timeoutMs = kWaitForever);
+
+    // Reports of this name (the worker's own messages, not answers) reach reportReceived() from now on.
+    // New messages, the list-again report and USSD answers are passed on from the start.
+    void listenForReport(const QString& name);
 
     // Unlocking: the PIN, or the PUK with the new PIN. The reply gets the worker's answer; on success the
     // link checks the SIM again and moves on to Ready.
     void verifyPin(const QString& pin, Reply reply = {});
     void verifyPuk(const QString& puk, const QString& newPin, Reply reply = {});
+    // Reads the SIM's state again (after a PIN change elsewhere).
+    void checkSim();
 
     int pinAttempts() const { return _pinAttempts; }
     int pukAttempts() const { return _pukAttempts; }
@@ -100,23 +124,22 @@ private:
     void setState(State state);
     void sendInit();
     void onInitAnswer(const QVariantMap& response);
-    void checkSim();
     void learnModem();
     void onUnplugged();
     void failPending(int code);
-    void deliver(const QString& name, const QVariantMap& response);
-    void watch(const QString& name);
+    void onReceived(const QString& name, const QVariantMap& data);
+    void wakeWaiters();
 
-    std::unique_ptr<QObject> _delegate;
-    std::unique_ptr<GUIThreadAgent> _agent;
-    WorkNotification* _notification = nullptr;
+    std::unique_ptr<ModemTransport> _transport;
+    bool _follows = false; // start() rather than open()
     State _state = State::Absent;
     bool _initInFlight = false;
     QTimer _retryTimer;
     QTimer _networkTimer;
     qint64 _nextTicket = 1;
     std::map<qint64, Pending> _pending;
-    QStringList _watched;
+    QStringList _reports;
+    std::vector<QEventLoop*> _waiters; // waitUntil's loops, innermost last
     int _simCheckFailures = 0;
     int _pinAttempts = -1;
     int _pukAttempts = -1;

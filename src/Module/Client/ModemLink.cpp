@@ -1,11 +1,17 @@
 #include "ModemLink.h"
 
+#include <QEventLoop>
+
+#include <algorithm>
+#include <optional>
+
 #include "AppConfig.h"
+#include "ApplicationShell.h"
 #include "BLRecords.h"
-#include "GUIThreadAgent.h"
 #include "HomeRegion.h"
 #include "PinRecords.h"
 #include "WorkNotification.h"
+#include "WorkerTransport.h"
 
 namespace {
 
@@ -13,16 +19,17 @@ namespace {
 // the answer, so the answer finds its callback.
 const QString kTicketKey = QStringLiteral("GUI_TICKET");
 
-// SIM states of "MESSAGE_PIN_CHECK_STATE".
-constexpr int kSimAbsent = 0;
-constexpr int kSimReady = 1;
-constexpr int kSimPin = 2;
-constexpr int kSimPuk = 3;
-constexpr int kSimBlocked = 17;
-
 } // namespace
 
-ModemLink::ModemLink(QObject* parent) : QObject(parent) {
+ModemLink::ModemLink(QObject* parent, std::unique_ptr<ModemTransport> transport, QObject* mainWindow)
+    : QObject(parent), _transport(std::move(transport)) {
+    if (!_transport)
+        _transport = std::make_unique<WorkerTransport>(mainWindow);
+    connect(_transport.get(), &ModemTransport::received, this, &ModemLink::onReceived);
+    connect(_transport.get(), &ModemTransport::unplugged, this, &ModemLink::onUnplugged);
+    for (const QString& report : {MESSAGE_RPT_RECEIVE_SMS, MESSAGE_RPT_RECEIVE_FILTER_SMS,
+                                  MESSAGE_RPT_RECEIVE_USSD, MESSAGE_RPT_SMS_RELIST})
+        listenForReport(report);
     _retryTimer.setInterval(kRetryIntervalMs);
     connect(&_retryTimer, &QTimer::timeout, this, [this] {
         if (_state == State::Absent)
@@ -33,33 +40,32 @@ ModemLink::ModemLink(QObject* parent) : QObject(parent) {
 }
 
 ModemLink::~ModemLink() {
-    NotificationCenter::defaultCenter().removeObserver(this);
     _pending.clear();
-    _agent.reset(); // the worker hangs up a running link and closes the port
+    _transport.reset(); // the worker hangs up a running link and closes the port
 }
 
 void ModemLink::start() {
-    if (_agent)
+    if (_transport->isReady() || _follows)
         return;
+    _follows = true;
     registerRecordMetaTypes();
-    _delegate = std::make_unique<QObject>();
-    _delegate->setObjectName(QStringLiteral("ModemLink"));
-    _agent = std::make_unique<GUIThreadAgent>(parent(), _delegate.get());
-    NotificationCenter::defaultCenter().addObserver(MESSAGE_USB_UNPLUGGED, this,
-                                                    [this](const Notification&) { onUnplugged(); });
-    for (const QString& report : {MESSAGE_RPT_RECEIVE_SMS, MESSAGE_RPT_RECEIVE_FILTER_SMS,
-                                  MESSAGE_RPT_RECEIVE_USSD, MESSAGE_RPT_SMS_RELIST}) {
-        NotificationCenter::defaultCenter().addObserver(
-            report, this, [this](const Notification& n) { emit reportReceived(n.name, n.userInfo); });
-    }
-    _agent->setServerSetupCompleteTargetCallBack([this](WorkNotification* notification) {
-        _notification = notification;
-        sendInit();
-    });
+    connect(_transport.get(), &ModemTransport::ready, this, &ModemLink::sendInit);
+    _transport->start();
+}
+
+int ModemLink::open(int timeoutMs) {
+    registerRecordMetaTypes();
+    _transport->start();
+    if (!waitUntil([this] { return _transport->isReady(); }, timeoutMs))
+        return WORKER_ERR_GENERAL;
+    const QVariantMap response = call(MESSAGE_INIT_WORK_THREAD, {}, timeoutMs);
+    const int code = WorkNotification::GetErrorCode(response);
+    setState(code == WORKER_OK ? State::Starting : State::Absent);
+    return code;
 }
 
 DeviceWorkRequestInterface* ModemLink::workTarget() const {
-    return _agent ? _agent->workThread() : nullptr;
+    return _transport->workTarget();
 }
 
 AppConfig* ModemLink::config() const {
@@ -70,11 +76,11 @@ void ModemLink::setState(State state) {
     if (_state == state)
         return;
     _state = state;
-    if (state == State::Absent)
+    if (state == State::Absent && _follows)
         _retryTimer.start();
     else
         _retryTimer.stop();
-    if (state == State::Ready) {
+    if (state == State::Ready && _follows) {
         _networkTimer.start();
     } else {
         _networkTimer.stop();
@@ -83,16 +89,15 @@ void ModemLink::setState(State state) {
     emit stateChanged(state);
 }
 
-void ModemLink::watch(const QString& name) {
-    if (_watched.contains(name))
+void ModemLink::listenForReport(const QString& name) {
+    if (_reports.contains(name))
         return;
-    _watched.append(name);
-    NotificationCenter::defaultCenter().addObserver(
-        name, this, [this](const Notification& n) { deliver(n.name, n.userInfo); });
+    _reports.append(name);
+    _transport->listen(name);
 }
 
 void ModemLink::request(const QString& name, const QVariant& argument, Reply reply, QObject* context) {
-    if (!_notification) {
+    if (!_transport->isReady()) {
         if (reply)
             reply({{ERROR_CODE, WORKER_ERR_NO_TARGET}});
         return;
@@ -103,13 +108,12 @@ void ModemLink::request(const QString& name, const QVariant& argument, Reply rep
             reply({{ERROR_CODE, WORKER_ERR_NO_DATA_DEVICE}});
         return;
     }
-    watch(name);
     const qint64 ticket = _nextTicket++;
     QVariantMap userInfo{{kTicketKey, ticket}};
     if (argument.isValid())
         WorkNotification::SetValueObject(userInfo, argument);
     _pending[ticket] = Pending{name, std::move(reply), context, context != nullptr};
-    const int code = _notification->sendASyncWorkMessage(name, userInfo);
+    const int code = _transport->send(name, userInfo);
     if (code != WORKER_OK) {
         const auto it = _pending.find(ticket);
         if (it != _pending.end()) {
@@ -121,17 +125,58 @@ void ModemLink::request(const QString& name, const QVariant& argument, Reply rep
     }
 }
 
-void ModemLink::deliver(const QString& name, const QVariantMap& response) {
-    const QVariantMap userInfo = response.value(USER_INFO).toMap();
-    if (!userInfo.contains(kTicketKey))
-        return; // another module's request of the same name
+QVariantMap ModemLink::call(const QString& name, const QVariant& argument, int timeoutMs) {
+    // Shared with the reply, which may come after the wait has given up.
+    auto answer = std::make_shared<std::optional<QVariantMap>>();
+    request(name, argument, [answer](const QVariantMap& response) { *answer = response; });
+    if (!waitUntil([&answer] { return answer->has_value(); }, timeoutMs))
+        return {{ERROR_CODE, WORKER_ERR_TIME_OUT}};
+    return **answer;
+}
+
+bool ModemLink::waitUntil(const std::function<bool()>& done, int timeoutMs) {
+    QEventLoop loop;
+    bool late = false;
+    // Answers wake the loop (see wakeWaiters); a slow poll catches what changes on a timer of its own.
+    QTimer poll;
+    poll.setInterval(kWaitPollMs);
+    connect(&poll, &QTimer::timeout, &loop, &QEventLoop::quit);
+    poll.start();
+    QTimer limit;
+    limit.setSingleShot(true);
+    connect(&limit, &QTimer::timeout, &loop, [&] {
+        late = true;
+        loop.quit();
+    });
+    if (timeoutMs != kWaitForever)
+        limit.start(timeoutMs);
+    _waiters.push_back(&loop);
+    while (!done() && !late)
+        loop.exec();
+    _waiters.erase(std::find(_waiters.begin(), _waiters.end(), &loop));
+    return done();
+}
+
+void ModemLink::wakeWaiters() {
+    for (QEventLoop* loop : _waiters)
+        loop->quit();
+}
+
+void ModemLink::onReceived(const QString& name, const QVariantMap& data) {
+    const QVariantMap userInfo = data.value(USER_INFO).toMap();
+    if (!userInfo.contains(kTicketKey)) {
+        if (_reports.contains(name))
+            emit reportReceived(name, data);
+        return; // else another client's answer to a request of the same name
+    }
     const auto it = _pending.find(userInfo.value(kTicketKey).toLongLong());
     if (it == _pending.end() || it->second.name != name)
         return;
     Pending pending = std::move(it->second);
     _pending.erase(it);
     if (pending.reply && (!pending.hasContext || pending.context))
-        pending.reply(response);
+        pending.reply(data);
+    wakeWaiters();
 }
 
 void ModemLink::failPending(int code) {
@@ -141,6 +186,7 @@ void ModemLink::failPending(int code) {
         if (pending.reply && (!pending.hasContext || pending.context))
             pending.reply({{ERROR_CODE, code}});
     }
+    wakeWaiters();
 }
 
 void ModemLink::sendInit() {
@@ -189,19 +235,19 @@ void ModemLink::checkSim() {
         }
         _simCheckFailures = 0;
         switch (sim.nState) {
-        case kSimReady:
+        case SimState::kReady:
             learnModem();
             break;
-        case kSimPin:
+        case SimState::kPin:
             setState(State::NeedPin);
             break;
-        case kSimPuk:
+        case SimState::kPuk:
             setState(State::NeedPuk);
             break;
-        case kSimBlocked:
+        case SimState::kBlocked:
             setState(State::Blocked);
             break;
-        case kSimAbsent:
+        case SimState::kAbsent:
             setState(State::NoSim);
             break;
         default: // personalisation locks: nothing the app can unlock

@@ -1,0 +1,3 @@
+#include "ModemTransport.h"
+
+#include "moc_ModemTransport.cpp"

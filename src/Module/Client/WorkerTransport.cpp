@@ -1,0 +1,47 @@
+#include "WorkerTransport.h"
+
+#include "GUIThreadAgent.h"
+#include "NotificationCenter.h"
+#include "WorkNotification.h"
+
+WorkerTransport::WorkerTransport(QObject* mainWindow, QObject* parent)
+    : ModemTransport(parent), _mainWindow(mainWindow) {}
+
+WorkerTransport::~WorkerTransport() {
+    NotificationCenter::defaultCenter().removeObserver(this);
+    _agent.reset();
+}
+
+void WorkerTransport::start() {
+    if (_agent)
+        return;
+    // The sender of every request; the worker answers it by its class name.
+    _sender = std::make_unique<QObject>();
+    _sender->setObjectName(QStringLiteral("ModemLink"));
+    _agent = std::make_unique<GUIThreadAgent>(_mainWindow, _sender.get());
+    NotificationCenter::defaultCenter().addObserver(MESSAGE_USB_UNPLUGGED, this,
+                                                    [this](const Notification&) { emit unplugged(); });
+    _agent->setServerSetupCompleteTargetCallBack([this](WorkNotification* notification) {
+        _notification = notification;
+        emit ready();
+    });
+}
+
+int WorkerTransport::send(const QString& name, const QVariantMap& request) {
+    if (!_notification)
+        return WORKER_ERR_NO_TARGET;
+    listen(name);
+    return _notification->sendASyncWorkMessage(name, request);
+}
+
+void WorkerTransport::listen(const QString& name) {
+    if (_listened.contains(name))
+        return;
+    _listened.append(name);
+    NotificationCenter::defaultCenter().addObserver(
+        name, this, [this](const Notification& n) { emit received(n.name, n.userInfo); });
+}
+
+DeviceWorkRequestInterface* WorkerTransport::workTarget() const {
+    return _agent ? _agent->workThread() : nullptr;
+}
