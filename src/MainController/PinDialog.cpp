@@ -10,7 +10,7 @@
 
 #include "CNSLabels.h"
 #include "ModemLink.h"
-#include "PinCodeFormat.h"
+#include "ModemTextCheck.h"
 #include "StatusText.h"
 #include "WorkNotification.h"
 

@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 #include "Account/AccountController.h"
-#include "AtParameter.h"
+#include "ModemTextCheck.h"
 #include "EquipmentRecords.h"
 #include "GUIThreadAgent.h"
 #include "ModemSession.h"

@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-#include "AtParameter.h"
+#include "ModemTextCheck.h"
 #include "FailureText.h"
 
 int ReportFailure(const CliContext& context, int resultCode, const std::string& what, int cause) {
@@ -29,7 +29,7 @@ int ReportUsage(const std::string& what) {
 }
 
 int CheckModemText(const std::string& what, const std::string& value, std::size_t maxLength) {
-    const std::string problem = AtParameterProblem(what, value, maxLength);
+    const std::string problem = ModemTextProblem(what, value, maxLength);
     return problem.empty() ? EXIT_OK : ReportUsage(problem);
 }
 

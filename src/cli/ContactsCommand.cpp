@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "AtParameter.h"
+#include "ModemTextCheck.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "PhonebookRecords.h"

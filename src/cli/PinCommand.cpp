@@ -9,7 +9,7 @@
 
 #include "BLRecords.h"
 #include "ModemSession.h"
-#include "PinCodeFormat.h"
+#include "ModemTextCheck.h"
 #include "RecordJson.h"
 #include "SecretInput.h"
 #include "StatusText.h"

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "AppConfig.h"
-#include "AtParameter.h"
+#include "ModemTextCheck.h"
 #include "BLRecords.h"
 #include "Connector/ProfileSettingsController.h"
 #include "GUIThreadAgent.h"

@@ -3,8 +3,7 @@
 #include <climits>
 #include <vector>
 
-#include "AtParameter.h"
-#include "PinCodeFormat.h"
+#include "ModemTextCheck.h"
 #include "WorkMessageNames.h"
 
 using nlohmann::json;
@@ -131,7 +130,7 @@ std::string Check(const Rule& rule, const json* value, const std::string& where)
             return {};
         if (!value->is_string())
             return what + ", not " + value->dump();
-        return AtParameterProblem(where, value->get<std::string>(), static_cast<std::size_t>(rule.max));
+        return ModemTextProblem(where, value->get<std::string>(), static_cast<std::size_t>(rule.max));
     }
     case Rule::Flag:
         if (value != nullptr && (*value == "TRUE" || *value == "FALSE"))

@@ -13,7 +13,7 @@
 #include <optional>
 #include <vector>
 
-#include "AtParameter.h"
+#include "ModemTextCheck.h"
 #include "ModemSession.h"
 #include "NotificationCenter.h"
 #include "RecordJson.h"

@@ -17,7 +17,6 @@
 #include <QVBoxLayout>
 
 #include "Account/AccountController.h"
-#include "AtParameter.h"
 #include "CNSLabels.h"
 #include "FailureText.h"
 #include "ModemTextCheck.h"

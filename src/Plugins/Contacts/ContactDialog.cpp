@@ -8,7 +8,6 @@
 #include <QRegularExpression>
 #include <QVBoxLayout>
 
-#include "AtParameter.h"
 #include "CNSLabels.h"
 #include "ModemTextCheck.h"
 #include "PhoneNumbers.h"

@@ -13,7 +13,7 @@
 #include "BLRecords.h"
 #include "CNSLabels.h"
 #include "ModemLink.h"
-#include "PinCodeFormat.h"
+#include "ModemTextCheck.h"
 #include "StatusText.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"

@@ -7,7 +7,6 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
-#include "AtParameter.h"
 #include "CNSLabels.h"
 #include "ModemTextCheck.h"
 

@@ -10,3 +10,7 @@ QString ModemTextProblem(const QString& what, const QString& value, std::size_t 
     sentence[0] = sentence[0].toUpper();
     return sentence;
 }
+
+std::string ModemTextProblem(std::string_view what, std::string_view value, std::size_t maxLength) {
+    return AtParameterProblem(what, value, maxLength);
+}
