@@ -79,5 +79,6 @@ void GUIThreadAgent::setServerSetupCompleteTargetCallBack(std::function<void(Wor
 }
 
 void GUIThreadAgent::asyncResponse(const QString& name, QObject*, const QVariantMap& responseData) {
+    emit responded(name, responseData);
     WorkNotification::deliverResponse(name, responseData, this);
 }

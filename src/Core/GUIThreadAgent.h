@@ -38,6 +38,11 @@ public:
     // Called by the worker, through this thread's event loop, with itself.
     void setServer(QObject* server) override;
 
+signals:
+    // Every answer and report, before the notification centre's rules: answers that are never posted to
+    // the modules (result 25) come here too, so a client waiting for one gets it.
+    void responded(const QString& name, const QVariantMap& responseData);
+
 private:
     void initAppShell();
     void createWorkThread();

@@ -1,14 +1,12 @@
 #include "WorkerTransport.h"
 
 #include "GUIThreadAgent.h"
-#include "NotificationCenter.h"
 #include "WorkNotification.h"
 
 WorkerTransport::WorkerTransport(QObject* mainWindow, QObject* parent)
     : ModemTransport(parent), _mainWindow(mainWindow) {}
 
 WorkerTransport::~WorkerTransport() {
-    NotificationCenter::defaultCenter().removeObserver(this);
     _agent.reset();
 }
 
@@ -19,8 +17,13 @@ void WorkerTransport::start() {
     _sender = std::make_unique<QObject>();
     _sender->setObjectName(QStringLiteral("ModemLink"));
     _agent = std::make_unique<GUIThreadAgent>(_mainWindow, _sender.get());
-    NotificationCenter::defaultCenter().addObserver(MESSAGE_USB_UNPLUGGED, this,
-                                                    [this](const Notification&) { emit unplugged(); });
+    connect(_agent.get(), &GUIThreadAgent::responded, this,
+            [this](const QString& name, const QVariantMap& data) {
+                if (name == MESSAGE_USB_UNPLUGGED)
+                    emit unplugged();
+                else if (_listened.contains(name))
+                    emit received(name, data);
+            });
     _agent->setServerSetupCompleteTargetCallBack([this](WorkNotification* notification) {
         _notification = notification;
         emit ready();
@@ -35,11 +38,8 @@ int WorkerTransport::send(const QString& name, const QVariantMap& request) {
 }
 
 void WorkerTransport::listen(const QString& name) {
-    if (_listened.contains(name))
-        return;
-    _listened.append(name);
-    NotificationCenter::defaultCenter().addObserver(
-        name, this, [this](const Notification& n) { emit received(n.name, n.userInfo); });
+    if (!_listened.contains(name))
+        _listened.append(name);
 }
 
 DeviceWorkRequestInterface* WorkerTransport::workTarget() const {
