@@ -21,6 +21,7 @@ build: configure
 
 check: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+	@scripts/test-share
 
 asan: bootstrap
 	@cmake -S . -B $(ASAN_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DDIALTONE_SANITIZE=ON >/dev/null
