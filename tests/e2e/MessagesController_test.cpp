@@ -106,6 +106,30 @@ TEST_F(MessagesControllerTest, ToolStepsListSendDeleteAndArchive) {
     EXPECT_EQ(archive[0].getContent(), archived.strContent);
     EXPECT_EQ(archive[0].getCreateTime(), archived.dateTime);
 
+    // The settings page's and "dialtone sms sc" steps; the service centre reads back as written.
+    ASSERT_TRUE(run([&](auto done) { _messages->setServiceCentre("+491722270333", done); }).ok());
+    QString centre;
+    ASSERT_TRUE(run([&](auto done) {
+                    _messages->serviceCentre([&centre, done](const Outcome& outcome, const QString& number) {
+                        centre = number;
+                        done(outcome);
+                    });
+                }).ok());
+    EXPECT_EQ(centre, "+491722270333");
+    EXPECT_TRUE(run([&](auto done) { _messages->setValidity({0, 2, 0}, done); }).ok());
+    EXPECT_TRUE(run([&](auto done) { _messages->setPreferredStorage(SmsStorage::kSim, done); }).ok());
+    BLSmsStorageState state;
+    EXPECT_TRUE(run([&](auto done) {
+                    _messages->storageState(
+                        [&state, done](const Outcome& outcome, const BLSmsStorageState& read) {
+                            state = read;
+                            done(outcome);
+                        });
+                }).ok());
+    EXPECT_EQ(state.nSimUsed, std::count_if(after.begin(), after.end(), [](const BLSmsListItem& item) {
+                  return item.nStoreIn == SmsStorage::kSim;
+              }));
+
     // Failures reach the caller as result codes; nothing is lost on the way.
     // clang-format off
     const struct { const char* what; std::function<void(MessagesController::Done)> step; } failures[] = {

@@ -3,7 +3,6 @@
 #include <QList>
 #include <QPointer>
 
-#include <memory>
 #include <optional>
 #include <variant>
 
