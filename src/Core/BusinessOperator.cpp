@@ -9,10 +9,12 @@
 #include "ModemDialect.h"
 #include "NetworkOperator.h"
 #include "PinCodeFormat.h"
+#include "SMSExt.h"
 #include "SAT/STKCodec.h"
 #include "WorkNotification.h"
 
 #include <QMetaObject>
+#include <QRegularExpression>
 #include <QTimeZone>
 
 #include <algorithm>
@@ -620,6 +622,27 @@ int BusinessOperator::SMSSetStatusReportFlag(const QVariantMap& request) {
     const QVariant value = WorkNotification::GetValueObject(request);
     const bool on = !isMissing(value) && value.toString() == QLatin1String("TRUE");
     return _pAtSubLayer->SMSEnableStatusReport(on ? 1 : 0);
+}
+
+int BusinessOperator::SMSUsePCInbox(const QVariantMap& request) {
+    const QVariant value = WorkNotification::GetValueObject(request);
+    QString imsi = isMissing(value) ? QString() : value.toString();
+    if (imsi.isEmpty()) {
+        BLEquipmentInfo info;
+        if (const int result = checkEquipmentInfo(info); result != 0) {
+            return result;
+        }
+        imsi = info.strImsi;
+    }
+    // The IMSI names the SIM's records in the inbox file: 15 digits at most (3GPP TS 23.003).
+    static const QRegularExpression digits(QStringLiteral("^\\d{1,15}$"));
+    if (!digits.match(imsi).hasMatch()) {
+        CNSLOG(0, "ERROR: no usable IMSI for the computer-side inbox");
+        return kParameterNull;
+    }
+    const QByteArray text = imsi.toLatin1();
+    _pAtSubLayer->SMSSetIMSI(text.constData());
+    return SMSExt::registerWith(*_pAtSubLayer);
 }
 
 int BusinessOperator::SMSConfigFilterSMS(const QVariantMap& request) {

@@ -79,6 +79,8 @@ public:
     int SMSSetValidPeriod(const QVariantMap& request);
     int SMSGetStorageState(QVariantMap& response);
     int SMSSetStatusReportFlag(const QVariantMap& request);
+    // Registers the computer-side inbox (SMSExt) for the IMSI of the request, or the modem's when none.
+    int SMSUsePCInbox(const QVariantMap& request);
     // Claims (or gives back) incoming messages from given numbers for a client; always 0.
     int SMSConfigFilterSMS(const QVariantMap& request);
 

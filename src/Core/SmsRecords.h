@@ -11,6 +11,28 @@
 
 // SMS requests and results. The integer fields carry the AT sublayer's message codes one to one.
 
+// Where a listed message is kept (nStoreIn), and the storage codes of "MESSAGE_SMS_SET_PREFERRED_STORAGE".
+namespace SmsStorage {
+inline constexpr qint32 kSim = 1;
+inline constexpr qint32 kModem = 2;
+inline constexpr qint32 kPc = 4; // the computer-side inbox
+} // namespace SmsStorage
+
+// Read tags of a listed message (nTag).
+namespace SmsTag {
+inline constexpr qint32 kUnread = 0;
+inline constexpr qint32 kRead = 1;
+inline constexpr qint32 kUnsent = 2;
+inline constexpr qint32 kSent = 3;
+} // namespace SmsTag
+
+// What a listed message is (nType): a received message, a status report, a sent one.
+namespace SmsType {
+inline constexpr qint32 kDeliver = 0;
+inline constexpr qint32 kStatusReport = 2;
+inline constexpr qint32 kSubmit = 4;
+} // namespace SmsType
+
 // One message of the "MESSAGE_SMS_GET_LIST" result, and the payload of "MESSAGE_RPT_RECEIVE_SMS".
 // strAddress is at most 21 characters (the business layer caps it).
 struct BLSmsListItem {

@@ -61,6 +61,9 @@ inline const QString MESSAGE_CALL_SEND_DTMF = QStringLiteral("MESSAGE_CALL_SEND_
 inline const QString MESSAGE_CALL_GET_LIST = QStringLiteral("MESSAGE_CALL_GET_LIST");
 inline const QString MESSAGE_GPS_INIT = QStringLiteral("MESSAGE_GPS_INIT");
 inline const QString MESSAGE_GPS_UNINIT = QStringLiteral("MESSAGE_GPS_UNINIT");
+// Keeps messages moved out of the modem memory in the computer-side inbox of the SIM; the argument is the
+// SIM's IMSI (read from the modem when absent).
+inline const QString MESSAGE_SMS_USE_PC_INBOX = QStringLiteral("MESSAGE_SMS_USE_PC_INBOX");
 
 // Sent by the worker without a request.
 inline const QString MESSAGE_DEVICE_FIND = QStringLiteral("MESSAGE_DEVICE_FIND");

@@ -114,6 +114,7 @@ const RequestEntry kRequestTable[] = {
     {&MESSAGE_CALL_GET_LIST, OUT_CALL(CallGetList)},
     {&MESSAGE_GPS_INIT, NO_ARG_CALL(GPSInit)},
     {&MESSAGE_GPS_UNINIT, NO_ARG_CALL(GPSUninit)},
+    {&MESSAGE_SMS_USE_PC_INBOX, IN_CALL(SMSUsePCInbox)},
 };
 
 #undef IN_CALL

@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "WideText.h"
+
 // What every command family of the dialtone tool shares: the global options, the exit status, and the
 // rules for output (human-readable text by default, one JSON document with --json; errors on standard
 // error, and with --json an object with "ERROR_CODE" on standard output).
@@ -43,8 +45,3 @@ void ReportProgress(const std::string& what);
 // Prints one JSON document on standard output; text that is not UTF-8 is replaced, never fatal.
 void PrintJson(const nlohmann::json& document);
 
-// Wide text (UTF-32, or UTF-16 units as UCS2 messages carry them: surrogate pairs are joined) to UTF-8;
-// anything that is not a character becomes U+FFFD.
-std::string ToUtf8(const std::wstring& text);
-// UTF-8 to wide text, one character per wchar_t; malformed sequences become U+FFFD.
-std::wstring FromUtf8(const std::string& text);

@@ -216,14 +216,22 @@ int ModemSession::checkPresent(const std::string& what) {
                          what + ": the modem was unplugged (plug it in and run the command again)");
 }
 
+void ModemSession::waitFor(const std::function<bool()>& done, const std::string& what, int deadlineSeconds) {
+    TheWatchdog().arm(deadlineSeconds, what, _context.json, _simulator.pid(), _simulator.devDir());
+    _link->waitUntil(done);
+    TheWatchdog().disarm();
+}
+
 int ModemSession::check(const QVariantMap& response, const std::string& what) {
-    const int code = WorkNotification::GetErrorCode(response);
+    return check(WorkNotification::GetErrorCode(response), WorkNotification::GetSubErrorCode(response), what);
+}
+
+int ModemSession::check(int code, int cause, const std::string& what) {
     if (code == WORKER_OK)
         return EXIT_OK;
     // A pulled stick cancels the command under way, and every later one fails the same way.
     if (const int gone = checkPresent(what))
         return gone;
-    const int cause = WorkNotification::GetSubErrorCode(response);
     return ReportFailure(_context, code, what + ": " + FailureText(code, cause), cause);
 }
 

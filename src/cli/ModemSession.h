@@ -39,6 +39,11 @@ public:
     QVariantMap request(const QString& name, const QVariant& argument = {},
                         int deadlineSeconds = kDefaultDeadlineSeconds);
 
+    // Runs events until done() holds, for a controller's answer; a wait that outlives its deadline ends the
+    // process as a request's does (what names the step in the message).
+    void waitFor(const std::function<bool()>& done, const std::string& what,
+                 int deadlineSeconds = kDefaultDeadlineSeconds);
+
     // The link, for the feature controllers; valid after a successful open().
     ModemLink& link() const { return *_link; }
     // The worker's request end, for controllers that send asynchronous requests; null before open().
@@ -48,6 +53,8 @@ public:
     // modem's own cause when the response carries one, "the modem was unplugged" when it is gone): text
     // and code on standard error, the error object with --json; EXIT_FAILED, or EXIT_OK when the code is 0.
     int check(const QVariantMap& response, const std::string& what);
+    // The same for a controller's result code and the modem's cause.
+    int check(int code, int cause, const std::string& what);
 
     // EXIT_OK while the modem's ports are there; once the stick is pulled, "<what>: the modem was unplugged"
     // reported as a failure. For answers that succeed with empty fields when the modem is gone.

@@ -59,6 +59,7 @@ const std::vector<Expected>& Table() {
         {&MESSAGE_SMS_SET_VALID_PERIOD, "BLSmsValidPeriod", {}},
         {&MESSAGE_CONFIG_FILTER_SMS, "BLSmsFilterConfig", {}},
         {&MESSAGE_SMS_SET_STATUS_REPORT, nullptr, {{"", Rule::Flag}}},
+        {&MESSAGE_SMS_USE_PC_INBOX, nullptr, {LineText("", 15)}},
         {&MESSAGE_USSD_SETSTATE, nullptr, {Between("", 0, 2)}},
         {&MESSAGE_USSD_SENDCMD, "BLUssdSendCmdInfo", {Between("nOpCode", 0, 1), LineText("strCmdString", kUssdTextMaxLength)}},
         {&MESSAGE_STK_SELECT_ITEM, "BLSatResponse", {Between("nCommand", 0, INT_MAX), Between("nResult", 0, 255), Between("nItemId", -1, 255), LineText("strText", 512)}},

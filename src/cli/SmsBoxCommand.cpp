@@ -8,14 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "BLRecords.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "RecordJson.h"
 #include "SMS/MessageItem.h"
+#include "SMS/MessagesController.h"
 #include "SMS/SMSStorage.h"
 #include "TerminalText.h"
-#include "WorkNotification.h"
 
 namespace {
 
@@ -73,30 +72,29 @@ std::optional<MessageItem> ItemAt(const QList<MessageItem>& items, int position)
 
 int RunBox(const CliContext& context, ModemSession& session, const std::string& box,
            const BoxArguments& arguments) {
-    const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
-    if (const int failed = session.check(equipment, "reading the SIM's IMSI"))
+    MessagesController messages(session.link());
+    std::optional<MessagesController::Outcome> identified;
+    messages.identify([&identified](const MessagesController::Outcome& outcome) { identified = outcome; });
+    session.waitFor([&identified] { return identified.has_value(); }, "reading the SIM's IMSI");
+    if (const int failed = session.check(identified->code, identified->cause, "reading the SIM's IMSI"))
         return failed;
-    const QString imsi = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>().strImsi;
-    SMSStorage store(imsi);
-    const std::string region = RegionOfImsi(imsi);
+    const std::string region = RegionOfImsi(messages.imsi());
     const QString type = kBoxes.at(box);
-    const QList<MessageItem> items = store.getMessageListByBoxType(type).value_or(QList<MessageItem>());
+    const QList<MessageItem> items = messages.box(type);
 
     if (arguments.add.size() == 2) {
         const std::optional<std::string> number = DialNumber(arguments.add[0], region);
         if (!number)
             return EXIT_USAGE;
-        MessageItem item = MessageItem::createMessageItem({QString::fromStdString(*number)},
-                                                          QString::fromStdString(arguments.add[1]), QString(),
-                                                          QString(), QDateTime(), 0, type);
-        if (const int failed = ReportStoreResult(context, store.saveMessageItem(item), "adding the message"))
+        const int result =
+            messages.keep({QString::fromStdString(*number)}, QString::fromStdString(arguments.add[1]), type);
+        if (const int failed = ReportStoreResult(context, result, "adding the message"))
             return failed;
     } else if (arguments.remove != 0) {
         const auto item = ItemAt(items, arguments.remove);
         if (!item)
             return ReportUsage("no message " + std::to_string(arguments.remove) + " in " + box);
-        if (const int failed =
-                ReportStoreResult(context, store.deletMessageItem(*item), "deleting the message"))
+        if (const int failed = ReportStoreResult(context, messages.removeKept(*item), "deleting the message"))
             return failed;
     } else if (arguments.move.size() == 2) {
         const auto item = ItemAt(items, std::atoi(arguments.move[0].c_str()));
@@ -105,22 +103,15 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
         const auto target = kBoxes.find(arguments.move[1]);
         if (target == kBoxes.end())
             return ReportUsage("no box \"" + arguments.move[1] + "\" (outbox, sent, drafts, archive)");
-        if (const int failed = ReportStoreResult(context, store.moveMessageItem(*item, target->second),
-                                                 "moving the message"))
+        if (const int failed =
+                ReportStoreResult(context, messages.moveKept(*item, target->second), "moving the message"))
             return failed;
     }
-    PrintBox(context, store.getMessageListByBoxType(type).value_or(QList<MessageItem>()), region);
+    PrintBox(context, messages.box(type), region);
     return EXIT_OK;
 }
 
 } // namespace
-
-bool KeepSentCopy(const QString& imsi, const QString& number, const QString& text) {
-    SMSStorage store(imsi);
-    const MessageItem item =
-        MessageItem::createMessageItem({number}, text, QString(), QString(), QDateTime(), 0, SMS_BOX_SENDBOX);
-    return store.saveMessageItem(item) == SMSStorage::kOK;
-}
 
 void AddSmsBoxCommands(CLI::App& sms, CliContext& context) {
     const std::map<std::string, std::string> descriptions{{"outbox", "Messages waiting to be sent"},

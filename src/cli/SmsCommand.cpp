@@ -1,8 +1,6 @@
 #include "SmsCommand.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
-#include <QMetaObject>
 #include <QObject>
 #include <QSet>
 #include <QSettings>
@@ -16,27 +14,22 @@
 #include <cstdio>
 #include <functional>
 #include <iostream>
-#include <list>
 #include <map>
 #include <memory>
 #include <optional>
 
-#include "AtSublayerInterface.h"
 #include "BLRecords.h"
 #include "DamagedFile.h"
 #include "ModemSession.h"
-#include "NotificationCenter.h"
 #include "NumberArguments.h"
 #include "PrivateFile.h"
 #include "RecordJson.h"
-#include "SMS/SMSExt.h"
+#include "SMS/MessagesController.h"
+#include "SMS/SMSStorage.h"
+#include "SMS/SmsPduText.h"
 #include "SmsBoxCommand.h"
-#include "SmsUtility.h"
 #include "TerminalText.h"
 #include "UserDataFolder.h"
-#include "ValidityCode.h"
-#include "WorkNotification.h"
-#include "WorkThread.h"
 
 namespace {
 
@@ -68,7 +61,7 @@ void SaveSetting(const QString& key, const QVariant& value) {
 }
 
 const std::map<std::string, int> kStorages{
-    {"sim", SMS_STORAGE_SIM}, {"modem", SMS_STORAGE_MODEM}, {"pc", SMS_STORAGE_PC}};
+    {"sim", SmsStorage::kSim}, {"modem", SmsStorage::kModem}, {"pc", SmsStorage::kPc}};
 
 std::string StorageName(int storage) {
     for (const auto& [name, code] : kStorages) {
@@ -78,52 +71,54 @@ std::string StorageName(int storage) {
     return "?";
 }
 
-// CODE as "pdu encode --validity" takes it (ValidityCode.h), as the worker's record.
+// CODE as "pdu encode --validity" takes it, as the worker's record.
 std::optional<BLSmsValidPeriod> ParseValidity(const std::string& code) {
-    const std::optional<TSmsValidPeriod> parsed = ParseValidityCode(code);
+    const std::optional<SmsPduText::Validity> parsed = SmsPduText::ParseValidity(code);
     if (!parsed)
         return std::nullopt;
     BLSmsValidPeriod period;
-    period.bWeek = parsed->bWeek;
-    period.bDay = parsed->bDay;
-    period.bHour = parsed->bHour;
+    period.bWeek = parsed->weeks;
+    period.bDay = parsed->days;
+    period.bHour = parsed->hours;
     return period;
 }
 
+using Outcome = MessagesController::Outcome;
+
+// Runs one step of the controller and waits for its answer; a failure is reported as what failed.
+int Await(ModemSession& session, const std::string& what,
+          const std::function<void(MessagesController::Done)>& step,
+          int deadlineSeconds = ModemSession::kDefaultDeadlineSeconds) {
+    std::optional<Outcome> outcome;
+    step([&outcome](const Outcome& answer) { outcome = answer; });
+    session.waitFor([&outcome] { return outcome.has_value(); }, what, deadlineSeconds);
+    return session.check(outcome->code, outcome->cause, what);
+}
+
 // Readies the modem for messages: the message settings, the SIM's computer-side inbox (so that nothing
-// taken out of the modem memory is lost) and the chosen storage. imsi receives the SIM's IMSI.
-int PrepareSms(ModemSession& session, QString& imsi) {
-    if (const int failed = session.check(session.request(MESSAGE_SMS_INIT), "preparing the messages"))
+// taken out of the modem memory is lost) and the chosen storage. The SIM's IMSI is then messages.imsi().
+int PrepareSms(ModemSession& session, MessagesController& messages) {
+    if (const int failed =
+            Await(session, "preparing the messages", [&](auto done) { messages.initialise(done); }))
         return failed;
-    const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
-    if (const int failed = session.check(equipment, "reading the SIM's IMSI"))
+    if (const int failed =
+            Await(session, "reading the SIM's IMSI", [&](auto done) { messages.identify(done); }))
         return failed;
-    imsi = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>().strImsi;
-    WorkThread* worker = WorkThread::GetRequestInterfaceImpObject();
-    if (worker && !imsi.isEmpty()) {
-        // The sublayer belongs to the worker's thread.
-        const QByteArray imsiText = imsi.toLatin1();
-        QMetaObject::invokeMethod(
-            worker,
-            [worker, imsiText] {
-                if (TInterfaceAtSublayer* sublayer = worker->atSublayer()) {
-                    sublayer->SMSSetIMSI(imsiText.constData());
-                    SMSExt::registerWith(*sublayer);
-                }
-            },
-            Qt::BlockingQueuedConnection);
-    }
-    const int storage = Settings().value("sms/storage", SMS_STORAGE_MODEM).toInt();
-    if (storage != SMS_STORAGE_MODEM) {
-        const QVariantMap response = session.request(MESSAGE_SMS_SET_PREFERRED_STORAGE, storage);
-        if (const int failed = session.check(response, "choosing the storage for new messages"))
+    // Without the inbox the modem keeps its messages; nothing to refuse the command for.
+    bool registered = false;
+    messages.useComputerInbox([&registered](const Outcome&) { registered = true; });
+    session.waitFor([&registered] { return registered; }, "keeping messages on the computer");
+    const int storage = Settings().value("sms/storage", SmsStorage::kModem).toInt();
+    if (storage != SmsStorage::kModem) {
+        if (const int failed = Await(session, "choosing the storage for new messages",
+                                     [&](auto done) { messages.setPreferredStorage(storage, done); }))
             return failed;
     }
     return EXIT_OK;
 }
 
 std::string StateText(const BLSmsListItem& item) {
-    if (item.nType == 2)
+    if (item.nType == SmsType::kStatusReport)
         return "report";
     static const char* const tags[] = {"unread", "read", "unsent", "sent"};
     return item.nTag >= 0 && item.nTag < 4 ? tags[item.nTag] : "?";
@@ -134,9 +129,10 @@ std::string TimeText(const QDateTime& time) {
 }
 
 void PrintItem(const BLSmsListItem& item, const std::string& region) {
-    std::string text = item.nType == 2 ? "delivery status " + std::to_string(item.nStatusReportStatus)
-                                       : TerminalText(item.strContent);
-    if (!item.nCompleted && item.nType != 2)
+    const bool report = item.nType == SmsType::kStatusReport;
+    std::string text = report ? "delivery status " + std::to_string(item.nStatusReportStatus)
+                              : TerminalText(item.strContent);
+    if (!item.nCompleted && !report)
         text += " (incomplete)";
     std::printf("%4d  %-5s  %-6s  %-16s  %-16s  %s\n", item.nRef, StorageName(item.nStoreIn).c_str(),
                 StateText(item).c_str(), TerminalText(NumberForReading(item.strAddress, region)).c_str(),
@@ -144,20 +140,24 @@ void PrintItem(const BLSmsListItem& item, const std::string& region) {
 }
 
 // Builds the worker's message table; the IDs of list and delete come from it.
-int ReadList(ModemSession& session, QList<BLSmsListItem>& items) {
-    const QVariantMap response = session.request(MESSAGE_SMS_GET_LIST, {}, 180);
-    if (const int failed = session.check(response, "reading the messages"))
-        return failed;
-    items = RecordList<BLSmsListItem>(WorkNotification::GetValueObject(response));
-    return EXIT_OK;
+int ReadList(ModemSession& session, MessagesController& messages, QList<BLSmsListItem>& items) {
+    return Await(
+        session, "reading the messages",
+        [&](MessagesController::Done done) {
+            messages.list([&items, done](const Outcome& outcome, const QList<BLSmsListItem>& listed) {
+                items = listed;
+                done(outcome);
+            });
+        },
+        180);
 }
 
 int List(const CliContext& context, ModemSession& session) {
-    QString imsi;
-    if (const int failed = PrepareSms(session, imsi))
+    MessagesController messages(session.link());
+    if (const int failed = PrepareSms(session, messages))
         return failed;
     QList<BLSmsListItem> items;
-    if (const int failed = ReadList(session, items))
+    if (const int failed = ReadList(session, messages, items))
         return failed;
     if (context.json) {
         json list = json::array();
@@ -166,54 +166,40 @@ int List(const CliContext& context, ModemSession& session) {
         PrintJson(list);
         return EXIT_OK;
     }
-    const std::string region = RegionOfImsi(imsi);
+    const std::string region = RegionOfImsi(messages.imsi());
     for (const BLSmsListItem& item : items)
         PrintItem(item, region);
     return EXIT_OK;
 }
 
-// How many messages the text takes, counted the way the sublayer splits it.
-int SegmentCount(const std::string& number, const std::string& text) {
-    CSmsUtility sms;
-    sms.SetLatinSupport(1);
-    TSmsSendItem item;
-    number.copy(item.szNumber, sizeof item.szNumber - 1);
-    item.wstrContent = FromUtf8(text);
-    std::list<TTpduSubmit> segments;
-    int encodeType = 0;
-    sms.PacketMsg(item, segments, encodeType);
-    return static_cast<int>(segments.size());
-}
-
 int Send(const CliContext& context, ModemSession& session, const std::string& typed, const std::string& text,
          bool report) {
-    QString imsi;
-    if (const int failed = PrepareSms(session, imsi))
+    MessagesController messages(session.link());
+    if (const int failed = PrepareSms(session, messages))
         return failed;
-    const std::optional<std::string> dial = DialNumber(typed, RegionOfImsi(imsi));
+    const std::optional<std::string> dial = DialNumber(typed, RegionOfImsi(messages.imsi()));
     if (!dial)
         return EXIT_USAGE;
     const std::string& number = *dial;
     if (report) {
-        const QVariantMap response = session.request(MESSAGE_SMS_SET_STATUS_REPORT, QStringLiteral("TRUE"));
-        if (const int failed = session.check(response, "asking for a delivery report"))
+        if (const int failed = Await(session, "asking for a delivery report",
+                                     [&](auto done) { messages.setStatusReport(true, done); }))
             return failed;
     }
     const QString validity = Settings().value("sms/validity").toString();
     if (const auto period = ParseValidity(validity.toStdString())) {
-        const QVariantMap response =
-            session.request(MESSAGE_SMS_SET_VALID_PERIOD, QVariant::fromValue(*period));
-        if (const int failed = session.check(response, "setting the validity period"))
+        if (const int failed = Await(session, "setting the validity period",
+                                     [&](auto done) { messages.setValidity(*period, done); }))
             return failed;
     }
-    const int segments = SegmentCount(number, text);
+    const int segments = MessagesController::segmentCount(Q(text));
     if (segments > 1)
         ReportProgress("Sending " + std::to_string(segments) + " messages...");
-    const QVariantMap response = session.request(
-        MESSAGE_SMS_SEND, QVariant::fromValue(BLSmsSendItem{Q(number), Q(text)}), 60 + 30 * segments);
-    if (const int failed = session.check(response, "sending the message"))
+    if (const int failed = Await(
+            session, "sending the message", [&](auto done) { messages.send(Q(number), Q(text), done); },
+            60 + 30 * segments))
         return failed;
-    const bool kept = KeepSentCopy(imsi, Q(number), Q(text));
+    const bool kept = messages.keep({Q(number)}, Q(text), SMS_BOX_SENDBOX) == SMSStorage::kOK;
     if (!kept)
         std::fprintf(stderr, "dialtone: the copy for the sent box could not be written\n");
     if (context.json) {
@@ -228,21 +214,21 @@ int Send(const CliContext& context, ModemSession& session, const std::string& ty
 }
 
 int Delete(const CliContext& context, ModemSession& session, int id) {
-    QString imsi;
-    if (const int failed = PrepareSms(session, imsi))
+    MessagesController messages(session.link());
+    if (const int failed = PrepareSms(session, messages))
         return failed;
     QList<BLSmsListItem> items;
-    if (const int failed = ReadList(session, items))
+    if (const int failed = ReadList(session, messages, items))
         return failed;
     // An ID the list does not hold is the user's slip, refused before the modem is asked to delete.
     if (std::none_of(items.cbegin(), items.cend(),
                      [id](const BLSmsListItem& item) { return item.nRef == id; }))
         return ReportUsage("no message " + std::to_string(id) + " (dialtone sms list shows the IDs)");
-    const QVariantMap response = session.request(MESSAGE_SMS_DELETE, id);
-    if (const int failed = session.check(response, "deleting message " + std::to_string(id)))
+    if (const int failed = Await(session, "deleting message " + std::to_string(id),
+                                 [&](auto done) { messages.remove(id, done); }))
         return failed;
     if (context.json)
-        PrintJson(MapToJson(response));
+        PrintJson({{"deleted", id}});
     else
         std::cout << "Deleted message " << id << '\n';
     return EXIT_OK;
@@ -262,7 +248,7 @@ void PrintEvent(const CliContext& context, const BLSmsListItem& item, const std:
         std::cout
             << VariantToJson(QVariant::fromValue(item)).dump(-1, ' ', false, json::error_handler_t::replace)
             << '\n';
-    } else if (item.nType == 2) {
+    } else if (item.nType == SmsType::kStatusReport) {
         std::cout << "Delivery report from " << TerminalText(NumberForReading(item.strAddress, region))
                   << ": status " << item.nStatusReportStatus << " (message " << item.nRef << ")\n";
     } else {
@@ -277,40 +263,32 @@ void PrintEvent(const CliContext& context, const BLSmsListItem& item, const std:
 // user interrupts. When the worker falls behind a burst it asks for the storage to be listed again; what
 // the list holds that was neither there at the start nor shown since is shown then, once.
 int Watch(const CliContext& context, ModemSession& session) {
-    QString imsi;
-    if (const int failed = PrepareSms(session, imsi))
+    MessagesController messages(session.link());
+    if (const int failed = PrepareSms(session, messages))
         return failed;
     // Reports are only read once the message table is built.
     QList<BLSmsListItem> items;
-    if (const int failed = ReadList(session, items))
+    if (const int failed = ReadList(session, messages, items))
         return failed;
     QSet<QString> shown;
     for (const BLSmsListItem& item : items)
         shown.insert(MessageIdentity(item));
-    const std::string region = RegionOfImsi(imsi);
+    const std::string region = RegionOfImsi(messages.imsi());
     // A part of a longer message shows once the whole message is in.
     const auto show = [&](const BLSmsListItem& item) {
-        if (item.nType != 2 && !item.nCompleted)
+        if (item.nType != SmsType::kStatusReport && !item.nCompleted)
             return;
         if (!shown.contains(MessageIdentity(item)))
             PrintEvent(context, item, region);
         shown.insert(MessageIdentity(item));
     };
-    QObject receiver;
-    NotificationCenter::defaultCenter().addObserver(
-        MESSAGE_RPT_RECEIVE_SMS, &receiver, [&show](const Notification& notification) {
-            const QVariant value = WorkNotification::GetValueObject(notification.userInfo);
-            if (value.metaType() == QMetaType::fromType<BLSmsListItem>())
-                show(value.value<BLSmsListItem>());
-        });
-    NotificationCenter::defaultCenter().addObserver(MESSAGE_RPT_SMS_RELIST, &receiver,
-                                                    [&](const Notification&) {
-                                                        QList<BLSmsListItem> listed;
-                                                        if (ReadList(session, listed) != EXIT_OK)
-                                                            return;
-                                                        for (const BLSmsListItem& item : listed)
-                                                            show(item);
-                                                    });
+    messages.watch();
+    QObject::connect(&messages, &MessagesController::messageReceived, show);
+    QObject::connect(&messages, &MessagesController::statusReportReceived, show);
+    QObject::connect(&messages, &MessagesController::relisted, [&show](const QList<BLSmsListItem>& listed) {
+        for (const BLSmsListItem& item : listed)
+            show(item);
+    });
     std::signal(SIGINT, OnInterrupt);
     std::signal(SIGTERM, OnInterrupt);
     ReportProgress("Waiting for messages; press Ctrl-C to stop");
@@ -324,17 +302,16 @@ int Watch(const CliContext& context, ModemSession& session) {
     });
     poll.start(100);
     loop.exec();
-    NotificationCenter::defaultCenter().removeObserver(&receiver);
     return EXIT_OK;
 }
 
 int Storage(const CliContext& context, ModemSession& session, const std::string& name) {
-    QString imsi;
-    if (const int failed = PrepareSms(session, imsi))
+    MessagesController messages(session.link());
+    if (const int failed = PrepareSms(session, messages))
         return failed;
     const int storage = kStorages.at(name);
-    const QVariantMap response = session.request(MESSAGE_SMS_SET_PREFERRED_STORAGE, storage);
-    if (const int failed = session.check(response, "choosing the storage for new messages"))
+    if (const int failed = Await(session, "choosing the storage for new messages",
+                                 [&](auto done) { messages.setPreferredStorage(storage, done); }))
         return failed;
     SaveSetting("sms/storage", storage);
     if (context.json)
@@ -345,39 +322,46 @@ int Storage(const CliContext& context, ModemSession& session, const std::string&
 }
 
 int State(const CliContext& context, ModemSession& session) {
-    QString imsi;
-    if (const int failed = PrepareSms(session, imsi))
+    MessagesController messages(session.link());
+    if (const int failed = PrepareSms(session, messages))
         return failed;
-    const QVariantMap response = session.request(MESSAGE_SMS_GET_STORAGE_STATE);
-    if (const int failed = session.check(response, "reading the storages"))
+    BLSmsStorageState state;
+    if (const int failed = Await(session, "reading the storages", [&](MessagesController::Done done) {
+            messages.storageState([&state, done](const Outcome& outcome, const BLSmsStorageState& read) {
+                state = read;
+                done(outcome);
+            });
+        }))
         return failed;
-    const QVariant value = WorkNotification::GetValueObject(response);
     if (context.json) {
-        PrintJson(VariantToJson(value));
+        PrintJson(VariantToJson(QVariant::fromValue(state)));
         return EXIT_OK;
     }
-    const auto state = value.value<BLSmsStorageState>();
     std::printf("SIM:    %d of %d used\nModem:  %d of %d used\n", state.nSimUsed, state.nSimTotal,
                 state.nMeUsed, state.nMeTotal);
     return EXIT_OK;
 }
 
 int ServiceCentre(const CliContext& context, ModemSession& session, const std::string& typed) {
-    QString imsi;
-    if (const int failed = PrepareSms(session, imsi))
+    MessagesController messages(session.link());
+    if (const int failed = PrepareSms(session, messages))
         return failed;
     if (!typed.empty()) {
-        const std::optional<std::string> number = DialNumber(typed, RegionOfImsi(imsi));
+        const std::optional<std::string> number = DialNumber(typed, RegionOfImsi(messages.imsi()));
         if (!number)
             return EXIT_USAGE;
-        const QVariantMap response = session.request(MESSAGE_SMS_SET_SC, Q(*number));
-        if (const int failed = session.check(response, "setting the service centre"))
+        if (const int failed = Await(session, "setting the service centre",
+                                     [&](auto done) { messages.setServiceCentre(Q(*number), done); }))
             return failed;
     }
-    const QVariantMap response = session.request(MESSAGE_SMS_GET_SC);
-    if (const int failed = session.check(response, "reading the service centre"))
+    std::string current;
+    if (const int failed = Await(session, "reading the service centre", [&](MessagesController::Done done) {
+            messages.serviceCentre([&current, done](const Outcome& outcome, const QString& number) {
+                current = number.toStdString();
+                done(outcome);
+            });
+        }))
         return failed;
-    const std::string current = WorkNotification::GetValueObject(response).toString().toStdString();
     if (context.json)
         PrintJson({{"strServiceCentre", current}});
     else
@@ -386,12 +370,12 @@ int ServiceCentre(const CliContext& context, ModemSession& session, const std::s
 }
 
 int Validity(const CliContext& context, ModemSession& session, const std::string& code) {
-    QString imsi;
-    if (const int failed = PrepareSms(session, imsi))
+    MessagesController messages(session.link());
+    if (const int failed = PrepareSms(session, messages))
         return failed;
     const BLSmsValidPeriod period = *ParseValidity(code);
-    const QVariantMap response = session.request(MESSAGE_SMS_SET_VALID_PERIOD, QVariant::fromValue(period));
-    if (const int failed = session.check(response, "setting the validity period"))
+    if (const int failed = Await(session, "setting the validity period",
+                                 [&](auto done) { messages.setValidity(period, done); }))
         return failed;
     SaveSetting("sms/validity", Q(code));
     if (context.json)
@@ -453,7 +437,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
             return;
         }
         // Showing the choice needs no modem.
-        const std::string name = StorageName(Settings().value("sms/storage", SMS_STORAGE_MODEM).toInt());
+        const std::string name = StorageName(Settings().value("sms/storage", SmsStorage::kModem).toInt());
         if (context.json)
             PrintJson({{"storage", name}});
         else

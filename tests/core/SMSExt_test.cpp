@@ -7,7 +7,7 @@
 #include <list>
 
 #include "PropertyList.h"
-#include "SMS/SMSExt.h"
+#include "SMSExt.h"
 #include "TempHome.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include "AppConfig.h"
 #include "PropertyList.h"
-#include "SMS/SMSExt.h"
+#include "SMSExt.h"
 #include "SMS/SMSStorage.h"
 #include "StoreFile.h"
 

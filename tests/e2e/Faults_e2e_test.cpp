@@ -9,7 +9,7 @@
 #include "BLRecords.h"
 #include "ComOperation.h"
 #include "GUIThreadAgent.h"
-#include "SMS/SMSExt.h"
+#include "SMSExt.h"
 #include "SmsTypes.h"
 #include "UserDataFolder.h"
 #include "WorkMessageNames.h"
@@ -108,11 +108,7 @@ protected:
     // The SMS screen's start, and the SIM's computer-side inbox as the message tool sets it up.
     void prepareMessages(int preferredStorage) {
         ASSERT_EQ(error(sync(MESSAGE_SMS_INIT)), 0);
-        onWorker([] {
-            TInterfaceAtSublayer* sublayer = WorkThread::GetRequestInterfaceImpObject()->atSublayer();
-            sublayer->SMSSetIMSI(kImsi.toLatin1().constData());
-            SMSExt::registerWith(*sublayer);
-        });
+        ASSERT_EQ(error(sync(MESSAGE_SMS_USE_PC_INBOX, kImsi)), 0);
         ASSERT_EQ(error(sync(MESSAGE_SMS_SET_PREFERRED_STORAGE, preferredStorage)), 0);
         ASSERT_EQ(error(sync(MESSAGE_SMS_GET_LIST)), 0);
     }

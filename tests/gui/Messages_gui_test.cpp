@@ -159,26 +159,6 @@ TEST(MessagesGui, IncomingMessageIsListedAndAnnounced) {
     EXPECT_TRUE(notifier.lastText().startsWith(contact + ": Hello")) << notifier.lastText().toStdString();
 }
 
-// A burst announced at once, as real sticks do: the worker takes one announcement a second, so the tab
-// catches up by listing the storage again, and shows each message once.
-TEST(MessagesGui, BurstIsCaughtUpByListingTheStorageAgain) {
-    GuiWorld world;
-    auto* messages = ReadyMessages(world);
-    ASSERT_TRUE(messages);
-    messages->showFolder(MessagesPlugin::Sim);
-    ASSERT_TRUE(waitForGui([&] { return messages->listedCount() > 0; }, std::chrono::seconds(20)));
-    const int before = messages->listedCount();
-
-    constexpr int kBurst = 24; // the SIM's free places; one a second would take longer than the wait
-    ASSERT_TRUE(world.sim().control("set urc_mode immediate")["ok"].toBool());
-    for (int i = 0; i < kBurst; ++i)
-        ASSERT_TRUE(world.sim().control(QStringLiteral("sms +4915112345678 burst %1").arg(i))["ok"].toBool());
-    ASSERT_TRUE(waitForGui([&] { return messages->listedCount() >= before + kBurst; }, std::chrono::seconds(15)));
-    const QStringList texts = Column(messages, 2);
-    for (int i = 0; i < kBurst; ++i)
-        EXPECT_EQ(texts.count(QStringLiteral("burst %1").arg(i)), 1) << i;
-}
-
 TEST(MessagesGui, DeliveryReportIsShownOnTheSentMessage) {
     GuiWorld world;
     ASSERT_TRUE(world.started());
@@ -228,7 +208,8 @@ TEST(MessagesGui, UnpluggingEmptiesTheModemFoldersAndReplugReadsThemAgain) {
 TEST(MessagesGui, ComposeCounterUsesTheSendPathsCoding) {
     ensureGuiApplication();
     ModemLink link;
-    ComposeDialog compose(link);
+    MessagesController messages(link);
+    ComposeDialog compose(link, messages);
     struct Row {
         QString text;
         const char* counter;

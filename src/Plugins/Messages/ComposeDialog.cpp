@@ -5,20 +5,21 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "BLRecords.h"
 #include "CNSLabels.h"
 #include "FailureText.h"
 #include "MessageText.h"
 #include "ModemLink.h"
 #include "PhoneNumbers.h"
+#include "SMS/MessagesController.h"
 #include "SMS/SmsSegmentCounter.h"
-#include "WorkNotification.h"
 
-ComposeDialog::ComposeDialog(ModemLink& link, QWidget* parent) : QDialog(parent), _link(link) {
+ComposeDialog::ComposeDialog(ModemLink& link, MessagesController& messages, QWidget* parent)
+    : QDialog(parent), _link(link), _messages(messages) {
     setObjectName(QStringLiteral("compose"));
     setWindowTitle(tr("New message"));
     setMinimumSize(420, 320);
@@ -153,22 +154,27 @@ void ComposeDialog::sendNext(QStringList remaining) {
     }
     const QString number = remaining.first();
     const QString body = text();
-    _link.request(
-        MESSAGE_SMS_SEND, QVariant::fromValue(BLSmsSendItem{number, body}),
-        [this, remaining, number, body](const QVariantMap& response) mutable {
-            const int code = WorkNotification::GetErrorCode(response);
-            if (code != WORKER_OK) {
-                setBusy(false);
-                setRecipients(remaining);
-                showError(tr("The message to %1 could not be sent: %2. A copy is in the outbox; the text "
-                             "is still here, press Send to try again.")
-                              .arg(number, ResponseFailureText(response)));
-                emit messageFailed(number, body, code);
-                return;
-            }
-            emit messageSent(number, body);
-            remaining.removeFirst();
-            sendNext(remaining);
-        },
-        this);
+    const QPointer<ComposeDialog> self(this);
+    _messages.send(number, body,
+                   [self, remaining, number, body](const MessagesController::Outcome& outcome) mutable {
+                       if (self)
+                           self->sent(outcome, remaining, number, body);
+                   });
+}
+
+void ComposeDialog::sent(const MessagesController::Outcome& outcome, QStringList remaining,
+                         const QString& number, const QString& body) {
+    if (!outcome.ok()) {
+        setBusy(false);
+        setRecipients(remaining);
+        showError(tr("The message to %1 could not be sent: %2. A copy is in the outbox; the text is still "
+                     "here, press Send to try again.")
+                      .arg(number, QString::fromStdString(
+                                       FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
+        emit messageFailed(number, body, outcome.code);
+        return;
+    }
+    emit messageSent(number, body);
+    remaining.removeFirst();
+    sendNext(remaining);
 }

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "SMS/MessageItem.h"
+#include "SMS/MessagesController.h"
 
 class ModemLink;
 class QLabel;
@@ -22,7 +23,7 @@ class QPushButton;
 class ComposeDialog : public QDialog {
     Q_OBJECT
 public:
-    explicit ComposeDialog(ModemLink& link, QWidget* parent = nullptr);
+    ComposeDialog(ModemLink& link, MessagesController& messages, QWidget* parent = nullptr);
 
     void setRecipients(const QStringList& numbers);
     void setText(const QString& text);
@@ -45,6 +46,8 @@ private:
     void updateCounter();
     void send();
     void sendNext(QStringList remaining);
+    void sent(const MessagesController::Outcome& outcome, QStringList remaining, const QString& number,
+              const QString& body);
     void setBusy(bool busy);
     void showError(const QString& text);
     // The recipients as they are sent, or none when one of them is not a phone number (said under the
@@ -52,6 +55,7 @@ private:
     std::optional<QStringList> dialNumbers();
 
     ModemLink& _link;
+    MessagesController& _messages;
     QLineEdit* _recipients;
     QPlainTextEdit* _text;
     QLabel* _numberError;

@@ -1,6 +1,5 @@
 #include "MessagesPlugin.h"
 
-#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -16,32 +15,14 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
-#include "AtSublayerInterface.h"
-#include "BLRecords.h"
 #include "CNSLabels.h"
 #include "ComposeDialog.h"
 #include "DesktopNotifier.h"
 #include "FailureText.h"
 #include "MessageText.h"
-#include "PhoneNumbers.h"
-#include "RecordList.h"
-#include "SMS/SMSExt.h"
 #include "SMS/SMSStorage.h"
-#include "WorkNotification.h"
-#include "WorkThread.h"
 
 namespace {
-
-// Storage codes of the modem's message list.
-constexpr int kStorageSim = 1;
-constexpr int kStorageModem = 2;
-constexpr int kStoragePc = 4;
-// Read tags of the list: unread, read, unsent, sent.
-constexpr int kTagUnread = 0;
-constexpr int kTagUnsent = 2;
-constexpr int kTagSent = 3;
-// A status report rather than a message.
-constexpr int kTypeStatusReport = 2;
 
 QString localBox(MessagesPlugin::Folder folder) {
     switch (folder) {
@@ -61,11 +42,11 @@ QString localBox(MessagesPlugin::Folder folder) {
 int storageOf(MessagesPlugin::Folder folder) {
     switch (folder) {
     case MessagesPlugin::Sim:
-        return kStorageSim;
+        return SmsStorage::kSim;
     case MessagesPlugin::Modem:
-        return kStorageModem;
+        return SmsStorage::kModem;
     case MessagesPlugin::Computer:
-        return kStoragePc;
+        return SmsStorage::kPc;
     default:
         return 0;
     }
@@ -76,7 +57,7 @@ qint64 readKey(const BLSmsListItem& item) {
 }
 
 bool isOutgoing(const BLSmsListItem& item) {
-    return item.nTag == kTagUnsent || item.nTag == kTagSent;
+    return item.nTag == SmsTag::kUnsent || item.nTag == SmsTag::kSent;
 }
 
 bool sameEntry(const std::variant<BLSmsListItem, MessageItem>& a,
@@ -94,11 +75,16 @@ QString timeText(const QDateTime& time) {
     return time.isValid() ? QLocale().toString(time, QLocale::ShortFormat) : QString();
 }
 
+QString failureText(const MessagesController::Outcome& outcome) {
+    return QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp));
+}
+
 } // namespace
 
-MessagesPlugin::MessagesPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
+MessagesPlugin::MessagesPlugin(ModuleContext& context, QWidget* parent)
+    : ModulePlugin(context, parent), _messages(link()) {
     buildUi();
-    connect(&link(), &ModemLink::reportReceived, this, &MessagesPlugin::onReport);
+    bindController();
     refreshFolders();
     refreshList();
 }
@@ -237,65 +223,51 @@ void MessagesPlugin::buildUi() {
 
 // ---- Loading ----
 
-SMSStorage& MessagesPlugin::store() const {
-    const QString imsi = link().equipment().strImsi;
-    if (!_store || (!imsi.isEmpty() && imsi != _storeImsi)) {
-        _store = std::make_unique<SMSStorage>(imsi);
-        _storeImsi = imsi;
-    }
-    return *_store;
+void MessagesPlugin::bindController() {
+    connect(&_messages, &MessagesController::listed, this, [this] { setBusy(false); });
+    connect(&_messages, &MessagesController::messagesChanged, this, [this] {
+        refreshFolders();
+        refreshList();
+    });
+    connect(&_messages, &MessagesController::contactsChanged, this, &MessagesPlugin::refreshList);
+    connect(&_messages, &MessagesController::followFailed, this,
+            [this](MessagesController::Step step, const MessagesController::Outcome& outcome) {
+                setBusy(false);
+                const QString text =
+                    step == MessagesController::Step::Preparing
+                        ? tr("The modem's messages could not be prepared: %1. Press Reload to try again.")
+                        : tr("The messages could not be read from the modem: %1. Press Reload to try again.");
+                showError(text.arg(failureText(outcome)));
+            });
+    connect(&_messages, &MessagesController::messageReceived, this, [this](const BLSmsListItem& item) {
+        if (!item.nCompleted)
+            return;
+        const QString words = MessageText::firstLine(item.strContent, 40);
+        context().notifier.notify(tr("New message"),
+                                  _messages.who(item.strAddress) + QStringLiteral(": ") + words);
+    });
+    connect(&_messages, &MessagesController::deliveryMatched, this,
+            [this](const BLSmsListItem& report, const MessageItem&, bool saved) {
+                if (!saved)
+                    showError(tr("The delivery report could not be saved with the sent message."));
+                context().notifier.notify(tr("Delivery report"),
+                                          _messages.who(report.strAddress) + QStringLiteral(": ") +
+                                              MessageText::deliveryText(report.nStatusReportStatus));
+                refreshList();
+            });
 }
 
 void MessagesPlugin::modemReady() {
-    _store.reset(); // the SIM may be another one
-    loadModemMessages();
-    loadContacts();
+    setBusy(true);
+    showError({});
+    _messages.follow();
     refreshFolders();
     refreshList();
 }
 
 void MessagesPlugin::modemGone() {
-    ++_generation;
-    _modemItems.clear();
-    _contacts.clear();
-    _readHere.clear();
-    _modemLoaded = false;
+    _messages.stop();
     setBusy(false);
-    refreshFolders();
-    refreshList();
-}
-
-void MessagesPlugin::loadContacts() {
-    const int generation = _generation;
-    link().request(
-        MESSAGE_PB_INIT_LIST, {},
-        [this, generation](const QVariantMap& response) {
-            if (generation != _generation || WorkNotification::GetErrorCode(response) != WORKER_OK)
-                return;
-            _contacts = RecordList<BLPbItem>(WorkNotification::GetValueObject(response));
-            refreshList();
-        },
-        this);
-}
-
-bool MessagesPlugin::sameNumber(const QString& a, const QString& b) const {
-    return PhoneNumbers::SameNumber(a.toStdString(), b.toStdString(), link().homeRegion().toStdString());
-}
-
-QString MessagesPlugin::who(const QString& number) const {
-    for (const BLPbItem& contact : _contacts) {
-        if (!contact.strName.isEmpty() && sameNumber(contact.strNumber, number))
-            return contact.strName;
-    }
-    return QString::fromStdString(
-        PhoneNumbers::ForReading(number.toStdString(), link().homeRegion().toStdString()));
-}
-
-QString MessagesPlugin::who(const QStringList& numbers) const {
-    QStringList names;
-    for (const QString& number : numbers)
-        names << who(number);
-    return names.join(QStringLiteral("; "));
 }
 
 void MessagesPlugin::setBusy(bool busy) {
@@ -309,160 +281,23 @@ void MessagesPlugin::showError(const QString& text) {
 }
 
 void MessagesPlugin::loadModemMessages() {
-    const int generation = ++_generation;
     setBusy(true);
     showError({});
-    // The modem readies its message settings, then the SIM's computer-side inbox is registered (so that
-    // messages moved out of the modem memory are kept), then the message table is built; new-message
-    // reports are only read once the table exists.
-    link().request(
-        MESSAGE_SMS_INIT, {},
-        [this, generation](const QVariantMap& response) {
-            if (generation != _generation)
-                return;
-            if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
-                setBusy(false);
-                showError(tr("The modem's messages could not be prepared: %1. Press Reload to try again.")
-                              .arg(ResponseFailureText(response)));
-                return;
-            }
-            const QByteArray imsi = link().equipment().strImsi.toLatin1();
-            WorkThread* worker = WorkThread::GetRequestInterfaceImpObject();
-            const QPointer<MessagesPlugin> self(this);
-            const auto listNext = [self, generation] {
-                if (!self || generation != self->_generation)
-                    return;
-                self->link().request(
-                    MESSAGE_SMS_GET_LIST, {},
-                    [self, generation](const QVariantMap& list) {
-                        if (self)
-                            self->onMessagesListed(list, generation);
-                    },
-                    self);
-            };
-            if (!worker || imsi.isEmpty()) {
-                listNext();
-                return;
-            }
-            // The sublayer belongs to the worker's thread; the list is asked for once it is registered.
-            QMetaObject::invokeMethod(
-                worker,
-                [worker, imsi, listNext] {
-                    if (TInterfaceAtSublayer* sublayer = worker->atSublayer()) {
-                        sublayer->SMSSetIMSI(imsi.constData());
-                        SMSExt::registerWith(*sublayer);
-                    }
-                    // Back on the GUI thread, where listNext checks that the view is still there.
-                    QMetaObject::invokeMethod(QCoreApplication::instance(), listNext, Qt::QueuedConnection);
-                },
-                Qt::QueuedConnection);
-        },
-        this);
-}
-
-void MessagesPlugin::onMessagesListed(const QVariantMap& response, int generation) {
-    if (generation != _generation)
-        return;
-    setBusy(false);
-    if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
-        showError(tr("The messages could not be read from the modem: %1. Press Reload to try again.")
-                      .arg(ResponseFailureText(response)));
-        return;
-    }
-    _modemItems.clear();
-    for (const QVariant& value : WorkNotification::GetValueObject(response).toList()) {
-        if (value.metaType() != QMetaType::fromType<BLSmsListItem>())
-            continue;
-        const auto item = value.value<BLSmsListItem>();
-        if (item.nType != kTypeStatusReport)
-            _modemItems.append(item);
-    }
-    _modemLoaded = true;
-    refreshFolders();
-    refreshList();
-}
-
-void MessagesPlugin::relistModemMessages() {
-    if (!_modemLoaded)
-        return;
-    const int generation = _generation;
-    link().request(
-        MESSAGE_SMS_GET_LIST, {},
-        [this, generation](const QVariantMap& list) { onMessagesListed(list, generation); }, this);
-}
-
-void MessagesPlugin::onReport(const QString& name, const QVariantMap& data) {
-    if (name == MESSAGE_RPT_SMS_RELIST) {
-        relistModemMessages();
-        return;
-    }
-    if (name != MESSAGE_RPT_RECEIVE_SMS)
-        return;
-    const QVariant value = WorkNotification::GetValueObject(data);
-    if (value.metaType() != QMetaType::fromType<BLSmsListItem>())
-        return;
-    const auto item = value.value<BLSmsListItem>();
-    if (item.nType == kTypeStatusReport) {
-        applyDeliveryReport(item);
-        return;
-    }
-    // The parts of a long message arrive one by one; each report carries what is in so far.
-    bool known = false;
-    for (BLSmsListItem& held : _modemItems) {
-        if (held.nStoreIn == item.nStoreIn && held.nRef == item.nRef) {
-            held = item;
-            known = true;
-        }
-    }
-    if (!known)
-        _modemItems.append(item);
-    refreshFolders();
-    refreshList();
-    if (item.nCompleted) {
-        const QString words = MessageText::firstLine(item.strContent, 40);
-        context().notifier.notify(tr("New message"), who(item.strAddress) + QStringLiteral(": ") + words);
-    }
-}
-
-void MessagesPlugin::applyDeliveryReport(const BLSmsListItem& report) {
-    // The report names the recipient; it answers the latest message to that number still waiting for one.
-    QList<MessageItem> sent = store().getSendBoxList();
-    for (auto it = sent.rbegin(); it != sent.rend(); ++it) {
-        QVariantMap& dictionary = it->getMessageDictionary();
-        if (dictionary.contains(kDeliveryStatusKey) || !sameNumber(it->getFristNumber(), report.strAddress))
-            continue;
-        dictionary.insert(kDeliveryStatusKey, report.nStatusReportStatus);
-        dictionary.insert(kDeliveryTimeKey,
-                          report.dateTime.isValid() ? report.dateTime : QDateTime::currentDateTime());
-        if (store().saveMessageData() != SMSStorage::kOK)
-            showError(tr("The delivery report could not be saved with the sent message."));
-        context().notifier.notify(tr("Delivery report"),
-                                  who(report.strAddress) + QStringLiteral(": ") +
-                                      MessageText::deliveryText(report.nStatusReportStatus));
-        refreshList();
-        return;
-    }
+    _messages.reload();
 }
 
 // ---- Showing ----
 
-bool MessagesPlugin::isUnread(const BLSmsListItem& item) const {
-    return item.nTag == kTagUnread && !_readHere.contains(readKey(item));
-}
-
 QList<MessagesPlugin::Entry> MessagesPlugin::entriesOf(Folder folder) const {
     QList<Entry> entries;
     if (const int storage = storageOf(folder)) {
-        for (const BLSmsListItem& item : _modemItems) {
+        for (const BLSmsListItem& item : _messages.messages()) {
             if (item.nStoreIn == storage)
                 entries.append(item);
         }
         return entries;
     }
-    if (!_store && link().equipment().strImsi.isEmpty())
-        return entries;
-    for (const MessageItem& item :
-         store().getMessageListByBoxType(localBox(folder)).value_or(QList<MessageItem>()))
+    for (const MessageItem& item : _messages.box(localBox(folder)))
         entries.append(item);
     return entries;
 }
@@ -474,13 +309,13 @@ void MessagesPlugin::refreshFolders() {
         const QList<Entry> entries = entriesOf(static_cast<Folder>(folder));
         int unread = 0;
         for (const Entry& entry : entries) {
-            if (const auto* item = std::get_if<BLSmsListItem>(&entry); item && isUnread(*item))
+            if (const auto* item = std::get_if<BLSmsListItem>(&entry); item && _messages.isUnread(*item))
                 ++unread;
         }
         QListWidgetItem* row = _folders->item(folder);
         const bool modemFolder = storageOf(static_cast<Folder>(folder)) != 0;
         QString text = names[folder];
-        if (!modemFolder || _modemLoaded)
+        if (!modemFolder || _messages.loaded())
             text += unread > 0 ? QStringLiteral(" (%1/%2)").arg(unread).arg(entries.size())
                                : QStringLiteral(" (%1)").arg(entries.size());
         row->setText(text);
@@ -523,24 +358,25 @@ void MessagesPlugin::refreshList() {
         QString text;
         bool bold = false;
         if (const auto* item = std::get_if<BLSmsListItem>(&_listed[row])) {
-            who = this->who(item->strAddress);
+            who = _messages.who(item->strAddress);
             time = item->dateTime;
             text = item->strContent;
-            bold = isUnread(*item);
-            if (item->nTag == kTagUnsent)
+            bold = _messages.isUnread(*item);
+            if (item->nTag == SmsTag::kUnsent)
                 status = tr("Not sent");
-            else if (item->nTag == kTagSent)
+            else if (item->nTag == SmsTag::kSent)
                 status = tr("Sent");
             if (!item->nCompleted)
                 status = tr("Incomplete (parts missing)");
         } else {
             const MessageItem& local = std::get<MessageItem>(_listed[row]);
-            who = this->who(local.getNumbers());
+            who = _messages.who(local.getNumbers());
             time = local.getCreateTime();
             text = local.getContent();
             const QVariantMap& dictionary = local.getMessageDictionary();
-            if (dictionary.contains(kDeliveryStatusKey))
-                status = MessageText::deliveryText(dictionary.value(kDeliveryStatusKey).toInt());
+            if (dictionary.contains(MessagesController::kDeliveryStatusKey))
+                status = MessageText::deliveryText(
+                    dictionary.value(MessagesController::kDeliveryStatusKey).toInt());
         }
         QList<QStandardItem*> cells{new QStandardItem(who), new QStandardItem(timeText(time)),
                                     new QStandardItem(MessageText::firstLine(text)),
@@ -561,7 +397,7 @@ void MessagesPlugin::refreshList() {
     header->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     header->setSectionResizeMode(2, QHeaderView::Stretch);
     header->setSectionResizeMode(3, QHeaderView::ResizeToContents);
-    const bool modemAway = incoming && !_modemLoaded;
+    const bool modemAway = incoming && !_messages.loaded();
     if (!modemAway)
         _empty->setText(tr("No messages"));
     else if (link().state() == ModemLink::State::Ready)
@@ -601,13 +437,13 @@ void MessagesPlugin::showSelected() {
     }
     if (const auto* item = std::get_if<BLSmsListItem>(&*entry)) {
         const QString who = isOutgoing(*item) ? tr("To: %1") : tr("From: %1");
-        _readerHeader->setText(who.arg(this->who(item->strAddress)) + QStringLiteral("\n") +
+        _readerHeader->setText(who.arg(_messages.who(item->strAddress)) + QStringLiteral("\n") +
                                timeText(item->dateTime));
         _reader->setPlainText(item->nCompleted ? item->strContent
                                                : item->strContent + QStringLiteral("\n\n") +
                                                      tr("(Some parts of this message have not arrived.)"));
-        if (isUnread(*item)) {
-            _readHere.insert(readKey(*item));
+        if (_messages.isUnread(*item)) {
+            _messages.markRead(*item);
             const QModelIndex current = _list->currentIndex();
             for (int column = 0; column < _model->columnCount(); ++column) {
                 if (QStandardItem* cell = _model->item(current.row(), column)) {
@@ -620,14 +456,15 @@ void MessagesPlugin::showSelected() {
         }
     } else {
         const MessageItem& local = std::get<MessageItem>(*entry);
-        QString header = tr("To: %1").arg(who(local.getNumbers())) + QStringLiteral("\n") +
+        QString header = tr("To: %1").arg(_messages.who(local.getNumbers())) + QStringLiteral("\n") +
                          timeText(local.getCreateTime());
         const QVariantMap& dictionary = local.getMessageDictionary();
-        if (dictionary.contains(kDeliveryStatusKey)) {
+        if (dictionary.contains(MessagesController::kDeliveryStatusKey)) {
             header += QStringLiteral("\n") +
                       tr("Delivery report: %1 (%2)")
-                          .arg(MessageText::deliveryText(dictionary.value(kDeliveryStatusKey).toInt()),
-                               timeText(dictionary.value(kDeliveryTimeKey).toDateTime()));
+                          .arg(MessageText::deliveryText(
+                                   dictionary.value(MessagesController::kDeliveryStatusKey).toInt()),
+                               timeText(dictionary.value(MessagesController::kDeliveryTimeKey).toDateTime()));
         }
         _readerHeader->setText(header);
         _reader->setPlainText(local.getContent());
@@ -655,7 +492,7 @@ void MessagesPlugin::updateActions() {
 
 ComposeDialog* MessagesPlugin::openCompose(const QStringList& numbers, const QString& text,
                                            const std::optional<MessageItem>& origin) {
-    auto* dialog = new ComposeDialog(link(), this);
+    auto* dialog = new ComposeDialog(link(), _messages, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setRecipients(numbers);
     dialog->setText(text);
@@ -673,7 +510,7 @@ ComposeDialog* MessagesPlugin::openCompose(const QStringList& numbers, const QSt
                     return;
                 MessageItem item = MessageItem::createMessageItem({number}, body, QString(), QString(),
                                                                   QDateTime(), 0, SMS_BOX_OUTBOX);
-                if (saveReplacing(item, origin) != SMSStorage::kOK)
+                if (_messages.keep(item, origin) != SMSStorage::kOK)
                     showError(tr("The unsent message could not be kept in the outbox; copy its text."));
                 dialog->setOrigin(item);
                 refreshFolders();
@@ -690,19 +527,11 @@ ComposeDialog* MessagesPlugin::openCompose(const QStringList& numbers, const QSt
 
 void MessagesPlugin::keepLocal(const QStringList& numbers, const QString& text, const QString& box,
                                const std::optional<MessageItem>& origin) {
-    const MessageItem item =
-        MessageItem::createMessageItem(numbers, text, QString(), QString(), QDateTime(), 0, box);
-    if (saveReplacing(item, origin) != SMSStorage::kOK)
+    if (_messages.keep(numbers, text, box, origin) != SMSStorage::kOK)
         showError(tr("The message could not be written to the message store in your home folder. Check "
                      "that the disk is not full."));
     refreshFolders();
     refreshList();
-}
-
-int MessagesPlugin::saveReplacing(const MessageItem& item, const std::optional<MessageItem>& origin) {
-    const int result = origin ? store().replaceMessageItem(*origin, item) : SMSStorage::kNoSuchMessage;
-    // An origin another program removed meanwhile is no reason to lose the text.
-    return result == SMSStorage::kNoSuchMessage ? store().saveMessageItem(item) : result;
 }
 
 void MessagesPlugin::composeTo(const QString& number, const QString& name) {
@@ -749,35 +578,26 @@ void MessagesPlugin::removeSelected() {
                               QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
         return;
     if (const auto* item = std::get_if<MessageItem>(&*entry)) {
-        if (store().deletMessageItem(*item) != SMSStorage::kOK)
+        if (_messages.removeKept(*item) != SMSStorage::kOK)
             showError(tr("The message store could not be written; the message is still there."));
         refreshFolders();
         refreshList();
         return;
     }
-    deleteFromModem(std::get<BLSmsListItem>(*entry), tr("The message could not be deleted: %1."));
+    setBusy(true);
+    _messages.remove(std::get<BLSmsListItem>(*entry).nRef,
+                     [this](const MessagesController::Outcome& outcome) {
+                         deletedFromModem(outcome, tr("The message could not be deleted: %1."));
+                     });
 }
 
-void MessagesPlugin::deleteFromModem(const BLSmsListItem& item, const QString& failureText) {
-    setBusy(true);
-    const int generation = _generation;
-    link().request(
-        MESSAGE_SMS_DELETE, item.nRef,
-        [this, item, failureText, generation](const QVariantMap& response) {
-            setBusy(false);
-            if (generation != _generation)
-                return;
-            if (const int code = WorkNotification::GetErrorCode(response); code != WORKER_OK) {
-                showError(failureText.arg(ResponseFailureText(response)));
-            } else {
-                _modemItems.removeIf([&item](const BLSmsListItem& held) {
-                    return held.nStoreIn == item.nStoreIn && held.nRef == item.nRef;
-                });
-            }
-            refreshFolders();
-            refreshList();
-        },
-        this);
+void MessagesPlugin::deletedFromModem(const MessagesController::Outcome& outcome,
+                                      const QString& failureText) {
+    setBusy(false);
+    if (!outcome.ok())
+        showError(failureText.arg(::failureText(outcome)));
+    refreshFolders();
+    refreshList();
 }
 
 void MessagesPlugin::archiveSelected() {
@@ -785,15 +605,16 @@ void MessagesPlugin::archiveSelected() {
     const auto* found = entry ? std::get_if<BLSmsListItem>(&*entry) : nullptr;
     if (!found)
         return;
-    const BLSmsListItem item = *found;
-    // The copy is kept first; the modem's message goes only once the copy is safe.
-    const MessageItem copy = MessageItem::createMessageItem({item.strAddress}, item.strContent, QString(),
-                                                            QString(), item.dateTime, 0, SMS_BOX_ACHIVE);
-    if (store().saveMessageItem(copy) != SMSStorage::kOK) {
-        showError(tr("The archive could not be written; the message stays on the modem."));
-        return;
-    }
-    deleteFromModem(item, tr("The message was archived but could not be removed from the modem: %1."));
+    setBusy(true);
+    _messages.archive(*found, [this](const MessagesController::Outcome& outcome) {
+        if (outcome.code == MessagesController::kStoreFailed) {
+            setBusy(false);
+            showError(tr("The archive could not be written; the message stays on the modem."));
+            return;
+        }
+        deletedFromModem(outcome,
+                         tr("The message was archived but could not be removed from the modem: %1."));
+    });
 }
 
 void MessagesPlugin::moveSelected(const QString& box) {
@@ -806,7 +627,7 @@ void MessagesPlugin::moveSelected(const QString& box) {
         return;
     }
     const MessageItem& item = std::get<MessageItem>(*entry);
-    if (const int result = store().moveMessageItem(item, box); result == SMSStorage::kNoSuchMessage)
+    if (const int result = _messages.moveKept(item, box); result == SMSStorage::kNoSuchMessage)
         showError(tr("The message was changed by another program meanwhile; see the list again."));
     else if (result != SMSStorage::kOK)
         showError(tr("The message store could not be written; check the disk and try again."));

@@ -2,17 +2,14 @@
 
 #include <QList>
 #include <QPointer>
-#include <QSet>
-#include <QVariantMap>
 
-#include <memory>
 #include <optional>
 #include <variant>
 
-#include "BLRecords.h"
 #include "ComposeDialog.h"
 #include "ModulePlugin.h"
 #include "SMS/MessageItem.h"
+#include "SMS/MessagesController.h"
 
 class QLabel;
 class QListWidget;
@@ -22,7 +19,6 @@ class QPushButton;
 class QStandardItemModel;
 class QToolButton;
 class QTreeView;
-class SMSStorage;
 
 // The Messages tab: the messages on the SIM, in the modem and in the computer-side inbox (as the modem
 // lists them), and the outbox, sent box, drafts and archive kept on the computer for the SIM. New
@@ -33,10 +29,6 @@ class MessagesPlugin : public ModulePlugin {
 public:
     // The folders, in the order of the folder list.
     enum Folder { Sim, Modem, Computer, Outbox, Sent, Drafts, Archive, FolderCount };
-
-    // A delivery report's status and time, kept in the sent message's dictionary.
-    static inline const QString kDeliveryStatusKey = QStringLiteral("DELIVERY_STATUS");
-    static inline const QString kDeliveryTimeKey = QStringLiteral("DELIVERY_TIME");
 
     explicit MessagesPlugin(ModuleContext& context, QWidget* parent = nullptr);
     ~MessagesPlugin() override;
@@ -61,12 +53,8 @@ private:
     using Entry = std::variant<BLSmsListItem, MessageItem>;
 
     void buildUi();
+    void bindController();
     void loadModemMessages();
-    void onMessagesListed(const QVariantMap& response, int generation);
-    // The worker fell behind a burst of new messages: the table it lists now holds them all.
-    void relistModemMessages();
-    void onReport(const QString& name, const QVariantMap& data);
-    void applyDeliveryReport(const BLSmsListItem& report);
     void refreshFolders();
     void refreshList();
     void showSelected();
@@ -76,8 +64,6 @@ private:
 
     QList<Entry> entriesOf(Folder folder) const;
     std::optional<Entry> selectedEntry() const;
-    bool isUnread(const BLSmsListItem& item) const;
-    SMSStorage& store() const;
 
     ComposeDialog* openCompose(const QStringList& numbers, const QString& text,
                                const std::optional<MessageItem>& origin = std::nullopt);
@@ -85,29 +71,17 @@ private:
     // is replaced in the same write.
     void keepLocal(const QStringList& numbers, const QString& text, const QString& box,
                    const std::optional<MessageItem>& origin = std::nullopt);
-    int saveReplacing(const MessageItem& item, const std::optional<MessageItem>& origin);
     void reply();
     void forward();
     void removeSelected();
     void archiveSelected();
-    // Deletes the message on the SIM or modem; failureText gets the reason as %1.
-    void deleteFromModem(const BLSmsListItem& item, const QString& failureText);
+    // The answer of a delete on the SIM or modem; failureText gets the reason as %1.
+    void deletedFromModem(const MessagesController::Outcome& outcome, const QString& failureText);
     void moveSelected(const QString& box);
     void openSelected();
-    void loadContacts();
-    bool sameNumber(const QString& a, const QString& b) const;
-    // The contact's name when a phonebook entry has the number, else the number as people read it.
-    QString who(const QString& number) const;
-    QString who(const QStringList& numbers) const;
 
+    MessagesController _messages;
     Folder _folder = Sim;
-    QList<BLSmsListItem> _modemItems;
-    QList<BLPbItem> _contacts;                  // the SIM's and the modem's phonebooks, for names in the list
-    QSet<qint64> _readHere;                     // modem messages opened in this session (storage << 32 | ref)
-    mutable std::unique_ptr<SMSStorage> _store; // the SIM's boxes, opened on first use
-    mutable QString _storeImsi;
-    int _generation = 0;
-    bool _modemLoaded = false;
     QList<Entry> _listed;
     QPointer<ComposeDialog> _compose;
 

@@ -15,16 +15,10 @@
 #include "CNSLabels.h"
 #include "ConvertUtilty.h"
 #include "FailureText.h"
-#include "ModemLink.h"
 #include "UserDefaults.h"
-#include "WorkMessageNames.h"
 #include "WorkNotification.h"
 
 namespace {
-
-// Storage codes of the message requests.
-constexpr int kStorageSim = 1;
-constexpr int kStorageModem = 2;
 
 struct Validity {
     const char* code;
@@ -44,11 +38,12 @@ constexpr Validity kValidities[] = {
     {"max", QT_TRANSLATE_NOOP("SmsSettingsPage", "As long as possible"), 255, 0, 0},
 };
 
-QString FailedText(const QString& what, const QVariantMap& response) {
-    const int code = WorkNotification::GetErrorCode(response);
-    if (code == WORKER_ERR_NO_DATA_DEVICE)
+QString FailedText(const QString& what, const MessagesController::Outcome& outcome) {
+    if (outcome.code == WORKER_ERR_NO_DATA_DEVICE)
         return SmsSettingsPage::tr("%1: the modem was unplugged.").arg(what);
-    return SmsSettingsPage::tr("%1 failed: %2 (code %3).").arg(what, ResponseFailureText(response)).arg(code);
+    const QString reason =
+        QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp));
+    return SmsSettingsPage::tr("%1 failed: %2 (code %3).").arg(what, reason).arg(outcome.code);
 }
 
 } // namespace
@@ -66,7 +61,7 @@ std::optional<BLSmsValidPeriod> SmsSettingsPage::validityPeriod(const QString& c
     return std::nullopt;
 }
 
-SmsSettingsPage::SmsSettingsPage(ModemLink& link, QWidget* parent) : QWidget(parent), _link(link) {
+SmsSettingsPage::SmsSettingsPage(ModemLink& link, QWidget* parent) : QWidget(parent), _messages(link) {
     auto* layout = new QVBoxLayout(this);
 
     auto* centreBox = new QGroupBox(tr("Service centre"));
@@ -96,8 +91,8 @@ SmsSettingsPage::SmsSettingsPage(ModemLink& link, QWidget* parent) : QWidget(par
     form->addRow(QString(), _reports);
     _storage = new QComboBox;
     _storage->setObjectName(QStringLiteral("storage"));
-    _storage->addItem(tr("SIM card"), kStorageSim);
-    _storage->addItem(tr("Modem memory"), kStorageModem);
+    _storage->addItem(tr("SIM card"), SmsStorage::kSim);
+    _storage->addItem(tr("Modem memory"), SmsStorage::kModem);
     form->addRow(tr("Keep new messages on:"), _storage);
     _apply = new QPushButton(tr("Apply"));
     _apply->setObjectName(QStringLiteral("applySms"));
@@ -117,7 +112,7 @@ SmsSettingsPage::SmsSettingsPage(ModemLink& link, QWidget* parent) : QWidget(par
     _validity->setCurrentIndex(validity >= 0 ? validity : _validity->findData(QStringLiteral("max")));
     _reports->setChecked(ConvertUtilty::NSStringBOOLToBOOL(
         UserDefaults::value(kReportKey, QStringLiteral("FALSE")).toString()));
-    const int storage = _storage->findData(UserDefaults::value(kStorageKey, kStorageModem).toInt());
+    const int storage = _storage->findData(UserDefaults::value(kStorageKey, SmsStorage::kModem).toInt());
     _storage->setCurrentIndex(qMax(0, storage));
 
     connect(_setCentre, &QPushButton::clicked, this, &SmsSettingsPage::setServiceCentre);
@@ -145,18 +140,14 @@ void SmsSettingsPage::modemGone() {
 }
 
 void SmsSettingsPage::readServiceCentre() {
-    _link.request(
-        MESSAGE_SMS_GET_SC, {},
-        [this](const QVariantMap& response) {
-            if (!_ready)
-                return;
-            const int code = WorkNotification::GetErrorCode(response);
-            if (code == WORKER_OK)
-                _centre->setText(WorkNotification::GetValueObject(response).toString().left(21));
-            else
-                setStatus(FailedText(tr("Reading the service centre"), response), true);
-        },
-        this);
+    _messages.serviceCentre([this](const MessagesController::Outcome& outcome, const QString& number) {
+        if (!_ready)
+            return;
+        if (outcome.ok())
+            _centre->setText(number.left(21));
+        else
+            setStatus(FailedText(tr("Reading the service centre"), outcome), true);
+    });
 }
 
 void SmsSettingsPage::setServiceCentre() {
@@ -168,20 +159,16 @@ void SmsSettingsPage::setServiceCentre() {
     ++_pending;
     _setCentre->setText(tr("Saving…"));
     updateButtons();
-    _link.request(
-        MESSAGE_SMS_SET_SC, number,
-        [this](const QVariantMap& response) {
-            _pending = qMax(0, _pending - 1);
-            _setCentre->setText(tr("Save on SIM"));
-            const int code = WorkNotification::GetErrorCode(response);
-            if (code == WORKER_OK)
-                setStatus(tr("The service centre number was saved on the SIM."), false);
-            else
-                setStatus(FailedText(tr("Saving the service centre"), response), true);
-            readServiceCentre();
-            updateButtons();
-        },
-        this);
+    _messages.setServiceCentre(number, [this](const MessagesController::Outcome& outcome) {
+        _pending = qMax(0, _pending - 1);
+        _setCentre->setText(tr("Save on SIM"));
+        if (outcome.ok())
+            setStatus(tr("The service centre number was saved on the SIM."), false);
+        else
+            setStatus(FailedText(tr("Saving the service centre"), outcome), true);
+        readServiceCentre();
+        updateButtons();
+    });
 }
 
 // Sends validity, delivery reports and storage to the modem; with fromUser the choices are stored first.
@@ -202,42 +189,29 @@ void SmsSettingsPage::applyStored(bool fromUser) {
             return;
         }
     }
-    struct Step {
-        QString name;
-        QVariant argument;
-        QString what;
-    };
-    const QList<Step> steps = {
-        {MESSAGE_SMS_SET_VALID_PERIOD, QVariant::fromValue(*validityPeriod(validity)),
-         tr("Setting the validity")},
-        {MESSAGE_SMS_SET_STATUS_REPORT, ConvertUtilty::BOOLToNSStringBOOL(reports),
-         tr("Switching delivery reports")},
-        {MESSAGE_SMS_SET_PREFERRED_STORAGE, storage, tr("Choosing the storage")},
+    const auto answered = [this, fromUser](const QString& what) {
+        return [this, fromUser, what](const MessagesController::Outcome& outcome) {
+            _pending = qMax(0, _pending - 1);
+            if (!outcome.ok())
+                _failures +=
+                    (_failures.isEmpty() ? QString() : QStringLiteral(" ")) + FailedText(what, outcome);
+            if (_pending == 0) {
+                _apply->setText(tr("Apply"));
+                if (!_failures.isEmpty())
+                    setStatus(_failures, true);
+                else if (fromUser)
+                    setStatus(tr("Message settings applied."), false);
+                updateButtons();
+            }
+        };
     };
     _failures.clear();
-    _pending += static_cast<int>(steps.size());
+    _pending += 3;
     _apply->setText(tr("Applying…"));
     updateButtons();
-    for (const Step& step : steps) {
-        _link.request(
-            step.name, step.argument,
-            [this, what = step.what, fromUser](const QVariantMap& response) {
-                _pending = qMax(0, _pending - 1);
-                const int code = WorkNotification::GetErrorCode(response);
-                if (code != WORKER_OK)
-                    _failures +=
-                        (_failures.isEmpty() ? QString() : QStringLiteral(" ")) + FailedText(what, response);
-                if (_pending == 0) {
-                    _apply->setText(tr("Apply"));
-                    if (!_failures.isEmpty())
-                        setStatus(_failures, true);
-                    else if (fromUser)
-                        setStatus(tr("Message settings applied."), false);
-                    updateButtons();
-                }
-            },
-            this);
-    }
+    _messages.setValidity(*validityPeriod(validity), answered(tr("Setting the validity")));
+    _messages.setStatusReport(reports, answered(tr("Switching delivery reports")));
+    _messages.setPreferredStorage(storage, answered(tr("Choosing the storage")));
 }
 
 void SmsSettingsPage::setStatus(const QString& text, bool error) {

@@ -5,6 +5,7 @@
 
 #include <optional>
 
+#include "SMS/MessagesController.h"
 #include "SmsRecords.h"
 
 class ModemLink;
@@ -40,7 +41,7 @@ private:
     void setStatus(const QString& text, bool error);
     void updateButtons();
 
-    ModemLink& _link;
+    MessagesController _messages;
     QLineEdit* _centre = nullptr;
     QPushButton* _setCentre = nullptr;
     QComboBox* _validity = nullptr;

@@ -1,4 +1,4 @@
-#include "SMS/SMSExt.h"
+#include "SMSExt.h"
 
 #include <QSet>
 #include <QVariantMap>

@@ -1,0 +1,189 @@
+#include "../core/TempHome.h"
+#include "E2ESupport.h"
+
+#include "ModemLink.h"
+#include "SMS/MessagesController.h"
+#include "SMS/SMSStorage.h"
+#include "WorkMessageNames.h"
+#include "WorkNotification.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+using namespace std::chrono_literals;
+using Outcome = MessagesController::Outcome;
+
+namespace {
+
+// The controller on a link to the simulated modem: opened as the tool opens it, or started and followed
+// as the desktop app does.
+class MessagesControllerTest : public ::testing::Test {
+protected:
+    void open() {
+        ASSERT_TRUE(_sim.started());
+        _link = std::make_unique<ModemLink>();
+        ASSERT_EQ(_link->open(30000), 0);
+        _messages = std::make_unique<MessagesController>(*_link);
+    }
+    void follow() {
+        ASSERT_TRUE(_sim.started());
+        _link = std::make_unique<ModemLink>();
+        _link->start();
+        ASSERT_TRUE(waitUntil([this] { return _link->state() == ModemLink::State::Ready; }, 30s));
+        _messages = std::make_unique<MessagesController>(*_link);
+        _messages->follow();
+        ASSERT_TRUE(waitUntil([this] { return _messages->loaded(); }, 30s));
+    }
+    void TearDown() override {
+        _messages.reset();
+        _link.reset();
+    }
+
+    // One step, waited for.
+    Outcome run(const std::function<void(MessagesController::Done)>& step) {
+        std::optional<Outcome> outcome;
+        step([&outcome](const Outcome& answer) { outcome = answer; });
+        EXPECT_TRUE(waitUntil([&outcome] { return outcome.has_value(); }, 60s));
+        return outcome.value_or(Outcome{-1, 0});
+    }
+    QList<BLSmsListItem> listed() {
+        QList<BLSmsListItem> items;
+        EXPECT_TRUE(run([&](auto done) {
+                        _messages->list(
+                            [&items, done](const Outcome& outcome, const QList<BLSmsListItem>& all) {
+                                items = all;
+                                done(outcome);
+                            });
+                    }).ok());
+        return items;
+    }
+    static bool holds(const QList<BLSmsListItem>& items, const QString& text) {
+        return std::any_of(items.begin(), items.end(),
+                           [&text](const BLSmsListItem& item) { return item.strContent == text; });
+    }
+    QJsonArray sentParts() const {
+        return _sim.control("dump").value("sms").toObject().value("sent").toArray();
+    }
+
+    TempHome _home;
+    SimulatedModem _sim;
+    std::unique_ptr<ModemLink> _link;
+    std::unique_ptr<MessagesController> _messages;
+};
+
+} // namespace
+
+TEST_F(MessagesControllerTest, ToolStepsListSendDeleteAndArchive) {
+    open();
+    ASSERT_TRUE(run([&](auto done) { _messages->initialise(done); }).ok());
+    ASSERT_TRUE(run([&](auto done) { _messages->identify(done); }).ok());
+    EXPECT_FALSE(_messages->imsi().isEmpty());
+    ASSERT_TRUE(run([&](auto done) { _messages->useComputerInbox(done); }).ok());
+    const QList<BLSmsListItem> before = listed();
+    ASSERT_GE(before.size(), 2);
+
+    ASSERT_TRUE(run([&](auto done) { _messages->send("+491701234567", "Hello there", done); }).ok());
+    ASSERT_EQ(sentParts().size(), 1);
+    EXPECT_EQ(sentParts()[0].toObject().value("text").toString(), "Hello there");
+
+    const BLSmsListItem removed = before[0];
+    const BLSmsListItem archived = before[1];
+    ASSERT_TRUE(run([&](auto done) { _messages->remove(removed.nRef, done); }).ok());
+    ASSERT_TRUE(run([&](auto done) { _messages->archive(archived, done); }).ok());
+    const QList<BLSmsListItem> after = listed();
+    EXPECT_EQ(after.size(), before.size() - 2);
+    EXPECT_FALSE(holds(after, archived.strContent));
+    const QList<MessageItem> archive = _messages->box(SMS_BOX_ACHIVE);
+    ASSERT_EQ(archive.size(), 1);
+    EXPECT_EQ(archive[0].getContent(), archived.strContent);
+    EXPECT_EQ(archive[0].getCreateTime(), archived.dateTime);
+
+    // The settings page's and "dialtone sms sc" steps; the service centre reads back as written.
+    ASSERT_TRUE(run([&](auto done) { _messages->setServiceCentre("+491722270333", done); }).ok());
+    QString centre;
+    ASSERT_TRUE(run([&](auto done) {
+                    _messages->serviceCentre([&centre, done](const Outcome& outcome, const QString& number) {
+                        centre = number;
+                        done(outcome);
+                    });
+                }).ok());
+    EXPECT_EQ(centre, "+491722270333");
+    EXPECT_TRUE(run([&](auto done) { _messages->setValidity({0, 2, 0}, done); }).ok());
+    EXPECT_TRUE(run([&](auto done) { _messages->setPreferredStorage(SmsStorage::kSim, done); }).ok());
+    BLSmsStorageState state;
+    EXPECT_TRUE(run([&](auto done) {
+                    _messages->storageState(
+                        [&state, done](const Outcome& outcome, const BLSmsStorageState& read) {
+                            state = read;
+                            done(outcome);
+                        });
+                }).ok());
+    EXPECT_EQ(state.nSimUsed, std::count_if(after.begin(), after.end(), [](const BLSmsListItem& item) {
+                  return item.nStoreIn == SmsStorage::kSim;
+              }));
+
+    // Failures reach the caller as result codes; nothing is lost on the way.
+    // clang-format off
+    const struct { const char* what; std::function<void(MessagesController::Done)> step; } failures[] = {
+        {"an ID the table does not hold", [&](auto done) { _messages->remove(9999, done); }},
+        {"a send the network refuses twice", [&](auto done) { _sim.control("set fail_sends 2"); _messages->send("+491701234567", "No", done); }},
+    };
+    // clang-format on
+    for (const auto& row : failures) {
+        SCOPED_TRACE(row.what);
+        EXPECT_NE(run(row.step).code, 0);
+    }
+    EXPECT_EQ(WorkNotification::GetErrorCode(_link->call(MESSAGE_SMS_USE_PC_INBOX, "12ab")),
+              WORKER_ERR_PARAMETER_NULL);
+}
+
+TEST_F(MessagesControllerTest, FollowingTracksNewMessagesReportsAndBursts) {
+    follow();
+    QSignalSpy changed(_messages.get(), &MessagesController::messagesChanged);
+    QSignalSpy received(_messages.get(), &MessagesController::messageReceived);
+    ASSERT_TRUE(_sim.control("sms +4915112345678 Hello from the test").value("ok").toBool());
+    ASSERT_TRUE(waitUntil([&] { return received.count() == 1; }, 20s));
+    EXPECT_TRUE(holds(_messages->messages(), "Hello from the test"));
+    EXPECT_GE(changed.count(), 1);
+
+    // The report answers the latest sent message to its number.
+    QSignalSpy matched(_messages.get(), &MessagesController::deliveryMatched);
+    _sim.control("set status_report_delay_ms 200");
+    ASSERT_TRUE(run([&](auto done) { _messages->setStatusReport(true, done); }).ok());
+    ASSERT_TRUE(run([&](auto done) { _messages->send("+491701234567", "Did it arrive?", done); }).ok());
+    ASSERT_EQ(_messages->keep({"+491701234567"}, "Did it arrive?", SMS_BOX_SENDBOX), SMSStorage::kOK);
+    ASSERT_TRUE(waitUntil([&] { return matched.count() == 1; }, 20s));
+    const QList<MessageItem> sent = _messages->box(SMS_BOX_SENDBOX);
+    ASSERT_EQ(sent.size(), 1);
+    EXPECT_TRUE(sent[0].getMessageDictionary().contains(MessagesController::kDeliveryStatusKey));
+    EXPECT_FALSE(holds(_messages->messages(), "Did it arrive?")); // reports are not messages
+
+    // A burst announced at once is caught up by listing the table again.
+    QSignalSpy relisted(_messages.get(), &MessagesController::relisted);
+    const qsizetype before = _messages->messages().size();
+    ASSERT_TRUE(_sim.control("set urc_mode immediate").value("ok").toBool());
+    constexpr int kBurst = 10;
+    for (int i = 0; i < kBurst; ++i)
+        ASSERT_TRUE(_sim.control(QStringLiteral("sms +4915112345678 burst %1").arg(i)).value("ok").toBool());
+    ASSERT_TRUE(waitUntil([&] { return _messages->messages().size() >= before + kBurst; }, 20s));
+    for (int i = 0; i < kBurst; ++i) {
+        const QString text = QStringLiteral("burst %1").arg(i);
+        EXPECT_EQ(std::count_if(_messages->messages().begin(), _messages->messages().end(),
+                                [&text](const BLSmsListItem& item) { return item.strContent == text; }),
+                  1)
+            << i;
+    }
+    EXPECT_GE(relisted.count(), 1);
+
+    _messages->stop();
+    EXPECT_TRUE(_messages->messages().isEmpty());
+    EXPECT_FALSE(_messages->loaded());
+}
