@@ -55,10 +55,7 @@ int List(CliContext& context, ModemSession& session) {
     if (const int failed = session.check(outcome, "reading the phonebooks"))
         return failed;
     if (context.json) {
-        nlohmann::json document = nlohmann::json::array();
-        for (const BLPbItem& item : items)
-            document.push_back(VariantToJson(QVariant::fromValue(item)));
-        PrintJson(document);
+        PrintJson(VariantToJson(QVariant::fromValue(items)));
         return EXIT_OK;
     }
     if (items.isEmpty()) {

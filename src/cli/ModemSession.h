@@ -24,8 +24,8 @@ class ModemLink;
 class QCoreApplication;
 
 // One run of the tool against the modem: the simulator when asked, the modem link, and the modem
-// initialised with "MESSAGE_INIT_WORK_THREAD". Requests wait for their answers; a request that outlives its
-// deadline ends the process with exit status 1 and a message, so the tool never hangs.
+// initialised with "MESSAGE_INIT_WORK_THREAD". Requests wait for their answers; a request that outlives its deadline ends the process with exit status 1 and a message,
+// so the tool never hangs.
 class ModemSession {
 public:
     static constexpr int kDefaultDeadlineSeconds = 60;

@@ -152,10 +152,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
                 if (const int failed = s.check(outcome, what))
                     return failed;
                 if (context.json) {
-                    nlohmann::json document = nlohmann::json::array();
-                    for (const BLNetworkListItem& item : operators)
-                        document.push_back(VariantToJson(QVariant::fromValue(item)));
-                    PrintJson(document);
+                    PrintJson(VariantToJson(QVariant::fromValue(operators)));
                 } else {
                     ShowList(operators);
                 }

@@ -1,5 +1,7 @@
 #include "ContactsController.h"
 
+#include <type_traits>
+
 #include "BLRecords.h"
 #include "RecordList.h"
 #include "WorkMessageNames.h"
@@ -10,7 +12,7 @@ ContactsController::ContactsController(ModemLink& link, QObject* parent) : QObje
             return;
         // What was read belongs to the SIM that was ready.
         _contacts.clear();
-        _hasStorage = _hasLimits = false;
+        _hasContacts = _hasStorage = _hasLimits = false;
     });
 }
 
@@ -51,50 +53,35 @@ ContactsController::Result ContactsController::refused(const Refusal& refusal) {
     return result;
 }
 
-void ContactsController::readContacts(Done done) {
-    RequestOutcome(_link, this, MESSAGE_PB_INIT_LIST, {},
-                   [this, done](const Outcome& outcome, const QVariant& value) {
-                       if (outcome.ok())
-                           _contacts = RecordList<BLPbItem>(value);
-                       emit contactsRead(outcome, _contacts);
-                       done(outcome);
-                   });
-}
-
-void ContactsController::readStorage(Done done) {
-    RequestOutcome(_link, this, MESSAGE_PB_GET_STORAGE_INFO, {},
-                   [this, done](const Outcome& outcome, const QVariant& value) {
+template <typename Value>
+void ContactsController::read(const QString& name, Value& kept, bool& known,
+                              void (ContactsController::*readDone)(const Outcome&, const Value&), Done then) {
+    RequestOutcome(_link, this, name, {},
+                   [=, this, &kept, &known](const Outcome& outcome, const QVariant& value) {
                        if (outcome.ok()) {
-                           _storage = value.value<BLPBStorageInfo>();
-                           _hasStorage = true;
+                           if constexpr (std::is_same_v<Value, QList<BLPbItem>>)
+                               kept = RecordList<BLPbItem>(value);
+                           else
+                               kept = value.value<Value>();
+                           known = true;
                        }
-                       emit storageRead(outcome, _storage);
-                       done(outcome);
+                       emit(this->*readDone)(outcome, kept);
+                       if (then)
+                           then(outcome);
                    });
 }
 
-void ContactsController::readLimits(Done done) {
-    RequestOutcome(_link, this, MESSAGE_PB_GET_CONSTRAINT, {},
-                   [this, done](const Outcome& outcome, const QVariant& value) {
-                       if (outcome.ok()) {
-                           _limits = value.value<BLPbConstraint>();
-                           _hasLimits = true;
-                       }
-                       emit limitsRead(outcome, _limits);
-                       done(outcome);
-                   });
+void ContactsController::readContacts(Done then) {
+    read(MESSAGE_PB_INIT_LIST, _contacts, _hasContacts, &ContactsController::contactsRead, std::move(then));
 }
 
-void ContactsController::readContacts() {
-    readContacts([](const Outcome&) {});
+void ContactsController::readStorage(Done then) {
+    read(MESSAGE_PB_GET_STORAGE_INFO, _storage, _hasStorage, &ContactsController::storageRead,
+         std::move(then));
 }
 
-void ContactsController::readStorage() {
-    readStorage([](const Outcome&) {});
-}
-
-void ContactsController::readLimits() {
-    readLimits([](const Outcome&) {});
+void ContactsController::readLimits(Done then) {
+    read(MESSAGE_PB_GET_CONSTRAINT, _limits, _hasLimits, &ContactsController::limitsRead, std::move(then));
 }
 
 void ContactsController::reload() {

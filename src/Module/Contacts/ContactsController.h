@@ -40,11 +40,15 @@ public:
         int index = 0; // of a new entry
     };
 
+    // Runs after a reading's signal, for a flow that goes on.
+    using Done = std::function<void(const Outcome&)>;
+
     explicit ContactsController(ModemLink& link, QObject* parent = nullptr);
 
-    void readContacts();
-    void readStorage();
-    void readLimits();
+    // Each reading keeps what it read (see contacts(), storage(), limits()) and says so.
+    void readContacts(Done then = {});
+    void readStorage(Done then = {});
+    void readLimits(Done then = {});
     // The contacts, the use of both storages and (once) their limits; reloaded when done or stopped.
     void reload();
     void add(qint32 store, const QString& name, const QString& number);
@@ -77,11 +81,9 @@ signals:
     void removed(const ContactsController::Result& result);
 
 private:
-    using Done = std::function<void(const Outcome&)>;
-    // Each reading keeps what it read and says so; done gets its outcome.
-    void readContacts(Done done);
-    void readStorage(Done done);
-    void readLimits(Done done);
+    template <typename Value>
+    void read(const QString& name, Value& kept, bool& known,
+              void (ContactsController::*readDone)(const Outcome&, const Value&), Done then);
     // The limits when known, else read now; a failed reading leaves the check to the modem.
     void withLimits(std::function<void()> then);
     void write(const QString& name, const QVariant& argument,
@@ -90,6 +92,7 @@ private:
 
     ModemLink& _link;
     QList<BLPbItem> _contacts;
+    bool _hasContacts = false;
     BLPBStorageInfo _storage;
     BLPbConstraint _limits;
     bool _hasStorage = false;

@@ -27,6 +27,7 @@ public:
     void modemReady() override;
     void modemGone() override;
 
+    // The band and mode choices offered, with the values the modem takes.
     template <typename Value> struct Choice {
         const char* text;
         Value value;
