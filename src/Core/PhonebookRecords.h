@@ -7,6 +7,10 @@
 
 // Phonebook requests and results. Storage codes are those of the AT sublayer's phonebook family.
 
+// nStore / nStoreIn: the SIM's phonebook, or the modem's own (any code but the SIM's).
+inline constexpr qint32 kSimStore = 0;
+inline constexpr qint32 kModemStore = 1;
+
 // One entry of the "MESSAGE_PB_INIT_LIST" result; also the argument of "MESSAGE_PB_UPDATE_ITEM".
 struct BLPbItem {
     qint32 nStore = 0;

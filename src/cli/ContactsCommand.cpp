@@ -4,19 +4,14 @@
 #include <cstdio>
 #include <memory>
 
-#include "ModemTextCheck.h"
+#include "Contacts/ContactsController.h"
 #include "ModemSession.h"
+#include "ModemTextCheck.h"
 #include "NumberArguments.h"
-#include "PhonebookRecords.h"
 #include "RecordJson.h"
 #include "TerminalText.h"
-#include "WorkNotification.h"
 
 namespace {
-
-// The phonebook family's storage codes: 0 is the SIM, any other the modem's own phonebook.
-constexpr int kSimStore = 0;
-constexpr int kModemStore = 1;
 
 struct ContactsArguments {
     std::string store = "sim";
@@ -43,17 +38,24 @@ std::string Padded(const QString& name, int width) {
                                      ' ');
 }
 
+// What a write command sent, and the new entry's index, for --json.
+void PrintWritten(const QVariant& sent, const QVariant& value = {}) {
+    nlohmann::json document{{"USER_INFO", {{"VALUE_OBJECT", VariantToJson(sent)}}}};
+    if (value.isValid())
+        document["VALUE_OBJECT"] = VariantToJson(value);
+    PrintJson(document);
+}
+
 int List(CliContext& context, ModemSession& session) {
     ReportProgress("reading the phonebooks");
-    const QVariantMap response = session.request(MESSAGE_PB_INIT_LIST);
-    if (const int failed = session.check(response, "reading the phonebooks"))
+    ContactsController phonebooks(session.link());
+    const auto [outcome, items] = session.await(
+        phonebooks, &ContactsController::contactsRead, [&] { phonebooks.readContacts(); },
+        "reading the phonebooks");
+    if (const int failed = session.check(outcome, "reading the phonebooks"))
         return failed;
-    const QList<BLPbItem> items = RecordList<BLPbItem>(WorkNotification::GetValueObject(response));
     if (context.json) {
-        nlohmann::json document = nlohmann::json::array();
-        for (const BLPbItem& item : items)
-            document.push_back(VariantToJson(QVariant::fromValue(item)));
-        PrintJson(document);
+        PrintJson(VariantToJson(QVariant::fromValue(items)));
         return EXIT_OK;
     }
     if (items.isEmpty()) {
@@ -64,20 +66,24 @@ int List(CliContext& context, ModemSession& session) {
     std::printf("%-6s %5s  %-30s %s\n", "STORE", "INDEX", "NAME", "NUMBER");
     for (const BLPbItem& item : items) {
         std::printf("%-6s %5d  %s %s\n", StoreName(item.nStore), item.nIndex,
-                    Padded(item.strName, 30).c_str(), TerminalText(NumberForReading(item.strNumber, region)).c_str());
+                    Padded(item.strName, 30).c_str(),
+                    TerminalText(NumberForReading(item.strNumber, region)).c_str());
     }
     return EXIT_OK;
 }
 
 int Info(CliContext& context, ModemSession& session) {
-    const QVariantMap usage = session.request(MESSAGE_PB_GET_STORAGE_INFO);
-    if (const int failed = session.check(usage, "reading the phonebooks' use"))
+    ContactsController phonebooks(session.link());
+    const std::string usageWhat = "reading the phonebooks' use";
+    const auto [usage, info] = session.await(
+        phonebooks, &ContactsController::storageRead, [&] { phonebooks.readStorage(); }, usageWhat);
+    if (const int failed = session.check(usage, usageWhat))
         return failed;
-    const QVariantMap limits = session.request(MESSAGE_PB_GET_CONSTRAINT);
-    if (const int failed = session.check(limits, "reading the phonebooks' limits"))
+    const std::string limitsWhat = "reading the phonebooks' limits";
+    const auto [limits, constraint] = session.await(
+        phonebooks, &ContactsController::limitsRead, [&] { phonebooks.readLimits(); }, limitsWhat);
+    if (const int failed = session.check(limits, limitsWhat))
         return failed;
-    const auto info = WorkNotification::GetValueObject(usage).value<BLPBStorageInfo>();
-    const auto constraint = WorkNotification::GetValueObject(limits).value<BLPbConstraint>();
     if (context.json) {
         PrintJson({{"storage", VariantToJson(QVariant::fromValue(info))},
                    {"constraint", VariantToJson(QVariant::fromValue(constraint))}});
@@ -90,31 +96,39 @@ int Info(CliContext& context, ModemSession& session) {
     return EXIT_OK;
 }
 
-// The SIM's and the modem's limits are known: a name or number that does not fit is refused here with the
-// numbers, rather than sent for the modem's bare "text string too long". EXIT_OK when it fits.
-int RefuseWhatDoesNotFit(CliContext& context, ModemSession& session, const ContactsArguments& arguments,
-                         const std::string& number, const std::string& what) {
-    const QVariantMap limits = session.request(MESSAGE_PB_GET_CONSTRAINT);
-    if (WorkNotification::GetErrorCode(limits) != WORKER_OK)
-        return EXIT_OK; // the modem's own answer will tell
-    const auto constraint = WorkNotification::GetValueObject(limits).value<BLPbConstraint>();
+// A write's result: the failed reading, the refusal with its figures, or the modem's answer.
+int CheckWrite(CliContext& context, ModemSession& session, const ContactsController::Result& result,
+               const ContactsArguments& arguments, const std::string& what) {
+    using Reason = ContactsController::Refusal::Reason;
+    const ContactsController::Refusal& refusal = result.refusal;
     const bool sim = arguments.store == "sim";
-    const int maxName = sim ? constraint.nSimMaxNameLen : constraint.nMeMaxNameLen;
-    const int maxNumber = sim ? constraint.nSimMaxNumberLen : constraint.nMeMaxNumberLen;
-    const auto nameLength = static_cast<int>(Q(arguments.name).toUcs4().size());
-    // The leading "+" is the number's type, not one of its digits.
-    const auto numberLength = static_cast<int>(number.size()) - (number.starts_with('+') ? 1 : 0);
     const char* holder = sim ? "this SIM takes" : "the modem's phonebook takes";
-    std::string problem;
-    if (maxName > 0 && nameLength > maxName)
-        problem = "the name is " + std::to_string(nameLength) + " characters; " + holder + " at most " +
-                  std::to_string(maxName);
-    else if (maxNumber > 0 && numberLength > maxNumber)
-        problem = "the number is " + std::to_string(numberLength) + " digits; " + holder + " at most " +
-                  std::to_string(maxNumber);
-    if (problem.empty())
-        return EXIT_OK;
-    return ReportFailure(context, WORKER_ERR_INVALID_ARGUMENT, what + ": " + problem);
+    switch (refusal.reason) {
+    case Reason::Full:
+        return ReportFailure(context, result.outcome.code,
+                             what + ": the " + arguments.store + " phonebook is full (" +
+                                 std::to_string(refusal.have) + " of " + std::to_string(refusal.limit) +
+                                 " used): delete a contact first (dialtone contacts delete " +
+                                 arguments.store + " INDEX), or add it with --store " +
+                                 (sim ? "modem" : "sim"));
+    case Reason::NameTooLong:
+    case Reason::NumberTooLong:
+        return ReportFailure(context, result.outcome.code,
+                             what + ": the " + (refusal.reason == Reason::NameTooLong ? "name" : "number") +
+                                 " is " + std::to_string(refusal.have) +
+                                 (refusal.reason == Reason::NameTooLong ? " characters; " : " digits; ") +
+                                 holder + " at most " + std::to_string(refusal.limit));
+    case Reason::None:
+        break;
+    }
+    switch (result.step) {
+    case ContactsController::Step::List:
+        return session.check(result.outcome, "reading the phonebooks");
+    case ContactsController::Step::Storage:
+        return session.check(result.outcome, "reading the phonebooks' use");
+    default:
+        return session.check(result.outcome, what);
+    }
 }
 
 int Add(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
@@ -123,35 +137,18 @@ int Add(CliContext& context, ModemSession& session, const ContactsArguments& arg
     const std::optional<std::string> number = DialNumberOrCode(arguments.number, SessionRegion(session));
     if (!number)
         return EXIT_USAGE;
-    // The first free index comes from the last reading of the storage, so read both first.
-    const QVariantMap list = session.request(MESSAGE_PB_INIT_LIST);
-    if (const int failed = session.check(list, "reading the phonebooks"))
-        return failed;
-    const QVariantMap usage = session.request(MESSAGE_PB_GET_STORAGE_INFO);
-    if (const int failed = session.check(usage, "reading the phonebooks' use"))
-        return failed;
-    const auto info = WorkNotification::GetValueObject(usage).value<BLPBStorageInfo>();
-    const bool sim = arguments.store == "sim";
-    const int used = sim ? info.nSimUsed : info.nMeUsed;
-    const int total = sim ? info.nSimTotal : info.nMeTotal;
-    if (total > 0 && used >= total) {
-        return ReportFailure(
-            context, WORKER_ERR_GENERAL,
-            "adding the contact: the " + arguments.store + " phonebook is full (" + std::to_string(used) +
-                " of " + std::to_string(total) + " used): delete a contact first (dialtone contacts delete " +
-                arguments.store + " INDEX), or add it with --store " + (sim ? "modem" : "sim"));
-    }
-    if (const int failed = RefuseWhatDoesNotFit(context, session, arguments, *number, "adding the contact"))
-        return failed;
+    const std::string what = "adding the contact";
     const BLPBNewItem item{StoreCode(arguments.store), Q(arguments.name), Q(*number)};
-    const QVariantMap response = session.request(MESSAGE_PB_ADD_ITEM, QVariant::fromValue(item));
-    if (const int failed = session.check(response, "adding the contact"))
+    ContactsController phonebooks(session.link());
+    const auto [result] = session.await(
+        phonebooks, &ContactsController::added,
+        [&] { phonebooks.add(item.nStoreIn, item.strName, item.strNumber); }, what);
+    if (const int failed = CheckWrite(context, session, result, arguments, what))
         return failed;
-    const int index = WorkNotification::GetValueObject(response).toInt();
     if (context.json)
-        PrintJson(MapToJson(response));
+        PrintWritten(QVariant::fromValue(item), result.index);
     else
-        std::printf("Added to the %s phonebook at index %d\n", arguments.store.c_str(), index);
+        std::printf("Added to the %s phonebook at index %d\n", arguments.store.c_str(), result.index);
     return EXIT_OK;
 }
 
@@ -161,26 +158,31 @@ int Update(CliContext& context, ModemSession& session, const ContactsArguments& 
     const std::optional<std::string> number = DialNumberOrCode(arguments.number, SessionRegion(session));
     if (!number)
         return EXIT_USAGE;
-    if (const int failed = RefuseWhatDoesNotFit(context, session, arguments, *number, "updating the contact"))
-        return failed;
+    const std::string what = "updating the contact";
     const BLPbItem item{StoreCode(arguments.store), Q(arguments.name), Q(*number), arguments.index};
-    const QVariantMap response = session.request(MESSAGE_PB_UPDATE_ITEM, QVariant::fromValue(item));
-    if (const int failed = session.check(response, "updating the contact"))
+    ContactsController phonebooks(session.link());
+    const auto [result] = session.await(
+        phonebooks, &ContactsController::updated, [&] { phonebooks.update(item); }, what);
+    if (const int failed = CheckWrite(context, session, result, arguments, what))
         return failed;
     if (context.json)
-        PrintJson(MapToJson(response));
+        PrintWritten(QVariant::fromValue(item));
     else
         std::printf("Updated %s %d\n", arguments.store.c_str(), arguments.index);
     return EXIT_OK;
 }
 
 int Delete(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
+    const std::string what = "deleting the contact";
     const BLPBDeleteItem item{StoreCode(arguments.store), arguments.index};
-    const QVariantMap response = session.request(MESSAGE_PB_DELETE_ITEM, QVariant::fromValue(item));
-    if (const int failed = session.check(response, "deleting the contact"))
+    ContactsController phonebooks(session.link());
+    const auto [result] = session.await(
+        phonebooks, &ContactsController::removed, [&] { phonebooks.remove(item.nStoreIn, item.nIndex); },
+        what);
+    if (const int failed = CheckWrite(context, session, result, arguments, what))
         return failed;
     if (context.json)
-        PrintJson(MapToJson(response));
+        PrintWritten(QVariant::fromValue(item));
     else
         std::printf("Deleted %s %d\n", arguments.store.c_str(), arguments.index);
     return EXIT_OK;

@@ -216,23 +216,24 @@ int ModemSession::checkPresent(const std::string& what) {
                          what + ": the modem was unplugged (plug it in and run the command again)");
 }
 
-void ModemSession::waitFor(const std::function<bool()>& done, const std::string& what, int deadlineSeconds) {
-    TheWatchdog().arm(deadlineSeconds, what, _context.json, _simulator.pid(), _simulator.devDir());
-    _link->waitUntil(done);
-    TheWatchdog().disarm();
-}
-
 int ModemSession::check(const QVariantMap& response, const std::string& what) {
-    return check(WorkNotification::GetErrorCode(response), WorkNotification::GetSubErrorCode(response), what);
+    return check(Outcome::of(response), what);
 }
 
-int ModemSession::check(int code, int cause, const std::string& what) {
-    if (code == WORKER_OK)
+int ModemSession::check(const Outcome& outcome, const std::string& what) {
+    if (outcome.ok())
         return EXIT_OK;
     // A pulled stick cancels the command under way, and every later one fails the same way.
     if (const int gone = checkPresent(what))
         return gone;
-    return ReportFailure(_context, code, what + ": " + FailureText(code, cause), cause);
+    return ReportFailure(_context, outcome.code, what + ": " + FailureText(outcome.code, outcome.cause),
+                         outcome.cause);
+}
+
+void ModemSession::await(const std::function<bool()>& done, const std::string& what, int deadlineSeconds) {
+    TheWatchdog().arm(deadlineSeconds, what, _context.json, _simulator.pid(), _simulator.devDir());
+    _link->waitUntil(done);
+    TheWatchdog().disarm();
 }
 
 int ModemSession::requireSim() {

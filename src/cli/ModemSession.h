@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QObject>
 #include <QString>
 #include <QVariant>
 #include <QVariantMap>
@@ -8,9 +9,13 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <tuple>
+#include <type_traits>
 
 #include "CliSupport.h"
+#include "Outcome.h"
 #include "Simulator.h"
 #include "StatusText.h"
 
@@ -39,11 +44,6 @@ public:
     QVariantMap request(const QString& name, const QVariant& argument = {},
                         int deadlineSeconds = kDefaultDeadlineSeconds);
 
-    // Runs events until done() holds, for a controller's answer; a wait that outlives its deadline ends the
-    // process as a request's does (what names the step in the message).
-    void waitFor(const std::function<bool()>& done, const std::string& what,
-                 int deadlineSeconds = kDefaultDeadlineSeconds);
-
     // The link, for the feature controllers; valid after a successful open().
     ModemLink& link() const { return *_link; }
     // The worker's request end, for controllers that send asynchronous requests; null before open().
@@ -53,8 +53,28 @@ public:
     // modem's own cause when the response carries one, "the modem was unplugged" when it is gone): text
     // and code on standard error, the error object with --json; EXIT_FAILED, or EXIT_OK when the code is 0.
     int check(const QVariantMap& response, const std::string& what);
-    // The same for a controller's result code and the modem's cause.
-    int check(int code, int cause, const std::string& what);
+    // The same for a controller's outcome.
+    int check(const Outcome& outcome, const std::string& what);
+
+    // Runs events until done() holds, for a controller's answer; past the deadline the process ends as for
+    // request(), saying what was being done.
+    void await(const std::function<bool()>& done, const std::string& what,
+               int deadlineSeconds = kDefaultDeadlineSeconds);
+    // Starts a controller's work and waits for the signal that ends it; the signal's arguments.
+    template <typename Controller, typename... Args>
+    std::tuple<std::decay_t<Args>...> await(Controller& controller, void (Controller::*finished)(Args...),
+                                            const std::function<void()>& start, const std::string& what,
+                                            int deadlineSeconds = kDefaultDeadlineSeconds) {
+        std::optional<std::tuple<std::decay_t<Args>...>> result;
+        const auto connection = QObject::connect(&controller, finished, &controller, [&result](Args... args) {
+            if (!result)
+                result.emplace(args...);
+        });
+        start();
+        await([&result] { return result.has_value(); }, what, deadlineSeconds);
+        QObject::disconnect(connection);
+        return *result;
+    }
 
     // EXIT_OK while the modem's ports are there; once the stick is pulled, "<what>: the modem was unplugged"
     // reported as a failure. For answers that succeed with empty fields when the modem is gone.

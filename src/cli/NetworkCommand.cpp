@@ -4,25 +4,13 @@
 #include <memory>
 #include <optional>
 
-#include "BLRecords.h"
 #include "ModemSession.h"
+#include "Network/NetworkController.h"
 #include "RecordJson.h"
 #include "StatusText.h"
 #include "TerminalText.h"
-#include "WorkNotification.h"
 
 namespace {
-
-// Selection fields of the operator-selection request (the modem's +COPS parameters).
-constexpr qint32 kMaskMode = 1;
-constexpr qint32 kMaskFormat = 2;
-constexpr qint32 kMaskOperator = BLNetworkSet::kOperatorGiven;
-constexpr qint32 kMaskAcT = 8;
-constexpr qint32 kModeAutomatic = 0;
-constexpr qint32 kModeManual = 1;
-constexpr qint32 kFormatNumeric = 2;
-// Searching for operators takes the modem up to three minutes.
-constexpr int kScanDeadlineSeconds = 200;
 
 struct NetworkArguments {
     std::string plmn;
@@ -34,28 +22,17 @@ std::string Text(const QString& text) {
     return text.isEmpty() ? "-" : TerminalText(text);
 }
 
-// Prints the request's value: JSON, or the text the command makes of it.
-template <typename Show>
-int Run(CliContext& context, ModemSession& session, const QString& name, const QVariant& argument,
-        const std::string& what, int deadline, Show&& show) {
-    const QVariantMap response = session.request(name, argument, deadline);
-    if (const int failed = session.check(response, what))
-        return failed;
-    if (context.json)
-        PrintJson(argument.isValid() ? MapToJson(response)
-                                     : VariantToJson(WorkNotification::GetValueObject(response)));
-    else
-        show(WorkNotification::GetValueObject(response));
-    return EXIT_OK;
+// What a setting command sent, for --json.
+void PrintSent(const QVariant& sent) {
+    PrintJson({{"USER_INFO", {{"VALUE_OBJECT", VariantToJson(sent)}}}});
 }
 
-void ShowInfo(const QVariant& value) {
-    const auto info = value.value<BLNetworkInfo>();
+void ShowInfo(const BLNetworkInfo& info) {
     std::printf("Operator:        %s\n", TerminalText(OperatorText(info.strOperator, {})).c_str());
     if (!info.strSpName.isNull())
         std::printf("Provider:        %s\n", Text(info.strSpName).c_str());
-    std::printf("Selection:       %s\n", info.nMode == kModeAutomatic ? "automatic"
-                                         : info.nMode == kModeManual
+    std::printf("Selection:       %s\n", info.nMode == BLNetworkSet::kModeAutomatic ? "automatic"
+                                         : info.nMode == BLNetworkSet::kModeManual
                                              ? "manual"
                                              : ("mode " + std::to_string(info.nMode)).c_str());
     std::printf("Technology:      %s\n", AccessTechnologyText(info.nAcT).c_str());
@@ -65,37 +42,76 @@ void ShowInfo(const QVariant& value) {
     std::printf("Packet service:  %s\n", RegistrationText(info.nGprsState).c_str());
 }
 
-void ShowList(const QVariant& value) {
+void ShowList(const QList<BLNetworkListItem>& operators) {
     static const char* const states[] = {"unknown", "available", "current", "forbidden"};
     std::printf("%-10s %-17s %-9s %-7s %s\n", "STATUS", "NAME", "SHORT", "CODE", "TECHNOLOGY");
-    for (const BLNetworkListItem& item : RecordList<BLNetworkListItem>(value)) {
-        const char* state = item.nState >= 0 && item.nState <= 3 ? states[item.nState] : "unknown";
+    for (const BLNetworkListItem& item : operators) {
+        const char* state = item.nState >= BLNetworkListItem::kStateUnknown &&
+                                    item.nState <= BLNetworkListItem::kStateForbidden
+                                ? states[item.nState]
+                                : "unknown";
         std::printf("%-10s %-17s %-9s %-7s %s\n", state, Text(item.strLongAlpha).c_str(),
                     Text(item.strShortAlpha).c_str(), Text(item.strNumericAlpha).c_str(),
                     AccessTechnologyText(item.nAcT).c_str());
     }
 }
 
-void ShowDone(const char* text) {
-    std::printf("%s\n", text);
+int Select(CliContext& context, ModemSession& session, const BLNetworkSet& selection, const std::string& what,
+           const char* done) {
+    NetworkController network(session.link());
+    const auto [outcome, plmn] = session.await(
+        network, &NetworkController::selectFinished,
+        [&] {
+            if (selection.nMode == BLNetworkSet::kModeAutomatic)
+                network.selectAutomatic();
+            else
+                network.selectOperator(selection.strOperator,
+                                       selection.nMask & BLNetworkSet::kAcTGiven ? selection.nAcT : -1);
+        },
+        what, NetworkController::kScanDeadlineSeconds);
+    if (const int failed = session.check(outcome, what))
+        return failed;
+    if (context.json)
+        PrintSent(QVariant::fromValue(selection));
+    else
+        std::printf("%s\n", done);
+    return EXIT_OK;
 }
 
-// "band"/"mode": reads the value, or sets it when one is given.
+// "band"/"mode": reads the value, or sets it when one is given. Printed as the modem's number.
+template <typename Value>
 void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<NetworkArguments>& arguments,
-                const char* command, const QString& getName, const QString& setName, const char* label) {
-    CLI::App* sub =
-        network.add_subcommand(command, std::string("Show the ") + label + ", or set it to VALUE");
+                const char* label, void (NetworkController::*read)(),
+                void (NetworkController::*readDone)(const Outcome&, Value),
+                void (NetworkController::*set)(Value), void (NetworkController::*setDone)(const Outcome&)) {
+    CLI::App* sub = network.add_subcommand(label, std::string("Show the ") + label + ", or set it to VALUE");
     sub->add_option("VALUE", arguments->value, std::string("The new ") + label);
-    sub->callback([&context, arguments, getName, setName, label] {
+    sub->callback([=, &context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
+            NetworkController controller(s.link());
             if (arguments->value) {
-                return Run(context, s, setName, *arguments->value, std::string("setting the ") + label,
-                           ModemSession::kDefaultDeadlineSeconds,
-                           [&](const QVariant&) { std::printf("%s set to %d\n", label, *arguments->value); });
+                const std::string what = std::string("setting the ") + label;
+                const auto value = static_cast<Value>(*arguments->value);
+                const auto [outcome] = s.await(
+                    controller, setDone, [&] { (controller.*set)(value); }, what);
+                if (const int failed = s.check(outcome, what))
+                    return failed;
+                if (context.json)
+                    PrintSent(*arguments->value);
+                else
+                    std::printf("%s set to %d\n", label, *arguments->value);
+                return EXIT_OK;
             }
-            return Run(context, s, getName, {}, std::string("reading the ") + label,
-                       ModemSession::kDefaultDeadlineSeconds,
-                       [&](const QVariant& v) { std::printf("%s: %d\n", label, v.toInt()); });
+            const std::string what = std::string("reading the ") + label;
+            const auto [outcome, value] = s.await(
+                controller, readDone, [&] { (controller.*read)(); }, what);
+            if (const int failed = s.check(outcome, what))
+                return failed;
+            if (context.json)
+                PrintJson(static_cast<int>(value));
+            else
+                std::printf("%s: %d\n", label, static_cast<int>(value));
+            return EXIT_OK;
         });
     });
 }
@@ -110,8 +126,17 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
 
     network->add_subcommand("info", "Operator, technology, signal, bearer, roaming")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
-            return Run(context, s, MESSAGE_NETWORK_GET_INFO, {}, "reading the network information",
-                       ModemSession::kDefaultDeadlineSeconds, ShowInfo);
+            const std::string what = "reading the network information";
+            NetworkController controller(s.link());
+            const auto [outcome, info] = s.await(
+                controller, &NetworkController::infoRead, [&] { controller.readInfo(); }, what);
+            if (const int failed = s.check(outcome, what))
+                return failed;
+            if (context.json)
+                PrintJson(VariantToJson(QVariant::fromValue(info)));
+            else
+                ShowInfo(info);
+            return EXIT_OK;
         });
     });
 
@@ -119,8 +144,19 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
         ->callback([&context] {
             context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
                 ReportProgress("Searching for networks, this can take a minute...");
-                return Run(context, s, MESSAGE_NETWORK_GET_LIST, {}, "searching for networks",
-                           kScanDeadlineSeconds, ShowList);
+                const std::string what = "searching for networks";
+                NetworkController controller(s.link());
+                const auto [outcome, operators] = s.await(
+                    controller, &NetworkController::scanFinished, [&] { controller.scan(); }, what,
+                    NetworkController::kScanDeadlineSeconds);
+                if (const int failed = s.check(outcome, what))
+                    return failed;
+                if (context.json) {
+                    PrintJson(VariantToJson(QVariant::fromValue(operators)));
+                } else {
+                    ShowList(operators);
+                }
+                return EXIT_OK;
             });
         });
 
@@ -137,42 +173,41 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
     select->add_option("--act", arguments->act, "Access technology (0 GSM, 2 UTRAN, ...)")
         ->check(CLI::Range(0, 9));
     select->callback([&context, arguments] {
-        BLNetworkSet set;
-        set.nMask = kMaskMode | kMaskFormat | kMaskOperator;
-        set.nMode = kModeManual;
-        set.nFormat = kFormatNumeric;
-        set.strOperator = QString::fromStdString(arguments->plmn);
-        if (arguments->act) {
-            set.nMask |= kMaskAcT;
-            set.nAcT = *arguments->act;
-        }
+        const BLNetworkSet selection = NetworkController::operatorSelection(
+            QString::fromStdString(arguments->plmn), arguments->act.value_or(-1));
         context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
-            return Run(context, s, MESSAGE_NETWORK_SET, QVariant::fromValue(set), "selecting the network",
-                       kScanDeadlineSeconds, [](const QVariant&) { ShowDone("Network selected"); });
+            return Select(context, s, selection, "selecting the network", "Network selected");
         });
     });
 
     network->add_subcommand("auto", "Let the modem choose the network")->callback([&context] {
-        BLNetworkSet set;
-        set.nMask = kMaskMode;
-        set.nMode = kModeAutomatic;
         context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
-            return Run(context, s, MESSAGE_NETWORK_SET, QVariant::fromValue(set), "selecting automatic mode",
-                       kScanDeadlineSeconds,
-                       [](const QVariant&) { ShowDone("Automatic network selection"); });
+            return Select(context, s, NetworkController::automaticSelection(), "selecting automatic mode",
+                          "Automatic network selection");
         });
     });
 
-    AddSetting(*network, context, arguments, "band", NETWORK_GET_BAND, NETWORK_SET_BAND, "band");
-    AddSetting(*network, context, arguments, "mode", NETWORK_GET_MODE, NETWORK_SET_MODE, "mode");
+    AddSetting<NetworkBand>(*network, context, arguments, "band", &NetworkController::readBand,
+                            &NetworkController::bandRead, &NetworkController::setBand,
+                            &NetworkController::bandSet);
+    AddSetting<NetworkMode>(*network, context, arguments, "mode", &NetworkController::readMode,
+                            &NetworkController::modeRead, &NetworkController::setMode,
+                            &NetworkController::modeSet);
 
     network->add_subcommand("reg", "Registration state")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
-            return Run(context, s, NETWORK_GET_REG_STATE, {}, "reading the registration",
-                       ModemSession::kDefaultDeadlineSeconds, [](const QVariant& v) {
-                           std::printf("Registration:    %s\n",
-                                       RegistrationText(v.value<BLNetRegState>().nState).c_str());
-                       });
+            const std::string what = "reading the registration";
+            NetworkController controller(s.link());
+            const auto [outcome, registration] = s.await(
+                controller, &NetworkController::registrationRead, [&] { controller.readRegistration(); },
+                what);
+            if (const int failed = s.check(outcome, what))
+                return failed;
+            if (context.json)
+                PrintJson(VariantToJson(QVariant::fromValue(registration)));
+            else
+                std::printf("Registration:    %s\n", RegistrationText(registration.nState).c_str());
+            return EXIT_OK;
         });
     });
 }

@@ -75,8 +75,8 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
     MessagesController messages(session.link());
     std::optional<MessagesController::Outcome> identified;
     messages.identify([&identified](const MessagesController::Outcome& outcome) { identified = outcome; });
-    session.waitFor([&identified] { return identified.has_value(); }, "reading the SIM's IMSI");
-    if (const int failed = session.check(identified->code, identified->cause, "reading the SIM's IMSI"))
+    session.await([&identified] { return identified.has_value(); }, "reading the SIM's IMSI");
+    if (const int failed = session.check(*identified, "reading the SIM's IMSI"))
         return failed;
     const std::string region = RegionOfImsi(messages.imsi());
     const QString type = kBoxes.at(box);

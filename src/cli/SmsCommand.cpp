@@ -91,8 +91,8 @@ int Await(ModemSession& session, const std::string& what,
           int deadlineSeconds = ModemSession::kDefaultDeadlineSeconds) {
     std::optional<Outcome> outcome;
     step([&outcome](const Outcome& answer) { outcome = answer; });
-    session.waitFor([&outcome] { return outcome.has_value(); }, what, deadlineSeconds);
-    return session.check(outcome->code, outcome->cause, what);
+    session.await([&outcome] { return outcome.has_value(); }, what, deadlineSeconds);
+    return session.check(*outcome, what);
 }
 
 // Readies the modem for messages: the message settings, the SIM's computer-side inbox (so that nothing
@@ -107,7 +107,7 @@ int PrepareSms(ModemSession& session, MessagesController& messages) {
     // Without the inbox the modem keeps its messages; nothing to refuse the command for.
     bool registered = false;
     messages.useComputerInbox([&registered](const Outcome&) { registered = true; });
-    session.waitFor([&registered] { return registered; }, "keeping messages on the computer");
+    session.await([&registered] { return registered; }, "keeping messages on the computer");
     const int storage = Settings().value("sms/storage", SmsStorage::kModem).toInt();
     if (storage != SmsStorage::kModem) {
         if (const int failed = Await(session, "choosing the storage for new messages",

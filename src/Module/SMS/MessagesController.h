@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 
+#include "Outcome.h"
 #include "PhonebookRecords.h"
 #include "SMS/MessageItem.h"
 #include "SmsRecords.h"
@@ -29,12 +30,7 @@ class SMSStorage;
 class MessagesController : public QObject {
     Q_OBJECT
 public:
-    // A step's result code (0 on success) and the modem's own cause when it gave one.
-    struct Outcome {
-        int code = 0;
-        int cause = 0;
-        bool ok() const { return code == 0; }
-    };
+    using Outcome = ::Outcome;
     using Done = std::function<void(const Outcome&)>;
     using Listed = std::function<void(const Outcome&, const QList<BLSmsListItem>&)>;
 
@@ -150,4 +146,3 @@ private:
     mutable std::unique_ptr<SMSStorage> _store;
 };
 
-Q_DECLARE_METATYPE(MessagesController::Outcome)

@@ -18,13 +18,25 @@
 #include "FailureText.h"
 #include "Messages/MessagesPlugin.h"
 #include "PhoneNumbers.h"
-#include "RecordList.h"
-#include "WorkMessageNames.h"
-#include "WorkNotification.h"
 
 namespace {
 
 constexpr int kIndexRole = Qt::UserRole + 1;
+
+// What was under way where a phonebook flow stopped; what for the write itself.
+QString StepText(ContactsController::Step step, const QString& what) {
+    switch (step) {
+    case ContactsController::Step::List:
+        return ContactsPlugin::tr("Reading the phonebooks");
+    case ContactsController::Step::Storage:
+        return ContactsPlugin::tr("Reading the phonebooks' use");
+    case ContactsController::Step::Limits:
+        return ContactsPlugin::tr("Reading the phonebooks' limits");
+    case ContactsController::Step::Write:
+        break;
+    }
+    return what;
+}
 
 } // namespace
 
@@ -97,6 +109,44 @@ ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : Module
     layout->addWidget(_error);
     layout->addLayout(buttons);
 
+    _phonebooks = new ContactsController(link(), this);
+    connect(_phonebooks, &ContactsController::contactsRead, this, [this](const Outcome& outcome) {
+        if (_ready && outcome.ok())
+            fillList();
+    });
+    connect(_phonebooks, &ContactsController::storageRead, this, [this](const Outcome& outcome) {
+        if (_ready && outcome.ok())
+            updateLimits();
+    });
+    connect(_phonebooks, &ContactsController::limitsRead, this, [this](const Outcome& outcome) {
+        if (_ready && outcome.ok())
+            updateLimits();
+    });
+    connect(_phonebooks, &ContactsController::reloaded, this,
+            [this](const ContactsController::Result& result) {
+                if (!_ready)
+                    return;
+                setBusy(false);
+                if (result.outcome.ok())
+                    return;
+                fail(StepText(result.step, {}), result.outcome);
+            });
+    connect(_phonebooks, &ContactsController::added, this, [this](const ContactsController::Result& result) {
+        written(result, tr("Adding the contact"),
+                tr("Check the name and number and try again; Reload shows what the phonebook holds now."));
+    });
+    connect(
+        _phonebooks, &ContactsController::updated, this, [this](const ContactsController::Result& result) {
+            written(
+                result, tr("Saving the contact"),
+                tr("Check the name and number and try again; Reload shows what the phonebook holds now."));
+        });
+    connect(_phonebooks, &ContactsController::removed, this,
+            [this](const ContactsController::Result& result) {
+                written(result, tr("Deleting the contact"),
+                        tr("Press Reload to see what the phonebook holds now, then try again."));
+            });
+
     connect(_store, &QComboBox::currentIndexChanged, this, [this] {
         fillList();
         updateLimits();
@@ -133,10 +183,7 @@ void ContactsPlugin::modemReady() {
 
 void ContactsPlugin::modemGone() {
     _ready = false;
-    ++_generation;
     _pending = 0;
-    _items.clear();
-    _haveUsage = _haveLimits = false;
     _error->hide();
     for (QObject* child : children()) {
         if (auto* dialog = qobject_cast<ContactDialog*>(child))
@@ -155,10 +202,12 @@ void ContactsPlugin::setBusy(bool busy) {
     updateButtons();
 }
 
-void ContactsPlugin::fail(const QString& what, const QVariantMap& response, const QString& hint) {
-    const int code = WorkNotification::GetErrorCode(response);
-    QString text = tr("%1 failed: %2.").arg(what, ResponseFailureText(response));
-    text += QLatin1Char(' ') + (code == WORKER_ERR_NO_TARGET || !_ready
+void ContactsPlugin::fail(const QString& what, const Outcome& outcome, const QString& hint) {
+    QString text =
+        tr("%1 failed: %2.")
+            .arg(what,
+                 QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp)));
+    text += QLatin1Char(' ') + (outcome.code == WORKER_ERR_NO_TARGET || !_ready
                                     ? tr("Plug the modem in again; the contacts are read when it is back.")
                                 : !hint.isEmpty()
                                     ? hint
@@ -167,66 +216,26 @@ void ContactsPlugin::fail(const QString& what, const QVariantMap& response, cons
     _error->show();
 }
 
-// The list, then the use of both storages, then (once) their limits. "then" runs after a full read.
-void ContactsPlugin::reload(std::function<void()> then) {
+void ContactsPlugin::reload() {
     if (!_ready)
         return;
-    const int generation = _generation;
     setBusy(true);
-    link().request(
-        MESSAGE_PB_INIT_LIST, {},
-        [this, generation, then](const QVariantMap& list) {
-            if (generation != _generation)
-                return;
-            if (WorkNotification::GetErrorCode(list) != WORKER_OK) {
-                setBusy(false);
-                fail(tr("Reading the phonebooks"), list);
-                return;
-            }
-            _items = RecordList<BLPbItem>(WorkNotification::GetValueObject(list));
-            fillList();
-            link().request(
-                MESSAGE_PB_GET_STORAGE_INFO, {},
-                [this, generation, then](const QVariantMap& usage) {
-                    if (generation != _generation)
-                        return;
-                    if (WorkNotification::GetErrorCode(usage) != WORKER_OK) {
-                        setBusy(false);
-                        fail(tr("Reading the phonebooks' use"), usage);
-                        return;
-                    }
-                    _usageInfo = WorkNotification::GetValueObject(usage).value<BLPBStorageInfo>();
-                    _haveUsage = true;
-                    updateLimits();
-                    auto done = [this, then] {
-                        setBusy(false);
-                        if (then)
-                            then();
-                    };
-                    if (_haveLimits) {
-                        done();
-                        return;
-                    }
-                    link().request(
-                        MESSAGE_PB_GET_CONSTRAINT, {},
-                        [this, generation, done](const QVariantMap& limits) {
-                            if (generation != _generation)
-                                return;
-                            if (WorkNotification::GetErrorCode(limits) != WORKER_OK) {
-                                setBusy(false);
-                                fail(tr("Reading the phonebooks' limits"), limits);
-                                return;
-                            }
-                            _limits = WorkNotification::GetValueObject(limits).value<BLPbConstraint>();
-                            _haveLimits = true;
-                            updateLimits();
-                            done();
-                        },
-                        this);
-                },
-                this);
-        },
-        this);
+    _phonebooks->reload();
+}
+
+void ContactsPlugin::written(const ContactsController::Result& result, const QString& what,
+                             const QString& hint) {
+    if (!_ready)
+        return;
+    setBusy(false);
+    if (result.refusal.reason == ContactsController::Refusal::Reason::Full) {
+        _error->setText(tr("This phonebook is full. Delete a contact or choose the other phonebook."));
+        _error->show();
+    } else if (!result.outcome.ok()) {
+        fail(StepText(result.step, what), result.outcome, hint);
+    } else {
+        reload();
+    }
 }
 
 void ContactsPlugin::fillList() {
@@ -237,8 +246,8 @@ void ContactsPlugin::fillList() {
     _model->removeRows(0, _model->rowCount());
     int shown = 0;
     const std::string region = link().homeRegion().toStdString();
-    for (const BLPbItem& item : std::as_const(_items)) {
-        if (item.nStore != store)
+    for (const BLPbItem& item : _phonebooks->contacts()) {
+        if (!_ready || item.nStore != store)
             continue;
         // The number is found as stored and as shown ("+49170..." and "0170 ...").
         const QString shownNumber =
@@ -268,16 +277,16 @@ void ContactsPlugin::fillList() {
 }
 
 void ContactsPlugin::updateLimits() {
-    if (!_haveUsage) {
+    if (!_ready || !_phonebooks->hasStorage()) {
         _usage->clear();
         return;
     }
-    const bool sim = currentStore() == kSimStore;
-    QString text = sim ? usageText(_usageInfo.nSimUsed, _usageInfo.nSimTotal)
-                       : usageText(_usageInfo.nMeUsed, _usageInfo.nMeTotal);
-    if (_haveLimits) {
-        const int name = sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen;
-        const int number = sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen;
+    const int store = currentStore();
+    QString text = usageText(ContactsController::used(_phonebooks->storage(), store),
+                             ContactsController::total(_phonebooks->storage(), store));
+    if (_phonebooks->hasLimits()) {
+        const int name = ContactsController::maxName(_phonebooks->limits(), store);
+        const int number = ContactsController::maxNumber(_phonebooks->limits(), store);
         if (name > 0 && number > 0)
             text += tr(" (names up to %1, numbers up to %2 characters)").arg(name).arg(number);
     }
@@ -301,28 +310,37 @@ const BLPbItem* ContactsPlugin::selectedContact() const {
         return nullptr;
     const int index = current.data(kIndexRole).toInt();
     const int store = currentStore();
-    for (const BLPbItem& item : _items) {
+    for (const BLPbItem& item : _phonebooks->contacts()) {
         if (item.nStore == store && item.nIndex == index)
             return &item;
     }
     return nullptr;
 }
 
+ContactDialog* ContactsPlugin::openDialog(int store) {
+    const BLPbConstraint& limits = _phonebooks->limits();
+    auto* dialog = new ContactDialog(_store->currentText(), ContactsController::maxName(limits, store),
+                                     ContactsController::maxNumber(limits, store), link().homeRegion(), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    return dialog;
+}
+
 void ContactsPlugin::addContact() {
-    const int storeCode = currentStore();
-    const bool sim = storeCode == kSimStore;
-    if (_haveUsage &&
-        (sim ? _usageInfo.nSimUsed >= _usageInfo.nSimTotal : _usageInfo.nMeUsed >= _usageInfo.nMeTotal)) {
+    const int store = currentStore();
+    const BLPBStorageInfo& storage = _phonebooks->storage();
+    if (_phonebooks->hasStorage() &&
+        ContactsController::used(storage, store) >= ContactsController::total(storage, store)) {
         _error->setText(tr("This phonebook is full. Delete a contact or choose the other phonebook."));
         _error->show();
         return;
     }
-    auto* dialog = new ContactDialog(
-        _store->currentText(), sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen,
-        sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen, link().homeRegion(), this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &QDialog::accepted, this, [this, dialog, storeCode] {
-        store(BLPbItem{storeCode, dialog->name(), dialog->number(), 0}, true);
+    ContactDialog* dialog = openDialog(store);
+    connect(dialog, &QDialog::accepted, this, [this, dialog, store] {
+        if (!_ready)
+            return;
+        _error->hide();
+        setBusy(true);
+        _phonebooks->add(store, dialog->name(), dialog->number());
     });
     dialog->open();
 }
@@ -332,45 +350,16 @@ void ContactsPlugin::editContact() {
     if (!chosen || !_ready || _pending > 0)
         return;
     const BLPbItem item = *chosen;
-    const bool sim = item.nStore == kSimStore;
-    auto* dialog = new ContactDialog(
-        _store->currentText(), sim ? _limits.nSimMaxNameLen : _limits.nMeMaxNameLen,
-        sim ? _limits.nSimMaxNumberLen : _limits.nMeMaxNumberLen, link().homeRegion(), this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    ContactDialog* dialog = openDialog(item.nStore);
     dialog->setContact(item.strName, item.strNumber);
     connect(dialog, &QDialog::accepted, this, [this, dialog, item] {
-        store(BLPbItem{item.nStore, dialog->name(), dialog->number(), item.nIndex}, false);
+        if (!_ready)
+            return;
+        _error->hide();
+        setBusy(true);
+        _phonebooks->update(BLPbItem{item.nStore, dialog->name(), dialog->number(), item.nIndex});
     });
     dialog->open();
-}
-
-void ContactsPlugin::store(const BLPbItem& item, bool isNew) {
-    if (!_ready)
-        return;
-    _error->hide();
-    const int generation = _generation;
-    auto stored = [this, generation, isNew](const QVariantMap& response) {
-        if (generation != _generation)
-            return;
-        setBusy(false);
-        if (WorkNotification::GetErrorCode(response) != WORKER_OK) {
-            fail(isNew ? tr("Adding the contact") : tr("Saving the contact"), response,
-                 tr("Check the name and number and try again; Reload shows what the phonebook holds now."));
-            return;
-        }
-        reload();
-    };
-    if (!isNew) {
-        setBusy(true);
-        link().request(MESSAGE_PB_UPDATE_ITEM, QVariant::fromValue(item), stored, this);
-        return;
-    }
-    // The modem picks the first free index from its last reading of the storage, so read it first.
-    reload([this, item, stored] {
-        setBusy(true);
-        const BLPBNewItem entry{item.nStore, item.strName, item.strNumber};
-        link().request(MESSAGE_PB_ADD_ITEM, QVariant::fromValue(entry), stored, this);
-    });
 }
 
 void ContactsPlugin::deleteContact() {
@@ -390,22 +379,8 @@ void ContactsPlugin::deleteContact() {
         if (answer != QMessageBox::Yes || !_ready)
             return;
         _error->hide();
-        const int generation = _generation;
         setBusy(true);
-        link().request(
-            MESSAGE_PB_DELETE_ITEM, QVariant::fromValue(BLPBDeleteItem{item.nStore, item.nIndex}),
-            [this, generation](const QVariantMap& response) {
-                if (generation != _generation)
-                    return;
-                setBusy(false);
-                if (WorkNotification::GetErrorCode(response) != WORKER_OK) {
-                    fail(tr("Deleting the contact"), response,
-                         tr("Press Reload to see what the phonebook holds now, then try again."));
-                    return;
-                }
-                reload();
-            },
-            this);
+        _phonebooks->remove(item.nStore, item.nIndex);
     });
     question->open();
 }

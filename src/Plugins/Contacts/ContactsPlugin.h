@@ -2,11 +2,10 @@
 
 #include <QList>
 
-#include <functional>
-
+#include "Contacts/ContactsController.h"
 #include "ModulePlugin.h"
-#include "PhonebookRecords.h"
 
+class ContactDialog;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -21,10 +20,6 @@ class QTreeView;
 class ContactsPlugin : public ModulePlugin {
     Q_OBJECT
 public:
-    // The phonebook family's storage codes.
-    static constexpr int kSimStore = 0;
-    static constexpr int kModemStore = 1;
-
     explicit ContactsPlugin(ModuleContext& context, QWidget* parent = nullptr);
 
     QString title() const override { return tr("Contacts"); }
@@ -36,15 +31,18 @@ public:
     // The storage shown (kSimStore or kModemStore).
     int currentStore() const;
     // The contacts last read, both storages.
-    const QList<BLPbItem>& contacts() const { return _items; }
+    const QList<BLPbItem>& contacts() const { return _phonebooks->contacts(); }
 
     // "12 of 250 used" for one storage; empty when not known.
     static QString usageText(int used, int total);
 
 private:
-    void reload(std::function<void()> then = {});
+    void reload();
     // Shows what failed, the modem's reason and what to do next (hint, or a general advice).
-    void fail(const QString& what, const QVariantMap& response, const QString& hint = {});
+    void fail(const QString& what, const Outcome& outcome, const QString& hint = {});
+    // A write ended: the failure in words, else the phonebooks read again.
+    void written(const ContactsController::Result& result, const QString& what, const QString& hint);
+    ContactDialog* openDialog(int store);
     void setBusy(bool busy);
     void fillList();
     void updateLimits();
@@ -54,7 +52,6 @@ private:
     void editContact();
     void deleteContact();
     void sendMessage();
-    void store(const BLPbItem& item, bool isNew);
 
     QComboBox* _store = nullptr;
     QLabel* _usage = nullptr;
@@ -70,13 +67,7 @@ private:
     QPushButton* _message = nullptr;
     QPushButton* _reload = nullptr;
 
-    QList<BLPbItem> _items;
-    BLPBStorageInfo _usageInfo;
-    BLPbConstraint _limits;
-    bool _haveUsage = false;
-    bool _haveLimits = false;
+    ContactsController* _phonebooks = nullptr;
     bool _ready = false;
     int _pending = 0;
-    // Bumped when the modem goes: answers to older requests are dropped.
-    int _generation = 0;
 };

@@ -10,31 +10,19 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSet>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include "BLRecords.h"
 #include "CNSLabels.h"
 #include "FailureText.h"
+#include "Network/NetworkController.h"
 #include "StatusText.h"
-#include "WorkMessageNames.h"
-#include "WorkNotification.h"
 
 namespace {
 
-// Fields of the operator-selection request (the modem's "+COPS" parameters).
-constexpr qint32 kMaskMode = 1;
-constexpr qint32 kMaskFormat = 2;
-constexpr qint32 kModeAutomatic = 0;
-constexpr qint32 kModeManual = 1;
-constexpr qint32 kFormatNumeric = 2;
 constexpr int kColumnName = 0;
 constexpr int kColumnCode = 2;
 constexpr int kColumnState = 4;
-// Operator states of the search result.
-constexpr int kStateAvailable = 1;
-constexpr int kStateCurrent = 2;
 
 QString Q(const std::string& text) {
     return QString::fromStdString(text);
@@ -42,42 +30,41 @@ QString Q(const std::string& text) {
 
 QString OperatorStateText(int state) {
     switch (state) {
-    case 1:
+    case BLNetworkListItem::kStateAvailable:
         return NetworkPlugin::tr("available");
-    case 2:
+    case BLNetworkListItem::kStateCurrent:
         return NetworkPlugin::tr("current");
-    case 3:
+    case BLNetworkListItem::kStateForbidden:
         return NetworkPlugin::tr("forbidden");
     default:
         return NetworkPlugin::tr("unknown");
     }
 }
 
-QString FailedText(const QString& what, const QVariantMap& response) {
-    const int code = WorkNotification::GetErrorCode(response);
-    if (code == WORKER_ERR_NO_DATA_DEVICE)
+QString FailedText(const QString& what, const Outcome& outcome) {
+    if (outcome.code == WORKER_ERR_NO_DATA_DEVICE)
         return NetworkPlugin::tr("%1 failed: the modem was unplugged.").arg(what);
-    return NetworkPlugin::tr("%1 failed: %2 (code %3).").arg(what, ResponseFailureText(response)).arg(code);
+    return NetworkPlugin::tr("%1 failed: %2 (code %3).")
+        .arg(what, Q(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp)))
+        .arg(outcome.code);
 }
 
 } // namespace
 
-// Band masks of the modem's system selection ("AT+SYSSEL=<band>"); all bits set lets it use every band.
-const NetworkPlugin::Choice NetworkPlugin::kBands[] = {
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "All bands"), 0x3FFFFFFF},
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "GSM 900/1800"), 0x00000380},
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "GSM 850/1900"), 0x00280000},
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "UMTS 2100"), 0x00400000},
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "UMTS 850/1900"), 0x04800000},
+const NetworkPlugin::Choice<NetworkBand> NetworkPlugin::kBands[] = {
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "All bands"), NetworkBand::Any},
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "GSM 900/1800"), NetworkBand::Gsm900And1800},
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "GSM 850/1900"), NetworkBand::Gsm850And1900},
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "UMTS 2100"), NetworkBand::Umts2100},
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "UMTS 850/1900"), NetworkBand::Umts850And1900},
 };
 
-// Rows of the modem's mode table: 0 "+SYSSEL: ,0,0", 1 ",2,0", 2 ",0,1", 3 ",1,0", 4 ",0,2".
-const NetworkPlugin::Choice NetworkPlugin::kModes[] = {
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "Automatic"), 0},
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "3G preferred"), 1},
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "2G (GSM) only"), 2},
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "2G preferred"), 3},
-    {QT_TRANSLATE_NOOP("NetworkPlugin", "3G (UMTS) only"), 4},
+const NetworkPlugin::Choice<NetworkMode> NetworkPlugin::kModes[] = {
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "Automatic"), NetworkMode::Automatic},
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "3G preferred"), NetworkMode::Prefer3G},
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "2G (GSM) only"), NetworkMode::Only2G},
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "2G preferred"), NetworkMode::Prefer2G},
+    {QT_TRANSLATE_NOOP("NetworkPlugin", "3G (UMTS) only"), NetworkMode::Only3G},
 };
 
 NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
@@ -151,12 +138,12 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     auto* radioLayout = new QHBoxLayout(radio);
     _band = new QComboBox;
     _band->setObjectName(QStringLiteral("band"));
-    for (const Choice& band : kBands)
-        _band->addItem(tr(band.text), band.value);
+    for (const auto& band : kBands)
+        _band->addItem(tr(band.text), static_cast<int>(band.value));
     _mode = new QComboBox;
     _mode->setObjectName(QStringLiteral("mode"));
-    for (const Choice& mode : kModes)
-        _mode->addItem(tr(mode.text), mode.value);
+    for (const auto& mode : kModes)
+        _mode->addItem(tr(mode.text), static_cast<int>(mode.value));
     _applyRadio = new QPushButton(tr("Apply"));
     _applyRadio->setObjectName(QStringLiteral("applyRadio"));
     _radioStatus = new QLabel;
@@ -169,6 +156,39 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     radioLayout->addWidget(_applyRadio);
     radioLayout->addWidget(_radioStatus, 1);
     layout->addWidget(radio);
+
+    _network = new NetworkController(link(), this);
+    connect(_network, &NetworkController::registrationRead, this,
+            [this](const Outcome& outcome, const BLNetRegState& registration) {
+                if (_ready && outcome.ok())
+                    _registration->setText(Q(RegistrationText(registration.nState)));
+            });
+    connect(_network, &NetworkController::scanningChanged, this, [this](bool scanning) {
+        _searchProgress->setVisible(scanning || _registering);
+        updateButtons();
+    });
+    connect(_network, &NetworkController::scanFinished, this, &NetworkPlugin::showOperators);
+    connect(_network, &NetworkController::selectFinished, this, &NetworkPlugin::registered);
+    connect(_network, &NetworkController::radioUnsupported, this, [this](const Outcome& outcome) {
+        if (!_ready)
+            return;
+        _radioUnsupported = true;
+        setStatus(
+            _radioStatus,
+            tr("Band and mode: %1.").arg(Q(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))),
+            false);
+        updateButtons();
+    });
+    connect(_network, &NetworkController::bandRead, this, [this](const Outcome& outcome, NetworkBand band) {
+        const int mask = static_cast<int>(band);
+        if (_ready && outcome.ok())
+            selectValue(_band, mask, tr("Band mask %1").arg(mask));
+    });
+    connect(_network, &NetworkController::modeRead, this, [this](const Outcome& outcome, NetworkMode mode) {
+        if (_ready && outcome.ok())
+            selectValue(_mode, static_cast<int>(mode), tr("Other (set by another program)"));
+    });
+    connect(_network, &NetworkController::radioApplied, this, &NetworkPlugin::radioApplied);
 
     connect(_search, &QPushButton::clicked, this, &NetworkPlugin::search);
     connect(_register, &QPushButton::clicked, this, &NetworkPlugin::registerSelected);
@@ -183,7 +203,7 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
         if (!_ready)
             return;
         showNetwork(info);
-        readRegistration();
+        _network->readRegistration();
     });
     updateButtons();
 }
@@ -192,14 +212,14 @@ void NetworkPlugin::modemReady() {
     _ready = true;
     if (link().hasNetwork())
         showNetwork(link().network());
-    readRegistration();
+    _network->readRegistration();
     readRadio();
     updateButtons();
 }
 
 void NetworkPlugin::modemGone() {
     _ready = false;
-    _searching = _registering = _radioBusy = _regInFlight = _radioUnsupported = false;
+    _registering = _radioBusy = _radioUnsupported = false;
     for (QLabel* label : {_operator, _registration, _technology, _bearer, _signal, _roaming, _selection})
         label->setText(QStringLiteral("-"));
     _networks->clear();
@@ -215,122 +235,87 @@ void NetworkPlugin::showNetwork(const BLNetworkInfo& info) {
     _bearer->setText(Q(BearerText(info.nBearer)));
     _signal->setText(Q(SignalText(info.nRssi)));
     _roaming->setText(Q(ServiceStateText(info.nRoamState)));
-    _selection->setText(info.nMode == kModeAutomatic ? tr("automatic")
-                        : info.nMode == kModeManual  ? tr("manual")
-                                                     : tr("mode %1").arg(info.nMode));
-}
-
-void NetworkPlugin::readRegistration() {
-    if (_regInFlight)
-        return;
-    _regInFlight = true;
-    link().request(
-        NETWORK_GET_REG_STATE, {},
-        [this](const QVariantMap& response) {
-            _regInFlight = false;
-            if (!_ready || WorkNotification::GetErrorCode(response) != WORKER_OK)
-                return;
-            const auto state = WorkNotification::GetValueObject(response).value<BLNetRegState>();
-            _registration->setText(Q(RegistrationText(state.nState)));
-        },
-        this);
+    _selection->setText(info.nMode == BLNetworkSet::kModeAutomatic ? tr("automatic")
+                        : info.nMode == BLNetworkSet::kModeManual  ? tr("manual")
+                                                                   : tr("mode %1").arg(info.nMode));
 }
 
 void NetworkPlugin::search() {
-    if (!_ready || _searching)
+    if (!_ready || _network->isScanning())
         return;
-    _searching = true;
     _networks->clear();
-    _searchProgress->show();
     setStatus(_searchStatus, tr("Searching for networks… this can take a minute or two."), false);
+    _network->scan();
+}
+
+void NetworkPlugin::showOperators(const Outcome& outcome, const QList<BLNetworkListItem>& operators) {
+    if (!_ready)
+        return;
+    if (!outcome.ok()) {
+        setStatus(_searchStatus, FailedText(tr("The search"), outcome) + tr(" Try again."), true);
+        updateButtons();
+        return;
+    }
+    for (const BLNetworkListItem& item : NetworkController::distinctOperators(operators)) {
+        auto* row = new QTreeWidgetItem(_networks);
+        row->setText(kColumnName, item.strLongAlpha.isEmpty() ? item.strNumericAlpha : item.strLongAlpha);
+        row->setText(1, item.strShortAlpha);
+        row->setText(kColumnCode, item.strNumericAlpha);
+        row->setText(3, Q(AccessTechnologyText(item.nAcT)));
+        row->setText(kColumnState, OperatorStateText(item.nState));
+        row->setData(kColumnName, Qt::UserRole, item.nAcT);
+        row->setData(kColumnState, Qt::UserRole, item.nState);
+    }
+    const int found = _networks->topLevelItemCount();
+    setStatus(_searchStatus,
+              found == 0 ? tr("No networks found. Check the antenna and search again.")
+                         : tr("%n network(s) found.", nullptr, found),
+              found == 0);
     updateButtons();
-    link().request(
-        MESSAGE_NETWORK_GET_LIST, {},
-        [this](const QVariantMap& response) {
-            _searching = false;
-            _searchProgress->hide();
-            if (!_ready)
-                return;
-            const int code = WorkNotification::GetErrorCode(response);
-            if (code != WORKER_OK) {
-                setStatus(_searchStatus, FailedText(tr("The search"), response) + tr(" Try again."), true);
-                updateButtons();
-                return;
-            }
-            // Modems may list an operator twice; the first entry of each code and technology is kept.
-            QSet<QString> seen;
-            for (const QVariant& value : WorkNotification::GetValueObject(response).toList()) {
-                const auto item = value.value<BLNetworkListItem>();
-                const QString key = item.strNumericAlpha + QLatin1Char('/') + QString::number(item.nAcT);
-                if (seen.contains(key))
-                    continue;
-                seen.insert(key);
-                auto* row = new QTreeWidgetItem(_networks);
-                row->setText(kColumnName,
-                             item.strLongAlpha.isEmpty() ? item.strNumericAlpha : item.strLongAlpha);
-                row->setText(1, item.strShortAlpha);
-                row->setText(kColumnCode, item.strNumericAlpha);
-                row->setText(3, Q(AccessTechnologyText(item.nAcT)));
-                row->setText(kColumnState, OperatorStateText(item.nState));
-                row->setData(kColumnName, Qt::UserRole, item.nAcT);
-                row->setData(kColumnState, Qt::UserRole, item.nState);
-            }
-            const int found = _networks->topLevelItemCount();
-            setStatus(_searchStatus,
-                      found == 0 ? tr("No networks found. Check the antenna and search again.")
-                                 : tr("%n network(s) found.", nullptr, found),
-                      found == 0);
-            updateButtons();
-        },
-        this);
 }
 
 void NetworkPlugin::registerSelected() {
     if (!_ready || _registering)
         return;
-    BLNetworkSet set;
-    set.nMask = kMaskMode;
-    set.nMode = kModeAutomatic;
+    QString plmn;
     QString name = tr("automatic selection");
     if (_manual->isChecked()) {
         const QList<QTreeWidgetItem*> selected = _networks->selectedItems();
         if (selected.isEmpty())
             return;
-        set.nMask = kMaskMode | kMaskFormat | BLNetworkSet::kOperatorGiven;
-        set.nMode = kModeManual;
-        set.nFormat = kFormatNumeric;
-        set.strOperator = selected.first()->text(kColumnCode);
+        plmn = selected.first()->text(kColumnCode);
         name = selected.first()->text(kColumnName);
     }
     _registering = true;
+    _registeringWith = name;
     _register->setText(tr("Registering…"));
     _searchProgress->show();
     setStatus(_searchStatus, tr("Registering with %1…").arg(name), false);
     updateButtons();
-    link().request(
-        MESSAGE_NETWORK_SET, QVariant::fromValue(set),
-        [this, name, plmn = set.strOperator](const QVariantMap& response) {
-            _registering = false;
-            _register->setText(tr("Register"));
-            _searchProgress->setVisible(_searching);
-            if (!_ready)
-                return;
-            const int code = WorkNotification::GetErrorCode(response);
-            if (code != WORKER_OK) {
-                setStatus(_searchStatus,
-                          FailedText(tr("Registering with %1").arg(name), response) +
-                              tr(" Choose another network or automatic selection."),
-                          true);
-            } else {
-                setStatus(_searchStatus, tr("Registered: %1.").arg(name), false);
-                if (!plmn.isEmpty())
-                    markCurrent(plmn);
-                link().refreshNetwork();
-                readRegistration();
-            }
-            updateButtons();
-        },
-        this);
+    if (plmn.isEmpty())
+        _network->selectAutomatic();
+    else
+        _network->selectOperator(plmn);
+}
+
+void NetworkPlugin::registered(const Outcome& outcome, const QString& plmn) {
+    _registering = false;
+    _register->setText(tr("Register"));
+    _searchProgress->setVisible(_network->isScanning());
+    if (!_ready)
+        return;
+    if (!outcome.ok()) {
+        setStatus(_searchStatus,
+                  FailedText(tr("Registering with %1").arg(_registeringWith), outcome) +
+                      tr(" Choose another network or automatic selection."),
+                  true);
+    } else {
+        setStatus(_searchStatus, tr("Registered: %1.").arg(_registeringWith), false);
+        if (!plmn.isEmpty())
+            markCurrent(plmn);
+        _network->readRegistration();
+    }
+    updateButtons();
 }
 
 // The list stays from the search; the operator just registered with becomes its current one.
@@ -338,39 +323,17 @@ void NetworkPlugin::markCurrent(const QString& code) {
     for (int i = 0; i < _networks->topLevelItemCount(); ++i) {
         QTreeWidgetItem* row = _networks->topLevelItem(i);
         const int state = row->data(kColumnState, Qt::UserRole).toInt();
-        const int now = row->text(kColumnCode) == code ? kStateCurrent
-                        : state == kStateCurrent       ? kStateAvailable
-                                                       : state;
+        const int now = row->text(kColumnCode) == code              ? BLNetworkListItem::kStateCurrent
+                        : state == BLNetworkListItem::kStateCurrent ? BLNetworkListItem::kStateAvailable
+                                                                    : state;
         row->setData(kColumnState, Qt::UserRole, now);
         row->setText(kColumnState, OperatorStateText(now));
     }
 }
 
 void NetworkPlugin::readRadio() {
-    link().request(
-        NETWORK_GET_BAND, {},
-        [this](const QVariantMap& response) {
-            if (_ready && WorkNotification::GetErrorCode(response) == WORKER_ERR_NOT_SUPPORTED) {
-                _radioUnsupported = true;
-                setStatus(_radioStatus, tr("Band and mode: %1.").arg(ResponseFailureText(response)), false);
-                updateButtons();
-                return;
-            }
-            if (_ready && WorkNotification::GetErrorCode(response) == WORKER_OK) {
-                const int band = WorkNotification::GetValueObject(response).toInt();
-                selectValue(_band, band, tr("Band mask %1").arg(band));
-            }
-        },
-        this);
-    link().request(
-        NETWORK_GET_MODE, {},
-        [this](const QVariantMap& response) {
-            if (_ready && WorkNotification::GetErrorCode(response) == WORKER_OK) {
-                const int mode = WorkNotification::GetValueObject(response).toInt();
-                selectValue(_mode, mode, tr("Other (set by another program)"));
-            }
-        },
-        this);
+    _network->readBand();
+    _network->readMode();
 }
 
 void NetworkPlugin::applyRadio() {
@@ -380,54 +343,42 @@ void NetworkPlugin::applyRadio() {
     _applyRadio->setText(tr("Applying…"));
     setStatus(_radioStatus, {}, false);
     updateButtons();
-    const int band = _band->currentData().toInt();
-    const int mode = _mode->currentData().toInt();
-    const auto finish = [this](const QString& failure) {
-        _radioBusy = false;
-        _applyRadio->setText(tr("Apply"));
-        if (!_ready)
-            return;
-        if (failure.isEmpty()) {
-            setStatus(_radioStatus, tr("Band and mode set."), false);
-            link().refreshNetwork();
-        } else {
-            setStatus(_radioStatus, failure, true);
-            readRadio(); // show what the modem kept
-        }
-        updateButtons();
-    };
-    link().request(
-        NETWORK_SET_BAND, band,
-        [this, mode, finish](const QVariantMap& response) {
-            const int code = WorkNotification::GetErrorCode(response);
-            if (code != WORKER_OK) {
-                finish(FailedText(tr("Setting the band"), response) +
-                       tr(" Choose \"All bands\" and try again."));
-                return;
-            }
-            link().request(
-                NETWORK_SET_MODE, mode,
-                [finish](const QVariantMap& modeResponse) {
-                    const int modeCode = WorkNotification::GetErrorCode(modeResponse);
-                    if (modeCode == WORKER_ERR_SET_NETWORK_MODE)
-                        finish(tr("The modem refused this mode (code %1). Choose \"Automatic\" or another "
-                                  "mode it supports.")
-                                   .arg(modeCode));
-                    else if (modeCode != WORKER_OK)
-                        finish(FailedText(tr("Setting the mode"), modeResponse));
-                    else
-                        finish({});
-                },
-                this);
-        },
-        this);
+    _network->applyRadio(static_cast<NetworkBand>(_band->currentData().toInt()),
+                         static_cast<NetworkMode>(_mode->currentData().toInt()));
+}
+
+void NetworkPlugin::radioApplied(const Outcome& outcome, NetworkController::RadioStep step) {
+    _radioBusy = false;
+    _applyRadio->setText(tr("Apply"));
+    if (!_ready)
+        return;
+    if (outcome.ok()) {
+        setStatus(_radioStatus, tr("Band and mode set."), false);
+    } else {
+        if (step == NetworkController::RadioStep::Band)
+            setStatus(_radioStatus,
+                      FailedText(tr("Setting the band"), outcome) +
+                          tr(" Choose \"All bands\" and try again."),
+                      true);
+        else if (outcome.code == WORKER_ERR_SET_NETWORK_MODE)
+            setStatus(_radioStatus,
+                      tr("The modem refused this mode (code %1). Choose \"Automatic\" or another mode it "
+                         "supports.")
+                          .arg(outcome.code),
+                      true);
+        else
+            setStatus(_radioStatus, FailedText(tr("Setting the mode"), outcome), true);
+        readRadio(); // show what the modem kept
+    }
+    updateButtons();
 }
 
 void NetworkPlugin::updateButtons() {
-    _search->setEnabled(_ready && !_searching && !_registering);
-    _search->setText(_searching ? tr("Searching…") : tr("Search networks"));
+    const bool searching = _network && _network->isScanning();
+    _search->setEnabled(_ready && !searching && !_registering);
+    _search->setText(searching ? tr("Searching…") : tr("Search networks"));
     const bool chosen = !_networks->selectedItems().isEmpty();
-    _register->setEnabled(_ready && !_searching && !_registering && (_automatic->isChecked() || chosen));
+    _register->setEnabled(_ready && !searching && !_registering && (_automatic->isChecked() || chosen));
     const bool radio = _ready && !_radioBusy && !_radioUnsupported;
     for (QWidget* control : std::initializer_list<QWidget*>{_applyRadio, _band, _mode})
         control->setEnabled(radio);

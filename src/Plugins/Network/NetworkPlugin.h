@@ -2,7 +2,7 @@
 
 #include "ModulePlugin.h"
 
-#include "NetworkRecords.h"
+#include "Network/NetworkController.h"
 
 class QButtonGroup;
 class QComboBox;
@@ -27,26 +27,30 @@ public:
     void modemReady() override;
     void modemGone() override;
 
-    // Values of the band and mode choices: the modem's band mask and its selection-mode number (0 to 4).
-    struct Choice {
+    // The band and mode choices offered, with the values the modem takes.
+    template <typename Value> struct Choice {
         const char* text;
-        int value;
+        Value value;
     };
-    static const Choice kBands[];
-    static const Choice kModes[];
+    static const Choice<NetworkBand> kBands[];
+    static const Choice<NetworkMode> kModes[];
 
 private:
     void showNetwork(const BLNetworkInfo& info);
-    void readRegistration();
     void search();
+    void showOperators(const Outcome& outcome, const QList<BLNetworkListItem>& operators);
     void registerSelected();
+    void registered(const Outcome& outcome, const QString& plmn);
     void markCurrent(const QString& code);
     void readRadio();
     void applyRadio();
+    void radioApplied(const Outcome& outcome, NetworkController::RadioStep step);
     void updateButtons();
     void setStatus(QLabel* label, const QString& text, bool error);
     static void selectValue(QComboBox* box, int value, const QString& unknownText);
 
+    NetworkController* _network = nullptr;
+    QString _registeringWith; // the name shown while registering
     // Current registration.
     QLabel* _operator = nullptr;
     QLabel* _registration = nullptr;
@@ -70,9 +74,7 @@ private:
     QLabel* _radioStatus = nullptr;
 
     bool _ready = false;
-    bool _searching = false;
     bool _registering = false;
     bool _radioBusy = false;
     bool _radioUnsupported = false; // the stick has no band or mode selection
-    bool _regInFlight = false;
 };

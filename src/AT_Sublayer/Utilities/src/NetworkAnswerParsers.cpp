@@ -8,7 +8,6 @@
 
 #include "FamilyCommand.h"
 #include "Gsm7BitAlphabet.h"
-#include "NetworkUtility.h"
 
 namespace {
 
@@ -45,7 +44,7 @@ int HexByte(char high, char low) {
 void DecodeSpnHex(std::string_view text, TServiceProviderInfo& info) {
     // Only the first 17 bytes count; a longer answer is simply cut.
     char hex[kSpnBytes * 2 + 1] = {};
-    CNetworkUtility::TrimString(text, hex, sizeof hex);
+    CopyWithoutBlanks(text, hex, sizeof hex);
     unsigned char bytes[kSpnBytes] = {};
     int count = 0;
     for (int i = 0; count < kSpnBytes && hex[i] != '\0' && hex[i + 1] != '\0'; i += 2) {
@@ -229,7 +228,7 @@ int ParseCopsListAnswer(const std::string& answer, std::list<TNetworkListItem>& 
         if (close == std::string::npos || close - open - 1 > kMaxListItemLength)
             break;
         TNetworkListItem item;
-        CNetworkUtility::ParseItemString(std::string_view(answer).substr(open + 1, close - open - 1), item);
+        ParseCopsListItem(std::string_view(answer).substr(open + 1, close - open - 1), item);
         items.push_back(item);
         open = close;
     }
@@ -269,7 +268,7 @@ int DecodeSimAlphaIdentifier(const unsigned char* bytes, int length, char16_t* n
     const int used = static_cast<int>(std::find(bytes, bytes + length, 0xFF) - bytes);
     wchar_t text[kSpNameSize] = {};
     const int room = std::min(size, kSpNameSize);
-    CNetworkUtility::Default7BitToWstring(bytes, used, text, room);
+    DecodeDefault7Bit(bytes, used, text, room);
     while (written < room && text[written] != 0) {
         name[written] = static_cast<char16_t>(text[written]);
         ++written;
@@ -344,7 +343,7 @@ void ParseSpdiAnswer(const std::string& answer, int& count, std::vector<TSpdiEnt
         return;
 
     char buffer[kSpdiText] = {};
-    CNetworkUtility::TrimString(std::string_view(answer).substr(start, end - start), buffer, sizeof buffer);
+    CopyWithoutBlanks(std::string_view(answer).substr(start, end - start), buffer, sizeof buffer);
     for (char& ch : buffer)
         ch = static_cast<char>(std::toupper(static_cast<unsigned char>(ch)));
     const std::string_view text(buffer);
@@ -372,4 +371,87 @@ void ParseSpdiAnswer(const std::string& answer, int& count, std::vector<TSpdiEnt
         slot = {plmn[1], plmn[0], plmn[3], plmn[5], plmn[4], plmn[2] != 'F' ? plmn[2] : '\0', '\0', '\0'};
     }
     count = slots - empty;
+}
+
+void ParseCopsListItem(std::string_view text, TNetworkListItem& item) {
+    item = TNetworkListItem{};
+    item.nValid = 1;
+    item.nAcT = 3;
+    const std::string owned(text);
+    std::sscanf(owned.c_str(), "%d", &item.nState);
+
+    const auto copyIfFits = [&owned](std::size_t open, std::size_t close, char* field, std::size_t size) {
+        const std::size_t length = close - open - 1;
+        if (length >= 1 && length < size) {
+            std::memcpy(field, owned.data() + open + 1, length);
+            field[length] = '\0';
+        }
+    };
+    // Each name is quoted and ends at a quote followed by a comma.
+    std::size_t pos = owned.find(',');
+    if (pos == std::string::npos)
+        return;
+    for (auto [field, size] : {std::pair{item.szLongName, sizeof item.szLongName},
+                               std::pair{item.szShortName, sizeof item.szShortName}}) {
+        const std::size_t open = owned.find('"', pos);
+        const std::size_t close = open == std::string::npos ? open : owned.find("\",", open + 1);
+        if (close == std::string::npos)
+            return;
+        copyIfFits(open, close, field, size);
+        pos = close + 2;
+    }
+
+    const std::size_t open = owned.find('"', pos);
+    if (open == std::string::npos)
+        return;
+    std::size_t close = owned.find("\",", open + 1);
+    if (close == std::string::npos) {
+        // No technology behind the numeric name: (1,"Op","Op","46000")
+        close = std::min(owned.find('"', open + 1), owned.size());
+        copyIfFits(open, close, item.szNumericName, sizeof item.szNumericName);
+        return;
+    }
+    copyIfFits(open, close, item.szNumericName, sizeof item.szNumericName);
+    int technology = 0;
+    if (std::sscanf(owned.c_str() + close + 2, "%d", &technology) == 1)
+        item.nAcT = technology;
+}
+
+int CopyWithoutBlanks(std::string_view text, char* buffer, int size) {
+    if (buffer == nullptr || size <= 0)
+        return 1;
+    std::memset(buffer, 0, static_cast<std::size_t>(size));
+    int written = 0;
+    for (const char ch : text) {
+        if (ch == ' ' || ch == '\t')
+            continue;
+        if (written == size - 1)
+            return 1;
+        buffer[written++] = ch;
+    }
+    return 0;
+}
+
+int DecodeDefault7Bit(const unsigned char* bytes, int length, wchar_t* text, int size) {
+    if (bytes == nullptr || text == nullptr)
+        return 0;
+    int used = 0;
+    int written = 0;
+    while (used < length && written < size) {
+        const unsigned char byte = bytes[used++];
+        if (byte >= 0x80) {
+            text[written++] = L' ';
+        } else if (byte == kGsm7Escape) {
+            const wchar_t extension = used < length ? Gsm7ExtensionToUnicode(bytes[used]) : kGsm7NoChar;
+            if (extension != kGsm7NoChar) {
+                text[written++] = extension;
+                ++used;
+            } else {
+                text[written++] = L' '; // the byte behind is read on its own
+            }
+        } else {
+            text[written++] = Gsm7DefaultToUnicode(byte);
+        }
+    }
+    return used;
 }

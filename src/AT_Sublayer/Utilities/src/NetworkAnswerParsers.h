@@ -2,6 +2,7 @@
 
 #include <list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "NetworkTypes.h"
@@ -44,3 +45,16 @@ int DecodeSimAlphaIdentifier(const unsigned char* bytes, int length, char16_t* n
 // for an FFFFFF entry; count is the slots less the empty ones. Without "+SPDI: ", its line end, the A3
 // tag or a length, count is 0 and entries empty.
 void ParseSpdiAnswer(const std::string& answer, int& count, std::vector<TSpdiEntry>& entries);
+
+// One operator of the AT+COPS=? list, the text between its brackets: 2,"Long name","Short","46000",2.
+// A name that does not fit its field stays empty; the access technology is 3 when the item has none.
+void ParseCopsListItem(std::string_view text, TNetworkListItem& item);
+
+// Copies text without blanks into the zeroed buffer, at most size - 1 characters; 1 when they did not all
+// fit.
+int CopyWithoutBlanks(std::string_view text, char* buffer, int size);
+
+// Decodes GSM default-alphabet bytes (3GPP TS 23.038, with the extension table after 0x1B), one byte per
+// character, into at most size characters (no terminator added); a byte of 0x80 or more, or an escape
+// without an extension character behind it, gives a blank. Returns the input bytes used.
+int DecodeDefault7Bit(const unsigned char* bytes, int length, wchar_t* text, int size);

@@ -7,7 +7,6 @@
 
 #include "AtParameter.h"
 #include "FamilyCommand.h"
-#include "Gsm7BitAlphabet.h"
 #include "ModemDialect.h"
 #include "NetworkAnswerParsers.h"
 #include "SystemUtility.h"
@@ -442,47 +441,7 @@ int CNetworkUtility::GetInfo(TNetworkInfo& info) {
 }
 
 void CNetworkUtility::ParseItemString(std::string_view text, TNetworkListItem& item) {
-    item = TNetworkListItem{};
-    item.nValid = 1;
-    item.nAcT = 3;
-    const std::string owned(text);
-    std::sscanf(owned.c_str(), "%d", &item.nState);
-
-    const auto copyIfFits = [&owned](std::size_t open, std::size_t close, char* field, std::size_t size) {
-        const std::size_t length = close - open - 1;
-        if (length >= 1 && length < size) {
-            std::memcpy(field, owned.data() + open + 1, length);
-            field[length] = '\0';
-        }
-    };
-    // Each name is quoted and ends at a quote followed by a comma.
-    std::size_t pos = owned.find(',');
-    if (pos == std::string::npos)
-        return;
-    for (auto [field, size] : {std::pair{item.szLongName, sizeof item.szLongName},
-                               std::pair{item.szShortName, sizeof item.szShortName}}) {
-        const std::size_t open = owned.find('"', pos);
-        const std::size_t close = open == std::string::npos ? open : owned.find("\",", open + 1);
-        if (close == std::string::npos)
-            return;
-        copyIfFits(open, close, field, size);
-        pos = close + 2;
-    }
-
-    const std::size_t open = owned.find('"', pos);
-    if (open == std::string::npos)
-        return;
-    std::size_t close = owned.find("\",", open + 1);
-    if (close == std::string::npos) {
-        // No technology behind the numeric name: (1,"Op","Op","46000")
-        close = std::min(owned.find('"', open + 1), owned.size());
-        copyIfFits(open, close, item.szNumericName, sizeof item.szNumericName);
-        return;
-    }
-    copyIfFits(open, close, item.szNumericName, sizeof item.szNumericName);
-    int technology = 0;
-    if (std::sscanf(owned.c_str() + close + 2, "%d", &technology) == 1)
-        item.nAcT = technology;
+    ParseCopsListItem(text, item);
 }
 
 int CNetworkUtility::CheckName(int format, const char* name) {
@@ -506,40 +465,9 @@ int CNetworkUtility::CheckName(int format, const char* name) {
 }
 
 int CNetworkUtility::TrimString(std::string_view text, char* buffer, int size) {
-    if (buffer == nullptr || size <= 0)
-        return 1;
-    std::memset(buffer, 0, static_cast<std::size_t>(size));
-    int written = 0;
-    for (const char ch : text) {
-        if (ch == ' ' || ch == '\t')
-            continue;
-        if (written == size - 1)
-            return 1;
-        buffer[written++] = ch;
-    }
-    return 0;
+    return CopyWithoutBlanks(text, buffer, size);
 }
 
 int CNetworkUtility::Default7BitToWstring(const unsigned char* bytes, int length, wchar_t* text, int size) {
-    if (bytes == nullptr || text == nullptr)
-        return 0;
-    int used = 0;
-    int written = 0;
-    while (used < length && written < size) {
-        const unsigned char byte = bytes[used++];
-        if (byte >= 0x80) {
-            text[written++] = L' ';
-        } else if (byte == kGsm7Escape) {
-            const wchar_t extension = used < length ? Gsm7ExtensionToUnicode(bytes[used]) : kGsm7NoChar;
-            if (extension != kGsm7NoChar) {
-                text[written++] = extension;
-                ++used;
-            } else {
-                text[written++] = L' '; // the byte behind is read on its own
-            }
-        } else {
-            text[written++] = Gsm7DefaultToUnicode(byte);
-        }
-    }
-    return used;
+    return DecodeDefault7Bit(bytes, length, text, size);
 }

@@ -72,16 +72,12 @@ public:
     // command itself succeeded.
     int GetSPDI(int& count, std::vector<TSpdiEntry>& entries);
 
-    // One operator of the list, the text between its brackets: 2,"Long name","Short","46000",2.
+    // The list item, blank-free copy and default-alphabet readers of NetworkAnswerParsers, under the names
+    // the family has always used.
     static void ParseItemString(std::string_view text, TNetworkListItem& item);
     // 1 when name fits format (0 long: 16 characters, 1 short: 8, 2 numeric: 6), else 0.
     static int CheckName(int format, const char* name);
-    // Copies text without blanks into the zeroed buffer, at most size - 1 characters; 1 when they did not
-    // all fit.
     static int TrimString(std::string_view text, char* buffer, int size);
-    // Decodes GSM default-alphabet bytes (3GPP TS 23.038, with the extension table after 0x1B), one byte
-    // per character, into at most size characters (no terminator added); a byte of 0x80 or more, or an
-    // escape without an extension character behind it, gives a blank. Returns the input bytes used.
     static int Default7BitToWstring(const unsigned char* bytes, int length, wchar_t* text, int size);
 
 private:

@@ -1,0 +1,148 @@
+#include "BLRecords.h"
+#include "E2ESupport.h"
+#include "ModemDialect.h"
+#include "Network/NetworkController.h"
+#include "QtEventLoop.h"
+#include "TempHome.h"
+
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// The simulated modem, opened the way the tool opens it, with the controller on its link.
+struct NetworkWorld {
+    explicit NetworkWorld(const QStringList& simulatorArguments = {}) : sim(simulatorArguments) {
+        ensureApplication();
+        registerRecordMetaTypes();
+        if (sim.started() && sim.control("set scan_delay_ms 0").value("ok").toBool())
+            opened = link.open(30000) == WORKER_OK;
+    }
+    // The outcome of the spy's latest signal, once it came.
+    Outcome outcome(QSignalSpy& spy) {
+        EXPECT_TRUE(waitFor([&] { return !spy.isEmpty(); }, 20s)) << spy.signal().toStdString();
+        return spy.isEmpty() ? Outcome{-1, 0} : spy.last().first().value<Outcome>();
+    }
+
+    TempHome home;
+    SimulatedModem sim;
+    ModemLink link;
+    NetworkController network{link};
+    bool opened = false;
+};
+
+// The link speaks the stick's dialect while it lives.
+struct DialectGuard {
+    explicit DialectGuard(bool standard) {
+        if (standard)
+            SetModemDialect(ModemDialect::Standard);
+    }
+    ~DialectGuard() { ResetModemDialect(); }
+};
+
+} // namespace
+
+// A scan brackets itself and lists every operator; a choice reaches the modem's registration, a refused
+// one comes back with the modem's cause, and automatic selection follows.
+TEST(NetworkController, ScanThenSelectReachTheModem) {
+    NetworkWorld w;
+    ASSERT_TRUE(w.opened);
+    QSignalSpy scanning(&w.network, &NetworkController::scanningChanged);
+    QSignalSpy scanned(&w.network, &NetworkController::scanFinished);
+    w.network.scan();
+    w.network.scan(); // ignored while the first runs
+    ASSERT_TRUE(w.outcome(scanned).ok());
+    EXPECT_EQ(scanned.count(), 1);
+    ASSERT_EQ(scanning.count(), 2);
+    EXPECT_TRUE(scanning.first().first().toBool());
+    EXPECT_FALSE(scanning.last().first().toBool());
+    const auto operators = scanned.last().at(1).value<QList<BLNetworkListItem>>();
+    ASSERT_EQ(operators.size(), 4);
+    EXPECT_EQ(operators.first().strNumericAlpha, "26202");
+    EXPECT_EQ(operators.first().nState, BLNetworkListItem::kStateCurrent);
+
+    struct Row {
+        const char* plmn; // empty: automatic
+        int code;
+        int cause;
+        int selection; // in the simulator afterwards
+    };
+    // clang-format off
+    const Row rows[] = {
+        {"26201", WORKER_OK,          0,      1},
+        {"26203", WORKER_ERR_GENERAL, 100032, 1}, // +CME ERROR: 32, emergency calls only
+        {"",      WORKER_OK,          0,      0},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.plmn);
+        QSignalSpy selected(&w.network, &NetworkController::selectFinished);
+        if (*row.plmn == '\0')
+            w.network.selectAutomatic();
+        else
+            w.network.selectOperator(QString::fromLatin1(row.plmn));
+        const Outcome outcome = w.outcome(selected);
+        EXPECT_EQ(outcome.code, row.code);
+        EXPECT_EQ(outcome.cause, row.cause);
+        EXPECT_EQ(selected.last().at(1).toString(), QString::fromLatin1(row.plmn));
+        EXPECT_EQ(w.sim.control("dump").value("network").toObject().value("selection").toInt(),
+                  row.selection);
+    }
+    QSignalSpy registration(&w.network, &NetworkController::registrationRead);
+    w.network.readRegistration();
+    ASSERT_TRUE(w.outcome(registration).ok());
+    EXPECT_EQ(registration.last().at(1).value<BLNetRegState>().nState, 3); // home network
+}
+
+// Band and mode as named values: read, applied in one go, and a mode the modem refuses named as such; a
+// standard stick refuses both as not supported, which the controller says once.
+TEST(NetworkController, BandAndModeAndTheirAbsenceOnStandardSticks) {
+    struct Row {
+        bool standard;
+        int readCode;
+        int applyCode;
+        NetworkController::RadioStep stoppedAt;
+    };
+    // clang-format off
+    const Row rows[] = {
+        {false, WORKER_OK,                WORKER_OK,                NetworkController::RadioStep::Mode},
+        {true,  WORKER_ERR_NOT_SUPPORTED, WORKER_ERR_NOT_SUPPORTED, NetworkController::RadioStep::Band},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.standard ? "standard" : "vendor");
+        const DialectGuard dialect(row.standard);
+        NetworkWorld w(row.standard ? QStringList{"--scenario", "standard"} : QStringList{});
+        ASSERT_TRUE(w.opened);
+        QSignalSpy unsupported(&w.network, &NetworkController::radioUnsupported);
+        QSignalSpy band(&w.network, &NetworkController::bandRead);
+        QSignalSpy mode(&w.network, &NetworkController::modeRead);
+        w.network.readBand();
+        w.network.readMode();
+        EXPECT_EQ(w.outcome(band).code, row.readCode);
+        EXPECT_EQ(w.outcome(mode).code, row.readCode);
+        if (row.readCode == WORKER_OK) {
+            EXPECT_EQ(band.last().at(1).value<NetworkBand>(), NetworkBand::Any);
+            EXPECT_EQ(mode.last().at(1).value<NetworkMode>(), NetworkMode::Automatic);
+        }
+        EXPECT_EQ(unsupported.count(), row.standard ? 1 : 0);
+        EXPECT_EQ(w.network.radioSupported(), !row.standard);
+
+        QSignalSpy applied(&w.network, &NetworkController::radioApplied);
+        w.network.applyRadio(NetworkBand::Umts2100, NetworkMode::Only3G);
+        EXPECT_EQ(w.outcome(applied).code, row.applyCode);
+        EXPECT_EQ(applied.last().at(1).value<NetworkController::RadioStep>(), row.stoppedAt);
+        if (row.standard)
+            continue;
+        mode.clear();
+        w.network.readMode();
+        ASSERT_TRUE(w.outcome(mode).ok());
+        EXPECT_EQ(mode.last().at(1).value<NetworkMode>(), NetworkMode::Only3G);
+        QSignalSpy set(&w.network, &NetworkController::modeSet);
+        w.network.setMode(static_cast<NetworkMode>(9));
+        EXPECT_EQ(w.outcome(set).code, WORKER_ERR_SET_NETWORK_MODE);
+    }
+}
