@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include <fcntl.h>
@@ -20,11 +21,12 @@
 #include <unistd.h>
 
 #include "AppConfig.h"
+#include "ApplicationShell.h"
 #include "BLRecords.h"
 #include "DeviceUtility.h"
 #include "FailureText.h"
-#include "ApplicationShell.h"
 #include "ModemLink.h"
+#include "Pin/PinController.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -209,6 +211,12 @@ QVariantMap ModemSession::request(const QString& name, const QVariant& argument,
     return response;
 }
 
+void ModemSession::wait(const std::function<bool()>& done, const std::string& what, int deadlineSeconds) {
+    TheWatchdog().arm(deadlineSeconds, what, _context.json, _simulator.pid(), _simulator.devDir());
+    _link->waitUntil(done);
+    TheWatchdog().disarm();
+}
+
 int ModemSession::checkPresent(const std::string& what) {
     if (ModemPresent())
         return EXIT_OK;
@@ -217,23 +225,33 @@ int ModemSession::checkPresent(const std::string& what) {
 }
 
 int ModemSession::check(const QVariantMap& response, const std::string& what) {
-    const int code = WorkNotification::GetErrorCode(response);
-    if (code == WORKER_OK)
+    return check(ModemOutcome::of(response), what);
+}
+
+int ModemSession::check(const ModemOutcome& outcome, const std::string& what) {
+    if (outcome.ok())
         return EXIT_OK;
     // A pulled stick cancels the command under way, and every later one fails the same way.
     if (const int gone = checkPresent(what))
         return gone;
-    const int cause = WorkNotification::GetSubErrorCode(response);
-    return ReportFailure(_context, code, what + ": " + FailureText(code, cause), cause);
+    return ReportFailure(_context, outcome.code, what + ": " + FailureText(outcome.code, outcome.cause),
+                         outcome.cause);
 }
 
 int ModemSession::requireSim() {
-    const QVariantMap response = request(MESSAGE_PIN_CHECK_STATE);
-    if (WorkNotification::GetErrorCode(response) != WORKER_OK)
-        return check(response, "reading the SIM's state");
+    PinController pin(*_link);
+    std::optional<ModemOutcome> outcome;
+    BLPinCheckState sim;
+    pin.readSimState([&](ModemOutcome answer, const BLPinCheckState& state) {
+        outcome = answer;
+        sim = state;
+    });
+    wait([&] { return outcome.has_value(); }, "reading the SIM's state");
+    if (!outcome->ok())
+        return check(*outcome, "reading the SIM's state");
     std::string text;
     int code = WORKER_OK;
-    if (!SimUnusable(WorkNotification::GetValueObject(response).value<BLPinCheckState>().nState, text, code))
+    if (!SimUnusable(sim.nState, text, code))
         return EXIT_OK;
     return ReportFailure(_context, code, text);
 }

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "CliSupport.h"
+#include "ModemOutcome.h"
 #include "Simulator.h"
 #include "StatusText.h"
 
@@ -19,8 +20,8 @@ class ModemLink;
 class QCoreApplication;
 
 // One run of the tool against the modem: the simulator when asked, the modem link, and the modem
-// initialised with "MESSAGE_INIT_WORK_THREAD". Requests wait for their answers; a request that outlives its deadline ends the process with exit status 1 and a message,
-// so the tool never hangs.
+// initialised with "MESSAGE_INIT_WORK_THREAD". Requests wait for their answers; a request that outlives its
+// deadline ends the process with exit status 1 and a message, so the tool never hangs.
 class ModemSession {
 public:
     static constexpr int kDefaultDeadlineSeconds = 60;
@@ -39,6 +40,11 @@ public:
     QVariantMap request(const QString& name, const QVariant& argument = {},
                         int deadlineSeconds = kDefaultDeadlineSeconds);
 
+    // Runs events until done() holds, for a controller's answer; a wait that outlives its deadline ends the
+    // process as a late request does.
+    void wait(const std::function<bool()>& done, const std::string& what,
+              int deadlineSeconds = kDefaultDeadlineSeconds);
+
     // The link, for the feature controllers; valid after a successful open().
     ModemLink& link() const { return *_link; }
     // The worker's request end, for controllers that send asynchronous requests; null before open().
@@ -48,6 +54,7 @@ public:
     // modem's own cause when the response carries one, "the modem was unplugged" when it is gone): text
     // and code on standard error, the error object with --json; EXIT_FAILED, or EXIT_OK when the code is 0.
     int check(const QVariantMap& response, const std::string& what);
+    int check(const ModemOutcome& outcome, const std::string& what);
 
     // EXIT_OK while the modem's ports are there; once the stick is pulled, "<what>: the modem was unplugged"
     // reported as a failure. For answers that succeed with empty fields when the modem is gone.
