@@ -14,19 +14,17 @@
 #include "FailureText.h"
 #include "ModemTextCheck.h"
 #include "SAT/STKTypes.h"
-#include "WorkMessageNames.h"
-#include "WorkNotification.h"
 
 namespace {
 
-// Get inkey and get input formats.
-constexpr int kFormatDigits = 0;
-constexpr int kFormatYesNo = 3;
+constexpr int kFormatDigits = ToolkitController::kFormatDigits;
+constexpr int kFormatYesNo = ToolkitController::kFormatYesNo;
+constexpr int kResultDone = ToolkitController::kResultDone;
 
 constexpr int kItemRole = Qt::UserRole + 1;
 
 bool IsMenu(const BLSatCommand& command) {
-    return command.nCommand == ToolkitPlugin::kMainMenu || command.nCommand == ToolkitPlugin::kSelectItem;
+    return ToolkitController::isMenu(command);
 }
 
 QPushButton* Button(const QString& text, const QString& objectName, QWidget* parent) {
@@ -37,7 +35,9 @@ QPushButton* Button(const QString& text, const QString& objectName, QWidget* par
 
 } // namespace
 
-ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
+ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent)
+    : ModulePlugin(context, parent), _controller(new ToolkitController(link(), this)) {
+    connect(_controller, &ToolkitController::supportChanged, this, &ModulePlugin::supportChanged);
     _title = CNSPlainLabel(QStringLiteral("title"), this);
     QFont bold = _title->font();
     bold.setBold(true);
@@ -90,7 +90,7 @@ ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     connect(_items, &QListWidget::itemActivated, this, &ToolkitPlugin::choose);
     connect(_items, &QListWidget::currentRowChanged, this, &ToolkitPlugin::updateButtons);
     connect(_back, &QPushButton::clicked, this, [this] {
-        answer(BLSatResponse{_current.nCommand, kResultBack, 0, {}});
+        answer(BLSatResponse{_current.nCommand, ToolkitController::kResultBack, 0, {}});
     });
     connect(_ok, &QPushButton::clicked, this, [this] {
         if (_current.nCommand == kGetInput || _current.nCommand == kGetInkey)
@@ -121,6 +121,7 @@ void ToolkitPlugin::modemGone() {
     _ready = false;
     emit supportChanged(true); // the next modem may have a toolkit
     ++_generation;
+    _controller->cancel();
     _busyState = false;
     _haveCommand = false;
     _current = {};
@@ -138,11 +139,10 @@ void ToolkitPlugin::setBusy(bool busy) {
     updateButtons();
 }
 
-void ToolkitPlugin::fail(const QString& what, const QVariantMap& response) {
-    _error->setText(tr("%1 failed: %2. Try again, or end the session to go back to the main menu.")
-                        .arg(what, QString::fromStdString(FailureText(
-                                       WorkNotification::GetErrorCode(response),
-                                       WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
+void ToolkitPlugin::fail(const QString& what, ModemOutcome outcome) {
+    _error->setText(
+        tr("%1 failed: %2. Try again, or end the session to go back to the main menu.")
+            .arg(what, QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
 }
 
 void ToolkitPlugin::loadMenu(const QString& note) {
@@ -152,28 +152,22 @@ void ToolkitPlugin::loadMenu(const QString& note) {
     _error->clear();
     _status->setText(note);
     setBusy(true);
-    link().request(
-        MESSAGE_STK_GET_MENU, {},
-        [this, generation](const QVariantMap& response) {
-            if (generation != _generation)
-                return;
-            setBusy(false);
-            const int code = WorkNotification::GetErrorCode(response);
-            emit supportChanged(code != WORKER_ERR_NOT_SUPPORTED);
-            if (code != WORKER_OK) {
-                showNoMenu(tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
-                              "menu; press Read again to retry.")
-                               .arg(ResponseFailureText(response)));
-                return;
-            }
-            const auto menu = WorkNotification::GetValueObject(response).value<BLSatCommand>();
-            if (menu.lstItems.isEmpty()) {
-                showNoMenu(tr("This SIM card has no toolkit menu."));
-                return;
-            }
-            showCommand(menu);
-        },
-        this);
+    _controller->readMenu([this, generation](ModemOutcome outcome, const BLSatCommand& menu) {
+        if (generation != _generation)
+            return;
+        setBusy(false);
+        if (!outcome.ok()) {
+            showNoMenu(tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
+                          "menu; press Read again to retry.")
+                           .arg(QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
+            return;
+        }
+        if (menu.lstItems.isEmpty()) {
+            showNoMenu(tr("This SIM card has no toolkit menu."));
+            return;
+        }
+        showCommand(menu);
+    });
 }
 
 void ToolkitPlugin::showNoMenu(const QString& why) {
@@ -193,23 +187,19 @@ void ToolkitPlugin::answer(const BLSatResponse& response) {
     _error->clear();
     _status->clear();
     setBusy(true);
-    link().request(
-        MESSAGE_STK_SELECT_ITEM, QVariant::fromValue(response),
-        [this, generation](const QVariantMap& reply) {
-            if (generation != _generation)
-                return;
-            setBusy(false);
-            if (WorkNotification::GetErrorCode(reply) != WORKER_OK) {
-                fail(tr("Sending your answer to the card"), reply);
-                return;
-            }
-            const auto next = WorkNotification::GetValueObject(reply).value<BLSatCommand>();
-            if (next.nCommand == kSessionEnd || (IsMenu(next) && next.lstItems.isEmpty()))
-                loadMenu(tr("The card ended the dialogue."));
-            else
-                showCommand(next);
-        },
-        this);
+    _controller->answer(response, [this, generation](ModemOutcome outcome, const BLSatCommand& next) {
+        if (generation != _generation)
+            return;
+        setBusy(false);
+        if (!outcome.ok()) {
+            fail(tr("Sending your answer to the card"), outcome);
+            return;
+        }
+        if (next.nCommand == kSessionEnd || (IsMenu(next) && next.lstItems.isEmpty()))
+            loadMenu(tr("The card ended the dialogue."));
+        else
+            showCommand(next);
+    });
 }
 
 void ToolkitPlugin::showCommand(const BLSatCommand& command) {
@@ -289,17 +279,14 @@ void ToolkitPlugin::endSession() {
         return;
     const int generation = _generation;
     setBusy(true);
-    link().request(
-        MESSAGE_STK_SELECT_ITEM,
-        QVariant::fromValue(BLSatResponse{_current.nCommand, kResultEndedByUser, 0, {}}),
-        [this, generation](const QVariantMap&) {
-            if (generation != _generation)
-                return;
-            // Whatever the card answers, the main menu is shown again.
-            setBusy(false);
-            loadMenu();
-        },
-        this);
+    _controller->answer(BLSatResponse{_current.nCommand, ToolkitController::kResultEndedByUser, 0, {}},
+                        [this, generation](ModemOutcome, const BLSatCommand&) {
+                            if (generation != _generation)
+                                return;
+                            // Whatever the card answers, the main menu is shown again.
+                            setBusy(false);
+                            loadMenu();
+                        });
 }
 
 void ToolkitPlugin::updateButtons() {

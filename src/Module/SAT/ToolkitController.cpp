@@ -1,0 +1,261 @@
+#include "ToolkitController.h"
+
+#include <QTimer>
+
+#include "CNSLog.h"
+#include "ConvertUtilty.h"
+#include "ModemLink.h"
+#include "STKCodec.h"
+#include "WorkMessageNames.h"
+
+namespace {
+
+// Item identifiers are one octet on the card.
+constexpr int kMaxItemId = 255;
+
+QList<BLSatMenuItem> MenuItems(const std::list<TSTKMenuItem>& items) {
+    QList<BLSatMenuItem> result;
+    for (const TSTKMenuItem& item : items)
+        result.append(BLSatMenuItem{item.nItemId, ConvertUtilty::fromWString(item.wstrText)});
+    return result;
+}
+
+} // namespace
+
+ToolkitController::ToolkitController(ModemLink& link, QObject* parent) : QObject(parent), _link(link) {}
+
+bool ToolkitController::isMenu(const BLSatCommand& command) {
+    return command.nCommand == kMainMenu || command.nCommand == kSelectItem;
+}
+
+void ToolkitController::cancel() {
+    ++_generation;
+}
+
+void ToolkitController::finish(const Result& done, ModemOutcome outcome, const BLSatCommand& command) {
+    if (outcome.ok())
+        emit commandReceived(command);
+    else
+        emit failed(outcome);
+    if (done)
+        done(outcome, command);
+}
+
+void ToolkitController::readCharSet(std::function<void(int teSet)> next, const Result& done) {
+    const int generation = _generation;
+    _link.request(
+        MESSAGE_STK_GET_CHARSET, {},
+        [this, generation, next, done](const QVariantMap& response) {
+            if (generation != _generation)
+                return;
+            const ModemOutcome outcome = ModemOutcome::of(response);
+            if (!outcome.ok())
+                return finish(done, outcome);
+            next(WorkNotification::GetValueObject(response).toInt());
+        },
+        this);
+}
+
+void ToolkitController::readMenu(Result done) {
+    const int generation = _generation;
+    _link.request(
+        MESSAGE_STK_GET_MENU, {},
+        [this, generation, done](const QVariantMap& response) {
+            if (generation != _generation)
+                return;
+            const ModemOutcome outcome = ModemOutcome::of(response);
+            emit supportChanged(outcome.code != WORKER_ERR_NOT_SUPPORTED);
+            if (!outcome.ok())
+                return finish(done, outcome);
+            const std::string listing = WorkNotification::GetValueObject(response).toString().toStdString();
+            readCharSet(
+                [this, listing, done](int teSet) {
+                    const BLSatCommand menu = decodeListing(listing, teSet);
+                    if (menu.nType != STK_TYPE_SETUP_MENU) {
+                        CNSLOG(2, "no main menu in %s", listing.c_str());
+                        return finish(done, {WORKER_ERR_GENERAL, 0});
+                    }
+                    finish(done, {}, menu);
+                },
+                done);
+        },
+        this);
+}
+
+void ToolkitController::answer(const BLSatResponse& answer, Result done) {
+    std::string command;
+    if (!encodeAnswer(answer, USSD_TE_IRA, command)) {
+        CNSLOG(2, "no answer to toolkit command %d", answer.nCommand);
+        return finish(done, {WORKER_ERR_GENERAL, 0});
+    }
+    // Texts of the answer go in the modem's character set.
+    readCharSet(
+        [this, answer, done](int teSet) {
+            std::string command;
+            encodeAnswer(answer, teSet, command);
+            const int generation = _generation;
+            _deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kIndicationWaitMs);
+            _link.request(
+                MESSAGE_STK_SELECT_ITEM, QString::fromStdString(command),
+                [this, generation, teSet, done](const QVariantMap& response) {
+                    takeAnnounced(response, teSet, generation, done);
+                },
+                this);
+        },
+        done);
+}
+
+void ToolkitController::takeAnnounced(const QVariantMap& response, int teSet, int generation,
+                                      const Result& done) {
+    if (generation != _generation)
+        return;
+    const ModemOutcome outcome = ModemOutcome::of(response);
+    if (!outcome.ok())
+        return finish(done, outcome);
+    const QString listing = WorkNotification::GetValueObject(response).toString();
+    if (!listing.isEmpty())
+        return finish(done, {}, decodeListing(listing.toStdString(), teSet));
+    if (std::chrono::steady_clock::now() >= _deadline) {
+        CNSLOG(2, "no toolkit command after the answer");
+        return finish(done, {WORKER_ERR_TIME_OUT, 0});
+    }
+    QTimer::singleShot(kPollIntervalMs, this, [this, generation, teSet, done] {
+        if (generation != _generation)
+            return;
+        _link.request(
+            MESSAGE_STK_POLL, {},
+            [this, generation, teSet, done](const QVariantMap& response) {
+                takeAnnounced(response, teSet, generation, done);
+            },
+            this);
+    });
+}
+
+BLSatCommand ToolkitController::decodeListing(const std::string& text, int teSet) {
+    BLSatCommand command;
+    command.nCommand = CSTKCodec::SplitListingLine(text).nCommand;
+    int type = STK_TYPE_UNKNOWN;
+    CSTKCodec::GetProactiveCommandType(text, type);
+    command.nType = type;
+    const auto textOf = [](const std::wstring& wide) { return ConvertUtilty::fromWString(wide); };
+    switch (type) {
+    case STK_TYPE_SETUP_MENU: {
+        TSTKSetupMenuReq req;
+        CSTKCodec::DecodeSetupMenuReq(text, req, teSet);
+        command.strText = textOf(req.wstrTitle);
+        command.lstItems = MenuItems(req.lstItems);
+        break;
+    }
+    case STK_TYPE_SELECT_ITEM: {
+        TSTKSelectItemReq req;
+        CSTKCodec::DecodeSelectItemReq(text, req, teSet);
+        command.strText = textOf(req.wstrTitle);
+        command.nDefaultItem = req.nDefaultItem;
+        command.lstItems = MenuItems(req.lstItems);
+        break;
+    }
+    case STK_TYPE_DISPLAY_TEXT: {
+        TSTKDisplayTextReq req;
+        CSTKCodec::DecodeDisplayTextReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    case STK_TYPE_GET_INKEY: {
+        TSTKGetInkeyReq req;
+        CSTKCodec::DecodeGetInkeyReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        command.nFormat = req.nFormat;
+        break;
+    }
+    case STK_TYPE_GET_INPUT: {
+        TSTKGetInputReq req;
+        CSTKCodec::DecodeGetInputReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        command.nFormat = req.nFormat;
+        command.nMinLength = req.nMinLength;
+        command.nMaxLength = req.nMaxLength;
+        command.strDefaultText = textOf(req.wstrDefaultText);
+        break;
+    }
+    case STK_TYPE_PLAY_TONE: {
+        TSTKPlayToneReq req;
+        CSTKCodec::DecodePlayToneReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    case STK_TYPE_SETUP_CALL: {
+        TSTKSetupCallReq req;
+        CSTKCodec::DecodeSetupCallReq(text, req, teSet);
+        command.strText = textOf(req.wstrConfirmText);
+        break;
+    }
+    case STK_TYPE_SETUP_IDLE_MODE_TEXT: {
+        TSTKSetupIdleModeTextReq req;
+        CSTKCodec::DecodeSetupIdleModeTextReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    case STK_TYPE_SEND_SMS: {
+        TSTKSendSMSReq req;
+        CSTKCodec::DecodeSendSMSReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    case STK_TYPE_SEND_USSD: {
+        TSTKSendUSSDReq req;
+        CSTKCodec::DecodeSendUSSDReq(text, req, teSet);
+        command.strText = textOf(req.wstrText);
+        break;
+    }
+    default:
+        break;
+    }
+    return command;
+}
+
+bool ToolkitController::encodeAnswer(const BLSatResponse& answer, int teSet, std::string& command) {
+    if (answer.nItemId > kMaxItemId)
+        return false;
+    const std::wstring text = ConvertUtilty::toWString(answer.strText);
+    int result = 1;
+    switch (answer.nCommand) {
+    case STK_MODEM_SETUP_MENU:
+        result = CSTKCodec::EncodeMenuSelectionEnvelope(answer.nResult, answer.nItemId, command);
+        break;
+    case STK_MODEM_SELECT_ITEM:
+        result = CSTKCodec::EncodeSelectItemResponse(answer.nResult, answer.nItemId, command);
+        break;
+    case STK_MODEM_DISPLAY_TEXT:
+        result = CSTKCodec::EncodeDisplayTextResponse(answer.nResult, nullptr, command);
+        break;
+    case STK_MODEM_GET_INKEY:
+        result = CSTKCodec::EncodeGetInkeyResponse(answer.nResult, text.empty() ? answer.nItemId : -1, text,
+                                                   command, teSet);
+        break;
+    case STK_MODEM_GET_INPUT:
+        result = CSTKCodec::EncodeGetInputResponse(answer.nResult, text, command, teSet);
+        break;
+    case STK_MODEM_PLAY_TONE:
+        result = CSTKCodec::EncodePlayToneResponse(answer.nResult, command);
+        break;
+    case STK_MODEM_SETUP_CALL:
+        result = CSTKCodec::EncodeSetupCallResponse(answer.nResult, nullptr, command);
+        break;
+    case STK_MODEM_SETUP_IDLE_MODE_TEXT:
+        result = CSTKCodec::EncodeSetupIdleModeTextResponse(answer.nResult, command);
+        break;
+    case STK_MODEM_SEND_DTMF:
+        result = CSTKCodec::EncodeSendDTMFResponse(answer.nResult, nullptr, command);
+        break;
+    case STK_MODEM_LANGUAGE_NOTIFICATION:
+        result = CSTKCodec::EncodeLanguageNotificationResponse(answer.nResult, nullptr, command);
+        break;
+    default:
+        break;
+    }
+    if (result != 0)
+        return false;
+    if (!command.empty() && command.back() == '\r')
+        command.pop_back();
+    return true;
+}
