@@ -101,8 +101,8 @@ std::optional<int> FindItem(const BLSatCommand& menu, const std::string& argumen
 }
 
 // Waits for the controller's result; the command it carries on success.
-int Await(ModemSession& session, const std::function<void(ToolkitController::Result)>& start, BLSatCommand& command,
-          const std::string& what) {
+int Await(ModemSession& session, const std::function<void(ToolkitController::Result)>& start,
+          BLSatCommand& command, const std::string& what) {
     std::optional<ModemOutcome> outcome;
     start([&](ModemOutcome answer, const BLSatCommand& received) {
         outcome = answer;
@@ -115,7 +115,8 @@ int Await(ModemSession& session, const std::function<void(ToolkitController::Res
 int GetMenu(ModemSession& session, ToolkitController& toolkit, BLSatCommand& menu) {
     ReportProgress("reading the SIM's menu");
     return Await(
-        session, [&](ToolkitController::Result done) { toolkit.readMenu(done); }, menu, "reading the SIM's menu");
+        session, [&](ToolkitController::Result done) { toolkit.readMenu(done); }, menu,
+        "reading the SIM's menu");
 }
 
 int Answer(ModemSession& session, ToolkitController& toolkit, const BLSatResponse& answer, BLSatCommand& next,

@@ -140,9 +140,9 @@ void ToolkitPlugin::setBusy(bool busy) {
 }
 
 void ToolkitPlugin::fail(const QString& what, ModemOutcome outcome) {
-    _error->setText(
-        tr("%1 failed: %2. Try again, or end the session to go back to the main menu.")
-            .arg(what, QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
+    _error->setText(tr("%1 failed: %2. Try again, or end the session to go back to the main menu.")
+                        .arg(what, QString::fromStdString(
+                                       FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
 }
 
 void ToolkitPlugin::loadMenu(const QString& note) {
@@ -159,7 +159,8 @@ void ToolkitPlugin::loadMenu(const QString& note) {
         if (!outcome.ok()) {
             showNoMenu(tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
                           "menu; press Read again to retry.")
-                           .arg(QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
+                           .arg(QString::fromStdString(
+                               FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
             return;
         }
         if (menu.lstItems.isEmpty()) {
