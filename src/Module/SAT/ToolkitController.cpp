@@ -20,6 +20,15 @@ QList<BLSatMenuItem> MenuItems(const std::list<TSTKMenuItem>& items) {
     return result;
 }
 
+// The text of a command that brings only a text to show.
+template <class Request>
+QString ShownText(int (*decode)(const std::string&, Request&, int), std::wstring Request::*field,
+                  const std::string& listing, int teSet) {
+    Request request;
+    decode(listing, request, teSet);
+    return ConvertUtilty::fromWString(request.*field);
+}
+
 } // namespace
 
 ToolkitController::ToolkitController(ModemLink& link, QObject* parent) : QObject(parent), _link(link) {}
@@ -137,76 +146,60 @@ BLSatCommand ToolkitController::decodeListing(const std::string& text, int teSet
     int type = STK_TYPE_UNKNOWN;
     CSTKCodec::GetProactiveCommandType(text, type);
     command.nType = type;
-    const auto textOf = [](const std::wstring& wide) { return ConvertUtilty::fromWString(wide); };
     switch (type) {
     case STK_TYPE_SETUP_MENU: {
         TSTKSetupMenuReq req;
         CSTKCodec::DecodeSetupMenuReq(text, req, teSet);
-        command.strText = textOf(req.wstrTitle);
+        command.strText = ConvertUtilty::fromWString(req.wstrTitle);
         command.lstItems = MenuItems(req.lstItems);
         break;
     }
     case STK_TYPE_SELECT_ITEM: {
         TSTKSelectItemReq req;
         CSTKCodec::DecodeSelectItemReq(text, req, teSet);
-        command.strText = textOf(req.wstrTitle);
+        command.strText = ConvertUtilty::fromWString(req.wstrTitle);
         command.nDefaultItem = req.nDefaultItem;
         command.lstItems = MenuItems(req.lstItems);
         break;
     }
-    case STK_TYPE_DISPLAY_TEXT: {
-        TSTKDisplayTextReq req;
-        CSTKCodec::DecodeDisplayTextReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
+    case STK_TYPE_DISPLAY_TEXT:
+        command.strText =
+            ShownText(&CSTKCodec::DecodeDisplayTextReq, &TSTKDisplayTextReq::wstrText, text, teSet);
         break;
-    }
     case STK_TYPE_GET_INKEY: {
         TSTKGetInkeyReq req;
         CSTKCodec::DecodeGetInkeyReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
+        command.strText = ConvertUtilty::fromWString(req.wstrText);
         command.nFormat = req.nFormat;
         break;
     }
     case STK_TYPE_GET_INPUT: {
         TSTKGetInputReq req;
         CSTKCodec::DecodeGetInputReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
+        command.strText = ConvertUtilty::fromWString(req.wstrText);
         command.nFormat = req.nFormat;
         command.nMinLength = req.nMinLength;
         command.nMaxLength = req.nMaxLength;
-        command.strDefaultText = textOf(req.wstrDefaultText);
+        command.strDefaultText = ConvertUtilty::fromWString(req.wstrDefaultText);
         break;
     }
-    case STK_TYPE_PLAY_TONE: {
-        TSTKPlayToneReq req;
-        CSTKCodec::DecodePlayToneReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
+    case STK_TYPE_PLAY_TONE:
+        command.strText = ShownText(&CSTKCodec::DecodePlayToneReq, &TSTKPlayToneReq::wstrText, text, teSet);
         break;
-    }
-    case STK_TYPE_SETUP_CALL: {
-        TSTKSetupCallReq req;
-        CSTKCodec::DecodeSetupCallReq(text, req, teSet);
-        command.strText = textOf(req.wstrConfirmText);
+    case STK_TYPE_SETUP_CALL:
+        command.strText =
+            ShownText(&CSTKCodec::DecodeSetupCallReq, &TSTKSetupCallReq::wstrConfirmText, text, teSet);
         break;
-    }
-    case STK_TYPE_SETUP_IDLE_MODE_TEXT: {
-        TSTKSetupIdleModeTextReq req;
-        CSTKCodec::DecodeSetupIdleModeTextReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
+    case STK_TYPE_SETUP_IDLE_MODE_TEXT:
+        command.strText = ShownText(&CSTKCodec::DecodeSetupIdleModeTextReq,
+                                    &TSTKSetupIdleModeTextReq::wstrText, text, teSet);
         break;
-    }
-    case STK_TYPE_SEND_SMS: {
-        TSTKSendSMSReq req;
-        CSTKCodec::DecodeSendSMSReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
+    case STK_TYPE_SEND_SMS:
+        command.strText = ShownText(&CSTKCodec::DecodeSendSMSReq, &TSTKSendSMSReq::wstrText, text, teSet);
         break;
-    }
-    case STK_TYPE_SEND_USSD: {
-        TSTKSendUSSDReq req;
-        CSTKCodec::DecodeSendUSSDReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
+    case STK_TYPE_SEND_USSD:
+        command.strText = ShownText(&CSTKCodec::DecodeSendUSSDReq, &TSTKSendUSSDReq::wstrText, text, teSet);
         break;
-    }
     default:
         break;
     }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "ModemOutcome.h"
+#include "STKTypes.h"
 #include "SatRecords.h"
 
 class ModemLink;
@@ -36,6 +37,9 @@ public:
     // Get inkey and get input formats.
     static constexpr int kFormatDigits = 0;
     static constexpr int kFormatYesNo = 3;
+
+    // The longest text an answer carries.
+    static constexpr int kMaxAnswerChars = kSTKMaxTextChars;
 
     static constexpr int kPollIntervalMs = 200;
     static constexpr int kIndicationWaitMs = 10000;

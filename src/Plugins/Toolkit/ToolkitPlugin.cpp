@@ -13,7 +13,6 @@
 #include "CNSLabels.h"
 #include "FailureText.h"
 #include "ModemTextCheck.h"
-#include "SAT/STKTypes.h"
 
 namespace {
 
@@ -22,10 +21,6 @@ constexpr int kFormatYesNo = ToolkitController::kFormatYesNo;
 constexpr int kResultDone = ToolkitController::kResultDone;
 
 constexpr int kItemRole = Qt::UserRole + 1;
-
-bool IsMenu(const BLSatCommand& command) {
-    return ToolkitController::isMenu(command);
-}
 
 QPushButton* Button(const QString& text, const QString& objectName, QWidget* parent) {
     auto* button = new QPushButton(text, parent);
@@ -196,7 +191,7 @@ void ToolkitPlugin::answer(const BLSatResponse& response) {
             fail(tr("Sending your answer to the card"), outcome);
             return;
         }
-        if (next.nCommand == kSessionEnd || (IsMenu(next) && next.lstItems.isEmpty()))
+        if (next.nCommand == kSessionEnd || (ToolkitController::isMenu(next) && next.lstItems.isEmpty()))
             loadMenu(tr("The card ended the dialogue."));
         else
             showCommand(next);
@@ -211,7 +206,7 @@ void ToolkitPlugin::showCommand(const BLSatCommand& command) {
     _input->setValidator(nullptr);
     _inputHint->clear();
 
-    const bool menu = IsMenu(command);
+    const bool menu = ToolkitController::isMenu(command);
     _title->setText(command.nCommand == kMainMenu
                         ? (command.strText.isEmpty() ? tr("SIM Toolkit") : command.strText)
                     : menu ? command.strText
@@ -258,7 +253,7 @@ void ToolkitPlugin::showCommand(const BLSatCommand& command) {
 }
 
 void ToolkitPlugin::choose() {
-    if (!IsMenu(_current) || !_items->currentItem())
+    if (!ToolkitController::isMenu(_current) || !_items->currentItem())
         return;
     answer(BLSatResponse{_current.nCommand, kResultDone, _items->currentItem()->data(kItemRole).toInt(), {}});
 }
@@ -266,8 +261,8 @@ void ToolkitPlugin::choose() {
 void ToolkitPlugin::sendInput() {
     if (!_ok->isEnabled())
         return;
-    if (const QString problem =
-            ModemTextProblem(tr("the answer"), _input->text(), static_cast<std::size_t>(kSTKMaxTextChars));
+    if (const QString problem = ModemTextProblem(
+            tr("the answer"), _input->text(), static_cast<std::size_t>(ToolkitController::kMaxAnswerChars));
         !problem.isEmpty()) {
         _error->setText(problem);
         return;
@@ -292,7 +287,7 @@ void ToolkitPlugin::endSession() {
 
 void ToolkitPlugin::updateButtons() {
     const int command = _haveCommand ? _current.nCommand : -1;
-    const bool menu = _haveCommand && IsMenu(_current);
+    const bool menu = _haveCommand && ToolkitController::isMenu(_current);
     const bool yesNo = command == kGetInkey && _current.nFormat == kFormatYesNo;
     const bool typed = command == kGetInput || (command == kGetInkey && !yesNo);
     const bool idle = _ready && !_busyState;
