@@ -885,26 +885,14 @@ std::string takeSatIndications(ComOperation& com) {
 
 } // namespace
 
-int BusinessOperator::SatGetMenu(QVariantMap& response) {
-    std::string text;
-    const int result = _pAtSubLayer->STKInit(text);
-    if (result == 0) {
-        WorkNotification::SetValueObject(response, QString::fromStdString(text));
-    }
-    return result;
-}
-
-int BusinessOperator::SatGetCharSet(QVariantMap& response) {
-    if (StandardDialect()) {
-        return WORKER_ERR_NOT_SUPPORTED; // no toolkit commands on such a stick
-    }
+int BusinessOperator::satCharSet(int& teSet) {
     // AT+CSCS? -> +CSCS: "UCS2". The quoted toolkit texts are in this set; IRA when the answer names none.
     std::string text;
     const int result = _pAtSubLayer->STKSendCommand("AT+CSCS?\r", text);
     if (result != 0) {
         return result;
     }
-    int teSet = USSD_TE_IRA;
+    teSet = USSD_TE_IRA;
     for (const auto& [name, set] : {std::pair{"UCS2", USSD_TE_UCS2}, std::pair{"IRA", USSD_TE_IRA},
                                     std::pair{"GSM", USSD_TE_GSM}, std::pair{"HEX", USSD_TE_HEX}}) {
         if (text.find(name) != std::string::npos) {
@@ -912,11 +900,22 @@ int BusinessOperator::SatGetCharSet(QVariantMap& response) {
             break;
         }
     }
-    WorkNotification::SetValueObject(response, teSet);
     return 0;
 }
 
-int BusinessOperator::satFetchAnnounced(QVariantMap& response) {
+int BusinessOperator::SatGetMenu(QVariantMap& response) {
+    std::string text;
+    int result = _pAtSubLayer->STKInit(text);
+    int teSet = USSD_TE_IRA;
+    if (result != 0 || (result = satCharSet(teSet)) != 0) {
+        return result;
+    }
+    WorkNotification::SetValueObject(
+        response, QVariantMap{{SatKey::kListing, QString::fromStdString(text)}, {SatKey::kCharSet, teSet}});
+    return 0;
+}
+
+int BusinessOperator::satFetchAnnounced(int teSet, QVariantMap& response) {
     const std::string indication = takeSatIndications(*_com);
     std::string fetched;
     if (!indication.empty()) {
@@ -924,7 +923,10 @@ int BusinessOperator::satFetchAnnounced(QVariantMap& response) {
             return result;
         }
     }
-    WorkNotification::SetValueObject(response, QString::fromStdString(fetched));
+    WorkNotification::SetValueObject(response,
+                                     QVariantMap{{SatKey::kSent, true},
+                                                 {SatKey::kListing, QString::fromStdString(fetched)},
+                                                 {SatKey::kCharSet, teSet}});
     return 0;
 }
 
@@ -934,27 +936,39 @@ int BusinessOperator::SatSelectItem(const QVariantMap& request, QVariantMap& res
         PARAMETER_NULL();
     }
     if (StandardDialect()) {
-        return WORKER_ERR_NOT_SUPPORTED;
+        return WORKER_ERR_NOT_SUPPORTED; // no toolkit commands on such a stick
     }
     if (_com == nullptr) {
         return WORKER_ERR_GENERAL;
     }
-    const QString command = value.toString();
+    const QVariantMap answer = value.toMap();
+    const QString command = answer.value(SatKey::kCommand).toString();
     if (!isSatAnswerCommand(command)) {
         CNSLOG(2, "not a toolkit answer");
         return WORKER_ERR_INVALID_ARGUMENT;
+    }
+    int teSet = USSD_TE_IRA;
+    int result = satCharSet(teSet);
+    if (result != 0) {
+        return result;
+    }
+    if (answer.value(SatKey::kCharSet, teSet).toInt() != teSet) {
+        // Built for another set: the texts in it would reach the card garbled.
+        WorkNotification::SetValueObject(response,
+                                         QVariantMap{{SatKey::kSent, false}, {SatKey::kCharSet, teSet}});
+        return 0;
     }
     // Indications still queued belong to a dialogue this answer replaces.
     takeSatIndications(*_com);
     std::string text;
     const QByteArray line = command.toLatin1() + '\r';
-    if (const int result = _pAtSubLayer->STKSendCommand(line.constData(), text); result != 0) {
+    if ((result = _pAtSubLayer->STKSendCommand(line.constData(), text)) != 0) {
         return result;
     }
     if (text.empty()) {
         return WORKER_ERR_GENERAL; // "ERROR" or "+CME ERROR": the card did not take it
     }
-    return satFetchAnnounced(response);
+    return satFetchAnnounced(teSet, response);
 }
 
 int BusinessOperator::SatPoll(QVariantMap& response) {
@@ -966,10 +980,25 @@ int BusinessOperator::SatPoll(QVariantMap& response) {
     }
     // The modem gives out held lines on a bare AT.
     std::string poll;
-    if (const int result = _pAtSubLayer->STKSendCommand("AT\r", poll); result != 0) {
+    int result = _pAtSubLayer->STKSendCommand("AT\r", poll);
+    if (result != 0) {
         return result;
     }
-    return satFetchAnnounced(response);
+    QVariantMap fetched;
+    if ((result = satFetchAnnounced(USSD_TE_IRA, fetched)) != 0) {
+        return result;
+    }
+    // Other requests ran since the answer: the set is read again for a listing that came.
+    QVariantMap value = WorkNotification::GetValueObject(fetched).toMap();
+    if (!value.value(SatKey::kListing).toString().isEmpty()) {
+        int teSet = USSD_TE_IRA;
+        if ((result = satCharSet(teSet)) != 0) {
+            return result;
+        }
+        value[SatKey::kCharSet] = teSet;
+    }
+    WorkNotification::SetValueObject(response, value);
+    return 0;
 }
 
 // ---- Voice calls ----

@@ -115,15 +115,15 @@ public:
     static QDateTime convertDateTimeType2NSDate(const TSmsDateTime& dateTime);
 
     // SIM toolkit menus, as the modem lists them: the toolkit controller reads the "+STGI:" listings and
-    // builds the answers. SatGetMenu stores the main menu's listing (AT+STGI=17) as text, SatGetCharSet the
-    // character set its texts are in (AT+CSCS?, a USSD_TE_* number). SatSelectItem sends an answer to the
-    // card ("AT+STGR=..." without its "\r": 45 for any other command line) and SatPoll a bare AT that lets
-    // the modem give out held lines; both store the listing of the command the card has announced by then
-    // ("+STIN: 11" then AT+STGI=11; the sublayer's text for the end of the dialogue), or an empty text when
-    // none came yet. 46 on a stick without the toolkit commands.
+    // builds the answers (dictionary keys at SatKey). SatGetMenu stores the main menu's listing
+    // (AT+STGI=17) with the character set (AT+CSCS?). SatSelectItem sends an answer to the card (an
+    // "AT+STGR=..." line without its "\r": 45 for any other command line) when the modem's set is still
+    // the one it was built for, and SatPoll a bare AT that lets the modem give out held lines; both store
+    // the listing of the command the card has announced by then ("+STIN: 11" then AT+STGI=11; the
+    // sublayer's text for the end of the dialogue), or an empty text when none came yet. 46 on a stick
+    // without the toolkit commands.
     static constexpr int kSatAnswerMaxLength = 4096;
     int SatGetMenu(QVariantMap& response);
-    int SatGetCharSet(QVariantMap& response);
     int SatSelectItem(const QVariantMap& request, QVariantMap& response);
     int SatPoll(QVariantMap& response);
 
@@ -148,8 +148,10 @@ public:
     int GPSUninit();
 
 private:
-    // The command the card announced since the last answer, fetched; an empty text when none.
-    int satFetchAnnounced(QVariantMap& response);
+    // The modem's character set, a USSD_TE_* number.
+    int satCharSet(int& teSet);
+    // The command the card announced since the last answer, fetched; an empty listing when none.
+    int satFetchAnnounced(int teSet, QVariantMap& response);
     NetworkOperator* _networkOperator = nullptr;
     TInterfaceAtSublayer* _pAtSubLayer = nullptr;
     ComOperation* _com = nullptr;

@@ -54,6 +54,19 @@ struct BLSatResponse {
     bool operator==(const BLSatResponse& other) const = default;
 };
 
+// The toolkit's raw requests carry dictionaries with these keys. "MESSAGE_STK_SELECT_ITEM" takes the
+// answer as the modem takes it ("AT+STGR=0,0,2", kCommand) and the character set it was built for
+// (kCharSet); it goes out only while the modem still uses that set (kSent). The answers of it, of
+// "MESSAGE_STK_GET_MENU" and of "MESSAGE_STK_POLL" hold the card's "+STGI:" listing as the modem gave it
+// (kListing, empty while the card has announced nothing) and the set its texts are in (kCharSet, a
+// USSD_TE_* number).
+namespace SatKey {
+inline const QString kCommand = QStringLiteral("COMMAND");
+inline const QString kCharSet = QStringLiteral("CHARSET");
+inline const QString kSent = QStringLiteral("SENT");
+inline const QString kListing = QStringLiteral("LISTING");
+} // namespace SatKey
+
 Q_DECLARE_METATYPE(BLSatMenuItem)
 Q_DECLARE_METATYPE(BLSatCommand)
 Q_DECLARE_METATYPE(BLSatResponse)

@@ -54,7 +54,6 @@ inline const QString MESSAGE_USSD_SETSTATE = QStringLiteral("MESSAGE_USSD_SETSTA
 inline const QString MESSAGE_USSD_SENDCMD = QStringLiteral("MESSAGE_USSD_SENDCMD");
 inline const QString MESSAGE_STK_GET_MENU = QStringLiteral("MESSAGE_STK_GET_MENU");
 inline const QString MESSAGE_STK_SELECT_ITEM = QStringLiteral("MESSAGE_STK_SELECT_ITEM");
-inline const QString MESSAGE_STK_GET_CHARSET = QStringLiteral("MESSAGE_STK_GET_CHARSET");
 inline const QString MESSAGE_STK_POLL = QStringLiteral("MESSAGE_STK_POLL");
 inline const QString MESSAGE_CALL_DIAL = QStringLiteral("MESSAGE_CALL_DIAL");
 inline const QString MESSAGE_CALL_ANSWER = QStringLiteral("MESSAGE_CALL_ANSWER");

@@ -107,7 +107,6 @@ const RequestEntry kRequestTable[] = {
     {&MESSAGE_USSD_SENDCMD, IN_CALL(USSDSendCmd)},
     {&MESSAGE_STK_GET_MENU, OUT_CALL(SatGetMenu)},
     {&MESSAGE_STK_SELECT_ITEM, INOUT_CALL(SatSelectItem)},
-    {&MESSAGE_STK_GET_CHARSET, OUT_CALL(SatGetCharSet)},
     {&MESSAGE_STK_POLL, OUT_CALL(SatPoll)},
     {&MESSAGE_CALL_DIAL, IN_CALL(CallDial)},
     {&MESSAGE_CALL_ANSWER, NO_ARG_CALL(CallAnswer)},

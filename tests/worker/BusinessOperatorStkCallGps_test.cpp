@@ -82,59 +82,79 @@ protected:
     std::unique_ptr<BusinessOperator> m_business;
 };
 
-TEST_F(BusinessStkCallGpsTest, MainMenuListingAndCharacterSetAsTheModemGivesThem) {
-    const std::string listing = answer("+STGI: 17,\"SIM Services\",1\r\n+STGI: 17,1,\"News\"");
-    m_fake.Expect("AT+STGI=17\r", listing);
-    QVariantMap response;
-    ASSERT_EQ(m_business->SatGetMenu(response), 0);
-    EXPECT_EQ(WorkNotification::GetValueObject(response).toString().toStdString(), listing);
-    m_fake.Expect("AT+STGI=17\r", kCmeError);
-    QVariantMap refused;
-    EXPECT_EQ(m_business->SatGetMenu(refused), 1);
-    EXPECT_FALSE(refused.contains(VALUE_OBJECT));
+namespace {
 
+QVariantMap valueOf(const QVariantMap& response) {
+    return WorkNotification::GetValueObject(response).toMap();
+}
+
+QVariantMap answerIn(const QString& command, int teSet = USSD_TE_IRA) {
+    return request(QVariantMap{{SatKey::kCommand, command}, {SatKey::kCharSet, teSet}});
+}
+
+} // namespace
+
+TEST_F(BusinessStkCallGpsTest, MainMenuListingComesWithItsCharacterSet) {
+    const std::string listing = answer("+STGI: 17,\"004D0065006E00FC\",1\r\n+STGI: 17,9,\"0053\"");
     const struct {
-        std::string answer;
+        std::string charSet;
         int teSet;
     } rows[] = {
         {kCharSetIra, USSD_TE_IRA}, {kCharSetUcs2, USSD_TE_UCS2}, {answer("+CSCS: \"8859-1\""), USSD_TE_IRA}};
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.answer);
-        m_fake.Expect("AT+CSCS?\r", row.answer);
-        QVariantMap charSet;
-        ASSERT_EQ(m_business->SatGetCharSet(charSet), 0);
-        EXPECT_EQ(WorkNotification::GetValueObject(charSet).toInt(), row.teSet);
+        SCOPED_TRACE(row.charSet);
+        m_fake.Expect("AT+STGI=17\r", listing);
+        m_fake.Expect("AT+CSCS?\r", row.charSet);
+        QVariantMap response;
+        ASSERT_EQ(m_business->SatGetMenu(response), 0);
+        EXPECT_EQ(valueOf(response).value(SatKey::kListing).toString().toStdString(), listing);
+        EXPECT_EQ(valueOf(response).value(SatKey::kCharSet).toInt(), row.teSet);
     }
+    m_fake.Expect("AT+STGI=17\r", kCmeError);
+    QVariantMap refused;
+    EXPECT_EQ(m_business->SatGetMenu(refused), 1);
+    EXPECT_FALSE(refused.contains(VALUE_OBJECT));
     m_fake.VerifyDone();
 }
 
-// An answer goes out as given; the command the card announced by then (in the answer itself, or by a
-// later poll) is fetched, and stale announcements are dropped while other reports stay queued.
+// An answer goes out only in the set it was built for; the command the card announced by then (in the
+// answer itself, or by a later poll) is fetched, and stale announcements are dropped while other reports
+// stay queued.
 TEST_F(BusinessStkCallGpsTest, AnswersAndPollsFetchTheAnnouncedCommand) {
     const std::string gamesListing = answer("+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"");
     std::string stale = "\r\n+STIN: 6\r\n\r\n+CMTI: \"SM\",3\r\n";
     ComOperation::GetInstance()->checkUnsolicitedReport(stale, nullptr);
 
+    m_fake.Expect("AT+CSCS?\r", kCharSetUcs2);
+    QVariantMap otherSet;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=0,0,2"), otherSet), 0);
+    EXPECT_FALSE(valueOf(otherSet).value(SatKey::kSent).toBool());
+    EXPECT_EQ(valueOf(otherSet).value(SatKey::kCharSet).toInt(), USSD_TE_UCS2);
+
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
     m_fake.Expect("AT+STGR=0,0,2\r", "\r\nOK\r\n");
     QVariantMap sent;
-    ASSERT_EQ(m_business->SatSelectItem(request(QStringLiteral("AT+STGR=0,0,2")), sent), 0);
-    EXPECT_EQ(WorkNotification::GetValueObject(sent).toString(), "");
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=0,0,2"), sent), 0);
+    EXPECT_TRUE(valueOf(sent).value(SatKey::kSent).toBool());
+    EXPECT_EQ(valueOf(sent).value(SatKey::kListing).toString(), "");
     EXPECT_EQ(queuedReports(), std::vector<std::string>{"\r\n+CMTI: \"SM\",3\r\n"});
 
     m_fake.Expect("AT\r", "\r\nOK\r\n");
     m_fake.Expect("AT\r", answer("+STIN: 11"));
     m_fake.Expect("AT+STGI=11\r", gamesListing);
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
     QVariantMap polled;
     ASSERT_EQ(m_business->SatPoll(polled), 0);
-    EXPECT_EQ(WorkNotification::GetValueObject(polled).toString(), "");
+    EXPECT_EQ(valueOf(polled).value(SatKey::kListing).toString(), "");
     ASSERT_EQ(m_business->SatPoll(polled), 0);
-    EXPECT_EQ(WorkNotification::GetValueObject(polled).toString().toStdString(), gamesListing);
+    EXPECT_EQ(valueOf(polled).value(SatKey::kListing).toString().toStdString(), gamesListing);
 
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
     m_fake.Expect("AT+STGR=11,0,,2\r", "\r\n+STIN: 1\r\n\r\nOK\r\n");
     m_fake.Expect("AT+STGI=1\r", answer("+STGI: 1,\"Bye\",0,1"));
     QVariantMap inside;
-    ASSERT_EQ(m_business->SatSelectItem(request(QStringLiteral("AT+STGR=11,0,,2")), inside), 0);
-    EXPECT_TRUE(WorkNotification::GetValueObject(inside).toString().contains("Bye"));
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=11,0,,2"), inside), 0);
+    EXPECT_TRUE(valueOf(inside).value(SatKey::kListing).toString().contains("Bye"));
     m_fake.VerifyDone();
 }
 
@@ -146,17 +166,19 @@ TEST_F(BusinessStkCallGpsTest, OnlyToolkitAnswersAreSent) {
         int result;
     } rows[] = {
         {"no argument", {}, "", 3},
-        {"another command", request(QStringLiteral("AT+CFUN=0")), "", 45},
-        {"second command after it", request(QStringLiteral("AT+STGR=0,0,1;+CFUN=0")), "", 45},
-        {"line break inside", request(QStringLiteral("AT+STGR=0,0,1\rAT+CFUN=0")), "", 45},
-        {"open quote", request(QStringLiteral("AT+STGR=3,0,,\"Paris")), "", 45},
-        {"semicolon quoted", request(QStringLiteral("AT+STGR=3,0,,\"a;b\"")), "AT+STGR=3,0,,\"a;b\"\r", 0},
-        {"card refuses", request(QStringLiteral("AT+STGR=0,0,9")), "AT+STGR=0,0,9\r", 1},
+        {"another command", answerIn("AT+CFUN=0"), "", 45},
+        {"second command after it", answerIn("AT+STGR=0,0,1;+CFUN=0"), "", 45},
+        {"line break inside", answerIn("AT+STGR=0,0,1\rAT+CFUN=0"), "", 45},
+        {"open quote", answerIn("AT+STGR=3,0,,\"Paris"), "", 45},
+        {"semicolon quoted", answerIn("AT+STGR=3,0,,\"a;b\""), "AT+STGR=3,0,,\"a;b\"\r", 0},
+        {"card refuses", answerIn("AT+STGR=0,0,9"), "AT+STGR=0,0,9\r", 1},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        if (!row.sent.empty())
+        if (!row.sent.empty()) {
+            m_fake.Expect("AT+CSCS?\r", kCharSetIra);
             m_fake.Expect(row.sent, row.result == 0 ? "\r\nOK\r\n" : kCmeError);
+        }
         QVariantMap response;
         EXPECT_EQ(m_business->SatSelectItem(row.request, response), row.result);
         m_fake.VerifyDone();

@@ -50,21 +50,6 @@ void ToolkitController::finish(const Result& done, ModemOutcome outcome, const B
         done(outcome, command);
 }
 
-void ToolkitController::readCharSet(std::function<void(int teSet)> next, const Result& done) {
-    const int generation = _generation;
-    _link.request(
-        MESSAGE_STK_GET_CHARSET, {},
-        [this, generation, next, done](const QVariantMap& response) {
-            if (generation != _generation)
-                return;
-            const ModemOutcome outcome = ModemOutcome::of(response);
-            if (!outcome.ok())
-                return finish(done, outcome);
-            next(WorkNotification::GetValueObject(response).toInt());
-        },
-        this);
-}
-
 void ToolkitController::readMenu(Result done) {
     const int generation = _generation;
     _link.request(
@@ -76,17 +61,15 @@ void ToolkitController::readMenu(Result done) {
             emit supportChanged(outcome.code != WORKER_ERR_NOT_SUPPORTED);
             if (!outcome.ok())
                 return finish(done, outcome);
-            const std::string listing = WorkNotification::GetValueObject(response).toString().toStdString();
-            readCharSet(
-                [this, listing, done](int teSet) {
-                    const BLSatCommand menu = decodeListing(listing, teSet);
-                    if (menu.nType != STK_TYPE_SETUP_MENU) {
-                        CNSLOG(2, "no main menu in %s", listing.c_str());
-                        return finish(done, {WORKER_ERR_GENERAL, 0});
-                    }
-                    finish(done, {}, menu);
-                },
-                done);
+            const QVariantMap value = WorkNotification::GetValueObject(response).toMap();
+            _charSet = value.value(SatKey::kCharSet, USSD_TE_IRA).toInt();
+            const std::string listing = value.value(SatKey::kListing).toString().toStdString();
+            const BLSatCommand menu = decodeListing(listing, _charSet);
+            if (menu.nType != STK_TYPE_SETUP_MENU) {
+                CNSLOG(2, "no main menu in %s", listing.c_str());
+                return finish(done, {WORKER_ERR_GENERAL, 0});
+            }
+            finish(done, {}, menu);
         },
         this);
 }
@@ -97,44 +80,58 @@ void ToolkitController::answer(const BLSatResponse& answer, Result done) {
         CNSLOG(2, "no answer to toolkit command %d", answer.nCommand);
         return finish(done, {WORKER_ERR_GENERAL, 0});
     }
-    // Texts of the answer go in the modem's character set.
-    readCharSet(
-        [this, answer, done](int teSet) {
-            std::string command;
-            encodeAnswer(answer, teSet, command);
-            const int generation = _generation;
-            _deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kIndicationWaitMs);
-            _link.request(
-                MESSAGE_STK_SELECT_ITEM, QString::fromStdString(command),
-                [this, generation, teSet, done](const QVariantMap& response) {
-                    takeAnnounced(response, teSet, generation, done);
-                },
-                this);
-        },
-        done);
+    _deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kIndicationWaitMs);
+    send(answer, true, done);
 }
 
-void ToolkitController::takeAnnounced(const QVariantMap& response, int teSet, int generation,
-                                      const Result& done) {
+void ToolkitController::send(const BLSatResponse& answer, bool mayRetry, const Result& done) {
+    // Texts of the answer go in the modem's character set; the worker sends it only in that set.
+    const int teSet = _charSet < 0 ? USSD_TE_IRA : _charSet;
+    std::string command;
+    encodeAnswer(answer, teSet, command);
+    const int generation = _generation;
+    _link.request(
+        MESSAGE_STK_SELECT_ITEM,
+        QVariantMap{{SatKey::kCommand, QString::fromStdString(command)}, {SatKey::kCharSet, _charSet}},
+        [this, generation, answer, mayRetry, done](const QVariantMap& response) {
+            if (generation != _generation)
+                return;
+            const ModemOutcome outcome = ModemOutcome::of(response);
+            const QVariantMap value = WorkNotification::GetValueObject(response).toMap();
+            if (outcome.ok() && !value.value(SatKey::kSent).toBool()) {
+                _charSet = value.value(SatKey::kCharSet, USSD_TE_IRA).toInt();
+                if (mayRetry)
+                    return send(answer, false, done);
+                return finish(done, {WORKER_ERR_GENERAL, 0});
+            }
+            takeAnnounced(response, generation, done);
+        },
+        this);
+}
+
+void ToolkitController::takeAnnounced(const QVariantMap& response, int generation, const Result& done) {
     if (generation != _generation)
         return;
     const ModemOutcome outcome = ModemOutcome::of(response);
     if (!outcome.ok())
         return finish(done, outcome);
-    const QString listing = WorkNotification::GetValueObject(response).toString();
-    if (!listing.isEmpty())
-        return finish(done, {}, decodeListing(listing.toStdString(), teSet));
+    const QVariantMap value = WorkNotification::GetValueObject(response).toMap();
+    const QString listing = value.value(SatKey::kListing).toString();
+    if (!listing.isEmpty()) {
+        _charSet = value.value(SatKey::kCharSet, USSD_TE_IRA).toInt();
+        return finish(done, {}, decodeListing(listing.toStdString(), _charSet));
+    }
     if (std::chrono::steady_clock::now() >= _deadline) {
         CNSLOG(2, "no toolkit command after the answer");
         return finish(done, {WORKER_ERR_TIME_OUT, 0});
     }
-    QTimer::singleShot(kPollIntervalMs, this, [this, generation, teSet, done] {
+    QTimer::singleShot(kPollIntervalMs, this, [this, generation, done] {
         if (generation != _generation)
             return;
         _link.request(
             MESSAGE_STK_POLL, {},
-            [this, generation, teSet, done](const QVariantMap& response) {
-                takeAnnounced(response, teSet, generation, done);
+            [this, generation, done](const QVariantMap& response) {
+                takeAnnounced(response, generation, done);
             },
             this);
     });

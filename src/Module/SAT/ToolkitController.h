@@ -14,8 +14,9 @@ class ModemLink;
 
 // The SIM card's toolkit: its main menu, and after a choice whatever the card sends next (a sub-menu, a
 // text to confirm, a question for a key or a text, the end of the dialogue). The worker hands over the
-// modem's "+STGI:" listings as they are; they are read here, and the answers ("AT+STGR=...") built here,
-// in the modem's character set.
+// modem's "+STGI:" listings as they are, with the character set their texts are in; they are read here,
+// and the answers ("AT+STGR=...") built here for the set last seen. Other requests may change the set
+// meanwhile: an answer built for another set is not sent, and is built once more for the new one.
 //
 // After an answer the card announces its next command ("+STIN: 11"), at once or a little later: the
 // worker is asked again every kPollIntervalMs until it came, for up to kIndicationWaitMs (then result 2).
@@ -71,11 +72,12 @@ signals:
     void supportChanged(bool supported);
 
 private:
-    void readCharSet(std::function<void(int teSet)> next, const Result& done);
-    void takeAnnounced(const QVariantMap& response, int teSet, int generation, const Result& done);
+    void send(const BLSatResponse& answer, bool mayRetry, const Result& done);
+    void takeAnnounced(const QVariantMap& response, int generation, const Result& done);
     void finish(const Result& done, ModemOutcome outcome, const BLSatCommand& command = {});
 
     ModemLink& _link;
     std::chrono::steady_clock::time_point _deadline;
     int _generation = 0;
+    int _charSet = -1; // the modem's character set as last seen; -1 unknown
 };
