@@ -19,7 +19,6 @@ public:
         _link = std::make_unique<ModemLink>();
         _link->start();
     }
-    ~SimulatedLink() { _link.reset(); }
 
     ModemLink& link() { return *_link; }
     SimulatedModem& sim() { return _sim; }

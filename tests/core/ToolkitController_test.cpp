@@ -1,8 +1,6 @@
 #include "SimulatedLink.h"
 
-#include "ModemDialect.h"
 #include "SAT/ToolkitController.h"
-#include "UssdTypes.h"
 
 #include <QJsonArray>
 #include <QSignalSpy>
@@ -12,10 +10,6 @@
 #include <vector>
 
 namespace {
-
-std::string Listing(const std::string& lines) {
-    return "\r\n" + lines + "\r\n\r\nOK\r\n";
-}
 
 std::vector<std::pair<int, std::string>> ItemsOf(const BLSatCommand& command) {
     std::vector<std::pair<int, std::string>> items;
@@ -47,63 +41,6 @@ struct Result {
 };
 
 } // namespace
-
-TEST(ToolkitController, ListingsAreReadInTheModemsCharacterSet) {
-    // clang-format off
-    const struct {
-        std::string listing;
-        int teSet;
-        int command;
-        int type;
-        std::string text;
-        std::vector<std::pair<int, std::string>> items;
-    } rows[] = {
-        {Listing("+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n+STGI: 17,2,\"Games\"\r\n+STGI: 17,5,\"Offers\""), USSD_TE_IRA, 17, 37, "SIM Services", {{1, "News"}, {2, "Games"}, {5, "Offers"}}},
-        {Listing("+STGI: 17,\"004D0065006E00FC\",1\r\n+STGI: 17,9,\"0053007000690065006C0065\""), USSD_TE_UCS2, 17, 37, "Menü", {{9, "Spiele"}}},
-        {Listing("+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\""), USSD_TE_IRA, 11, 36, "Games", {{1, "Quiz"}, {2, "About"}}},
-        {Listing("+STGI: 1,\"Games by your operator\",0,1"), USSD_TE_IRA, 1, 33, "Games by your operator", {}},
-        {Listing("+STGI: 17,\"Empty\""), USSD_TE_IRA, 17, 37, "Empty", {}},
-        {"+STGI: 99,\"?\"", USSD_TE_IRA, 99, -1, "", {}},
-        {"", USSD_TE_IRA, -1, -1, "", {}},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.listing);
-        const BLSatCommand command = ToolkitController::decodeListing(row.listing, row.teSet);
-        EXPECT_EQ(command.nCommand, row.command);
-        EXPECT_EQ(command.nType, row.type);
-        EXPECT_EQ(command.strText.toStdString(), row.text);
-        EXPECT_EQ(ItemsOf(command), row.items);
-    }
-}
-
-TEST(ToolkitController, AnswersAreBuiltForTheModem) {
-    // clang-format off
-    const struct {
-        BLSatResponse answer;
-        int teSet;
-        const char* command; // nullptr: no answer can be built
-    } rows[] = {
-        {{17, 0, 2, {}}, USSD_TE_IRA, "AT+STGR=0,0,2"},
-        {{11, 0, 2, {}}, USSD_TE_IRA, "AT+STGR=11,0,,2"},
-        {{11, 16, -1, {}}, USSD_TE_IRA, "AT+STGR=11,16,,"},
-        {{1, 0, 0, {}}, USSD_TE_IRA, "AT+STGR=1,0,"},
-        {{3, 0, 0, "Paris"}, USSD_TE_IRA, "AT+STGR=3,0,,\"Paris\""},
-        {{3, 0, 0, "Pä"}, USSD_TE_UCS2, "AT+STGR=3,0,,\"005000E4\""},
-        {{2, 0, 1, {}}, USSD_TE_IRA, "AT+STGR=2,0,,2,1,"},
-        {{99, 0, 1, {}}, USSD_TE_IRA, nullptr},
-        {{17, 0, 256, {}}, USSD_TE_IRA, nullptr},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.command ? row.command : "none");
-        std::string command;
-        EXPECT_EQ(ToolkitController::encodeAnswer(row.answer, row.teSet, command), row.command != nullptr);
-        if (row.command) {
-            EXPECT_EQ(command, row.command);
-        }
-    }
-}
 
 // The card's dialogues through the worker: each answer brings the card's next command, announced at once
 // or after a while (then the worker is asked again); answers that cannot be built never reach the card.
@@ -168,23 +105,4 @@ TEST(ToolkitController, MenuAndDialoguesWithTheSimulatedCard) {
             EXPECT_EQ(heard.size(), heardBefore);
         }
     }
-}
-
-TEST(ToolkitController, StickWithoutToolkitSaysSo) {
-    SetModemDialect(ModemDialect::Standard);
-    SimulatedLink modem({"--scenario", "standard"});
-    ASSERT_TRUE(modem.reaches(ModemLink::State::Ready));
-    ToolkitController toolkit(modem.link());
-    QSignalSpy support(&toolkit, &ToolkitController::supportChanged);
-    Result menu;
-    toolkit.readMenu(menu.sink());
-    ASSERT_TRUE(menu.arrived());
-    EXPECT_EQ(menu.outcome->code, WORKER_ERR_NOT_SUPPORTED);
-    Result answer;
-    toolkit.answer({17, 0, 1, {}}, answer.sink());
-    ASSERT_TRUE(answer.arrived());
-    EXPECT_EQ(answer.outcome->code, WORKER_ERR_NOT_SUPPORTED);
-    ASSERT_EQ(support.size(), 1);
-    EXPECT_FALSE(support.at(0).at(0).toBool());
-    ResetModemDialect();
 }
