@@ -238,17 +238,21 @@ int ModemSession::check(const ModemOutcome& outcome, const std::string& what) {
                          outcome.cause);
 }
 
-int ModemSession::requireSim() {
+ModemOutcome ModemSession::readSim(BLPinCheckState& state) {
     PinController pin(*_link);
     std::optional<ModemOutcome> outcome;
-    BLPinCheckState sim;
-    pin.readSimState([&](ModemOutcome answer, const BLPinCheckState& state) {
+    pin.readSimState([&](ModemOutcome answer, const BLPinCheckState& sim) {
         outcome = answer;
-        sim = state;
+        state = sim;
     });
     wait([&] { return outcome.has_value(); }, "reading the SIM's state");
-    if (!outcome->ok())
-        return check(*outcome, "reading the SIM's state");
+    return *outcome;
+}
+
+int ModemSession::requireSim() {
+    BLPinCheckState sim;
+    if (const int failed = check(readSim(sim), "reading the SIM's state"))
+        return failed;
     std::string text;
     int code = WORKER_OK;
     if (!SimUnusable(sim.nState, text, code))

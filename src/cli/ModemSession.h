@@ -12,6 +12,7 @@
 
 #include "CliSupport.h"
 #include "ModemOutcome.h"
+#include "PinRecords.h"
 #include "Simulator.h"
 #include "StatusText.h"
 
@@ -59,6 +60,9 @@ public:
     // EXIT_OK while the modem's ports are there; once the stick is pulled, "<what>: the modem was unplugged"
     // reported as a failure. For answers that succeed with empty fields when the modem is gone.
     int checkPresent(const std::string& what);
+
+    // Reads the SIM's state and attempts left through the PIN controller.
+    ModemOutcome readSim(BLPinCheckState& state);
 
     // For commands that need the SIM: EXIT_OK when it can be used, else the failure reported with what to
     // do ("the SIM is locked: dialtone pin verify PIN") before anything else is asked of it.

@@ -19,21 +19,11 @@
 
 namespace {
 
-std::optional<ModemOutcome> ReadSim(ModemSession& session, PinController& pin, BLPinCheckState& state) {
-    std::optional<ModemOutcome> read;
-    pin.readSimState([&](ModemOutcome outcome, const BLPinCheckState& sim) {
-        read = outcome;
-        state = sim;
-    });
-    session.wait([&] { return read.has_value(); }, "reading the PIN state");
-    return read;
-}
-
 int Status(CliContext& context, ModemSession& session) {
-    PinController pin(session.link());
     BLPinCheckState state;
-    if (const int failed = session.check(*ReadSim(session, pin, state), "reading the PIN state"))
+    if (const int failed = session.check(session.readSim(state), "reading the PIN state"))
         return failed;
+    PinController pin(session.link());
     std::optional<PinController::PinRequest> request;
     pin.readPinRequest([&](ModemOutcome, PinController::PinRequest answer) { request = answer; });
     session.wait([&] { return request.has_value(); }, "reading the PIN request");

@@ -1,11 +1,9 @@
 #include "StatusCommand.h"
 
 #include <cstdio>
-#include <optional>
 
 #include "BLRecords.h"
 #include "ModemSession.h"
-#include "Pin/PinController.h"
 #include "RecordJson.h"
 #include "StatusText.h"
 #include "TerminalText.h"
@@ -38,14 +36,8 @@ int Status(CliContext& context, ModemSession& session) {
     if (const int failed = session.check(diagResponse, "reading the modem's state"))
         return failed;
     const auto diag = WorkNotification::GetValueObject(diagResponse).value<BLDiagInfo>();
-    PinController pinController(session.link());
-    std::optional<ModemOutcome> pinRead;
     BLPinCheckState pin;
-    pinController.readSimState([&](ModemOutcome outcome, const BLPinCheckState& state) {
-        pinRead = outcome;
-        pin = state;
-    });
-    session.wait([&] { return pinRead.has_value(); }, "reading the PIN state");
+    const ModemOutcome pinRead = session.readSim(pin);
     // The dial-up service must be known before its link shows, also one started by an earlier run.
     session.request(MESSAGE_MODEM_INIT);
     const QVariantMap connectResponse = session.request(MESSAGE_CONNECT_STATUS);
@@ -58,8 +50,8 @@ int Status(CliContext& context, ModemSession& session) {
         nlohmann::json document{{"diagInfo", VariantToJson(WorkNotification::GetValueObject(diagResponse))},
                                 {"pinState", VariantToJson(QVariant::fromValue(pin))},
                                 {"connectStatus", connectStatus}};
-        if (!pinRead->ok())
-            document["pinState"] = {{"ERROR_CODE", pinRead->code}};
+        if (!pinRead.ok())
+            document["pinState"] = {{"ERROR_CODE", pinRead.code}};
         PrintJson(document);
         return EXIT_OK;
     }
@@ -69,7 +61,7 @@ int Status(CliContext& context, ModemSession& session) {
                               diag.strHardwareVersion};
     PrintEquipment(equipment);
     std::string sim = PinStateText(diag.nPinState);
-    if (pinRead->ok()) {
+    if (pinRead.ok()) {
         sim = PinStateText(pin.nState);
         if (pin.nState == SimState::kPin && pin.nPinCnt >= 0)
             sim += " (" + std::to_string(pin.nPinCnt) + " attempts left)";
