@@ -1,11 +1,11 @@
 #include "WorkThread.h"
 
-#include "ApplicationShell.h"
 #include "AtSublayerInterface.h"
 #include "BusinessOperator.h"
 #include "CNSLog.h"
 #include "ComOperation.h"
 #include "DeviceUtility.h"
+#include "ApplicationShell.h"
 #include "ModemErrorCause.h"
 #include "NetworkOperator.h"
 #include "SleepWatcher.h"
@@ -415,10 +415,9 @@ int WorkThread::initWrokThread() {
 
     if (_networkOperator == nullptr) {
         // A dial link the udev rule made goes by its name without "cu."; a probed port by its path.
-        _networkOperator =
-            std::make_unique<NetworkOperator>(strModemDeviceName.startsWith(QLatin1String("cu."))
-                                                  ? strModemDeviceName.mid(3)
-                                                  : DeviceUtility::portPath(strModemDeviceName));
+        _networkOperator = std::make_unique<NetworkOperator>(
+            strModemDeviceName.startsWith(QLatin1String("cu.")) ? strModemDeviceName.mid(3)
+                                                                 : DeviceUtility::portPath(strModemDeviceName));
     }
 
     _businessOperator =

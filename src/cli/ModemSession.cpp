@@ -21,10 +21,10 @@
 #include <unistd.h>
 
 #include "AppConfig.h"
-#include "ApplicationShell.h"
 #include "BLRecords.h"
 #include "DeviceUtility.h"
 #include "FailureText.h"
+#include "ApplicationShell.h"
 #include "ModemLink.h"
 #include "Pin/PinController.h"
 #include "WorkNotification.h"
