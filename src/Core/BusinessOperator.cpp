@@ -10,7 +10,6 @@
 #include "NetworkOperator.h"
 #include "PinCodeFormat.h"
 #include "SMSExt.h"
-#include "SAT/STKCodec.h"
 #include "WorkNotification.h"
 
 #include <QMetaObject>
@@ -20,7 +19,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <thread>
 
 namespace {
 
@@ -870,154 +868,28 @@ int BusinessOperator::GetConnectStatus(QVariantMap& response) {
 
 namespace {
 
-constexpr int kSatPollIntervalMs = 200;
-// Item identifiers are one octet on the card.
-constexpr int kSatMaxItemId = 255;
-
-// AT+CSCS? -> +CSCS: "UCS2". The quoted toolkit texts are in this set; IRA when the answer names none.
-int toolkitCharSet(TInterfaceAtSublayer& sublayer, int& teSet) {
-    std::string text;
-    const int result = sublayer.STKSendCommand("AT+CSCS?\r", text);
-    if (result != 0) {
-        return result;
+// An answer to the card: "AT+STGR=" and its fields, printable characters only, a semicolon only inside a
+// quoted text, so that the line holds this one command.
+bool isSatAnswerCommand(const QString& command) {
+    static const QString head = QStringLiteral("AT+STGR=");
+    if (!command.startsWith(head) || command.size() > BusinessOperator::kSatAnswerMaxLength) {
+        return false;
     }
-    teSet = USSD_TE_IRA;
-    for (const auto& [name, set] : {std::pair{"UCS2", USSD_TE_UCS2}, std::pair{"IRA", USSD_TE_IRA},
-                                    std::pair{"GSM", USSD_TE_GSM}, std::pair{"HEX", USSD_TE_HEX}}) {
-        if (text.find(name) != std::string::npos) {
-            teSet = set;
-            break;
+    bool quoted = false;
+    for (const QChar c : command) {
+        const char16_t code = c.unicode();
+        if (code < 0x20 || code > 0x7E || (code == u';' && !quoted)) {
+            return false;
+        }
+        if (code == u'"') {
+            quoted = !quoted;
         }
     }
-    return 0;
-}
-
-QList<BLSatMenuItem> toMenuItems(const std::list<TSTKMenuItem>& items) {
-    QList<BLSatMenuItem> result;
-    for (const TSTKMenuItem& item : items) {
-        result.append(BLSatMenuItem{item.nItemId, ConvertUtilty::fromWString(item.wstrText)});
-    }
-    return result;
-}
-
-// A fetched "+STGI:" listing as the screens show it. The codec bounds every text and list.
-BLSatCommand toSatCommand(const std::string& text, int teSet) {
-    BLSatCommand command;
-    command.nCommand = CSTKCodec::SplitListingLine(text).nCommand;
-    int type = STK_TYPE_UNKNOWN;
-    CSTKCodec::GetProactiveCommandType(text, type);
-    command.nType = type;
-    const auto textOf = [](const std::wstring& wide) { return ConvertUtilty::fromWString(wide); };
-    switch (type) {
-    case STK_TYPE_SETUP_MENU: {
-        TSTKSetupMenuReq req;
-        CSTKCodec::DecodeSetupMenuReq(text, req, teSet);
-        command.strText = textOf(req.wstrTitle);
-        command.lstItems = toMenuItems(req.lstItems);
-        break;
-    }
-    case STK_TYPE_SELECT_ITEM: {
-        TSTKSelectItemReq req;
-        CSTKCodec::DecodeSelectItemReq(text, req, teSet);
-        command.strText = textOf(req.wstrTitle);
-        command.nDefaultItem = req.nDefaultItem;
-        command.lstItems = toMenuItems(req.lstItems);
-        break;
-    }
-    case STK_TYPE_DISPLAY_TEXT: {
-        TSTKDisplayTextReq req;
-        CSTKCodec::DecodeDisplayTextReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
-        break;
-    }
-    case STK_TYPE_GET_INKEY: {
-        TSTKGetInkeyReq req;
-        CSTKCodec::DecodeGetInkeyReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
-        command.nFormat = req.nFormat;
-        break;
-    }
-    case STK_TYPE_GET_INPUT: {
-        TSTKGetInputReq req;
-        CSTKCodec::DecodeGetInputReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
-        command.nFormat = req.nFormat;
-        command.nMinLength = req.nMinLength;
-        command.nMaxLength = req.nMaxLength;
-        command.strDefaultText = textOf(req.wstrDefaultText);
-        break;
-    }
-    case STK_TYPE_PLAY_TONE: {
-        TSTKPlayToneReq req;
-        CSTKCodec::DecodePlayToneReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
-        break;
-    }
-    case STK_TYPE_SETUP_CALL: {
-        TSTKSetupCallReq req;
-        CSTKCodec::DecodeSetupCallReq(text, req, teSet);
-        command.strText = textOf(req.wstrConfirmText);
-        break;
-    }
-    case STK_TYPE_SETUP_IDLE_MODE_TEXT: {
-        TSTKSetupIdleModeTextReq req;
-        CSTKCodec::DecodeSetupIdleModeTextReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
-        break;
-    }
-    case STK_TYPE_SEND_SMS: {
-        TSTKSendSMSReq req;
-        CSTKCodec::DecodeSendSMSReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
-        break;
-    }
-    case STK_TYPE_SEND_USSD: {
-        TSTKSendUSSDReq req;
-        CSTKCodec::DecodeSendUSSDReq(text, req, teSet);
-        command.strText = textOf(req.wstrText);
-        break;
-    }
-    default:
-        break;
-    }
-    return command;
-}
-
-// The answer to the command the card sent last, built by the codec; 1 for a command it does not answer.
-int encodeSatResponse(const BLSatResponse& answer, int teSet, std::string& command) {
-    const std::wstring text = ConvertUtilty::toWString(answer.strText);
-    if (answer.nItemId > kSatMaxItemId) {
-        return WORKER_ERR_GENERAL;
-    }
-    switch (answer.nCommand) {
-    case STK_MODEM_SETUP_MENU:
-        return CSTKCodec::EncodeMenuSelectionEnvelope(answer.nResult, answer.nItemId, command);
-    case STK_MODEM_SELECT_ITEM:
-        return CSTKCodec::EncodeSelectItemResponse(answer.nResult, answer.nItemId, command);
-    case STK_MODEM_DISPLAY_TEXT:
-        return CSTKCodec::EncodeDisplayTextResponse(answer.nResult, nullptr, command);
-    case STK_MODEM_GET_INKEY:
-        return CSTKCodec::EncodeGetInkeyResponse(answer.nResult, text.empty() ? answer.nItemId : -1, text,
-                                                 command, teSet);
-    case STK_MODEM_GET_INPUT:
-        return CSTKCodec::EncodeGetInputResponse(answer.nResult, text, command, teSet);
-    case STK_MODEM_PLAY_TONE:
-        return CSTKCodec::EncodePlayToneResponse(answer.nResult, command);
-    case STK_MODEM_SETUP_CALL:
-        return CSTKCodec::EncodeSetupCallResponse(answer.nResult, nullptr, command);
-    case STK_MODEM_SETUP_IDLE_MODE_TEXT:
-        return CSTKCodec::EncodeSetupIdleModeTextResponse(answer.nResult, command);
-    case STK_MODEM_SEND_DTMF:
-        return CSTKCodec::EncodeSendDTMFResponse(answer.nResult, nullptr, command);
-    case STK_MODEM_LANGUAGE_NOTIFICATION:
-        return CSTKCodec::EncodeLanguageNotificationResponse(answer.nResult, nullptr, command);
-    default:
-        return WORKER_ERR_GENERAL;
-    }
+    return !quoted;
 }
 
 // Takes every toolkit indication ("+STIN: 11") out of the channel's queue; the last one's line, or an
-// empty text. Nobody else reads them: the worker's report handling drops them.
+// empty text. The worker's report handling leaves them there for the toolkit.
 std::string takeSatIndications(ComOperation& com) {
     UnsolicitedReportList* reports = nullptr;
     com.getUnsoliciteReportList(reports);
@@ -1036,22 +908,48 @@ std::string takeSatIndications(ComOperation& com) {
 
 } // namespace
 
-int BusinessOperator::SatGetMenu(QVariantMap& response) {
+int BusinessOperator::satCharSet(int& teSet) {
+    // AT+CSCS? -> +CSCS: "UCS2". The quoted toolkit texts are in this set; IRA when the answer names none.
     std::string text;
-    int result = _pAtSubLayer->STKInit(text);
+    const int result = _pAtSubLayer->STKSendCommand("AT+CSCS?\r", text);
     if (result != 0) {
         return result;
     }
+    teSet = USSD_TE_IRA;
+    for (const auto& [name, set] : {std::pair{"UCS2", USSD_TE_UCS2}, std::pair{"IRA", USSD_TE_IRA},
+                                    std::pair{"GSM", USSD_TE_GSM}, std::pair{"HEX", USSD_TE_HEX}}) {
+        if (text.find(name) != std::string::npos) {
+            teSet = set;
+            break;
+        }
+    }
+    return 0;
+}
+
+int BusinessOperator::SatGetMenu(QVariantMap& response) {
+    std::string text;
+    int result = _pAtSubLayer->STKInit(text);
     int teSet = USSD_TE_IRA;
-    if ((result = toolkitCharSet(*_pAtSubLayer, teSet)) != 0) {
+    if (result != 0 || (result = satCharSet(teSet)) != 0) {
         return result;
     }
-    BLSatCommand menu = toSatCommand(text, teSet);
-    if (menu.nType != STK_TYPE_SETUP_MENU) {
-        CNSLOG(2, "no main menu in %s", text.c_str());
-        return WORKER_ERR_GENERAL;
+    WorkNotification::SetValueObject(
+        response, QVariantMap{{SatKey::kListing, QString::fromStdString(text)}, {SatKey::kCharSet, teSet}});
+    return 0;
+}
+
+int BusinessOperator::satFetchAnnounced(int teSet, QVariantMap& response) {
+    const std::string indication = takeSatIndications(*_com);
+    std::string fetched;
+    if (!indication.empty()) {
+        if (const int result = _pAtSubLayer->STKHandleReport(indication.c_str(), fetched); result != 0) {
+            return result;
+        }
     }
-    WorkNotification::SetValueObject(response, QVariant::fromValue(menu));
+    WorkNotification::SetValueObject(response,
+                                     QVariantMap{{SatKey::kSent, true},
+                                                 {SatKey::kListing, QString::fromStdString(fetched)},
+                                                 {SatKey::kCharSet, teSet}});
     return 0;
 }
 
@@ -1066,49 +964,63 @@ int BusinessOperator::SatSelectItem(const QVariantMap& request, QVariantMap& res
     if (_com == nullptr) {
         return WORKER_ERR_GENERAL;
     }
-    const auto answer = value.value<BLSatResponse>();
-    std::string command;
-    if (encodeSatResponse(answer, USSD_TE_IRA, command) != 0) {
-        CNSLOG(2, "no answer to toolkit command %d", answer.nCommand);
-        return WORKER_ERR_GENERAL;
+    const QVariantMap answer = value.toMap();
+    const QString command = answer.value(SatKey::kCommand).toString();
+    if (!isSatAnswerCommand(command)) {
+        CNSLOG(2, "not a toolkit answer");
+        return WORKER_ERR_INVALID_ARGUMENT;
     }
-    // Texts of the answer go in the modem's character set.
     int teSet = USSD_TE_IRA;
-    int result = toolkitCharSet(*_pAtSubLayer, teSet);
+    int result = satCharSet(teSet);
     if (result != 0) {
         return result;
     }
-    encodeSatResponse(answer, teSet, command);
+    if (answer.value(SatKey::kCharSet, teSet).toInt() != teSet) {
+        // Built for another set: the texts in it would reach the card garbled.
+        WorkNotification::SetValueObject(response,
+                                         QVariantMap{{SatKey::kSent, false}, {SatKey::kCharSet, teSet}});
+        return 0;
+    }
     // Indications still queued belong to a dialogue this answer replaces.
     takeSatIndications(*_com);
     std::string text;
-    if ((result = _pAtSubLayer->STKSendCommand(command.c_str(), text)) != 0) {
+    const QByteArray line = command.toLatin1() + '\r';
+    if ((result = _pAtSubLayer->STKSendCommand(line.constData(), text)) != 0) {
         return result;
     }
     if (text.empty()) {
         return WORKER_ERR_GENERAL; // "ERROR" or "+CME ERROR": the card did not take it
     }
+    return satFetchAnnounced(teSet, response);
+}
 
-    // The card's next command is announced with "+STIN: <n>"; the modem gives out held lines on a bare AT.
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kSatIndicationWaitMs);
-    std::string indication = takeSatIndications(*_com);
-    while (indication.empty()) {
-        if (std::chrono::steady_clock::now() >= deadline) {
-            CNSLOG(2, "no toolkit command after %s", command.c_str());
-            return WORKER_ERR_TIME_OUT;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(kSatPollIntervalMs));
-        std::string poll;
-        if ((result = _pAtSubLayer->STKSendCommand("AT\r", poll)) != 0) {
-            return result;
-        }
-        indication = takeSatIndications(*_com);
+int BusinessOperator::SatPoll(QVariantMap& response) {
+    if (StandardDialect()) {
+        return WORKER_ERR_NOT_SUPPORTED;
     }
-    std::string fetched;
-    if ((result = _pAtSubLayer->STKHandleReport(indication.c_str(), fetched)) != 0) {
+    if (_com == nullptr) {
+        return WORKER_ERR_GENERAL;
+    }
+    // The modem gives out held lines on a bare AT.
+    std::string poll;
+    int result = _pAtSubLayer->STKSendCommand("AT\r", poll);
+    if (result != 0) {
         return result;
     }
-    WorkNotification::SetValueObject(response, QVariant::fromValue(toSatCommand(fetched, teSet)));
+    QVariantMap fetched;
+    if ((result = satFetchAnnounced(USSD_TE_IRA, fetched)) != 0) {
+        return result;
+    }
+    // Other requests ran since the answer: the set is read again for a listing that came.
+    QVariantMap value = WorkNotification::GetValueObject(fetched).toMap();
+    if (!value.value(SatKey::kListing).toString().isEmpty()) {
+        int teSet = USSD_TE_IRA;
+        if ((result = satCharSet(teSet)) != 0) {
+            return result;
+        }
+        value[SatKey::kCharSet] = teSet;
+    }
+    WorkNotification::SetValueObject(response, value);
     return 0;
 }
 

@@ -116,13 +116,18 @@ public:
     // The time stamp read as local time with the machine's current offset.
     static QDateTime convertDateTimeType2NSDate(const TSmsDateTime& dateTime);
 
-    // SIM toolkit menus. SatGetMenu fetches the main menu as a BLSatCommand. SatSelectItem answers the
-    // command the card sent last with a BLSatResponse (a menu choice, a confirmed text, a key or an input),
-    // waits up to kSatIndicationWaitMs for the card's next command and returns it as a BLSatCommand
-    // (command 20 when the card ended the dialogue); 2 when none came, 1 for an answer that cannot be built.
-    static constexpr int kSatIndicationWaitMs = 10000;
+    // SIM toolkit menus, as the modem lists them: the toolkit controller reads the "+STGI:" listings and
+    // builds the answers (dictionary keys at SatKey). SatGetMenu stores the main menu's listing
+    // (AT+STGI=17) with the character set (AT+CSCS?). SatSelectItem sends an answer to the card (an
+    // "AT+STGR=..." line without its "\r": 45 for any other command line) when the modem's set is still
+    // the one it was built for, and SatPoll a bare AT that lets the modem give out held lines; both store
+    // the listing of the command the card has announced by then ("+STIN: 11" then AT+STGI=11; the
+    // sublayer's text for the end of the dialogue), or an empty text when none came yet. 46 on a stick
+    // without the toolkit commands.
+    static constexpr int kSatAnswerMaxLength = 4096;
     int SatGetMenu(QVariantMap& response);
     int SatSelectItem(const QVariantMap& request, QVariantMap& response);
+    int SatPoll(QVariantMap& response);
 
     // Voice calls. The call family's codes pass through (25 "NO CARRIER", 26 "NO ANSWER", 27 "BUSY",
     // 28 "NO DIALTONE"). CallDial takes the number as a string: an optional "+" then digits, "*" and "#",
@@ -145,6 +150,10 @@ public:
     int GPSUninit();
 
 private:
+    // The modem's character set, a USSD_TE_* number.
+    int satCharSet(int& teSet);
+    // The command the card announced since the last answer, fetched; an empty listing when none.
+    int satFetchAnnounced(int teSet, QVariantMap& response);
     NetworkOperator* _networkOperator = nullptr;
     TInterfaceAtSublayer* _pAtSubLayer = nullptr;
     ComOperation* _com = nullptr;

@@ -26,6 +26,12 @@ inline constexpr qint32 kPuk = 3;
 inline constexpr qint32 kBlocked = 17;
 } // namespace SimState
 
+// Result codes of the PIN tries that the front ends tell apart (the modem's own SIM error numbers).
+namespace PinResult {
+inline constexpr qint32 kPukRequired = 10;
+inline constexpr qint32 kWrongCode = 14; // "incorrect password": an attempt was spent
+} // namespace PinResult
+
 // Result of "MESSAGE_PIN_CHECK_STATE": the SIM/PIN state and both attempt counters.
 struct BLPinCheckState {
     qint32 nState = 0;

@@ -54,6 +54,7 @@ inline const QString MESSAGE_USSD_SETSTATE = QStringLiteral("MESSAGE_USSD_SETSTA
 inline const QString MESSAGE_USSD_SENDCMD = QStringLiteral("MESSAGE_USSD_SENDCMD");
 inline const QString MESSAGE_STK_GET_MENU = QStringLiteral("MESSAGE_STK_GET_MENU");
 inline const QString MESSAGE_STK_SELECT_ITEM = QStringLiteral("MESSAGE_STK_SELECT_ITEM");
+inline const QString MESSAGE_STK_POLL = QStringLiteral("MESSAGE_STK_POLL");
 inline const QString MESSAGE_CALL_DIAL = QStringLiteral("MESSAGE_CALL_DIAL");
 inline const QString MESSAGE_CALL_ANSWER = QStringLiteral("MESSAGE_CALL_ANSWER");
 inline const QString MESSAGE_CALL_HANGUP = QStringLiteral("MESSAGE_CALL_HANGUP");

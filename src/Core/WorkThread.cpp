@@ -107,6 +107,7 @@ const RequestEntry kRequestTable[] = {
     {&MESSAGE_USSD_SENDCMD, IN_CALL(USSDSendCmd)},
     {&MESSAGE_STK_GET_MENU, OUT_CALL(SatGetMenu)},
     {&MESSAGE_STK_SELECT_ITEM, INOUT_CALL(SatSelectItem)},
+    {&MESSAGE_STK_POLL, OUT_CALL(SatPoll)},
     {&MESSAGE_CALL_DIAL, IN_CALL(CallDial)},
     {&MESSAGE_CALL_ANSWER, NO_ARG_CALL(CallAnswer)},
     {&MESSAGE_CALL_HANGUP, NO_ARG_CALL(CallHangUp)},
@@ -444,15 +445,32 @@ void WorkThread::handleUnsolicitedReport() {
     UnsolicitedReportList* reports = nullptr;
     ComOperation::GetInstance()->getUnsoliciteReportList(reports);
     CNSLOG(0, "report size = %d", static_cast<int>(reports->size()));
-    if (reports->empty()) {
+    // Toolkit announcements ("+STIN: 11") wait for the toolkit's next poll; only the newest one counts.
+    const auto newestAnnouncement = std::find_if(reports->rbegin(), reports->rend(), [](const auto* r) {
+        return r->nType == UNSOLICITED_REPORT_STIN;
+    });
+    if (newestAnnouncement != reports->rend()) {
+        const auto keep = std::prev(newestAnnouncement.base());
+        for (auto it = reports->begin(); it != reports->end();) {
+            if (it != keep && (*it)->nType == UNSOLICITED_REPORT_STIN) {
+                delete *it;
+                it = reports->erase(it);
+            } else {
+                ++it;
+            }
+        }
+    }
+    const auto next = std::find_if(reports->begin(), reports->end(),
+                                   [](const auto* r) { return r->nType != UNSOLICITED_REPORT_STIN; });
+    if (next == reports->end()) {
         checkReportBacklog();
         return;
     }
 
     // Taken off first: a line that arrives while this one is handled is a new announcement, never merged
     // into the one in hand.
-    const std::unique_ptr<UnsolicitedReportDataType> report(reports->front());
-    reports->pop_front();
+    const std::unique_ptr<UnsolicitedReportDataType> report(*next);
+    reports->erase(next);
     QVariantMap request;
     WorkNotification::SetValueObject(request, QString::fromStdString(report->strText));
     QVariantMap result;

@@ -10,9 +10,9 @@
 
 #include "CNSLabels.h"
 #include "ModemLink.h"
-#include "ModemTextCheck.h"
+#include "Outcome.h"
+#include "Pin/PinController.h"
 #include "StatusText.h"
-#include "WorkNotification.h"
 
 namespace {
 
@@ -80,10 +80,9 @@ QString PinDialog::errorText() const {
 
 bool PinDialog::inputValid() const {
     if (_puk)
-        return IsPinCodeWellFormed(_code->text().toStdString(), PinCodeKind::Puk) &&
-               IsPinCodeWellFormed(_newPin->text().toStdString(), PinCodeKind::Pin) &&
-               _newPin->text() == _confirmPin->text();
-    return IsPinCodeWellFormed(_code->text().toStdString(), PinCodeKind::Pin);
+        return PinController::isPukWellFormed(_code->text()) &&
+               PinController::isPinWellFormed(_newPin->text()) && _newPin->text() == _confirmPin->text();
+    return PinController::isPinWellFormed(_code->text());
 }
 
 void PinDialog::refresh() {
@@ -114,13 +113,14 @@ void PinDialog::submit() {
     refresh();
     auto answered = [this](const QVariantMap& response) {
         _busy = false;
-        const int code = WorkNotification::GetErrorCode(response);
+        const int code = Outcome::of(response).code;
         if (code == WORKER_OK) {
             accept();
             return;
         }
         _code->clear();
-        _error->setText(code == 14 ? tr("Wrong code.") : QString::fromStdString(ResultCodeText(code)));
+        _error->setText(code == PinResult::kWrongCode ? tr("Wrong code.")
+                                                      : QString::fromStdString(ResultCodeText(code)));
         refresh();
     };
     if (_puk)

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include <fcntl.h>
@@ -25,6 +26,7 @@
 #include "FailureText.h"
 #include "ApplicationShell.h"
 #include "ModemLink.h"
+#include "Pin/PinController.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -236,13 +238,24 @@ void ModemSession::await(const std::function<bool()>& done, const std::string& w
     TheWatchdog().disarm();
 }
 
+Outcome ModemSession::readSim(BLPinCheckState& state) {
+    PinController pin(*_link);
+    std::optional<Outcome> outcome;
+    pin.readSimState([&](Outcome answer, const BLPinCheckState& sim) {
+        outcome = answer;
+        state = sim;
+    });
+    await([&] { return outcome.has_value(); }, "reading the SIM's state");
+    return *outcome;
+}
+
 int ModemSession::requireSim() {
-    const QVariantMap response = request(MESSAGE_PIN_CHECK_STATE);
-    if (WorkNotification::GetErrorCode(response) != WORKER_OK)
-        return check(response, "reading the SIM's state");
+    BLPinCheckState sim;
+    if (const int failed = check(readSim(sim), "reading the SIM's state"))
+        return failed;
     std::string text;
     int code = WORKER_OK;
-    if (!SimUnusable(WorkNotification::GetValueObject(response).value<BLPinCheckState>().nState, text, code))
+    if (!SimUnusable(sim.nState, text, code))
         return EXIT_OK;
     return ReportFailure(_context, code, text);
 }

@@ -16,6 +16,7 @@
 
 #include "CliSupport.h"
 #include "Outcome.h"
+#include "PinRecords.h"
 #include "Simulator.h"
 #include "StatusText.h"
 
@@ -24,8 +25,8 @@ class ModemLink;
 class QCoreApplication;
 
 // One run of the tool against the modem: the simulator when asked, the modem link, and the modem
-// initialised with "MESSAGE_INIT_WORK_THREAD". Requests wait for their answers; a request that outlives its deadline ends the process with exit status 1 and a message,
-// so the tool never hangs.
+// initialised with "MESSAGE_INIT_WORK_THREAD". Requests wait for their answers; a request that outlives its
+// deadline ends the process with exit status 1 and a message, so the tool never hangs.
 class ModemSession {
 public:
     static constexpr int kDefaultDeadlineSeconds = 60;
@@ -79,6 +80,9 @@ public:
     // EXIT_OK while the modem's ports are there; once the stick is pulled, "<what>: the modem was unplugged"
     // reported as a failure. For answers that succeed with empty fields when the modem is gone.
     int checkPresent(const std::string& what);
+
+    // Reads the SIM's state and attempts left through the PIN controller.
+    Outcome readSim(BLPinCheckState& state);
 
     // For commands that need the SIM: EXIT_OK when it can be used, else the failure reported with what to
     // do ("the SIM is locked: dialtone pin verify PIN") before anything else is asked of it.

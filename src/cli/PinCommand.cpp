@@ -1,44 +1,36 @@
 #include "PinCommand.h"
 
 #include <cstdio>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <unistd.h>
 
-#include "BLRecords.h"
 #include "ModemSession.h"
 #include "ModemTextCheck.h"
+#include "Pin/PinController.h"
+#include "PinRecords.h"
 #include "RecordJson.h"
 #include "SecretInput.h"
 #include "StatusText.h"
-#include "WorkNotification.h"
 
 namespace {
 
-// Adds the PIN state as the modem tells it now to a failure: what a wrong PIN left.
-void ReportAttemptsLeft(ModemSession& session) {
-    const QVariantMap response = session.request(MESSAGE_PIN_CHECK_STATE);
-    if (WorkNotification::GetErrorCode(response) != WORKER_OK)
-        return;
-    const auto state = WorkNotification::GetValueObject(response).value<BLPinCheckState>();
-    std::fprintf(stderr, "dialtone: SIM %s; %s PIN attempts and %s PUK attempts left\n",
-                 PinStateText(state.nState).c_str(), AttemptsText(state.nPinCnt).c_str(),
-                 AttemptsText(state.nPukCnt).c_str());
-}
-
 int Status(CliContext& context, ModemSession& session) {
-    const QVariantMap response = session.request(MESSAGE_PIN_CHECK_STATE);
-    if (const int failed = session.check(response, "reading the PIN state"))
+    BLPinCheckState state;
+    if (const int failed = session.check(session.readSim(state), "reading the PIN state"))
         return failed;
-    const QVariantMap enabledResponse = session.request(MESSAGE_PIN_GET_STATE);
-    const QVariant value = WorkNotification::GetValueObject(response);
-    const auto state = value.value<BLPinCheckState>();
-    const bool enabledKnown = WorkNotification::GetErrorCode(enabledResponse) == WORKER_OK;
-    const QString enabled = WorkNotification::GetValueObject(enabledResponse).toString();
+    PinController pin(session.link());
+    std::optional<PinController::PinRequest> request;
+    pin.readPinRequest([&](Outcome, PinController::PinRequest answer) { request = answer; });
+    session.await([&] { return request.has_value(); }, "reading the PIN request");
+    const bool enabledKnown = *request != PinController::PinRequest::Unknown;
+    const bool enabled = *request == PinController::PinRequest::On;
     if (context.json) {
-        nlohmann::json document = VariantToJson(value);
+        nlohmann::json document = VariantToJson(QVariant::fromValue(state));
         // A counter the modem does not tell is null, not a count.
         for (const char* counter : {"nPinCnt", "nPukCnt"}) {
             if (document.contains(counter) && document[counter].is_number() &&
@@ -46,29 +38,39 @@ int Status(CliContext& context, ModemSession& session) {
                 document[counter] = nullptr;
         }
         if (enabledKnown)
-            document["strPinEnabled"] = enabled.toStdString();
+            document["strPinEnabled"] = enabled ? "TRUE" : "FALSE";
         PrintJson(document);
         return EXIT_OK;
     }
     std::printf("SIM:             %s\n", PinStateText(state.nState).c_str());
-    if (state.nState != 0 && state.nState != 17)
+    if (state.nState != SimState::kAbsent && state.nState != SimState::kBlocked)
         std::printf("Attempts left:   PIN %s, PUK %s\n", AttemptsText(state.nPinCnt).c_str(),
                     AttemptsText(state.nPukCnt).c_str());
     if (enabledKnown)
-        std::printf("PIN request:     %s\n", enabled == "TRUE" ? "on" : "off");
+        std::printf("PIN request:     %s\n", enabled ? "on" : "off");
     return EXIT_OK;
 }
 
-// Runs one PIN request; on failure the code, then the attempts left.
-int Change(CliContext& context, ModemSession& session, const QString& name, const QVariant& argument,
-           const std::string& what, const std::string& done) {
-    const QVariantMap response = session.request(name, argument);
-    if (const int failed = session.check(response, what)) {
-        ReportAttemptsLeft(session);
+// Runs one try; on failure the code, then the attempts it left.
+int Try(CliContext& context, ModemSession& session,
+        const std::function<void(PinController&, PinController::Done)>& attempt, const std::string& what,
+        const std::string& done) {
+    PinController pin(session.link());
+    std::optional<BLPinCheckState> after;
+    QObject::connect(&pin, &PinController::simStateRead,
+                     [&after](const BLPinCheckState& state) { after = state; });
+    std::optional<Outcome> outcome;
+    attempt(pin, [&outcome](Outcome answer) { outcome = answer; });
+    session.await([&] { return outcome.has_value(); }, what);
+    if (const int failed = session.check(*outcome, what)) {
+        if (after)
+            std::fprintf(stderr, "dialtone: SIM %s; %s PIN attempts and %s PUK attempts left\n",
+                         PinStateText(after->nState).c_str(), AttemptsText(after->nPinCnt).c_str(),
+                         AttemptsText(after->nPukCnt).c_str());
         return failed;
     }
     if (context.json)
-        PrintJson(MapToJson(response));
+        PrintJson({{"ERROR_CODE", WORKER_OK}});
     else
         std::printf("%s\n", done.c_str());
     return EXIT_OK;
@@ -181,8 +183,12 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
         if (!CodesReady(context, *verifyCodes, "--pin-stdin"))
             return;
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
-            return Change(context, s, MESSAGE_PIN_VERIFY, Q(verifyCodes->needed[0].code), "verifying the PIN",
-                          "PIN accepted");
+            return Try(
+                context, s,
+                [&](PinController& pin, PinController::Done done) {
+                    pin.verifyPin(Q(verifyCodes->needed[0].code), done);
+                },
+                "verifying the PIN", "PIN accepted");
         });
     });
 
@@ -193,10 +199,13 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
     puk->callback([&context, pukCodes] {
         if (!CodesReady(context, *pukCodes, "--codes-stdin"))
             return;
-        BLPINVerifyPukInfo info{Q(pukCodes->needed[0].code), Q(pukCodes->needed[1].code)};
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
-            return Change(context, s, MESSAGE_PIN_VERIFY_PUK, QVariant::fromValue(info), "verifying the PUK",
-                          "PUK accepted, new PIN set");
+            return Try(
+                context, s,
+                [&](PinController& pin, PinController::Done done) {
+                    pin.verifyPuk(Q(pukCodes->needed[0].code), Q(pukCodes->needed[1].code), done);
+                },
+                "verifying the PUK", "PUK accepted, new PIN set");
         });
     });
 
@@ -208,10 +217,13 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
     change->callback([&context, changeCodes] {
         if (!CodesReady(context, *changeCodes, "--codes-stdin"))
             return;
-        BLPINChangeInfo info{Q(changeCodes->needed[0].code), Q(changeCodes->needed[1].code)};
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
-            return Change(context, s, MESSAGE_PIN_CHANGE, QVariant::fromValue(info), "changing the PIN",
-                          "PIN changed");
+            return Try(
+                context, s,
+                [&](PinController& pin, PinController::Done done) {
+                    pin.changePin(Q(changeCodes->needed[0].code), Q(changeCodes->needed[1].code), done);
+                },
+                "changing the PIN", "PIN changed");
         });
     });
 
@@ -223,11 +235,14 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
         command->callback([&context, codes, enable] {
             if (!CodesReady(context, *codes, "--pin-stdin"))
                 return;
-            BLPINEnableInfo info{enable, Q(codes->needed[0].code)};
             context.exitCode = RunInSession(context, [&](ModemSession& s) {
-                return Change(context, s, MESSAGE_PIN_ENABLE, QVariant::fromValue(info),
-                              enable ? "enabling the PIN request" : "disabling the PIN request",
-                              enable ? "PIN request enabled" : "PIN request disabled");
+                return Try(
+                    context, s,
+                    [&](PinController& pin, PinController::Done done) {
+                        pin.setPinRequest(enable, Q(codes->needed[0].code), done);
+                    },
+                    enable ? "enabling the PIN request" : "disabling the PIN request",
+                    enable ? "PIN request enabled" : "PIN request disabled");
             });
         });
     }

@@ -62,7 +62,6 @@ const std::vector<Expected>& Table() {
         {&MESSAGE_SMS_USE_PC_INBOX, nullptr, {LineText("", 15)}},
         {&MESSAGE_USSD_SETSTATE, nullptr, {Between("", 0, 2)}},
         {&MESSAGE_USSD_SENDCMD, "BLUssdSendCmdInfo", {Between("nOpCode", 0, 1), LineText("strCmdString", kUssdTextMaxLength)}},
-        {&MESSAGE_STK_SELECT_ITEM, "BLSatResponse", {Between("nCommand", 0, INT_MAX), Between("nResult", 0, 255), Between("nItemId", -1, 255), LineText("strText", 512)}},
         {&MESSAGE_CALL_DIAL, nullptr, {LineText("", kDialStringMaxLength)}},
         {&MESSAGE_CALL_SEND_DTMF, nullptr, {LineText("", kDialStringMaxLength)}},
     };
@@ -78,7 +77,7 @@ const std::vector<const QString*>& WithoutArgument() {
         &MESSAGE_PB_INIT_LIST, &MESSAGE_PB_GET_STORAGE_INFO, &MESSAGE_PB_GET_CONSTRAINT,
         &MESSAGE_PIN_CHECK_STATE, &MESSAGE_PIN_GET_STATE,
         &MESSAGE_SMS_INIT, &MESSAGE_SMS_GET_LIST, &MESSAGE_SMS_GET_PREFERRED_STORAGE, &MESSAGE_SMS_GET_SC, &MESSAGE_SMS_GET_STORAGE_STATE,
-        &MESSAGE_USSD_CHECKSTATE, &MESSAGE_STK_GET_MENU,
+        &MESSAGE_USSD_CHECKSTATE, &MESSAGE_STK_GET_MENU, &MESSAGE_STK_POLL,
         &MESSAGE_CALL_ANSWER, &MESSAGE_CALL_HANGUP, &MESSAGE_CALL_GET_LIST, &MESSAGE_GPS_INIT, &MESSAGE_GPS_UNINIT,
     };
     return names;

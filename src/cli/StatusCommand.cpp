@@ -36,7 +36,8 @@ int Status(CliContext& context, ModemSession& session) {
     if (const int failed = session.check(diagResponse, "reading the modem's state"))
         return failed;
     const auto diag = WorkNotification::GetValueObject(diagResponse).value<BLDiagInfo>();
-    const QVariantMap pinResponse = session.request(MESSAGE_PIN_CHECK_STATE);
+    BLPinCheckState pin;
+    const Outcome pinRead = session.readSim(pin);
     // The dial-up service must be known before its link shows, also one started by an earlier run.
     session.request(MESSAGE_MODEM_INIT);
     const QVariantMap connectResponse = session.request(MESSAGE_CONNECT_STATUS);
@@ -47,10 +48,10 @@ int Status(CliContext& context, ModemSession& session) {
 
     if (context.json) {
         nlohmann::json document{{"diagInfo", VariantToJson(WorkNotification::GetValueObject(diagResponse))},
-                                {"pinState", VariantToJson(WorkNotification::GetValueObject(pinResponse))},
+                                {"pinState", VariantToJson(QVariant::fromValue(pin))},
                                 {"connectStatus", connectStatus}};
-        if (const int code = WorkNotification::GetErrorCode(pinResponse))
-            document["pinState"] = {{"ERROR_CODE", code}};
+        if (!pinRead.ok())
+            document["pinState"] = {{"ERROR_CODE", pinRead.code}};
         PrintJson(document);
         return EXIT_OK;
     }
@@ -60,12 +61,11 @@ int Status(CliContext& context, ModemSession& session) {
                               diag.strHardwareVersion};
     PrintEquipment(equipment);
     std::string sim = PinStateText(diag.nPinState);
-    if (WorkNotification::GetErrorCode(pinResponse) == WORKER_OK) {
-        const auto pin = WorkNotification::GetValueObject(pinResponse).value<BLPinCheckState>();
+    if (pinRead.ok()) {
         sim = PinStateText(pin.nState);
-        if (pin.nState == 2 && pin.nPinCnt >= 0)
+        if (pin.nState == SimState::kPin && pin.nPinCnt >= 0)
             sim += " (" + std::to_string(pin.nPinCnt) + " attempts left)";
-        else if (pin.nState == 3 && pin.nPukCnt >= 0)
+        else if (pin.nState == SimState::kPuk && pin.nPukCnt >= 0)
             sim += " (" + std::to_string(pin.nPukCnt) + " PUK attempts left)";
     }
     PrintField("SIM:", sim);

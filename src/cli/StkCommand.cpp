@@ -1,25 +1,25 @@
 #include "StkCommand.h"
 
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "ModemSession.h"
+#include "SAT/ToolkitController.h"
 #include "SatRecords.h"
 #include "TerminalText.h"
-#include "WorkNotification.h"
 
 namespace {
 
-// The modem's numbers of the commands the tool shows.
-constexpr int kMainMenu = 17;
-constexpr int kSelectItem = 11;
-constexpr int kDisplayText = 1;
-constexpr int kGetInkey = 2;
-constexpr int kGetInput = 3;
-constexpr int kSessionEnd = 20;
+constexpr int kMainMenu = ToolkitController::kMainMenu;
+constexpr int kSelectItem = ToolkitController::kSelectItem;
+constexpr int kDisplayText = ToolkitController::kDisplayText;
+constexpr int kGetInkey = ToolkitController::kGetInkey;
+constexpr int kGetInput = ToolkitController::kGetInput;
+constexpr int kSessionEnd = ToolkitController::kSessionEnd;
 // Texts confirmed in a row before the tool stops following the card.
 constexpr int kMaxTextsFollowed = 16;
 
@@ -43,10 +43,6 @@ nlohmann::json CommandJson(const BLSatCommand& command) {
             {"strText", TextJson(command.strText)},
             {"strDefaultText", TextJson(command.strDefaultText)},
             {"lstItems", items}};
-}
-
-bool IsMenu(const BLSatCommand& command) {
-    return command.nCommand == kMainMenu || command.nCommand == kSelectItem;
 }
 
 void PrintCommand(const BLSatCommand& command) {
@@ -104,27 +100,36 @@ std::optional<int> FindItem(const BLSatCommand& menu, const std::string& argumen
     return std::nullopt;
 }
 
-int GetMenu(ModemSession& session, BLSatCommand& menu) {
-    ReportProgress("reading the SIM's menu");
-    const QVariantMap response = session.request(MESSAGE_STK_GET_MENU);
-    if (const int failed = session.check(response, "reading the SIM's menu"))
-        return failed;
-    menu = WorkNotification::GetValueObject(response).value<BLSatCommand>();
-    return EXIT_OK;
+// Waits for the controller's result; the command it carries on success.
+int Await(ModemSession& session, const std::function<void(ToolkitController::Result)>& start,
+          BLSatCommand& command, const std::string& what) {
+    std::optional<Outcome> outcome;
+    start([&](Outcome answer, const BLSatCommand& received) {
+        outcome = answer;
+        command = received;
+    });
+    session.await([&] { return outcome.has_value(); }, what);
+    return session.check(*outcome, what);
 }
 
-int Answer(ModemSession& session, const BLSatResponse& answer, BLSatCommand& next, const std::string& what) {
+int GetMenu(ModemSession& session, ToolkitController& toolkit, BLSatCommand& menu) {
+    ReportProgress("reading the SIM's menu");
+    return Await(
+        session, [&](ToolkitController::Result done) { toolkit.readMenu(done); }, menu,
+        "reading the SIM's menu");
+}
+
+int Answer(ModemSession& session, ToolkitController& toolkit, const BLSatResponse& answer, BLSatCommand& next,
+           const std::string& what) {
     ReportProgress("waiting for the SIM's answer");
-    const QVariantMap response = session.request(MESSAGE_STK_SELECT_ITEM, QVariant::fromValue(answer));
-    if (const int failed = session.check(response, what))
-        return failed;
-    next = WorkNotification::GetValueObject(response).value<BLSatCommand>();
-    return EXIT_OK;
+    return Await(
+        session, [&](ToolkitController::Result done) { toolkit.answer(answer, done); }, next, what);
 }
 
 int Menu(CliContext& context, ModemSession& session) {
+    ToolkitController toolkit(session.link());
     BLSatCommand menu;
-    if (const int failed = GetMenu(session, menu))
+    if (const int failed = GetMenu(session, toolkit, menu))
         return failed;
     if (context.json)
         PrintJson(CommandJson(menu));
@@ -134,12 +139,13 @@ int Menu(CliContext& context, ModemSession& session) {
 }
 
 int Select(CliContext& context, ModemSession& session, const std::vector<std::string>& items) {
+    ToolkitController toolkit(session.link());
     BLSatCommand current;
-    if (const int failed = GetMenu(session, current))
+    if (const int failed = GetMenu(session, toolkit, current))
         return failed;
     bool chosen = false; // once an item is chosen the card has acted: a later miss is its answer, not a slip
     for (const std::string& argument : items) {
-        if (!IsMenu(current)) {
+        if (!ToolkitController::isMenu(current)) {
             if (!context.json)
                 PrintCommand(current);
             return ReportFailure(context, 1,
@@ -156,7 +162,7 @@ int Select(CliContext& context, ModemSession& session, const std::vector<std::st
         BLSatResponse answer;
         answer.nCommand = current.nCommand;
         answer.nItemId = *item;
-        if (const int failed = Answer(session, answer, current, "choosing \"" + argument + "\""))
+        if (const int failed = Answer(session, toolkit, answer, current, "choosing \"" + argument + "\""))
             return failed;
     }
 
@@ -171,7 +177,7 @@ int Select(CliContext& context, ModemSession& session, const std::vector<std::st
             break;
         BLSatResponse confirm;
         confirm.nCommand = kDisplayText;
-        if (const int failed = Answer(session, confirm, current, "confirming the SIM's text"))
+        if (const int failed = Answer(session, toolkit, confirm, current, "confirming the SIM's text"))
             return failed;
     }
     if (context.json)

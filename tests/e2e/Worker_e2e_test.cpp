@@ -131,28 +131,6 @@ TEST_F(WorkerE2E, EquipmentInformation) {
     EXPECT_EQ(info.strImsi, "262021234567890");
 }
 
-TEST_F(WorkerE2E, PinLockedSimWrongThenRightPin) {
-    start({"--scenario", "pin-locked"});
-    ASSERT_EQ(WorkNotification::GetErrorCode(_initResponse), 0);
-
-    QVariantMap response = sync(MESSAGE_PIN_CHECK_STATE);
-    ASSERT_EQ(WorkNotification::GetErrorCode(response), 0);
-    auto state = WorkNotification::GetValueObject(response).value<BLPinCheckState>();
-    EXPECT_EQ(state.nState, 2); // SIM PIN
-    EXPECT_EQ(state.nPinCnt, 3);
-
-    EXPECT_EQ(WorkNotification::GetErrorCode(sync(MESSAGE_PIN_VERIFY, QStringLiteral("0000"))), 14);
-    response = sync(MESSAGE_PIN_CHECK_STATE);
-    state = WorkNotification::GetValueObject(response).value<BLPinCheckState>();
-    EXPECT_EQ(state.nState, 2);
-    EXPECT_EQ(state.nPinCnt, 2);
-    EXPECT_EQ(state.nPukCnt, 10);
-
-    EXPECT_EQ(WorkNotification::GetErrorCode(sync(MESSAGE_PIN_VERIFY, QStringLiteral("1234"))), 0);
-    response = sync(MESSAGE_PIN_CHECK_STATE);
-    EXPECT_EQ(WorkNotification::GetValueObject(response).value<BLPinCheckState>().nState, 1); // READY
-}
-
 TEST_F(WorkerE2E, OperatorListAndManualSelectionAsynchronously) {
     start();
     _sim->control("set scan_delay_ms 200");

@@ -60,14 +60,6 @@ QVariantMap request(const QVariant& value) {
     return map;
 }
 
-std::vector<std::pair<int, std::string>> itemsOf(const BLSatCommand& command) {
-    std::vector<std::pair<int, std::string>> items;
-    for (const BLSatMenuItem& item : command.lstItems) {
-        items.emplace_back(item.nItemId, item.strText.toStdString());
-    }
-    return items;
-}
-
 class BusinessStkCallGpsTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -90,146 +82,105 @@ protected:
     std::unique_ptr<BusinessOperator> m_business;
 };
 
-TEST_F(BusinessStkCallGpsTest, MainMenuIsReadInTheModemsCharacterSet) {
-    // clang-format off
+namespace {
+
+QVariantMap valueOf(const QVariantMap& response) {
+    return WorkNotification::GetValueObject(response).toMap();
+}
+
+QVariantMap answerIn(const QString& command, int teSet = USSD_TE_IRA) {
+    return request(QVariantMap{{SatKey::kCommand, command}, {SatKey::kCharSet, teSet}});
+}
+
+} // namespace
+
+TEST_F(BusinessStkCallGpsTest, MainMenuListingComesWithItsCharacterSet) {
+    const std::string listing = answer("+STGI: 17,\"004D0065006E00FC\",1\r\n+STGI: 17,9,\"0053\"");
     const struct {
-        const char* name;
-        std::string listing;
         std::string charSet;
-        std::string title;
-        std::vector<std::pair<int, std::string>> items;
+        int teSet;
     } rows[] = {
-        {"IRA", answer("+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n+STGI: 17,2,\"Games\"\r\n+STGI: 17,5,\"Offers\""), kCharSetIra, "SIM Services", {{1, "News"}, {2, "Games"}, {5, "Offers"}}},
-        {"UCS2", answer("+STGI: 17,\"004D0065006E00FC\",1\r\n+STGI: 17,9,\"0053007000690065006C0065\""), kCharSetUcs2, "Menü", {{9, "Spiele"}}},
-        {"no items", answer("+STGI: 17,\"Empty\""), kCharSetIra, "Empty", {}},
-    };
-    // clang-format on
+        {kCharSetIra, USSD_TE_IRA}, {kCharSetUcs2, USSD_TE_UCS2}, {answer("+CSCS: \"8859-1\""), USSD_TE_IRA}};
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        m_fake.Expect("AT+STGI=17\r", row.listing);
+        SCOPED_TRACE(row.charSet);
+        m_fake.Expect("AT+STGI=17\r", listing);
         m_fake.Expect("AT+CSCS?\r", row.charSet);
         QVariantMap response;
         ASSERT_EQ(m_business->SatGetMenu(response), 0);
-        const auto menu = WorkNotification::GetValueObject(response).value<BLSatCommand>();
-        EXPECT_EQ(menu.nCommand, 17);
-        EXPECT_EQ(menu.nType, 37);
-        EXPECT_EQ(menu.strText.toStdString(), row.title);
-        EXPECT_EQ(itemsOf(menu), row.items);
-        m_fake.VerifyDone();
+        EXPECT_EQ(valueOf(response).value(SatKey::kListing).toString().toStdString(), listing);
+        EXPECT_EQ(valueOf(response).value(SatKey::kCharSet).toInt(), row.teSet);
     }
+    m_fake.Expect("AT+STGI=17\r", kCmeError);
+    QVariantMap refused;
+    EXPECT_EQ(m_business->SatGetMenu(refused), 1);
+    EXPECT_FALSE(refused.contains(VALUE_OBJECT));
+    m_fake.VerifyDone();
 }
 
-TEST_F(BusinessStkCallGpsTest, MainMenuFailuresStoreNothing) {
-    const struct {
-        const char* name;
-        std::string listing;
-        int result;
-    } rows[] = {
-        {"refused", kCmeError, 1},
-        {"not a menu", answer("+STGI: 1,\"Hello\",0,1"), 1},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        m_fake.Expect("AT+STGI=17\r", row.listing);
-        if (row.listing != kCmeError) {
-            m_fake.Expect("AT+CSCS?\r", kCharSetIra);
-        }
-        QVariantMap response;
-        EXPECT_EQ(m_business->SatGetMenu(response), row.result);
-        EXPECT_FALSE(response.contains(VALUE_OBJECT));
-        m_fake.VerifyDone();
-    }
-}
-
-TEST_F(BusinessStkCallGpsTest, AnswerIsSentAndTheAnnouncedCommandFetched) {
-    const std::string gamesListing =
-        answer("+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\"");
-    // clang-format off
-    const struct {
-        const char* name;
-        BLSatResponse answer;
-        std::string sent;
-        std::string sentReply;          // may carry the announcement itself
-        std::vector<std::string> polls; // answers to the bare "AT" polls
-        std::string fetch;              // "" when nothing is fetched
-        std::string listing;
-        int command;
-        int type;
-        std::string text;
-        std::vector<std::pair<int, std::string>> items;
-    } rows[] = {
-        {"main menu choice", {17, 0, 2, {}}, "AT+STGR=0,0,2\r", "\r\nOK\r\n", {"\r\nOK\r\n", answer("+STIN: 11")}, "AT+STGI=11\r", gamesListing, 11, 36, "Games", {{1, "Quiz"}, {2, "About"}}},
-        {"announcement inside the answer", {11, 0, 2, {}}, "AT+STGR=11,0,,2\r", "\r\n+STIN: 1\r\n\r\nOK\r\n", {}, "AT+STGI=1\r", answer("+STGI: 1,\"Games by your operator\",0,1"), 1, 33, "Games by your operator", {}},
-        {"text confirmed, dialogue ends", {1, 0, 0, {}}, "AT+STGR=1,0,\r", "\r\nOK\r\n", {answer("+STIN: 20")}, "", "", 20, 129, "", {}},
-        {"input answered", {3, 0, 0, "Paris"}, "AT+STGR=3,0,,\"Paris\"\r", "\r\nOK\r\n", {answer("+STIN: 1")}, "AT+STGI=1\r", answer("+STGI: 1,\"Thank you!\",0,1"), 1, 33, "Thank you!", {}},
-        {"yes to a question", {2, 0, 1, {}}, "AT+STGR=2,0,,2,1,\r", "\r\nOK\r\n", {answer("+STIN: 20")}, "", "", 20, 129, "", {}},
-        {"user ends the menu", {11, 16, -1, {}}, "AT+STGR=11,16,,\r", "\r\nOK\r\n", {answer("+STIN: 20")}, "", "", 20, 129, "", {}},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        m_fake.Expect("AT+CSCS?\r", kCharSetIra);
-        m_fake.Expect(row.sent, row.sentReply);
-        for (const std::string& poll : row.polls) {
-            m_fake.Expect("AT\r", poll);
-        }
-        if (!row.fetch.empty()) {
-            m_fake.Expect(row.fetch, row.listing);
-        }
-        QVariantMap response;
-        ASSERT_EQ(m_business->SatSelectItem(request(QVariant::fromValue(row.answer)), response), 0);
-        const auto next = WorkNotification::GetValueObject(response).value<BLSatCommand>();
-        EXPECT_EQ(next.nCommand, row.command);
-        EXPECT_EQ(next.nType, row.type);
-        EXPECT_EQ(next.strText.toStdString(), row.text);
-        EXPECT_EQ(itemsOf(next), row.items);
-        EXPECT_TRUE(queuedReports().empty());
-        m_fake.VerifyDone();
-    }
-}
-
-TEST_F(BusinessStkCallGpsTest, StaleAnnouncementsAreDroppedAndOtherReportsKept) {
+// An answer goes out only in the set it was built for; the command the card announced by then (in the
+// answer itself, or by a later poll) is fetched, and stale announcements are dropped while other reports
+// stay queued.
+TEST_F(BusinessStkCallGpsTest, AnswersAndPollsFetchTheAnnouncedCommand) {
+    const std::string gamesListing = answer("+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"");
     std::string stale = "\r\n+STIN: 6\r\n\r\n+CMTI: \"SM\",3\r\n";
     ComOperation::GetInstance()->checkUnsolicitedReport(stale, nullptr);
-    ASSERT_EQ(queuedReports().size(), 2u);
+
+    m_fake.Expect("AT+CSCS?\r", kCharSetUcs2);
+    QVariantMap otherSet;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=0,0,2"), otherSet), 0);
+    EXPECT_FALSE(valueOf(otherSet).value(SatKey::kSent).toBool());
+    EXPECT_EQ(valueOf(otherSet).value(SatKey::kCharSet).toInt(), USSD_TE_UCS2);
 
     m_fake.Expect("AT+CSCS?\r", kCharSetIra);
-    m_fake.Expect("AT+STGR=0,0,1\r");
-    m_fake.Expect("AT\r", answer("+STIN: 1"));
-    m_fake.Expect("AT+STGI=1\r", answer("+STGI: 1,\"Today: sunny, 24 C\",0,1"));
-    QVariantMap response;
-    ASSERT_EQ(m_business->SatSelectItem(request(QVariant::fromValue(BLSatResponse{17, 0, 1, {}})), response),
-              0);
-    EXPECT_EQ(WorkNotification::GetValueObject(response).value<BLSatCommand>().strText, "Today: sunny, 24 C");
+    m_fake.Expect("AT+STGR=0,0,2\r", "\r\nOK\r\n");
+    QVariantMap sent;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=0,0,2"), sent), 0);
+    EXPECT_TRUE(valueOf(sent).value(SatKey::kSent).toBool());
+    EXPECT_EQ(valueOf(sent).value(SatKey::kListing).toString(), "");
     EXPECT_EQ(queuedReports(), std::vector<std::string>{"\r\n+CMTI: \"SM\",3\r\n"});
+
+    m_fake.Expect("AT\r", "\r\nOK\r\n");
+    m_fake.Expect("AT\r", answer("+STIN: 11"));
+    m_fake.Expect("AT+STGI=11\r", gamesListing);
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
+    QVariantMap polled;
+    ASSERT_EQ(m_business->SatPoll(polled), 0);
+    EXPECT_EQ(valueOf(polled).value(SatKey::kListing).toString(), "");
+    ASSERT_EQ(m_business->SatPoll(polled), 0);
+    EXPECT_EQ(valueOf(polled).value(SatKey::kListing).toString().toStdString(), gamesListing);
+
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
+    m_fake.Expect("AT+STGR=11,0,,2\r", "\r\n+STIN: 1\r\n\r\nOK\r\n");
+    m_fake.Expect("AT+STGI=1\r", answer("+STGI: 1,\"Bye\",0,1"));
+    QVariantMap inside;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=11,0,,2"), inside), 0);
+    EXPECT_TRUE(valueOf(inside).value(SatKey::kListing).toString().contains("Bye"));
+    m_fake.VerifyDone();
 }
 
-TEST_F(BusinessStkCallGpsTest, AnswersThatCannotBeSentOrAreRefused) {
+TEST_F(BusinessStkCallGpsTest, OnlyToolkitAnswersAreSent) {
     const struct {
         const char* name;
         QVariantMap request;
-        bool charSet;
-        std::string refused; // the answer's command when the modem refuses it
+        std::string sent; // "" when nothing may be sent
         int result;
     } rows[] = {
-        {"no argument", {}, false, "", 3},
-        {"command without an answer", request(QVariant::fromValue(BLSatResponse{99, 0, 1, {}})), false, "",
-         1},
-        {"item beyond one octet", request(QVariant::fromValue(BLSatResponse{17, 0, 256, {}})), false, "", 1},
-        {"card refuses the item", request(QVariant::fromValue(BLSatResponse{17, 0, 9, {}})), true,
-         "AT+STGR=0,0,9\r", 1},
+        {"no argument", {}, "", 3},
+        {"another command", answerIn("AT+CFUN=0"), "", 45},
+        {"second command after it", answerIn("AT+STGR=0,0,1;+CFUN=0"), "", 45},
+        {"line break inside", answerIn("AT+STGR=0,0,1\rAT+CFUN=0"), "", 45},
+        {"open quote", answerIn("AT+STGR=3,0,,\"Paris"), "", 45},
+        {"semicolon quoted", answerIn("AT+STGR=3,0,,\"a;b\""), "AT+STGR=3,0,,\"a;b\"\r", 0},
+        {"card refuses", answerIn("AT+STGR=0,0,9"), "AT+STGR=0,0,9\r", 1},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        if (row.charSet) {
+        if (!row.sent.empty()) {
             m_fake.Expect("AT+CSCS?\r", kCharSetIra);
-        }
-        if (!row.refused.empty()) {
-            m_fake.Expect(row.refused, kCmeError);
+            m_fake.Expect(row.sent, row.result == 0 ? "\r\nOK\r\n" : kCmeError);
         }
         QVariantMap response;
         EXPECT_EQ(m_business->SatSelectItem(row.request, response), row.result);
-        EXPECT_FALSE(response.contains(VALUE_OBJECT));
         m_fake.VerifyDone();
     }
 }

@@ -10,18 +10,13 @@
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
 
-#include "BLRecords.h"
 #include "CNSLabels.h"
 #include "ModemLink.h"
-#include "ModemTextCheck.h"
+#include "Pin/PinController.h"
+#include "PinRecords.h"
 #include "StatusText.h"
-#include "WorkMessageNames.h"
-#include "WorkNotification.h"
 
 namespace {
-
-constexpr int kIncorrectPassword = 14;
-constexpr int kPukRequired = 10;
 
 QLineEdit* PinField(const char* objectName) {
     auto* edit = new QLineEdit;
@@ -37,7 +32,8 @@ QLineEdit* PinField(const char* objectName) {
 
 } // namespace
 
-PinSettingsPage::PinSettingsPage(ModemLink& link, QWidget* parent) : QWidget(parent), _link(link) {
+PinSettingsPage::PinSettingsPage(ModemLink& link, QWidget* parent)
+    : QWidget(parent), _controller(new PinController(link, this)) {
     auto* layout = new QVBoxLayout(this);
 
     auto* stateBox = new QGroupBox(tr("PIN request"));
@@ -80,6 +76,18 @@ PinSettingsPage::PinSettingsPage(ModemLink& link, QWidget* parent) : QWidget(par
     layout->addWidget(_status);
     layout->addStretch(1);
 
+    connect(_controller, &PinController::pinRequestRead, this, [this](PinController::PinRequest request) {
+        showPinRequest(request == PinController::PinRequest::Unknown ? -1
+                       : request == PinController::PinRequest::On    ? 1
+                                                                     : 0);
+    });
+    connect(_controller, &PinController::simStateRead, this, [this](const BLPinCheckState& state) {
+        if (!_ready)
+            return;
+        _attempts->setText(tr("PIN %1, PUK %2")
+                               .arg(QString::fromStdString(AttemptsText(state.nPinCnt)),
+                                    QString::fromStdString(AttemptsText(state.nPukCnt))));
+    });
     connect(_toggle, &QPushButton::clicked, this, &PinSettingsPage::toggleCheck);
     connect(_change, &QPushButton::clicked, this, &PinSettingsPage::changePin);
     for (QLineEdit* edit : {_currentPin, _oldPin, _newPin, _confirmPin})
@@ -99,7 +107,6 @@ void PinSettingsPage::modemGone() {
     _ready = false;
     _busy = false;
     _enabled = -1;
-    _pinLeft = -1;
     for (QLineEdit* edit : {_currentPin, _oldPin, _newPin, _confirmPin})
         edit->clear();
     _checkState->setText(QStringLiteral("-"));
@@ -109,41 +116,22 @@ void PinSettingsPage::modemGone() {
 
 QString PinSettingsPage::pinProblem(const QString& pin) {
     // Only ASCII digits: a digit of another script would pass a "\d" check and cost a SIM attempt.
-    return IsPinCodeWellFormed(pin.toStdString(), PinCodeKind::Pin) ? QString()
-                                                                    : tr("A PIN has 4 to 8 digits.");
+    return PinController::isPinWellFormed(pin) ? QString() : tr("A PIN has 4 to 8 digits.");
 }
 
 void PinSettingsPage::readState() {
-    // "MESSAGE_PIN_GET_STATE" answers "TRUE" when the modem asks for the PIN at start.
-    _link.request(
-        MESSAGE_PIN_GET_STATE, {},
-        [this](const QVariantMap& response) {
-            if (!_ready)
-                return;
-            if (WorkNotification::GetErrorCode(response) == WORKER_OK) {
-                _enabled =
-                    WorkNotification::GetValueObject(response).toString() == QLatin1String("TRUE") ? 1 : 0;
-                _checkState->setText(_enabled ? tr("the modem asks for the PIN")
-                                              : tr("the modem does not ask for the PIN"));
-            } else {
-                _enabled = -1;
-                _checkState->setText(tr("unknown"));
-            }
-            updateButtons();
-        },
-        this);
-    _link.request(
-        MESSAGE_PIN_CHECK_STATE, {},
-        [this](const QVariantMap& response) {
-            if (!_ready || WorkNotification::GetErrorCode(response) != WORKER_OK)
-                return;
-            const auto state = WorkNotification::GetValueObject(response).value<BLPinCheckState>();
-            _pinLeft = state.nPinCnt;
-            _attempts->setText(tr("PIN %1, PUK %2")
-                                   .arg(QString::fromStdString(AttemptsText(state.nPinCnt)),
-                                        QString::fromStdString(AttemptsText(state.nPukCnt))));
-        },
-        this);
+    _controller->readPinRequest();
+    _controller->readSimState();
+}
+
+void PinSettingsPage::showPinRequest(int enabled) {
+    if (!_ready)
+        return;
+    _enabled = enabled;
+    _checkState->setText(enabled < 0   ? tr("unknown")
+                         : enabled > 0 ? tr("the modem asks for the PIN")
+                                       : tr("the modem does not ask for the PIN"));
+    updateButtons();
 }
 
 void PinSettingsPage::toggleCheck() {
@@ -155,20 +143,17 @@ void PinSettingsPage::toggleCheck() {
         return;
     }
     const bool enable = _enabled == 0;
-    BLPINEnableInfo info{enable, _currentPin->text()};
+    const QString pin = _currentPin->text();
     _currentPin->clear();
     _busy = true;
     _toggle->setText(tr("Please wait…"));
     updateButtons();
-    _link.request(
-        MESSAGE_PIN_ENABLE, QVariant::fromValue(info),
-        [this, enable](const QVariantMap& response) {
-            finish(enable ? tr("Switching the PIN request on") : tr("Switching the PIN request off"),
-                   enable ? tr("The modem asks for the PIN from now on.")
-                          : tr("The modem no longer asks for the PIN."),
-                   WorkNotification::GetErrorCode(response));
-        },
-        this);
+    _controller->setPinRequest(enable, pin, [this, enable](Outcome outcome) {
+        finish(enable ? tr("Switching the PIN request on") : tr("Switching the PIN request off"),
+               enable ? tr("The modem asks for the PIN from now on.")
+                      : tr("The modem no longer asks for the PIN."),
+               outcome.code);
+    });
 }
 
 void PinSettingsPage::changePin() {
@@ -188,19 +173,16 @@ void PinSettingsPage::changePin() {
         _confirmPin->clear();
         return;
     }
-    BLPINChangeInfo info{_oldPin->text(), _newPin->text()};
+    const QString oldPin = _oldPin->text();
+    const QString newPin = _newPin->text();
     for (QLineEdit* edit : {_oldPin, _newPin, _confirmPin})
         edit->clear();
     _busy = true;
     _change->setText(tr("Please wait…"));
     updateButtons();
-    _link.request(
-        MESSAGE_PIN_CHANGE, QVariant::fromValue(info),
-        [this](const QVariantMap& response) {
-            finish(tr("Changing the PIN"), tr("The PIN was changed."),
-                   WorkNotification::GetErrorCode(response));
-        },
-        this);
+    _controller->changePin(oldPin, newPin, [this](Outcome outcome) {
+        finish(tr("Changing the PIN"), tr("The PIN was changed."), outcome.code);
+    });
 }
 
 void PinSettingsPage::finish(const QString& what, const QString& done, int code) {
@@ -209,12 +191,12 @@ void PinSettingsPage::finish(const QString& what, const QString& done, int code)
         return;
     if (code == WORKER_OK) {
         setStatus(done, false);
-    } else if (code == kIncorrectPassword) {
+    } else if (code == PinResult::kWrongCode) {
         setStatus(tr("%1 failed: the PIN was wrong. Attempts left are shown above; after the last one the "
                      "SIM needs the PUK from your operator.")
                       .arg(what),
                   true);
-    } else if (code == kPukRequired) {
+    } else if (code == PinResult::kPukRequired) {
         setStatus(tr("%1 failed: the SIM is blocked and needs the PUK from your operator.").arg(what), true);
     } else if (code == WORKER_ERR_NO_DATA_DEVICE) {
         setStatus(tr("%1 failed: the modem was unplugged.").arg(what), true);
@@ -223,7 +205,8 @@ void PinSettingsPage::finish(const QString& what, const QString& done, int code)
             tr("%1 failed: %2 (code %3).").arg(what, QString::fromStdString(ResultCodeText(code))).arg(code),
             true);
     }
-    readState();
+    // The SIM's state was read again after the try; whether it asks for the PIN may have changed.
+    _controller->readPinRequest();
     updateButtons();
 }
 

@@ -3,6 +3,7 @@
 #include <QWidget>
 
 class ModemLink;
+class PinController;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -26,10 +27,11 @@ private:
     void toggleCheck();
     void changePin();
     void finish(const QString& what, const QString& done, int code);
+    void showPinRequest(int enabled);
     void updateButtons();
     void setStatus(const QString& text, bool error);
 
-    ModemLink& _link;
+    PinController* _controller = nullptr;
     QLabel* _checkState = nullptr;
     QLabel* _attempts = nullptr;
     QLineEdit* _currentPin = nullptr;
@@ -42,5 +44,4 @@ private:
     bool _ready = false;
     bool _busy = false;
     int _enabled = -1; // PIN check: -1 unknown, 0 off, 1 on
-    int _pinLeft = -1;
 };

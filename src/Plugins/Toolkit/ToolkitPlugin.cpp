@@ -13,21 +13,14 @@
 #include "CNSLabels.h"
 #include "FailureText.h"
 #include "ModemTextCheck.h"
-#include "SAT/STKTypes.h"
-#include "WorkMessageNames.h"
-#include "WorkNotification.h"
 
 namespace {
 
-// Get inkey and get input formats.
-constexpr int kFormatDigits = 0;
-constexpr int kFormatYesNo = 3;
+constexpr int kFormatDigits = ToolkitController::kFormatDigits;
+constexpr int kFormatYesNo = ToolkitController::kFormatYesNo;
+constexpr int kResultDone = ToolkitController::kResultDone;
 
 constexpr int kItemRole = Qt::UserRole + 1;
-
-bool IsMenu(const BLSatCommand& command) {
-    return command.nCommand == ToolkitPlugin::kMainMenu || command.nCommand == ToolkitPlugin::kSelectItem;
-}
 
 QPushButton* Button(const QString& text, const QString& objectName, QWidget* parent) {
     auto* button = new QPushButton(text, parent);
@@ -37,7 +30,9 @@ QPushButton* Button(const QString& text, const QString& objectName, QWidget* par
 
 } // namespace
 
-ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
+ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent)
+    : ModulePlugin(context, parent), _controller(new ToolkitController(link(), this)) {
+    connect(_controller, &ToolkitController::supportChanged, this, &ModulePlugin::supportChanged);
     _title = CNSPlainLabel(QStringLiteral("title"), this);
     QFont bold = _title->font();
     bold.setBold(true);
@@ -90,7 +85,7 @@ ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     connect(_items, &QListWidget::itemActivated, this, &ToolkitPlugin::choose);
     connect(_items, &QListWidget::currentRowChanged, this, &ToolkitPlugin::updateButtons);
     connect(_back, &QPushButton::clicked, this, [this] {
-        answer(BLSatResponse{_current.nCommand, kResultBack, 0, {}});
+        answer(BLSatResponse{_current.nCommand, ToolkitController::kResultBack, 0, {}});
     });
     connect(_ok, &QPushButton::clicked, this, [this] {
         if (_current.nCommand == kGetInput || _current.nCommand == kGetInkey)
@@ -121,6 +116,7 @@ void ToolkitPlugin::modemGone() {
     _ready = false;
     emit supportChanged(true); // the next modem may have a toolkit
     ++_generation;
+    _controller->cancel();
     _busyState = false;
     _haveCommand = false;
     _current = {};
@@ -138,11 +134,10 @@ void ToolkitPlugin::setBusy(bool busy) {
     updateButtons();
 }
 
-void ToolkitPlugin::fail(const QString& what, const QVariantMap& response) {
+void ToolkitPlugin::fail(const QString& what, Outcome outcome) {
     _error->setText(tr("%1 failed: %2. Try again, or end the session to go back to the main menu.")
-                        .arg(what, QString::fromStdString(FailureText(
-                                       WorkNotification::GetErrorCode(response),
-                                       WorkNotification::GetSubErrorCode(response), FrontEnd::DesktopApp))));
+                        .arg(what, QString::fromStdString(
+                                       FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
 }
 
 void ToolkitPlugin::loadMenu(const QString& note) {
@@ -152,28 +147,23 @@ void ToolkitPlugin::loadMenu(const QString& note) {
     _error->clear();
     _status->setText(note);
     setBusy(true);
-    link().request(
-        MESSAGE_STK_GET_MENU, {},
-        [this, generation](const QVariantMap& response) {
-            if (generation != _generation)
-                return;
-            setBusy(false);
-            const int code = WorkNotification::GetErrorCode(response);
-            emit supportChanged(code != WORKER_ERR_NOT_SUPPORTED);
-            if (code != WORKER_OK) {
-                showNoMenu(tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
-                              "menu; press Read again to retry.")
-                               .arg(ResponseFailureText(response)));
-                return;
-            }
-            const auto menu = WorkNotification::GetValueObject(response).value<BLSatCommand>();
-            if (menu.lstItems.isEmpty()) {
-                showNoMenu(tr("This SIM card has no toolkit menu."));
-                return;
-            }
-            showCommand(menu);
-        },
-        this);
+    _controller->readMenu([this, generation](Outcome outcome, const BLSatCommand& menu) {
+        if (generation != _generation)
+            return;
+        setBusy(false);
+        if (!outcome.ok()) {
+            showNoMenu(tr("The card's menu could not be read (%1). This SIM card may have no toolkit "
+                          "menu; press Read again to retry.")
+                           .arg(QString::fromStdString(
+                               FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
+            return;
+        }
+        if (menu.lstItems.isEmpty()) {
+            showNoMenu(tr("This SIM card has no toolkit menu."));
+            return;
+        }
+        showCommand(menu);
+    });
 }
 
 void ToolkitPlugin::showNoMenu(const QString& why) {
@@ -193,23 +183,19 @@ void ToolkitPlugin::answer(const BLSatResponse& response) {
     _error->clear();
     _status->clear();
     setBusy(true);
-    link().request(
-        MESSAGE_STK_SELECT_ITEM, QVariant::fromValue(response),
-        [this, generation](const QVariantMap& reply) {
-            if (generation != _generation)
-                return;
-            setBusy(false);
-            if (WorkNotification::GetErrorCode(reply) != WORKER_OK) {
-                fail(tr("Sending your answer to the card"), reply);
-                return;
-            }
-            const auto next = WorkNotification::GetValueObject(reply).value<BLSatCommand>();
-            if (next.nCommand == kSessionEnd || (IsMenu(next) && next.lstItems.isEmpty()))
-                loadMenu(tr("The card ended the dialogue."));
-            else
-                showCommand(next);
-        },
-        this);
+    _controller->answer(response, [this, generation](Outcome outcome, const BLSatCommand& next) {
+        if (generation != _generation)
+            return;
+        setBusy(false);
+        if (!outcome.ok()) {
+            fail(tr("Sending your answer to the card"), outcome);
+            return;
+        }
+        if (next.nCommand == kSessionEnd || (ToolkitController::isMenu(next) && next.lstItems.isEmpty()))
+            loadMenu(tr("The card ended the dialogue."));
+        else
+            showCommand(next);
+    });
 }
 
 void ToolkitPlugin::showCommand(const BLSatCommand& command) {
@@ -220,7 +206,7 @@ void ToolkitPlugin::showCommand(const BLSatCommand& command) {
     _input->setValidator(nullptr);
     _inputHint->clear();
 
-    const bool menu = IsMenu(command);
+    const bool menu = ToolkitController::isMenu(command);
     _title->setText(command.nCommand == kMainMenu
                         ? (command.strText.isEmpty() ? tr("SIM Toolkit") : command.strText)
                     : menu ? command.strText
@@ -267,7 +253,7 @@ void ToolkitPlugin::showCommand(const BLSatCommand& command) {
 }
 
 void ToolkitPlugin::choose() {
-    if (!IsMenu(_current) || !_items->currentItem())
+    if (!ToolkitController::isMenu(_current) || !_items->currentItem())
         return;
     answer(BLSatResponse{_current.nCommand, kResultDone, _items->currentItem()->data(kItemRole).toInt(), {}});
 }
@@ -275,8 +261,8 @@ void ToolkitPlugin::choose() {
 void ToolkitPlugin::sendInput() {
     if (!_ok->isEnabled())
         return;
-    if (const QString problem =
-            ModemTextProblem(tr("the answer"), _input->text(), static_cast<std::size_t>(kSTKMaxTextChars));
+    if (const QString problem = ModemTextProblem(
+            tr("the answer"), _input->text(), static_cast<std::size_t>(ToolkitController::kMaxAnswerChars));
         !problem.isEmpty()) {
         _error->setText(problem);
         return;
@@ -289,22 +275,19 @@ void ToolkitPlugin::endSession() {
         return;
     const int generation = _generation;
     setBusy(true);
-    link().request(
-        MESSAGE_STK_SELECT_ITEM,
-        QVariant::fromValue(BLSatResponse{_current.nCommand, kResultEndedByUser, 0, {}}),
-        [this, generation](const QVariantMap&) {
-            if (generation != _generation)
-                return;
-            // Whatever the card answers, the main menu is shown again.
-            setBusy(false);
-            loadMenu();
-        },
-        this);
+    _controller->answer(BLSatResponse{_current.nCommand, ToolkitController::kResultEndedByUser, 0, {}},
+                        [this, generation](Outcome, const BLSatCommand&) {
+                            if (generation != _generation)
+                                return;
+                            // Whatever the card answers, the main menu is shown again.
+                            setBusy(false);
+                            loadMenu();
+                        });
 }
 
 void ToolkitPlugin::updateButtons() {
     const int command = _haveCommand ? _current.nCommand : -1;
-    const bool menu = _haveCommand && IsMenu(_current);
+    const bool menu = _haveCommand && ToolkitController::isMenu(_current);
     const bool yesNo = command == kGetInkey && _current.nFormat == kFormatYesNo;
     const bool typed = command == kGetInput || (command == kGetInkey && !yesNo);
     const bool idle = _ready && !_busyState;

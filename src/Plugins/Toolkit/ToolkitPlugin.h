@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ModulePlugin.h"
+#include "SAT/ToolkitController.h"
 #include "SatRecords.h"
 
 class QLabel;
@@ -16,16 +17,12 @@ class ToolkitPlugin : public ModulePlugin {
     Q_OBJECT
 public:
     // The modem's numbers of the card's commands.
-    static constexpr int kDisplayText = 1;
-    static constexpr int kGetInkey = 2;
-    static constexpr int kGetInput = 3;
-    static constexpr int kSelectItem = 11;
-    static constexpr int kMainMenu = 17;
-    static constexpr int kSessionEnd = 20;
-    // General results of an answer.
-    static constexpr int kResultDone = 0;
-    static constexpr int kResultEndedByUser = 16;
-    static constexpr int kResultBack = 17;
+    static constexpr int kDisplayText = ToolkitController::kDisplayText;
+    static constexpr int kGetInkey = ToolkitController::kGetInkey;
+    static constexpr int kGetInput = ToolkitController::kGetInput;
+    static constexpr int kSelectItem = ToolkitController::kSelectItem;
+    static constexpr int kMainMenu = ToolkitController::kMainMenu;
+    static constexpr int kSessionEnd = ToolkitController::kSessionEnd;
     // The longest answer the field takes when the card gives no limit.
     static constexpr int kMaxInput = 255;
 
@@ -50,8 +47,9 @@ private:
     void endSession();
     void setBusy(bool busy);
     void updateButtons();
-    void fail(const QString& what, const QVariantMap& response);
+    void fail(const QString& what, Outcome outcome);
 
+    ToolkitController* _controller = nullptr;
     BLSatCommand _current;
     bool _haveCommand = false;
     bool _ready = false;

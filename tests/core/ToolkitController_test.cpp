@@ -1,0 +1,108 @@
+#include "SimulatedLink.h"
+
+#include "SAT/ToolkitController.h"
+
+#include <QJsonArray>
+#include <QSignalSpy>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::pair<int, std::string>> ItemsOf(const BLSatCommand& command) {
+    std::vector<std::pair<int, std::string>> items;
+    for (const BLSatMenuItem& item : command.lstItems)
+        items.emplace_back(item.nItemId, item.strText.toStdString());
+    return items;
+}
+
+QStringList CardHeard(const SimulatedModem& sim) {
+    QStringList heard;
+    for (const QJsonValue& response :
+         sim.control("dump").value("stk").toObject().value("responses").toArray())
+        heard << response.toString();
+    return heard;
+}
+
+struct Result {
+    std::optional<Outcome> outcome;
+    BLSatCommand command;
+    ToolkitController::Result sink() {
+        return [this](Outcome answer, const BLSatCommand& received) {
+            outcome = answer;
+            command = received;
+        };
+    }
+    bool arrived() {
+        return waitFor([this] { return outcome.has_value(); }, std::chrono::seconds(15));
+    }
+};
+
+} // namespace
+
+// The card's dialogues through the worker: each answer brings the card's next command, announced at once
+// or after a while (then the worker is asked again); answers that cannot be built never reach the card.
+TEST(ToolkitController, MenuAndDialoguesWithTheSimulatedCard) {
+    SimulatedLink modem;
+    ASSERT_TRUE(modem.reaches(ModemLink::State::Ready));
+    ToolkitController toolkit(modem.link());
+    QSignalSpy received(&toolkit, &ToolkitController::commandReceived);
+    QSignalSpy failed(&toolkit, &ToolkitController::failed);
+    QSignalSpy support(&toolkit, &ToolkitController::supportChanged);
+
+    Result menu;
+    toolkit.readMenu(menu.sink());
+    ASSERT_TRUE(menu.arrived());
+    ASSERT_TRUE(menu.outcome->ok()) << menu.outcome->code;
+    EXPECT_EQ(menu.command.strText, "SIM Services");
+    EXPECT_EQ(ItemsOf(menu.command),
+              (std::vector<std::pair<int, std::string>>{{1, "News"}, {2, "Games"}, {3, "Offers"}}));
+    ASSERT_EQ(support.size(), 1);
+    EXPECT_TRUE(support.at(0).at(0).toBool());
+
+    // clang-format off
+    const struct {
+        const char* delayMs; // the card's delay before it announces its next command
+        BLSatResponse answer;
+        int result;
+        int command; // what the card sent next
+        QString text;
+        const char* heard; // the card's record of the answer; nullptr when it got none, "?" unchecked
+    } rows[] = {
+        {"200", {17, 0, 2, {}}, WORKER_OK, 11, "Games", "0,0,2"},
+        {"1500", {11, 0, 1, {}}, WORKER_OK, 3, "Capital of France?", "11,0,,1"},
+        {"0", {3, 0, 0, "Paris"}, WORKER_OK, 1, "Thank you!", "3,0,,\"Paris\""},
+        {"200", {1, 0, 0, {}}, WORKER_OK, 20, "", "1,0,"},
+        {"200", {99, 0, 1, {}}, WORKER_ERR_GENERAL, 0, "", nullptr},
+        {"200", {17, 0, 256, {}}, WORKER_ERR_GENERAL, 0, "", nullptr},
+        {"200", {17, 0, 9, {}}, WORKER_ERR_GENERAL, 0, "", "?"}, // the card refuses an item it lacks
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.heard ? row.heard : "nothing sent");
+        ASSERT_TRUE(
+            modem.sim().control(QStringLiteral("set stk_delay_ms %1").arg(row.delayMs)).value("ok").toBool());
+        const qsizetype heardBefore = CardHeard(modem.sim()).size();
+        received.clear();
+        failed.clear();
+        Result next;
+        toolkit.answer(row.answer, next.sink());
+        ASSERT_TRUE(next.arrived());
+        EXPECT_EQ(next.outcome->code, row.result);
+        EXPECT_EQ(received.size(), row.result == WORKER_OK ? 1 : 0);
+        EXPECT_EQ(failed.size(), row.result == WORKER_OK ? 0 : 1);
+        EXPECT_EQ(next.command.nCommand, row.command);
+        EXPECT_EQ(next.command.strText, row.text);
+        const QStringList heard = CardHeard(modem.sim());
+        if (row.heard && std::string(row.heard) == "?") {
+            continue;
+        } else if (row.heard) {
+            ASSERT_EQ(heard.size(), heardBefore + 1);
+            EXPECT_EQ(heard.back(), row.heard);
+        } else {
+            EXPECT_EQ(heard.size(), heardBefore);
+        }
+    }
+}
