@@ -9,8 +9,8 @@
 #include <optional>
 #include <string>
 
-#include "BusinessOperator.h"
 #include "CallRecords.h"
+#include "DialString.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "RecordJson.h"
@@ -220,15 +220,15 @@ void AddCallCommand(CLI::App& app, CliContext& context) {
     dtmf->callback([&context, arguments] {
         const QString keys = QString::fromStdString(arguments->keys);
         for (const QChar key : keys) {
-            if (!BusinessOperator::isDTMFKey(key)) {
+            if (!DialString::isDtmfKey(key)) {
                 context.exitCode = ReportUsage("'" + QString(key).toStdString() +
                                                "' is not a DTMF key (0-9, *, #, A-D); nothing was sent");
                 return;
             }
         }
-        if (keys.size() > BusinessOperator::kDTMFKeysCap) {
+        if (keys.size() > DialString::kDtmfKeysCap) {
             context.exitCode =
-                ReportUsage("at most " + std::to_string(BusinessOperator::kDTMFKeysCap) + " keys at a time");
+                ReportUsage("at most " + std::to_string(DialString::kDtmfKeysCap) + " keys at a time");
             return;
         }
         context.exitCode = RunInSession(context, [&](ModemSession& s) {

@@ -139,10 +139,6 @@ ModemSession::~ModemSession() {
     _simulator.stop();
 }
 
-DeviceWorkRequestInterface* ModemSession::workTarget() const {
-    return _link ? _link->workTarget() : nullptr;
-}
-
 bool ModemSession::open() {
     if (!QCoreApplication::instance()) {
         static int argc = 1;
@@ -209,6 +205,12 @@ QVariantMap ModemSession::request(const QString& name, const QVariant& argument,
     return response;
 }
 
+Outcome ModemSession::await(std::optional<Outcome>& result, int deadlineSeconds) {
+    if (!_link->waitUntil([&result] { return result.has_value(); }, deadlineSeconds * 1000))
+        result = Outcome{WORKER_ERR_TIME_OUT, 0};
+    return *result;
+}
+
 int ModemSession::checkPresent(const std::string& what) {
     if (ModemPresent())
         return EXIT_OK;
@@ -217,14 +219,17 @@ int ModemSession::checkPresent(const std::string& what) {
 }
 
 int ModemSession::check(const QVariantMap& response, const std::string& what) {
-    const int code = WorkNotification::GetErrorCode(response);
-    if (code == WORKER_OK)
+    return check(Outcome::of(response), what);
+}
+
+int ModemSession::check(const Outcome& outcome, const std::string& what) {
+    if (outcome.ok())
         return EXIT_OK;
     // A pulled stick cancels the command under way, and every later one fails the same way.
     if (const int gone = checkPresent(what))
         return gone;
-    const int cause = WorkNotification::GetSubErrorCode(response);
-    return ReportFailure(_context, code, what + ": " + FailureText(code, cause), cause);
+    return ReportFailure(_context, outcome.code, what + ": " + FailureText(outcome.code, outcome.cause),
+                         outcome.cause);
 }
 
 int ModemSession::requireSim() {

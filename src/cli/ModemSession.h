@@ -8,13 +8,14 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "CliSupport.h"
+#include "Outcome.h"
 #include "Simulator.h"
 #include "StatusText.h"
 
-class DeviceWorkRequestInterface;
 class ModemLink;
 class QCoreApplication;
 
@@ -39,15 +40,31 @@ public:
     QVariantMap request(const QString& name, const QVariant& argument = {},
                         int deadlineSeconds = kDefaultDeadlineSeconds);
 
+    // Runs events until a controller's callback has set the result; one that does not come within the
+    // deadline is a time-out.
+    Outcome await(std::optional<Outcome>& result, int deadlineSeconds = kDefaultDeadlineSeconds);
+    // Starts a controller's read, handing it the callback that takes the outcome and the value read, and
+    // waits for them.
+    template <typename Value, typename Start> Outcome await(Start start, Value& value) {
+        auto read = std::make_shared<std::pair<std::optional<Outcome>, Value>>();
+        start([read](Outcome outcome, const Value& got) {
+            read->first = outcome;
+            read->second = got;
+        });
+        const Outcome outcome = await(read->first);
+        value = read->second;
+        return outcome;
+    }
+
     // The link, for the feature controllers; valid after a successful open().
     ModemLink& link() const { return *_link; }
-    // The worker's request end, for controllers that send asynchronous requests; null before open().
-    DeviceWorkRequestInterface* workTarget() const;
 
     // The response's "ERROR_CODE" reported as a failure of what was tried, with its cause in words (the
     // modem's own cause when the response carries one, "the modem was unplugged" when it is gone): text
     // and code on standard error, the error object with --json; EXIT_FAILED, or EXIT_OK when the code is 0.
     int check(const QVariantMap& response, const std::string& what);
+    // The same for a controller's outcome.
+    int check(const Outcome& outcome, const std::string& what);
 
     // EXIT_OK while the modem's ports are there; once the stick is pulled, "<what>: the modem was unplugged"
     // reported as a failure. For answers that succeed with empty fields when the modem is gone.
