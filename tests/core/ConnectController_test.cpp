@@ -15,7 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <optional>
 
 namespace {
 
@@ -271,23 +270,6 @@ TEST_F(ConnectControllerTest, UnplugReportEndsTheLinkAndAPollWithoutAModemRests)
     clock.start();
     waitFor([&] { return clock.elapsed() > ConnectController::kStatusIntervalMs + 300; });
     EXPECT_EQ(worker().count(MESSAGE_CONNECT_STATUS), polls + 1);
-}
-
-TEST_F(ConnectControllerTest, ReadStatusLooksUpTheServiceFirstAndChangesNothing) {
-    std::optional<Outcome> outcome;
-    int status = -1;
-    controller->readStatus([&](Outcome o, int s) {
-        outcome = o;
-        status = s;
-    });
-    EXPECT_EQ(worker().count(MESSAGE_CONNECT_STATUS), 0);
-    answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
-    answer(MESSAGE_CONNECT_STATUS, WORKER_OK, ConnectController::kConnected);
-    ASSERT_TRUE(outcome.has_value());
-    EXPECT_TRUE(outcome->ok());
-    EXPECT_EQ(status, ConnectController::kConnected);
-    EXPECT_FALSE(controller->serviceCreated());
-    EXPECT_EQ(controller->connectState(), ConnectController::kInvalid);
 }
 
 TEST_F(ConnectControllerTest, AResetWhileTheControllerRunsIsNotUndoneByTheNextSave) {

@@ -4,73 +4,61 @@
 // test answer a request or send a report as the worker would.
 
 #include "ModemLink.h"
-#include "ModemTransport.h"
 #include "WorkNotification.h"
 
 #include <QList>
-#include <QPair>
 
+#include <algorithm>
 #include <memory>
 
 class RecordingTransport : public ModemTransport {
 public:
-    void start() override {
-        _ready = true;
-        emit ready();
-    }
-    bool isReady() const override { return _ready; }
+    struct Request {
+        QString name;
+        QVariantMap dictionary;
+        bool answered = false;
+    };
+
+    void start() override { emit ready(); }
+    bool isReady() const override { return true; }
+    void listen(const QString&) override {}
     int send(const QString& name, const QVariantMap& request) override {
         requests.append({name, request});
         if (name == MESSAGE_INIT_WORK_THREAD)
             answer(name, WORKER_OK);
         return WORKER_OK;
     }
-    void listen(const QString&) override {}
 
-    // Answers the latest unanswered request of this name (with the code and value); false when none waits.
+    // Answers the latest unanswered request of this name; false when none waits.
     bool answer(const QString& name, int code, const QVariant& value = {}) {
-        for (qsizetype i = requests.size() - 1; i >= 0; --i) {
-            if (requests[i].first != name || requests[i].second.contains(kAnsweredKey))
-                continue;
-            requests[i].second.insert(kAnsweredKey, true);
-            QVariantMap response = reply(code, value);
-            response.insert(USER_INFO, requests[i].second);
-            emit received(name, response);
-            return true;
-        }
-        return false;
+        const auto it = std::find_if(requests.rbegin(), requests.rend(),
+                                     [&](const Request& r) { return r.name == name && !r.answered; });
+        if (it == requests.rend())
+            return false;
+        it->answered = true;
+        QVariantMap response{{USER_INFO, it->dictionary}};
+        WorkNotification::SetErrorCode(response, code);
+        WorkNotification::SetValueObject(response, value);
+        emit received(name, response);
+        return true;
     }
-    // A report: the worker's own message, answering no request.
+    // The worker's own message, answering no request.
     void report(const QString& name, const QVariant& value = {}) {
-        emit received(name, reply(WORKER_OK, value));
+        emit received(name, {{VALUE_OBJECT, value}});
     }
 
     int count(const QString& name) const {
-        int n = 0;
-        for (const auto& request : requests)
-            n += request.first == name ? 1 : 0;
-        return n;
+        return std::count_if(requests.begin(), requests.end(),
+                             [&](const Request& r) { return r.name == name; });
     }
     // The argument of the latest request of this name.
     QVariant argument(const QString& name) const {
-        for (qsizetype i = requests.size() - 1; i >= 0; --i) {
-            if (requests[i].first == name)
-                return WorkNotification::GetValueObject(requests[i].second);
-        }
-        return {};
+        const auto it = std::find_if(requests.rbegin(), requests.rend(),
+                                     [&](const Request& r) { return r.name == name; });
+        return it == requests.rend() ? QVariant() : WorkNotification::GetValueObject(it->dictionary);
     }
 
-    QList<QPair<QString, QVariantMap>> requests;
-
-private:
-    static QVariantMap reply(int code, const QVariant& value) {
-        QVariantMap response;
-        WorkNotification::SetErrorCode(response, code);
-        WorkNotification::SetValueObject(response, value);
-        return response;
-    }
-    inline static const QString kAnsweredKey = QStringLiteral("TEST_ANSWERED");
-    bool _ready = false;
+    QList<Request> requests;
 };
 
 // A link over a recording transport, opened as the tool opens it (the modem is Starting).
