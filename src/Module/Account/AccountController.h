@@ -11,14 +11,14 @@
 
 #include <functional>
 
+class ModemLink;
+
 // The account menus and USSD dialogues for the desktop app and the tool: picks the SIM's menu file, sends
 // the USSD strings of its entries through the link ("MESSAGE_USSD_SENDCMD") and turns the network's
 // answers ("MESSAGE_RPT_RECEIVE_USSD") into what the views show. The views connect to the signals.
 //
 // One request is outstanding at a time: a send blocks the view until the answer, the time-out (40 s by
 // default) or a cancel.
-class ModemLink;
-
 class AccountController : public QObject {
     Q_OBJECT
 public:
