@@ -6,7 +6,7 @@ FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_GEN  := -G Ninja
 
-.PHONY: all bootstrap configure build check asan bench fuzz fuzz-smoke fuzz-long demo install format clean
+.PHONY: all bootstrap configure build check layers asan bench fuzz fuzz-smoke fuzz-long demo install format clean
 
 all: build
 
@@ -22,6 +22,11 @@ build: configure
 check: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 	@scripts/test-share
+
+# The layer rule alone (make check runs it too, as the CTest test layer_rule): front-end files include
+# neither the AT sublayer nor the worker thread's headers.
+layers:
+	@scripts/check-layers
 
 asan: bootstrap
 	@cmake -S . -B $(ASAN_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DDIALTONE_SANITIZE=ON >/dev/null

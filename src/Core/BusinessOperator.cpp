@@ -1026,25 +1026,6 @@ int BusinessOperator::SatPoll(QVariantMap& response) {
 
 // ---- Voice calls ----
 
-bool BusinessOperator::isDTMFKey(QChar key) {
-    const char16_t c = key.unicode();
-    return c == u'#' || c == u'*' || (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'D');
-}
-
-bool BusinessOperator::isDialNumber(const QString& number) {
-    if (number.isEmpty() || number.size() > kDialNumberCap) {
-        return false;
-    }
-    for (qsizetype i = 0; i < number.size(); ++i) {
-        const char16_t c = number.at(i).unicode();
-        const bool digit = (c >= u'0' && c <= u'9') || c == u'*' || c == u'#';
-        if (!digit && !(c == u'+' && i == 0)) {
-            return false;
-        }
-    }
-    return number != QStringLiteral("+");
-}
-
 int BusinessOperator::CallDial(const QVariantMap& request) {
     const QVariant value = WorkNotification::GetValueObject(request);
     if (isMissing(value)) {
@@ -1052,7 +1033,7 @@ int BusinessOperator::CallDial(const QVariantMap& request) {
     }
     // Only dial characters reach "ATD%s;": anything else could end the command and start another.
     const QString number = value.toString();
-    if (!isDialNumber(number)) {
+    if (!DialString::isDialNumber(number)) {
         CNSLOG(2, "not a number to dial");
         return WORKER_ERR_GENERAL;
     }
@@ -1078,7 +1059,7 @@ int BusinessOperator::CallSendDTMF(const QVariantMap& request) {
     if (keys.isEmpty()) {
         PARAMETER_NULL();
     }
-    if (keys.size() > kDTMFKeysCap || !std::all_of(keys.begin(), keys.end(), isDTMFKey)) {
+    if (keys.size() > kDTMFKeysCap || !std::all_of(keys.begin(), keys.end(), DialString::isDtmfKey)) {
         CNSLOG(2, "not a DTMF key string");
         return WORKER_ERR_GENERAL;
     }

@@ -8,6 +8,8 @@
 
 #include <optional>
 
+#include "DialString.h"
+
 class ComOperation;
 class NetworkOperator;
 class TInterfaceAtSublayer;
@@ -134,16 +136,13 @@ public:
     // at most kDialNumberCap characters, else 1 without dialling. CallSendDTMF takes a string of keys and
     // sends them one by one; a key that is not a DTMF key gives 1 before anything is sent. CallGetList
     // stores a list of BLCallItem, empty when there is no call.
-    static constexpr int kDialNumberCap = 40;
-    static constexpr int kDTMFKeysCap = 64;
+    static constexpr int kDialNumberCap = DialString::kNumberCap;
+    static constexpr int kDTMFKeysCap = DialString::kDtmfKeysCap;
     int CallDial(const QVariantMap& request);
     int CallAnswer();
     int CallHangUp();
     int CallSendDTMF(const QVariantMap& request);
     int CallGetList(QVariantMap& response);
-    // The keys AT+VTS takes: 0-9, *, #, A-D.
-    static bool isDTMFKey(QChar key);
-    static bool isDialNumber(const QString& number);
 
     // The modem's GPS receiver on and off.
     int GPSInit();

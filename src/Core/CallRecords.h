@@ -12,6 +12,15 @@
 // multiparty, number type; the number at most 21 characters, international ones with their "+".
 // Elements of the "MESSAGE_CALL_GET_LIST" result.
 struct BLCallItem {
+    static constexpr qint32 kDirOutgoing = 0;
+    static constexpr qint32 kDirIncoming = 1;
+    static constexpr qint32 kStateActive = 0;
+    static constexpr qint32 kStateHeld = 1;
+    static constexpr qint32 kStateDialling = 2;
+    static constexpr qint32 kStateAlerting = 3;
+    static constexpr qint32 kStateIncoming = 4;
+    static constexpr qint32 kStateWaiting = 5;
+
     qint32 nIndex = 0;
     qint32 nDir = 0;
     qint32 nState = 0;

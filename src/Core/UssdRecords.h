@@ -22,6 +22,12 @@ struct BLUssdSendCmdInfo {
 
 // Payload of "MESSAGE_RPT_RECEIVE_USSD": the result code m of "+CUSD: m[,str,dcs]" and the decoded text.
 struct BLUssdReceive {
+    // m: 0 no reply wanted, 1 the network waits for a reply, 2 it ended the dialogue, 4 not offered.
+    static constexpr qint32 kDone = 0;
+    static constexpr qint32 kReplyWanted = 1;
+    static constexpr qint32 kEnded = 2;
+    static constexpr qint32 kNotSupported = 4;
+
     qint32 nReportType = 0;
     QString strContent;
 

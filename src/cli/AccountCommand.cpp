@@ -13,13 +13,10 @@
 #include <unistd.h>
 
 #include "Account/AccountController.h"
-#include "ModemTextCheck.h"
-#include "EquipmentRecords.h"
-#include "GUIThreadAgent.h"
+#include "Equipment/EquipmentController.h"
 #include "ModemSession.h"
-#include "NotificationCenter.h"
+#include "ModemTextCheck.h"
 #include "TerminalText.h"
-#include "WorkNotification.h"
 
 namespace {
 
@@ -179,15 +176,11 @@ int RunEntry(CliContext& context, AccountController& controller, const QString& 
         loop.quit();
     });
     // The request's own answer: a modem that refuses the string reports it here, not as a USSD report.
-    NotificationCenter::defaultCenter().addObserver(
-        MESSAGE_USSD_SENDCMD, &loop, [&](const Notification& note) {
-            if (const int code = WorkNotification::GetErrorCode(note.userInfo);
-                code && controller.isUIBlocked()) {
-                sendError = code;
-                controller.setUIBlock(false);
-                loop.quit();
-            }
-        });
+    QObject::connect(&controller, &AccountController::sendFailed, &loop,
+                     [&](const QString&, Outcome outcome) {
+                         sendError = outcome.code;
+                         loop.quit();
+                     });
 
     std::vector<Exchange> exchanges;
     QString next = command;
@@ -225,7 +218,6 @@ int RunEntry(CliContext& context, AccountController& controller, const QString& 
         }
         next = QString::fromStdString(*reply);
     }
-    NotificationCenter::defaultCenter().removeObserver(&loop);
     if (context.json && result == EXIT_OK) {
         nlohmann::json steps = nlohmann::json::array();
         for (const Exchange& exchange : exchanges)
@@ -238,12 +230,15 @@ int RunEntry(CliContext& context, AccountController& controller, const QString& 
 }
 
 int Account(CliContext& context, ModemSession& session, const AccountArguments& arguments) {
-    const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
-    if (const int failed = session.check(equipment, "reading the SIM's IMSI"))
+    EquipmentController equipment(session.link());
+    BLEquipmentInfo info;
+    if (const int failed = session.check(
+            session.read([&](auto done) { equipment.readEquipment(done); }, info, "reading the SIM's IMSI"),
+            "reading the SIM's IMSI"))
         return failed;
-    const QString imsi = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>().strImsi;
+    const QString imsi = info.strImsi;
 
-    AccountController controller(ApplicationShell::sharedShell().requestTarget());
+    AccountController controller(session.link());
     controller.setLanguageIndex(LanguageFromEnvironment());
     int loaded = controller.loadAccountData(imsi);
     if (loaded == 0 && controller.accountData().groups.empty()) {

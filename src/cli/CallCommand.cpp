@@ -9,8 +9,8 @@
 #include <optional>
 #include <string>
 
-#include "BusinessOperator.h"
 #include "CallRecords.h"
+#include "DialString.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "RecordJson.h"
@@ -22,10 +22,6 @@ namespace {
 // "ATD" waits up to a minute for the call to be set up; the request gets that and some room.
 constexpr int kDialDeadlineSeconds = 75;
 constexpr int kListPollMs = 500;
-constexpr int kDirectionOutgoing = 0;
-constexpr int kStateActive = 0;
-constexpr int kStateIncoming = 4;
-constexpr int kStateWaiting = 5;
 
 struct CallArguments {
     std::string number;
@@ -34,17 +30,17 @@ struct CallArguments {
 
 const char* StateText(int state) {
     switch (state) {
-    case 0:
+    case BLCallItem::kStateActive:
         return "active";
-    case 1:
+    case BLCallItem::kStateHeld:
         return "held";
-    case 2:
+    case BLCallItem::kStateDialling:
         return "dialling";
-    case 3:
+    case BLCallItem::kStateAlerting:
         return "ringing at the other end";
-    case 4:
+    case BLCallItem::kStateIncoming:
         return "incoming";
-    case 5:
+    case BLCallItem::kStateWaiting:
         return "waiting";
     default:
         return "unknown";
@@ -109,7 +105,7 @@ int List(CliContext& context, ModemSession& session) {
     std::printf("%3s  %-8s  %-24s  %s\n", "ID", "DIR", "STATE", "NUMBER");
     for (const BLCallItem& call : calls) {
         std::printf("%3d  %-8s  %-24s  %s\n", call.nIndex,
-                    call.nDir == kDirectionOutgoing ? "outgoing" : "incoming", StateText(call.nState),
+                    call.nDir == BLCallItem::kDirOutgoing ? "outgoing" : "incoming", StateText(call.nState),
                     TerminalText(NumberForReading(call.strNumber, region)).c_str());
     }
     return EXIT_OK;
@@ -118,7 +114,7 @@ int List(CliContext& context, ModemSession& session) {
 // The outgoing call, while there is one.
 std::optional<BLCallItem> Outgoing(const QList<BLCallItem>& calls) {
     for (const BLCallItem& call : calls) {
-        if (call.nDir == kDirectionOutgoing)
+        if (call.nDir == BLCallItem::kDirOutgoing)
             return call;
     }
     return std::nullopt;
@@ -151,7 +147,7 @@ int Dial(CliContext& context, ModemSession& session, const std::string& typed) {
             std::fflush(stdout);
         }
         shownState = call->nState;
-        if (call->nState == kStateActive) {
+        if (call->nState == BLCallItem::kStateActive) {
             if (context.json)
                 PrintJson(CallJson(*call));
             return EXIT_OK;
@@ -183,7 +179,7 @@ int Answer(CliContext& context, ModemSession& session) {
     if (const int failed = ReadCalls(context, session, calls))
         return failed;
     const bool ringing = std::any_of(calls.cbegin(), calls.cend(), [](const BLCallItem& call) {
-        return call.nState == kStateIncoming || call.nState == kStateWaiting;
+        return call.nState == BLCallItem::kStateIncoming || call.nState == BLCallItem::kStateWaiting;
     });
     if (!ringing)
         return ReportFailure(context, WORKER_ERR_GENERAL, "answering: there is no incoming call");
@@ -220,15 +216,15 @@ void AddCallCommand(CLI::App& app, CliContext& context) {
     dtmf->callback([&context, arguments] {
         const QString keys = QString::fromStdString(arguments->keys);
         for (const QChar key : keys) {
-            if (!BusinessOperator::isDTMFKey(key)) {
+            if (!DialString::isDtmfKey(key)) {
                 context.exitCode = ReportUsage("'" + QString(key).toStdString() +
                                                "' is not a DTMF key (0-9, *, #, A-D); nothing was sent");
                 return;
             }
         }
-        if (keys.size() > BusinessOperator::kDTMFKeysCap) {
+        if (keys.size() > DialString::kDtmfKeysCap) {
             context.exitCode =
-                ReportUsage("at most " + std::to_string(BusinessOperator::kDTMFKeysCap) + " keys at a time");
+                ReportUsage("at most " + std::to_string(DialString::kDtmfKeysCap) + " keys at a time");
             return;
         }
         context.exitCode = RunInSession(context, [&](ModemSession& s) {

@@ -15,7 +15,6 @@
 #include "Connector/ProfileSettingsController.h"
 #include "ConvertUtilty.h"
 #include "DialupReadiness.h"
-#include "GUIThreadAgent.h"
 #include "ModemSession.h"
 #include "PPPConnection.h"
 #include "RecordJson.h"
@@ -40,7 +39,7 @@ class ConnectorRun {
 public:
     ConnectorRun(CliContext& context, ModemSession& session, AppConfig& config)
         : _context(context), _session(session), _config(config), _traffic(config), _settings(config),
-          _controller(session.workTarget(), &config, &_traffic) {
+          _controller(session.link(), &config, &_traffic) {
         // The service tool's command line is progress, never part of the output.
         _controller.setEchoSink([](const QString& line) { ReportProgress(line.toStdString()); });
         QObject::connect(&_controller, &ConnectController::serviceCreationFailed, [this] {

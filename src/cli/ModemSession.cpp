@@ -141,10 +141,6 @@ ModemSession::~ModemSession() {
     _simulator.stop();
 }
 
-DeviceWorkRequestInterface* ModemSession::workTarget() const {
-    return _link ? _link->workTarget() : nullptr;
-}
-
 bool ModemSession::open() {
     if (!QCoreApplication::instance()) {
         static int argc = 1;
@@ -209,6 +205,11 @@ QVariantMap ModemSession::request(const QString& name, const QVariant& argument,
     QVariantMap response = _link->call(name, argument);
     TheWatchdog().disarm();
     return response;
+}
+
+Outcome ModemSession::awaitOutcome(std::optional<Outcome>& result, const std::string& what, int deadlineSeconds) {
+    await([&result] { return result.has_value(); }, what, deadlineSeconds);
+    return *result;
 }
 
 int ModemSession::checkPresent(const std::string& what) {

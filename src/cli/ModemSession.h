@@ -20,7 +20,6 @@
 #include "Simulator.h"
 #include "StatusText.h"
 
-class DeviceWorkRequestInterface;
 class ModemLink;
 class QCoreApplication;
 
@@ -45,10 +44,24 @@ public:
     QVariantMap request(const QString& name, const QVariant& argument = {},
                         int deadlineSeconds = kDefaultDeadlineSeconds);
 
+    // Runs events until a controller's callback has set the result, as await() does.
+    Outcome awaitOutcome(std::optional<Outcome>& result, const std::string& what,
+                         int deadlineSeconds = kDefaultDeadlineSeconds);
+    // Starts a controller's read, handing it the callback that takes the outcome and the value read, and
+    // waits for them as await() does.
+    template <typename Value, typename Start> Outcome read(Start start, Value& value, const std::string& what) {
+        auto read = std::make_shared<std::pair<std::optional<Outcome>, Value>>();
+        start([read](Outcome outcome, const Value& got) {
+            read->first = outcome;
+            read->second = got;
+        });
+        const Outcome outcome = awaitOutcome(read->first, what);
+        value = read->second;
+        return outcome;
+    }
+
     // The link, for the feature controllers; valid after a successful open().
     ModemLink& link() const { return *_link; }
-    // The worker's request end, for controllers that send asynchronous requests; null before open().
-    DeviceWorkRequestInterface* workTarget() const;
 
     // The response's "ERROR_CODE" reported as a failure of what was tried, with its cause in words (the
     // modem's own cause when the response carries one, "the modem was unplugged" when it is gone): text

@@ -1,8 +1,9 @@
 #include "NumberArguments.h"
 
 #include "BLRecords.h"
-#include "BusinessOperator.h"
 #include "CliSupport.h"
+#include "DialString.h"
+#include "Equipment/EquipmentController.h"
 #include "HomeRegion.h"
 #include "ModemSession.h"
 #include "PhoneNumbers.h"
@@ -18,7 +19,7 @@ std::string Reason(const PhoneNumbers::DialString& parsed, const std::string& ty
 
 bool IsServiceCode(const std::string& typed) {
     return typed.find_first_of("*#") != std::string::npos &&
-           BusinessOperator::isDialNumber(QString::fromStdString(typed));
+           DialString::isDialNumber(QString::fromStdString(typed));
 }
 
 } // namespace
@@ -39,9 +40,10 @@ std::string NumberRefusal(const std::string& typed) {
 }
 
 std::string SessionRegion(ModemSession& session) {
-    // The diagnosis request always succeeds; what the modem could not tell stays empty.
-    const QVariantMap response = session.request(MESSAGE_SYSTEM_GET_DIAG_INFO);
-    const auto diag = WorkNotification::GetValueObject(response).value<BLDiagInfo>();
+    // The diagnosis always succeeds; what the modem could not tell stays empty.
+    EquipmentController equipment(session.link());
+    BLDiagInfo diag;
+    session.read([&](auto done) { equipment.readDiagnostics(done); }, diag, "reading the modem's state");
     return HomeRegion::fromImsiOrNetwork(diag.strImsi, diag.strOperator).toStdString();
 }
 

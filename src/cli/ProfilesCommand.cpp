@@ -7,11 +7,10 @@
 #include <memory>
 
 #include "AppConfig.h"
-#include "ModemTextCheck.h"
 #include "BLRecords.h"
 #include "Connector/ProfileSettingsController.h"
-#include "GUIThreadAgent.h"
 #include "ModemSession.h"
+#include "ModemTextCheck.h"
 #include "SecretInput.h"
 #include "SimProfiles.h"
 #include "WorkNotification.h"

@@ -1,9 +1,10 @@
 #include "SimProfiles.h"
 
 #include "AppConfig.h"
+#include "ApplicationShell.h"
 #include "BLRecords.h"
 #include "Connector/ProfileSettingsController.h"
-#include "GUIThreadAgent.h"
+#include "Equipment/EquipmentController.h"
 #include "ModemSession.h"
 #include "WorkNotification.h"
 
@@ -17,12 +18,14 @@ AppConfig* SessionConfig(CliContext& context) {
 
 bool LearnSim(CliContext& context, ModemSession& session, AppConfig& config,
               ProfileSettingsController& settings, BLNetworkInfo* network) {
-    const QVariantMap equipment = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
-    if (const int failed = session.check(equipment, "reading the SIM's identity")) {
+    EquipmentController equipment(session.link());
+    BLEquipmentInfo info;
+    if (const int failed =
+            session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info, "reading the SIM's IMSI"),
+                          "reading the SIM's identity")) {
         context.exitCode = failed;
         return false;
     }
-    const auto info = WorkNotification::GetValueObject(equipment).value<BLEquipmentInfo>();
     AppConfig::DeviceInfo& device = config.deviceInfo();
     device.blOK = true;
     device.strManufacturer = info.strManufacturer;

@@ -9,8 +9,8 @@
 #include <string>
 
 #include "AppConfig.h"
+#include "ApplicationShell.h"
 #include "ConvertUtilty.h"
-#include "GUIThreadAgent.h"
 #include "Statistics/StatisticsController.h"
 
 namespace {

@@ -3,6 +3,8 @@
 #include <cstdio>
 
 #include "BLRecords.h"
+#include "Connector/ConnectController.h"
+#include "Equipment/EquipmentController.h"
 #include "ModemSession.h"
 #include "RecordJson.h"
 #include "StatusText.h"
@@ -32,22 +34,24 @@ void PrintEquipment(const BLEquipmentInfo& info) {
 int Status(CliContext& context, ModemSession& session) {
     // The diagnosis request reads equipment, network and the four states in one go and always succeeds;
     // what the modem could not tell stays empty. The PIN counters and the connection come separately.
-    const QVariantMap diagResponse = session.request(MESSAGE_SYSTEM_GET_DIAG_INFO);
-    if (const int failed = session.check(diagResponse, "reading the modem's state"))
+    EquipmentController equipmentReader(session.link());
+    BLDiagInfo diag;
+    if (const int failed =
+            session.check(session.read([&](auto done) { equipmentReader.readDiagnostics(done); }, diag,
+                                       "reading the modem's state"),
+                          "reading the modem's state"))
         return failed;
-    const auto diag = WorkNotification::GetValueObject(diagResponse).value<BLDiagInfo>();
     BLPinCheckState pin;
     const Outcome pinRead = session.readSim(pin);
-    // The dial-up service must be known before its link shows, also one started by an earlier run.
-    session.request(MESSAGE_MODEM_INIT);
-    const QVariantMap connectResponse = session.request(MESSAGE_CONNECT_STATUS);
-    const int connectStatus = WorkNotification::GetValueObject(connectResponse).toInt();
+    ConnectController connection(session.link(), nullptr, nullptr);
+    int connectStatus = 0;
+    session.read([&](auto done) { connection.readStatus(done); }, connectStatus, "reading the link's state");
     // What the modem could not tell stays empty, also when it was pulled meanwhile: that is no status.
     if (const int gone = session.checkPresent("reading the modem's state"))
         return gone;
 
     if (context.json) {
-        nlohmann::json document{{"diagInfo", VariantToJson(WorkNotification::GetValueObject(diagResponse))},
+        nlohmann::json document{{"diagInfo", VariantToJson(QVariant::fromValue(diag))},
                                 {"pinState", VariantToJson(QVariant::fromValue(pin))},
                                 {"connectStatus", connectStatus}};
         if (!pinRead.ok())
@@ -80,16 +84,19 @@ int Status(CliContext& context, ModemSession& session) {
 }
 
 int Info(CliContext& context, ModemSession& session) {
-    const QVariantMap response = session.request(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
-    if (const int failed = session.check(response, "reading the equipment information"))
+    EquipmentController equipment(session.link());
+    BLEquipmentInfo info;
+    if (const int failed =
+            session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
+                                       "reading the modem's identity"),
+                          "reading the equipment information"))
         return failed;
     if (const int gone = session.checkPresent("reading the equipment information"))
         return gone;
-    const QVariant value = WorkNotification::GetValueObject(response);
     if (context.json)
-        PrintJson(VariantToJson(value));
+        PrintJson(VariantToJson(QVariant::fromValue(info)));
     else
-        PrintEquipment(value.value<BLEquipmentInfo>());
+        PrintEquipment(info);
     return EXIT_OK;
 }
 

@@ -2,10 +2,6 @@
 
 #include <unistd.h>
 
-#include <QEventLoop>
-#include <QTimer>
-
-#include <chrono>
 #include <cstdio>
 #include <deque>
 #include <iostream>
@@ -13,20 +9,15 @@
 #include <optional>
 #include <vector>
 
-#include "ModemTextCheck.h"
+#include "Account/AccountController.h"
+#include "ModemLink.h"
 #include "ModemSession.h"
-#include "NotificationCenter.h"
+#include "ModemTextCheck.h"
 #include "RecordJson.h"
 #include "TerminalText.h"
 #include "UssdRecords.h"
-#include "WorkNotification.h"
 
 namespace {
-
-// The result code m of "+CUSD: m,...".
-constexpr int kUssdDone = 0;
-constexpr int kUssdReplyWanted = 1;
-constexpr int kUssdNotSupported = 4;
 
 struct UssdArguments {
     std::string code;
@@ -34,34 +25,29 @@ struct UssdArguments {
     bool cancel = false;
 };
 
-// Collects the network's answers from the moment it is made; they are posted on this thread.
-class UssdListener {
+// The controller and the network's answers, collected from the moment it is made.
+class UssdDialogue {
 public:
-    UssdListener() {
-        NotificationCenter::defaultCenter().addObserver(
-            MESSAGE_RPT_RECEIVE_USSD, this, [this](const Notification& note) {
-                const QVariant value = WorkNotification::GetValueObject(note.userInfo);
-                if (value.typeId() != qMetaTypeId<BLUssdReceive>())
-                    return;
-                _answers.push_back(value.value<BLUssdReceive>());
-                if (_loop)
-                    _loop->quit();
-            });
+    explicit UssdDialogue(ModemSession& session) : _session(session), _controller(session.link()) {
+        _controller.setDeviceFoundProbe([] { return true; });
+        QObject::connect(&_controller, &AccountController::answerReceived,
+                         [this](const BLUssdReceive& answer) { _answers.push_back(answer); });
     }
-    ~UssdListener() { NotificationCenter::defaultCenter().removeObserver(this); }
-    UssdListener(const UssdListener&) = delete;
-    UssdListener& operator=(const UssdListener&) = delete;
+
+    // Sends the text (or ends the dialogue) and waits for the modem to take it; the failure as printed.
+    int send(qint32 opCode, const std::string& text, const std::string& what) {
+        std::optional<Outcome> result;
+        const auto done = [&result](Outcome outcome) { result = outcome; };
+        if (opCode == BLUssdSendCmdInfo::kCancel)
+            _controller.sendUSSDCancelCmd(done);
+        else
+            _controller.sendUSSDCmd(QString::fromStdString(text), done);
+        return _session.check(_session.awaitOutcome(result, what), what);
+    }
 
     // The next answer, or nothing when none came within the time.
     std::optional<BLUssdReceive> next(double seconds) {
-        if (_answers.empty()) {
-            QEventLoop loop;
-            _loop = &loop;
-            QTimer::singleShot(std::chrono::milliseconds(static_cast<long long>(seconds * 1000)), &loop,
-                               &QEventLoop::quit);
-            loop.exec();
-            _loop = nullptr;
-        }
+        _session.link().waitUntil([this] { return !_answers.empty(); }, static_cast<int>(seconds * 1000));
         if (_answers.empty())
             return std::nullopt;
         BLUssdReceive answer = _answers.front();
@@ -70,15 +56,10 @@ public:
     }
 
 private:
+    ModemSession& _session;
+    AccountController _controller;
     std::deque<BLUssdReceive> _answers;
-    QEventLoop* _loop = nullptr;
 };
-
-int Send(ModemSession& session, qint32 opCode, const std::string& text, const std::string& what) {
-    const BLUssdSendCmdInfo info{opCode, QString::fromStdString(text)};
-    const QVariantMap response = session.request(MESSAGE_USSD_SENDCMD, QVariant::fromValue(info));
-    return session.check(response, what);
-}
 
 void PrintAnswer(const CliContext& context, const BLUssdReceive& answer) {
     // With --json one line per answer, as for every event command.
@@ -109,30 +90,30 @@ std::optional<std::string> NextReply(std::deque<std::string>& replies) {
 }
 
 int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& arguments) {
-    UssdListener listener;
+    UssdDialogue dialogue(session);
     std::deque<std::string> replies(arguments.replies.begin(), arguments.replies.end());
     std::string text = arguments.code;
     for (;;) {
         if (const int refused = CheckModemText("the USSD text", text, kUssdTextMaxLength))
             return refused;
-        if (const int failed = Send(session, BLUssdSendCmdInfo::kSend, text, "sending " + text))
+        if (const int failed = dialogue.send(BLUssdSendCmdInfo::kSend, text, "sending " + text))
             return failed;
         ReportProgress("waiting for the network's answer");
-        const std::optional<BLUssdReceive> answer = listener.next(context.waitSeconds);
+        const std::optional<BLUssdReceive> answer = dialogue.next(context.waitSeconds);
         if (!answer) {
             return ReportFailure(context, 2,
                                  "no answer from the network within " + std::to_string(context.waitSeconds) +
                                      " seconds");
         }
-        if (answer->nReportType == kUssdNotSupported) {
+        if (answer->nReportType == BLUssdReceive::kNotSupported) {
             return ReportFailure(context, 1, "the network does not offer " + arguments.code);
         }
         PrintAnswer(context, *answer);
-        if (answer->nReportType != kUssdReplyWanted)
+        if (answer->nReportType != BLUssdReceive::kReplyWanted)
             return EXIT_OK;
         const std::optional<std::string> reply = NextReply(replies);
         if (!reply) {
-            if (const int failed = Send(session, BLUssdSendCmdInfo::kCancel, {}, "ending the dialogue"))
+            if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {}, "ending the dialogue"))
                 return failed;
             if (!context.json)
                 std::fprintf(stderr, "dialtone: dialogue ended\n");
@@ -143,7 +124,8 @@ int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& ar
 }
 
 int Cancel(CliContext& context, ModemSession& session) {
-    if (const int failed = Send(session, BLUssdSendCmdInfo::kCancel, {}, "ending the dialogue"))
+    UssdDialogue dialogue(session);
+    if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {}, "ending the dialogue"))
         return failed;
     if (context.json)
         PrintJson({{"ERROR_CODE", 0}});

@@ -12,25 +12,11 @@
 #include <gtest/gtest.h>
 
 #include "QtEventLoop.h"
+#include "RecordingTransport.h"
 
-#include <functional>
-#include <vector>
+#include <optional>
 
 namespace {
-
-class FakeWorker : public DeviceWorkRequestInterface {
-public:
-    QVariantMap sysncRequest(const QString&, const QVariantMap&) override { return {}; }
-    void asyncRequest(const QString& name, QObject* sender, const QVariantMap& userInfo) override {
-        sent.push_back({name, sender, qvariant_cast<BLUssdSendCmdInfo>(userInfo.value(VALUE_OBJECT))});
-    }
-    struct Sent {
-        QString name;
-        QObject* sender;
-        BLUssdSendCmdInfo info;
-    };
-    std::vector<Sent> sent;
-};
 
 // What the views were told, in order.
 struct ViewLog {
@@ -41,14 +27,15 @@ struct ViewLog {
                          [this](const QString& text) { events.append("message:" + text); });
         QObject::connect(&controller, &AccountController::replyRequested,
                          [this](const QString& text) { events.append("reply:" + text); });
+        QObject::connect(&controller, &AccountController::sendFailed, [this](const QString& text, Outcome o) {
+            events.append(QStringLiteral("failed:%1:%2/%3").arg(text).arg(o.code).arg(o.cause));
+        });
     }
     QStringList events;
 };
 
-void postReport(const QVariant& value) {
-    QVariantMap report;
-    WorkNotification::SetValueObject(report, value);
-    NotificationCenter::defaultCenter().post(MESSAGE_RPT_RECEIVE_USSD, nullptr, report);
+BLUssdSendCmdInfo sentInfo(const RecordingTransport& transport) {
+    return transport.argument(MESSAGE_USSD_SENDCMD).value<BLUssdSendCmdInfo>();
 }
 
 } // namespace
@@ -91,8 +78,8 @@ TEST(AccountController, DataFileChoiceByIMSIPrefix) {
 TEST(AccountController, LoadsTheSimsMenusFromTheResourceFolder) {
     ensureApplication();
     TempHome home;
-    FakeWorker worker;
-    AccountController controller(&worker);
+    RecordedLink modem;
+    AccountController controller(modem.link);
     // The build tree's shipped files: the simulator's network has its own.
     EXPECT_TRUE(
         AccountController::getUSSDDataFileNameByIMSI("262021234567890").endsWith("/AccountData/26202.dat"));
@@ -115,69 +102,85 @@ TEST(AccountController, LoadsTheSimsMenusFromTheResourceFolder) {
 TEST(AccountController, SendBlocksAndAnswersUnblock) {
     ensureApplication();
     TempHome home;
-    FakeWorker worker;
-    AccountController controller(&worker);
+    RecordedLink modem;
+    RecordingTransport& worker = *modem.transport;
+    AccountController controller(modem.link);
     ViewLog view(controller);
+    const auto report = [&worker](const QVariant& value) { worker.report(MESSAGE_RPT_RECEIVE_USSD, value); };
 
     controller.sendUSSDCmd(AccountController::composeUSSDCommand("*100#", {}));
-    ASSERT_EQ(worker.sent.size(), 1u);
-    EXPECT_EQ(worker.sent[0].name, MESSAGE_USSD_SENDCMD);
-    EXPECT_EQ(worker.sent[0].sender, &controller);
-    EXPECT_TRUE(worker.sent[0].info == (BLUssdSendCmdInfo{0, "*100#"}));
+    ASSERT_EQ(worker.count(MESSAGE_USSD_SENDCMD), 1);
+    EXPECT_TRUE(sentInfo(worker) == (BLUssdSendCmdInfo{0, "*100#"}));
+    EXPECT_TRUE(controller.isUIBlocked());
+    // The modem taking the string changes nothing: the answer comes as a report.
+    worker.answer(MESSAGE_USSD_SENDCMD, WORKER_OK);
     EXPECT_TRUE(controller.isUIBlocked());
 
     // The network asks for more: the reply window; then the final answer: a message box.
-    postReport(QVariant::fromValue(BLUssdReceive{1, "1 Balance\n2 Data options"}));
+    report(QVariant::fromValue(BLUssdReceive{1, "1 Balance\n2 Data options"}));
     EXPECT_FALSE(controller.isUIBlocked());
     controller.sendUSSDCmd("2");
-    postReport(QVariant::fromValue(BLUssdReceive{0, "Day pass booked."}));
+    report(QVariant::fromValue(BLUssdReceive{0, "Day pass booked."}));
     controller.sendUSSDCmd("*101#");
-    postReport(QVariant::fromValue(BLUssdReceive{2, "Session ended"}));
+    report(QVariant::fromValue(BLUssdReceive{2, "Session ended"}));
     EXPECT_EQ(view.events,
               (QStringList{"block", "unblock", "reply:1 Balance\n2 Data options", "block", "unblock",
                            "message:Day pass booked.", "block", "unblock", "message:Session ended"}));
 
-    // A report without a record or without text only unblocks.
+    // A report without a record or without text only unblocks; the refused string unblocks with its
+    // code and the modem's cause.
     view.events.clear();
     controller.sendUSSDCmd("*100#");
-    postReport(QVariant());
+    report(QVariant());
     controller.sendUSSDCmd("*100#");
-    postReport(QVariant::fromValue(BLUssdReceive{0, QString()}));
-    postReport(QVariant::fromValue(BLPINInfo{}));
-    EXPECT_EQ(view.events, (QStringList{"block", "unblock", "block", "unblock"}));
+    report(QVariant::fromValue(BLUssdReceive{0, QString()}));
+    report(QVariant::fromValue(BLPINInfo{}));
+    controller.sendUSSDCmd("*7#");
+    worker.answer(MESSAGE_USSD_SENDCMD, WORKER_ERR_GENERAL);
+    std::optional<Outcome> taken;
+    controller.sendUSSDCmd("*8#", [&taken](Outcome outcome) { taken = outcome; });
+    worker.answer(MESSAGE_USSD_SENDCMD, WORKER_ERR_TIME_OUT);
+    ASSERT_TRUE(taken.has_value());
+    EXPECT_EQ(taken->code, WORKER_ERR_TIME_OUT);
+    EXPECT_EQ(view.events, (QStringList{"block", "unblock", "block", "unblock", "block", "unblock",
+                                        "failed:*7#:1/0", "block", "unblock", "failed:*8#:2/0"}));
 
     // The override string replaces whatever is sent.
     controller.setUSSDDebugString("*999#");
     controller.sendUSSDCmd(AccountController::composeUSSDCommand("*102*", {"1234", "56"}));
-    EXPECT_EQ(worker.sent.back().info.strCmdString, "*999#");
+    EXPECT_EQ(sentInfo(worker).strCmdString, "*999#");
     controller.setUSSDDebugString(QString());
     controller.sendUSSDCmd(AccountController::composeUSSDCommand("*102*", {"1234", "56"}));
-    EXPECT_EQ(worker.sent.back().info.strCmdString, "*102*1234*56#");
+    EXPECT_EQ(sentInfo(worker).strCmdString, "*102*1234*56#");
 }
 
 TEST(AccountController, CancelOnlyWithADevice) {
     ensureApplication();
     TempHome home;
-    FakeWorker worker;
-    AccountController controller(&worker);
+    RecordedLink modem;
+    RecordingTransport& worker = *modem.transport;
+    AccountController controller(modem.link);
     controller.sendUSSDCancelCmd(); // no probe: no device
     bool present = false;
     controller.setDeviceFoundProbe([&present] { return present; });
     controller.sendUSSDCancelCmd();
-    EXPECT_TRUE(worker.sent.empty());
+    EXPECT_EQ(worker.count(MESSAGE_USSD_SENDCMD), 0);
     present = true;
-    controller.sendUSSDCancelCmd();
-    ASSERT_EQ(worker.sent.size(), 1u);
-    EXPECT_EQ(worker.sent[0].name, MESSAGE_USSD_SENDCMD);
-    EXPECT_TRUE(worker.sent[0].info == (BLUssdSendCmdInfo{1, ""}));
+    std::optional<Outcome> ended;
+    controller.sendUSSDCancelCmd([&ended](Outcome outcome) { ended = outcome; });
+    ASSERT_EQ(worker.count(MESSAGE_USSD_SENDCMD), 1);
+    EXPECT_TRUE(sentInfo(worker) == (BLUssdSendCmdInfo{1, ""}));
     EXPECT_FALSE(controller.isUIBlocked());
+    worker.answer(MESSAGE_USSD_SENDCMD, WORKER_OK);
+    ASSERT_TRUE(ended.has_value());
+    EXPECT_TRUE(ended->ok());
 }
 
 TEST(AccountController, TimeOutUnblocksWithAMessage) {
     ensureApplication();
     TempHome home;
-    FakeWorker worker;
-    AccountController controller(&worker);
+    RecordedLink modem;
+    AccountController controller(modem.link);
     ViewLog view(controller);
     controller.setTimeoutInterval(50);
     controller.sendUSSDCmd("*100#");
@@ -189,7 +192,7 @@ TEST(AccountController, TimeOutUnblocksWithAMessage) {
     // An answer stops the timer: no time-out later.
     view.events.clear();
     controller.sendUSSDCmd("*100#");
-    postReport(QVariant::fromValue(BLUssdReceive{0, "ok"}));
+    modem.transport->report(MESSAGE_RPT_RECEIVE_USSD, QVariant::fromValue(BLUssdReceive{0, "ok"}));
     QElapsedTimer clock;
     clock.start();
     waitFor([&] { return clock.elapsed() > 150; });

@@ -3,11 +3,13 @@
 #include "Connector/ConnectController.h"
 #include "Connector/ProfileSettingsController.h"
 #include "QtEventLoop.h"
+#include "RecordingTransport.h"
 #include "Statistics/TrafficStatics.h"
 #include "TempHome.h"
 #include "WorkNotification.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -15,45 +17,6 @@
 #include <memory>
 
 namespace {
-
-// The worker's request end as the controllers see it: it keeps every asynchronous request; the test
-// answers by posting the response, as the GUI thread's agent does.
-class RecordingWorker : public DeviceWorkRequestInterface {
-public:
-    QVariantMap sysncRequest(const QString&, const QVariantMap&) override { return {}; }
-    void asyncRequest(const QString& name, QObject*, const QVariantMap& userInfo) override {
-        requests.append({name, userInfo});
-    }
-    int count(const QString& name) const {
-        int n = 0;
-        for (const auto& request : requests)
-            n += request.first == name ? 1 : 0;
-        return n;
-    }
-    QVariantMap last(const QString& name) const {
-        for (qsizetype i = requests.size() - 1; i >= 0; --i) {
-            if (requests[i].first == name)
-                return requests[i].second;
-        }
-        return {};
-    }
-    QList<QPair<QString, QVariantMap>> requests;
-};
-
-void answer(const QString& name, int code, const QVariant& value = {}) {
-    QVariantMap response;
-    WorkNotification::SetErrorCode(response, code);
-    WorkNotification::SetValueObject(response, value);
-    WorkNotification::deliverResponse(name, response, nullptr);
-}
-
-void answerStatistics(quint32 seconds, quint64 sent, quint64 received) {
-    BLConnectStatistics sample;
-    sample.nDurationSeconds = seconds;
-    sample.nSentBytes = sent;
-    sample.nReceivedBytes = received;
-    answer(MESSAGE_CONNECT_GET_STATISTICS, WORKER_OK, QVariant::fromValue(sample));
-}
 
 APNInfo profile(const QString& name, const QString& number) {
     APNInfo p;
@@ -86,11 +49,13 @@ protected:
                               QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         config = std::make_unique<AppConfig>();
         traffic = std::make_unique<TrafficStatics>(*config);
-        controller = std::make_unique<ConnectController>(&worker, config.get(), traffic.get());
+        modem = std::make_unique<RecordedLink>();
+        controller = std::make_unique<ConnectController>(modem->link, config.get(), traffic.get());
         controller->setEchoSink([this](const QString& line) { echoed << line; });
     }
     void TearDown() override {
         controller.reset();
+        modem.reset();
         qunsetenv("STUB_EXIT");
         qunsetenv("DIALTONE_PEERS_DIR");
         if (!_oldConfigHome.isEmpty())
@@ -107,12 +72,32 @@ protected:
         config->deviceInfo().blOK = true;
         config->deviceInfo().strImsi = "262011234567890";
         settings.chooseProfilesForSIM("");
-        controller->modemInit();
-        answer(MESSAGE_MODEM_INIT, WORKER_OK, QStringLiteral("VELMobileConnector1"));
+        initAnswered(WORKER_OK);
+    }
+    RecordingTransport& worker() { return *modem->transport; }
+    void answer(const QString& name, int code, const QVariant& value = {}) {
+        worker().answer(name, code, value);
+    }
+    void initAnswered(int code, ConnectController* subject = nullptr) {
+        (subject ? subject : controller.get())->modemInit();
+        answer(MESSAGE_MODEM_INIT, code, QStringLiteral("VELMobileConnector1"));
+    }
+    // One round of the status poll, answered.
+    void polled(int status) {
+        controller->actionTimerStatusChecker();
+        answer(MESSAGE_CONNECT_STATUS, WORKER_OK, status);
+    }
+    void sampled(quint32 seconds, quint64 sent, quint64 received) {
+        BLConnectStatistics sample;
+        sample.nDurationSeconds = seconds;
+        sample.nSentBytes = sent;
+        sample.nReceivedBytes = received;
+        controller->actionTimerStatusChecker();
+        answer(MESSAGE_CONNECT_GET_STATISTICS, WORKER_OK, QVariant::fromValue(sample));
     }
 
     TempHome home;
-    RecordingWorker worker;
+    std::unique_ptr<RecordedLink> modem;
     std::unique_ptr<AppConfig> config;
     std::unique_ptr<TrafficStatics> traffic;
     std::unique_ptr<ConnectController> controller;
@@ -153,52 +138,51 @@ TEST_F(ConnectControllerTest, DialsTheProfilesOwnNumberEvenWhenEmpty) {
     controller->selectProfileIndex(1); // "X two" has no dial number
     controller->actionForButtonConnect();
 
-    ASSERT_EQ(worker.count(MESSAGE_CONNECT_DIALUP), 1);
-    const auto dial =
-        WorkNotification::GetValueObject(worker.last(MESSAGE_CONNECT_DIALUP)).value<BLConnectDialinfo>();
+    ASSERT_EQ(worker().count(MESSAGE_CONNECT_DIALUP), 1);
+    const auto dial = worker().argument(MESSAGE_CONNECT_DIALUP).value<BLConnectDialinfo>();
     EXPECT_EQ(dial.strDialNumber, "");
     EXPECT_EQ(dial.strAPN, "x2");
     EXPECT_EQ(controller->connectState(), ConnectController::kConnecting);
     EXPECT_EQ(controller->buttonTitleKey(), "IDS_DISCONNECT");
     EXPECT_EQ(ConnectController::lastAnnouncedState(), ConnectController::kAnnounceConnecting);
     // The status poll starts a second later.
-    EXPECT_TRUE(waitFor([&] { return worker.count(MESSAGE_CONNECT_STATUS) == 1; }, std::chrono::seconds(3)));
-    EXPECT_EQ(worker.count(MESSAGE_CONNECT_GET_STATISTICS), 1);
+    EXPECT_TRUE(
+        waitFor([&] { return worker().count(MESSAGE_CONNECT_STATUS) == 1; }, std::chrono::seconds(3)));
+    EXPECT_EQ(worker().count(MESSAGE_CONNECT_GET_STATISTICS), 1);
 }
 
 TEST_F(ConnectControllerTest, NoProfileToDialAsksForAWarning) {
     QStringList warnings;
     QObject::connect(controller.get(), &ConnectController::warningRequested,
                      [&](const QString&, const QString& message, const QString&) { warnings << message; });
-    answer(MESSAGE_MODEM_INIT, WORKER_OK, QStringLiteral("VELMobileConnector1"));
+    initAnswered(WORKER_OK);
     controller->actionForButtonConnect();
     EXPECT_EQ(warnings, QStringList{"IDS_DIALUP_CANTFIND"});
-    EXPECT_EQ(worker.count(MESSAGE_CONNECT_DIALUP), 0);
+    EXPECT_EQ(worker().count(MESSAGE_CONNECT_DIALUP), 0);
 }
 
 TEST_F(ConnectControllerTest, MissingServiceIsCreatedOnceThenRetriedNineteenTimes) {
-    controller->modemInit();
-    answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
+    initAnswered(WORKER_ERR_SERVICE_NOT_FOUND);
     EXPECT_TRUE(controller->serviceCreated());
     EXPECT_EQ(toolCalls(), (QStringList{"VELMobileConnector1 VELMODEM1"}));
     ASSERT_EQ(echoed.size(), 1);
     EXPECT_TRUE(echoed[0].endsWith("/\"VELModemService VELMobileConnector1 VELMODEM1"))
         << echoed[0].toStdString();
-    EXPECT_EQ(worker.count(MESSAGE_MODEM_INIT), 2);
+    EXPECT_EQ(worker().count(MESSAGE_MODEM_INIT), 2);
 
     for (int i = 1; i <= 19; ++i) {
         answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
-        ASSERT_EQ(worker.count(MESSAGE_MODEM_INIT), 2 + i) << "retry " << i;
+        ASSERT_EQ(worker().count(MESSAGE_MODEM_INIT), 2 + i) << "retry " << i;
     }
     answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
-    EXPECT_EQ(worker.count(MESSAGE_MODEM_INIT), 21);
+    EXPECT_EQ(worker().count(MESSAGE_MODEM_INIT), 21);
     EXPECT_EQ(toolCalls().size(), 1);
 
     // The next service takes the next number: the first one's peer exists.
     ConnectController::resetProcessState();
-    ConnectController second(&worker, config.get(), nullptr);
+    ConnectController second(modem->link, config.get(), nullptr);
     second.setEchoSink([](const QString&) {});
-    answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
+    initAnswered(WORKER_ERR_SERVICE_NOT_FOUND, &second);
     EXPECT_TRUE(toolCalls().contains("VELMobileConnector1 VELMODEM2"));
 }
 
@@ -216,10 +200,10 @@ TEST_F(ConnectControllerTest, ModemInitCodes) {
     };
     for (const Row& row : rows) {
         ConnectController::resetProcessState();
-        RecordingWorker fresh;
-        ConnectController subject(&fresh, config.get(), nullptr);
-        answer(MESSAGE_MODEM_INIT, row.code, QStringLiteral("VELMobileConnector1"));
-        EXPECT_EQ(fresh.count(MESSAGE_MODEM_INIT), row.initsSent) << row.code;
+        const int before = worker().count(MESSAGE_MODEM_INIT) + 1;
+        ConnectController subject(modem->link, config.get(), nullptr);
+        initAnswered(row.code, &subject);
+        EXPECT_EQ(worker().count(MESSAGE_MODEM_INIT) - before, row.initsSent) << row.code;
         EXPECT_EQ(subject.connectorReady(), row.ready) << row.code;
     }
 }
@@ -228,10 +212,10 @@ TEST_F(ConnectControllerTest, FailedServiceCreationEndsTheApplication) {
     qputenv("STUB_EXIT", "1");
     int failed = 0;
     QObject::connect(controller.get(), &ConnectController::serviceCreationFailed, [&] { ++failed; });
-    answer(MESSAGE_MODEM_INIT, WORKER_ERR_SERVICE_NOT_FOUND, QStringLiteral("VELMobileConnector1"));
+    initAnswered(WORKER_ERR_SERVICE_NOT_FOUND);
     EXPECT_EQ(failed, 1);
     EXPECT_FALSE(controller->serviceCreated());
-    EXPECT_EQ(worker.count(MESSAGE_MODEM_INIT), 0);
+    EXPECT_EQ(worker().count(MESSAGE_MODEM_INIT), 1);
 }
 
 TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOncePerDisconnection) {
@@ -245,13 +229,13 @@ TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOnc
     const int statusAnswers[] = {ConnectController::kConnecting, ConnectController::kConnected,
                                  ConnectController::kConnected};
     for (const int status : statusAnswers) {
-        answer(MESSAGE_CONNECT_STATUS, WORKER_OK, status);
-        answerStatistics(5, 1000, 7000);
+        polled(status);
+        sampled(5, 1000, 7000);
     }
     controller->actionForButtonConnect(); // connected: the press hangs up
-    EXPECT_EQ(worker.count(MESSAGE_CONNECT_DISCONNECT), 1);
-    answer(MESSAGE_CONNECT_STATUS, WORKER_OK, ConnectController::kDisconnected);
-    answer(MESSAGE_CONNECT_STATUS, WORKER_OK, ConnectController::kDisconnected);
+    EXPECT_EQ(worker().count(MESSAGE_CONNECT_DISCONNECT), 1);
+    polled(ConnectController::kDisconnected);
+    polled(ConnectController::kDisconnected);
     controller->applicationWillTerminate();
     NotificationCenter::defaultCenter().removeObserver(&announced);
 
@@ -269,15 +253,34 @@ TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOnc
     EXPECT_EQ(totals.connectTimeSeconds, 5u);
 }
 
+TEST_F(ConnectControllerTest, UnplugReportEndsTheLinkAndAPollWithoutAModemRests) {
+    ProfileSettingsController settings(*config);
+    readyWithProfiles(settings);
+    controller->actionForButtonConnect();
+    polled(ConnectController::kConnected);
+    // The stick is pulled: the worker reports the status without a value.
+    worker().report(MESSAGE_CONNECT_STATUS);
+    EXPECT_EQ(controller->connectState(), ConnectController::kDisconnected);
+    EXPECT_EQ(ConnectController::lastAnnouncedState(), ConnectController::kAnnounceDisconnected);
+    // A poll the link fails for want of a modem is not an answer: no further round follows it.
+    const int polls = worker().count(MESSAGE_CONNECT_STATUS);
+    EXPECT_TRUE(waitFor([&] { return worker().count(MESSAGE_CONNECT_STATUS) == polls + 1; }));
+    answer(MESSAGE_CONNECT_STATUS, WORKER_ERR_NO_DATA_DEVICE);
+    QElapsedTimer clock;
+    clock.start();
+    waitFor([&] { return clock.elapsed() > ConnectController::kStatusIntervalMs + 300; });
+    EXPECT_EQ(worker().count(MESSAGE_CONNECT_STATUS), polls + 1);
+}
+
 TEST_F(ConnectControllerTest, AResetWhileTheControllerRunsIsNotUndoneByTheNextSave) {
     ProfileSettingsController settings(*config);
     readyWithProfiles(settings);
     controller->actionForButtonConnect();
-    answer(MESSAGE_CONNECT_STATUS, WORKER_OK, ConnectController::kConnected);
-    answerStatistics(5, 1000, 7000);
+    polled(ConnectController::kConnected);
+    sampled(5, 1000, 7000);
     controller->saveTrafficStaticsData();
     ASSERT_TRUE(traffic->saveResetDate()); // the statistics view's reset
-    answerStatistics(2, 10, 20);
+    sampled(2, 10, 20);
     controller->saveTrafficStaticsData();
     const _TrafficStaticsItem totals = traffic->getTotalStatics();
     EXPECT_EQ(totals.noRoamingSendBytes, 10u);
@@ -289,15 +292,16 @@ TEST_F(ConnectControllerTest, RoamingTrafficGoesToTheRoamingPairAndSamplesAreSet
     NotificationCenter::defaultCenter().post(
         NETWORK_UPDATE, nullptr, {{KEY_ROAMSTATE, 1}, {KEY_GPRSSTATE, 1}, {KEY_OPERATOR, "Abroad"}});
     EXPECT_TRUE(controller->roaming());
-    answerStatistics(3, 100, 200);
-    answerStatistics(4, 150, 400);
+    sampled(3, 100, 200);
+    sampled(4, 150, 400);
     EXPECT_EQ(controller->pendingDayItem().roamingSendBytes, 150u);
     EXPECT_EQ(controller->pendingDayItem().roamingReceiveBytes, 400u);
     EXPECT_EQ(controller->pendingDayItem().noRoamingSendBytes, 0u);
 
     // A failed sample and one without a link leave the session's counts alone.
+    controller->actionTimerStatusChecker();
     answer(MESSAGE_CONNECT_GET_STATISTICS, WORKER_ERR_GENERAL);
-    answerStatistics(0, 0, 0);
+    sampled(0, 0, 0);
     EXPECT_EQ(controller->latestStatistics().nSentBytes, 150u);
     EXPECT_EQ(controller->pendingDayItem().roamingReceiveBytes, 400u);
 }

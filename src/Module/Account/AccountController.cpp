@@ -2,23 +2,22 @@
 
 #include "CNSLog.h"
 #include "LocalizedStrings.h"
+#include "ModemLink.h"
 #include "ResourceLocator.h"
-#include "UssdRecords.h"
 #include "WorkMessageNames.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-AccountController::AccountController(DeviceWorkRequestInterface* target, QObject* parent)
-    : QObject(parent), _workNotification(this, target), _timer(new QTimer(this)) {
+AccountController::AccountController(ModemLink& link, QObject* parent)
+    : QObject(parent), _link(link), _timer(new QTimer(this)) {
     _timer->setSingleShot(true);
     connect(_timer, &QTimer::timeout, this, &AccountController::actionTimeout);
-    _workNotification.regeditNotifySelector(
-        MESSAGE_RPT_RECEIVE_USSD, [this](const Notification& note) { handleUSSDReceiveUSSD(note); });
-}
-
-AccountController::~AccountController() {
-    _workNotification.unregeditNotifySelector(MESSAGE_RPT_RECEIVE_USSD);
+    _link.listenForReport(MESSAGE_RPT_RECEIVE_USSD);
+    connect(&_link, &ModemLink::reportReceived, this, [this](const QString& name, const QVariantMap& data) {
+        if (name == MESSAGE_RPT_RECEIVE_USSD)
+            handleUSSDReceiveUSSD(data);
+    });
 }
 
 QString AccountController::getUSSDDataFileNameByIMSI(const QString& imsi) {
@@ -51,23 +50,42 @@ int AccountController::loadAccountData(const QString& imsi) {
     return GetUSSDDataFromFile(path, _accountData, _languageIndex);
 }
 
-void AccountController::sendUSSDCmd(const QString& command) {
+void AccountController::sendUSSDCmd(const QString& command, Done sent) {
     BLUssdSendCmdInfo info;
     info.nOpCode = BLUssdSendCmdInfo::kSend;
     info.strCmdString = _strUSSDDebugString.isEmpty() ? command : _strUSSDDebugString;
     CNSLOG(0, "USSD Send: %s", qPrintable(info.strCmdString));
-    _workNotification.sendASyncWorkMessage(MESSAGE_USSD_SENDCMD, {{VALUE_OBJECT, QVariant::fromValue(info)}});
+    // Blocked first: a link without a modem answers at once.
     setUIBlock(true);
+    _link.request(
+        MESSAGE_USSD_SENDCMD, QVariant::fromValue(info),
+        [this, command, sent](const QVariantMap& response) {
+            const Outcome outcome = Outcome::of(response);
+            // A success is only the modem taking the string: the answer comes as a report.
+            if (!outcome.ok() && _blocked) {
+                setUIBlock(false);
+                emit sendFailed(command, outcome);
+            }
+            if (sent)
+                sent(outcome);
+        },
+        this);
 }
 
-void AccountController::sendUSSDCancelCmd() {
+void AccountController::sendUSSDCancelCmd(Done done) {
     if (!_deviceFound || !_deviceFound()) {
         return;
     }
     BLUssdSendCmdInfo info;
     info.nOpCode = BLUssdSendCmdInfo::kCancel;
     info.strCmdString = QStringLiteral("");
-    _workNotification.sendASyncWorkMessage(MESSAGE_USSD_SENDCMD, {{VALUE_OBJECT, QVariant::fromValue(info)}});
+    _link.request(
+        MESSAGE_USSD_SENDCMD, QVariant::fromValue(info),
+        [done](const QVariantMap& response) {
+            if (done)
+                done(Outcome::of(response));
+        },
+        this);
 }
 
 void AccountController::setUIBlock(bool block) {
@@ -90,18 +108,19 @@ void AccountController::actionTimeout() {
     emit messageShown(timeoutMessage());
 }
 
-void AccountController::handleUSSDReceiveUSSD(const Notification& notification) {
+void AccountController::handleUSSDReceiveUSSD(const QVariantMap& report) {
     setUIBlock(false);
-    const QVariant value = WorkNotification::GetValueObject(notification.userInfo);
+    const QVariant value = WorkNotification::GetValueObject(report);
     if (value.typeId() != qMetaTypeId<BLUssdReceive>()) {
         return;
     }
     const BLUssdReceive receive = qvariant_cast<BLUssdReceive>(value);
+    emit answerReceived(receive);
     if (receive.strContent.isNull()) {
         return;
     }
     CNSLOG(0, "ussdReceive text:%s", qPrintable(receive.strContent));
-    if (receive.nReportType == 1) {
+    if (receive.nReportType == BLUssdReceive::kReplyWanted) {
         emit replyRequested(receive.strContent);
     } else {
         emit messageShown(receive.strContent);

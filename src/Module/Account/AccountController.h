@@ -1,10 +1,8 @@
 #pragma once
 
 #include "AccountData.h"
-
-#include "DeviceWorkInterfaces.h"
-#include "NotificationCenter.h"
-#include "WorkNotification.h"
+#include "Outcome.h"
+#include "UssdRecords.h"
 
 #include <QObject>
 #include <QString>
@@ -13,9 +11,11 @@
 
 #include <functional>
 
-// The account screen's logic without its widgets: picks the SIM's menu file, sends the USSD strings of
-// its entries through the worker ("MESSAGE_USSD_SENDCMD") and turns the network's answers
-// ("MESSAGE_RPT_RECEIVE_USSD") into what the views show. The views connect to the signals.
+class ModemLink;
+
+// The account menus and USSD dialogues for the desktop app and the tool: picks the SIM's menu file, sends
+// the USSD strings of its entries through the link ("MESSAGE_USSD_SENDCMD") and turns the network's
+// answers ("MESSAGE_RPT_RECEIVE_USSD") into what the views show. The views connect to the signals.
 //
 // One request is outstanding at a time: a send blocks the view until the answer, the time-out (40 s by
 // default) or a cancel.
@@ -24,10 +24,9 @@ class AccountController : public QObject {
 public:
     static constexpr int kDefaultTimeoutMs = 40000;
 
-    // target is the worker's request end (not owned); the answers come through the default notification
-    // centre.
-    explicit AccountController(DeviceWorkRequestInterface* target, QObject* parent = nullptr);
-    ~AccountController() override;
+    using Done = std::function<void(Outcome outcome)>;
+
+    explicit AccountController(ModemLink& link, QObject* parent = nullptr);
 
     // The data file for the SIM: the first ".dat" file of the account data folder whose name (up to its
     // first ".") begins the IMSI, else "Default.dat" when present, else a null string.
@@ -40,15 +39,16 @@ public:
     const _TAccountData& accountData() const { return _accountData; }
 
     // Sends the string (or the override string, when one is set) as a USSD request and blocks the view.
-    void sendUSSDCmd(const QString& command);
+    // sent gets the request's own answer; a refusal also unblocks and reaches sendFailed().
+    void sendUSSDCmd(const QString& command, Done sent = {});
     // Ends the running dialogue, only while a device is present.
-    void sendUSSDCancelCmd();
+    void sendUSSDCancelCmd(Done done = {});
     // 1: busy, waiting sheet shown, time-out timer started. 0: timer stopped, sheet closed.
     void setUIBlock(bool block);
     // The time-out fired: unblocks and reports the time-out text.
     void actionTimeout();
     // The answer report: unblocks; report type 1 asks the user for a reply, any other shows the text.
-    void handleUSSDReceiveUSSD(const Notification& notification);
+    void handleUSSDReceiveUSSD(const QVariantMap& report);
 
     // The string a button sends: its code, then the entry's inputs separated by "*" and closed by "#"
     // ("*102*" with "1234" gives "*102*1234#"); without inputs the code alone.
@@ -76,9 +76,13 @@ signals:
     void messageShown(const QString& text);
     // The network waits for a reply: the text goes to the entry window's label, the reply window shows.
     void replyRequested(const QString& text);
+    // Every answer of the network, also those without a text (the dialogue ended, a code not offered).
+    void answerReceived(const BLUssdReceive& answer);
+    // The modem refused the string while the view waited for its answer.
+    void sendFailed(const QString& command, Outcome outcome);
 
 private:
-    WorkNotification _workNotification;
+    ModemLink& _link;
     QTimer* _timer = nullptr;
     std::function<bool()> _deviceFound;
     _TAccountData _accountData;

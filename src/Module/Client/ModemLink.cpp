@@ -64,10 +64,6 @@ int ModemLink::open(int timeoutMs) {
     return code;
 }
 
-DeviceWorkRequestInterface* ModemLink::workTarget() const {
-    return _transport->workTarget();
-}
-
 AppConfig* ModemLink::config() const {
     return ApplicationShell::sharedShell().appConfig();
 }

@@ -19,7 +19,6 @@
 
 class AppConfig;
 class QEventLoop;
-class DeviceWorkRequestInterface;
 
 // The one client of the modem, for the desktop app and the tool alike: it starts the transport (the
 // worker in this process unless another is given), brings the modem up, follows it through unplugging and
@@ -62,8 +61,6 @@ public:
 
     State state() const { return _state; }
     ModemTransport& transport() const { return *_transport; }
-    // The worker's request end when it runs in this process; null before start.
-    DeviceWorkRequestInterface* workTarget() const;
     // The configuration the worker loaded; null before the first init.
     AppConfig* config() const;
 

@@ -4,7 +4,9 @@
 #include "CNSLog.h"
 #include "ChildProcess.h"
 #include "ConvertUtilty.h"
+#include "ModemLink.h"
 #include "ServiceTool.h"
+#include "WorkNotification.h"
 
 #include <QCoreApplication>
 
@@ -21,10 +23,9 @@ QDateTime g_currentDay;
 
 } // namespace
 
-ConnectController::ConnectController(DeviceWorkRequestInterface* worker, AppConfig* config,
-                                     TrafficStatics* traffic, QObject* parent)
-    : QObject(parent), _config(config), _traffic(traffic) {
-    _work.initWithSenderTargetObject(this, worker);
+ConnectController::ConnectController(ModemLink& link, AppConfig* config, TrafficStatics* traffic,
+                                     QObject* parent)
+    : QObject(parent), _link(link), _config(config), _traffic(traffic) {
     _statusTimer.setSingleShot(true);
     _statusTimer.setInterval(kStatusIntervalMs);
     connect(&_statusTimer, &QTimer::timeout, this, &ConnectController::actionTimerStatusChecker);
@@ -36,12 +37,11 @@ ConnectController::ConnectController(DeviceWorkRequestInterface* worker, AppConf
         _runningTotals = _traffic->getTotalStatics();
     }
 
-    _work.regeditNotifySelector(MESSAGE_MODEM_INIT,
-                                [this](const Notification& n) { handleNotifyModemInit(n); });
-    _work.regeditNotifySelector(MESSAGE_CONNECT_STATUS,
-                                [this](const Notification& n) { handleConnectStatus(n); });
-    _work.regeditNotifySelector(MESSAGE_CONNECT_GET_STATISTICS,
-                                [this](const Notification& n) { handleConnectStatistics(n); });
+    _link.listenForReport(MESSAGE_CONNECT_STATUS);
+    connect(&_link, &ModemLink::reportReceived, this, [this](const QString& name, const QVariantMap& data) {
+        if (name == MESSAGE_CONNECT_STATUS)
+            handleConnectStatus(data);
+    });
     NotificationCenter& center = NotificationCenter::defaultCenter();
     center.addObserver(CONNECTION_UPDATE_PROFILE, this,
                        [this](const Notification& n) { handleUpdateConnectionProfile(n); });
@@ -54,12 +54,14 @@ ConnectController::~ConnectController() {
 }
 
 void ConnectController::modemInit() {
-    _work.sendASyncWorkMessage(MESSAGE_MODEM_INIT, {});
+    _link.request(
+        MESSAGE_MODEM_INIT, {}, [this](const QVariantMap& response) { handleNotifyModemInit(response); },
+        this);
 }
 
-void ConnectController::handleNotifyModemInit(const Notification& notification) {
-    const int code = WorkNotification::GetErrorCode(notification.userInfo);
-    const QString deviceName = WorkNotification::GetValueObject(notification.userInfo).toString();
+void ConnectController::handleNotifyModemInit(const QVariantMap& response) {
+    const int code = WorkNotification::GetErrorCode(response);
+    const QString deviceName = WorkNotification::GetValueObject(response).toString();
     switch (code) {
     case WORKER_OK:
         _connectorReady = true;
@@ -110,6 +112,20 @@ void ConnectController::handleNotifyModemInit(const Notification& notification) 
     default:
         break;
     }
+}
+
+void ConnectController::readStatus(std::function<void(Outcome, int)> done) {
+    _link.request(
+        MESSAGE_MODEM_INIT, {},
+        [this, done](const QVariantMap&) {
+            _link.request(
+                MESSAGE_CONNECT_STATUS, {},
+                [done](const QVariantMap& response) {
+                    done(Outcome::of(response), WorkNotification::GetValueObject(response).toInt());
+                },
+                this);
+        },
+        this);
 }
 
 int ConnectController::createModemService(const QString& modemDeviceName) {
@@ -205,9 +221,8 @@ void ConnectController::dialByAPNInfo(const APNInfo& profile) {
     dialInfo.authType = profile.nAuthType;
 
     _lastDialed = profile;
-    QVariantMap userInfo;
-    WorkNotification::SetValueObject(userInfo, QVariant::fromValue(dialInfo));
-    _work.sendASyncWorkMessage(MESSAGE_CONNECT_DIALUP, userInfo);
+    // How the dial went shows in the status poll.
+    _link.request(MESSAGE_CONNECT_DIALUP, QVariant::fromValue(dialInfo));
 
     _buttonTitleKey = QStringLiteral("IDS_DISCONNECT");
     _connectState = kConnecting;
@@ -219,7 +234,7 @@ void ConnectController::processDisconnect() {
     _buttonEnabled = false;
     _connectState = kDisconnecting;
     sendModuleNotificationConnectStateChange(kAnnounceDisconnecting);
-    _work.sendASyncWorkMessage(MESSAGE_CONNECT_DISCONNECT, {});
+    _link.request(MESSAGE_CONNECT_DISCONNECT);
     emit viewStateChanged();
 }
 
@@ -234,8 +249,18 @@ void ConnectController::setupTimerToQueryConnectStatus() {
 }
 
 void ConnectController::actionTimerStatusChecker() {
-    _work.sendASyncWorkMessage(MESSAGE_CONNECT_STATUS, {});
-    _work.sendASyncWorkMessage(MESSAGE_CONNECT_GET_STATISTICS, {});
+    _link.request(
+        MESSAGE_CONNECT_STATUS, {},
+        [this](const QVariantMap& response) {
+            // Without a modem nothing answers the poll: it rests until the next dial or the unplug report.
+            const int code = WorkNotification::GetErrorCode(response);
+            if (code != WORKER_ERR_NO_DATA_DEVICE && code != WORKER_ERR_NO_TARGET)
+                handleConnectStatus(response);
+        },
+        this);
+    _link.request(
+        MESSAGE_CONNECT_GET_STATISTICS, {},
+        [this](const QVariantMap& response) { handleConnectStatistics(response); }, this);
 }
 
 void ConnectController::logConnectStatus(int status) const {
@@ -261,8 +286,8 @@ void ConnectController::logConnectStatus(int status) const {
     }
 }
 
-void ConnectController::handleConnectStatus(const Notification& notification) {
-    const QVariant value = WorkNotification::GetValueObject(notification.userInfo);
+void ConnectController::handleConnectStatus(const QVariantMap& response) {
+    const QVariant value = WorkNotification::GetValueObject(response);
     // The worker's unplug report carries no value: the link is gone with the stick.
     const int status = value.isValid() ? value.toInt() : kDisconnected;
     logConnectStatus(status);
@@ -290,12 +315,12 @@ void ConnectController::handleConnectStatus(const Notification& notification) {
     setupTimerToQueryConnectStatus();
 }
 
-void ConnectController::handleConnectStatistics(const Notification& notification) {
-    if (WorkNotification::GetErrorCode(notification.userInfo) != WORKER_OK) {
+void ConnectController::handleConnectStatistics(const QVariantMap& response) {
+    if (WorkNotification::GetErrorCode(response) != WORKER_OK) {
         return;
     }
     const BLConnectStatistics sample =
-        WorkNotification::GetValueObject(notification.userInfo).value<BLConnectStatistics>();
+        WorkNotification::GetValueObject(response).value<BLConnectStatistics>();
     NotificationCenter::defaultCenter().post(
         NOTIFY_TRAFFIC_STATISTICS, this,
         {{KEY_FOR_NOTIFY_TRAFFIC_STATISTICS, QVariant::fromValue(sample)},

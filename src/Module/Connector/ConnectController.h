@@ -3,9 +3,9 @@
 #include "APNInfo.h"
 #include "ConnectRecords.h"
 #include "NotificationCenter.h"
+#include "Outcome.h"
 #include "Statistics/TrafficStatics.h"
 #include "StatisticsRecords.h"
-#include "WorkNotification.h"
 
 #include <QDateTime>
 #include <QList>
@@ -17,6 +17,7 @@
 #include <optional>
 
 class AppConfig;
+class ModemLink;
 
 // Names and keys the connection controllers and their views share.
 inline const QString CONNECTION_UPDATE_PROFILE = QStringLiteral("CONNECTION_UPDATE_PROFILE");
@@ -42,10 +43,11 @@ inline const QString KEY_OPERATOR = QStringLiteral("OPERATOR");
 // The logic behind the connect view, on the GUI thread. It makes the modem's dial-up service ready
 // (creating it with the "VELModemService" tool when it is missing), dials the chosen profile, ends the
 // link, polls the link's state and counters once a second from the first dial on, and feeds the traffic
-// history. It talks to the worker only through asynchronous requests; their answers arrive as
-// notifications. Views bind to its state: the connect button's title key ("IDS_CONNECT" or
-// "IDS_DISCONNECT") and whether it is enabled, whether the profile choice is enabled, the busy indicator,
-// the offered profiles and the selected index; viewStateChanged() tells them to look again.
+// history. It talks to the modem only through the link's asynchronous requests; the link's unplug report
+// ("MESSAGE_CONNECT_STATUS" without a value) ends the link's state. Views bind to its state: the connect
+// button's title key ("IDS_CONNECT" or "IDS_DISCONNECT") and whether it is enabled, whether the profile
+// choice is enabled, the busy indicator, the offered profiles and the selected index; viewStateChanged()
+// tells them to look again.
 //
 // Connection states: -1 invalid, 0 disconnected, 1 connecting, 2 connected, 3 disconnecting.
 // Announced state numbers ("CONNECT_STATE"): 0 connecting, 1 disconnecting, 2 connected, 3 disconnected.
@@ -63,15 +65,16 @@ public:
     static constexpr int kMaxServiceRetries = 19;
     static constexpr int kStatusIntervalMs = 1000;
 
-    // The worker's request end; the configuration tells the default profile; traffic may be null (nothing
-    // is recorded then).
-    ConnectController(DeviceWorkRequestInterface* worker, AppConfig* config, TrafficStatics* traffic,
-                      QObject* parent = nullptr);
+    // The configuration tells the default profile; traffic may be null (nothing is recorded then).
+    ConnectController(ModemLink& link, AppConfig* config, TrafficStatics* traffic, QObject* parent = nullptr);
     ~ConnectController() override;
 
     // Start-up: sends "MESSAGE_MODEM_INIT"; the answers drive the loop until the connector is ready.
     void modemInit();
-    void handleNotifyModemInit(const Notification& notification);
+    void handleNotifyModemInit(const QVariantMap& response);
+    // The link's state as the worker sees it now, once: the dial-up service is looked up first, so that a
+    // link started by an earlier run shows too. Nothing else of the controller changes.
+    void readStatus(std::function<void(Outcome outcome, int status)> done);
     // Runs the service tool for the modem device (see ServiceTool); its exit status, 0 on success.
     int createModemService(const QString& modemDeviceName);
 
@@ -92,8 +95,8 @@ public:
 
     void setupTimerToQueryConnectStatus();
     void actionTimerStatusChecker();
-    void handleConnectStatus(const Notification& notification);
-    void handleConnectStatistics(const Notification& notification);
+    void handleConnectStatus(const QVariantMap& response);
+    void handleConnectStatistics(const QVariantMap& response);
     void sendModuleNotificationConnectStateChange(int state);
     void handleNetworkUpdateNotification(const Notification& notification);
     // Adds the session's latest counts to the totals and the pending day to its day; clears the pending
@@ -149,7 +152,7 @@ private:
     void logConnectStatus(int status) const;
     void setBusy(bool busy);
 
-    WorkNotification _work;
+    ModemLink& _link;
     AppConfig* _config;
     TrafficStatics* _traffic;
     QTimer _statusTimer;

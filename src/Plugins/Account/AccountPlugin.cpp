@@ -21,15 +21,10 @@
 #include "FailureText.h"
 #include "ModemTextCheck.h"
 #include "UssdRecords.h"
-#include "WorkMessageNames.h"
-#include "WorkNotification.h"
 
 namespace {
 
 constexpr int kEntryRole = Qt::UserRole + 1;
-// "+CUSD: m": 1 the network waits for a reply, 2 it ended the dialogue, 4 the code is not offered.
-constexpr int kUssdEnded = 2;
-constexpr int kUssdNotSupported = 4;
 
 QString Q(const std::wstring& text) {
     return WStringToQString(text);
@@ -43,7 +38,7 @@ int PreferredLanguage() {
 } // namespace
 
 AccountPlugin::AccountPlugin(ModuleContext& context, QWidget* parent) : ModulePlugin(context, parent) {
-    _controller = new AccountController(link().workTarget(), this);
+    _controller = new AccountController(link(), this);
     _controller->setDeviceFoundProbe([this] { return _ready; });
 
     _tip = new QLabel(this);
@@ -156,20 +151,24 @@ AccountPlugin::AccountPlugin(ModuleContext& context, QWidget* parent) : ModulePl
             [this](const QString& text) { showAnswer(text, false); });
     connect(_controller, &AccountController::replyRequested, this,
             [this](const QString& text) { showAnswer(text, true); });
-    // Answers without a text are not passed on by the controller; say what they mean.
-    connect(&link(), &ModemLink::reportReceived, this, [this](const QString& name, const QVariantMap& data) {
-        if (name != MESSAGE_RPT_RECEIVE_USSD)
-            return;
-        const QVariant value = WorkNotification::GetValueObject(data);
-        if (value.typeId() != qMetaTypeId<BLUssdReceive>())
-            return;
-        const auto receive = value.value<BLUssdReceive>();
+    // Answers without a text only come as answerReceived; say what they mean.
+    connect(_controller, &AccountController::answerReceived, this, [this](const BLUssdReceive& receive) {
         if (!receive.strContent.isEmpty())
             return;
-        if (receive.nReportType == kUssdNotSupported)
+        if (receive.nReportType == BLUssdReceive::kNotSupported)
             showAnswer(tr("The network does not offer this service. Check the code."), false);
-        else if (receive.nReportType == kUssdEnded)
+        else if (receive.nReportType == BLUssdReceive::kEnded)
             showAnswer(tr("The network ended the dialogue."), false);
+    });
+    connect(_controller, &AccountController::sendFailed, this, [this](const QString& text, Outcome outcome) {
+        _sessionOpen = false;
+        _replyRow->hide();
+        _error->setText(tr("Sending %1 failed: %2. Check the code and that the modem is registered, then try "
+                           "again.")
+                            .arg(text, QString::fromStdString(
+                                           FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
+        _error->show();
+        updateButtons();
     });
 
     showEntry();
@@ -345,25 +344,7 @@ void AccountPlugin::send(const QString& text) {
     _error->hide();
     if (!_sessionOpen)
         _answer->clear();
-    _controller->setUIBlock(true);
-    const BLUssdSendCmdInfo info{BLUssdSendCmdInfo::kSend, text};
-    link().request(
-        MESSAGE_USSD_SENDCMD, QVariant::fromValue(info),
-        [this, text](const QVariantMap& response) {
-            const int code = WorkNotification::GetErrorCode(response);
-            if (!code)
-                return; // the answer comes as a report
-            _controller->setUIBlock(false);
-            _sessionOpen = false;
-            _replyRow->hide();
-            _error->setText(
-                tr("Sending %1 failed: %2. Check the code and that the modem is registered, then try "
-                   "again.")
-                    .arg(text, ResponseFailureText(response)));
-            _error->show();
-            updateButtons();
-        },
-        this);
+    _controller->sendUSSDCmd(text);
 }
 
 void AccountPlugin::cancelSession() {

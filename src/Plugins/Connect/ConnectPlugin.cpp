@@ -140,8 +140,7 @@ void ConnectPlugin::createController() {
     saveTraffic();
     _controller.reset();
     NotificationCenter::defaultCenter().removeObserver(this);
-    _worker = link().workTarget();
-    _controller = std::make_unique<ConnectController>(_worker, &context().config, &context().traffic);
+    _controller = std::make_unique<ConnectController>(link(), &context().config, &context().traffic);
     _controller->setEchoSink([](const QString& line) { DebugPrint("%s", qPrintable(line)); });
     connect(_controller.get(), &ConnectController::viewStateChanged, this, &ConnectPlugin::refreshView);
     connect(_controller.get(), &ConnectController::warningRequested, this, &ConnectPlugin::showWarning);
@@ -159,7 +158,7 @@ void ConnectPlugin::createController() {
 void ConnectPlugin::modemReady() {
     _modemPresent = true;
     _message->clear();
-    if (!_controller || _worker != link().workTarget())
+    if (!_controller)
         createController();
     // Also after a replug: the dial-up service is looked up again and the profiles published anew.
     _controller->modemInit();

@@ -5,7 +5,6 @@
 #include "ModulePlugin.h"
 
 class ConnectController;
-class DeviceWorkRequestInterface;
 class QComboBox;
 class QLabel;
 class QProgressBar;
@@ -46,7 +45,6 @@ private:
     void saveTraffic();
 
     std::unique_ptr<ConnectController> _controller;
-    DeviceWorkRequestInterface* _worker = nullptr;
     bool _modemPresent = false;
     bool _privilegeExplained = false;
 
