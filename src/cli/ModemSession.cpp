@@ -21,10 +21,10 @@
 #include <unistd.h>
 
 #include "AppConfig.h"
+#include "ApplicationShell.h"
 #include "BLRecords.h"
 #include "DeviceUtility.h"
 #include "FailureText.h"
-#include "ApplicationShell.h"
 #include "ModemLink.h"
 #include "Pin/PinController.h"
 #include "WorkNotification.h"
@@ -207,7 +207,8 @@ QVariantMap ModemSession::request(const QString& name, const QVariant& argument,
     return response;
 }
 
-Outcome ModemSession::awaitOutcome(std::optional<Outcome>& result, const std::string& what, int deadlineSeconds) {
+Outcome ModemSession::awaitOutcome(std::optional<Outcome>& result, const std::string& what,
+                                   int deadlineSeconds) {
     await([&result] { return result.has_value(); }, what, deadlineSeconds);
     return *result;
 }

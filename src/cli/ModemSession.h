@@ -49,7 +49,8 @@ public:
                          int deadlineSeconds = kDefaultDeadlineSeconds);
     // Starts a controller's read, handing it the callback that takes the outcome and the value read, and
     // waits for them as await() does.
-    template <typename Value, typename Start> Outcome read(Start start, Value& value, const std::string& what) {
+    template <typename Value, typename Start>
+    Outcome read(Start start, Value& value, const std::string& what) {
         auto read = std::make_shared<std::pair<std::optional<Outcome>, Value>>();
         start([read](Outcome outcome, const Value& got) {
             read->first = outcome;

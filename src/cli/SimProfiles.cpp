@@ -6,6 +6,7 @@
 #include "Connector/ProfileSettingsController.h"
 #include "Equipment/EquipmentController.h"
 #include "ModemSession.h"
+#include "Network/NetworkController.h"
 #include "WorkNotification.h"
 
 AppConfig* SessionConfig(CliContext& context) {
@@ -20,9 +21,9 @@ bool LearnSim(CliContext& context, ModemSession& session, AppConfig& config,
               ProfileSettingsController& settings, BLNetworkInfo* network) {
     EquipmentController equipment(session.link());
     BLEquipmentInfo info;
-    if (const int failed =
-            session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info, "reading the SIM's IMSI"),
-                          "reading the SIM's identity")) {
+    if (const int failed = session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
+                                                      "reading the SIM's identity"),
+                                         "reading the SIM's identity")) {
         context.exitCode = failed;
         return false;
     }
@@ -33,8 +34,12 @@ bool LearnSim(CliContext& context, ModemSession& session, AppConfig& config,
     device.strRevision = info.strRevision;
     device.strSerialNumber = info.strSerialNumber;
     device.strImsi = info.strImsi;
-    const QVariantMap response = session.request(MESSAGE_NETWORK_GET_INFO);
-    const auto networkInfo = WorkNotification::GetValueObject(response).value<BLNetworkInfo>();
+    NetworkController networkReader(session.link());
+    // A failed read leaves the provider's name empty: the profiles are then chosen by the IMSI alone.
+    const auto [networkRead, networkInfo] = session.await(
+        networkReader, &NetworkController::infoRead, [&] { networkReader.readInfo(); },
+        "reading the network");
+    (void)networkRead;
     settings.chooseProfilesForSIM(networkInfo.strSpName);
     if (network)
         *network = networkInfo;

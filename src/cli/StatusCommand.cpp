@@ -86,10 +86,9 @@ int Status(CliContext& context, ModemSession& session) {
 int Info(CliContext& context, ModemSession& session) {
     EquipmentController equipment(session.link());
     BLEquipmentInfo info;
-    if (const int failed =
-            session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
-                                       "reading the modem's identity"),
-                          "reading the equipment information"))
+    if (const int failed = session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
+                                                      "reading the modem's identity"),
+                                         "reading the equipment information"))
         return failed;
     if (const int gone = session.checkPresent("reading the equipment information"))
         return gone;

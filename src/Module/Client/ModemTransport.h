@@ -4,8 +4,6 @@
 #include <QString>
 #include <QVariantMap>
 
-class DeviceWorkRequestInterface;
-
 // How requests reach the modem and its answers and reports come back. The link owns one; today's is the
 // worker in this process (WorkerTransport).
 //
@@ -24,8 +22,6 @@ public:
     virtual int send(const QString& name, const QVariantMap& request) = 0;
     // Passes on the answers and reports of this name from now on (once per name is enough).
     virtual void listen(const QString& name) = 0;
-    // The worker's request end when it runs in this process, else null.
-    virtual DeviceWorkRequestInterface* workTarget() const { return nullptr; }
 
 signals:
     void ready();

@@ -41,7 +41,3 @@ void WorkerTransport::listen(const QString& name) {
     if (!_listened.contains(name))
         _listened.append(name);
 }
-
-DeviceWorkRequestInterface* WorkerTransport::workTarget() const {
-    return _agent ? _agent->workThread() : nullptr;
-}

@@ -22,7 +22,6 @@ public:
     bool isReady() const override { return _notification != nullptr; }
     int send(const QString& name, const QVariantMap& request) override;
     void listen(const QString& name) override;
-    DeviceWorkRequestInterface* workTarget() const override;
 
 private:
     QObject* _mainWindow;
