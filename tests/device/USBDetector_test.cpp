@@ -57,11 +57,13 @@ protected:
         detector->setDeviceRemoveSEL([this] { ++removals; });
         ASSERT_TRUE(detector->waitUntilWatching(std::chrono::seconds(10)));
     }
-    // Every event sent before this one has been handled once the detector prints this arrival.
+    // Every event sent before this one has been handled once the detector prints this arrival (its own
+    // line: an earlier arrival may still be printing when the barrier is sent).
     QString barrier(const QString& name, int devnum) {
-        const int before = texts->count("added.");
+        const QString line =
+            QStringLiteral("Device 1bbb:0017 (0x%1) added.").arg(0x10000 + devnum, 8, 16, QLatin1Char('0'));
         const QString syspath = testbed->addUsbDevice(name, "1bbb", "0017", devnum);
-        EXPECT_TRUE(waitFor([&] { return texts->count("added.") > before; })) << texts->text().toStdString();
+        EXPECT_TRUE(waitFor([&] { return texts->text().contains(line); })) << texts->text().toStdString();
         return syspath;
     }
 
