@@ -13,6 +13,7 @@
 
 #include "QtEventLoop.h"
 #include "RecordingTransport.h"
+#include "SimulatedLink.h"
 
 #include <optional>
 
@@ -204,4 +205,23 @@ TEST(AccountController, PaidTypeFromInternalType) {
     for (const auto& row : rows) {
         EXPECT_EQ(AccountController::paidTypeFromInternalType(row[0]), row[1]) << row[0];
     }
+}
+
+// Against the simulated network, through the desktop app's kind of link: the answer reaches the view and
+// unblocks it.
+TEST(AccountController, UssdDialogueWithTheSimulatedNetwork) {
+    SimulatedLink modem;
+    ASSERT_TRUE(modem.reaches(ModemLink::State::Ready));
+    AccountController controller(modem.link());
+    ViewLog log(controller);
+    std::optional<BLUssdReceive> answer;
+    QObject::connect(&controller, &AccountController::answerReceived,
+                     [&answer](const BLUssdReceive& received) { answer = received; });
+
+    controller.sendUSSDCmd(QStringLiteral("*101#"));
+    ASSERT_TRUE(waitFor([&] { return answer.has_value(); }, std::chrono::seconds(20)))
+        << log.events.join('\n').toStdString();
+    EXPECT_TRUE(log.events.join('\n').contains("Your number is +491721234567."))
+        << log.events.join('\n').toStdString();
+    EXPECT_TRUE(log.events.contains("unblock")) << log.events.join('\n').toStdString();
 }
