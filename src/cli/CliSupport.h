@@ -24,6 +24,8 @@ struct CliContext {
     bool simulate = false;   // --simulate: work against a fresh simulated modem
     std::string scenario;    // its scenario (file or shipped name); empty for the built-in one
     std::string devDir;      // --dev-dir: where the modem's ports are looked for
+    bool noService = false;  // --no-service: the worker in this process even when dialtoned is there
+    bool viaService = false; // set by the session: requests go to dialtoned on the session bus
     double waitSeconds = 30; // --wait: how long event commands wait
     bool waitGiven = false;  // whether --wait was given (commands that otherwise run until interrupted)
     int exitCode = EXIT_OK;  // set by the command that ran

@@ -23,6 +23,7 @@
 #include "AppConfig.h"
 #include "ApplicationShell.h"
 #include "BLRecords.h"
+#include "BusTransport.h"
 #include "DeviceUtility.h"
 #include "FailureText.h"
 #include "ModemLink.h"
@@ -164,7 +165,13 @@ bool ModemSession::open() {
     // A link started by "dialtone connect" stays up when the tool exits; "dialtone disconnect" ends it.
     ApplicationShell::sharedShell().setKeepsLinkOnQuit(true);
 
-    _link = std::make_unique<ModemLink>();
+    // The modem service owns the modem when it is there; a simulated modem and ports named on the command
+    // line are this run's own.
+    std::unique_ptr<ModemTransport> transport;
+    if (!_context.simulate && _context.devDir.empty() && !_context.noService)
+        transport = BusTransport::forSessionBus();
+    _context.viaService = transport != nullptr;
+    _link = std::make_unique<ModemLink>(nullptr, std::move(transport));
     TheWatchdog().arm(kOpenDeadlineSeconds + 10, "starting the modem", _context.json, _simulator.pid(),
                       _simulator.devDir());
     const int code = _link->open(kOpenDeadlineSeconds * 1000);
@@ -214,7 +221,8 @@ Outcome ModemSession::awaitOutcome(std::optional<Outcome>& result, const std::st
 }
 
 int ModemSession::checkPresent(const std::string& what) {
-    if (ModemPresent())
+    // The service's ports are in its own device folder; its unplug report ends the link's state.
+    if (_context.viaService ? _link->state() != ModemLink::State::Absent : ModemPresent())
         return EXIT_OK;
     return ReportFailure(_context, WORKER_ERR_NO_DATA_DEVICE,
                          what + ": the modem was unplugged (plug it in and run the command again)");

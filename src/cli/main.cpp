@@ -43,6 +43,8 @@ int main(int argc, char** argv) {
         ->expected(0, 1)
         ->type_name("[=SCENARIO]");
     app.add_option("--dev-dir", context.devDir, "Where the modem's ports are looked for (default /dev)");
+    app.add_flag("--no-service", context.noService,
+                 "Open the modem in this process even when the modem service (dialtoned) is there");
     app.add_flag("--json", context.json, "Print one JSON document on standard output");
     app.add_flag("--debug", context.debug, "Show the modem traffic and debug texts on standard error");
     app.add_option("--wait", context.waitSeconds, "How long event commands wait, in seconds")

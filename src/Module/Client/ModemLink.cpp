@@ -13,14 +13,6 @@
 #include "WorkNotification.h"
 #include "WorkerTransport.h"
 
-namespace {
-
-// The key under which a request carries its ticket; the worker hands the request's dictionary back with
-// the answer, so the answer finds its callback.
-const QString kTicketKey = QStringLiteral("GUI_TICKET");
-
-} // namespace
-
 ModemLink::ModemLink(QObject* parent, std::unique_ptr<ModemTransport> transport, QObject* mainWindow)
     : QObject(parent), _transport(std::move(transport)) {
     if (!_transport)
@@ -121,6 +113,22 @@ void ModemLink::request(const QString& name, const QVariant& argument, Reply rep
     }
 }
 
+void ModemLink::listenForAllReports() {
+    _allReports = true;
+    _transport->listen(QString());
+}
+
+void ModemLink::initNow(Reply reply) {
+    if (_state != State::Absent && !_initInFlight) {
+        if (reply)
+            reply({{ERROR_CODE, WORKER_OK}});
+        return;
+    }
+    if (reply)
+        _initReplies.push_back(std::move(reply));
+    sendInit();
+}
+
 QVariantMap ModemLink::call(const QString& name, const QVariant& argument, int timeoutMs) {
     // Shared with the reply, which may come after the wait has given up.
     auto answer = std::make_shared<std::optional<QVariantMap>>();
@@ -161,7 +169,7 @@ void ModemLink::wakeWaiters() {
 void ModemLink::onReceived(const QString& name, const QVariantMap& data) {
     const QVariantMap userInfo = data.value(USER_INFO).toMap();
     if (!userInfo.contains(kTicketKey)) {
-        if (_reports.contains(name))
+        if (_allReports || _reports.contains(name))
             emit reportReceived(name, data);
         return; // else another client's answer to a request of the same name
     }
@@ -192,6 +200,10 @@ void ModemLink::sendInit() {
     request(MESSAGE_INIT_WORK_THREAD, {}, [this](const QVariantMap& response) {
         _initInFlight = false;
         onInitAnswer(response);
+        std::vector<Reply> waiting;
+        waiting.swap(_initReplies);
+        for (const Reply& reply : waiting)
+            reply(response);
     });
 }
 

@@ -45,6 +45,9 @@ public:
     static constexpr int kSimCheckRetryMs = 1000;
     static constexpr int kWaitForever = -1;
     static constexpr int kWaitPollMs = 50; // how often waitUntil looks again without an answer
+    // The key under which a request carries its ticket; the worker hands the request's dictionary back
+    // with the answer, so the answer finds its callback.
+    static inline const QString kTicketKey = QStringLiteral("GUI_TICKET");
 
     // Without a transport the link makes the in-process worker's (WorkerTransport), handing mainWindow to
     // the application shell.
@@ -77,6 +80,13 @@ public:
     // Reports of this name (the worker's own messages, not answers) reach reportReceived() from now on.
     // New messages, the list-again report and USSD answers are passed on from the start.
     void listenForReport(const QString& name);
+    // Every report, whatever its name, and the answers to requests of other senders (the modem service,
+    // which passes them all on).
+    void listenForAllReports();
+
+    // Initialises the modem now unless it is up already (the reply then gets code 0 at once); an init
+    // under way is not repeated, the reply gets its answer. The link follows the result as for its own.
+    void initNow(Reply reply);
 
     // Unlocking: the PIN, or the PUK with the new PIN. The reply gets the worker's answer; on success the
     // link checks the SIM again and moves on to Ready.
@@ -136,6 +146,8 @@ private:
     qint64 _nextTicket = 1;
     std::map<qint64, Pending> _pending;
     QStringList _reports;
+    bool _allReports = false;
+    std::vector<Reply> _initReplies; // initNow's callers waiting for the init under way
     std::vector<QEventLoop*> _waiters; // waitUntil's loops, innermost last
     int _simCheckFailures = 0;
     int _pinAttempts = -1;

@@ -21,7 +21,7 @@ void WorkerTransport::start() {
             [this](const QString& name, const QVariantMap& data) {
                 if (name == MESSAGE_USB_UNPLUGGED)
                     emit unplugged();
-                else if (_listened.contains(name))
+                else if (_listened.contains(name) || _listened.contains(QString()))
                     emit received(name, data);
             });
     _agent->setServerSetupCompleteTargetCallBack([this](WorkNotification* notification) {

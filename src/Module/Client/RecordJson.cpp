@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QStringList>
 
+#include <algorithm>
 #include <limits>
 #include <set>
 
@@ -359,6 +360,7 @@ struct RecordType {
     json (*toJson)(const QVariant&);
     json (*listToJson)(const QVariant&);
     bool (*fromJson)(const json&, QVariant&, std::string&);
+    QVariant (*listFromVariants)(const QVariantList&);
 };
 
 template <typename R> RecordType Describe() {
@@ -379,6 +381,12 @@ template <typename R> RecordType Describe() {
                 return false;
             value = QVariant::fromValue(record);
             return true;
+        },
+        [](const QVariantList& items) {
+            QList<R> list;
+            for (const QVariant& item : items)
+                list.append(item.value<R>());
+            return QVariant::fromValue(list);
         },
     };
 }
@@ -495,6 +503,15 @@ bool JsonToVariant(const json& document, QVariant& value, std::string& error) {
             if (!JsonToVariant(item, element, error))
                 return false;
             list.append(element);
+        }
+        // A list of one kind of record is that record's list, as the worker hands them out.
+        for (const RecordType& type : RecordTypes()) {
+            if (!list.isEmpty() && std::all_of(list.cbegin(), list.cend(), [&type](const QVariant& item) {
+                    return item.metaType() == type.type;
+                })) {
+                value = type.listFromVariants(list);
+                return true;
+            }
         }
         value = list;
         return true;

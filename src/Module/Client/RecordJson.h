@@ -21,7 +21,7 @@ nlohmann::json VariantToJson(const QVariant& value);
 nlohmann::json MapToJson(const QVariantMap& map);
 
 // A request argument from JSON: a number (a 32-bit integer when it fits), a string, true/false, null, a
-// list, or an object. An object with "class" becomes that record; its other keys must be the record's
+// list (a list of records of one class becomes that record's QList), or an object. An object with "class" becomes that record; its other keys must be the record's
 // field names with values of the field's type, and missing fields keep the record's defaults. An object
 // without "class" becomes a dictionary. False, with the reason in error, for anything else.
 bool JsonToVariant(const nlohmann::json& document, QVariant& value, std::string& error);

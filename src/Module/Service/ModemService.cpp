@@ -1,0 +1,359 @@
+#include "ModemService.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QMetaProperty>
+
+#include "AppConfig.h"
+#include "ApplicationShell.h"
+#include "BLRecords.h"
+#include "CNSLog.h"
+#include "Connector/ConnectController.h"
+#include "Connector/ProfileSettingsController.h"
+#include "ModemLink.h"
+#include "PhoneNumbers.h"
+#include "SMS/MessagesController.h"
+#include "ServiceBus.h"
+#include "Statistics/TrafficStatics.h"
+#include "StatusText.h"
+#include "WorkNotification.h"
+
+namespace {
+
+const QString kPropertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+
+} // namespace
+
+ModemService::ModemService(const QDBusConnection& bus, int idleExitMs, QObject* parent)
+    : QObject(parent), _bus(bus), _idleExitMs(idleExitMs), _link(std::make_unique<ModemLink>()) {
+    // A link stays up when the service ends (stopped, or restarted after a crash): the next one finds it.
+    ApplicationShell::sharedShell().setKeepsLinkOnQuit(true);
+    _link->listenForAllReports();
+    connect(_link.get(), &ModemLink::reportReceived, this, [this](const QString& name, const QVariantMap& data) {
+        QVariantMap info = data;
+        QVariantMap userInfo = info.value(USER_INFO).toMap();
+        userInfo.remove(ModemLink::kTicketKey);
+        if (userInfo.isEmpty())
+            info.remove(USER_INFO);
+        else
+            info.insert(USER_INFO, userInfo);
+        emit Notification(name, ServiceBus::toBus(info));
+    });
+    connect(&_link->transport(), &ModemTransport::unplugged, this,
+            [this] { emit Notification(MESSAGE_USB_UNPLUGGED, {}); });
+    connect(_link.get(), &ModemLink::stateChanged, this, [this](ModemLink::State state) {
+        if (state == ModemLink::State::Ready)
+            onModemReady();
+        refreshProperties();
+    });
+    connect(_link.get(), &ModemLink::networkChanged, this, &ModemService::refreshProperties);
+    connect(_link.get(), &ModemLink::simChecked, this, &ModemService::refreshProperties);
+
+    _clientWatcher.setConnection(_bus);
+    _clientWatcher.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    connect(&_clientWatcher, &QDBusServiceWatcher::serviceUnregistered, this, [this](const QString& client) {
+        _clientWatcher.removeWatchedService(client);
+        _clients.remove(client);
+        refreshProperties();
+    });
+
+    // Counters and the idle clock; nothing is asked of the modem here.
+    _refreshTimer.setInterval(kPropertyRefreshMs);
+    connect(&_refreshTimer, &QTimer::timeout, this, [this] {
+        refreshProperties();
+        checkIdle();
+    });
+    _idleSince.start();
+}
+
+ModemService::~ModemService() {
+    if (_connect)
+        _connect->applicationWillTerminate(); // the pending traffic goes into the history
+    _messages.reset();
+    _connect.reset();
+    _profiles.reset();
+    _traffic.reset();
+    _link.reset();
+}
+
+bool ModemService::publish(QString& error) {
+    if (!_bus.isConnected()) {
+        error = QStringLiteral("no session bus: ") + _bus.lastError().message();
+        return false;
+    }
+    if (!_bus.registerObject(ServiceBus::kObjectPath, this,
+                             QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals |
+                                 QDBusConnection::ExportAllProperties)) {
+        error = QStringLiteral("the object could not be put on the bus");
+        return false;
+    }
+    if (!_bus.registerService(ServiceBus::kServiceName)) {
+        error = ServiceBus::kServiceName + QStringLiteral(" is taken: ") + _bus.lastError().message();
+        return false;
+    }
+    return true;
+}
+
+void ModemService::start() {
+    _link->start();
+    _refreshTimer.start();
+}
+
+void ModemService::onModemReady() {
+    AppConfig* config = _link->config();
+    if (config == nullptr || _connectorStarted)
+        return;
+    // The connector, the profiles and the messages need the configuration the worker loaded.
+    _connectorStarted = true;
+    _traffic = std::make_unique<TrafficStatics>(*config);
+    _profiles = std::make_unique<ProfileSettingsController>(*config);
+    _connect = std::make_unique<ConnectController>(*_link, config, _traffic.get());
+    // A dial-up service that needs an administrator is made when a client dials, not at start-up.
+    _connect->setAskBeforePrivilegedStep(true);
+    connect(_connect.get(), &ConnectController::viewStateChanged, this, &ModemService::refreshProperties);
+    _messages = std::make_unique<MessagesController>(*_link);
+    _profiles->chooseProfilesForSIM(_link->network().strSpName);
+    _connect->modemInit();
+}
+
+void ModemService::noteClient() {
+    if (!calledFromDBus())
+        return;
+    const QString client = message().service();
+    if (client.isEmpty() || _clients.contains(client))
+        return;
+    _clients.insert(client);
+    _clientWatcher.addWatchedService(client);
+    // A client that left before this line was read would never be removed.
+    if (!_bus.interface()->isServiceRegistered(client)) {
+        _clientWatcher.removeWatchedService(client);
+        _clients.remove(client);
+    }
+    _idleSince.restart();
+}
+
+void ModemService::checkIdle() {
+    const QString link = connectionState();
+    const bool busy = !_clients.isEmpty() || link == QLatin1String("connecting") ||
+                      link == QLatin1String("connected") || link == QLatin1String("disconnecting");
+    if (busy || _idleExitMs <= 0) {
+        _idleSince.restart();
+        return;
+    }
+    if (_idleSince.elapsed() >= _idleExitMs) {
+        CNSLOG(0, "dialtoned: no clients for %d s, ending", _idleExitMs / 1000);
+        emit idle();
+    }
+}
+
+QVariantMap ModemService::Request(const QString& name, const QVariantMap& request) {
+    noteClient();
+    QVariantMap arguments;
+    if (!ServiceBus::fromBus(request, arguments))
+        return {{ERROR_CODE, WORKER_ERR_INVALID_ARGUMENT}};
+    if (!calledFromDBus())
+        return {{ERROR_CODE, WORKER_ERR_NO_TARGET}};
+    setDelayedReply(true);
+    const QDBusMessage call = message();
+    const QString client = call.service();
+    auto answer = [this, call, client, name, arguments](const QVariantMap& response) {
+        QVariantMap reply = response;
+        reply.remove(USER_INFO);
+        _bus.send(call.createReply(QVariant(ServiceBus::toBus(reply))));
+        // Everybody else learns what was done (a message sent, a link dialled).
+        QVariantMap info = reply;
+        QVariantMap userInfo{{ServiceBus::kClientKey, client}};
+        if (arguments.contains(VALUE_OBJECT))
+            userInfo.insert(VALUE_OBJECT, arguments.value(VALUE_OBJECT));
+        info.insert(USER_INFO, userInfo);
+        emit Notification(name, ServiceBus::toBus(info));
+    };
+    // The service keeps the modem up: a client's init is answered from its own.
+    if (name == MESSAGE_INIT_WORK_THREAD) {
+        _link->initNow(answer);
+        return {};
+    }
+    _link->request(name, arguments.value(VALUE_OBJECT), answer, this);
+    return {};
+}
+
+int ModemService::SendSms(const QString& number, const QString& text) {
+    noteClient();
+    if (!PhoneNumbers::Parse(number.toStdString(), {}).ok() || text.isEmpty()) {
+        if (calledFromDBus())
+            sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("not a phone number or no text"));
+        return WORKER_ERR_INVALID_ARGUMENT;
+    }
+    if (!_messages)
+        return WORKER_ERR_NO_DATA_DEVICE;
+    if (!calledFromDBus())
+        return WORKER_ERR_NO_TARGET;
+    setDelayedReply(true);
+    const QDBusMessage call = message();
+    _messages->send(number, text, [this, call](const Outcome& outcome) {
+        _bus.send(call.createReply(QVariant(outcome.code)));
+    });
+    return 0;
+}
+
+int ModemService::Connect(const QString& profile) {
+    noteClient();
+    if (!_connect)
+        return WORKER_ERR_NO_DATA_DEVICE;
+    if (!_connect->connectorReady() && !_connect->waitingForPrivilegedStep())
+        return WORKER_ERR_SERVICE_NOT_FOUND;
+    const int state = _connect->connectState();
+    if (state == ConnectController::kConnecting || state == ConnectController::kConnected)
+        return WORKER_OK;
+    int index = _connect->defaultIndex();
+    if (!profile.isEmpty()) {
+        index = -1;
+        const QList<APNInfo>& offered = _connect->offeredProfiles();
+        for (int i = 0; i < offered.size(); ++i) {
+            if (offered[i].strAccount == profile) {
+                index = i;
+                break;
+            }
+        }
+        if (index < 0)
+            return WORKER_ERR_INVALID_ARGUMENT;
+    }
+    _connect->selectProfileIndex(index);
+    if (_connect->waitingForPrivilegedStep())
+        _connect->startPrivilegedStep(); // asks for the password, then dials
+    else
+        _connect->actionForButtonConnect();
+    refreshProperties();
+    return WORKER_OK;
+}
+
+int ModemService::Disconnect() {
+    noteClient();
+    if (!_connect)
+        return WORKER_ERR_NO_DATA_DEVICE;
+    const int state = _connect->connectState();
+    if (state == ConnectController::kConnecting || state == ConnectController::kConnected) {
+        _connect->processDisconnect();
+        refreshProperties();
+        return WORKER_OK;
+    }
+    // A link this service did not dial (a client's, or one from before a restart) is ended all the same.
+    _link->request(MESSAGE_CONNECT_DISCONNECT);
+    return WORKER_OK;
+}
+
+// ---- properties ----------------------------------------------------------------------------------------
+
+QString ModemService::modemState() const {
+    switch (_link->state()) {
+    case ModemLink::State::Absent:
+        return QStringLiteral("absent");
+    case ModemLink::State::Starting:
+        return QStringLiteral("starting");
+    case ModemLink::State::Ready:
+        return QStringLiteral("ready");
+    default:
+        return QStringLiteral("locked");
+    }
+}
+
+QString ModemService::simState() const {
+    switch (_link->state()) {
+    case ModemLink::State::NeedPin:
+        return QStringLiteral("pin");
+    case ModemLink::State::NeedPuk:
+        return QStringLiteral("puk");
+    case ModemLink::State::NoSim:
+        return QStringLiteral("absent");
+    case ModemLink::State::Blocked:
+        return QStringLiteral("blocked");
+    case ModemLink::State::Ready:
+        return QStringLiteral("ready");
+    default:
+        return QStringLiteral("unknown");
+    }
+}
+
+int ModemService::pinAttempts() const {
+    return _link->pinAttempts();
+}
+
+int ModemService::pukAttempts() const {
+    return _link->pukAttempts();
+}
+
+QString ModemService::operatorName() const {
+    if (!_link->hasNetwork())
+        return {};
+    return QString::fromStdString(OperatorText(_link->network().strOperator, _link->network().strSpName));
+}
+
+int ModemService::signalLevel() const {
+    if (!_link->hasNetwork())
+        return -1;
+    const int level = _link->network().nRssi;
+    return level >= 0 && level <= 5 ? level : -1;
+}
+
+QString ModemService::bearer() const {
+    return _link->hasNetwork() ? QString::fromStdString(BearerText(_link->network().nBearer)) : QString();
+}
+
+bool ModemService::roaming() const {
+    return _link->hasNetwork() && _link->network().nRoamState == 1;
+}
+
+QString ModemService::connectionState() const {
+    if (!_connect)
+        return QStringLiteral("disconnected");
+    const int state = _connect->connectState();
+    return QString::fromStdString(ConnectStatusText(state == ConnectController::kInvalid
+                                                        ? ConnectController::kDisconnected
+                                                        : state));
+}
+
+uint ModemService::connectionDuration() const {
+    return _connect ? _connect->latestStatistics().nDurationSeconds : 0;
+}
+
+qulonglong ModemService::bytesReceived() const {
+    return _connect ? _connect->latestStatistics().nReceivedBytes : 0;
+}
+
+qulonglong ModemService::bytesSent() const {
+    return _connect ? _connect->latestStatistics().nSentBytes : 0;
+}
+
+uint ModemService::receiveRate() const {
+    return _connect ? _connect->latestStatistics().nReceivedBPS : 0;
+}
+
+uint ModemService::sendRate() const {
+    return _connect ? _connect->latestStatistics().nSentBPS : 0;
+}
+
+QVariantMap ModemService::propertySnapshot() const {
+    QVariantMap snapshot;
+    const QMetaObject* meta = metaObject();
+    for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i) {
+        const QMetaProperty property = meta->property(i);
+        snapshot.insert(QString::fromLatin1(property.name()), property.read(this));
+    }
+    return snapshot;
+}
+
+void ModemService::refreshProperties() {
+    const QVariantMap now = propertySnapshot();
+    QVariantMap changed;
+    for (auto it = now.constBegin(); it != now.constEnd(); ++it) {
+        if (_published.value(it.key()) != it.value())
+            changed.insert(it.key(), it.value());
+    }
+    _published = now;
+    if (changed.isEmpty())
+        return;
+    QDBusMessage signal =
+        QDBusMessage::createSignal(ServiceBus::kObjectPath, kPropertiesInterface, QStringLiteral("PropertiesChanged"));
+    signal << ServiceBus::kInterface << changed << QStringList();
+    _bus.send(signal);
+}
