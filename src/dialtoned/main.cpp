@@ -66,7 +66,6 @@ int main(int argc, char* argv[]) {
         std::fprintf(stderr, "dialtoned: %s\n", error.toLocal8Bit().constData());
         return 1;
     }
-    QObject::connect(&service, &ModemService::idle, &application, &QCoreApplication::quit);
 
     // SIGTERM and SIGINT end the event loop, so the service lets go of the modem in order.
     if (pipe2(g_signalPipe, O_CLOEXEC | O_NONBLOCK) == 0) {
@@ -75,6 +74,6 @@ int main(int argc, char* argv[]) {
         std::signal(SIGTERM, OnTerminate);
         std::signal(SIGINT, OnTerminate);
     }
-    service.start();
+    service.start([] { QCoreApplication::quit(); });
     return application.exec();
 }

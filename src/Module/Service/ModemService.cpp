@@ -94,7 +94,8 @@ bool ModemService::publish(QString& error) {
     return true;
 }
 
-void ModemService::start() {
+void ModemService::start(std::function<void()> onIdle) {
+    _onIdle = std::move(onIdle);
     _link->start();
     _refreshTimer.start();
 }
@@ -142,7 +143,8 @@ void ModemService::checkIdle() {
     }
     if (_idleSince.elapsed() >= _idleExitMs) {
         CNSLOG(0, "dialtoned: no clients for %d s, ending", _idleExitMs / 1000);
-        emit idle();
+        if (_onIdle)
+            _onIdle();
     }
 }
 

@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
 
 class AppConfig;
@@ -56,8 +57,8 @@ public:
     // Takes the bus name and puts the object on the bus; false (with the reason in error) when another
     // service has the name already.
     bool publish(QString& error);
-    // Starts following the modem.
-    void start();
+    // Starts following the modem; onIdle runs once the service has been idle long enough to end.
+    void start(std::function<void()> onIdle);
 
     QString modemState() const;
     QString simState() const;
@@ -83,8 +84,6 @@ public slots:
 
 signals:
     void Notification(const QString& name, const QVariantMap& info);
-    // Not on the bus: the service has been idle long enough and may end.
-    void idle();
 
 private:
     void noteClient();
@@ -106,4 +105,5 @@ private:
     QElapsedTimer _idleSince;
     QVariantMap _published;
     bool _connectorStarted = false;
+    std::function<void()> _onIdle;
 };
