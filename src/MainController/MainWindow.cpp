@@ -18,6 +18,7 @@
 
 #include "Account/AccountPlugin.h"
 #include "AppConfig.h"
+#include "BusTransport.h"
 #include "Connect/ConnectPlugin.h"
 #include "Connector/ConnectController.h"
 #include "Connector/ProfileSettingsController.h"
@@ -59,10 +60,11 @@ QIcon AppIcon() {
 
 } // namespace
 
-MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
+MainWindow::MainWindow(bool useService, QWidget* parent) : QMainWindow(parent) {
     setWindowTitle(tr("Dialtone"));
     setWindowIcon(AppIcon());
-    _link = std::make_unique<ModemLink>(this, nullptr, this);
+    // The modem service owns the modem when the session bus has it; otherwise the worker runs here.
+    _link = std::make_unique<ModemLink>(this, useService ? BusTransport::forSessionBus() : nullptr, this);
     _notifier = std::make_unique<DesktopNotifier>();
     // The worker's start makes the configuration the modules share.
     _link->start();

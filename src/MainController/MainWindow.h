@@ -27,7 +27,8 @@ struct ModuleContext;
 class MainWindow : public QMainWindow {
     Q_OBJECT
 public:
-    explicit MainWindow(QWidget* parent = nullptr);
+    // useService: talk to the modem service (dialtoned) when the session bus has it.
+    explicit MainWindow(bool useService = false, QWidget* parent = nullptr);
     ~MainWindow() override;
 
     ModemLink& link() { return *_link; }

@@ -42,7 +42,10 @@ int main(int argc, char** argv) {
         QStringLiteral("Render every tab to a PNG file in the folder, then quit."), QStringLiteral("folder"));
     const QCommandLineOption debug(QStringLiteral("debug"),
                                    QStringLiteral("Show the modem link's debug output on standard error."));
-    parser.addOptions({simulate, scenario, devDir, screenshots, debug});
+    const QCommandLineOption noService(
+        QStringLiteral("no-service"),
+        QStringLiteral("Open the modem in this program even when the modem service (dialtoned) is there."));
+    parser.addOptions({simulate, scenario, devDir, screenshots, debug, noService});
     parser.process(application);
     SetDebugSink(parser.isSet(debug) ? stderr : nullptr);
 
@@ -60,7 +63,7 @@ int main(int argc, char** argv) {
 
     // After the simulator's own handlers: the quit below ends the simulator too.
     QuitOnSignals quitOnSignals;
-    auto window = std::make_unique<MainWindow>();
+    auto window = std::make_unique<MainWindow>(!parser.isSet(noService));
     window->resize(960, 640);
     window->show();
 

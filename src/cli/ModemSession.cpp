@@ -168,7 +168,7 @@ bool ModemSession::open() {
     // The modem service owns the modem when it is there; a simulated modem and ports named on the command
     // line are this run's own.
     std::unique_ptr<ModemTransport> transport;
-    if (!_context.simulate && _context.devDir.empty() && !_context.noService)
+    if (!_context.noService)
         transport = BusTransport::forSessionBus();
     _context.viaService = transport != nullptr;
     _link = std::make_unique<ModemLink>(nullptr, std::move(transport));

@@ -3,7 +3,6 @@
 #include <QEventLoop>
 #include <QObject>
 #include <QSet>
-#include <QSettings>
 #include <QStringList>
 #include <QTimer>
 
@@ -19,17 +18,15 @@
 #include <optional>
 
 #include "BLRecords.h"
-#include "DamagedFile.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
-#include "PrivateFile.h"
+#include "Service/ServiceSettings.h"
 #include "RecordJson.h"
 #include "SMS/MessagesController.h"
 #include "SMS/SMSStorage.h"
 #include "SMS/SmsPduText.h"
 #include "SmsBoxCommand.h"
 #include "TerminalText.h"
-#include "UserDataFolder.h"
 
 namespace {
 
@@ -45,19 +42,10 @@ QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-// The tool's own settings: the storage for new messages and the validity period live in the worker only
-// while it runs, so every run applies them again.
-QSettings Settings() {
-    const QString path = UserDataFolder::configPath() + "/dialtone-cli.ini";
-    DamagedFile::checkSettingsFile(path);
-    return QSettings(path, QSettings::IniFormat);
-}
-
-void SaveSetting(const QString& key, const QVariant& value) {
-    QSettings settings = Settings();
-    settings.setValue(key, value);
-    settings.sync();
-    PrivateFile::restrict(settings.fileName());
+// The storage for new messages and the validity period live in the worker only while it runs, so every
+// run applies them again (the modem service applies them itself whenever the modem comes up).
+QVariant Setting(const QString& key, const QVariant& fallback = {}) {
+    return ServiceSettings::open()->value(key, fallback);
 }
 
 const std::map<std::string, int> kStorages{
@@ -108,7 +96,7 @@ int PrepareSms(ModemSession& session, MessagesController& messages) {
     bool registered = false;
     messages.useComputerInbox([&registered](const Outcome&) { registered = true; });
     session.await([&registered] { return registered; }, "keeping messages on the computer");
-    const int storage = Settings().value("sms/storage", SmsStorage::kModem).toInt();
+    const int storage = Setting(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt();
     if (storage != SmsStorage::kModem) {
         if (const int failed = Await(session, "choosing the storage for new messages",
                                      [&](auto done) { messages.setPreferredStorage(storage, done); }))
@@ -186,7 +174,7 @@ int Send(const CliContext& context, ModemSession& session, const std::string& ty
                                      [&](auto done) { messages.setStatusReport(true, done); }))
             return failed;
     }
-    const QString validity = Settings().value("sms/validity").toString();
+    const QString validity = Setting(ServiceSettings::kValidityKey).toString();
     if (const auto period = ParseValidity(validity.toStdString())) {
         if (const int failed = Await(session, "setting the validity period",
                                      [&](auto done) { messages.setValidity(*period, done); }))
@@ -313,7 +301,7 @@ int Storage(const CliContext& context, ModemSession& session, const std::string&
     if (const int failed = Await(session, "choosing the storage for new messages",
                                  [&](auto done) { messages.setPreferredStorage(storage, done); }))
         return failed;
-    SaveSetting("sms/storage", storage);
+    ServiceSettings::save(ServiceSettings::kStorageKey, storage);
     if (context.json)
         PrintJson({{"storage", name}});
     else
@@ -377,7 +365,7 @@ int Validity(const CliContext& context, ModemSession& session, const std::string
     if (const int failed = Await(session, "setting the validity period",
                                  [&](auto done) { messages.setValidity(period, done); }))
         return failed;
-    SaveSetting("sms/validity", Q(code));
+    ServiceSettings::save(ServiceSettings::kValidityKey, Q(code));
     if (context.json)
         PrintJson(VariantToJson(QVariant::fromValue(period)));
     else
@@ -437,7 +425,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
             return;
         }
         // Showing the choice needs no modem.
-        const std::string name = StorageName(Settings().value("sms/storage", SmsStorage::kModem).toInt());
+        const std::string name = StorageName(Setting(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt());
         if (context.json)
             PrintJson({{"storage", name}});
         else

@@ -20,14 +20,15 @@ public:
 
     // Whether the service runs on the bus or the bus can start it. False without a session bus.
     static bool serviceAvailable(const QDBusConnection& bus);
-    // The transport to the service on the session bus when it is available, else null (the caller uses
-    // the worker in its own process).
+    // The transport to the service on the session bus when it is available and this process was not
+    // given ports of its own (DIALTONE_DEV_DIR), else null: the caller uses the worker in its own process.
     static std::unique_ptr<ModemTransport> forSessionBus();
 
     void start() override;
     bool isReady() const override { return _ready; }
     int send(const QString& name, const QVariantMap& request) override;
     void listen(const QString& name) override;
+    bool ownerElsewhere() const override { return true; }
 
 private slots:
     void onNotification(const QString& name, const QVariantMap& info);

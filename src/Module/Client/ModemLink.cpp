@@ -126,7 +126,9 @@ void ModemLink::initNow(Reply reply) {
     }
     if (reply)
         _initReplies.push_back(std::move(reply));
-    sendInit();
+    // A transport still starting sends the init itself once it is ready (see start()).
+    if (_transport->isReady())
+        sendInit();
 }
 
 QVariantMap ModemLink::call(const QString& name, const QVariant& argument, int timeoutMs) {

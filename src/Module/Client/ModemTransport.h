@@ -20,6 +20,9 @@ public:
     virtual bool isReady() const = 0;
     // Sends the request; 0 once it is on its way, else a result code (nothing was sent).
     virtual int send(const QString& name, const QVariantMap& request) = 0;
+    // Whether the modem belongs to another process (the service), which keeps the traffic history and the
+    // link's state; this process then records nothing of it.
+    virtual bool ownerElsewhere() const { return false; }
     // Passes on the answers and reports of this name from now on (once per name is enough); an empty name
     // passes on everything.
     virtual void listen(const QString& name) = 0;

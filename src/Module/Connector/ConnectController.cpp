@@ -25,7 +25,9 @@ QDateTime g_currentDay;
 
 ConnectController::ConnectController(ModemLink& link, AppConfig* config, TrafficStatics* traffic,
                                      QObject* parent)
-    : QObject(parent), _link(link), _config(config), _traffic(traffic) {
+    : QObject(parent), _link(link), _config(config),
+      // The service that owns the modem keeps the history of every link, whoever dialled it.
+      _traffic(link.transport().ownerElsewhere() ? nullptr : traffic) {
     _statusTimer.setSingleShot(true);
     _statusTimer.setInterval(kStatusIntervalMs);
     connect(&_statusTimer, &QTimer::timeout, this, &ConnectController::actionTimerStatusChecker);

@@ -13,6 +13,9 @@
 #include "ModemLink.h"
 #include "PhoneNumbers.h"
 #include "SMS/MessagesController.h"
+#include "SMS/SmsPduText.h"
+#include "ServiceSettings.h"
+#include "SmsRecords.h"
 #include "ServiceBus.h"
 #include "Statistics/TrafficStatics.h"
 #include "StatusText.h"
@@ -42,8 +45,10 @@ ModemService::ModemService(const QDBusConnection& bus, int idleExitMs, QObject* 
     connect(&_link->transport(), &ModemTransport::unplugged, this,
             [this] { emit Notification(MESSAGE_USB_UNPLUGGED, {}); });
     connect(_link.get(), &ModemLink::stateChanged, this, [this](ModemLink::State state) {
-        if (state == ModemLink::State::Ready)
+        if (state == ModemLink::State::Ready) {
             onModemReady();
+            prepareMessages();
+        }
         refreshProperties();
     });
     connect(_link.get(), &ModemLink::networkChanged, this, &ModemService::refreshProperties);
@@ -115,6 +120,36 @@ void ModemService::onModemReady() {
     _messages = std::make_unique<MessagesController>(*_link);
     _profiles->chooseProfilesForSIM(_link->network().strSpName);
     _connect->modemInit();
+    // Every link shows, whoever dialled it; its traffic goes into the history here.
+    _connect->setupTimerToQueryConnectStatus();
+}
+
+void ModemService::prepareMessages() {
+    // Messages taken out of the modem go to the computer-side inbox; the storage and validity chosen with
+    // the tool hold again after every start. A step that fails leaves the modem's own defaults.
+    if (!_messages)
+        return;
+    MessagesController& messages = *_messages;
+    messages.initialise([&messages](const Outcome& initialised) {
+        if (!initialised.ok())
+            return;
+        messages.identify([&messages](const Outcome& identified) {
+            if (!identified.ok())
+                return;
+            messages.useComputerInbox([&messages](const Outcome&) {
+                const std::unique_ptr<QSettings> settings = ServiceSettings::open();
+                const int storage = settings->value(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt();
+                if (storage != SmsStorage::kModem)
+                    messages.setPreferredStorage(storage, [](const Outcome&) {});
+                const auto validity =
+                    SmsPduText::ParseValidity(settings->value(ServiceSettings::kValidityKey).toString().toStdString());
+                if (validity)
+                    messages.setValidity(BLSmsValidPeriod{validity->weeks, validity->days, validity->hours},
+                                         [](const Outcome&) {});
+                CNSLOG(0, "dialtoned: messages ready");
+            });
+        });
+    });
 }
 
 void ModemService::noteClient() {

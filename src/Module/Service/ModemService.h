@@ -90,6 +90,7 @@ private:
     void refreshProperties();
     void checkIdle();
     void onModemReady();
+    void prepareMessages();
     QVariantMap propertySnapshot() const;
 
     QDBusConnection _bus;
