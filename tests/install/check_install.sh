@@ -25,6 +25,11 @@ expected=(
     bin/dialtone
     bin/dialtone-modemsim
     bin/dialtone-gui
+    bin/dialtoned
+    share/dbus-1/services/org.dialtone.Modem1.service
+    share/dbus-1/interfaces/org.dialtone.Modem1.xml
+    lib/systemd/user/dialtoned.service
+    share/doc/dialtone/dbus-api.md
     share/dialtone/Resources/PredefinedProfile
     share/dialtone/Resources/PLMN
     share/dialtone/Resources/VELModemService
@@ -44,7 +49,11 @@ done
 policy="$stage$polkit_dir/org.dialtone.modemservice.policy"
 grep -q ">$prefix/share/dialtone/Resources/VELModemService<" "$policy" 2>/dev/null ||
     fail "polkit action missing in $polkit_dir or not naming the installed service tool"
-for program in bin/dialtone bin/dialtone-modemsim bin/dialtone-gui share/dialtone/Resources/VELModemService; do
+grep -qx "Exec=$prefix/bin/dialtoned" "$root/share/dbus-1/services/org.dialtone.Modem1.service" ||
+    fail "the bus activation file does not start the installed dialtoned"
+grep -qx "ExecStart=$prefix/bin/dialtoned" "$root/lib/systemd/user/dialtoned.service" ||
+    fail "the systemd user unit does not start the installed dialtoned"
+for program in bin/dialtone bin/dialtone-modemsim bin/dialtone-gui bin/dialtoned share/dialtone/Resources/VELModemService; do
     [[ -x "$root/$program" ]] || fail "$program is not executable"
 done
 
