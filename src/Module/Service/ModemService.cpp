@@ -169,9 +169,9 @@ void ModemService::noteClient() {
 }
 
 void ModemService::checkIdle() {
-    const QString link = connectionState();
-    const bool busy = !_clients.isEmpty() || link == QLatin1String("connecting") ||
-                      link == QLatin1String("connected") || link == QLatin1String("disconnecting");
+    const int link = _connect ? _connect->connectState() : ConnectController::kDisconnected;
+    const bool busy = !_clients.isEmpty() || link == ConnectController::kConnecting ||
+                      link == ConnectController::kConnected || link == ConnectController::kDisconnecting;
     if (busy || _idleExitMs <= 0) {
         _idleSince.restart();
         return;
@@ -282,6 +282,7 @@ int ModemService::Disconnect() {
 // ---- properties ----------------------------------------------------------------------------------------
 
 QString ModemService::modemState() const {
+    readByClient();
     switch (_link->state()) {
     case ModemLink::State::Absent:
         return QStringLiteral("absent");
@@ -295,6 +296,7 @@ QString ModemService::modemState() const {
 }
 
 QString ModemService::simState() const {
+    readByClient();
     switch (_link->state()) {
     case ModemLink::State::NeedPin:
         return QStringLiteral("pin");
@@ -312,20 +314,24 @@ QString ModemService::simState() const {
 }
 
 int ModemService::pinAttempts() const {
+    readByClient();
     return _link->pinAttempts();
 }
 
 int ModemService::pukAttempts() const {
+    readByClient();
     return _link->pukAttempts();
 }
 
 QString ModemService::operatorName() const {
+    readByClient();
     if (!_link->hasNetwork())
         return {};
     return QString::fromStdString(OperatorText(_link->network().strOperator, _link->network().strSpName));
 }
 
 int ModemService::signalLevel() const {
+    readByClient();
     if (!_link->hasNetwork())
         return -1;
     const int level = _link->network().nRssi;
@@ -333,14 +339,17 @@ int ModemService::signalLevel() const {
 }
 
 QString ModemService::bearer() const {
+    readByClient();
     return _link->hasNetwork() ? QString::fromStdString(BearerText(_link->network().nBearer)) : QString();
 }
 
 bool ModemService::roaming() const {
+    readByClient();
     return _link->hasNetwork() && _link->network().nRoamState == 1;
 }
 
 QString ModemService::connectionState() const {
+    readByClient();
     if (!_connect)
         return QStringLiteral("disconnected");
     const int state = _connect->connectState();
@@ -350,32 +359,45 @@ QString ModemService::connectionState() const {
 }
 
 uint ModemService::connectionDuration() const {
+    readByClient();
     return _connect ? _connect->latestStatistics().nDurationSeconds : 0;
 }
 
 qulonglong ModemService::bytesReceived() const {
+    readByClient();
     return _connect ? _connect->latestStatistics().nReceivedBytes : 0;
 }
 
 qulonglong ModemService::bytesSent() const {
+    readByClient();
     return _connect ? _connect->latestStatistics().nSentBytes : 0;
 }
 
 uint ModemService::receiveRate() const {
+    readByClient();
     return _connect ? _connect->latestStatistics().nReceivedBPS : 0;
 }
 
 uint ModemService::sendRate() const {
+    readByClient();
     return _connect ? _connect->latestStatistics().nSentBPS : 0;
 }
 
+void ModemService::readByClient() const {
+    // A panel that reads a property every few seconds keeps the service, as a client would.
+    if (!_snapshotting)
+        _idleSince.restart();
+}
+
 QVariantMap ModemService::propertySnapshot() const {
+    _snapshotting = true;
     QVariantMap snapshot;
     const QMetaObject* meta = metaObject();
     for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i) {
         const QMetaProperty property = meta->property(i);
         snapshot.insert(QString::fromLatin1(property.name()), property.read(this));
     }
+    _snapshotting = false;
     return snapshot;
 }
 

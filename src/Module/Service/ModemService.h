@@ -27,7 +27,7 @@ class TrafficStatics;
 //   SendSms, Connect, Disconnect              the common verbs with typed arguments
 //   Notification(s name, a{sv} info)          every report and every answer, for all clients
 //   properties with PropertiesChanged         the state panels and scripts read without polling
-// It ends itself after idleExitMs without clients while no link is up (0: never).
+// It ends itself after idleExitMs without clients and property reads while no link is up (0: never).
 class ModemService : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.dialtone.Modem1")
@@ -74,7 +74,10 @@ public:
     qulonglong bytesSent() const;
     uint receiveRate() const;
     uint sendRate() const;
-    uint clients() const { return static_cast<uint>(_clients.size()); }
+    uint clients() const {
+        readByClient();
+        return static_cast<uint>(_clients.size());
+    }
 
 public slots:
     QVariantMap Request(const QString& name, const QVariantMap& request);
@@ -92,6 +95,7 @@ private:
     void onModemReady();
     void prepareMessages();
     QVariantMap propertySnapshot() const;
+    void readByClient() const;
 
     QDBusConnection _bus;
     int _idleExitMs;
@@ -103,7 +107,8 @@ private:
     QDBusServiceWatcher _clientWatcher;
     QSet<QString> _clients;
     QTimer _refreshTimer;
-    QElapsedTimer _idleSince;
+    mutable QElapsedTimer _idleSince;
+    mutable bool _snapshotting = false;
     QVariantMap _published;
     bool _connectorStarted = false;
     std::function<void()> _onIdle;
