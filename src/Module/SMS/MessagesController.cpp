@@ -30,6 +30,8 @@ MessagesController::MessagesController(ModemLink& link, QObject* parent) : QObje
     qRegisterMetaType<MessagesController::Outcome>();
     _link.listenForReport(MESSAGE_RPT_RECEIVE_SMS);
     _link.listenForReport(MESSAGE_RPT_SMS_RELIST);
+    // Through the modem service, the answers to other clients' sends (the tool's, a script's).
+    _link.listenForReport(MESSAGE_SMS_SEND);
     connect(&_link, &ModemLink::reportReceived, this, &MessagesController::onReport);
 }
 
@@ -297,6 +299,12 @@ void MessagesController::onReport(const QString& name, const QVariantMap& data) 
                 keepListing(items);
             emit relisted(items);
         });
+        return;
+    }
+    if (name == MESSAGE_SMS_SEND) {
+        const QVariant sent = WorkNotification::GetValueObject(data.value(USER_INFO).toMap());
+        if (WorkNotification::GetErrorCode(data) == WORKER_OK && sent.metaType() == QMetaType::fromType<BLSmsSendItem>())
+            emit sentElsewhere(sent.value<BLSmsSendItem>());
         return;
     }
     if (name != MESSAGE_RPT_RECEIVE_SMS)

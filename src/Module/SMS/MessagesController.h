@@ -123,6 +123,8 @@ signals:
     void deliveryMatched(const BLSmsListItem& report, const MessageItem& sent, bool saved);
     // The modem fell behind a burst of new messages and listed its table again: it holds them all.
     void relisted(const QList<BLSmsListItem>& items);
+    // Another client of the modem service sent this message.
+    void sentElsewhere(const BLSmsSendItem& item);
 
 private:
     void ask(const QString& name, const QVariant& argument, Done done);

@@ -230,6 +230,10 @@ void MessagesPlugin::bindController() {
         refreshList();
     });
     connect(&_messages, &MessagesController::contactsChanged, this, &MessagesPlugin::refreshList);
+    // What the tool or a script sent through the modem service is kept as if sent from here.
+    connect(&_messages, &MessagesController::sentElsewhere, this, [this](const BLSmsSendItem& item) {
+        keepLocal({item.strNumber}, item.strContent, SMS_BOX_SENDBOX, std::nullopt);
+    });
     connect(&_messages, &MessagesController::followFailed, this,
             [this](MessagesController::Step step, const MessagesController::Outcome& outcome) {
                 setBusy(false);
