@@ -40,9 +40,14 @@ ConnectController::ConnectController(ModemLink& link, AppConfig* config, Traffic
     }
 
     _link.listenForReport(MESSAGE_CONNECT_STATUS);
+    // The modem service polls the link and passes on what changes: a client of it follows that.
+    if (link.transport().ownerElsewhere())
+        _link.listenForReport(MESSAGE_CONNECT_GET_STATISTICS);
     connect(&_link, &ModemLink::reportReceived, this, [this](const QString& name, const QVariantMap& data) {
         if (name == MESSAGE_CONNECT_STATUS)
             handleConnectStatus(data);
+        else if (name == MESSAGE_CONNECT_GET_STATISTICS)
+            handleConnectStatistics(data);
     });
     NotificationCenter& center = NotificationCenter::defaultCenter();
     center.addObserver(CONNECTION_UPDATE_PROFILE, this,
@@ -247,6 +252,8 @@ void ConnectController::disconnectSheetDidEnd(int returnCode) {
 }
 
 void ConnectController::setupTimerToQueryConnectStatus() {
+    if (_link.transport().ownerElsewhere())
+        return; // the service's reports come instead
     _statusTimer.start();
 }
 

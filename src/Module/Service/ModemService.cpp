@@ -72,6 +72,7 @@ ModemService::ModemService(const QDBusConnection& bus, int idleExitMs, QObject* 
 }
 
 ModemService::~ModemService() {
+    NotificationCenter::defaultCenter().removeObserver(this);
     if (_connect)
         _connect->applicationWillTerminate(); // the pending traffic goes into the history
     _messages.reset();
@@ -120,8 +121,21 @@ void ModemService::onModemReady() {
     _messages = std::make_unique<MessagesController>(*_link);
     _profiles->chooseProfilesForSIM(_link->network().strSpName);
     _connect->modemInit();
-    // Every link shows, whoever dialled it; its traffic goes into the history here.
+    // Every link shows, whoever dialled it; its traffic goes into the history here. What changes reaches
+    // the clients as the answers they would have polled for.
     _connect->setupTimerToQueryConnectStatus();
+    NotificationCenter::defaultCenter().addObserver(
+        NOTIFY_TRAFFIC_STATISTICS, this, [this](const ::Notification& posted) {
+            const QVariant sample = posted.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS);
+            const int state = _connect->connectState();
+            if (state == _broadcastState && sample == _broadcastSample)
+                return;
+            _broadcastState = state;
+            _broadcastSample = sample;
+            emit Notification(MESSAGE_CONNECT_STATUS, ServiceBus::toBus({{VALUE_OBJECT, state}}));
+            emit Notification(MESSAGE_CONNECT_GET_STATISTICS, ServiceBus::toBus({{VALUE_OBJECT, sample}}));
+            refreshProperties();
+        });
 }
 
 void ModemService::prepareMessages() {
@@ -208,6 +222,18 @@ QVariantMap ModemService::Request(const QString& name, const QVariantMap& reques
     // The service keeps the modem up: a client's init is answered from its own.
     if (name == MESSAGE_INIT_WORK_THREAD) {
         _link->initNow(answer);
+        return {};
+    }
+    // The worker's counters give rates since the previous sample (and zeros twice in one second): the
+    // service's own poll takes them once a second, everybody else gets its latest sample. It is answered
+    // behind a status read, so that answers keep the order of the requests.
+    if (name == MESSAGE_CONNECT_GET_STATISTICS && _connect) {
+        _link->request(
+            MESSAGE_CONNECT_STATUS, {},
+            [this, answer](const QVariantMap&) {
+                answer({{ERROR_CODE, WORKER_OK}, {VALUE_OBJECT, QVariant::fromValue(_connect->latestStatistics())}});
+            },
+            this);
         return {};
     }
     _link->request(name, arguments.value(VALUE_OBJECT), answer, this);

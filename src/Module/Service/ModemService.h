@@ -111,5 +111,7 @@ private:
     mutable bool _snapshotting = false;
     QVariantMap _published;
     bool _connectorStarted = false;
+    int _broadcastState = -2; // the link's state and counters the clients were last told
+    QVariant _broadcastSample;
     std::function<void()> _onIdle;
 };
