@@ -160,6 +160,9 @@ void ModemService::prepareMessages() {
                 if (validity)
                     messages.setValidity(BLSmsValidPeriod{validity->weeks, validity->days, validity->hours},
                                          [](const Outcome&) {});
+                // The worker reports new messages only once it has listed the storages; without this a
+                // message arriving before any client lists would never be signalled.
+                messages.list([](const Outcome&, const QList<BLSmsListItem>&) {});
                 CNSLOG(0, "dialtoned: messages ready");
             });
         });
