@@ -1,0 +1,204 @@
+// dialtoned with several clients over its life: at once, killed in the middle, the service itself killed,
+// ending when idle, the tool's fallback to its own worker, and a call from another user.
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <QDBusMessage>
+
+#include <cstdio>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "BusTransport.h"
+#include "ServiceWorld.h"
+
+using namespace servicetest;
+using nlohmann::json;
+
+namespace {
+
+// How many commands starting with commandStart the modem has been sent.
+int ModemSaw(const clitest::SimulatedModem& modem, const std::string& commandStart) {
+    int seen = 0;
+    for (const json& command : modem.dump().value("commands", json::array()))
+        seen += command.get<std::string>().rfind(commandStart, 0) == 0;
+    return seen;
+}
+
+// Runs a shell command, returning its exit status and what it printed (both streams).
+std::pair<int, std::string> Shell(const std::string& command) {
+    std::string output;
+    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+    if (pipe == nullptr)
+        return {-1, {}};
+    char buffer[1024];
+    for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+        output.append(buffer, n);
+    const int status = pclose(pipe);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+}
+
+} // namespace
+
+TEST(ServiceClients, TwoToolsAtOnceAndAWatchSeesAMessageWhileAnotherCommandRuns) {
+    ServiceWorld world;
+    ASSERT_TRUE(world.ready());
+    {
+        const auto first = world.start({"--json", "status"});
+        const auto second = world.start({"--json", "network", "info"});
+        const clitest::Outcome a = first->finish();
+        const clitest::Outcome b = second->finish();
+        EXPECT_EQ(a.status, 0) << a.err;
+        EXPECT_EQ(b.status, 0) << b.err;
+    }
+
+    // The watch has read the message table once the service has answered its list.
+    NotificationLog log;
+    ASSERT_TRUE(world.listen(log));
+    const auto watch = world.start({"--json", "--wait", "60", "sms", "watch"});
+    ASSERT_TRUE(WaitFor(
+        [&] {
+            return log.seen(QStringLiteral("MESSAGE_SMS_GET_LIST"), [](const QVariantMap& info) {
+                return info.value(QStringLiteral("USER_INFO")).toMap().contains(QStringLiteral("CLIENT"));
+            });
+        },
+        30s));
+    const auto other = world.start({"network", "info"});
+    ASSERT_TRUE(world.modem.command("sms +4915112345678 Seen by the watch").value("ok", false));
+    const clitest::Outcome during = other->finish();
+    EXPECT_EQ(during.status, 0) << during.err;
+    EXPECT_TRUE(WaitFor([&] { return watch->output().find("Seen by the watch") != std::string::npos; }, 30s))
+        << watch->output();
+    kill(watch->pid(), SIGINT);
+    const clitest::Outcome watched = watch->finish();
+    EXPECT_EQ(watched.status, 0) << watched.err;
+}
+
+TEST(ServiceClients, AClientKilledInTheMiddleLeavesTheServiceWorking) {
+    ServiceWorld world;
+    ASSERT_TRUE(world.ready());
+    ASSERT_TRUE(WaitFor([&] { return world.property(QStringLiteral("ModemState")) == "ready"; }, 30s));
+    // clang-format off
+    struct Row { std::vector<std::string> command; std::string middle; };
+    const std::vector<Row> rows = {
+        {{"--wait", "60", "sms", "watch"}, "AT+CMGL"},   // waiting for signals
+        {{"network", "scan"}, "AT+COPS=?"},               // its answer still to come
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.command[row.command.size() - 2] + " " + row.command.back());
+        const int before = ModemSaw(world.modem, row.middle);
+        const auto client = world.start(row.command);
+        ASSERT_TRUE(WaitFor([&] { return ModemSaw(world.modem, row.middle) > before; }, 30s));
+        ASSERT_TRUE(WaitFor([&] { return world.property(QStringLiteral("Clients")) == 1u; }, 10s));
+        kill(client->pid(), SIGKILL);
+        client->finish();
+        EXPECT_TRUE(WaitFor([&] { return world.property(QStringLiteral("Clients")) == 0u; }, 10s));
+        const clitest::Outcome next = world.dialtone({"--json", "status"});
+        EXPECT_EQ(next.status, 0) << next.err;
+        EXPECT_EQ(clitest::Parse(next.out)["diagInfo"]["strSpName"], "Vodafone.de") << next.out;
+    }
+}
+
+TEST(ServiceLife, AServiceKilledIsStartedAgainByTheNextClient) {
+    ServiceWorld world;
+    ASSERT_TRUE(world.ready());
+    ASSERT_EQ(world.dialtone({"status"}).status, 0);
+    const pid_t killed = world.servicePid();
+    ASSERT_GT(killed, 0);
+    kill(killed, SIGKILL);
+    ASSERT_TRUE(world.waitForServiceExit(killed, 10s));
+
+    const clitest::Outcome status = world.dialtone({"--json", "status"});
+    EXPECT_EQ(status.status, 0) << status.err;
+    EXPECT_EQ(clitest::Parse(status.out)["diagInfo"]["strSpName"], "Vodafone.de") << status.out;
+    const pid_t restarted = world.servicePid();
+    EXPECT_GT(restarted, 0);
+    EXPECT_NE(restarted, killed);
+}
+
+TEST(ServiceLife, EndsByItselfOnceTheLastClientHasLeft) {
+    ServiceWorld world("--idle-exit 2");
+    ASSERT_TRUE(world.ready());
+    ASSERT_EQ(world.dialtone({"status"}).status, 0);
+    const pid_t first = world.servicePid();
+    ASSERT_GT(first, 0);
+    // The property reads of the other tests would keep it: only the process is watched here.
+    EXPECT_TRUE(world.waitForServiceExit(first, 30s)) << "still running with no client";
+
+    // A client that stays on the bus keeps it well past the idle time.
+    const QDBusMessage reply =
+        world.call(QStringLiteral("Request"), {QStringLiteral("MESSAGE_NETWORK_GET_INFO"), QVariantMap()});
+    ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
+    const pid_t second = world.servicePid();
+    ASSERT_GT(second, 0);
+    EXPECT_FALSE(world.waitForServiceExit(second, 6s)) << "ended while a client was connected";
+    world.bus.leave();
+    EXPECT_TRUE(world.waitForServiceExit(second, 30s)) << "still running after its client left";
+}
+
+TEST(ServiceFallback, TheServiceIsOfferedOnlyWhereTheBusHasOrCanStartIt) {
+    clitest::SimulatedModem modem;
+    ASSERT_TRUE(modem.ready());
+    PrivateBus activating(DIALTONE_SERVICES_DIR, modem.devDir.path, modem.home.path);
+    PrivateBus bare({}, modem.devDir.path, modem.home.path);
+    // clang-format off
+    struct Row { const char* what; QDBusConnection bus; bool available; };
+    const std::vector<Row> rows = {
+        {"no bus", QDBusConnection(QStringLiteral("servicetest-none")), false},
+        {"a bus without the service", bare.connection(), false},
+        {"a bus that can start it", activating.connection(), true},
+    };
+    // clang-format on
+    for (const Row& row : rows)
+        EXPECT_EQ(BusTransport::serviceAvailable(row.bus), row.available) << row.what;
+}
+
+TEST(ServiceFallback, PortsNamedForTheToolAreOpenedByTheToolItself) {
+    ServiceWorld world;
+    ASSERT_TRUE(world.ready());
+    const std::string dev = world.modem.devDir.path;
+    // clang-format off
+    struct Row { std::vector<std::string> arguments; std::vector<std::string> environment; };
+    const std::vector<Row> rows = {
+        {{"--no-service", "--dev-dir", dev, "--json", "status"}, {}},
+        {{"--dev-dir", dev, "--json", "status"}, {}},
+        {{"--json", "status"}, {"DIALTONE_DEV_DIR=" + dev}},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        std::vector<std::string> environment = world.clientEnvironment();
+        environment.insert(environment.end(), row.environment.begin(), row.environment.end());
+        const clitest::Outcome status = Child(row.arguments, environment).finish();
+        EXPECT_EQ(status.status, 0) << status.err;
+        EXPECT_EQ(clitest::Parse(status.out)["diagInfo"]["strSpName"], "Vodafone.de") << status.out;
+    }
+    EXPECT_EQ(world.servicePid(), -1) << "the bus started the service for a tool with its own ports";
+}
+
+TEST(ServiceAccess, AnotherUsersCallIsRefused) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "needs root to make a call as another user";
+    if (Shell("command -v busctl").first != 0)
+        GTEST_SKIP() << "busctl is not installed";
+    ServiceWorld world;
+    ASSERT_TRUE(world.ready());
+    ASSERT_TRUE(WaitFor([&] { return world.property(QStringLiteral("ModemState")) == "ready"; }, 30s));
+    const std::string call = "busctl --address=" + clitest::Quote(world.bus.address) +
+                             " call org.dialtone.Modem1 /org/dialtone/Modem1 org.dialtone.Modem1 Request"
+                             " 'sa{sv}' MESSAGE_NETWORK_GET_INFO 0";
+    // clang-format off
+    struct Row { std::string prefix; bool answered; };
+    const std::vector<Row> rows = {
+        {"", true},
+        {"setpriv --reuid=nobody --regid=nogroup --clear-groups ", false},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        const auto [status, output] = Shell(row.prefix + call);
+        EXPECT_EQ(status == 0, row.answered) << row.prefix << ": " << output;
+        EXPECT_EQ(output.find("BLNetworkInfo") != std::string::npos, row.answered) << output;
+    }
+}
