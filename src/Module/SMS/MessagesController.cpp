@@ -32,6 +32,7 @@ MessagesController::MessagesController(ModemLink& link, QObject* parent) : QObje
     _link.listenForReport(MESSAGE_RPT_SMS_RELIST);
     // Through the modem service, the answers to other clients' sends (the tool's, a script's).
     _link.listenForReport(MESSAGE_SMS_SEND);
+    _link.listenForReport(MESSAGE_SMS_GET_LIST);
     connect(&_link, &ModemLink::reportReceived, this, &MessagesController::onReport);
 }
 
@@ -305,6 +306,13 @@ void MessagesController::onReport(const QString& name, const QVariantMap& data) 
         const QVariant sent = WorkNotification::GetValueObject(data.value(USER_INFO).toMap());
         if (WorkNotification::GetErrorCode(data) == WORKER_OK && sent.metaType() == QMetaType::fromType<BLSmsSendItem>())
             emit sentElsewhere(sent.value<BLSmsSendItem>());
+        return;
+    }
+    if (name == MESSAGE_SMS_GET_LIST) {
+        // Another client of the modem service listed the table: a message that came in meanwhile is in
+        // that list and is never reported on its own.
+        if (!_following && OutcomeOf(data).ok())
+            emit relisted(RecordList<BLSmsListItem>(WorkNotification::GetValueObject(data)));
         return;
     }
     if (name != MESSAGE_RPT_RECEIVE_SMS)
