@@ -106,7 +106,8 @@ TEST(ServiceClients, AClientKilledInTheMiddleLeavesTheServiceWorking) {
 TEST(ServiceLife, AServiceKilledIsStartedAgainByTheNextClient) {
     ServiceWorld world;
     ASSERT_TRUE(world.ready());
-    ASSERT_EQ(world.dialtone({"status"}).status, 0);
+    const clitest::Outcome first = world.dialtone({"status"});
+    ASSERT_EQ(first.status, 0) << first.err;
     const pid_t killed = world.servicePid();
     ASSERT_GT(killed, 0);
     kill(killed, SIGKILL);
@@ -123,7 +124,8 @@ TEST(ServiceLife, AServiceKilledIsStartedAgainByTheNextClient) {
 TEST(ServiceLife, EndsByItselfOnceTheLastClientHasLeft) {
     ServiceWorld world("--idle-exit 2");
     ASSERT_TRUE(world.ready());
-    ASSERT_EQ(world.dialtone({"status"}).status, 0);
+    const clitest::Outcome status = world.dialtone({"status"});
+    ASSERT_EQ(status.status, 0) << status.err;
     const pid_t first = world.servicePid();
     ASSERT_GT(first, 0);
     // The property reads of the other tests would keep it: only the process is watched here.
