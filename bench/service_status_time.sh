@@ -27,11 +27,20 @@ sim_pid=
 bus_pid=
 service_pid=
 cleanup() {
-    [ -n "$service_pid" ] && kill "$service_pid" 2>/dev/null
+    status=$?
+    if [ -n "$service_pid" ] && kill "$service_pid" 2>/dev/null; then
+        # It saves its files on the way out; the bus, not this script, is its parent.
+        tries=0
+        while [ -d "/proc/$service_pid" ] && [ "$tries" -lt 100 ]; do
+            sleep 0.1
+            tries=$((tries + 1))
+        done
+    fi
     [ -n "$bus_pid" ] && kill "$bus_pid" 2>/dev/null
     [ -n "$sim_pid" ] && kill "$sim_pid" 2>/dev/null
     wait 2>/dev/null
-    rm -rf "$work"
+    rm -rf "$work" || true
+    exit "$status"
 }
 trap cleanup EXIT
 mkdir -p "$work/dev" "$work/home" "$work/services"
