@@ -310,9 +310,14 @@ void MessagesController::onReport(const QString& name, const QVariantMap& data) 
     }
     if (name == MESSAGE_SMS_GET_LIST) {
         // Another client of the modem service listed the table: a message that came in meanwhile is in
-        // that list and is never reported on its own.
-        if (!_following && OutcomeOf(data).ok())
-            emit relisted(RecordList<BLSmsListItem>(WorkNotification::GetValueObject(data)));
+        // that list and is never reported on its own. Taken as it is: listing again here would make two
+        // followers set each other off.
+        if (!OutcomeOf(data).ok() || (_following && !_loaded))
+            return;
+        const QList<BLSmsListItem> items = RecordList<BLSmsListItem>(WorkNotification::GetValueObject(data));
+        if (_following)
+            keepListing(items);
+        emit relisted(items);
         return;
     }
     if (name != MESSAGE_RPT_RECEIVE_SMS)

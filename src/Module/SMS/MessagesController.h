@@ -121,8 +121,8 @@ signals:
     // While following: a status report was matched to the sent message it answers (saved: whether the
     // sent box could be written).
     void deliveryMatched(const BLSmsListItem& report, const MessageItem& sent, bool saved);
-    // The modem fell behind a burst of new messages and listed its table again, or (while not following)
-    // another client of the modem service listed it: it holds them all.
+    // The modem fell behind a burst of new messages and listed its table again, or another client of the
+    // modem service listed it: it holds them all.
     void relisted(const QList<BLSmsListItem>& items);
     // Another client of the modem service sent this message.
     void sentElsewhere(const BLSmsSendItem& item);
