@@ -7,6 +7,8 @@
 #include <QDBusMessage>
 
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -204,4 +206,60 @@ TEST(ServiceAccess, AnotherUsersCallIsRefused) {
         EXPECT_EQ(status == 0, row.answered) << row.prefix << ": " << output;
         EXPECT_EQ(output.find("BLNetworkInfo") != std::string::npos, row.answered) << output;
     }
+}
+
+TEST(ServiceLife, ALinkOutlivesTheServiceAndTheNextOneFindsItsCounters) {
+    ServiceWorld world;
+    ASSERT_TRUE(world.ready());
+    const clitest::Outcome connected = world.dialtone({"--wait", "20", "connect"});
+    ASSERT_EQ(connected.status, 0) << connected.err;
+    const std::string counters = world.modem.home.path + "/ppp/net/ppp0/statistics";
+    std::filesystem::create_directories(counters);
+    std::ofstream(counters + "/tx_bytes") << "1000\n";
+    std::ofstream(counters + "/rx_bytes") << "5000\n";
+    const auto received = [&] { return world.property(QStringLiteral("BytesReceived")).toULongLong() == 5000; };
+    ASSERT_TRUE(WaitFor(received, 10s));
+
+    const pid_t killed = world.servicePid();
+    kill(killed, SIGKILL);
+    ASSERT_TRUE(world.waitForServiceExit(killed, 10s));
+    const clitest::Outcome status = world.dialtone({"--json", "status"});
+    EXPECT_EQ(clitest::Parse(status.out).value("connectStatus", -9), 2) << status.out << status.err;
+    EXPECT_TRUE(WaitFor(received, 10s));
+    const clitest::Outcome disconnected = world.dialtone({"--json", "disconnect"});
+    EXPECT_EQ(disconnected.status, 0) << disconnected.err;
+    EXPECT_EQ(clitest::Parse(disconnected.out).value("nReceivedBytes", 0ull), 5000u) << disconnected.out;
+    EXPECT_TRUE(WaitFor([&] { return world.property(QStringLiteral("ConnectionState")) == "disconnected"; }, 10s));
+}
+
+TEST(ServiceClients, TwoClientsFollowTheModemThroughUnplugAndReplug) {
+    ServiceWorld world;
+    ASSERT_TRUE(world.ready());
+    NotificationLog log;
+    ASSERT_TRUE(world.listen(log));
+    const auto state = [&](const char* expected) {
+        return WaitFor([&] { return world.property(QStringLiteral("ModemState")) == expected; }, 30s);
+    };
+    ASSERT_TRUE(state("ready"));
+    // The watch follows once its list is answered (a stick pulled before that ends it).
+    const auto watch = world.start({"--json", "--wait", "60", "sms", "watch"});
+    ASSERT_TRUE(WaitFor(
+        [&] {
+            return log.seen(QStringLiteral("MESSAGE_SMS_GET_LIST"), [](const QVariantMap& info) {
+                return info.value(QStringLiteral("USER_INFO")).toMap().contains(QStringLiteral("CLIENT"));
+            });
+        },
+        30s));
+
+    ASSERT_TRUE(world.modem.command("unplug").value("ok", false));
+    ASSERT_TRUE(state("absent"));
+    ASSERT_TRUE(world.modem.command("plug").value("ok", false));
+    ASSERT_TRUE(state("ready"));
+    ASSERT_TRUE(world.modem.command("sms +4915112345678 After the replug").value("ok", false));
+    EXPECT_TRUE(log.seen(QStringLiteral("MESSAGE_USB_UNPLUGGED"), [](const QVariantMap&) { return true; }));
+    EXPECT_TRUE(WaitFor([&] { return watch->output().find("After the replug") != std::string::npos; }, 30s))
+        << watch->output();
+    kill(watch->pid(), SIGINT);
+    const clitest::Outcome watched = watch->finish();
+    EXPECT_EQ(watched.status, 0) << watched.err;
 }

@@ -72,6 +72,11 @@ void NotificationLog::take(const QString& name, const QDBusMessage& message) {
     _seen.emplace_back(name, Plain(message.arguments().value(1)));
 }
 
+const std::pair<const char*, const char*> kPppFolders[] = {{"DIALTONE_PEERS_DIR", "peers"},
+                                                          {"DIALTONE_PPP_RUN_DIR", "run"},
+                                                          {"DIALTONE_NET_DIR", "net"},
+                                                          {"DIALTONE_CHATSCRIPTS_DIR", "chatscripts"}};
+
 bool WaitFor(const std::function<bool()>& cond, std::chrono::milliseconds limit) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     while (std::chrono::steady_clock::now() < deadline) {
@@ -90,6 +95,8 @@ std::string WriteServicesDir(const std::string& dir, const std::string& argument
 }
 
 PrivateBus::PrivateBus(const std::string& servicesDir, const std::string& devDir, const std::string& home) {
+    for (const auto& [variable, folder] : kPppFolders)
+        fs::create_directories(home + "/ppp/" + folder);
     const std::string config = _files.path + "/bus.conf";
     std::ofstream(config)
         << "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
@@ -103,9 +110,13 @@ PrivateBus::PrivateBus(const std::string& servicesDir, const std::string& devDir
         return;
     _pid = fork();
     if (_pid == 0) {
-        // What the activated service sees: the simulator's ports and a scratch HOME.
+        // What the activated service sees: the simulator's ports, a scratch HOME, and pppd's folders and
+        // the stand-in pppd under it (the service sets up the dial-up service once the modem is ready).
         setenv("DIALTONE_DEV_DIR", devDir.c_str(), 1);
         setenv("HOME", home.c_str(), 1);
+        for (const auto& [variable, folder] : kPppFolders)
+            setenv(variable, (home + "/ppp/" + folder).c_str(), 1);
+        setenv("DIALTONE_PPPD", DIALTONE_FAKE_PPPD, 1);
         unsetenv("DBUS_SESSION_BUS_ADDRESS");
         dup2(out[1], STDOUT_FILENO);
         // Its log (activations, the fd limit it may not raise) stays with the bus's files.

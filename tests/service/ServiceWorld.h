@@ -24,6 +24,9 @@ namespace servicetest {
 
 using namespace std::chrono_literals;
 
+// pppd's folders as the service finds them under the world's HOME ("<home>/ppp/<folder>").
+extern const std::pair<const char*, const char*> kPppFolders[4];
+
 // Runs Qt's events (signals from the bus arrive that way) until cond holds or the limit passes.
 bool WaitFor(const std::function<bool()>& cond, std::chrono::milliseconds limit);
 

@@ -144,13 +144,13 @@ void ModemService::prepareMessages() {
     if (!_messages)
         return;
     MessagesController& messages = *_messages;
-    messages.initialise([&messages](const Outcome& initialised) {
+    messages.initialise([this, &messages](const Outcome& initialised) {
         if (!initialised.ok())
             return;
-        messages.identify([&messages](const Outcome& identified) {
+        messages.identify([this, &messages](const Outcome& identified) {
             if (!identified.ok())
                 return;
-            messages.useComputerInbox([&messages](const Outcome&) {
+            messages.useComputerInbox([this, &messages](const Outcome&) {
                 const std::unique_ptr<QSettings> settings = ServiceSettings::open();
                 const int storage = settings->value(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt();
                 if (storage != SmsStorage::kModem)
@@ -162,7 +162,13 @@ void ModemService::prepareMessages() {
                                          [](const Outcome&) {});
                 // The worker reports new messages only once it has listed the storages; without this a
                 // message arriving before any client lists would never be signalled.
-                messages.list([](const Outcome&, const QList<BLSmsListItem>&) {});
+                // Clients take the list as the table: a message that came in while it was read is in it and
+                // is never reported on its own.
+                messages.list([this](const Outcome& listed, const QList<BLSmsListItem>& items) {
+                    if (listed.ok())
+                        emit Notification(MESSAGE_SMS_GET_LIST,
+                                          ServiceBus::toBus({{VALUE_OBJECT, QVariant::fromValue(items)}}));
+                });
                 CNSLOG(0, "dialtoned: messages ready");
             });
         });
