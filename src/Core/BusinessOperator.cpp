@@ -330,6 +330,16 @@ int BusinessOperator::NetworkGetInfo(QVariantMap& response) {
     return result;
 }
 
+int BusinessOperator::NetworkGetSignalDbm(QVariantMap& response) {
+    int value = 0;
+    const int result = _pAtSubLayer->NetworkGetSignalDBValue(value);
+    if (result == 0) {
+        // The sublayer gives the figure without its sign; a modem's nonsense stays within the plausible.
+        WorkNotification::SetValueObject(response, static_cast<int>(std::clamp(-static_cast<long long>(value), -200LL, 0LL)));
+    }
+    return result;
+}
+
 int BusinessOperator::NetworkGetList(QVariantMap& response) {
     std::list<TNetworkListItem> items;
     const int result = _pAtSubLayer->NetworkGetList(items);

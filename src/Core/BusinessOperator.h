@@ -49,6 +49,7 @@ public:
 
     // Network.
     int NetworkGetInfo(QVariantMap& response);
+    int NetworkGetSignalDbm(QVariantMap& response);
     int NetworkGetList(QVariantMap& response);
     int NetworkSet(const QVariantMap& request);
     int NetworkInit();

@@ -37,6 +37,7 @@ TEST(ServiceApi, StatusStartsTheServiceWhichAnswersRequestsAndProperties) {
         {QStringLiteral("SimState"), QStringLiteral("ready")},
         {QStringLiteral("Operator"), QStringLiteral("Vodafone.de (26202)")},
         {QStringLiteral("SignalLevel"), 4},
+        {QStringLiteral("SignalDbm"), -78},  // +CSQ: 18
         {QStringLiteral("ConnectionState"), QStringLiteral("disconnected")},
         {QStringLiteral("Clients"), 1u},
     };

@@ -51,7 +51,18 @@ ModemService::ModemService(const QDBusConnection& bus, int idleExitMs, QObject* 
         }
         refreshProperties();
     });
-    connect(_link.get(), &ModemLink::networkChanged, this, &ModemService::refreshProperties);
+    // The dBm figure is read with each network poll of the link (every few seconds while the modem is up).
+    connect(_link.get(), &ModemLink::networkChanged, this, [this] {
+        _link->request(
+            MESSAGE_NETWORK_GET_SIGNAL_DBM, {},
+            [this](const QVariantMap& response) {
+                _signalDbm = WorkNotification::GetErrorCode(response) == WORKER_OK
+                                 ? WorkNotification::GetValueObject(response).toInt()
+                                 : 0;
+                refreshProperties();
+            },
+            this);
+    });
     connect(_link.get(), &ModemLink::simChecked, this, &ModemService::refreshProperties);
 
     _clientWatcher.setConnection(_bus);
@@ -371,6 +382,11 @@ int ModemService::signalLevel() const {
         return -1;
     const int level = _link->network().nRssi;
     return level >= 0 && level <= 5 ? level : -1;
+}
+
+int ModemService::signalDbm() const {
+    readByClient();
+    return _link->hasNetwork() ? _signalDbm : 0;
 }
 
 QString ModemService::bearer() const {

@@ -37,6 +37,7 @@ class ModemService : public QObject, protected QDBusContext {
     Q_PROPERTY(int PukAttempts READ pukAttempts)
     Q_PROPERTY(QString Operator READ operatorName)
     Q_PROPERTY(int SignalLevel READ signalLevel)
+    Q_PROPERTY(int SignalDbm READ signalDbm)
     Q_PROPERTY(QString Bearer READ bearer)
     Q_PROPERTY(bool Roaming READ roaming)
     Q_PROPERTY(QString ConnectionState READ connectionState)
@@ -66,6 +67,7 @@ public:
     int pukAttempts() const;
     QString operatorName() const;
     int signalLevel() const;
+    int signalDbm() const;
     QString bearer() const;
     bool roaming() const;
     QString connectionState() const;
@@ -111,6 +113,7 @@ private:
     mutable bool _snapshotting = false;
     QVariantMap _published;
     bool _connectorStarted = false;
+    int _signalDbm = 0;
     int _broadcastState = -2; // the link's state and counters the clients were last told
     QVariant _broadcastSample;
     std::function<void()> _onIdle;
