@@ -105,6 +105,22 @@ TEST(ServiceClients, AClientKilledInTheMiddleLeavesTheServiceWorking) {
     }
 }
 
+// A USSD dialogue belongs to the modem: a script opens a menu, the tool ends it.
+TEST(ServiceClients, AnotherProcessEndsTheUssdDialogue) {
+    ServiceWorld world;
+    ASSERT_TRUE(world.ready());
+    ASSERT_EQ(world.dialtone({"status"}).status, 0);
+    const QVariantMap menu{{QStringLiteral("class"), QStringLiteral("BLUssdSendCmdInfo")},
+                           {QStringLiteral("strCmdString"), QStringLiteral("*135#")}};
+    world.call(QStringLiteral("Request"),
+               {QStringLiteral("MESSAGE_USSD_SENDCMD"), QVariantMap{{QStringLiteral("VALUE_OBJECT"), menu}}});
+    const auto open = [&] { return world.modem.dump()["ussd"].value("session", false); };
+    ASSERT_TRUE(WaitFor(open, 10s));
+    const clitest::Outcome cancelled = world.dialtone({"ussd", "--cancel"});
+    EXPECT_EQ(cancelled.status, 0) << cancelled.err;
+    EXPECT_FALSE(open());
+}
+
 TEST(ServiceLife, AServiceKilledIsStartedAgainByTheNextClient) {
     ServiceWorld world;
     ASSERT_TRUE(world.ready());
@@ -219,6 +235,10 @@ TEST(ServiceLife, ALinkOutlivesTheServiceAndTheNextOneFindsItsCounters) {
     std::ofstream(counters + "/rx_bytes") << "5000\n";
     const auto received = [&] { return world.property(QStringLiteral("BytesReceived")).toULongLong() == 5000; };
     ASSERT_TRUE(WaitFor(received, 10s));
+    // Another process follows the link from the service's reports.
+    const clitest::Outcome monitor = world.dialtone({"--json", "--wait", "2.5", "monitor"});
+    EXPECT_EQ(monitor.status, 0) << monitor.err;
+    EXPECT_NE(monitor.out.find("\"nReceivedBytes\":5000"), std::string::npos) << monitor.out;
 
     const pid_t killed = world.servicePid();
     kill(killed, SIGKILL);
