@@ -96,26 +96,14 @@ TEST(SmsPduDecode, SubmitValidityPeriodFormats) {
         int nVpf;
         TMsgTimeStamp period;
     };
+    // clang-format off
     const Row rows[] = {
-        {"0100038121F30000"
-         "02C834",
-         0,
-         {}},
-        {"1100038121F30000AA"
-         "02C834",
-         2,
-         {0, 0x00, 0x04, 0, 0, 0, 0}}, // 170: four days
-        {"1900038121F30000"
-         "1110102143652B"
-         "02C834",
-         3,
-         {0x11, 0x01, 0x01, 0x12, 0x34, 0x56, -32}},
-        {"0900038121F30000"
-         "01020304050607"
-         "02C834",
-         1,
-         {}},
+        {"0100038121F30000" "02C834", 0, {}},
+        {"1100038121F30000AA" "02C834", 2, {0, 0x00, 0x04, 0, 0, 0, 0}}, // 170: four days
+        {"1900038121F30000" "1110102143652B" "02C834", 3, {0x11, 0x01, 0x01, 0x12, 0x34, 0x56, -32}},
+        {"0900038121F30000" "01020304050607" "02C834", 1, {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.tpdu);
         TTpduData tpdu;
@@ -374,21 +362,15 @@ TEST(SmsPduDecode, SevenBitUserDataAfterAHeader) {
         uint8_t udl;
         std::wstring text;
     };
+    // clang-format off
     const Row rows[] = {
-        {"050003CC0201"
-         "D06536FB0D",
-         12, L"hello"},
-        {"06080412340201"
-         "E8329BFD06",
-         13, L"hello"},
-        {"0500", 3, L""}, // UDHL beyond UDL
-        {"3F0003CC0201"
-         "D06536FB0D",
-         12, L""}, // UDHL beyond the data
-        {"050003CC0201"
-         "D06536FB0D",
-         160, L"hello"}, // UDL beyond the data: cut to what is there
+        {"050003CC0201" "D06536FB0D", 12, L"hello"},
+        {"06080412340201" "E8329BFD06", 13, L"hello"},
+        {"0500", 3, L""},                             // UDHL beyond UDL
+        {"3F0003CC0201" "D06536FB0D", 12, L""},       // UDHL beyond the data
+        {"050003CC0201" "D06536FB0D", 160, L"hello"}, // UDL beyond the data: cut to what is there
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
