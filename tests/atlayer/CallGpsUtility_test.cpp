@@ -119,11 +119,8 @@ TEST_F(CallUtilityTest, DtmfTakesOnlyKeypadTones) {
 }
 
 TEST(CallListParse, ClccLines) {
-    struct Row {
-        const char* line;
-        bool listed;
-        TCallItemState call;
-    };
+    // clang-format off
+    struct Row { const char* line; bool listed; TCallItemState call; };
     const Row rows[] = {
         {"+CLCC: 1,1,4,0,0,\"123\",145", true, {1, 1, 4, 0, 0, "+123", 145}},
         {"+CLCC: 1,1,4,0,0,\"123\",129", true, {1, 1, 4, 0, 0, "123", 129}},
@@ -138,6 +135,7 @@ TEST(CallListParse, ClccLines) {
         {"+CLCC: ", false, {}},
         {"+CLCC: a,1,4,0,0,\"123\",129", false, {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
         std::list<TCallItemState> calls;
@@ -179,12 +177,8 @@ TEST_F(CallUtilityTest, CallListKeepsEveryCallInOrder) {
 }
 
 TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
-    struct Row {
-        std::string lines;
-        int ring;
-        const char* number;
-        bool allEnded;
-    };
+    // clang-format off
+    struct Row { std::string lines; int ring; const char* number; bool allEnded; };
     const Row rows[] = {
         {"", 1, "", true},
         {"+CLCC: 1,1,4,0,0,\"123\",145\r\n", 0, "+123", false},
@@ -193,6 +187,7 @@ TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
          0, "777", false},
         {"+CLCC: 1,1,4,0,0\r\n", 0, "", false}, // incoming, number withheld
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.lines));
         const std::string answer = "\r\n" + row.lines + "\r\nOK\r\n";

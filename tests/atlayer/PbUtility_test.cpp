@@ -67,13 +67,8 @@ protected:
 };
 
 TEST(PbDecodeItem, EntryLines) {
-    struct Row {
-        const char* line;
-        int result;
-        int index;
-        const char* number;
-        std::wstring name;
-    };
+    // clang-format off
+    struct Row { const char* line; int result; int index; const char* number; std::wstring name; };
     const Row rows[] = {
         {R"(5,"12345",145,"00480069")", 0, 5, "+12345", L"Hi"},
         {R"(5,"12345",129,"00480069")", 0, 5, "12345", L"Hi"},
@@ -96,6 +91,7 @@ TEST(PbDecodeItem, EntryLines) {
         {R"(5,"12345",129,"0041)", 1, -1, "", L"x"},
         {"", 1, -1, "", L"x"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
         TPbBaseItem item;
@@ -173,12 +169,8 @@ TEST_F(PbUtilityTest, StorageUseFailures) {
 }
 
 TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
-    struct Row {
-        std::string answer;
-        int result;
-        int name;
-        int number;
-    };
+    // clang-format off
+    struct Row { std::string answer; int result; int name; int number; };
     const Row rows[] = {
         {Answer("+CPBR: (1-250),40,14"), 0, 14, 40},
         {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", 0, 18, 20},
@@ -190,6 +182,7 @@ TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
         {ScriptedAtFake::kOk, 1, -1, -1},
         {"\r\n+CME ERROR: operation not allowed\r\n", 1, -1, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CPBR=?\r", row.answer)

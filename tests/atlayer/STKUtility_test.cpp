@@ -76,12 +76,8 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
 }
 
 TEST_F(STKUtilityTest, InitFetchesTheMainMenuAndNeedsOk) {
-    struct Row {
-        const char* answer;
-        int failure;
-        int result;
-        const char* text;
-    };
+    // clang-format off
+    struct Row { const char* answer; int failure; int result; const char* text; };
     const Row rows[] = {
         {kMainMenu, 0, 0, kMainMenu},
         // The echo is cut off.
@@ -90,6 +86,7 @@ TEST_F(STKUtilityTest, InitFetchesTheMainMenuAndNeedsOk) {
         {"\r\nERROR\r\n", 0, 1, kUntouched},
         {nullptr, 2, 2, kUntouched},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.result);
         if (row.failure != 0)
@@ -104,12 +101,8 @@ TEST_F(STKUtilityTest, InitFetchesTheMainMenuAndNeedsOk) {
 }
 
 TEST_F(STKUtilityTest, SendCommandKeepsOnlyAnAnswerWithOk) {
-    struct Row {
-        const char* answer;
-        int failure;
-        int result;
-        const char* text;
-    };
+    // clang-format off
+    struct Row { const char* answer; int failure; int result; const char* text; };
     const Row rows[] = {
         {"\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
         {"AT+STGR=0,0,2\r\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
@@ -118,6 +111,7 @@ TEST_F(STKUtilityTest, SendCommandKeepsOnlyAnAnswerWithOk) {
         {"\r\nERROR\r\n", 0, 0, kUntouched},
         {nullptr, 2, 2, kUntouched},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.result);
         if (row.failure != 0)

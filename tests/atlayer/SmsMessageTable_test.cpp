@@ -221,15 +221,8 @@ TEST(SmsMessageTable, UnreadOrUnsentStatusWins) {
 // A replace message (TP-PID 0x41-0x47) takes the place of an older one from the same sender.
 TEST(SmsMessageTable, ReplaceMessages) {
     const Stored old{.index = 3, .text = L"old", .pid = 0x41, .time = "120102100000"};
-    struct Row {
-        const char* what;
-        Stored incoming;
-        bool deleteOnRead;
-        bool deletes;
-        const char* deleteAnswer;
-        bool replaced;
-    };
     // clang-format off
+    struct Row { const char* what; Stored incoming; bool deleteOnRead; bool deletes; const char* deleteAnswer; bool replaced; };
     const Row rows[] = {
         // One field smaller makes the stored one older, even when an earlier field is larger.
         {"newer by the hour", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120101110000"}, true, true, ScriptedAtFake::kOk, true},

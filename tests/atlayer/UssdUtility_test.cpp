@@ -92,14 +92,8 @@ TEST_F(UssdUtilityTest, SendStopsAt999Codes) {
 }
 
 TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
-    struct Row {
-        const char* charSetAnswer;
-        int charSetResult;
-        const char* answer;
-        int result;
-        int sendResult;
-        bool active;
-    };
+    // clang-format off
+    struct Row { const char* charSetAnswer; int charSetResult; const char* answer; int result; int sendResult; bool active; };
     const Row rows[] = {
         {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true},
         {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
@@ -109,6 +103,7 @@ TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
         {"\r\nOK\r\n", 0, "", 2, 2, false},
         {"\r\nOK\r\n", 0, "", 30, 30, false},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         CUssdUility ussd;
@@ -154,13 +149,8 @@ TEST_F(UssdUtilityTest, CheckStateReadsThePresentationState) {
 }
 
 TEST_F(UssdUtilityTest, SetStateNeedsOk) {
-    struct Row {
-        int state;
-        const char* command;
-        const char* answer;
-        int failure;
-        int result;
-    };
+    // clang-format off
+    struct Row { int state; const char* command; const char* answer; int failure; int result; };
     const Row rows[] = {
         {1, "AT+CUSD=1\r", "\r\nOK\r\n", 0, 0},
         {0, "AT+CUSD=0\r", "\r\nOK\r\n", 0, 0},
@@ -168,6 +158,7 @@ TEST_F(UssdUtilityTest, SetStateNeedsOk) {
         {-7, "AT+CUSD=-7\r", "\r\n+CME ERROR: 4\r\n", 0, 1},
         {1, "AT+CUSD=1\r", "", 2, 2},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.command);
         m_fake.Expect(row.command, row.answer, row.failure)
@@ -358,16 +349,14 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
 }
 
 TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
-    struct Row {
-        const char* answer;
-        int failure;
-        int result;
-    };
+    // clang-format off
+    struct Row { const char* answer; int failure; int result; };
     const Row rows[] = {
         {"", 2, 2},
         {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1},
         {"\r\nERROR\r\n", 0, 1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CSCS?\r", row.answer, row.failure);
@@ -412,15 +401,13 @@ TEST(UssdReport, TruncatedAndOverlongReportsStayBounded) {
 }
 
 TEST(UssdHelpers, QuotationStringHexAndEncodeType) {
-    struct QuoteRow {
-        const char* text;
-        int result;
-        const char* quoted;
-    };
+    // clang-format off
+    struct QuoteRow { const char* text; int result; const char* quoted; };
     const QuoteRow quotes[] = {
         {"\"0048\",72", 0, "0048"}, {"\"\"", 0, ""},       {"\"ab\"cd\"", 0, "ab"},
         {"0048\"", 1, "left"},      {"\"0048", 1, "left"}, {"", 1, "left"},
     };
+    // clang-format on
     for (const QuoteRow& row : quotes) {
         std::string quoted = "left";
         EXPECT_EQ(CUssdUility::GetQuotationString(row.text, quoted), row.result) << row.text;

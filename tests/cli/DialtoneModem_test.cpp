@@ -176,13 +176,8 @@ TEST(DialtoneModem, KnownCausesAreToldWithWhatToDo) {
     SimulatedModem fullBook(
         ScenarioPatch{{{"phonebooks", {{"SM", {{"capacity", 2}, {"entries", twoEntries}}}}}}});
     ASSERT_TRUE(plain.ready() && fullBook.ready());
-    struct Row {
-        const SimulatedModem* modem;
-        std::vector<std::string> arguments;
-        std::string cause;
-        int modemCause;
-    };
     // clang-format off
+    struct Row { const SimulatedModem* modem; std::vector<std::string> arguments; std::string cause; int modemCause; };
     const std::vector<Row> rows = {
         {&plain, {"contacts", "add", "Alexandra Schmidt-Meyer", "+4917012345", "--store", "sim"}, "the name is 23 characters; this SIM takes at most 14", 0},
         {&fullBook, {"contacts", "add", "Carla", "+4917012345", "--store", "sim"}, "the sim phonebook is full (2 of 2 used)", 0},

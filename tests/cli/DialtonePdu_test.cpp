@@ -21,11 +21,8 @@ std::vector<std::string> Lines(const std::string& text) {
 }
 
 TEST(DialtonePdu, DecodesWhatAModemPrints) {
-    struct Row {
-        std::vector<std::string> arguments;
-        std::vector<std::string> shown;
-    };
     // clang-format off
+    struct Row { std::vector<std::string> arguments; std::vector<std::string> shown; };
     const Row rows[] = {
         {{"pdu", "decode", "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37"},
          {"SMS-DELIVER", "+18005551212", "2011-01-01T12:34:56+00:00", "text:           hellohello"}},

@@ -270,18 +270,15 @@ TEST(AccountData, OddNumbersAreBounded) {
 TEST(AccountData, ShippedFilesAreValid) {
     TempHome home; // no DIALTONE_RESOURCE_DIR: the build tree's copy
     const QString dir = ResourceLocator::accountDataDir();
-    struct Row {
-        const char* file;
-        int language;
-        std::wstring firstGroup;
-        std::wstring codes;
-    };
+    // clang-format off
+    struct Row { const char* file; int language; std::wstring firstGroup; std::wstring codes; };
     const Row rows[] = {
         {"Default.dat", 0, L"Balance", L"*100# *102* *101# *106# "},
         {"Default.dat", 1, L"Guthaben", L"*100# *102* *101# *106# "},
         {"26202.dat", 0, L"Balance", L"*100# *101# *135# "},
         {"26202.dat", 1, L"Guthaben", L"*100# *101# *135# "},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.file);
         DebugCapture capture;

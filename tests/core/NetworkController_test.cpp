@@ -100,13 +100,8 @@ TEST(NetworkController, ScanThenSelectReachTheModem) {
 // Band and mode as named values: read, applied in one go, and a mode the modem refuses named as such; a
 // standard stick refuses both as not supported, which the controller says once.
 TEST(NetworkController, BandAndModeAndTheirAbsenceOnStandardSticks) {
-    struct Row {
-        bool standard;
-        int readCode;
-        int applyCode;
-        NetworkController::RadioStep stoppedAt;
-    };
     // clang-format off
+    struct Row { bool standard; int readCode; int applyCode; NetworkController::RadioStep stoppedAt; };
     const Row rows[] = {
         {false, WORKER_OK,                WORKER_OK,                NetworkController::RadioStep::Mode},
         {true,  WORKER_ERR_NOT_SUPPORTED, WORKER_ERR_NOT_SUPPORTED, NetworkController::RadioStep::Band},

@@ -53,12 +53,8 @@ TEST(PhoneNumbers, ParsesWhatPeopleType) {
 }
 
 TEST(PhoneNumbers, FormatsAndMatchesStoredNumbers) {
-    struct Row {
-        const char* number;
-        const char* region;
-        const char* reading;
-    };
     // clang-format off
+    struct Row { const char* number; const char* region; const char* reading; };
     const Row reading[] = {
         {"+491701234567", "DE", "0170 1234567"},
         {"+447700900123", "DE", "+44 7700 900123"},
@@ -71,13 +67,8 @@ TEST(PhoneNumbers, FormatsAndMatchesStoredNumbers) {
     for (const Row& row : reading)
         EXPECT_EQ(PhoneNumbers::ForReading(row.number, row.region), row.reading) << row.number;
 
-    struct Match {
-        const char* a;
-        const char* b;
-        const char* region;
-        bool same;
-    };
     // clang-format off
+    struct Match { const char* a; const char* b; const char* region; bool same; };
     const Match matches[] = {
         {"+4917012345",   "017012345",     "DE", true},
         {"+4917012345",   "017012345",     "",   true},

@@ -71,19 +71,15 @@ QByteArray truncatedBinaryPlist() {
 }
 
 TEST(TrafficStatics, DayKeyAndDayText) {
-    struct Row {
-        QDateTime date;
-        const char* key;
-        const char* dayText;
-        const char* ymd;
-        const char* hms;
-    };
+    // clang-format off
+    struct Row { QDateTime date; const char* key; const char* dayText; const char* ymd; const char* hms; };
     const Row rows[] = {
         {QDateTime(QDate(2024, 1, 31), QTime(0, 0, 0)), "2024/01/31", "2024-01-31", "2024-01-31", "00-00-00"},
         {QDateTime(QDate(2023, 12, 31), QTime(23, 59, 59)), "2023/12/31", "2023-12-31", "2023-12-31",
          "23-59-59"},
         {QDateTime(QDate(2024, 2, 29), QTime(7, 5, 9)), "2024/02/29", "2024-02-29", "2024-02-29", "07-05-09"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         EXPECT_EQ(TrafficStatics::getKeyOfDate(row.date), row.key);
         EXPECT_EQ(TrafficStatics::dayTextOfDate(row.date), row.dayText);

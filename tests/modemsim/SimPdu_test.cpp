@@ -53,11 +53,8 @@ TEST(SimText, Utf8ToUtf32HandlesValidAndMalformedInput) {
 }
 
 TEST(SimText, Gsm7ClassificationAndSeptetCount) {
-    struct Row {
-        std::u32string text;
-        bool fits;
-        int septets;
-    };
+    // clang-format off
+    struct Row { std::u32string text; bool fits; int septets; };
     const Row rows[] = {
         {U"hello", true, 5},       {U"@\u00A3$\u00A5\u00E8\u00C7\u0394\u00DF\u00E0", true, 9},
         {U"\u20AC", true, 2},      {U"[\\]^{|}~\f", true, 18},
@@ -66,6 +63,7 @@ TEST(SimText, Gsm7ClassificationAndSeptetCount) {
         {U"\u00A0", false, 1}, // the escape's display form cannot be sent
         {U"\U0001F600", false, 1}, {U"", true, 0},
     };
+    // clang-format on
     for (const auto& row : rows) {
         EXPECT_EQ(FitsGsm7(row.text), row.fits) << Utf32ToUtf8(row.text);
         EXPECT_EQ(Gsm7SeptetCount(row.text), row.septets) << Utf32ToUtf8(row.text);
@@ -110,16 +108,14 @@ TEST(SimText, Gsm7Tables) {
 }
 
 TEST(SimText, SeptetPacking) {
-    struct Row {
-        std::string text;
-        int fill;
-        std::string hex;
-    };
+    // clang-format off
+    struct Row { std::string text; int fill; std::string hex; };
     const Row rows[] = {
         {"hellohello", 0, "E8329BFD4697D9EC37"}, // the classic 10-character example
         {"hellohello", 1, "D06536FB8D2EB3D96F"}, // after an 8-bit concatenation header
         {"How are you?", 0, "C8F71D14969741F977FD07"}, {"A", 1, "82"}, {"", 0, ""},
     };
+    // clang-format on
     for (const auto& row : rows) {
         const Bytes septets = TextToGsm7(Utf8ToUtf32(row.text));
         const Bytes packed = PackSeptets(septets, row.fill);
@@ -177,11 +173,8 @@ TEST(SimText, HexAndUcs2) {
 }
 
 TEST(SimText, UssdRequestFromHost) {
-    struct Row {
-        std::string arg, cscs;
-        bool ok;
-        std::string expected;
-    };
+    // clang-format off
+    struct Row { std::string arg, cscs; bool ok; std::string expected; };
     const Row rows[] = {
         {"002A0031003000300023", "UCS2", true, "*100#"},
         {"002a0031003000300023", "UCS2", true, "*100#"},
@@ -194,6 +187,7 @@ TEST(SimText, UssdRequestFromHost) {
         {"*100#", "IRA", true, "*100#"},
         {"*100#", "GSM", true, "*100#"},
     };
+    // clang-format on
     for (const auto& row : rows) {
         std::string text;
         EXPECT_EQ(DecodeUssdRequest(row.arg, row.cscs, &text), row.ok) << row.arg;
@@ -513,12 +507,8 @@ TEST(SimPdu, DecodesSubmitsAsTheHostSendsThem) {
 TEST(SimPdu, RefusesHostileSubmits) {
     constexpr int kNatural = -1000;
     const std::string good = "0035010D91947116325476F80000A70AE8329BFD4697D9EC37";
-    struct Row {
-        const char* name;
-        std::string hex;
-        int length;
-        std::string error;
-    };
+    // clang-format off
+    struct Row { const char* name; std::string hex; int length; std::string error; };
     const Row rows[] = {
         {"empty", "", 0, "overruns"},
         {"odd", "0", 0, "not hex"},
@@ -552,6 +542,7 @@ TEST(SimPdu, RefusesHostileSubmits) {
         {"reserved alphabet", "0001000B916407281553F8000C00", kNatural, "reserved"},
         {"compressed", "0001000B916407281553F8002000", kNatural, "compressed"},
     };
+    // clang-format on
     for (const auto& row : rows) {
         std::string hex = row.hex;
         std::erase(hex, ' ');

@@ -273,12 +273,10 @@ TEST_F(BusinessOperatorTest, EquipmentInfoTakesTheModemsAnswersWithTheirCaps) {
 }
 
 TEST_F(BusinessOperatorTest, EquipmentInfoStaysInsideUnterminatedFieldsAndPassesFailuresOn) {
-    struct Row {
-        uint32_t mask;
-        int result;
-        bool stored;
-    };
+    // clang-format off
+    struct Row { uint32_t mask; int result; bool stored; };
     const Row rows[] = {{127, 0, true}, {0, 0, true}, {EQUIPMENT_IMSI, 0, true}, {127, 2, false}};
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << "mask " << row.mask << " result " << row.result);
         m_sublayer->getEquipmentInfo = [&](TEquipmentInfo& info) {
@@ -349,19 +347,14 @@ TEST_F(BusinessOperatorTest, PinCheckStateFetchesTheCountersTheStateNeeds) {
 }
 
 TEST_F(BusinessOperatorTest, PinChangeStoresTheStateEvenWhenTheChangeFails) {
-    struct Row {
-        std::string change;
-        int changeFailure;
-        std::string cpin;
-        int cpinFailure;
-        int result;
-        int state;
-    };
+    // clang-format off
+    struct Row { std::string change; int changeFailure; std::string cpin; int cpinFailure; int result; int state; };
     const Row rows[] = {
         {"\r\nOK\r\n", 0, answer("+CPIN: READY"), 0, 0, 1},
         {"\r\n+CME ERROR: incorrect password\r\n", 0, answer("+CPIN: SIM PIN"), 0, 14, 2},
         {"", 2, "", 2, 2, 1}, // the state query fails too: the preset 1 is stored
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.change));
         m_fake.Expect("AT+CPWD=\"SC\",\"1234\",\"4321\"\r", row.change, row.changeFailure);
@@ -376,12 +369,10 @@ TEST_F(BusinessOperatorTest, PinChangeStoresTheStateEvenWhenTheChangeFails) {
 }
 
 TEST_F(BusinessOperatorTest, NetworkSetModeTurnsEveryRefusalInto33) {
-    struct Row {
-        std::string answer;
-        int failure;
-        int result;
-    };
+    // clang-format off
+    struct Row { std::string answer; int failure; int result; };
     const Row rows[] = {{"\r\nOK\r\n", 0, 0}, {"\r\nERROR\r\n", 0, 33}, {"", 2, 33}, {"", 30, 33}};
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+SYSSEL=,0,0\r", row.answer, row.failure);
