@@ -72,13 +72,9 @@ TEST_F(CallUtilityTest, InitStopsAtTheFirstFailure) {
 }
 
 TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
-    struct Row {
-        const char* answer;
-        int result; // -1: the operation does not run with this answer
-        int dial;
-        int answerCall;
-        int hangUp;
-    };
+    // clang-format off
+    // result: -1: the operation does not run with this answer
+    struct Row { const char* answer; int result; int dial; int answerCall; int hangUp; };
     const Row rows[] = {
         {"\r\nOK\r\n", 0, 0, 0, 0},
         {"\r\nNO CARRIER\r\n", 0, 25, 25, 25},
@@ -89,6 +85,7 @@ TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
         {"", 2, 2, 2, 2},
         {"", 30, 30, 30, 30},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer) + " code " + std::to_string(row.result));
         m_fake.Expect("ATD10086;\r", row.answer, row.result)

@@ -161,15 +161,9 @@ TEST_F(NetworkUtilityTest, ListStopsAtTheModeListsOrALongItem) {
 }
 
 TEST_F(NetworkUtilityTest, SetBuildsTheCopsCommandFromTheMask) {
-    struct Row {
-        int mask;
-        int mode;
-        int format;
-        const char* oper;
-        int act;
-        const char* command; // nullptr: nothing is sent
-        int result;
-    };
+    // clang-format off
+    // command: nullptr: nothing is sent
+    struct Row { int mask; int mode; int format; const char* oper; int act; const char* command; int result; };
     const Row rows[] = {
         {1, 0, 0, nullptr, 0, "AT+COPS=0\r", 0},
         {1 | 2 | 4 | 8, 1, 2, "46000", 2, "AT+COPS=1,2,\"46000\",2\r", 0},
@@ -190,6 +184,7 @@ TEST_F(NetworkUtilityTest, SetBuildsTheCopsCommandFromTheMask) {
         {0, 1, 2, "46000", 2, nullptr, 0},
         {1, 5, 0, nullptr, 0, nullptr, 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message()
                      << "mask " << row.mask << " mode " << row.mode << " format " << row.format);

@@ -31,14 +31,9 @@ protected:
 };
 
 TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
-    struct Row {
-        const char* line;
-        const char* command; // null: nothing may be sent
-        const char* answer;
-        int failure;
-        int result;
-        const char* text;
-    };
+    // clang-format off
+    // command: null: nothing may be sent
+    struct Row { const char* line; const char* command; const char* answer; int failure; int result; const char* text; };
     const char* const selectItem =
         "\r\n+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\"\r\n"
         "\r\nOK\r\n";
@@ -60,6 +55,7 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
         {"+STIN: 99999999999", nullptr, nullptr, 0, 1, kUntouched},
         {"", nullptr, nullptr, 0, 1, kUntouched},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
         if (row.command != nullptr && row.failure != 0)

@@ -143,13 +143,10 @@ TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
 }
 
 TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
-    struct Row {
-        const char* answer;
-        int result;
-        const char* address; // TMsgAddress as kept
-        uint32_t type;
-        const char* number; // GetServiceCentre's number
-    };
+    // clang-format off
+    // address: TMsgAddress as kept
+    // number: GetServiceCentre's number
+    struct Row { const char* answer; int result; const char* address; uint32_t type; const char* number; };
     const Row rows[] = {
         {"\r\n+CSCA: \"+447802000332\",145\r\n\r\nOK\r\n", 0, "+447802000332", 145, "+447802000332"},
         {"\r\n+CSCA: \"447802000332\",145\r\n\r\nOK\r\n", 0, "447802000332", 145, "+447802000332"},
@@ -164,6 +161,7 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
         {"\r\n+CSCA: \"+3165\r\n\r\nOK\r\n", 1, "", 0, ""},
         {"\r\nOK\r\n", 1, "", 0, ""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         ExpectIra();

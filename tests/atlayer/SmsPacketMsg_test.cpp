@@ -47,12 +47,9 @@ std::wstring Utf16(const std::wstring& text) {
 
 // Split, encode, decode again and join: what the recipient's phone shows.
 TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
-    struct Row {
-        const char* what;
-        std::wstring text;
-        int encodeType;
-        std::vector<uint32_t> lengths; // user data per segment: septets, or UCS2 octets
-    };
+    // clang-format off
+    // lengths: user data per segment: septets, or UCS2 octets
+    struct Row { const char* what; std::wstring text; int encodeType; std::vector<uint32_t> lengths; };
     const std::wstring ext152 = std::wstring(152, L'a') + L"€" + std::wstring(9, L'b');
     const Row rows[] = {
         {"160 septets", std::wstring(160, L'a'), 0, {160}},
@@ -69,6 +66,7 @@ TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
         {"one 7-bit-less character makes it UCS2", std::wstring(100, L'a') + L"ç", 1, {134, 68}},
         {"accented 7-bit letters", L"Grüße, Åsa! ¿Qué tal? {ok} 10€", 0, {33}},
     };
+    // clang-format on
     CSmsUtility sms;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);

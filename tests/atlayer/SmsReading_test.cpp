@@ -305,18 +305,15 @@ TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
 // Preferred storage SIM: a message that arrived in the modem memory is copied to the SIM, or to the
 // computer when the SIM refuses, and deleted from the modem memory only once it is stored elsewhere.
 TEST_F(SmsReadingTest, NewMessageMovesOutOfTheModemMemory) {
-    struct Row {
-        const char* what;
-        const char* written; // answer to the PDU after AT+CMGW
-        bool pcSaveFails;
-        int storage;
-        bool deletes;
-    };
+    // clang-format off
+    // written: answer to the PDU after AT+CMGW
+    struct Row { const char* what; const char* written; bool pcSaveFails; int storage; bool deletes; };
     const Row rows[] = {
         {"to the SIM", "\r\n+CMGW: 7\r\n\r\nOK\r\n", false, SMS_STORAGE_SIM, true},
         {"SIM full, to the computer", "\r\n+CMS ERROR: 322\r\n", false, SMS_STORAGE_PC, true},
         {"SIM full, computer refuses", "\r\n+CMS ERROR: 322\r\n", true, SMS_STORAGE_MODEM, false},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         ScriptedAtFake fake;

@@ -113,18 +113,16 @@ TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
 }
 
 TEST_F(SystemUtilityTest, SyncCommEscapesThenSwitchesEchoOnTwiceAndOff) {
-    struct Row {
-        const char* name;
-        int failAt; // step (1: first ATE1, 2: second ATE1, 3: ATE0) that fails, 0 none
-        int failure;
-        int result;
-    };
+    // clang-format off
+    // failAt: step (1: first ATE1, 2: second ATE1, 3: ATE0) that fails, 0 none
+    struct Row { const char* name; int failAt; int failure; int result; };
     const Row rows[] = {
         {"all answer", 0, 0, 0},
         {"first ATE1 times out", 1, 2, 2},
         {"second ATE1 cancelled", 2, 30, 30},
         {"ATE0 fails", 3, 1, 1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         // The escape's own result does not count.

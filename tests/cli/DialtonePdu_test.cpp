@@ -75,11 +75,9 @@ TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
 
 // Numbers as people type them: the destination field of the PDU (after first octet and reference).
 TEST(DialtonePdu, TypedNumbersBecomeTheRightDestination) {
-    struct Row {
-        const char* typed;
-        const char* address; // length, type of address, semi-octets
-    };
     // clang-format off
+    // address: length, type of address, semi-octets
+    struct Row { const char* typed; const char* address; };
     const Row rows[] = {
         {"+49 170 123 4567",   "0C91947110325476"},
         {"+49 (170) 123-4567", "0C91947110325476"},
@@ -96,13 +94,10 @@ TEST(DialtonePdu, TypedNumbersBecomeTheRightDestination) {
 }
 
 TEST(DialtonePdu, FailuresAndUsageErrors) {
-    struct Row {
-        std::vector<std::string> arguments;
-        int status;
-        std::string out; // exact
-        std::string err; // contained
-    };
     // clang-format off
+    // out: exact
+    // err: contained
+    struct Row { std::vector<std::string> arguments; int status; std::string out; std::string err; };
     const Row rows[] = {
         {{"pdu", "decode", "07912143658709F1XX"}, 1, "", "the PDU could not be decoded (result 1)"},
         {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"ERROR_CODE\": 1,\n  \"error\": \"the PDU could not be decoded\"\n}\n", "could not be decoded"},

@@ -169,14 +169,9 @@ TEST(AccountData, ReadsEveryFieldOfTheChosenLanguage) {
 }
 
 TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
-    struct Row {
-        const char* name;
-        std::string xml;
-        int language;
-        int result;
-        size_t groups;
-        const char* printed; // nullptr: nothing
-    };
+    // clang-format off
+    // printed: nullptr: nothing
+    struct Row { const char* name; std::string xml; int language; int result; size_t groups; const char* printed; };
     const std::string ok = tip() + goodGroup();
     const Row rows[] = {
         {"not XML", "garbage <<< >", 0, 0, 0, nullptr},
@@ -214,6 +209,7 @@ TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
                                       "<BUTTON_NAME>0041</BUTTON_NAME></BUTTON></BUTTON_SETTING>")))),
          0, -1, 0, "data prase error:"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         TempHome home;

@@ -64,13 +64,10 @@ TEST(NetworkController, ScanThenSelectReachTheModem) {
     EXPECT_EQ(operators.first().strNumericAlpha, "26202");
     EXPECT_EQ(operators.first().nState, BLNetworkListItem::kStateCurrent);
 
-    struct Row {
-        const char* plmn; // empty: automatic
-        int code;
-        int cause;
-        int selection; // in the simulator afterwards
-    };
     // clang-format off
+    // plmn: empty: automatic
+    // selection: in the simulator afterwards
+    struct Row { const char* plmn; int code; int cause; int selection; };
     const Row rows[] = {
         {"26201", WORKER_OK,          0,      1},
         {"26203", WORKER_ERR_GENERAL, 100032, 1}, // +CME ERROR: 32, emergency calls only

@@ -9,13 +9,9 @@ using PhoneNumbers::Refusal;
 
 // What people type, read with a German and a British SIM, and with no SIM country at all.
 TEST(PhoneNumbers, ParsesWhatPeopleType) {
-    struct Row {
-        const char* typed;
-        const char* region;
-        const char* dial; // nullptr: refused with `refusal`
-        Refusal refusal;
-    };
     // clang-format off
+    // dial: nullptr: refused with `refusal`
+    struct Row { const char* typed; const char* region; const char* dial; Refusal refusal; };
     const Row rows[] = {
         {"+49 170 123 4567",           "DE", "+491701234567", Refusal::None},
         {"0170 1234567",               "DE", "+491701234567", Refusal::None},

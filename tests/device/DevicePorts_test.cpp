@@ -11,14 +11,8 @@ namespace {
 
 // Port discovery over a device folder: the dial port by prefix, the AT port by the "3" rule.
 TEST(DevicePorts, NamingRule) {
-    const struct {
-        const char* name;
-        QStringList entries;
-        bool found;
-        const char* modem;
-        const char* data;
-    } rows[] = {
-        // clang-format off
+    // clang-format off
+    const struct { const char* name; QStringList entries; bool found; const char* modem; const char* data; } rows[] = {
         {"pair", {"cu.VELMobileConnector1", "cu.VELDeviceInterface3"}, true, "cu.VELMobileConnector1", "cu.VELDeviceInterface3"},
         {"last character replaced", {"cu.VELMobileConnector12", "cu.VELDeviceInterface13"}, true, "cu.VELMobileConnector12", "cu.VELDeviceInterface13"},
         {"suffix not a number", {"cu.VELMobileConnectorAB", "cu.VELDeviceInterfaceA3"}, true, "cu.VELMobileConnectorAB", "cu.VELDeviceInterfaceA3"},
@@ -28,8 +22,8 @@ TEST(DevicePorts, NamingRule) {
         {"AT port only", {"cu.VELDeviceInterface3"}, false, nullptr, nullptr},
         {"empty suffix", {"cu.VELMobileConnector", "cu.VELDeviceInterface3"}, false, nullptr, nullptr},
         {"nothing", {"ttyUSB0", "null"}, false, nullptr, nullptr},
-        // clang-format on
     };
+    // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         TempWorld world;

@@ -374,12 +374,9 @@ TEST(SimPdu, EmptyTimestampMeansNow) {
 TEST(SimPdu, SplitLongTextAtTheLimits) {
     const std::string zhe = "\xD0\x96";
     const std::string emoji = "\xF0\x9F\x98\x80";
-    struct Row {
-        const char* name;
-        std::string text;
-        bool ref16;
-        std::vector<size_t> partChars; // code points per part
-    };
+    // clang-format off
+    // partChars: code points per part
+    struct Row { const char* name; std::string text; bool ref16; std::vector<size_t> partChars; };
     const Row rows[] = {
         {"160 septets", Repeat("a", 160), false, {160}},
         {"161 septets", Repeat("a", 161), false, {153, 8}},
@@ -394,6 +391,7 @@ TEST(SimPdu, SplitLongTextAtTheLimits) {
         {"surrogate pair kept whole", Repeat(zhe, 66) + emoji + Repeat(zhe, 5), false, {66, 6}},
         {"one non-GSM char makes it UCS2", Repeat("a", 100) + zhe, false, {67, 34}},
     };
+    // clang-format on
     for (const auto& row : rows) {
         DeliverParams base = Deliver("+4917612345678", row.text);
         const auto parts = SplitLongText(base, 0x1A2B, row.ref16);
