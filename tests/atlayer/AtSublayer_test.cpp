@@ -233,13 +233,9 @@ TEST_F(AtSublayerTest, SlotsReachTheirFamily) {
     const auto gives = [&text](int result, const std::string& expected) {
         return result == 0 && text == expected;
     };
-    struct Exchange {
-        const char* command;
-        std::string answer = ScriptedAtFake::kOk;
-        int failure = 0;
-    };
-    const std::string sysselAnswer = "\r\n+SYSSEL: 2,0,1,2\r\n\r\nOK\r\n";
     // clang-format off
+    struct Exchange { const char* command; std::string answer = ScriptedAtFake::kOk; int failure = 0; };
+    const std::string sysselAnswer = "\r\n+SYSSEL: 2,0,1,2\r\n\r\nOK\r\n";
     const struct { std::vector<Exchange> sent; std::function<int()> slot; int expected; } rows[] = {
         {{{"AT+CPIN?\r", "\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n"}}, [&] { return read(s.PINCheckState(value)); }, 3},
         {{{"AT+CLCK=\"SC\",1,\"1234\"\r"}}, [&] { return s.PINEnable(1, "1234"); }, 0},

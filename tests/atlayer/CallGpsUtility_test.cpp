@@ -72,13 +72,9 @@ TEST_F(CallUtilityTest, InitStopsAtTheFirstFailure) {
 }
 
 TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
-    struct Row {
-        const char* answer;
-        int result; // -1: the operation does not run with this answer
-        int dial;
-        int answerCall;
-        int hangUp;
-    };
+    // clang-format off
+    // result: -1: the operation does not run with this answer
+    struct Row { const char* answer; int result; int dial; int answerCall; int hangUp; };
     const Row rows[] = {
         {"\r\nOK\r\n", 0, 0, 0, 0},
         {"\r\nNO CARRIER\r\n", 0, 25, 25, 25},
@@ -89,6 +85,7 @@ TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
         {"", 2, 2, 2, 2},
         {"", 30, 30, 30, 30},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer) + " code " + std::to_string(row.result));
         m_fake.Expect("ATD10086;\r", row.answer, row.result)
@@ -119,11 +116,8 @@ TEST_F(CallUtilityTest, DtmfTakesOnlyKeypadTones) {
 }
 
 TEST(CallListParse, ClccLines) {
-    struct Row {
-        const char* line;
-        bool listed;
-        TCallItemState call;
-    };
+    // clang-format off
+    struct Row { const char* line; bool listed; TCallItemState call; };
     const Row rows[] = {
         {"+CLCC: 1,1,4,0,0,\"123\",145", true, {1, 1, 4, 0, 0, "+123", 145}},
         {"+CLCC: 1,1,4,0,0,\"123\",129", true, {1, 1, 4, 0, 0, "123", 129}},
@@ -138,6 +132,7 @@ TEST(CallListParse, ClccLines) {
         {"+CLCC: ", false, {}},
         {"+CLCC: a,1,4,0,0,\"123\",129", false, {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
         std::list<TCallItemState> calls;
@@ -179,12 +174,8 @@ TEST_F(CallUtilityTest, CallListKeepsEveryCallInOrder) {
 }
 
 TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
-    struct Row {
-        std::string lines;
-        int ring;
-        const char* number;
-        bool allEnded;
-    };
+    // clang-format off
+    struct Row { std::string lines; int ring; const char* number; bool allEnded; };
     const Row rows[] = {
         {"", 1, "", true},
         {"+CLCC: 1,1,4,0,0,\"123\",145\r\n", 0, "+123", false},
@@ -193,6 +184,7 @@ TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
          0, "777", false},
         {"+CLCC: 1,1,4,0,0\r\n", 0, "", false}, // incoming, number withheld
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.lines));
         const std::string answer = "\r\n" + row.lines + "\r\nOK\r\n";

@@ -37,20 +37,14 @@ TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
         int count;
         bool numbered; // the line with its copy number appended, so every copy differs
     };
-    struct Row {
-        const char* name;
-        std::vector<Step> steps;
-        size_t queued;
-        const char* front;
-        const char* absent; // a line that must not be queued, or nullptr
-        bool missed;
-    };
+    // clang-format off
+    // absent: a line that must not be queued, or nullptr
+    struct Row { const char* name; std::vector<Step> steps; size_t queued; const char* front; const char* absent; bool missed; };
     const auto RING = UNSOLICITED_REPORT_RING;
     const auto CMTI = UNSOLICITED_REPORT_CMTI;
     const auto CUSD = UNSOLICITED_REPORT_CUSD;
     const auto STIN = UNSOLICITED_REPORT_STIN;
     const int full = static_cast<int>(ComOperation::kMaxQueuedReports);
-    // clang-format off
     const Row rows[] = {
         {"a RING train is one RING", {{RING, "RING", 400, false}}, 1, "RING", nullptr, false},
         {"a repeated new-message line names one slot", {{CMTI, "+CMTI: \"SM\",1", 3, false}}, 1, "+CMTI: \"SM\",1", nullptr, true},

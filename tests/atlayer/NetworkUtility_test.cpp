@@ -23,12 +23,8 @@ protected:
 };
 
 TEST_F(NetworkUtilityTest, SignalLevelAndDbmFromCsq) {
-    struct Row {
-        std::string answer;
-        int result;
-        int level;
-        int dbm;
-    };
+    // clang-format off
+    struct Row { std::string answer; int result; int level; int dbm; };
     const Row rows[] = {
         {Answer("+CSQ: 99,99"), 0, 0, 0},
         {Answer("+CSQ: 0,0"), 0, 0, 114},
@@ -49,6 +45,7 @@ TEST_F(NetworkUtilityTest, SignalLevelAndDbmFromCsq) {
         {Answer("+CSQ: ,99"), 1, 6, 0},
         {"\r\nOK\r\n", 1, 6, 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CSQ\r", row.answer).WithTimeout(1000).WithPrefix("+CSQ: ");
@@ -69,14 +66,8 @@ TEST_F(NetworkUtilityTest, SignalLevelAndDbmFromCsq) {
 
 TEST_F(NetworkUtilityTest, BaseInfoReadsCopsOverItsDefaults) {
     const std::string thirtyChars(30, 'N');
-    struct Row {
-        std::string answer;
-        int result;
-        int mode;
-        int format;
-        std::string oper;
-        int act;
-    };
+    // clang-format off
+    struct Row { std::string answer; int result; int mode; int format; std::string oper; int act; };
     const Row rows[] = {
         {Answer("+COPS: 0,2,\"46000\",2"), 0, 0, 2, "46000", 2},
         {Answer("+COPS: 1,0,\"Acme Mobile\",0"), 0, 1, 0, "Acme Mobile", 0},
@@ -89,6 +80,7 @@ TEST_F(NetworkUtilityTest, BaseInfoReadsCopsOverItsDefaults) {
         {"\r\n+COPS: 0\r\n+CREG: 1,2\r\n\r\nOK\r\n", 0, 0, 3, "", 3}, // nothing read from the other line
         {"\r\nOK\r\n", 1, 5, 3, "", 3},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+COPS?\r", row.answer).WithTimeout(60000).WithPrefix("+COPS: ");
@@ -110,14 +102,8 @@ TEST_F(NetworkUtilityTest, BaseInfoReadsCopsOverItsDefaults) {
 }
 
 TEST(NetworkUtilityParse, ItemStringFields) {
-    struct Row {
-        std::string text;
-        int state;
-        const char* longName;
-        const char* shortName;
-        const char* numeric;
-        int act;
-    };
+    // clang-format off
+    struct Row { std::string text; int state; const char* longName; const char* shortName; const char* numeric; int act; };
     const Row rows[] = {
         {"2,\"Acme Mobile\",\"ACME\",\"00101\",2", 2, "Acme Mobile", "ACME", "00101", 2},
         {"1, \"Acme Mobile\", \"ACME\", \"00101\", 0", 1, "Acme Mobile", "ACME", "00101", 0},
@@ -128,6 +114,7 @@ TEST(NetworkUtilityParse, ItemStringFields) {
         {"1", 1, "", "", "", 3},
         {"", 0, "", "", "", 3},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
         TNetworkListItem item;
@@ -144,31 +131,18 @@ TEST(NetworkUtilityParse, ItemStringFields) {
 
 TEST_F(NetworkUtilityTest, ListStopsAtTheModeListsOrALongItem) {
     const std::string longItem = "(2,\"Acme Telecommunications Group\",\"ACME\",\"00101\",2)"; // 50 inside
-    struct Row {
-        std::string answer;
-        int result;
-        std::vector<std::string> numerics;
-    };
+    // clang-format off
+    struct Row { std::string answer; int result; std::vector<std::string> numerics; };
     const Row rows[] = {
-        {Answer("+COPS: (2,\"Acme Mobile\",\"ACME\",\"00101\",2),(1,\"Beta Tel\",\"BETA\",\"00102\",0),"
-                "(3,\"Gamma\",\"GAM\",\"00103\",2),,(0,1,2,3,4),(0,1,2)"),
-         0,
-         {"00101", "00102", "00103"}},
-        {Answer("+COPS: (2,\"Acme Mobile\",\"ACME\",\"00101\",2), (1,\"Beta "
-                "Tel\",\"BETA\",\"00102\",0),,(0-4),(0-2)"),
-         0,
-         {"00101", "00102"}},
-        {Answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2)," + longItem +
-                ",(1,\"Beta\",\"BETA\",\"00102\",0),,(0,1)"),
-         0,
-         {"00101"}},
-        {Answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\",0)"),
-         0,
-         {"00101", "00102"}},
+        {Answer("+COPS: (2,\"Acme Mobile\",\"ACME\",\"00101\",2),(1,\"Beta Tel\",\"BETA\",\"00102\",0),(3,\"Gamma\",\"GAM\",\"00103\",2),,(0,1,2,3,4),(0,1,2)"), 0, {"00101", "00102", "00103"}},
+        {Answer("+COPS: (2,\"Acme Mobile\",\"ACME\",\"00101\",2), (1,\"Beta Tel\",\"BETA\",\"00102\",0),,(0-4),(0-2)"), 0, {"00101", "00102"}},
+        {Answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2)," + longItem + ",(1,\"Beta\",\"BETA\",\"00102\",0),,(0,1)"), 0, {"00101"}},
+        {Answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\",0)"), 0, {"00101", "00102"}},
         {Answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\""), 0, {"00101"}},
         {Answer("+COPS: ,,(0,1,2,3,4),(0,1,2)"), 0, {}},
         {"\r\n+CME ERROR: no network service\r\n", 1, {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+COPS=?\r", row.answer).WithTimeout(180000).WithPrefix("+COPS: ");
@@ -187,15 +161,9 @@ TEST_F(NetworkUtilityTest, ListStopsAtTheModeListsOrALongItem) {
 }
 
 TEST_F(NetworkUtilityTest, SetBuildsTheCopsCommandFromTheMask) {
-    struct Row {
-        int mask;
-        int mode;
-        int format;
-        const char* oper;
-        int act;
-        const char* command; // nullptr: nothing is sent
-        int result;
-    };
+    // clang-format off
+    // command: nullptr: nothing is sent
+    struct Row { int mask; int mode; int format; const char* oper; int act; const char* command; int result; };
     const Row rows[] = {
         {1, 0, 0, nullptr, 0, "AT+COPS=0\r", 0},
         {1 | 2 | 4 | 8, 1, 2, "46000", 2, "AT+COPS=1,2,\"46000\",2\r", 0},
@@ -216,6 +184,7 @@ TEST_F(NetworkUtilityTest, SetBuildsTheCopsCommandFromTheMask) {
         {0, 1, 2, "46000", 2, nullptr, 0},
         {1, 5, 0, nullptr, 0, nullptr, 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message()
                      << "mask " << row.mask << " mode " << row.mode << " format " << row.format);
@@ -243,12 +212,8 @@ TEST(NetworkUtilityParse, CheckNameLimitsByFormat) {
 }
 
 TEST_F(NetworkUtilityTest, RegistrationStatesMapThroughTheTable) {
-    struct Row {
-        int which;
-        std::string answer;
-        int result;
-        int state;
-    };
+    // clang-format off
+    struct Row { int which; std::string answer; int result; int state; };
     const Row rows[] = {
         {0, Answer("+CREG: 0,0"), 0, 0},
         {0, Answer("+CREG: 0,1"), 0, 3},
@@ -267,6 +232,7 @@ TEST_F(NetworkUtilityTest, RegistrationStatesMapThroughTheTable) {
         {1, Answer("+CGREG: 2,5,\"1A2B\",\"00C3D4\",2"), 0, 4},
         {1, Answer("+CREG: 0,1"), 1, 5},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         if (row.which == 1)
@@ -280,15 +246,13 @@ TEST_F(NetworkUtilityTest, RegistrationStatesMapThroughTheTable) {
 }
 
 TEST_F(NetworkUtilityTest, PacketAttachState) {
-    struct Row {
-        std::string answer;
-        int result;
-        int state;
-    };
+    // clang-format off
+    struct Row { std::string answer; int result; int state; };
     const Row rows[] = {
         {Answer("+CGATT: 1"), 0, 1}, {Answer("+CGATT: 0"), 0, 2}, {Answer("+CGATT: 3"), 0, 0},
         {Answer("+CGATT:1"), 1, 0},  {"\r\nERROR\r\n", 1, 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CGATT?\r", row.answer).WithTimeout(3000).WithPrefix("+CGATT: ");
@@ -299,13 +263,8 @@ TEST_F(NetworkUtilityTest, PacketAttachState) {
 }
 
 TEST_F(NetworkUtilityTest, SystemSelectionReadsBandModeAndDomain) {
-    struct Row {
-        std::string answer;
-        int result;
-        int band;
-        int mode;
-        int domain;
-    };
+    // clang-format off
+    struct Row { std::string answer; int result; int band; int mode; int domain; };
     const Row rows[] = {
         {Answer("+SYSSEL: 0,0,0,2"), 0, 0, 0, 2}, {Answer("+SYSSEL: 1,2,0,1"), 0, 1, 1, 1},
         {Answer("+SYSSEL: 3,0,1,0"), 0, 3, 2, 0}, {Answer("+SYSSEL: 0,1,0,2"), 0, 0, 3, 2},
@@ -313,6 +272,7 @@ TEST_F(NetworkUtilityTest, SystemSelectionReadsBandModeAndDomain) {
         {Answer("+SYSSEL: 0,1,1,2"), 0, 0, 5, 2}, // pair in no row
         {Answer("+SYSSEL: 0,2,0"), 1, -1, 5, -1}, {"\r\nERROR\r\n", 1, -1, 5, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         for (int i = 0; i < 3; ++i)
@@ -359,16 +319,14 @@ TEST_F(NetworkUtilityTest, SystemSelectionSetCommands) {
 }
 
 TEST_F(NetworkUtilityTest, BearerByPrefixInTableOrder) {
-    struct Row {
-        const char* line;
-        int result;
-        int bearer;
-    };
+    // clang-format off
+    struct Row { const char* line; int result; int bearer; };
     const Row rows[] = {
         {"+SSND: NO SERVICE", 0, 0}, {"+SSND: GPRS", 0, 1}, {"+SSND: EDGE", 0, 2},  {"+SSND: UMTS", 0, 3},
         {"+SSND: HSDPA", 0, 4},      {"+SSND: HSPA", 0, 5}, {"+SSND: HSPA+", 0, 5}, {"+SSND: HSUPA", 0, 6},
         {"+SSND: GSM", 0, 7},        {"+SSND: LTE", 1, -1}, {"+SSND:HSDPA", 1, -1}, {"+SSND: hsdpa", 1, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
         m_fake.Expect("AT+SSND?\r", Answer(row.line)).WithTimeout(1000).WithPrefix("+SSND: ");
@@ -379,12 +337,8 @@ TEST_F(NetworkUtilityTest, BearerByPrefixInTableOrder) {
 }
 
 TEST(NetworkUtilityParse, Default7BitToWstring) {
-    struct Row {
-        std::vector<unsigned char> bytes;
-        int size;
-        std::wstring text;
-        int used;
-    };
+    // clang-format off
+    struct Row { std::vector<unsigned char> bytes; int size; std::wstring text; int used; };
     const Row rows[] = {
         {{'A', 'c', 'm', 'e'}, 16, L"Acme", 4},
         {{0x00, 0x02, 0x11, 0x5B, 0x7F}, 16, L"@$_\u00C4\u00E0", 5},
@@ -397,6 +351,7 @@ TEST(NetworkUtilityParse, Default7BitToWstring) {
         {{'A', 'c', 'm', 'e'}, 2, L"Ac", 2},
         {{0x1B, 0x65, 'x'}, 1, L"\u20AC", 2},
     };
+    // clang-format on
     for (const Row& row : rows) {
         wchar_t text[17] = {};
         EXPECT_EQ(CNetworkUtility::Default7BitToWstring(row.bytes.data(), static_cast<int>(row.bytes.size()),
@@ -413,13 +368,8 @@ TEST_F(NetworkUtilityTest, ServiceProviderNameCodings) {
     std::string fortyUcs2Bytes = "+SPNM: 01 80";
     for (int i = 0; i < 19; ++i)
         fortyUcs2Bytes += " 00 41";
-    struct Row {
-        std::string answer;
-        int result;
-        int present;
-        int display;
-        std::u16string name;
-    };
+    // clang-format off
+    struct Row { std::string answer; int result; int present; int display; std::u16string name; };
     const Row rows[] = {
         {Answer("+SPNM: 01 80 00 41 00 63 00 6D 00 65 FF FF"), 0, 1, 1, u"Acme"},
         {Answer("+SPNM: 00800041006300 6d0065ffff"), 0, 1, 0, u"Acme"},
@@ -436,6 +386,7 @@ TEST_F(NetworkUtilityTest, ServiceProviderNameCodings) {
         {"\r\n+SPNM: 0141", 1, 0, 0, u""},
         {"\r\nOK\r\n", 1, 0, 0, u""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+SPNM\r", row.answer).WithTimeout(1000).WithPrefix("+SPNM: ");
@@ -450,11 +401,8 @@ TEST_F(NetworkUtilityTest, ServiceProviderNameCodings) {
 }
 
 TEST_F(NetworkUtilityTest, DisplayListSlotsAndCount) {
-    struct Row {
-        std::string answer;
-        int count;
-        std::vector<std::string> slots;
-    };
+    // clang-format off
+    struct Row { std::string answer; int count; std::vector<std::string> slots; };
     const Row rows[] = {
         // The network behind the empty entry lies beyond the count: kept.
         {Answer("+SPDI: A3 0E 80 0C 64 F0 00 64 F0 10 FF FF FF 13 00 62"),
@@ -469,6 +417,7 @@ TEST_F(NetworkUtilityTest, DisplayListSlotsAndCount) {
         {Answer("+SPDI: A3 05 80 ZZ 64 F0 00"), 0, {}},
         {"\r\nOK\r\n", 0, {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+SPDI\r", row.answer).WithTimeout(5000).WithoutPrefix();
@@ -532,13 +481,8 @@ TEST_F(NetworkUtilityTest, InfoGathersEverything) {
 TEST_F(NetworkUtilityTest, InfoDisplayRule) {
     // Slots 46001, empty, 310260, 46002; the count of 3 leaves 46002 out.
     const char* spdi = "A3 0E 80 0C 64 F0 10 FF FF FF 13 00 62 64 F0 20";
-    struct Row {
-        const char* name;
-        const char* oper;
-        const char* simByte;
-        const char* spdi;
-        int display;
-    };
+    // clang-format off
+    struct Row { const char* name; const char* oper; const char* simByte; const char* spdi; int display; };
     const Row rows[] = {
         {"home by IMSI, bit 0 set", "46000", "01", "", 1},
         {"home by IMSI, bit 0 clear", "46000", "02", "", 2},
@@ -548,6 +492,7 @@ TEST_F(NetworkUtilityTest, InfoDisplayRule) {
         {"same country, byte zero", "46003", "00", spdi, 2},
         {"abroad", "26201", "01", "", 3},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         ExpectInfoScript(m_fake, std::string("0,2,\"") + row.oper + "\",2", "0,1",

@@ -67,13 +67,8 @@ protected:
 };
 
 TEST(PbDecodeItem, EntryLines) {
-    struct Row {
-        const char* line;
-        int result;
-        int index;
-        const char* number;
-        std::wstring name;
-    };
+    // clang-format off
+    struct Row { const char* line; int result; int index; const char* number; std::wstring name; };
     const Row rows[] = {
         {R"(5,"12345",145,"00480069")", 0, 5, "+12345", L"Hi"},
         {R"(5,"12345",129,"00480069")", 0, 5, "12345", L"Hi"},
@@ -96,6 +91,7 @@ TEST(PbDecodeItem, EntryLines) {
         {R"(5,"12345",129,"0041)", 1, -1, "", L"x"},
         {"", 1, -1, "", L"x"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
         TPbBaseItem item;
@@ -147,12 +143,9 @@ TEST_F(PbUtilityTest, StorageUseReadsModemThenSim) {
 }
 
 TEST_F(PbUtilityTest, StorageUseFailures) {
-    struct Row {
-        std::string selectAnswer;
-        int selectResult;
-        std::string answer; // empty: not asked
-        int result;
-    };
+    // clang-format off
+    // answer: empty: not asked
+    struct Row { std::string selectAnswer; int selectResult; std::string answer; int result; };
     const Row rows[] = {
         {"\r\n+CME ERROR: SIM not inserted\r\n", 0, "", 1},
         {"", 2, "", 2},
@@ -163,6 +156,7 @@ TEST_F(PbUtilityTest, StorageUseFailures) {
         {ScriptedAtFake::kOk, 0, ScriptedAtFake::kOk, 1},
         {ScriptedAtFake::kOk, 0, "AT+CPBS?\r\r\n+CPBS: \"SM\",1,20\r\n\r\nOK\r\n", 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.selectAnswer + row.answer));
         m_fake.Expect("AT+CPBS=\"SM\"\r", row.selectAnswer, row.selectResult);
@@ -173,12 +167,8 @@ TEST_F(PbUtilityTest, StorageUseFailures) {
 }
 
 TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
-    struct Row {
-        std::string answer;
-        int result;
-        int name;
-        int number;
-    };
+    // clang-format off
+    struct Row { std::string answer; int result; int name; int number; };
     const Row rows[] = {
         {Answer("+CPBR: (1-250),40,14"), 0, 14, 40},
         {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", 0, 18, 20},
@@ -190,6 +180,7 @@ TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
         {ScriptedAtFake::kOk, 1, -1, -1},
         {"\r\n+CME ERROR: operation not allowed\r\n", 1, -1, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CPBR=?\r", row.answer)
@@ -208,47 +199,47 @@ TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
     EXPECT_EQ(m_pb.GetMaxLengthPair(name, number), 2);
 }
 
-TEST_F(PbUtilityTest, ConstraintFromBothStorages) {
-    ExpectSelect(PB_STORAGE_SIM);
-    m_fake.Expect("AT+CPBR=?\r", Answer("+CPBR: (1-250),20,14"));
-    ExpectSelect(PB_STORAGE_MODEM);
-    m_fake.Expect("AT+CPBR=?\r", Answer("+CPBR: (1-100),,30"));
-    TPbConstraint constraint;
-    constraint.nMeMaxNumberLen = 99;
-    ASSERT_EQ(m_pb.GetConstraint(constraint), 0);
-    EXPECT_EQ(constraint.nMask, PB_CONSTRAINT_ME_NAME | PB_CONSTRAINT_SIM_NUMBER | PB_CONSTRAINT_SIM_NAME);
-    EXPECT_EQ(constraint.nMeMaxNumberLen, 0);
-    EXPECT_EQ(constraint.nMeMaxNameLen, 30);
-    EXPECT_EQ(constraint.nSimMaxNumberLen, 20);
-    EXPECT_EQ(constraint.nSimMaxNameLen, 14);
-}
-
-TEST_F(PbUtilityTest, ConstraintWithoutSimStillSucceeds) {
-    m_fake.Expect("AT+CPBS=\"SM\"\r", "\r\n+CME ERROR: SIM not inserted\r\n");
-    ExpectSelect(PB_STORAGE_MODEM);
-    m_fake.Expect("AT+CPBR=?\r", Answer("+CPBR: (1-100),40,18"));
-    TPbConstraint constraint;
-    ASSERT_EQ(m_pb.GetConstraint(constraint), 0);
-    EXPECT_EQ(constraint.nMask, PB_CONSTRAINT_ME_NUMBER | PB_CONSTRAINT_ME_NAME);
-    EXPECT_EQ(constraint.nMeMaxNumberLen, 40);
-    EXPECT_EQ(constraint.nMeMaxNameLen, 18);
-    EXPECT_EQ(constraint.nSimMaxNumberLen, 0);
-    EXPECT_EQ(constraint.nSimMaxNameLen, 0);
-}
-
-TEST_F(PbUtilityTest, ConstraintFailsWhenTheModemStorageDoesNotAnswer) {
-    // A SIM whose limits cannot be read is not checked; the modem storage's failures are returned.
-    ExpectSelect(PB_STORAGE_SIM);
-    m_fake.Expect("AT+CPBR=?\r", "\r\nERROR\r\n");
-    m_fake.ExpectFailure("AT+CPBS=\"ME\"\r", 2);
-    TPbConstraint constraint;
-    EXPECT_EQ(m_pb.GetConstraint(constraint), 2);
-
-    ExpectSelect(PB_STORAGE_SIM);
-    m_fake.Expect("AT+CPBR=?\r", Answer("+CPBR: (1-250),20,14"));
-    ExpectSelect(PB_STORAGE_MODEM);
-    m_fake.Expect("AT+CPBR=?\r", "\r\nERROR\r\n");
-    EXPECT_EQ(m_pb.GetConstraint(constraint), 1);
+// A SIM whose limits cannot be read is not checked; the modem storage's failures are returned.
+TEST_F(PbUtilityTest, ConstraintFromBothStoragesWithoutNeedingTheSim) {
+    const std::string simLimits = Answer("+CPBR: (1-250),20,14");
+    const std::string noSim = "\r\n+CME ERROR: SIM not inserted\r\n";
+    // An empty simSelect: selected; an empty simLimits or meLimits: not asked. The limits count for result 0.
+    // clang-format off
+    struct Row { std::string simSelect; std::string simLimits; int meSelectFailure; std::string meLimits; int result;
+                 uint32_t mask; int meNumber, meName, simNumber, simName; };
+    const Row rows[] = {
+        {"", simLimits, 0, Answer("+CPBR: (1-100),,30"), 0, PB_CONSTRAINT_ME_NAME | PB_CONSTRAINT_SIM_NUMBER | PB_CONSTRAINT_SIM_NAME, 0, 30, 20, 14},
+        {noSim, "", 0, Answer("+CPBR: (1-100),40,18"), 0, PB_CONSTRAINT_ME_NUMBER | PB_CONSTRAINT_ME_NAME, 40, 18, 0, 0},
+        {"", "\r\nERROR\r\n", 2, "", 2, 0, 0, 0, 0, 0},
+        {"", simLimits, 0, "\r\nERROR\r\n", 1, 0, 0, 0, 0, 0},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.simSelect + row.simLimits + row.meLimits));
+        if (row.simSelect.empty())
+            ExpectSelect(PB_STORAGE_SIM);
+        else
+            m_fake.Expect("AT+CPBS=\"SM\"\r", row.simSelect);
+        if (!row.simLimits.empty())
+            m_fake.Expect("AT+CPBR=?\r", row.simLimits);
+        if (row.meSelectFailure != 0)
+            m_fake.ExpectFailure("AT+CPBS=\"ME\"\r", row.meSelectFailure);
+        else
+            ExpectSelect(PB_STORAGE_MODEM);
+        if (!row.meLimits.empty())
+            m_fake.Expect("AT+CPBR=?\r", row.meLimits);
+        TPbConstraint constraint;
+        constraint.nMeMaxNumberLen = 99;
+        EXPECT_EQ(m_pb.GetConstraint(constraint), row.result);
+        m_fake.VerifyDone();
+        if (row.result != 0)
+            continue;
+        EXPECT_EQ(constraint.nMask, row.mask);
+        EXPECT_EQ(constraint.nMeMaxNumberLen, row.meNumber);
+        EXPECT_EQ(constraint.nMeMaxNameLen, row.meName);
+        EXPECT_EQ(constraint.nSimMaxNumberLen, row.simNumber);
+        EXPECT_EQ(constraint.nSimMaxNameLen, row.simName);
+    }
 }
 
 TEST_F(PbUtilityTest, EmptyStorageSendsNoRead) {

@@ -140,11 +140,8 @@ TEST_F(PinUtilityTest, PinCommandsSendTheirTextAndMapErrors) {
 }
 
 TEST_F(PinUtilityTest, GetStateReadsTheLockAnswer) {
-    struct Row {
-        const char* answer;
-        int result;
-        int enabled;
-    };
+    // clang-format off
+    struct Row { const char* answer; int result; int enabled; };
     const Row rows[] = {
         {"\r\n+CLCK: 1\r\n\r\nOK\r\n", 0, 1},
         {"AT+CLCK=\"SC\",2\r\r\n+CLCK: 0\r\n\r\nOK\r\n", 0, 0},
@@ -152,6 +149,7 @@ TEST_F(PinUtilityTest, GetStateReadsTheLockAnswer) {
         {"\r\n+CLCK:\r\n\r\nOK\r\n", 1, -1},
         {"\r\n+CME ERROR: SIM PIN required\r\n", 1, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CLCK=\"SC\",2\r", row.answer).WithTimeout(5000).WithPrefix("+CLCK");
@@ -163,14 +161,8 @@ TEST_F(PinUtilityTest, GetStateReadsTheLockAnswer) {
 
 TEST_F(PinUtilityTest, GetInfoPicksTheCounterCommandByState) {
     const char* smpn = "\r\n+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8),PF(9,10)\r\n\r\nOK\r\n";
-    struct Row {
-        int pinState;
-        const char* command;
-        const char* answer;
-        int result;
-        int first;
-        int second;
-    };
+    // clang-format off
+    struct Row { int pinState; const char* command; const char* answer; int result; int first; int second; };
     const Row rows[] = {
         {2, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10},
         {3, "AT+PNNM?\r", "\r\n+PNNM: 0,10\r\n\r\nOK\r\n", 0, 0, 10},
@@ -194,6 +186,7 @@ TEST_F(PinUtilityTest, GetInfoPicksTheCounterCommandByState) {
         {4, "AT+SMPN?\r", "\r\n+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8)\r\n\r\nOK\r\n", 1, -1, -1},
         {4, "AT+SMPN?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 1, -1, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message()
                      << "state " << row.pinState << " " << ScriptedAtFake::Printable(row.answer));

@@ -31,14 +31,9 @@ protected:
 };
 
 TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
-    struct Row {
-        const char* line;
-        const char* command; // null: nothing may be sent
-        const char* answer;
-        int failure;
-        int result;
-        const char* text;
-    };
+    // clang-format off
+    // command: null: nothing may be sent
+    struct Row { const char* line; const char* command; const char* answer; int failure; int result; const char* text; };
     const char* const selectItem =
         "\r\n+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\"\r\n"
         "\r\nOK\r\n";
@@ -60,6 +55,7 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
         {"+STIN: 99999999999", nullptr, nullptr, 0, 1, kUntouched},
         {"", nullptr, nullptr, 0, 1, kUntouched},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
         if (row.command != nullptr && row.failure != 0)
@@ -76,12 +72,8 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
 }
 
 TEST_F(STKUtilityTest, InitFetchesTheMainMenuAndNeedsOk) {
-    struct Row {
-        const char* answer;
-        int failure;
-        int result;
-        const char* text;
-    };
+    // clang-format off
+    struct Row { const char* answer; int failure; int result; const char* text; };
     const Row rows[] = {
         {kMainMenu, 0, 0, kMainMenu},
         // The echo is cut off.
@@ -90,6 +82,7 @@ TEST_F(STKUtilityTest, InitFetchesTheMainMenuAndNeedsOk) {
         {"\r\nERROR\r\n", 0, 1, kUntouched},
         {nullptr, 2, 2, kUntouched},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.result);
         if (row.failure != 0)
@@ -104,12 +97,8 @@ TEST_F(STKUtilityTest, InitFetchesTheMainMenuAndNeedsOk) {
 }
 
 TEST_F(STKUtilityTest, SendCommandKeepsOnlyAnAnswerWithOk) {
-    struct Row {
-        const char* answer;
-        int failure;
-        int result;
-        const char* text;
-    };
+    // clang-format off
+    struct Row { const char* answer; int failure; int result; const char* text; };
     const Row rows[] = {
         {"\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
         {"AT+STGR=0,0,2\r\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
@@ -118,6 +107,7 @@ TEST_F(STKUtilityTest, SendCommandKeepsOnlyAnAnswerWithOk) {
         {"\r\nERROR\r\n", 0, 0, kUntouched},
         {nullptr, 2, 2, kUntouched},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.result);
         if (row.failure != 0)

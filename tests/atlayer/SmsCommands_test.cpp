@@ -36,16 +36,14 @@ protected:
 };
 
 TEST_F(SmsCommandsTest, InitPassesOverRefusedOptionalSettings) {
-    struct Step {
-        const char* command;
-        int timeout;
-        Finals finals;
-    };
+    // clang-format off
+    struct Step { const char* command; int timeout; Finals finals; };
     const std::vector<Step> steps = {
         {"AT+CNMI=2,1,0,2,0\r", 1000, kCms}, {"AT+CNMI=2,1,0,0,0\r", 1000, kCms},
         {"AT+CNMI=1,1,0,0,0\r", 1000, kCms}, {"AT+CSCB=1\r", 10000, {"OK", "ERROR", "+CMS ERROR"}},
         {"AT+CMMS=2\r", 1000, kCme},         {"AT+CMGF=0\r", 1000, kCme},
     };
+    // clang-format on
     // One letter per step: A accepted, R refused, T timed out, - not sent.
     const std::pair<const char*, int> rows[] = {
         {"A--AAA", 0}, {"RA-AAA", 0}, {"RRRRRA", 0}, {"A--AAR", 1}, {"T-----", 2}, {"A--T--", 2},
@@ -75,11 +73,8 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
     EXPECT_EQ(m_sms.SetMessageFormat(2), 1);
     m_fake.VerifyDone();
 
-    struct Row {
-        const char* answer;
-        int result;
-        int format;
-    };
+    // clang-format off
+    struct Row { const char* answer; int result; int format; };
     const Row rows[] = {
         {"\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1},
         {"\r\n+CMGF: 1\r\n\r\nOK\r\n", 0, 0},
@@ -88,6 +83,7 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
         {"\r\n+CMGF: x\r\n\r\nOK\r\n", 1, -1},
         {"\r\nOK\r\n", 1, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CMGF?\r", row.answer);
@@ -147,13 +143,10 @@ TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
 }
 
 TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
-    struct Row {
-        const char* answer;
-        int result;
-        const char* address; // TMsgAddress as kept
-        uint32_t type;
-        const char* number; // GetServiceCentre's number
-    };
+    // clang-format off
+    // address: TMsgAddress as kept
+    // number: GetServiceCentre's number
+    struct Row { const char* answer; int result; const char* address; uint32_t type; const char* number; };
     const Row rows[] = {
         {"\r\n+CSCA: \"+447802000332\",145\r\n\r\nOK\r\n", 0, "+447802000332", 145, "+447802000332"},
         {"\r\n+CSCA: \"447802000332\",145\r\n\r\nOK\r\n", 0, "447802000332", 145, "+447802000332"},
@@ -168,6 +161,7 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
         {"\r\n+CSCA: \"+3165\r\n\r\nOK\r\n", 1, "", 0, ""},
         {"\r\nOK\r\n", 1, "", 0, ""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         ExpectIra();

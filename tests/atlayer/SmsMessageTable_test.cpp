@@ -118,13 +118,9 @@ TEST(SmsMessageTable, SegmentsMergeInSequenceOrder) {
 // Which segments join an existing message, which open another, and which are refused as duplicates.
 TEST(SmsMessageTable, DuplicatesAndLookalikes) {
     const Stored first{.index = 1, .reference = 9, .total = 2, .sequence = 1};
-    struct Row {
-        const char* what;
-        Stored segment;
-        int result;
-        std::size_t items; // table items afterwards
-    };
     // clang-format off
+    // items: table items afterwards
+    struct Row { const char* what; Stored segment; int result; std::size_t items; };
     const Row rows[] = {
         {"the same segment read again", first, 1, 1},
         {"the same part under another index", {.index = 2, .reference = 9, .total = 2, .sequence = 1}, 0, 2},
@@ -166,18 +162,16 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
 
 // Long messages are shown in groups of ten parts, each group its own message.
 TEST(SmsMessageTable, GroupsOfTen) {
-    struct Row {
-        int total;
-        int missing; // 0: none
-        std::vector<int> expected;
-        std::vector<int> received;
-    };
+    // clang-format off
+    // missing: 0: none
+    struct Row { int total; int missing; std::vector<int> expected; std::vector<int> received; };
     const Row rows[] = {
         {12, 0, {10, 2}, {10, 2}},
         {25, 17, {10, 10, 5}, {10, 9, 5}},
         {10, 0, {10}, {10}},
         {11, 11, {10}, {10}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.total);
         CSmsUtility sms;
@@ -221,15 +215,8 @@ TEST(SmsMessageTable, UnreadOrUnsentStatusWins) {
 // A replace message (TP-PID 0x41-0x47) takes the place of an older one from the same sender.
 TEST(SmsMessageTable, ReplaceMessages) {
     const Stored old{.index = 3, .text = L"old", .pid = 0x41, .time = "120102100000"};
-    struct Row {
-        const char* what;
-        Stored incoming;
-        bool deleteOnRead;
-        bool deletes;
-        const char* deleteAnswer;
-        bool replaced;
-    };
     // clang-format off
+    struct Row { const char* what; Stored incoming; bool deleteOnRead; bool deletes; const char* deleteAnswer; bool replaced; };
     const Row rows[] = {
         // One field smaller makes the stored one older, even when an earlier field is larger.
         {"newer by the hour", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120101110000"}, true, true, ScriptedAtFake::kOk, true},
@@ -279,13 +266,9 @@ TEST(SmsMessageTable, ReplaceMessages) {
 TEST(SmsMessageTable, FlashMessages) {
     const Stored flash{
         .storage = SMS_STORAGE_MODEM, .index = 7, .status = SMS_STATUS_UNREAD, .text = L"flash", .dcs = 0x10};
-    struct Row {
-        const char* what;
-        Stored message;
-        bool deleteOnRead;
-        int deletion; // -1 none sent, 0 accepted, else the exchange's failure code
-        bool deleted;
-    };
+    // clang-format off
+    // deletion: -1 none sent, 0 accepted, else the exchange's failure code
+    struct Row { const char* what; Stored message; bool deleteOnRead; int deletion; bool deleted; };
     Stored read = flash;
     read.status = SMS_STATUS_READ;
     const Row rows[] = {
@@ -294,6 +277,7 @@ TEST(SmsMessageTable, FlashMessages) {
         {"already read", read, true, -1, false},
         {"storage not selectable", flash, true, 2, false},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         CSmsUtility sms;

@@ -47,12 +47,9 @@ std::wstring Utf16(const std::wstring& text) {
 
 // Split, encode, decode again and join: what the recipient's phone shows.
 TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
-    struct Row {
-        const char* what;
-        std::wstring text;
-        int encodeType;
-        std::vector<uint32_t> lengths; // user data per segment: septets, or UCS2 octets
-    };
+    // clang-format off
+    // lengths: user data per segment: septets, or UCS2 octets
+    struct Row { const char* what; std::wstring text; int encodeType; std::vector<uint32_t> lengths; };
     const std::wstring ext152 = std::wstring(152, L'a') + L"€" + std::wstring(9, L'b');
     const Row rows[] = {
         {"160 septets", std::wstring(160, L'a'), 0, {160}},
@@ -69,6 +66,7 @@ TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
         {"one 7-bit-less character makes it UCS2", std::wstring(100, L'a') + L"ç", 1, {134, 68}},
         {"accented 7-bit letters", L"Grüße, Åsa! ¿Qué tal? {ok} 10€", 0, {33}},
     };
+    // clang-format on
     CSmsUtility sms;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
@@ -104,15 +102,13 @@ TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
 }
 
 TEST(SmsPacketMsg, StatusReportOnTheNextToLastSegment) {
-    struct Row {
-        int enabled;
-        std::wstring text;
-        std::vector<int> requested;
-    };
+    // clang-format off
+    struct Row { int enabled; std::wstring text; std::vector<int> requested; };
     const Row rows[] = {
         {1, L"short", {1}}, {1, std::wstring(200, L'a'), {1, 0}},    {1, std::wstring(400, L'a'), {0, 1, 0}},
         {1, L"", {1}},      {0, std::wstring(400, L'a'), {0, 0, 0}}, {0, L"short", {0}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << row.enabled << " " << row.text.size());
         CSmsUtility sms;
@@ -165,12 +161,8 @@ TEST(SmsPacketMsg, TemplateFields) {
 // With Latin support, accented letters the alphabet lacks are sent unaccented, but only when that makes
 // the whole text 7-bit.
 TEST(SmsPacketMsg, LatinReplacement) {
-    struct Row {
-        int latin;
-        std::wstring text;
-        int encodeType;
-        std::wstring sent;
-    };
+    // clang-format off
+    struct Row { int latin; std::wstring text; int encodeType; std::wstring sent; };
     const Row rows[] = {
         {1, L"Olá, ça va? Ý ÀÁÂÃ ÈÊË ÌÍÎÏ ÒÓÔÕ ÙÚÛ âã êë íîï óôõ úû ýÿ", 0,
          L"Ola, Ça va? Y AAAA EEE IIII OOOO UUU aa ee iii ooo uu yy"},
@@ -178,6 +170,7 @@ TEST(SmsPacketMsg, LatinReplacement) {
         {0, L"Olá", 1, L"Olá"},
         {1, L"é è ñ stay", 0, L"é è ñ stay"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << row.latin << " " << row.sent);
         CSmsUtility sms;

@@ -91,31 +91,15 @@ TEST(SmsPduDecode, FieldsOfEachTpduType) {
 
 // The submit's validity period in each format: none, relative, absolute, enhanced (not interpreted).
 TEST(SmsPduDecode, SubmitValidityPeriodFormats) {
-    struct Row {
-        const char* tpdu;
-        int nVpf;
-        TMsgTimeStamp period;
-    };
+    // clang-format off
+    struct Row { const char* tpdu; int nVpf; TMsgTimeStamp period; };
     const Row rows[] = {
-        {"0100038121F30000"
-         "02C834",
-         0,
-         {}},
-        {"1100038121F30000AA"
-         "02C834",
-         2,
-         {0, 0x00, 0x04, 0, 0, 0, 0}}, // 170: four days
-        {"1900038121F30000"
-         "1110102143652B"
-         "02C834",
-         3,
-         {0x11, 0x01, 0x01, 0x12, 0x34, 0x56, -32}},
-        {"0900038121F30000"
-         "01020304050607"
-         "02C834",
-         1,
-         {}},
+        {"0100038121F30000" "02C834", 0, {}},
+        {"1100038121F30000AA" "02C834", 2, {0, 0x00, 0x04, 0, 0, 0, 0}}, // 170: four days
+        {"1900038121F30000" "1110102143652B" "02C834", 3, {0x11, 0x01, 0x01, 0x12, 0x34, 0x56, -32}},
+        {"0900038121F30000" "01020304050607" "02C834", 1, {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.tpdu);
         TTpduData tpdu;
@@ -134,12 +118,8 @@ TEST(SmsPduDecode, SubmitValidityPeriodFormats) {
 TEST(SmsPduDecode, StatusReportOptionalFields) {
     const std::string base = "065A098136397339F72190117004638021901170046380"
                              "30";
-    struct Row {
-        std::string tail;
-        int result;
-        int pid;
-        std::wstring text;
-    };
+    // clang-format off
+    struct Row { std::string tail; int result; int pid; std::wstring text; };
     const Row rows[] = {
         {"", 0, 0, L""},
         {"0405E8329BFD06", 0, 0, L"hello"},        // TP-PI: UDL
@@ -152,6 +132,7 @@ TEST(SmsPduDecode, StatusReportOptionalFields) {
         {"0405", 1, 0, L""},                       // UDL as the last octet
         {"054005E8329BFD06", 0, 0x40, L"hello"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.tail);
         const std::string hex = base + row.tail;
@@ -170,12 +151,8 @@ TEST(SmsPduDecode, StatusReportOptionalFields) {
 
 TEST(SmsPduDecode, ServiceCentreRules) {
     const std::string tpdu = "040B918100551512F20000111010214365000AE8329BFD4697D9EC37";
-    struct Row {
-        std::string prefix;
-        int result;
-        const char* address;
-        uint32_t type;
-    };
+    // clang-format off
+    struct Row { std::string prefix; int result; const char* address; uint32_t type; };
     const Row rows[] = {
         {"00", 0, "", 0},
         {"0191", 0, "", 1},                        // type alone
@@ -192,6 +169,7 @@ TEST(SmsPduDecode, ServiceCentreRules) {
         {"0G", 1, "", 0},
         {"0791", 1, "", 0}, // the digits are missing: the TPDU does not start where it should
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.prefix);
         const std::string hex = row.prefix + tpdu;
@@ -212,12 +190,8 @@ TEST(SmsPduDecode, ServiceCentreRules) {
 }
 
 TEST(SmsPduDecode, Addresses) {
-    struct Row {
-        const char* hex;
-        int used;
-        uint32_t type;
-        std::string text;
-    };
+    // clang-format off
+    struct Row { const char* hex; int used; uint32_t type; std::string text; };
     const Row rows[] = {
         {"0B916407281553F8", 8, 0x11, "46708251358"},
         {"04818100", 4, 0x01, "1800"},
@@ -231,6 +205,7 @@ TEST(SmsPduDecode, Addresses) {
         {"0091", 2, 0x11, ""},
         {"159111111111111111111111F1", 13, 0x11, "111111111111111111111"}, // 21 digits, the most
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
@@ -250,11 +225,8 @@ TEST(SmsPduDecode, Addresses) {
 }
 
 TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
-    struct Row {
-        const char* hex;
-        TSmsDateTime expected;
-        int zone;
-    };
+    // clang-format off
+    struct Row { const char* hex; TSmsDateTime expected; int zone; };
     const Row rows[] = {
         {"11208211050561", {2011, 2, 28, 11, 50, 50, 1}, 16},
         {"1120821105050A", {2011, 2, 28, 11, 50, 50, 1}, -20},   // -05:00
@@ -265,6 +237,7 @@ TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
         {"4131339599998F", {2014, 1, 1, 0, 0, 0, 1}, 0},         // month 13, day 33, 59+ times
         {"5121D0FFFFFFF7", {2015, 12, 13, 0, 0, 0, 1}, 0},       // non-BCD digits, zone 85 quarters
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
@@ -304,11 +277,8 @@ TEST(SmsPduDecode, TimeStrings) {
 }
 
 TEST(SmsPduDecode, DataCodingSchemes) {
-    struct Row {
-        uint8_t dcs;
-        int alphabet;
-        int messageClass;
-    };
+    // clang-format off
+    struct Row { uint8_t dcs; int alphabet; int messageClass; };
     const Row rows[] = {
         {0x00, SMS_ALPHABET_7BIT, 4},     {0x04, SMS_ALPHABET_8BIT, 4}, {0x08, SMS_ALPHABET_UCS2, 4},
         {0x0C, SMS_ALPHABET_RESERVED, 4}, {0x10, SMS_ALPHABET_7BIT, 0}, {0x11, SMS_ALPHABET_7BIT, 1},
@@ -318,6 +288,7 @@ TEST(SmsPduDecode, DataCodingSchemes) {
         {0xE0, SMS_ALPHABET_UCS2, 4},     {0xF0, SMS_ALPHABET_7BIT, 0}, {0xF1, SMS_ALPHABET_7BIT, 1},
         {0xF4, SMS_ALPHABET_8BIT, 0},     {0xF6, SMS_ALPHABET_8BIT, 2}, {0xFF, SMS_ALPHABET_8BIT, 3},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << "DCS 0x" << std::hex << int(row.dcs));
         EXPECT_EQ(CSmsUtility::DecodeDcsAlphabet(row.dcs), row.alphabet);
@@ -336,13 +307,8 @@ TEST(SmsPduDecode, DataCodingSchemes) {
 }
 
 TEST(SmsPduDecode, UserDataHeaders) {
-    struct Row {
-        const char* hex;
-        uint32_t present;
-        int reference;
-        int total;
-        int sequence;
-    };
+    // clang-format off
+    struct Row { const char* hex; uint32_t present; int reference; int total; int sequence; };
     const Row rows[] = {
         {"050003CC0201", 1, 0xCC, 2, 1},
         {"0608041234030210", 1, 0x34, 3, 2},             // 16-bit reference: low octet only
@@ -353,6 +319,7 @@ TEST(SmsPduDecode, UserDataHeaders) {
         {"050A09FFFF", 0, 0, 0, 0},                      // unknown element overrunning
         {"00", 0, 0, 0, 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
@@ -369,26 +336,16 @@ TEST(SmsPduDecode, UserDataHeaders) {
 // The septets after a header start at the next septet boundary: one fill bit after a 6-octet header,
 // none after a 7-octet one.
 TEST(SmsPduDecode, SevenBitUserDataAfterAHeader) {
-    struct Row {
-        const char* hex;
-        uint8_t udl;
-        std::wstring text;
-    };
+    // clang-format off
+    struct Row { const char* hex; uint8_t udl; std::wstring text; };
     const Row rows[] = {
-        {"050003CC0201"
-         "D06536FB0D",
-         12, L"hello"},
-        {"06080412340201"
-         "E8329BFD06",
-         13, L"hello"},
-        {"0500", 3, L""}, // UDHL beyond UDL
-        {"3F0003CC0201"
-         "D06536FB0D",
-         12, L""}, // UDHL beyond the data
-        {"050003CC0201"
-         "D06536FB0D",
-         160, L"hello"}, // UDL beyond the data: cut to what is there
+        {"050003CC0201" "D06536FB0D", 12, L"hello"},
+        {"06080412340201" "E8329BFD06", 13, L"hello"},
+        {"0500", 3, L""},                             // UDHL beyond UDL
+        {"3F0003CC0201" "D06536FB0D", 12, L""},       // UDHL beyond the data
+        {"050003CC0201" "D06536FB0D", 160, L"hello"}, // UDL beyond the data: cut to what is there
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);

@@ -162,11 +162,8 @@ TEST(SmsPduEncode, ValidPeriodSettingsAsSent) {
 
 // 3GPP TS 23.038 6.1.2.1.1.
 TEST(SmsPduEncode, SeptetPacking) {
-    struct Row {
-        std::string text;
-        int fillBits;
-        const char* packed;
-    };
+    // clang-format off
+    struct Row { std::string text; int fillBits; const char* packed; };
     const Row rows[] = {
         {"hellohello", 0, "E8329BFD4697D9EC37"},
         {"12345678", 0, "31D98C56B3DD70"},
@@ -174,6 +171,7 @@ TEST(SmsPduEncode, SeptetPacking) {
         {"hello", 1, "D06536FB0D"},
         {"", 0, ""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
         const std::vector<uint8_t> septets = Septets(row.text);

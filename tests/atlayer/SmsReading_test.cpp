@@ -149,12 +149,8 @@ protected:
 };
 
 TEST(SmsReadingDecode, ListingBlocks) {
-    struct Row {
-        const char* what;
-        std::string response;
-        int result;
-        std::vector<uint32_t> indexes;
-    };
+    // clang-format off
+    struct Row { const char* what; std::string response; int result; std::vector<uint32_t> indexes; };
     const std::string ok = "\r\n\r\nOK\r\n";
     const Row rows[] = {
         {"empty storage", "\r\nOK\r\n", 0, {}},
@@ -168,6 +164,7 @@ TEST(SmsReadingDecode, ListingBlocks) {
         {"no length", "\r\n+CMGL: 1,1\r\n" + std::string(kHello) + ok, 1, {}},
         {"PDU line cut off", "\r\n+CMGL: 1,1,,28\r\n0791", 1, {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         std::list<TMessageListBaseItem> items;
@@ -186,11 +183,8 @@ TEST(SmsReadingDecode, ListingBlocks) {
 }
 
 TEST(SmsReadingDecode, ReadBlocks) {
-    struct Row {
-        std::string text;
-        int result;
-        uint32_t status;
-    };
+    // clang-format off
+    struct Row { std::string text; int result; uint32_t status; };
     const Row rows[] = {
         {"+CMGR: 0,,28\r\n" + std::string(kHello), 0, 0},
         {"+CMGR: 1,\"Bob\",28\r\n" + std::string(kHello), 0, 1},
@@ -199,6 +193,7 @@ TEST(SmsReadingDecode, ReadBlocks) {
         {"+CMGR: 0,,\r\n" + std::string(kHello), 1, 0},
         {"+CMGR: 0,,28\r\n", 1, 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.text));
         TMessageListBaseItem item;
@@ -310,18 +305,15 @@ TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
 // Preferred storage SIM: a message that arrived in the modem memory is copied to the SIM, or to the
 // computer when the SIM refuses, and deleted from the modem memory only once it is stored elsewhere.
 TEST_F(SmsReadingTest, NewMessageMovesOutOfTheModemMemory) {
-    struct Row {
-        const char* what;
-        const char* written; // answer to the PDU after AT+CMGW
-        bool pcSaveFails;
-        int storage;
-        bool deletes;
-    };
+    // clang-format off
+    // written: answer to the PDU after AT+CMGW
+    struct Row { const char* what; const char* written; bool pcSaveFails; int storage; bool deletes; };
     const Row rows[] = {
         {"to the SIM", "\r\n+CMGW: 7\r\n\r\nOK\r\n", false, SMS_STORAGE_SIM, true},
         {"SIM full, to the computer", "\r\n+CMS ERROR: 322\r\n", false, SMS_STORAGE_PC, true},
         {"SIM full, computer refuses", "\r\n+CMS ERROR: 322\r\n", true, SMS_STORAGE_MODEM, false},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         ScriptedAtFake fake;

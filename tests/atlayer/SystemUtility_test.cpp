@@ -53,11 +53,8 @@ TEST(SystemUtilityTrim, TrimContentCutsTheFramingOnly) {
 
 TEST(SystemUtilityParse, ImsiIsTheFirstShortAllDigitLine) {
     const std::string sixtyDigits(60, '9');
-    struct Row {
-        std::string answer;
-        int result;
-        const char* imsi;
-    };
+    // clang-format off
+    struct Row { std::string answer; int result; const char* imsi; };
     const Row rows[] = {
         {"\r\n460001234567890\r\n\r\nOK\r\n", 0, "460001234567890"},
         {"\r\n001010123456789\r\nOK\r\n", 0, "001010123456789"},
@@ -71,6 +68,7 @@ TEST(SystemUtilityParse, ImsiIsTheFirstShortAllDigitLine) {
         {"\r\n+CME ERROR: SIM not inserted\r\n", 1, ""},
         {"OK", 1, ""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         char imsi[kImsiSize] = {};
@@ -115,18 +113,16 @@ TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
 }
 
 TEST_F(SystemUtilityTest, SyncCommEscapesThenSwitchesEchoOnTwiceAndOff) {
-    struct Row {
-        const char* name;
-        int failAt; // step (1: first ATE1, 2: second ATE1, 3: ATE0) that fails, 0 none
-        int failure;
-        int result;
-    };
+    // clang-format off
+    // failAt: step (1: first ATE1, 2: second ATE1, 3: ATE0) that fails, 0 none
+    struct Row { const char* name; int failAt; int failure; int result; };
     const Row rows[] = {
         {"all answer", 0, 0, 0},
         {"first ATE1 times out", 1, 2, 2},
         {"second ATE1 cancelled", 2, 30, 30},
         {"ATE0 fails", 3, 1, 1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         // The escape's own result does not count.
@@ -269,11 +265,8 @@ TEST_F(SystemUtilityTest, SetCommandsSendTheirTextAndNeedOk) {
 }
 
 TEST_F(SystemUtilityTest, DeviceStartStateReadsTheFuncAnswer) {
-    struct Row {
-        const char* answer;
-        int result;
-        int state;
-    };
+    // clang-format off
+    struct Row { const char* answer; int result; int state; };
     const Row rows[] = {
         {"\r\n+FUNC: 1\r\n\r\nOK\r\n", 0, 1},
         {"AT+FUNC=5,?\r\r\n+FUNC:0\r\n\r\nOK\r\n", 0, 0},
@@ -282,6 +275,7 @@ TEST_F(SystemUtilityTest, DeviceStartStateReadsTheFuncAnswer) {
         {"\r\nOK\r\n", 1, -1},
         {"\r\nERROR\r\n", 1, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+FUNC=5,?\r", row.answer).WithTimeout(3000).WithPrefix("+FUNC:");

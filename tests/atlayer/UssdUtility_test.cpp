@@ -92,14 +92,8 @@ TEST_F(UssdUtilityTest, SendStopsAt999Codes) {
 }
 
 TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
-    struct Row {
-        const char* charSetAnswer;
-        int charSetResult;
-        const char* answer;
-        int result;
-        int sendResult;
-        bool active;
-    };
+    // clang-format off
+    struct Row { const char* charSetAnswer; int charSetResult; const char* answer; int result; int sendResult; bool active; };
     const Row rows[] = {
         {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true},
         {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
@@ -109,6 +103,7 @@ TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
         {"\r\nOK\r\n", 0, "", 2, 2, false},
         {"\r\nOK\r\n", 0, "", 30, 30, false},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         CUssdUility ussd;
@@ -126,12 +121,9 @@ TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
 }
 
 TEST_F(UssdUtilityTest, CheckStateReadsThePresentationState) {
-    struct Row {
-        const char* answer;
-        int failure;
-        int result;
-        int state; // -1: left alone
-    };
+    // clang-format off
+    // state: -1: left alone
+    struct Row { const char* answer; int failure; int result; int state; };
     const Row rows[] = {
         {"\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, 0, 1},
         {"AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, 0, 0},
@@ -144,6 +136,7 @@ TEST_F(UssdUtilityTest, CheckStateReadsThePresentationState) {
         {"", 2, 2, -1},
         {"", 30, 30, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         ExpectStateQuery(row.answer, row.failure);
@@ -154,13 +147,8 @@ TEST_F(UssdUtilityTest, CheckStateReadsThePresentationState) {
 }
 
 TEST_F(UssdUtilityTest, SetStateNeedsOk) {
-    struct Row {
-        int state;
-        const char* command;
-        const char* answer;
-        int failure;
-        int result;
-    };
+    // clang-format off
+    struct Row { int state; const char* command; const char* answer; int failure; int result; };
     const Row rows[] = {
         {1, "AT+CUSD=1\r", "\r\nOK\r\n", 0, 0},
         {0, "AT+CUSD=0\r", "\r\nOK\r\n", 0, 0},
@@ -168,6 +156,7 @@ TEST_F(UssdUtilityTest, SetStateNeedsOk) {
         {-7, "AT+CUSD=-7\r", "\r\n+CME ERROR: 4\r\n", 0, 1},
         {1, "AT+CUSD=1\r", "", 2, 2},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.command);
         m_fake.Expect(row.command, row.answer, row.failure)
@@ -217,12 +206,9 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
 }
 
 TEST_F(UssdUtilityTest, GetEncodingFormatSearchesTheNamesInOrder) {
-    struct Row {
-        const char* answer;
-        int failure;
-        int result;
-        int set; // -1: left alone
-    };
+    // clang-format off
+    // set: -1: left alone
+    struct Row { const char* answer; int failure; int result; int set; };
     const Row rows[] = {
         {"\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, 0, 5},
         {"AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, 0, 2},
@@ -233,6 +219,7 @@ TEST_F(UssdUtilityTest, GetEncodingFormatSearchesTheNamesInOrder) {
         {"\r\nERROR\r\n", 0, 1, -1},
         {"", 30, 30, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CSCS?\r", row.answer, row.failure)
@@ -246,14 +233,9 @@ TEST_F(UssdUtilityTest, GetEncodingFormatSearchesTheNamesInOrder) {
 }
 
 TEST_F(UssdUtilityTest, SelectTeCharacterSetNamesTheSet) {
-    struct Row {
-        int set;
-        int codePage;
-        int part;
-        const char* name; // nullptr: nothing is sent
-        const char* answer;
-        int result;
-    };
+    // clang-format off
+    // name: nullptr: nothing is sent
+    struct Row { int set; int codePage; int part; const char* name; const char* answer; int result; };
     const char* ok = "\r\nOK\r\n";
     const Row rows[] = {
         {0, 0, 0, "GSM", ok, 0},
@@ -272,6 +254,7 @@ TEST_F(UssdUtilityTest, SelectTeCharacterSetNamesTheSet) {
         {11, 0, 0, nullptr, "", 1},
         {-1, 0, 0, nullptr, "", 1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << "set " << row.set);
         if (row.name != nullptr) {
@@ -299,14 +282,10 @@ TEST(UssdDcs, AlphabetFollowsTheCodingGroups) {
 }
 
 TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
-    struct Row {
-        const char* charSet; // the AT+CSCS? answer
-        const char* line;
-        int nType; // -1: left alone
-        const wchar_t* text;
-        bool activeBefore;
-        bool activeAfter;
-    };
+    // clang-format off
+    // charSet: the AT+CSCS? answer
+    // nType: -1: left alone
+    struct Row { const char* charSet; const char* line; int nType; const wchar_t* text; bool activeBefore; bool activeAfter; };
     const char* ucs2 = "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n";
     const char* gsm = "\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n";
     const Row rows[] = {
@@ -342,6 +321,7 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
         {ucs2, "+CUSD: 99999999999,\"0048\",72", -1, L"", true, true},
         {ucs2, "OK", -1, L"", true, true},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
         SetDialogue(row.activeBefore);
@@ -358,16 +338,14 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
 }
 
 TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
-    struct Row {
-        const char* answer;
-        int failure;
-        int result;
-    };
+    // clang-format off
+    struct Row { const char* answer; int failure; int result; };
     const Row rows[] = {
         {"", 2, 2},
         {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1},
         {"\r\nERROR\r\n", 0, 1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CSCS?\r", row.answer, row.failure);
@@ -412,15 +390,13 @@ TEST(UssdReport, TruncatedAndOverlongReportsStayBounded) {
 }
 
 TEST(UssdHelpers, QuotationStringHexAndEncodeType) {
-    struct QuoteRow {
-        const char* text;
-        int result;
-        const char* quoted;
-    };
+    // clang-format off
+    struct QuoteRow { const char* text; int result; const char* quoted; };
     const QuoteRow quotes[] = {
         {"\"0048\",72", 0, "0048"}, {"\"\"", 0, ""},       {"\"ab\"cd\"", 0, "ab"},
         {"0048\"", 1, "left"},      {"\"0048", 1, "left"}, {"", 1, "left"},
     };
+    // clang-format on
     for (const QuoteRow& row : quotes) {
         std::string quoted = "left";
         EXPECT_EQ(CUssdUility::GetQuotationString(row.text, quoted), row.result) << row.text;

@@ -28,11 +28,8 @@ using nlohmann::json;
 // A request's argument is checked against the record the request takes; the message names the field.
 TEST(DialtoneModem, UsageErrorsExitTwoWithoutTouchingAModem) {
     TempDir home;
-    const struct {
-        std::vector<std::string> args;
-        const char* says;
-    } rows[] = {
-        // clang-format off
+    // clang-format off
+    const struct { std::vector<std::string> args; const char* says; } rows[] = {
         {{"frobnicate"}, "A subcommand is required"},
         {{"pin", "verify"}, "no PIN given; --pin-stdin reads it"},
         {{"network", "select", "26x02"}, "MCCMNC must be 5 or 6 digits"},
@@ -49,8 +46,8 @@ TEST(DialtoneModem, UsageErrorsExitTwoWithoutTouchingAModem) {
         {{"request", "MESSAGE_SMS_SET_STATUS_REPORT", "true"}, "must be \"TRUE\" or \"FALSE\""},
         {{"request", "MESSAGE_PIN_CHECK_STATE", "5"}, "MESSAGE_PIN_CHECK_STATE takes no argument"},
         {{"request", "MESSAGE_CALL_DIAL", R"("123;+CFUN=0")"}, "holds a semicolon (;)"},
-        // clang-format on
     };
+    // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.args.back());
         const Outcome run = RunDialtone(row.args, home.path);
@@ -176,13 +173,8 @@ TEST(DialtoneModem, KnownCausesAreToldWithWhatToDo) {
     SimulatedModem fullBook(
         ScenarioPatch{{{"phonebooks", {{"SM", {{"capacity", 2}, {"entries", twoEntries}}}}}}});
     ASSERT_TRUE(plain.ready() && fullBook.ready());
-    struct Row {
-        const SimulatedModem* modem;
-        std::vector<std::string> arguments;
-        std::string cause;
-        int modemCause;
-    };
     // clang-format off
+    struct Row { const SimulatedModem* modem; std::vector<std::string> arguments; std::string cause; int modemCause; };
     const std::vector<Row> rows = {
         {&plain, {"contacts", "add", "Alexandra Schmidt-Meyer", "+4917012345", "--store", "sim"}, "the name is 23 characters; this SIM takes at most 14", 0},
         {&fullBook, {"contacts", "add", "Carla", "+4917012345", "--store", "sim"}, "the sim phonebook is full (2 of 2 used)", 0},

@@ -21,22 +21,18 @@ std::vector<std::string> Lines(const std::string& text) {
 }
 
 TEST(DialtonePdu, DecodesWhatAModemPrints) {
-    struct Row {
-        std::vector<std::string> arguments;
-        std::vector<std::string> shown;
-    };
+    // clang-format off
+    struct Row { std::vector<std::string> arguments; std::vector<std::string> shown; };
     const Row rows[] = {
         {{"pdu", "decode", "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37"},
          {"SMS-DELIVER", "+18005551212", "2011-01-01T12:34:56+00:00", "text:           hellohello"}},
-        {{"--json", "pdu", "decode",
-          "0791947101670000040D91945111325476F80008323041906235400A004800690020D83DDE00", "--tpdu-len", "30"},
-         {"\"wstrContent\": \"Hi \xF0\x9F\x98\x80\"", "\"szNumber\": \"+4915112345678\"", "\"nTpduType\": 0",
-          "\"timeStamp\": \"2023-03-14T09:26:53+01:00\"", "\"nDcs\": 8"}},
+        {{"--json", "pdu", "decode", "0791947101670000040D91945111325476F80008323041906235400A004800690020D83DDE00", "--tpdu-len", "30"},
+         {"\"wstrContent\": \"Hi \xF0\x9F\x98\x80\"", "\"szNumber\": \"+4915112345678\"", "\"nTpduType\": 0", "\"timeStamp\": \"2023-03-14T09:26:53+01:00\"", "\"nDcs\": 8"}},
         {{"pdu", "decode", "07919730071111F10414D04937BD2C7797E9D3E614000811309291024061080442043504410442"},
          {"from:           InternetSMS", "text:           \xD1\x82\xD0\xB5\xD1\x81\xD1\x82"}},
-        {{"pdu", "decode", "07914356060013F1065A098136397339F7219011700463802190117004638030"},
-         {"SMS-STATUS-REPORT", "0x30 (still trying)", "639337937"}},
+        {{"pdu", "decode", "07914356060013F1065A098136397339F7219011700463802190117004638030"}, {"SMS-STATUS-REPORT", "0x30 (still trying)", "639337937"}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.arguments.back());
         const Outcome run = RunDialtone(row.arguments, "");
@@ -79,11 +75,9 @@ TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
 
 // Numbers as people type them: the destination field of the PDU (after first octet and reference).
 TEST(DialtonePdu, TypedNumbersBecomeTheRightDestination) {
-    struct Row {
-        const char* typed;
-        const char* address; // length, type of address, semi-octets
-    };
     // clang-format off
+    // address: length, type of address, semi-octets
+    struct Row { const char* typed; const char* address; };
     const Row rows[] = {
         {"+49 170 123 4567",   "0C91947110325476"},
         {"+49 (170) 123-4567", "0C91947110325476"},
@@ -100,13 +94,10 @@ TEST(DialtonePdu, TypedNumbersBecomeTheRightDestination) {
 }
 
 TEST(DialtonePdu, FailuresAndUsageErrors) {
-    struct Row {
-        std::vector<std::string> arguments;
-        int status;
-        std::string out; // exact
-        std::string err; // contained
-    };
     // clang-format off
+    // out: exact
+    // err: contained
+    struct Row { std::vector<std::string> arguments; int status; std::string out; std::string err; };
     const Row rows[] = {
         {{"pdu", "decode", "07912143658709F1XX"}, 1, "", "the PDU could not be decoded (result 1)"},
         {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"ERROR_CODE\": 1,\n  \"error\": \"the PDU could not be decoded\"\n}\n", "could not be decoded"},

@@ -223,12 +223,9 @@ TEST(DialtoneSms, EmptyStorageListsNothing) {
 TEST(DialtoneSms, TypedNumbersReachTheRightRecipient) {
     SimulatedModem modem(Scenario(json::array()));
     ASSERT_TRUE(modem.ready());
-    struct Row {
-        const char* typed;
-        int status;
-        const char* to; // nullptr: nothing sent
-    };
     // clang-format off
+    // to: nullptr: nothing sent
+    struct Row { const char* typed; int status; const char* to; };
     const Row rows[] = {
         {"+49 170 123 4567", 0, "+491701234567"},
         {"(0170) 123-4567",  0, "+491701234567"},

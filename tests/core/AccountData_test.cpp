@@ -169,14 +169,9 @@ TEST(AccountData, ReadsEveryFieldOfTheChosenLanguage) {
 }
 
 TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
-    struct Row {
-        const char* name;
-        std::string xml;
-        int language;
-        int result;
-        size_t groups;
-        const char* printed; // nullptr: nothing
-    };
+    // clang-format off
+    // printed: nullptr: nothing
+    struct Row { const char* name; std::string xml; int language; int result; size_t groups; const char* printed; };
     const std::string ok = tip() + goodGroup();
     const Row rows[] = {
         {"not XML", "garbage <<< >", 0, 0, 0, nullptr},
@@ -214,6 +209,7 @@ TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
                                       "<BUTTON_NAME>0041</BUTTON_NAME></BUTTON></BUTTON_SETTING>")))),
          0, -1, 0, "data prase error:"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         TempHome home;
@@ -270,18 +266,15 @@ TEST(AccountData, OddNumbersAreBounded) {
 TEST(AccountData, ShippedFilesAreValid) {
     TempHome home; // no DIALTONE_RESOURCE_DIR: the build tree's copy
     const QString dir = ResourceLocator::accountDataDir();
-    struct Row {
-        const char* file;
-        int language;
-        std::wstring firstGroup;
-        std::wstring codes;
-    };
+    // clang-format off
+    struct Row { const char* file; int language; std::wstring firstGroup; std::wstring codes; };
     const Row rows[] = {
         {"Default.dat", 0, L"Balance", L"*100# *102* *101# *106# "},
         {"Default.dat", 1, L"Guthaben", L"*100# *102* *101# *106# "},
         {"26202.dat", 0, L"Balance", L"*100# *101# *135# "},
         {"26202.dat", 1, L"Guthaben", L"*100# *101# *135# "},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.file);
         DebugCapture capture;

@@ -187,17 +187,15 @@ TEST_F(ConnectControllerTest, MissingServiceIsCreatedOnceThenRetriedNineteenTime
 }
 
 TEST_F(ConnectControllerTest, ModemInitCodes) {
-    struct Row {
-        int code;
-        int initsSent;
-        bool ready;
-    };
+    // clang-format off
+    struct Row { int code; int initsSent; bool ready; };
     const Row rows[] = {
         {WORKER_OK, 0, true},
         {WORKER_ERR_NO_DEV_NAME, 0, false}, // no retry
         {WORKER_ERR_NO_MODE_DEV, 1, false}, // tried again
         {WORKER_ERR_GENERAL, 0, false},     // ignored
     };
+    // clang-format on
     for (const Row& row : rows) {
         ConnectController::resetProcessState();
         const int before = worker().count(MESSAGE_MODEM_INIT) + 1;

@@ -101,18 +101,10 @@ TEST(ContactsController, ReloadAddUpdateRemoveReachTheSim) {
 // What does not fit is refused with its figures and never written; a write the modem refuses comes back
 // with its result.
 TEST(ContactsController, WritesThatCannotFitAreRefusedBeforeSending) {
-    struct Row {
-        const char* scenario;
-        const char* name;
-        const char* number;
-        Reason reason;
-        int have;
-        int limit;
-        int code;
-    };
+    // clang-format off
+    struct Row { const char* scenario; const char* name; const char* number; Reason reason; int have; int limit; int code; };
     const char* const full =
         R"({"phonebooks":{"SM":{"capacity":2,"entries":[{"index":1,"name":"A","number":"1"},{"index":2,"name":"B","number":"2"}]}}})";
-    // clang-format off
     const Row rows[] = {
         {"",   "Alexandra Schmidt-Meyer", "+4917012345",              Reason::NameTooLong,   23, 14, WORKER_ERR_INVALID_ARGUMENT},
         {"",   "Carla",                   "+491701234567890123456",   Reason::NumberTooLong, 21, 20, WORKER_ERR_INVALID_ARGUMENT},

@@ -211,18 +211,15 @@ TEST_F(DamagedFiles, AbsentFilesAreNotDamaged) {
 
 TEST_F(DamagedFiles, ReaderTellsAbsentGoodAndDamagedApart) {
     const QString path = home.path() + "/probe.plist";
-    const struct {
-        const char* name;
-        std::optional<QByteArray> bytes;
-        int root;
-        DamagedFile::State state;
-    } rows[] = {
+    // clang-format off
+    const struct { const char* name; std::optional<QByteArray> bytes; int root; DamagedFile::State state; } rows[] = {
         {"absent", std::nullopt, QMetaType::QVariantMap, DamagedFile::State::Absent},
         {"dictionary", kDictFile, QMetaType::QVariantMap, DamagedFile::State::Good},
         {"array", kListFile, QMetaType::QVariantList, DamagedFile::State::Good},
         {"array for a dictionary", kListFile, QMetaType::QVariantMap, DamagedFile::State::Damaged},
         {"garbage", kGarbage, QMetaType::QVariantList, DamagedFile::State::Damaged},
     };
+    // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         QFile::remove(path);
@@ -238,11 +235,8 @@ TEST_F(DamagedFiles, ReaderTellsAbsentGoodAndDamagedApart) {
 
 TEST_F(DamagedFiles, SettingsFileChecks) {
     const QString path = home.path() + "/probe.ini";
-    const struct {
-        const char* name;
-        QByteArray bytes;
-        DamagedFile::State state;
-    } rows[] = {
+    // clang-format off
+    const struct { const char* name; QByteArray bytes; DamagedFile::State state; } rows[] = {
         {"as written", "[General]\nCreatedModemNumber=4\n\n[Sms]\nstorage=pc\n", DamagedFile::State::Good},
         {"comments", "; note\n# note\nkey=value", DamagedFile::State::Good},
         {"empty", "", DamagedFile::State::Good},
@@ -252,6 +246,7 @@ TEST_F(DamagedFiles, SettingsFileChecks) {
         {"invalid UTF-8", "key=\xc3\x28\n", DamagedFile::State::Damaged},
         {"property list", kDictFile, DamagedFile::State::Damaged},
     };
+    // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         TempHome::writeFile(path, row.bytes);

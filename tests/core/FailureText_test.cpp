@@ -10,11 +10,8 @@
 namespace {
 
 TEST(ModemErrorCause, ReadsTheLastCauseNumericOrVerbose) {
-    struct Row {
-        const char* answer;
-        int cause;
-    };
     // clang-format off
+    struct Row { const char* answer; int cause; };
     const Row rows[] = {
         {"\r\n+CME ERROR: 20\r\n", kCmeCause + 20},
         {"\r\n+CME ERROR: memory full\r\n", kCmeCause + 20},
@@ -37,13 +34,8 @@ TEST(ModemErrorCause, ReadsTheLastCauseNumericOrVerbose) {
 }
 
 TEST(FailureText, SaysTheCauseAndWhatToDoInEachFrontEnd) {
-    struct Row {
-        int code;
-        int cause;
-        FrontEnd frontEnd;
-        const char* text;
-    };
     // clang-format off
+    struct Row { int code; int cause; FrontEnd frontEnd; const char* text; };
     const Row rows[] = {
         {1, kCmeCause + 11, FrontEnd::Tool, "the SIM is locked: dialtone pin verify PIN"},
         {1, kCmeCause + 11, FrontEnd::DesktopApp, "the SIM is locked: enter its PIN with \"Unlock the SIM\""},
@@ -63,13 +55,8 @@ TEST(FailureText, SaysTheCauseAndWhatToDoInEachFrontEnd) {
 }
 
 TEST(FailureText, SimStatesThatKeepCommandsFromRunning) {
-    struct Row {
-        int pinState;
-        bool unusable;
-        int code;
-        const char* text;
-    };
     // clang-format off
+    struct Row { int pinState; bool unusable; int code; const char* text; };
     const Row rows[] = {
         {1, false, 0, ""},
         {0, true, 8, "there is no SIM in the modem: insert one and plug the modem in again"},

@@ -64,13 +64,10 @@ TEST(NetworkController, ScanThenSelectReachTheModem) {
     EXPECT_EQ(operators.first().strNumericAlpha, "26202");
     EXPECT_EQ(operators.first().nState, BLNetworkListItem::kStateCurrent);
 
-    struct Row {
-        const char* plmn; // empty: automatic
-        int code;
-        int cause;
-        int selection; // in the simulator afterwards
-    };
     // clang-format off
+    // plmn: empty: automatic
+    // selection: in the simulator afterwards
+    struct Row { const char* plmn; int code; int cause; int selection; };
     const Row rows[] = {
         {"26201", WORKER_OK,          0,      1},
         {"26203", WORKER_ERR_GENERAL, 100032, 1}, // +CME ERROR: 32, emergency calls only
@@ -100,13 +97,8 @@ TEST(NetworkController, ScanThenSelectReachTheModem) {
 // Band and mode as named values: read, applied in one go, and a mode the modem refuses named as such; a
 // standard stick refuses both as not supported, which the controller says once.
 TEST(NetworkController, BandAndModeAndTheirAbsenceOnStandardSticks) {
-    struct Row {
-        bool standard;
-        int readCode;
-        int applyCode;
-        NetworkController::RadioStep stoppedAt;
-    };
     // clang-format off
+    struct Row { bool standard; int readCode; int applyCode; NetworkController::RadioStep stoppedAt; };
     const Row rows[] = {
         {false, WORKER_OK,                WORKER_OK,                NetworkController::RadioStep::Mode},
         {true,  WORKER_ERR_NOT_SUPPORTED, WORKER_ERR_NOT_SUPPORTED, NetworkController::RadioStep::Band},

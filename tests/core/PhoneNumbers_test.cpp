@@ -9,13 +9,9 @@ using PhoneNumbers::Refusal;
 
 // What people type, read with a German and a British SIM, and with no SIM country at all.
 TEST(PhoneNumbers, ParsesWhatPeopleType) {
-    struct Row {
-        const char* typed;
-        const char* region;
-        const char* dial; // nullptr: refused with `refusal`
-        Refusal refusal;
-    };
     // clang-format off
+    // dial: nullptr: refused with `refusal`
+    struct Row { const char* typed; const char* region; const char* dial; Refusal refusal; };
     const Row rows[] = {
         {"+49 170 123 4567",           "DE", "+491701234567", Refusal::None},
         {"0170 1234567",               "DE", "+491701234567", Refusal::None},
@@ -53,12 +49,8 @@ TEST(PhoneNumbers, ParsesWhatPeopleType) {
 }
 
 TEST(PhoneNumbers, FormatsAndMatchesStoredNumbers) {
-    struct Row {
-        const char* number;
-        const char* region;
-        const char* reading;
-    };
     // clang-format off
+    struct Row { const char* number; const char* region; const char* reading; };
     const Row reading[] = {
         {"+491701234567", "DE", "0170 1234567"},
         {"+447700900123", "DE", "+44 7700 900123"},
@@ -71,13 +63,8 @@ TEST(PhoneNumbers, FormatsAndMatchesStoredNumbers) {
     for (const Row& row : reading)
         EXPECT_EQ(PhoneNumbers::ForReading(row.number, row.region), row.reading) << row.number;
 
-    struct Match {
-        const char* a;
-        const char* b;
-        const char* region;
-        bool same;
-    };
     // clang-format off
+    struct Match { const char* a; const char* b; const char* region; bool same; };
     const Match matches[] = {
         {"+4917012345",   "017012345",     "DE", true},
         {"+4917012345",   "017012345",     "",   true},

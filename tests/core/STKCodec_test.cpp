@@ -70,11 +70,8 @@ TEST(STKCodec, CommandTypeFollowsTheModemTable) {
 }
 
 TEST(STKCodec, TextFieldsFollowTheTerminalCharacterSet) {
-    struct Row {
-        const char* field;
-        int teSet;
-        std::wstring text;
-    };
+    // clang-format off
+    struct Row { const char* field; int teSet; std::wstring text; };
     const Row rows[] = {
         {"004E006500770073", USSD_TE_UCS2, L"News"},
         {"0053004900cd", USSD_TE_UCS2, L"SI\u00CD"},
@@ -93,6 +90,7 @@ TEST(STKCodec, TextFieldsFollowTheTerminalCharacterSet) {
         {"4869", USSD_TE_HEX, L"Hi"},
         {"486", USSD_TE_HEX, L"486"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.field);
         EXPECT_EQ(Codes(CSTKCodec::DecodeTeText(row.field, row.teSet)), Codes(row.text));

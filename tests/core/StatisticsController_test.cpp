@@ -30,38 +30,23 @@ TEST(StatisticsController, RangeRowsAndTotals) {
         std::vector<StatisticsDayRow> expected;
         _TrafficStaticsItem total;
     };
+    // clang-format off
     const Row rows[] = {
         {"no history", "", QDate(2024, 1, 1), QDate(2024, 1, 31), {}, {}},
-        {"one day",
-         day("2024/01/31", "<integer>1024</integer>", "<integer>2048</integer>", "<integer>0</integer>",
-             "<integer>5</integer>"),
-         QDate(2024, 1, 31),
-         QDate(2024, 1, 31),
-         {{"2024/01/31", {1024, 2048, 0, 5, 0}}},
-         {1024, 2048, 0, 5, 0}},
+        {"one day", day("2024/01/31", "<integer>1024</integer>", "<integer>2048</integer>", "<integer>0</integer>", "<integer>5</integer>"),
+         QDate(2024, 1, 31), QDate(2024, 1, 31), {{"2024/01/31", {1024, 2048, 0, 5, 0}}}, {1024, 2048, 0, 5, 0}},
         {"range with a day outside and a bad counter",
-         day("2024/01/29", "<integer>9</integer>", "<integer>9</integer>", "<integer>9</integer>",
-             "<integer>9</integer>") +
-             day("2024/01/31", "<integer>10</integer>", "<integer>20</integer>", "<integer>30</integer>",
-                 "<integer>40</integer>") +
-             day("2024/02/02", "<integer>-1</integer>", "<string>7</string>", "<integer>3</integer>",
-                 "<integer>4</integer>") +
+         day("2024/01/29", "<integer>9</integer>", "<integer>9</integer>", "<integer>9</integer>", "<integer>9</integer>") +
+             day("2024/01/31", "<integer>10</integer>", "<integer>20</integer>", "<integer>30</integer>", "<integer>40</integer>") +
+             day("2024/02/02", "<integer>-1</integer>", "<string>7</string>", "<integer>3</integer>", "<integer>4</integer>") +
              "<key>2024/02/01</key><string>not a day</string>",
-         QDate(2024, 1, 30),
-         QDate(2024, 2, 2),
-         {{"2024/01/31", {10, 20, 30, 40, 0}}, {"2024/02/02", {0, 0, 3, 4, 0}}},
-         {10, 20, 33, 44, 0}},
+         QDate(2024, 1, 30), QDate(2024, 2, 2), {{"2024/01/31", {10, 20, 30, 40, 0}}, {"2024/02/02", {0, 0, 3, 4, 0}}}, {10, 20, 33, 44, 0}},
         {"sums past the signed range",
-         day("2024/03/01", "<integer>9223372036854775808</integer>", "<integer>0</integer>",
-             "<integer>0</integer>", "<integer>0</integer>") +
-             day("2024/03/02", "<integer>9223372036854775807</integer>", "<integer>0</integer>",
-                 "<integer>0</integer>", "<integer>0</integer>"),
-         QDate(2024, 3, 1),
-         QDate(2024, 3, 2),
-         {{"2024/03/01", {quint64(1) << 63, 0, 0, 0, 0}},
-          {"2024/03/02", {(quint64(1) << 63) - 1, 0, 0, 0, 0}}},
-         {~quint64(0), 0, 0, 0, 0}},
+         day("2024/03/01", "<integer>9223372036854775808</integer>", "<integer>0</integer>", "<integer>0</integer>", "<integer>0</integer>") +
+             day("2024/03/02", "<integer>9223372036854775807</integer>", "<integer>0</integer>", "<integer>0</integer>", "<integer>0</integer>"),
+         QDate(2024, 3, 1), QDate(2024, 3, 2), {{"2024/03/01", {quint64(1) << 63, 0, 0, 0, 0}}, {"2024/03/02", {(quint64(1) << 63) - 1, 0, 0, 0, 0}}}, {~quint64(0), 0, 0, 0, 0}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         TempHome home;

@@ -71,19 +71,15 @@ QByteArray truncatedBinaryPlist() {
 }
 
 TEST(TrafficStatics, DayKeyAndDayText) {
-    struct Row {
-        QDateTime date;
-        const char* key;
-        const char* dayText;
-        const char* ymd;
-        const char* hms;
-    };
+    // clang-format off
+    struct Row { QDateTime date; const char* key; const char* dayText; const char* ymd; const char* hms; };
     const Row rows[] = {
         {QDateTime(QDate(2024, 1, 31), QTime(0, 0, 0)), "2024/01/31", "2024-01-31", "2024-01-31", "00-00-00"},
         {QDateTime(QDate(2023, 12, 31), QTime(23, 59, 59)), "2023/12/31", "2023-12-31", "2023-12-31",
          "23-59-59"},
         {QDateTime(QDate(2024, 2, 29), QTime(7, 5, 9)), "2024/02/29", "2024-02-29", "2024-02-29", "07-05-09"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         EXPECT_EQ(TrafficStatics::getKeyOfDate(row.date), row.key);
         EXPECT_EQ(TrafficStatics::dayTextOfDate(row.date), row.dayText);
@@ -101,38 +97,20 @@ TEST(TrafficStatics, RangeQuery) {
         std::vector<std::string> expected;
     };
     const QByteArray entry = dayXml(1, 2, 3, 4);
+    // clang-format off
     const Row rows[] = {
         {"one day without entry", {{"2024/01/30", entry}}, noonOf(2024, 1, 31), noonOf(2024, 1, 31), {}},
-        {"one day with entry",
-         {{"2024/01/31", entry}},
-         noonOf(2024, 1, 31),
-         noonOf(2024, 1, 31),
-         {"2024/01/31"}},
-        {"end of month, outside days left out",
-         {{"2024/01/29", entry}, {"2024/01/31", entry}, {"2024/02/02", entry}, {"2024/02/03", entry}},
-         noonOf(2024, 1, 30),
-         noonOf(2024, 2, 2),
-         {"2024/01/31", "2024/02/02"}},
-        {"keys stored out of order",
-         {{"2024/02/02", entry}, {"2024/02/01", entry}, {"2024/01/30", entry}, {"2024/01/31", entry}},
-         noonOf(2024, 1, 30),
-         noonOf(2024, 2, 2),
-         {"2024/01/30", "2024/01/31", "2024/02/01", "2024/02/02"}},
-        {"year boundary",
-         {{"2024/01/01", entry}, {"2023/12/31", entry}, {"2023/12/30", entry}},
-         noonOf(2023, 12, 31),
-         noonOf(2024, 1, 1),
-         {"2023/12/31", "2024/01/01"}},
-        {"entries that are not dictionaries",
-         {{"2024/01/30", "<string>x</string>"},
-          {"2024/01/31", "<array><integer>1</integer></array>"},
-          {"2024/02/01", entry},
-          {"2024/02/02", "<integer>7</integer>"}},
-         noonOf(2024, 1, 30),
-         noonOf(2024, 2, 2),
-         {"2024/02/01"}},
+        {"one day with entry", {{"2024/01/31", entry}}, noonOf(2024, 1, 31), noonOf(2024, 1, 31), {"2024/01/31"}},
+        {"end of month, outside days left out", {{"2024/01/29", entry}, {"2024/01/31", entry}, {"2024/02/02", entry}, {"2024/02/03", entry}},
+         noonOf(2024, 1, 30), noonOf(2024, 2, 2), {"2024/01/31", "2024/02/02"}},
+        {"keys stored out of order", {{"2024/02/02", entry}, {"2024/02/01", entry}, {"2024/01/30", entry}, {"2024/01/31", entry}},
+         noonOf(2024, 1, 30), noonOf(2024, 2, 2), {"2024/01/30", "2024/01/31", "2024/02/01", "2024/02/02"}},
+        {"year boundary", {{"2024/01/01", entry}, {"2023/12/31", entry}, {"2023/12/30", entry}}, noonOf(2023, 12, 31), noonOf(2024, 1, 1), {"2023/12/31", "2024/01/01"}},
+        {"entries that are not dictionaries", {{"2024/01/30", "<string>x</string>"}, {"2024/01/31", "<array><integer>1</integer></array>"}, {"2024/02/01", entry}, {"2024/02/02", "<integer>7</integer>"}},
+         noonOf(2024, 1, 30), noonOf(2024, 2, 2), {"2024/02/01"}},
         {"empty file", {}, noonOf(2024, 1, 1), noonOf(2024, 12, 31), {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         TempHome home;

@@ -88,13 +88,8 @@ TEST(ConvertUtilty, StateTexts) {
 }
 
 TEST(ConvertUtilty, Replacement) {
-    const struct {
-        const char* text;
-        const char* pattern;
-        const char* replacement;
-        const char* all;
-        const char* first;
-    } rows[] = {
+    // clang-format off
+    const struct { const char* text; const char* pattern; const char* replacement; const char* all; const char* first; } rows[] = {
         {"My%20APN%20name", "%20", " ", "My APN name", "My APN%20name"},
         {"2024-05-01 10:00:00 -0500", "-", "/", "2024/05/01 10:00:00 /0500", "2024/05-01 10:00:00 -0500"},
         {"aab", "ab", "b", "b", "ab"}, // the rebuilt text is searched again
@@ -103,6 +98,7 @@ TEST(ConvertUtilty, Replacement) {
         {"abc", "", "x", "abc", "abc"},
         {"", "a", "b", "", ""},
     };
+    // clang-format on
     for (const auto& row : rows) {
         EXPECT_EQ(ConvertUtilty::stringReplaceTO(row.text, row.pattern, row.replacement).toStdString(),
                   row.all)

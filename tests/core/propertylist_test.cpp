@@ -179,18 +179,16 @@ TEST(PropertyList, HostileBinaryListsAreRefused) {
     EXPECT_FALSE(PropertyList::fromData(binaryList(chain)).isValid());
 
     // References, counts and offsets that point outside the objects.
+    // clang-format off
     const QList<QByteArray> rows[] = {
-        {QByteArray("\xA1\x05", 2)}, // reference to a missing object
-        {QByteArray("\x5F\x10\xFF"
-                    "abc",
-                    6)},                                              // string longer than the data
+        {QByteArray("\xA1\x05", 2)},                                  // reference to a missing object
+        {QByteArray("\x5F\x10\xFF" "abc", 6)},                        // string longer than the data
         {QByteArray("\x6F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)}, // huge UTF-16 count
         {QByteArray("\xD1\x01\x01", 3), QByteArray("\x10\x01", 2)},   // a key that is not a string
-        {QByteArray("\x14"
-                    "12345678",
-                    9)},         // 16-byte integer cut short
-        {QByteArray("\x0F", 1)}, // fill byte
+        {QByteArray("\x14" "12345678", 9)},                            // 16-byte integer cut short
+        {QByteArray("\x0F", 1)},                                       // fill byte
     };
+    // clang-format on
     for (const auto& objects : rows) {
         EXPECT_FALSE(PropertyList::fromData(binaryList(objects)).isValid())
             << objects[0].toHex().toStdString();

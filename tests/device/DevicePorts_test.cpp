@@ -11,47 +11,19 @@ namespace {
 
 // Port discovery over a device folder: the dial port by prefix, the AT port by the "3" rule.
 TEST(DevicePorts, NamingRule) {
-    const struct {
-        const char* name;
-        QStringList entries;
-        bool found;
-        const char* modem;
-        const char* data;
-    } rows[] = {
-        {"pair",
-         {"cu.VELMobileConnector1", "cu.VELDeviceInterface3"},
-         true,
-         "cu.VELMobileConnector1",
-         "cu.VELDeviceInterface3"},
-        {"last character replaced",
-         {"cu.VELMobileConnector12", "cu.VELDeviceInterface13"},
-         true,
-         "cu.VELMobileConnector12",
-         "cu.VELDeviceInterface13"},
-        {"suffix not a number",
-         {"cu.VELMobileConnectorAB", "cu.VELDeviceInterfaceA3"},
-         true,
-         "cu.VELMobileConnectorAB",
-         "cu.VELDeviceInterfaceA3"},
-        {"first in name order wins",
-         {"cu.VELMobileConnector2", "cu.VELMobileConnector1", "cu.VELDeviceInterface3"},
-         true,
-         "cu.VELMobileConnector1",
-         "cu.VELDeviceInterface3"},
-        {"the walk stops at the first dial port",
-         {"cu.VELMobileConnector11", "cu.VELMobileConnector21", "cu.VELDeviceInterface23"},
-         false,
-         nullptr,
-         nullptr},
-        {"AT port missing",
-         {"cu.VELMobileConnector1", "cu.VELDeviceInterface4", "ttyUSB0"},
-         false,
-         nullptr,
-         nullptr},
+    // clang-format off
+    const struct { const char* name; QStringList entries; bool found; const char* modem; const char* data; } rows[] = {
+        {"pair", {"cu.VELMobileConnector1", "cu.VELDeviceInterface3"}, true, "cu.VELMobileConnector1", "cu.VELDeviceInterface3"},
+        {"last character replaced", {"cu.VELMobileConnector12", "cu.VELDeviceInterface13"}, true, "cu.VELMobileConnector12", "cu.VELDeviceInterface13"},
+        {"suffix not a number", {"cu.VELMobileConnectorAB", "cu.VELDeviceInterfaceA3"}, true, "cu.VELMobileConnectorAB", "cu.VELDeviceInterfaceA3"},
+        {"first in name order wins", {"cu.VELMobileConnector2", "cu.VELMobileConnector1", "cu.VELDeviceInterface3"}, true, "cu.VELMobileConnector1", "cu.VELDeviceInterface3"},
+        {"the walk stops at the first dial port", {"cu.VELMobileConnector11", "cu.VELMobileConnector21", "cu.VELDeviceInterface23"}, false, nullptr, nullptr},
+        {"AT port missing", {"cu.VELMobileConnector1", "cu.VELDeviceInterface4", "ttyUSB0"}, false, nullptr, nullptr},
         {"AT port only", {"cu.VELDeviceInterface3"}, false, nullptr, nullptr},
         {"empty suffix", {"cu.VELMobileConnector", "cu.VELDeviceInterface3"}, false, nullptr, nullptr},
         {"nothing", {"ttyUSB0", "null"}, false, nullptr, nullptr},
     };
+    // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         TempWorld world;

@@ -68,12 +68,9 @@ TEST(SimFaultKnobsTest, FloodsAtOnceAndAsAStream) {
 }
 
 TEST(SimFaultKnobsTest, UnplugKnobsFireOnceAtTheirCommand) {
-    struct Row {
-        int after;
-        const char* on;
-        std::vector<const char*> commands;
-        size_t firesAt; // index into commands; commands.size() for never
-    };
+    // clang-format off
+    // firesAt: index into commands; commands.size() for never
+    struct Row { int after; const char* on; std::vector<const char*> commands; size_t firesAt; };
     const Row rows[] = {
         {1, "", {"ATE1", "ATE0"}, 0},
         {3, "", {"ATE1", "at", "AT&F", "AT+CSQ"}, 2},
@@ -81,6 +78,7 @@ TEST(SimFaultKnobsTest, UnplugKnobsFireOnceAtTheirCommand) {
         {0, "AT+CMEE", {"ATE0Q0V1", "AT+CMEE=2", "AT+CMEE=2"}, 1},
         {0, "AT+COPS=?", {"AT+COPS?", "AT+CSQ"}, 2},
     };
+    // clang-format on
     for (const Row& row : rows) {
         ModemHarness h(ModemHarness::Builtin());
         h.modem.State().knobs.unplugAfter = row.after;

@@ -10,11 +10,8 @@ namespace modemsim::test {
 namespace {
 
 TEST(SimCommandTest, SplitsCommandLines) {
-    struct Row {
-        const char* body;
-        std::vector<std::string> names;
-        const char* lastValue;
-    };
+    // clang-format off
+    struct Row { const char* body; std::vector<std::string> names; const char* lastValue; };
     const Row rows[] = {
         {"E0Q0V1", {"E", "Q", "V"}, "1"},
         {"&FE0", {"&F", "E"}, "0"},
@@ -25,6 +22,7 @@ TEST(SimCommandTest, SplitsCommandLines) {
         {"$GPSC=1,1", {"$GPSC"}, "1,1"},
         {"S0=2", {"S"}, "2"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         std::vector<AtCommand> cmds;
         ASSERT_TRUE(ParseCommandLine(row.body, cmds)) << row.body;

@@ -53,11 +53,8 @@ TEST(SimText, Utf8ToUtf32HandlesValidAndMalformedInput) {
 }
 
 TEST(SimText, Gsm7ClassificationAndSeptetCount) {
-    struct Row {
-        std::u32string text;
-        bool fits;
-        int septets;
-    };
+    // clang-format off
+    struct Row { std::u32string text; bool fits; int septets; };
     const Row rows[] = {
         {U"hello", true, 5},       {U"@\u00A3$\u00A5\u00E8\u00C7\u0394\u00DF\u00E0", true, 9},
         {U"\u20AC", true, 2},      {U"[\\]^{|}~\f", true, 18},
@@ -66,6 +63,7 @@ TEST(SimText, Gsm7ClassificationAndSeptetCount) {
         {U"\u00A0", false, 1}, // the escape's display form cannot be sent
         {U"\U0001F600", false, 1}, {U"", true, 0},
     };
+    // clang-format on
     for (const auto& row : rows) {
         EXPECT_EQ(FitsGsm7(row.text), row.fits) << Utf32ToUtf8(row.text);
         EXPECT_EQ(Gsm7SeptetCount(row.text), row.septets) << Utf32ToUtf8(row.text);
@@ -110,16 +108,14 @@ TEST(SimText, Gsm7Tables) {
 }
 
 TEST(SimText, SeptetPacking) {
-    struct Row {
-        std::string text;
-        int fill;
-        std::string hex;
-    };
+    // clang-format off
+    struct Row { std::string text; int fill; std::string hex; };
     const Row rows[] = {
         {"hellohello", 0, "E8329BFD4697D9EC37"}, // the classic 10-character example
         {"hellohello", 1, "D06536FB8D2EB3D96F"}, // after an 8-bit concatenation header
         {"How are you?", 0, "C8F71D14969741F977FD07"}, {"A", 1, "82"}, {"", 0, ""},
     };
+    // clang-format on
     for (const auto& row : rows) {
         const Bytes septets = TextToGsm7(Utf8ToUtf32(row.text));
         const Bytes packed = PackSeptets(septets, row.fill);
@@ -177,11 +173,8 @@ TEST(SimText, HexAndUcs2) {
 }
 
 TEST(SimText, UssdRequestFromHost) {
-    struct Row {
-        std::string arg, cscs;
-        bool ok;
-        std::string expected;
-    };
+    // clang-format off
+    struct Row { std::string arg, cscs; bool ok; std::string expected; };
     const Row rows[] = {
         {"002A0031003000300023", "UCS2", true, "*100#"},
         {"002a0031003000300023", "UCS2", true, "*100#"},
@@ -194,6 +187,7 @@ TEST(SimText, UssdRequestFromHost) {
         {"*100#", "IRA", true, "*100#"},
         {"*100#", "GSM", true, "*100#"},
     };
+    // clang-format on
     for (const auto& row : rows) {
         std::string text;
         EXPECT_EQ(DecodeUssdRequest(row.arg, row.cscs, &text), row.ok) << row.arg;
@@ -270,20 +264,17 @@ TEST(SimPdu, DeliverMatchesReferencePdus) {
     DeliverParams noSmsc = Deliver("0171", "A");
     noSmsc.smsc.clear();
 
+    // clang-format off
     const Row rows[] = {
         // The widely published SMS-DELIVER example.
-        {"reference", howAreYou,
-         "07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07", 30},
-        {"alphanumeric", Deliver("Vodafone", "Guthaben: 5,00 \xE2\x82\xAC"),
-         "0791947101670000040ED0D637396C7EBBCB00004230102100004011C73A1D1D1697DD3A508D0583813665", 35},
-        {"ucs2 flash", flash,
-         "0791947101670000040D91947116325476F800184230102100008812041F044004380432043504420020D83DDE00", 38},
-        {"8-bit reference", part8,
-         "0791947101670000440D91947116325476F800004230102100004011050003070201D06536FB8D2EB3D96F", 35},
-        {"16-bit reference", part16,
-         "0791947101670000440D91947116325476F80000423010210000401206080412340201E8329BFD4697D9EC37", 36},
+        {"reference", howAreYou, "07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07", 30},
+        {"alphanumeric", Deliver("Vodafone", "Guthaben: 5,00 \xE2\x82\xAC"), "0791947101670000040ED0D637396C7EBBCB00004230102100004011C73A1D1D1697DD3A508D0583813665", 35},
+        {"ucs2 flash", flash, "0791947101670000040D91947116325476F800184230102100008812041F044004380432043504420020D83DDE00", 38},
+        {"8-bit reference", part8, "0791947101670000440D91947116325476F800004230102100004011050003070201D06536FB8D2EB3D96F", 35},
+        {"16-bit reference", part16, "0791947101670000440D91947116325476F80000423010210000401206080412340201E8329BFD4697D9EC37", 36},
         {"no service centre", noSmsc, "0004048110170000423010210000400141", 16},
     };
+    // clang-format on
     for (const auto& row : rows) {
         int length = -1;
         EXPECT_EQ(EncodeDeliverPdu(row.params, &length), row.hex) << row.name;
@@ -383,12 +374,9 @@ TEST(SimPdu, EmptyTimestampMeansNow) {
 TEST(SimPdu, SplitLongTextAtTheLimits) {
     const std::string zhe = "\xD0\x96";
     const std::string emoji = "\xF0\x9F\x98\x80";
-    struct Row {
-        const char* name;
-        std::string text;
-        bool ref16;
-        std::vector<size_t> partChars; // code points per part
-    };
+    // clang-format off
+    // partChars: code points per part
+    struct Row { const char* name; std::string text; bool ref16; std::vector<size_t> partChars; };
     const Row rows[] = {
         {"160 septets", Repeat("a", 160), false, {160}},
         {"161 septets", Repeat("a", 161), false, {153, 8}},
@@ -403,6 +391,7 @@ TEST(SimPdu, SplitLongTextAtTheLimits) {
         {"surrogate pair kept whole", Repeat(zhe, 66) + emoji + Repeat(zhe, 5), false, {66, 6}},
         {"one non-GSM char makes it UCS2", Repeat("a", 100) + zhe, false, {67, 34}},
     };
+    // clang-format on
     for (const auto& row : rows) {
         DeliverParams base = Deliver("+4917612345678", row.text);
         const auto parts = SplitLongText(base, 0x1A2B, row.ref16);
@@ -516,12 +505,8 @@ TEST(SimPdu, DecodesSubmitsAsTheHostSendsThem) {
 TEST(SimPdu, RefusesHostileSubmits) {
     constexpr int kNatural = -1000;
     const std::string good = "0035010D91947116325476F80000A70AE8329BFD4697D9EC37";
-    struct Row {
-        const char* name;
-        std::string hex;
-        int length;
-        std::string error;
-    };
+    // clang-format off
+    struct Row { const char* name; std::string hex; int length; std::string error; };
     const Row rows[] = {
         {"empty", "", 0, "overruns"},
         {"odd", "0", 0, "not hex"},
@@ -555,6 +540,7 @@ TEST(SimPdu, RefusesHostileSubmits) {
         {"reserved alphabet", "0001000B916407281553F8000C00", kNatural, "reserved"},
         {"compressed", "0001000B916407281553F8002000", kNatural, "compressed"},
     };
+    // clang-format on
     for (const auto& row : rows) {
         std::string hex = row.hex;
         std::erase(hex, ' ');

@@ -21,19 +21,15 @@ TEST(SimScenarioTest, BuiltinIsTheShippedDefault) {
 }
 
 TEST(SimScenarioTest, ShippedScenariosLoad) {
-    struct Row {
-        const char* file;
-        PinState pin;
-        int smsUsed;
-        int smsCapacity;
-        size_t contacts;
-    };
+    // clang-format off
+    struct Row { const char* file; PinState pin; int smsUsed; int smsCapacity; size_t contacts; };
     const Row rows[] = {
         {"default.json", PinState::Ready, 3, 30, 3},
         {"pin-locked.json", PinState::SimPin, 3, 30, 3},
         {"full-sim.json", PinState::Ready, 10, 10, 10},
         {"standard.json", PinState::Ready, 3, 30, 3},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SimState s;
         std::string error;

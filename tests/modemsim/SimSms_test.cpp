@@ -106,16 +106,14 @@ TEST(SimSmsTest, LongIncomingTextArrivesInParts) {
     for (int i = 0; text.size() < 400; ++i) {
         text += "Part of a long message number " + std::to_string(i) + ". ";
     }
-    struct Row {
-        const char* order;
-        bool ref16;
-        std::vector<int> seqInIndexOrder;
-    };
+    // clang-format off
+    struct Row { const char* order; bool ref16; std::vector<int> seqInIndexOrder; };
     const Row rows[] = {
         {"", false, {1, 2, 3}},
         {"reverse", false, {3, 2, 1}},
         {"2,3,1", true, {2, 3, 1}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         Ready h;
         h.At("AT+CMGD=1,4");

@@ -217,13 +217,8 @@ TEST_F(BusinessStkCallGpsTest, DialSendsOnlyDialStringsAndPassesTheCallResultsOn
 
 TEST_F(BusinessStkCallGpsTest, DtmfKeysAreCheckedBeforeAnyIsSent) {
     // clang-format off
-    const struct {
-        const char* name;
-        QVariantMap request;
-        std::vector<std::string> sent;
-        std::string lastReply;
-        int result;
-    } rows[] = {
+    // clang-format off
+    const struct { const char* name; QVariantMap request; std::vector<std::string> sent; std::string lastReply; int result; } rows[] = {
         {"every key kind", request(QStringLiteral("1*#D")), {"AT+VTS=1\r", "AT+VTS=*\r", "AT+VTS=#\r", "AT+VTS=D\r"}, "\r\nOK\r\n", 0},
         {"a bad key at the end", request(QStringLiteral("12E")), {}, "", 1},
         {"lower case", request(QStringLiteral("a")), {}, "", 1},
@@ -232,6 +227,7 @@ TEST_F(BusinessStkCallGpsTest, DtmfKeysAreCheckedBeforeAnyIsSent) {
         {"empty", request(QString("")), {}, "", 3},
         {"no argument", {}, {}, "", 3},
     };
+    // clang-format on
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

@@ -22,6 +22,7 @@
 namespace {
 
 // Passes every operation on to another sublayer; tests override the few they want to control.
+// clang-format off
 class ForwardingSublayer : public TInterfaceAtSublayer {
 public:
     explicit ForwardingSublayer(TInterfaceAtSublayer* inner) : inner(inner) {}
@@ -33,31 +34,21 @@ public:
     int RegisterReportCallback(UpperReportCallback callback, void* context) override {
         return inner->RegisterReportCallback(callback, context);
     }
-    int RegisterLowerCBs(const TInterfaceAtSublayerLower& lower) override {
-        return inner->RegisterLowerCBs(lower);
-    }
-    int GetUpperReport(UpperReportCallback& callback, void*& context) override {
-        return inner->GetUpperReport(callback, context);
-    }
+    int RegisterLowerCBs(const TInterfaceAtSublayerLower& lower) override { return inner->RegisterLowerCBs(lower); }
+    int GetUpperReport(UpperReportCallback& callback, void*& context) override { return inner->GetUpperReport(callback, context); }
     int SystemInitComm() override { return inner->SystemInitComm(); }
     int SystemSyncComm() override { return inner->SystemSyncComm(); }
     int SystemGetEquipmentInfo(TEquipmentInfo& info) override { return inner->SystemGetEquipmentInfo(info); }
-    int SystemSetPdpContext(const char* apn, const char* pdpAddress) override {
-        return inner->SystemSetPdpContext(apn, pdpAddress);
-    }
+    int SystemSetPdpContext(const char* apn, const char* pdpAddress) override { return inner->SystemSetPdpContext(apn, pdpAddress); }
     int SystemSetPhoneFunctionality(int level) override { return inner->SystemSetPhoneFunctionality(level); }
     int SystemGetDeviceStartState(int& state) override { return inner->SystemGetDeviceStartState(state); }
     int SystemSetDeviceStartState(int state) override { return inner->SystemSetDeviceStartState(state); }
     int PINCheckState(int& state) override { return inner->PINCheckState(state); }
     int PINEnable(int on, const char* pin) override { return inner->PINEnable(on, pin); }
     int PINGetInfo(int pinState, TPinInfo& info) override { return inner->PINGetInfo(pinState, info); }
-    int PINChange(const char* oldPin, const char* newPin) override {
-        return inner->PINChange(oldPin, newPin);
-    }
+    int PINChange(const char* oldPin, const char* newPin) override { return inner->PINChange(oldPin, newPin); }
     int PINVerify(const char* pin) override { return inner->PINVerify(pin); }
-    int PINVerifyPuk(const char* puk, const char* newPin) override {
-        return inner->PINVerifyPuk(puk, newPin);
-    }
+    int PINVerifyPuk(const char* puk, const char* newPin) override { return inner->PINVerifyPuk(puk, newPin); }
     int PINGetState(int& enabled) override { return inner->PINGetState(enabled); }
     int NetworkGetInfo(TNetworkInfo& info) override { return inner->NetworkGetInfo(info); }
     int NetworkGetList(std::list<TNetworkListItem>& items) override { return inner->NetworkGetList(items); }
@@ -81,18 +72,12 @@ public:
     int PBAddItem(const TPbNewItem& item, int& index) override { return inner->PBAddItem(item, index); }
     int SMSInit() override { return inner->SMSInit(); }
     int SMSGetServiceCentre(TSmsAddress& address) override { return inner->SMSGetServiceCentre(address); }
-    int SMSSetServiceCentre(const TSmsAddress& address) override {
-        return inner->SMSSetServiceCentre(address);
-    }
+    int SMSSetServiceCentre(const TSmsAddress& address) override { return inner->SMSSetServiceCentre(address); }
     int SMSGetList(std::list<TSmsListItem>& items) override { return inner->SMSGetList(items); }
-    int SMSGetIncomingSMSInPC(std::list<TSmsListItem>& items) override {
-        return inner->SMSGetIncomingSMSInPC(items);
-    }
+    int SMSGetIncomingSMSInPC(std::list<TSmsListItem>& items) override { return inner->SMSGetIncomingSMSInPC(items); }
     int SMSDelete(int tableId) override { return inner->SMSDelete(tableId); }
     int SMSSend(const TSmsSendItem& item) override { return inner->SMSSend(item); }
-    int SMSOnReceive(const char* line, TSmsListItem& item, int& kind) override {
-        return inner->SMSOnReceive(line, item, kind);
-    }
+    int SMSOnReceive(const char* line, TSmsListItem& item, int& kind) override { return inner->SMSOnReceive(line, item, kind); }
     int SMSSetPreferredStorage(int storage) override { return inner->SMSSetPreferredStorage(storage); }
     int SMSGetPreferredStorage(int& storage) override { return inner->SMSGetPreferredStorage(storage); }
     int SMSSetValidPeriod(const TSmsValidPeriod& period) override { return inner->SMSSetValidPeriod(period); }
@@ -123,16 +108,10 @@ public:
     int CallCheckState(std::list<TCallItemState>& calls) override { return inner->CallCheckState(calls); }
     int GPSInit() override { return inner->GPSInit(); }
     int GPSUninit() override { return inner->GPSUninit(); }
-    int STKSendCommand(const char* command, std::string& text) override {
-        return inner->STKSendCommand(command, text);
-    }
-    int STKHandleReport(const char* line, std::string& text) override {
-        return inner->STKHandleReport(line, text);
-    }
+    int STKSendCommand(const char* command, std::string& text) override { return inner->STKSendCommand(command, text); }
+    int STKHandleReport(const char* line, std::string& text) override { return inner->STKHandleReport(line, text); }
     int STKInit(std::string& text) override { return inner->STKInit(text); }
-    int STKGetCurrentProactiveCommand(int& type, std::string& text) override {
-        return inner->STKGetCurrentProactiveCommand(type, text);
-    }
+    int STKGetCurrentProactiveCommand(int& type, std::string& text) override { return inner->STKGetCurrentProactiveCommand(type, text); }
 
 protected:
     TInterfaceAtSublayer* inner;
@@ -159,12 +138,8 @@ public:
     int SystemGetEquipmentInfo(TEquipmentInfo& info) override {
         return getEquipmentInfo ? getEquipmentInfo(info) : inner->SystemGetEquipmentInfo(info);
     }
-    int NetworkGetInfo(TNetworkInfo& info) override {
-        return getNetworkInfo ? getNetworkInfo(info) : inner->NetworkGetInfo(info);
-    }
-    int PINCheckState(int& state) override {
-        return pinCheckState ? pinCheckState(state) : inner->PINCheckState(state);
-    }
+    int NetworkGetInfo(TNetworkInfo& info) override { return getNetworkInfo ? getNetworkInfo(info) : inner->NetworkGetInfo(info); }
+    int PINCheckState(int& state) override { return pinCheckState ? pinCheckState(state) : inner->PINCheckState(state); }
     int NetworkGetRegState(int which, int& state) override {
         return getRegState ? getRegState(which, state) : inner->NetworkGetRegState(which, state);
     }
@@ -177,12 +152,8 @@ public:
     int SMSOnReceive(const char* line, TSmsListItem& item, int& kind) override {
         return smsOnReceive ? smsOnReceive(line, item, kind) : inner->SMSOnReceive(line, item, kind);
     }
-    int SMSGetList(std::list<TSmsListItem>& items) override {
-        return smsGetList ? smsGetList(items) : inner->SMSGetList(items);
-    }
-    int PBInitList(std::list<TPbItem>& items) override {
-        return pbInitList ? pbInitList(items) : inner->PBInitList(items);
-    }
+    int SMSGetList(std::list<TSmsListItem>& items) override { return smsGetList ? smsGetList(items) : inner->SMSGetList(items); }
+    int PBInitList(std::list<TPbItem>& items) override { return pbInitList ? pbInitList(items) : inner->PBInitList(items); }
     int UssdOnReceive(const char* line, TUssdItem& item) override {
         return ussdOnReceive ? ussdOnReceive(line, item) : inner->UssdOnReceive(line, item);
     }
@@ -194,20 +165,14 @@ public:
         return record("SMSSend " + std::string(item.szNumber, strnlen(item.szNumber, 24)) + " " +
                       std::to_string(item.wstrContent.size()));
     }
-    int SMSEnableStatusReport(int enable) override {
-        return record("SMSEnableStatusReport " + std::to_string(enable));
-    }
-    int SMSSetPreferredStorage(int storage) override {
-        return record("SMSSetPreferredStorage " + std::to_string(storage));
-    }
+    int SMSEnableStatusReport(int enable) override { return record("SMSEnableStatusReport " + std::to_string(enable)); }
+    int SMSSetPreferredStorage(int storage) override { return record("SMSSetPreferredStorage " + std::to_string(storage)); }
     int SMSSetValidPeriod(const TSmsValidPeriod& p) override {
         return record("SMSSetValidPeriod " + std::to_string(p.bEnable) + "," + std::to_string(p.bWeek) + "," +
                       std::to_string(p.bDay) + "," + std::to_string(p.bHour));
     }
     int SetUssdState(int& state) override { return record("SetUssdState " + std::to_string(state)); }
-    int SendUssdCmd(const wchar_t* text) override {
-        return record("SendUssdCmd " + std::to_string(std::wcslen(text)));
-    }
+    int SendUssdCmd(const wchar_t* text) override { return record("SendUssdCmd " + std::to_string(std::wcslen(text))); }
     int SendUssdCancelCmd() override { return record("SendUssdCancelCmd"); }
 
     int nextResult = 0; // what the recording operations return
@@ -218,6 +183,7 @@ private:
         return nextResult;
     }
 };
+// clang-format on
 
 QVariantMap request(const QVariant& value) {
     QVariantMap map;
@@ -273,12 +239,10 @@ TEST_F(BusinessOperatorTest, EquipmentInfoTakesTheModemsAnswersWithTheirCaps) {
 }
 
 TEST_F(BusinessOperatorTest, EquipmentInfoStaysInsideUnterminatedFieldsAndPassesFailuresOn) {
-    struct Row {
-        uint32_t mask;
-        int result;
-        bool stored;
-    };
+    // clang-format off
+    struct Row { uint32_t mask; int result; bool stored; };
     const Row rows[] = {{127, 0, true}, {0, 0, true}, {EQUIPMENT_IMSI, 0, true}, {127, 2, false}};
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << "mask " << row.mask << " result " << row.result);
         m_sublayer->getEquipmentInfo = [&](TEquipmentInfo& info) {
@@ -311,13 +275,10 @@ TEST_F(BusinessOperatorTest, EquipmentInfoStaysInsideUnterminatedFieldsAndPasses
 
 TEST_F(BusinessOperatorTest, PinCheckStateFetchesTheCountersTheStateNeeds) {
     const std::string smpn = answer("+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8),PF(9,10)");
-    struct Row {
-        std::string cpin;
-        const char* infoCommand; // nullptr: the counters are not asked for
-        std::string infoAnswer;
-        int result;
-        BLPinCheckState stored; // compared only when result is 0
-    };
+    // clang-format off
+    // infoCommand: nullptr: the counters are not asked for
+    // stored: compared only when result is 0
+    struct Row { std::string cpin; const char* infoCommand; std::string infoAnswer; int result; BLPinCheckState stored; };
     const Row rows[] = {
         {answer("+CPIN: READY"), "AT+PNNM?\r", answer("+PNNM: 3, 10"), 0, {1, 3, 10}},
         {answer("+CPIN: READY"), "AT+PNNM?\r", answer("+PNNM: 3, 0"), 0, {17, 3, 0}},
@@ -329,6 +290,7 @@ TEST_F(BusinessOperatorTest, PinCheckStateFetchesTheCountersTheStateNeeds) {
         {answer("+CPIN: SIM PIN"), "AT+PNNM?\r", "\r\nERROR\r\n", 1, {}},
         {"\r\n+CME ERROR: SIM busy\r\n", nullptr, "", 12, {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.cpin + row.infoAnswer));
         m_fake.Expect("AT+CPIN?\r", row.cpin);
@@ -349,19 +311,14 @@ TEST_F(BusinessOperatorTest, PinCheckStateFetchesTheCountersTheStateNeeds) {
 }
 
 TEST_F(BusinessOperatorTest, PinChangeStoresTheStateEvenWhenTheChangeFails) {
-    struct Row {
-        std::string change;
-        int changeFailure;
-        std::string cpin;
-        int cpinFailure;
-        int result;
-        int state;
-    };
+    // clang-format off
+    struct Row { std::string change; int changeFailure; std::string cpin; int cpinFailure; int result; int state; };
     const Row rows[] = {
         {"\r\nOK\r\n", 0, answer("+CPIN: READY"), 0, 0, 1},
         {"\r\n+CME ERROR: incorrect password\r\n", 0, answer("+CPIN: SIM PIN"), 0, 14, 2},
         {"", 2, "", 2, 2, 1}, // the state query fails too: the preset 1 is stored
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.change));
         m_fake.Expect("AT+CPWD=\"SC\",\"1234\",\"4321\"\r", row.change, row.changeFailure);
@@ -376,12 +333,10 @@ TEST_F(BusinessOperatorTest, PinChangeStoresTheStateEvenWhenTheChangeFails) {
 }
 
 TEST_F(BusinessOperatorTest, NetworkSetModeTurnsEveryRefusalInto33) {
-    struct Row {
-        std::string answer;
-        int failure;
-        int result;
-    };
+    // clang-format off
+    struct Row { std::string answer; int failure; int result; };
     const Row rows[] = {{"\r\nOK\r\n", 0, 0}, {"\r\nERROR\r\n", 0, 33}, {"", 2, 33}, {"", 30, 33}};
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+SYSSEL=,0,0\r", row.answer, row.failure);
@@ -577,12 +532,9 @@ TEST_F(BusinessOperatorTest, IncomingMessagesFromFilteredNumbersGoToTheirClient)
                       request(QVariant::fromValue(BLSmsFilterConfig{on, target, numbers}))),
                   0);
     };
-    struct Row {
-        QStringList numbersA;
-        QStringList numbersB;
-        std::string sender;
-        QString client; // null: not filtered
-    };
+    // clang-format off
+    // client: null: not filtered
+    struct Row { QStringList numbersA; QStringList numbersB; std::string sender; QString client; };
     const Row rows[] = {
         {{"10086"}, {}, "10086", "QObject"},
         {{"10086"}, {}, "1008", {}},
@@ -594,6 +546,7 @@ TEST_F(BusinessOperatorTest, IncomingMessagesFromFilteredNumbersGoToTheirClient)
         {{"10086"}, {"+8613800000000", "13800000001"}, "+8613800000001", "QTimer"},
         {{}, {}, "10086", {}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.sender);
         configure(&moduleA, true, row.numbersA);

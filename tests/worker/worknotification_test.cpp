@@ -178,12 +178,8 @@ TEST(WorkNotification, TheQueueCountIsDeliberatelyUnbalanced) {
 }
 
 TEST(WorkNotification, DeliveryCountsAndPostsByName) {
-    struct Row {
-        QString name;
-        qint32 code;
-        qint32 countChange;
-        bool posted;
-    };
+    // clang-format off
+    struct Row { QString name; qint32 code; qint32 countChange; bool posted; };
     const Row rows[] = {
         {MESSAGE_PIN_GET_INFO, 0, -1, true},
         {MESSAGE_PIN_VERIFY, 14, -1, true}, // failures reach the module too
@@ -196,6 +192,7 @@ TEST(WorkNotification, DeliveryCountsAndPostsByName) {
         {MESSAGE_DEVICE_FIND, 0, -1, true},
         {NETWORK_GET_BAND, 0, -1, true},
     };
+    // clang-format on
     NotificationCenter center;
     QObject agent;
     QObject module;
