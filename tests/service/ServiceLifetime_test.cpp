@@ -42,6 +42,13 @@ std::pair<int, std::string> Shell(const std::string& command) {
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
 }
 
+// Whether the service answered a client's message list (a watch follows from then on).
+bool ClientListed(const NotificationLog& log) {
+    return log.seen(QStringLiteral("MESSAGE_SMS_GET_LIST"), [](const QVariantMap& info) {
+        return info.value(QStringLiteral("USER_INFO")).toMap().contains(QStringLiteral("CLIENT"));
+    });
+}
+
 } // namespace
 
 TEST(ServiceClients, TwoToolsAtOnceAndAWatchSeesAMessageWhileAnotherCommandRuns) {
@@ -60,13 +67,7 @@ TEST(ServiceClients, TwoToolsAtOnceAndAWatchSeesAMessageWhileAnotherCommandRuns)
     NotificationLog log;
     ASSERT_TRUE(world.listen(log));
     const auto watch = world.start({"--json", "--wait", "60", "sms", "watch"});
-    ASSERT_TRUE(WaitFor(
-        [&] {
-            return log.seen(QStringLiteral("MESSAGE_SMS_GET_LIST"), [](const QVariantMap& info) {
-                return info.value(QStringLiteral("USER_INFO")).toMap().contains(QStringLiteral("CLIENT"));
-            });
-        },
-        30s));
+    ASSERT_TRUE(WaitFor([&] { return ClientListed(log); }, 30s));
     // Its list may take the message in before the modem announces it.
     const auto other = world.start({"sms", "list"});
     ASSERT_TRUE(world.modem.command("sms +4915112345678 Seen by the watch").value("ok", false));
@@ -263,13 +264,7 @@ TEST(ServiceClients, TwoClientsFollowTheModemThroughUnplugAndReplug) {
     ASSERT_TRUE(state("ready"));
     // The watch follows once its list is answered (a stick pulled before that ends it).
     const auto watch = world.start({"--json", "--wait", "60", "sms", "watch"});
-    ASSERT_TRUE(WaitFor(
-        [&] {
-            return log.seen(QStringLiteral("MESSAGE_SMS_GET_LIST"), [](const QVariantMap& info) {
-                return info.value(QStringLiteral("USER_INFO")).toMap().contains(QStringLiteral("CLIENT"));
-            });
-        },
-        30s));
+    ASSERT_TRUE(WaitFor([&] { return ClientListed(log); }, 30s));
 
     ASSERT_TRUE(world.modem.command("unplug").value("ok", false));
     ASSERT_TRUE(state("absent"));
