@@ -11,7 +11,8 @@ CNSSignalBars::CNSSignalBars(QWidget* parent) : QWidget(parent) {
 }
 
 bool CNSSignalBars::event(QEvent* event) {
-    // Screen readers cannot see the bars: they read the level from the tool tip's words.
+    // Screen readers read the level from the tool tip's words; setting them as the description also tells
+    // them when it changes.
     if (event->type() == QEvent::ToolTipChange)
         setAccessibleDescription(toolTip());
     return QWidget::event(event);
