@@ -87,9 +87,8 @@ fi
 for line in "Name=Dialtone" "Exec=dialtone-gui" "Icon=dialtone" "Categories=Network;Dialup;"; do
     grep -qxF "$line" "$desktop" || fail "dialtone.desktop lacks $line"
 done
-# The metainfo with the desktop entry it launches, as software centres read them (appstream is in bootstrap).
 appstreamcli validate-tree --no-net --strict "$root" >"$stage.appstream" 2>&1 ||
-    fail "appstreamcli rejects the metainfo: $(cat "$stage.appstream")"
+    fail "appstreamcli rejects the metainfo or the desktop entry it launches: $(cat "$stage.appstream")"
 if command -v xmllint >/dev/null 2>&1; then
     xmllint --noout "$root/share/icons/hicolor/scalable/apps/dialtone.svg" || fail "dialtone.svg is not XML"
 fi
