@@ -60,8 +60,8 @@ void CNSTrafficChart::describe() {
     for (qsizetype i = 0; i < _home.size(); ++i) {
         home = add(home, _home[i]);
         roaming = add(roaming, _roaming[i]);
-        if (add(_home[i], _roaming[i]) > most) {
-            most = add(_home[i], _roaming[i]);
+        if (const quint64 day = add(_home[i], _roaming[i]); day > most) {
+            most = day;
             busiest = i;
         }
     }
