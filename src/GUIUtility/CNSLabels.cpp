@@ -25,6 +25,12 @@ QLabel* CNSErrorLabel(const QString& objectName, QWidget* parent) {
     return label;
 }
 
+QLabel* CNSBuddyLabel(const QString& text, QWidget* buddy, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setBuddy(buddy);
+    return label;
+}
+
 void CNSSetErrorStyle(QLabel* label, bool error) {
     label->setStyleSheet(error ? QStringLiteral("color: #b00020;") : QString());
 }

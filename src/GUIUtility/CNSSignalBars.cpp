@@ -1,10 +1,21 @@
 #include "CNSSignalBars.h"
 
+#include <QEvent>
 #include <QPainter>
 
 CNSSignalBars::CNSSignalBars(QWidget* parent) : QWidget(parent) {
     setMinimumSize(sizeHint());
     setToolTip(tr("Signal strength"));
+    setAccessibleName(tr("Signal strength"));
+    setAccessibleDescription(tr("No signal information"));
+}
+
+bool CNSSignalBars::event(QEvent* event) {
+    // Screen readers read the level from the tool tip's words; setting them as the description also tells
+    // them when it changes.
+    if (event->type() == QEvent::ToolTipChange)
+        setAccessibleDescription(toolTip());
+    return QWidget::event(event);
 }
 
 void CNSSignalBars::setLevel(int level) {

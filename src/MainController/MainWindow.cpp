@@ -79,6 +79,7 @@ MainWindow::MainWindow(bool useService, QWidget* parent) : QMainWindow(parent) {
     _pages = new QStackedWidget(this);
     _tabs = new QTabWidget(_pages);
     _tabs->setObjectName(QStringLiteral("modules"));
+    _tabs->setAccessibleName(tr("Modem functions"));
     _tabs->setDocumentMode(true);
     _modemPage = new QWidget(_pages);
     _modemPage->setObjectName(QStringLiteral("modemPage"));

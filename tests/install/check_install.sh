@@ -38,8 +38,10 @@ expected=(
     share/dialtone/AccountData/Default.dat
     share/dialtone/modemsim/scenarios/default.json
     share/man/man1/dialtone.1
+    share/man/man1/dialtone-gui.1
     share/man/man1/dialtone-modemsim.1
     share/applications/dialtone.desktop
+    share/metainfo/org.dialtone.Dialtone.metainfo.xml
     share/icons/hicolor/scalable/apps/dialtone.svg
 )
 for file in "${expected[@]}"; do
@@ -66,7 +68,7 @@ while IFS= read -r file; do
 done < <(find "$stage" -type f)
 
 if command -v groff >/dev/null 2>&1; then
-    for page in dialtone.1 dialtone-modemsim.1; do
+    for page in dialtone.1 dialtone-gui.1 dialtone-modemsim.1; do
         warnings=$(LC_ALL=C.UTF-8 groff -man -Tutf8 -ww -z "$root/share/man/man1/$page" 2>&1)
         [[ -z "$warnings" ]] || fail "$page: $warnings"
         lines=$(LC_ALL=C.UTF-8 groff -man -Tutf8 "$root/share/man/man1/$page" 2>/dev/null | wc -l)
@@ -85,6 +87,8 @@ fi
 for line in "Name=Dialtone" "Exec=dialtone-gui" "Icon=dialtone" "Categories=Network;Dialup;"; do
     grep -qxF "$line" "$desktop" || fail "dialtone.desktop lacks $line"
 done
+appstreamcli validate-tree --no-net --strict "$root" >"$stage.appstream" 2>&1 ||
+    fail "appstreamcli rejects the metainfo or the desktop entry it launches: $(cat "$stage.appstream")"
 if command -v xmllint >/dev/null 2>&1; then
     xmllint --noout "$root/share/icons/hicolor/scalable/apps/dialtone.svg" || fail "dialtone.svg is not XML"
 fi

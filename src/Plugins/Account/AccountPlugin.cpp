@@ -54,6 +54,7 @@ AccountPlugin::AccountPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     _menu = new QTreeWidget(this);
     _menu->setObjectName(QStringLiteral("menu"));
     _menu->setHeaderHidden(true);
+    _menu->setAccessibleName(tr("Account menu"));
     _menu->setMinimumWidth(200);
 
     _entryBox = new QGroupBox(this);
@@ -94,7 +95,7 @@ AccountPlugin::AccountPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     _busy->setMaximumWidth(120);
     _busy->hide();
     auto* codeRow = new QHBoxLayout;
-    codeRow->addWidget(new QLabel(tr("Service code:"), this));
+    codeRow->addWidget(CNSBuddyLabel(tr("Service code:"), _code, this));
     codeRow->addWidget(_code, 1);
     codeRow->addWidget(_sendCode);
     codeRow->addWidget(_busy);
@@ -102,6 +103,7 @@ AccountPlugin::AccountPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     _answer = new QPlainTextEdit(this);
     _answer->setObjectName(QStringLiteral("answer"));
     _answer->setReadOnly(true);
+    _answer->setAccessibleName(tr("The network's answer"));
     _answer->setPlaceholderText(tr("The network's answer appears here."));
     _answer->setMinimumHeight(80);
 
@@ -115,7 +117,7 @@ AccountPlugin::AccountPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     _cancel->setObjectName(QStringLiteral("cancelSession"));
     auto* replyLayout = new QHBoxLayout(_replyRow);
     replyLayout->setContentsMargins(0, 0, 0, 0);
-    replyLayout->addWidget(new QLabel(tr("Your reply:"), _replyRow));
+    replyLayout->addWidget(CNSBuddyLabel(tr("Your reply:"), _reply, _replyRow));
     replyLayout->addWidget(_reply, 1);
     replyLayout->addWidget(_sendReply);
     replyLayout->addWidget(_cancel);

@@ -52,6 +52,7 @@ ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : Module
     _search->setObjectName(QStringLiteral("search"));
     _search->setPlaceholderText(tr("Search names and numbers"));
     _search->setClearButtonEnabled(true);
+    _search->setAccessibleName(tr("Search contacts"));
     _busy = new QProgressBar(this);
     _busy->setObjectName(QStringLiteral("busy"));
     _busy->setRange(0, 0);
@@ -60,7 +61,7 @@ ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : Module
     _busy->hide();
 
     auto* top = new QHBoxLayout;
-    top->addWidget(new QLabel(tr("Phonebook:"), this));
+    top->addWidget(CNSBuddyLabel(tr("Phonebook:"), _store, this));
     top->addWidget(_store);
     top->addWidget(_usage, 1);
     top->addWidget(_busy);
@@ -70,6 +71,7 @@ ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : Module
     _model->setHorizontalHeaderLabels({tr("Name"), tr("Number")});
     _view = new QTreeView(this);
     _view->setObjectName(QStringLiteral("list"));
+    _view->setAccessibleName(tr("Contacts"));
     _view->setModel(_model);
     _view->setRootIsDecorated(false);
     _view->setUniformRowHeights(true);

@@ -31,6 +31,7 @@ ComposeDialog::ComposeDialog(ModemLink& link, MessagesController& messages, QWid
     connect(_recipients, &QLineEdit::textEdited, _numberError, &QLabel::hide);
     _text = new QPlainTextEdit(this);
     _text->setObjectName(QStringLiteral("text"));
+    _text->setAccessibleName(tr("Message text"));
     _text->setTabChangesFocus(true);
     _counter = new QLabel(this);
     _counter->setObjectName(QStringLiteral("counter"));

@@ -142,6 +142,7 @@ void MessagesPlugin::buildUi() {
 
     _folders = new QListWidget(this);
     _folders->setObjectName(QStringLiteral("folders"));
+    _folders->setAccessibleName(tr("Message folders"));
     _folders->setMinimumWidth(140);
     for (int folder = 0; folder < FolderCount; ++folder) {
         auto* item = new QListWidgetItem(_folders);
@@ -151,6 +152,7 @@ void MessagesPlugin::buildUi() {
     _model = new QStandardItemModel(this);
     _list = new QTreeView(this);
     _list->setObjectName(QStringLiteral("messages"));
+    _list->setAccessibleName(tr("Messages"));
     _list->setModel(_model);
     _list->setRootIsDecorated(false);
     _list->setUniformRowHeights(true);
@@ -170,6 +172,7 @@ void MessagesPlugin::buildUi() {
     _readerHeader->setTextInteractionFlags(Qt::TextSelectableByMouse);
     _reader = new QPlainTextEdit(this);
     _reader->setObjectName(QStringLiteral("reader"));
+    _reader->setAccessibleName(tr("Message text"));
     _reader->setReadOnly(true);
     _reader->setPlaceholderText(tr("Select a message to read it."));
 

@@ -109,6 +109,7 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
 
     _networks = new QTreeWidget;
     _networks->setObjectName(QStringLiteral("networks"));
+    _networks->setAccessibleName(tr("Available networks"));
     _networks->setHeaderLabels({tr("Name"), tr("Short name"), tr("Code"), tr("Technology"), tr("Status")});
     _networks->setRootIsDecorated(false);
     _networks->setMinimumHeight(120);
@@ -149,9 +150,9 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     _radioStatus = new QLabel;
     _radioStatus->setObjectName(QStringLiteral("radioStatus"));
     _radioStatus->setWordWrap(true);
-    radioLayout->addWidget(new QLabel(tr("Band:")));
+    radioLayout->addWidget(CNSBuddyLabel(tr("Band:"), _band));
     radioLayout->addWidget(_band);
-    radioLayout->addWidget(new QLabel(tr("Mode:")));
+    radioLayout->addWidget(CNSBuddyLabel(tr("Mode:"), _mode));
     radioLayout->addWidget(_mode);
     radioLayout->addWidget(_applyRadio);
     radioLayout->addWidget(_radioStatus, 1);

@@ -29,6 +29,7 @@ ProfilesPage::ProfilesPage(ModuleContext& context, QWidget* parent) : QWidget(pa
 
     _list = new QTreeWidget;
     _list->setObjectName(QStringLiteral("profileList"));
+    _list->setAccessibleName(tr("Connection profiles"));
     _list->setHeaderLabels({tr("Name"), tr("APN"), tr("Number"), tr("From"), tr("Default")});
     _list->setRootIsDecorated(false);
     _list->setMinimumHeight(140);

@@ -14,6 +14,7 @@ SettingsPlugin::SettingsPlugin(ModuleContext& context, QWidget* parent) : Module
     auto* layout = new QVBoxLayout(this);
     _sections = new QTabWidget;
     _sections->setObjectName(QStringLiteral("sections"));
+    _sections->setAccessibleName(tr("Settings sections"));
     layout->addWidget(_sections);
 
     _profiles = new ProfilesPage(context);

@@ -11,6 +11,8 @@
 
 CNSTrafficChart::CNSTrafficChart(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setAccessibleName(tr("Traffic per day"));
+    describe();
 }
 
 QColor CNSTrafficChart::homeColor() {
@@ -44,7 +46,36 @@ void CNSTrafficChart::setDays(const QDate& from, const QDate& to, const QList<St
             add(_roaming[index], row.item.roamingReceiveBytes);
         }
     }
+    describe();
     update();
+}
+
+// Screen readers cannot see the bars: they read the period's sums and its busiest day.
+void CNSTrafficChart::describe() {
+    const auto add = [](quint64 a, quint64 b) { return a > UINT64_MAX - b ? UINT64_MAX : a + b; };
+    quint64 home = 0;
+    quint64 roaming = 0;
+    qsizetype busiest = -1;
+    quint64 most = 0;
+    for (qsizetype i = 0; i < _home.size(); ++i) {
+        home = add(home, _home[i]);
+        roaming = add(roaming, _roaming[i]);
+        if (const quint64 day = add(_home[i], _roaming[i]); day > most) {
+            most = day;
+            busiest = i;
+        }
+    }
+    if (busiest < 0) {
+        setAccessibleDescription(tr("No traffic in this period"));
+        return;
+    }
+    const QLocale locale;
+    const auto bytes = [](quint64 count) { return ConvertUtilty::byte2String(count) + QStringLiteral("B"); };
+    setAccessibleDescription(
+        tr("%1 to %2: %3 on the home network, %4 roaming; the busiest day was %5 with %6")
+            .arg(locale.toString(_from, QLocale::ShortFormat),
+                 locale.toString(_from.addDays(_home.size() - 1), QLocale::ShortFormat), bytes(home),
+                 bytes(roaming), locale.toString(_from.addDays(busiest), QLocale::ShortFormat), bytes(most)));
 }
 
 int CNSTrafficChart::indexOf(const QDate& day) const {

@@ -37,6 +37,7 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    void describe();
     int indexOf(const QDate& day) const;
     int indexAt(const QPoint& point) const;
 

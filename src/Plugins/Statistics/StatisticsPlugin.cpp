@@ -54,11 +54,11 @@ StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent)
         edit->setCalendarPopup(true);
         edit->setDisplayFormat(QStringLiteral("yyyy-MM-dd"));
     }
-    chooser->addWidget(new QLabel(tr("Period:"), this));
+    chooser->addWidget(CNSBuddyLabel(tr("Period:"), _period, this));
     chooser->addWidget(_period);
-    chooser->addWidget(new QLabel(tr("from"), this));
+    chooser->addWidget(CNSBuddyLabel(tr("from"), _from, this));
     chooser->addWidget(_from);
-    chooser->addWidget(new QLabel(tr("to"), this));
+    chooser->addWidget(CNSBuddyLabel(tr("to"), _to, this));
     chooser->addWidget(_to);
     chooser->addStretch(1);
     layout->addLayout(chooser);

@@ -41,9 +41,11 @@ ToolkitPlugin::ToolkitPlugin(ModuleContext& context, QWidget* parent)
     _text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     _items = new QListWidget(this);
     _items->setObjectName(QStringLiteral("items"));
+    _items->setAccessibleName(tr("Toolkit menu"));
     _items->setMinimumHeight(140);
     _input = new QLineEdit(this);
     _input->setObjectName(QStringLiteral("input"));
+    _input->setAccessibleName(tr("Your answer"));
     _inputHint = CNSPlainLabel(QStringLiteral("inputHint"), this);
     _status = CNSPlainLabel(QStringLiteral("status"), this);
     _error = CNSPlainLabel(QStringLiteral("error"), this);
