@@ -483,6 +483,221 @@ Abhilfe: %2</translation>
     </message>
 </context>
 <context>
+    <name>FailureText</name>
+    <message>
+        <source>there is no SIM in the modem: insert one and plug the modem in again</source>
+        <translation>im Modem ist keine SIM-Karte: Legen Sie eine ein und stecken Sie das Modem wieder ein</translation>
+    </message>
+    <message>
+        <source>the SIM is locked</source>
+        <translation>die SIM-Karte ist gesperrt</translation>
+    </message>
+    <message>
+        <source>the SIM is locked until its PUK is entered</source>
+        <translation>die SIM-Karte ist gesperrt, bis ihre PUK eingegeben wird</translation>
+    </message>
+    <message>
+        <source>enter its PIN with &quot;Unlock the SIM&quot;</source>
+        <translation>Geben Sie ihre PIN mit „SIM-Karte entsperren“ ein</translation>
+    </message>
+    <message>
+        <source>enter the PUK and a new PIN with &quot;Unlock the SIM&quot;</source>
+        <translation>Geben Sie die PUK und eine neue PIN mit „SIM-Karte entsperren“ ein</translation>
+    </message>
+    <message>
+        <source>there is no network: check the signal and try again</source>
+        <translation>kein Netz: Prüfen Sie das Signal und versuchen Sie es erneut</translation>
+    </message>
+    <message>
+        <source>the SIM is busy: try again in a moment</source>
+        <translation>die SIM-Karte ist beschäftigt: Versuchen Sie es gleich noch einmal</translation>
+    </message>
+    <message>
+        <source>the SIM failed: take it out, check its contacts and try again</source>
+        <translation>die SIM-Karte hat versagt: Nehmen Sie sie heraus, prüfen Sie ihre Kontakte und versuchen Sie es erneut</translation>
+    </message>
+    <message>
+        <source>the modem does not allow this now</source>
+        <translation>das Modem lässt das jetzt nicht zu</translation>
+    </message>
+    <message>
+        <source>the modem does not support this</source>
+        <translation>das Modem unterstützt das nicht</translation>
+    </message>
+    <message>
+        <source>the modem does not accept this SIM</source>
+        <translation>das Modem nimmt diese SIM-Karte nicht an</translation>
+    </message>
+    <message>
+        <source>the PIN or password is wrong</source>
+        <translation>die PIN oder das Passwort ist falsch</translation>
+    </message>
+    <message>
+        <source>dialtone pin status shows the attempts left</source>
+        <translation>dialtone pin status zeigt die verbleibenden Versuche</translation>
+    </message>
+    <message>
+        <source>the PIN settings show the attempts left</source>
+        <translation>die PIN-Einstellungen zeigen die verbleibenden Versuche</translation>
+    </message>
+    <message>
+        <source>this needs the SIM&apos;s PIN2</source>
+        <translation>dafür ist die PIN2 der SIM-Karte nötig</translation>
+    </message>
+    <message>
+        <source>this needs the SIM&apos;s PUK2</source>
+        <translation>dafür ist die PUK2 der SIM-Karte nötig</translation>
+    </message>
+    <message>
+        <source>the store is full: delete an entry first</source>
+        <translation>der Speicher ist voll: Löschen Sie zuerst einen Eintrag</translation>
+    </message>
+    <message>
+        <source>there is no entry at that index</source>
+        <translation>an dieser Stelle gibt es keinen Eintrag</translation>
+    </message>
+    <message>
+        <source>not found</source>
+        <translation>nicht gefunden</translation>
+    </message>
+    <message>
+        <source>the SIM&apos;s memory failed</source>
+        <translation>der Speicher der SIM-Karte hat versagt</translation>
+    </message>
+    <message>
+        <source>the name is longer than the SIM allows</source>
+        <translation>der Name ist länger, als die SIM-Karte erlaubt</translation>
+    </message>
+    <message>
+        <source>dialtone contacts info shows the limits</source>
+        <translation>dialtone contacts info zeigt die Grenzen</translation>
+    </message>
+    <message>
+        <source>the name holds characters the SIM cannot store</source>
+        <translation>der Name enthält Zeichen, die die SIM-Karte nicht speichern kann</translation>
+    </message>
+    <message>
+        <source>the number is longer than the SIM allows</source>
+        <translation>die Nummer ist länger, als die SIM-Karte erlaubt</translation>
+    </message>
+    <message>
+        <source>the number holds characters that cannot be dialled</source>
+        <translation>die Nummer enthält Zeichen, die sich nicht wählen lassen</translation>
+    </message>
+    <message>
+        <source>the network did not answer in time: try again</source>
+        <translation>das Netz hat nicht rechtzeitig geantwortet: Versuchen Sie es erneut</translation>
+    </message>
+    <message>
+        <source>the network refuses the SIM, emergency calls only</source>
+        <translation>das Netz weist die SIM-Karte ab, nur Notrufe möglich</translation>
+    </message>
+    <message>
+        <source>choose another operator (dialtone network scan) or dialtone network auto</source>
+        <translation>Wählen Sie einen anderen Netzbetreiber (dialtone network scan) oder dialtone network auto</translation>
+    </message>
+    <message>
+        <source>choose another operator, or automatic selection</source>
+        <translation>Wählen Sie einen anderen Netzbetreiber oder die automatische Netzwahl</translation>
+    </message>
+    <message>
+        <source>the SIM&apos;s subscription does not include data</source>
+        <translation>der Vertrag der SIM-Karte umfasst keine Datenverbindungen</translation>
+    </message>
+    <message>
+        <source>this operator&apos;s network does not admit the SIM</source>
+        <translation>das Netz dieses Netzbetreibers lässt die SIM-Karte nicht zu</translation>
+    </message>
+    <message>
+        <source>the network does not admit the SIM in this area</source>
+        <translation>das Netz lässt die SIM-Karte in diesem Gebiet nicht zu</translation>
+    </message>
+    <message>
+        <source>roaming is not allowed in this area</source>
+        <translation>Roaming ist in diesem Gebiet nicht erlaubt</translation>
+    </message>
+    <message>
+        <source>choose another operator (dialtone network scan)</source>
+        <translation>Wählen Sie einen anderen Netzbetreiber (dialtone network scan)</translation>
+    </message>
+    <message>
+        <source>choose another operator</source>
+        <translation>Wählen Sie einen anderen Netzbetreiber</translation>
+    </message>
+    <message>
+        <source>the number is not in use: check the number</source>
+        <translation>die Nummer ist nicht vergeben: Prüfen Sie die Nummer</translation>
+    </message>
+    <message>
+        <source>the operator barred sending this message</source>
+        <translation>der Netzbetreiber hat das Senden dieser Nachricht gesperrt</translation>
+    </message>
+    <message>
+        <source>messages to this number are barred</source>
+        <translation>Nachrichten an diese Nummer sind gesperrt</translation>
+    </message>
+    <message>
+        <source>the network refused the message</source>
+        <translation>das Netz hat die Nachricht abgelehnt</translation>
+    </message>
+    <message>
+        <source>the recipient cannot be reached now: try again later</source>
+        <translation>der Empfänger ist gerade nicht erreichbar: Versuchen Sie es später erneut</translation>
+    </message>
+    <message>
+        <source>the network is out of order: try again later</source>
+        <translation>das Netz ist gestört: Versuchen Sie es später erneut</translation>
+    </message>
+    <message>
+        <source>the network failed for a moment: try again</source>
+        <translation>das Netz ist kurz ausgefallen: Versuchen Sie es erneut</translation>
+    </message>
+    <message>
+        <source>the network is congested: try again later</source>
+        <translation>das Netz ist überlastet: Versuchen Sie es später erneut</translation>
+    </message>
+    <message>
+        <source>the SIM&apos;s subscription does not include this service</source>
+        <translation>der Vertrag der SIM-Karte umfasst diesen Dienst nicht</translation>
+    </message>
+    <message>
+        <source>there is no message at that index</source>
+        <translation>an dieser Stelle gibt es keine Nachricht</translation>
+    </message>
+    <message>
+        <source>the message store is full</source>
+        <translation>der Nachrichtenspeicher ist voll</translation>
+    </message>
+    <message>
+        <source>delete messages first (dialtone sms list, then dialtone sms delete ID)</source>
+        <translation>Löschen Sie zuerst Nachrichten (dialtone sms list, dann dialtone sms delete ID)</translation>
+    </message>
+    <message>
+        <source>delete messages first</source>
+        <translation>Löschen Sie zuerst Nachrichten</translation>
+    </message>
+    <message>
+        <source>the service centre&apos;s number is not known</source>
+        <translation>die Nummer der SMS-Zentrale ist nicht bekannt</translation>
+    </message>
+    <message>
+        <source>set it with dialtone sms sc NUMBER</source>
+        <translation>Legen Sie sie mit dialtone sms sc NUMMER fest</translation>
+    </message>
+    <message>
+        <source>set it in the message settings</source>
+        <translation>Legen Sie sie in den Nachrichteneinstellungen fest</translation>
+    </message>
+    <message>
+        <source>the SIM is blocked: its PUK attempts are used up, only the operator can replace it</source>
+        <translation>die SIM-Karte ist blockiert: Ihre PUK-Versuche sind aufgebraucht, nur der Netzbetreiber kann sie ersetzen</translation>
+    </message>
+    <message>
+        <source>the modem is locked (%1): it needs its unlock code from the seller</source>
+        <translation>das Modem ist gesperrt (%1): Es braucht seinen Entsperrcode vom Verkäufer</translation>
+    </message>
+</context>
+<context>
     <name>LocalizedStrings</name>
     <message>
         <source>Available</source>
@@ -515,6 +730,10 @@ Abhilfe: %2</translation>
     <message>
         <source>There is no connection profile to dial. Add one in Settings, Profiles.</source>
         <translation>Es gibt kein Verbindungsprofil zum Wählen. Legen Sie eines unter „Einstellungen“, „Profile“ an.</translation>
+    </message>
+    <message>
+        <source>The network did not answer in time. Please try again later.</source>
+        <translation>Das Netz hat nicht rechtzeitig geantwortet. Bitte versuchen Sie es später erneut.</translation>
     </message>
 </context>
 <context>
@@ -1737,6 +1956,281 @@ Abhilfe: %2</translation>
     <message>
         <source>%1   ↑ %2   ↓ %3</source>
         <translation>%1   ↑ %2   ↓ %3</translation>
+    </message>
+</context>
+<context>
+    <name>StatusText</name>
+    <message>
+        <source>unknown (%1)</source>
+        <translation>unbekannt (%1)</translation>
+    </message>
+    <message>
+        <source>no SIM</source>
+        <translation>keine SIM-Karte</translation>
+    </message>
+    <message>
+        <source>ready</source>
+        <translation>bereit</translation>
+    </message>
+    <message>
+        <source>PIN required</source>
+        <translation>PIN erforderlich</translation>
+    </message>
+    <message>
+        <source>PUK required</source>
+        <translation>PUK erforderlich</translation>
+    </message>
+    <message>
+        <source>PH-SIM PIN required</source>
+        <translation>PH-SIM-PIN erforderlich</translation>
+    </message>
+    <message>
+        <source>PH-FSIM PIN required</source>
+        <translation>PH-FSIM-PIN erforderlich</translation>
+    </message>
+    <message>
+        <source>PH-FSIM PUK required</source>
+        <translation>PH-FSIM-PUK erforderlich</translation>
+    </message>
+    <message>
+        <source>PIN2 required</source>
+        <translation>PIN2 erforderlich</translation>
+    </message>
+    <message>
+        <source>PUK2 required</source>
+        <translation>PUK2 erforderlich</translation>
+    </message>
+    <message>
+        <source>network PIN required</source>
+        <translation>Netz-PIN erforderlich</translation>
+    </message>
+    <message>
+        <source>network PUK required</source>
+        <translation>Netz-PUK erforderlich</translation>
+    </message>
+    <message>
+        <source>network subset PIN required</source>
+        <translation>Teilnetz-PIN erforderlich</translation>
+    </message>
+    <message>
+        <source>network subset PUK required</source>
+        <translation>Teilnetz-PUK erforderlich</translation>
+    </message>
+    <message>
+        <source>provider PIN required</source>
+        <translation>Anbieter-PIN erforderlich</translation>
+    </message>
+    <message>
+        <source>provider PUK required</source>
+        <translation>Anbieter-PUK erforderlich</translation>
+    </message>
+    <message>
+        <source>corporate PIN required</source>
+        <translation>Firmen-PIN erforderlich</translation>
+    </message>
+    <message>
+        <source>corporate PUK required</source>
+        <translation>Firmen-PUK erforderlich</translation>
+    </message>
+    <message>
+        <source>blocked</source>
+        <translation>blockiert</translation>
+    </message>
+    <message>
+        <source>home network</source>
+        <translation>Heimatnetz</translation>
+    </message>
+    <message>
+        <source>roaming</source>
+        <translation>Roaming</translation>
+    </message>
+    <message>
+        <source>searching</source>
+        <translation>Suche läuft</translation>
+    </message>
+    <message>
+        <source>not registered</source>
+        <translation>nicht angemeldet</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>denied</source>
+        <translation>abgewiesen</translation>
+    </message>
+    <message>
+        <source>no service</source>
+        <translation>kein Dienst</translation>
+    </message>
+    <message>
+        <source>disconnected</source>
+        <translation>getrennt</translation>
+    </message>
+    <message>
+        <source>connecting</source>
+        <translation>wird verbunden</translation>
+    </message>
+    <message>
+        <source>connected</source>
+        <translation>verbunden</translation>
+    </message>
+    <message>
+        <source>disconnecting</source>
+        <translation>wird getrennt</translation>
+    </message>
+    <message>
+        <source>not connected</source>
+        <translation>nicht verbunden</translation>
+    </message>
+    <message>
+        <source>success</source>
+        <translation>erfolgreich</translation>
+    </message>
+    <message>
+        <source>the modem reported a failure</source>
+        <translation>das Modem hat einen Fehler gemeldet</translation>
+    </message>
+    <message>
+        <source>the modem did not answer in time</source>
+        <translation>das Modem hat nicht rechtzeitig geantwortet</translation>
+    </message>
+    <message>
+        <source>the request needs an argument</source>
+        <translation>die Anfrage braucht ein Argument</translation>
+    </message>
+    <message>
+        <source>SIM not inserted</source>
+        <translation>keine SIM-Karte eingelegt</translation>
+    </message>
+    <message>
+        <source>SIM PIN required</source>
+        <translation>SIM-PIN erforderlich</translation>
+    </message>
+    <message>
+        <source>SIM PUK required</source>
+        <translation>SIM-PUK erforderlich</translation>
+    </message>
+    <message>
+        <source>SIM failure</source>
+        <translation>SIM-Karten-Fehler</translation>
+    </message>
+    <message>
+        <source>SIM busy</source>
+        <translation>SIM-Karte beschäftigt</translation>
+    </message>
+    <message>
+        <source>SIM wrong</source>
+        <translation>falsche SIM-Karte</translation>
+    </message>
+    <message>
+        <source>incorrect password</source>
+        <translation>falsches Passwort</translation>
+    </message>
+    <message>
+        <source>SIM PIN2 required</source>
+        <translation>SIM-PIN2 erforderlich</translation>
+    </message>
+    <message>
+        <source>SIM PUK2 required</source>
+        <translation>SIM-PUK2 erforderlich</translation>
+    </message>
+    <message>
+        <source>network personalization PIN required</source>
+        <translation>PIN der Netzsperre erforderlich</translation>
+    </message>
+    <message>
+        <source>network personalization PUK required</source>
+        <translation>PUK der Netzsperre erforderlich</translation>
+    </message>
+    <message>
+        <source>network subset personalization PIN required</source>
+        <translation>PIN der Teilnetzsperre erforderlich</translation>
+    </message>
+    <message>
+        <source>network subset personalization PUK required</source>
+        <translation>PUK der Teilnetzsperre erforderlich</translation>
+    </message>
+    <message>
+        <source>service provider personalization PIN required</source>
+        <translation>PIN der Anbietersperre erforderlich</translation>
+    </message>
+    <message>
+        <source>service provider personalization PUK required</source>
+        <translation>PUK der Anbietersperre erforderlich</translation>
+    </message>
+    <message>
+        <source>corporate personalization PIN required</source>
+        <translation>PIN der Firmensperre erforderlich</translation>
+    </message>
+    <message>
+        <source>corporate personalization PUK required</source>
+        <translation>PUK der Firmensperre erforderlich</translation>
+    </message>
+    <message>
+        <source>the answer was withheld</source>
+        <translation>die Antwort wurde zurückgehalten</translation>
+    </message>
+    <message>
+        <source>no modem found</source>
+        <translation>kein Modem gefunden</translation>
+    </message>
+    <message>
+        <source>the modem&apos;s port could not be opened</source>
+        <translation>der Anschluss des Modems ließ sich nicht öffnen</translation>
+    </message>
+    <message>
+        <source>the command was cancelled, or the modem could not be switched to modem mode</source>
+        <translation>der Befehl wurde abgebrochen, oder das Modem ließ sich nicht in den Modembetrieb umschalten</translation>
+    </message>
+    <message>
+        <source>the modem did not answer its start-up commands</source>
+        <translation>das Modem hat auf seine Startbefehle nicht geantwortet</translation>
+    </message>
+    <message>
+        <source>no worker to send the request to</source>
+        <translation>kein Arbeitsprozess, an den die Anfrage gehen könnte</translation>
+    </message>
+    <message>
+        <source>the modem refused the network mode</source>
+        <translation>das Modem hat den Netzmodus abgelehnt</translation>
+    </message>
+    <message>
+        <source>unknown request name</source>
+        <translation>unbekannter Anfragename</translation>
+    </message>
+    <message>
+        <source>unknown report</source>
+        <translation>unbekannte Meldung</translation>
+    </message>
+    <message>
+        <source>the modem service was not found</source>
+        <translation>der Modemdienst wurde nicht gefunden</translation>
+    </message>
+    <message>
+        <source>no modem device name</source>
+        <translation>kein Gerätename für das Modem</translation>
+    </message>
+    <message>
+        <source>no modem device</source>
+        <translation>kein Modemgerät</translation>
+    </message>
+    <message>
+        <source>the message was taken by a filter</source>
+        <translation>die Nachricht wurde von einem Filter abgefangen</translation>
+    </message>
+    <message>
+        <source>the request&apos;s argument was refused before reaching the modem</source>
+        <translation>das Argument der Anfrage wurde abgelehnt, bevor es das Modem erreichte</translation>
+    </message>
+    <message>
+        <source>not supported by this modem</source>
+        <translation>von diesem Modem nicht unterstützt</translation>
+    </message>
+    <message>
+        <source>the modem reported error %1</source>
+        <translation>das Modem hat Fehler %1 gemeldet</translation>
     </message>
 </context>
 <context>

@@ -18,6 +18,7 @@ constexpr Entry kTexts[] = {
     {"IDS_DISCONNECT", QT_TRANSLATE_NOOP("LocalizedStrings", "Disconnect")},
     {"IDS_COMMON_WARNING", QT_TRANSLATE_NOOP("LocalizedStrings", "Warning")},
     {"IDS_COMMON_OK", QT_TRANSLATE_NOOP("LocalizedStrings", "OK")},
+    {"IDS_USSD_TIMEOUT", QT_TRANSLATE_NOOP("LocalizedStrings", "The network did not answer in time. Please try again later.")},
     {"IDS_DIALUP_CANTFIND", QT_TRANSLATE_NOOP("LocalizedStrings", "There is no connection profile to dial. Add one in Settings, Profiles.")},
 };
 // clang-format on

@@ -37,7 +37,8 @@ bool Translations::install(const QLocale& locale, const QString& folder) {
         return false;
     installed().clear(); // a translator leaves the application when it is destroyed
     add(locale, QStringLiteral("qtbase"), QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-    return add(locale, QStringLiteral("dialtone"), folder.isEmpty() ? ResourceLocator::translationsDir() : folder);
+    return add(locale, QStringLiteral("dialtone"),
+               folder.isEmpty() ? ResourceLocator::translationsDir() : folder);
 }
 
 void Translations::installWithApplication() {

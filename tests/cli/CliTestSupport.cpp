@@ -58,6 +58,7 @@ Outcome RunDialtone(const std::vector<std::string>& args, const std::string& hom
         if (value.empty())
             command += " -u " + Quote(name);
     }
+    command += " LANGUAGE= LC_ALL=C.UTF-8"; // the tool's English texts, whatever the user's language
     if (!home.empty())
         command += " HOME=" + Quote(home);
     for (const auto& [name, value] : extraEnv) {
