@@ -71,7 +71,7 @@ int main(int argc, char** argv) {
     // The debug sink must point where it belongs before any command runs.
     app.parse_complete_callback([&context, &app] {
         SetDebugSink(context.debug ? stderr : nullptr);
-        // Text for people in their language; machine-readable output stays as it is documented.
+        // Text for people in their language; output for scripts (--json, and any other machine format) never.
         if (!context.json)
             Translations::installWithApplication();
         context.simulate = app.count("--simulate") > 0;
