@@ -6,7 +6,7 @@ FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_GEN  := -G Ninja
 
-.PHONY: all bootstrap configure build check layers asan bench fuzz fuzz-smoke fuzz-long demo install format clean
+.PHONY: all bootstrap configure build check layers asan bench fuzz fuzz-smoke fuzz-long demo install format clean translations
 
 all: build
 
@@ -22,6 +22,11 @@ build: configure
 check: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 	@scripts/test-share
+
+# Refreshes translations/*.ts from the tr() texts in src/ (new ones come in unfinished; make check fails
+# until they are translated).
+translations:
+	@scripts/update-translations
 
 # The layer rule alone (make check runs it too, as the CTest test layer_rule): front-end files include
 # neither the AT sublayer nor the worker thread's headers.

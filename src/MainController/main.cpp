@@ -14,6 +14,7 @@
 #include "QuitOnSignals.h"
 #include "ScreenshotRun.h"
 #include "Simulator.h"
+#include "Translations.h"
 
 int main(int argc, char** argv) {
     DisableCoreDumps();
@@ -22,6 +23,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationDisplayName(QStringLiteral("Dialtone"));
     QApplication::setApplicationVersion(QStringLiteral(DIALTONE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("dialtone"));
+    Translations::install(); // the system locale's: LC_ALL, LC_MESSAGES, LANG, LANGUAGE
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Connection manager for USB 3G/HSPA modems."));

@@ -2,7 +2,8 @@
 
 #include <QString>
 
-// The application's translation table: user-visible texts by key ("IDS_AVAILABLE" -> "Available").
+// The texts the modules look up by key ("IDS_AVAILABLE" -> "Available"), in the running application's
+// language: the English text is the source string of the translations (context "LocalizedStrings").
 // A key without an entry reads as the key itself, so a missing text shows up instead of vanishing.
 class LocalizedStrings {
 public:

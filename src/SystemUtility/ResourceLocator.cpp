@@ -39,3 +39,7 @@ QString ResourceLocator::resourcePath(const QString& name) {
 QString ResourceLocator::accountDataDir() {
     return QDir::cleanPath(resourceDir() + QStringLiteral("/../AccountData"));
 }
+
+QString ResourceLocator::translationsDir() {
+    return QDir::cleanPath(resourceDir() + QStringLiteral("/../translations"));
+}

@@ -3,7 +3,8 @@
 #include <QString>
 
 // Where the application's read-only data lives ("PredefinedProfile", "PLMN", the dial-up service tool and
-// modem script in "Resources"; the account menus in the sibling "AccountData"):
+// modem script in "Resources"; the account menus in the sibling "AccountData", the compiled translations in
+// the sibling "translations"):
 //   1. the folder named by DIALTONE_RESOURCE_DIR, when set;
 //   2. the build tree's share/dialtone/Resources, for a program run from the build tree;
 //   3. <prefix>/share/dialtone/Resources next to the program's own bin folder;
@@ -14,4 +15,5 @@ public:
     static QString resourceDir();
     static QString resourcePath(const QString& name);
     static QString accountDataDir();
+    static QString translationsDir();
 };

@@ -1,5 +1,7 @@
 #include "StatusText.h"
 
+#include <QCoreApplication>
+
 #include <array>
 
 #include "AppConfig.h"
@@ -7,56 +9,77 @@
 
 namespace {
 
+// The words are the source texts of the translations: in the user's language once the program has installed
+// a translator, which it never does for machine-readable output.
+std::string Translated(const char* text, int number = 0) {
+    QString translated = QCoreApplication::translate("StatusText", text);
+    if (translated.contains(QLatin1String("%1")))
+        translated = translated.arg(number);
+    return translated.toStdString();
+}
+
 template <std::size_t N> std::string Lookup(const std::array<const char*, N>& texts, int code) {
     if (code >= 0 && static_cast<std::size_t>(code) < N && texts[static_cast<std::size_t>(code)][0])
-        return texts[static_cast<std::size_t>(code)];
-    return "unknown (" + std::to_string(code) + ")";
+        return Translated(texts[static_cast<std::size_t>(code)]);
+    return Translated(QT_TRANSLATE_NOOP("StatusText", "unknown (%1)"), code);
 }
 
 } // namespace
 
 std::string PinStateText(int state) {
-    static constexpr std::array<const char*, 18> texts{"no SIM",
-                                                       "ready",
-                                                       "PIN required",
-                                                       "PUK required",
-                                                       "PH-SIM PIN required",
-                                                       "PH-FSIM PIN required",
-                                                       "PH-FSIM PUK required",
-                                                       "PIN2 required",
-                                                       "PUK2 required",
-                                                       "network PIN required",
-                                                       "network PUK required",
-                                                       "network subset PIN required",
-                                                       "network subset PUK required",
-                                                       "provider PIN required",
-                                                       "provider PUK required",
-                                                       "corporate PIN required",
-                                                       "corporate PUK required",
-                                                       "blocked"};
+    static constexpr std::array<const char*, 18> texts{
+        QT_TRANSLATE_NOOP("StatusText", "no SIM"),
+        QT_TRANSLATE_NOOP("StatusText", "ready"),
+        QT_TRANSLATE_NOOP("StatusText", "PIN required"),
+        QT_TRANSLATE_NOOP("StatusText", "PUK required"),
+        QT_TRANSLATE_NOOP("StatusText", "PH-SIM PIN required"),
+        QT_TRANSLATE_NOOP("StatusText", "PH-FSIM PIN required"),
+        QT_TRANSLATE_NOOP("StatusText", "PH-FSIM PUK required"),
+        QT_TRANSLATE_NOOP("StatusText", "PIN2 required"),
+        QT_TRANSLATE_NOOP("StatusText", "PUK2 required"),
+        QT_TRANSLATE_NOOP("StatusText", "network PIN required"),
+        QT_TRANSLATE_NOOP("StatusText", "network PUK required"),
+        QT_TRANSLATE_NOOP("StatusText", "network subset PIN required"),
+        QT_TRANSLATE_NOOP("StatusText", "network subset PUK required"),
+        QT_TRANSLATE_NOOP("StatusText", "provider PIN required"),
+        QT_TRANSLATE_NOOP("StatusText", "provider PUK required"),
+        QT_TRANSLATE_NOOP("StatusText", "corporate PIN required"),
+        QT_TRANSLATE_NOOP("StatusText", "corporate PUK required"),
+        QT_TRANSLATE_NOOP("StatusText", "blocked")};
     return Lookup(texts, state);
 }
 
 std::string ServiceStateText(int state) {
-    static constexpr std::array<const char*, 5> texts{"home network", "roaming", "searching",
-                                                      "not registered", "unknown"};
+    static constexpr std::array<const char*, 5> texts{
+        QT_TRANSLATE_NOOP("StatusText", "home network"), QT_TRANSLATE_NOOP("StatusText", "roaming"),
+        QT_TRANSLATE_NOOP("StatusText", "searching"), QT_TRANSLATE_NOOP("StatusText", "not registered"),
+        QT_TRANSLATE_NOOP("StatusText", "unknown")};
     return Lookup(texts, state);
 }
 
 std::string RegistrationText(int state) {
-    static constexpr std::array<const char*, 6> texts{"not registered", "searching", "denied",
-                                                      "home network",   "roaming",   "unknown"};
+    static constexpr std::array<const char*, 6> texts{
+        QT_TRANSLATE_NOOP("StatusText", "not registered"), QT_TRANSLATE_NOOP("StatusText", "searching"),
+        QT_TRANSLATE_NOOP("StatusText", "denied"),         QT_TRANSLATE_NOOP("StatusText", "home network"),
+        QT_TRANSLATE_NOOP("StatusText", "roaming"),        QT_TRANSLATE_NOOP("StatusText", "unknown")};
     return Lookup(texts, state);
 }
 
 std::string BearerText(int bearer) {
-    static constexpr std::array<const char*, 9> texts{"no service", "GPRS",  "EDGE", "UMTS",   "HSDPA",
-                                                      "HSPA",       "HSUPA", "GSM",  "unknown"};
+    static constexpr std::array<const char*, 9> texts{QT_TRANSLATE_NOOP("StatusText", "no service"),
+                                                      "GPRS",
+                                                      "EDGE",
+                                                      "UMTS",
+                                                      "HSDPA",
+                                                      "HSPA",
+                                                      "HSUPA",
+                                                      "GSM",
+                                                      QT_TRANSLATE_NOOP("StatusText", "unknown")};
     return Lookup(texts, bearer);
 }
 
 std::string AttemptsText(int count) {
-    return count < 0 ? "unknown" : std::to_string(count);
+    return count < 0 ? Translated(QT_TRANSLATE_NOOP("StatusText", "unknown")) : std::to_string(count);
 }
 
 std::string AccessTechnologyText(int act) {
@@ -66,14 +89,16 @@ std::string AccessTechnologyText(int act) {
 }
 
 std::string ConnectStatusText(int status) {
-    static constexpr std::array<const char*, 4> texts{"disconnected", "connecting", "connected",
-                                                      "disconnecting"};
-    return status == -1 ? "not connected" : Lookup(texts, status);
+    static constexpr std::array<const char*, 4> texts{
+        QT_TRANSLATE_NOOP("StatusText", "disconnected"), QT_TRANSLATE_NOOP("StatusText", "connecting"),
+        QT_TRANSLATE_NOOP("StatusText", "connected"), QT_TRANSLATE_NOOP("StatusText", "disconnecting")};
+    return status == -1 ? Translated(QT_TRANSLATE_NOOP("StatusText", "not connected"))
+                        : Lookup(texts, status);
 }
 
 std::string SignalText(int level) {
     if (level < 0 || level > 5)
-        return "unknown";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "unknown"));
     return std::string(static_cast<std::size_t>(level), '#') +
            std::string(static_cast<std::size_t>(5 - level), '.') + " (" + std::to_string(level) + "/5)";
 }
@@ -81,85 +106,87 @@ std::string SignalText(int level) {
 std::string ResultCodeText(int code) {
     switch (code) {
     case 0:
-        return "success";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "success"));
     case 1:
-        return "the modem reported a failure";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the modem reported a failure"));
     case 2:
-        return "the modem did not answer in time";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the modem did not answer in time"));
     case 3:
-        return "the request needs an argument";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the request needs an argument"));
     case 5:
-        return "PH-SIM PIN required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "PH-SIM PIN required"));
     case 6:
-        return "PH-FSIM PIN required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "PH-FSIM PIN required"));
     case 7:
-        return "PH-FSIM PUK required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "PH-FSIM PUK required"));
     case 8:
-        return "SIM not inserted";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "SIM not inserted"));
     case 9:
-        return "SIM PIN required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "SIM PIN required"));
     case 10:
-        return "SIM PUK required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "SIM PUK required"));
     case 11:
-        return "SIM failure";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "SIM failure"));
     case 12:
-        return "SIM busy";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "SIM busy"));
     case 13:
-        return "SIM wrong";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "SIM wrong"));
     case 14:
-        return "incorrect password";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "incorrect password"));
     case 15:
-        return "SIM PIN2 required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "SIM PIN2 required"));
     case 16:
-        return "SIM PUK2 required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "SIM PUK2 required"));
     case 17:
-        return "network personalization PIN required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "network personalization PIN required"));
     case 18:
-        return "network personalization PUK required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "network personalization PUK required"));
     case 19:
-        return "network subset personalization PIN required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "network subset personalization PIN required"));
     case 20:
-        return "network subset personalization PUK required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "network subset personalization PUK required"));
     case 21:
-        return "service provider personalization PIN required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "service provider personalization PIN required"));
     case 22:
-        return "service provider personalization PUK required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "service provider personalization PUK required"));
     case 23:
-        return "corporate personalization PIN required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "corporate personalization PIN required"));
     case 24:
-        return "corporate personalization PUK required";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "corporate personalization PUK required"));
     case 25:
-        return "the answer was withheld";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the answer was withheld"));
     case 27:
-        return "no modem found";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "no modem found"));
     case 28:
-        return "the modem's port could not be opened";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the modem's port could not be opened"));
     case 30:
-        return "the command was cancelled, or the modem could not be switched to modem mode";
+        return Translated(QT_TRANSLATE_NOOP(
+            "StatusText", "the command was cancelled, or the modem could not be switched to modem mode"));
     case 31:
-        return "the modem did not answer its start-up commands";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the modem did not answer its start-up commands"));
     case 32:
-        return "no worker to send the request to";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "no worker to send the request to"));
     case 33:
-        return "the modem refused the network mode";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the modem refused the network mode"));
     case 35:
-        return "unknown request name";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "unknown request name"));
     case 36:
-        return "unknown report";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "unknown report"));
     case 37:
-        return "the modem service was not found";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the modem service was not found"));
     case 38:
-        return "no modem device name";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "no modem device name"));
     case 39:
-        return "no modem device";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "no modem device"));
     case 44:
-        return "the message was taken by a filter";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the message was taken by a filter"));
     case 45:
-        return "the request's argument was refused before reaching the modem";
+        return Translated(
+            QT_TRANSLATE_NOOP("StatusText", "the request's argument was refused before reaching the modem"));
     case 46:
-        return "not supported by this modem";
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "not supported by this modem"));
     default:
-        return "the modem reported error " + std::to_string(code);
+        return Translated(QT_TRANSLATE_NOOP("StatusText", "the modem reported error %1"), code);
     }
 }
 

@@ -25,6 +25,7 @@
 #include "StatsCommand.h"
 #include "StatusCommand.h"
 #include "StkCommand.h"
+#include "Translations.h"
 #include "UssdCommand.h"
 
 int main(int argc, char** argv) {
@@ -70,6 +71,9 @@ int main(int argc, char** argv) {
     // The debug sink must point where it belongs before any command runs.
     app.parse_complete_callback([&context, &app] {
         SetDebugSink(context.debug ? stderr : nullptr);
+        // Text for people in their language; output for scripts (--json, and any other machine format) never.
+        if (!context.json)
+            Translations::installWithApplication();
         context.simulate = app.count("--simulate") > 0;
         context.waitGiven = app.count("--wait") > 0;
     });

@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -58,6 +59,11 @@ Outcome RunDialtone(const std::vector<std::string>& args, const std::string& hom
         if (value.empty())
             command += " -u " + Quote(name);
     }
+    const auto locale = [](const auto& variable) {
+        return variable.first.rfind("LANG", 0) == 0 || variable.first.rfind("LC_", 0) == 0;
+    };
+    if (std::none_of(extraEnv.begin(), extraEnv.end(), locale))
+        command += " LANGUAGE= LC_ALL=C.UTF-8"; // the tool's English texts, whatever the user's language
     if (!home.empty())
         command += " HOME=" + Quote(home);
     for (const auto& [name, value] : extraEnv) {

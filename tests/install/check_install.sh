@@ -36,6 +36,7 @@ expected=(
     share/dialtone/Resources/VEL_HSPA_Modem
     share/dialtone/Resources/modems.table
     share/dialtone/AccountData/Default.dat
+    share/dialtone/translations/dialtone_de.qm
     share/dialtone/modemsim/scenarios/default.json
     share/man/man1/dialtone.1
     share/man/man1/dialtone-gui.1

@@ -143,7 +143,5 @@ int AccountController::paidTypeFromInternalType(int internalType) {
 }
 
 QString AccountController::timeoutMessage() {
-    const QString key = QStringLiteral("IDS_USSD_TIMEOUT");
-    const QString text = LocalizedStrings::text(key);
-    return text == key ? QStringLiteral("The network did not answer in time. Please try again later.") : text;
+    return LocalizedStrings::text(QStringLiteral("IDS_USSD_TIMEOUT"));
 }
