@@ -59,7 +59,7 @@ Outcome RunDialtone(const std::vector<std::string>& args, const std::string& hom
             command += " -u " + Quote(name);
     }
     if (!home.empty())
-        command += " HOME=" + Quote(home);
+        command += " -u XDG_DATA_HOME -u XDG_CONFIG_HOME -u XDG_STATE_HOME HOME=" + Quote(home);
     for (const auto& [name, value] : extraEnv) {
         if (!value.empty())
             command += " " + Quote(name + "=" + value);
