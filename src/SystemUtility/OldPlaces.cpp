@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -50,7 +51,8 @@ bool isConfigFile(const QString& name) {
 // What a symbolic link says, as written (relative links stay relative); empty for anything else.
 QByteArray linkText(const QString& path) {
     QByteArray text(PATH_MAX, '\0');
-    const ssize_t length = ::readlink(native(path).constData(), text.data(), static_cast<size_t>(text.size()));
+    const ssize_t length =
+        ::readlink(native(path).constData(), text.data(), static_cast<size_t>(text.size()));
     text.truncate(length > 0 ? length : 0);
     return text;
 }
@@ -58,11 +60,12 @@ QByteArray linkText(const QString& path) {
 // 0 or the errno of the failed step. File systems without RENAME_NOREPLACE get a plain rename: the
 // target was checked under the lock.
 int renameNoReplace(const QString& from, const QString& to) {
-    if (::renameat2(AT_FDCWD, native(from).constData(), AT_FDCWD, native(to).constData(), RENAME_NOREPLACE) == 0 ||
-        (errno == EINVAL && ::rename(native(from).constData(), native(to).constData()) == 0)) {
+    const QByteArray source = native(from);
+    const QByteArray target = native(to);
+    if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, target.constData(), RENAME_NOREPLACE) == 0) {
         return 0;
     }
-    return errno;
+    return errno == EINVAL && ::rename(source.constData(), target.constData()) == 0 ? 0 : errno;
 }
 
 // Copies a file (or a symbolic link as a link) with its modification time, synced; 0 or an errno.
@@ -74,6 +77,9 @@ int copyFile(const QString& from, const QString& to) {
     }
     if (S_ISLNK(info.st_mode)) {
         return ::symlink(linkText(from).constData(), native(to).constData()) == 0 ? 0 : errno;
+    }
+    if (!S_ISREG(info.st_mode)) {
+        return EINVAL; // a pipe or a device: reading it could block or never end
     }
     const int in = ::open(native(from).constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
     if (in < 0) {
@@ -130,7 +136,8 @@ bool sameContent(const QString& a, const QString& b) {
     }
     QFile left(a);
     QFile right(b);
-    if (first.size() != second.size() || !left.open(QIODevice::ReadOnly) || !right.open(QIODevice::ReadOnly)) {
+    if (first.size() != second.size() || !left.open(QIODevice::ReadOnly) ||
+        !right.open(QIODevice::ReadOnly)) {
         return false;
     }
     while (!left.atEnd()) {
@@ -159,18 +166,24 @@ struct Pass {
         if (!oldInfo.isDir()) {
             return;
         }
-        const QFileInfoList entries = QDir(old).entryInfoList(
+        QFileInfoList entries = QDir(old).entryInfoList(
             QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+        // The tool's older settings file last, so that a "dialtoned.ini" beside it stays the one in use.
+        std::stable_partition(entries.begin(), entries.end(), [](const QFileInfo& entry) {
+            return entry.fileName() != QLatin1String("dialtone-cli.ini");
+        });
         int moved = 0;
         QStringList targets;
         for (const QFileInfo& entry : entries) {
             const QString name = entry.fileName();
             if (entry.isDir() && !entry.isSymLink()) {
-                lines << QStringLiteral("%1 is a folder of yours; it stays where it is").arg(entry.filePath());
+                lines
+                    << QStringLiteral("%1 is a folder of yours; it stays where it is").arg(entry.filePath());
                 continue;
             }
             const QString folder = route(name);
-            QString to = folder + '/' + (name == QLatin1String("dialtone-cli.ini") ? QStringLiteral("dialtoned.ini") : name);
+            QString to = folder + '/' +
+                         (name == QLatin1String("dialtone-cli.ini") ? QStringLiteral("dialtoned.ini") : name);
             if (!PrivateFile::makeFolder(folder)) {
                 lines << QStringLiteral("could not create %1 (%2); %3 stays where it is")
                              .arg(folder, QString::fromLocal8Bit(std::strerror(errno)), entry.filePath());
@@ -208,8 +221,10 @@ struct Pass {
             const QString from = oldInfo.isSymLink()
                                      ? QStringLiteral("%1 (a link to %2)").arg(old, oldInfo.symLinkTarget())
                                      : old;
-            const QString files = moved == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(moved);
-            lines << QStringLiteral("moved %1 from %2 to %3").arg(files, from, targets.join(QStringLiteral(" and ")));
+            const QString files =
+                moved == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(moved);
+            lines << QStringLiteral("moved %1 from %2 to %3")
+                         .arg(files, from, targets.join(QStringLiteral(" and ")));
         }
         QDir().rmdir(old);
     }
