@@ -1,13 +1,12 @@
 #include "CNSLog.h"
 
-#include "UserDataFolder.h"
 #include "ConvertUtilty.h"
 #include "DebugSink.h"
 #include "PrivateFile.h"
+#include "UserDataFolder.h"
 
 #include <QDate>
 #include <QDateTime>
-#include <QDir>
 #include <QFileInfo>
 
 #include <cerrno>

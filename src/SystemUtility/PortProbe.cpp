@@ -5,11 +5,11 @@
 #include "PrivateFile.h"
 #include "PropertyList.h"
 #include "StoreFile.h"
+#include "UserDataFolder.h"
 
 #include <QDir>
 #include <QMap>
 #include <QSet>
-#include "UserDataFolder.h"
 
 #include <libudev.h>
 
