@@ -128,7 +128,7 @@ quint32 PPPConnection::secondsSinceSystemStart() {
 }
 
 QString PPPConnection::optionsFilePath() const {
-    return UserDataFolder::devicePath() + '/' + _serviceID + QStringLiteral(".options");
+    return UserDataFolder::dataPath() + '/' + _serviceID + QStringLiteral(".options");
 }
 
 void PPPConnection::removeOptionsFile() const {

@@ -81,7 +81,7 @@ int SMSExt::registerWith(TInterfaceAtSublayer& sublayer) {
 }
 
 QString SMSExt::filePath() const {
-    return UserDataFolder::configPath() + "/" + kFileName;
+    return UserDataFolder::dataPath() + "/" + kFileName;
 }
 
 int SMSExt::list(const QString& imsi, std::list<TSMSRecordInPC>& records) {

@@ -92,11 +92,11 @@ AppConfig::AppConfig() {
 }
 
 QString AppConfig::getUserDataPath() {
-    return UserDataFolder::configPath();
+    return UserDataFolder::dataPath();
 }
 
 void AppConfig::initSystemConfig() {
-    _strSystemConfigFilePath = filePath(getUserDataPath(), QStringLiteral("SystemConfig.plist"));
+    _strSystemConfigFilePath = filePath(UserDataFolder::configPath(), QStringLiteral("SystemConfig.plist"));
     _dictSystemConfig = DamagedFile::readMap(_strSystemConfigFilePath);
     _dictSystemConfigAsRead = _dictSystemConfig;
     const QVariantMap marker = _dictSystemConfig.value(kDefaultApnInfo).toMap();

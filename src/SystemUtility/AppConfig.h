@@ -17,8 +17,9 @@
 // thread only. Every change is written to its file at once; a failed write is logged and the in-memory
 // state is kept.
 //
-// Files, in the user data folder ($HOME/Documents/HSPA Modem User Data):
+// Files: in the configuration folder (UserDataFolder)
 //   "SystemConfig.plist"     dictionary of settings
+// and in the data folder
 //   "UserAPNList.plist"      array of profile dictionaries (the user list)
 //   "UserIMSIAPNList.plist"  dictionary IMSI -> array of profile dictionaries (the per-SIM lists)
 // and, read-only in the resources, "PredefinedProfile" and "PLMN" (tab-separated lines, "\r\n" between

@@ -1,13 +1,12 @@
 #include "CNSLog.h"
 
-#include "AppConfig.h"
 #include "ConvertUtilty.h"
 #include "DebugSink.h"
 #include "PrivateFile.h"
+#include "UserDataFolder.h"
 
 #include <QDate>
 #include <QDateTime>
-#include <QDir>
 #include <QFileInfo>
 
 #include <cerrno>
@@ -107,11 +106,11 @@ CNSLog::~CNSLog() {
 }
 
 QString CNSLog::logFolderPath() {
-    return QStringLiteral("%1/Library/logs/%2").arg(QDir::homePath(), QStringLiteral("HSPA_USB_MODEM"));
+    return UserDataFolder::statePath();
 }
 
 QString CNSLog::markerPath() {
-    return QStringLiteral("%1/%2").arg(AppConfig::getUserDataPath(), QStringLiteral("OPENLOG"));
+    return QStringLiteral("%1/%2").arg(UserDataFolder::configPath(), QStringLiteral("OPENLOG"));
 }
 
 const char* CNSLog::levelTag(int level) {

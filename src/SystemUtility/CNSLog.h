@@ -7,9 +7,9 @@
 
 // The application's diagnostic log, one instance g_CNSLog shared by every thread.
 //
-// Logging is on only while the marker file "OPENLOG" exists in the user data folder
-// ($HOME/Documents/HSPA Modem User Data) when the log starts: on first use, or at initialize(). The lines
-// go to $HOME/Library/logs/HSPA_USB_MODEM/LOG_<dd>_<MM>_<yyyy>.log, named after the start day, appended:
+// Logging is on only while the marker file "OPENLOG" exists in the configuration folder
+// (~/.config/dialtone) when the log starts: on first use, or at initialize(). The lines go to
+// LOG_<dd>_<MM>_<yyyy>.log in the state folder (~/.local/state/dialtone), named after the start day, appended:
 //   2024-05-01 14:00:00 +0200 [-CNSLOG_ERROR-]: AppConfig.cpp:42 AppConfig::f VER:0.1.0-->>: text
 //
 // Levels: 0 normal, 1 warning, 2 and 3 error (both follow g_ST_LOG_ERROR), 4 test; 5 and negative levels

@@ -393,5 +393,5 @@ QString DeviceUtility::volumePathWithBSDPath(const char* bsdPath) {
 }
 
 QString DeviceUtility::getUserDataPath() {
-    return UserDataFolder::devicePath();
+    return UserDataFolder::dataPath();
 }

@@ -58,7 +58,7 @@ public:
     // The mount point of the block device in the mount table, as a location; null when not mounted.
     static QString volumePathWithBSDPath(const char* bsdPath);
 
-    // "$HOME/Documents/USB Modem User Data", created when missing.
+    // The data folder (UserDataFolder), created when missing.
     static QString getUserDataPath();
 
     static QString deviceDir();

@@ -5,11 +5,11 @@
 #include "PrivateFile.h"
 #include "PropertyList.h"
 #include "StoreFile.h"
+#include "UserDataFolder.h"
 
 #include <QDir>
 #include <QMap>
 #include <QSet>
-#include <QStandardPaths>
 
 #include <libudev.h>
 
@@ -79,8 +79,7 @@ void remember(const PortProbe::Stick& stick, const PortProbe::Ports& ports) {
 } // namespace
 
 QString PortProbe::rememberedPath() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/dialtone/ProbedPorts");
+    return UserDataFolder::configPath() + QStringLiteral("/ProbedPorts");
 }
 
 QList<PortProbe::Stick> PortProbe::sticksWithTtys(udev* context) {

@@ -18,7 +18,9 @@ StoreFile::FaultHook& faultHook() {
     return hook;
 }
 
-bool syncFolder(const QString& folder) {
+} // namespace
+
+bool StoreFile::syncFolder(const QString& folder) {
     const int fd = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd < 0)
         return false;
@@ -26,8 +28,6 @@ bool syncFolder(const QString& folder) {
     ::close(fd);
     return synced;
 }
-
-} // namespace
 
 bool StoreFile::write(const QString& path, const QVariant& root) {
     const QFileInfo info(path);

@@ -15,6 +15,9 @@ public:
     // it. Call under the store's lock.
     static bool write(const QString& path, const QVariant& root);
 
+    // Syncs the folder itself, so that renames and removals in it are on disk; false when that failed.
+    static bool syncFolder(const QString& folder);
+
     // The leftovers of an interrupted write, "<name>.XXXXXX" beside path. A readable one at least as new
     // as the store is handed to merge (when given); when any was merged, writeBack stores the result. The
     // leftovers are removed once that succeeded (at once when nothing was merged); false when the write

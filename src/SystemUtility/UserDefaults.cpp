@@ -2,8 +2,7 @@
 
 #include "DamagedFile.h"
 #include "PrivateFile.h"
-
-#include <QStandardPaths>
+#include "UserDataFolder.h"
 
 namespace {
 
@@ -16,10 +15,7 @@ QSettings settings() {
 } // namespace
 
 QString UserDefaults::filePath() {
-    const QString folder =
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + QStringLiteral("/dialtone");
-    PrivateFile::makeFolder(folder);
-    return folder + QStringLiteral("/defaults.ini");
+    return UserDataFolder::configPath() + QStringLiteral("/defaults.ini");
 }
 
 QVariant UserDefaults::value(const QString& key, const QVariant& fallback) {

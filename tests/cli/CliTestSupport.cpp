@@ -65,7 +65,7 @@ Outcome RunDialtone(const std::vector<std::string>& args, const std::string& hom
     if (std::none_of(extraEnv.begin(), extraEnv.end(), locale))
         command += " LANGUAGE= LC_ALL=C.UTF-8"; // the tool's English texts, whatever the user's language
     if (!home.empty())
-        command += " HOME=" + Quote(home);
+        command += " -u XDG_DATA_HOME -u XDG_CONFIG_HOME -u XDG_STATE_HOME HOME=" + Quote(home);
     for (const auto& [name, value] : extraEnv) {
         if (!value.empty())
             command += " " + Quote(name + "=" + value);

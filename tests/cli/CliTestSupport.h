@@ -33,7 +33,7 @@ struct TempDir {
 };
 
 // Runs the tool at DIALTONE_CLI with the arguments, standard input from inputPath. HOME is set to home
-// unless it is empty. extraEnv sets further variables; a pair with an empty value removes that variable.
+// unless it is empty, and then the XDG variables are removed so that the tool's folders follow it. extraEnv sets further variables; a pair with an empty value removes that variable.
 Outcome RunDialtone(const std::vector<std::string>& args, const std::string& home,
                     const std::vector<std::pair<std::string, std::string>>& extraEnv = {},
                     const std::string& inputPath = "/dev/null",

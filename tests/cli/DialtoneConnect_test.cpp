@@ -138,7 +138,7 @@ TEST(DialtoneConnect, PasswordIsReadFromStandardInputNotTheCommandLine) {
                                 " profiles add Secret apn.example --password-stdin <" +
                                 clitest::Quote(input.path + "/password") + " >/dev/null 2>&1";
     ASSERT_EQ(std::system(command.c_str()), 0);
-    std::ifstream stored(world.modem.home.path + "/Documents/HSPA Modem User Data/UserAPNList.plist");
+    std::ifstream stored(world.modem.home.path + "/.local/share/dialtone/UserAPNList.plist");
     const std::string text((std::istreambuf_iterator<char>(stored)), std::istreambuf_iterator<char>());
     EXPECT_NE(text.find("s3cret"), std::string::npos);
 }
@@ -149,7 +149,7 @@ TEST(DialtoneConnect, EveryFileAndFolderWrittenIsTheOwnersAlone) {
     ASSERT_TRUE(world.modem.ready());
     const fs::path home = world.modem.home.path;
     const fs::path data = home / "Documents" / "HSPA Modem User Data";
-    // Left open by an older version: a 0755 data and configuration folder and a 0644 settings file.
+    // Left open by an older version in its old data folder: a 0755 folder and a 0644 settings file.
     fs::create_directories(data);
     fs::create_directories(home / ".config" / "dialtone");
     for (const char* own : {"Documents", ".config"})
@@ -165,7 +165,7 @@ TEST(DialtoneConnect, EveryFileAndFolderWrittenIsTheOwnersAlone) {
         const Outcome run = world.run(arguments);
         ASSERT_EQ(run.status, 0) << arguments.back() << ": " << run.err;
     }
-    ASSERT_TRUE(fs::exists(home / "Library" / "logs"));
+    ASSERT_TRUE(fs::exists(home / ".local" / "state" / "dialtone"));
     int seen = 0;
     for (const auto& entry : fs::recursive_directory_iterator(home)) {
         const auto mode = entry.symlink_status().permissions() & fs::perms::all;

@@ -51,7 +51,8 @@ TEST(DialtoneDamagedFiles, StatsGoesOnAndSaysWhereTheCopyIs) {
         SCOPED_TRACE(std::string(row.file) + " holding " + std::to_string(row.bytes.size()) +
                      " bytes, kind " + std::to_string(row.kind));
         TempDir home;
-        const fs::path data = fs::path(home.path) / "Documents" / "HSPA Modem User Data";
+        const bool setting = std::string(row.file) == "SystemConfig.plist";
+        const fs::path data = fs::path(home.path) / (setting ? ".config" : ".local/share") / "dialtone";
         fs::create_directories(data);
         if (row.kind == Folder)
             fs::create_directories(data / row.file / "inside");
@@ -77,7 +78,7 @@ TEST(DialtoneDamagedFiles, StatsGoesOnAndSaysWhereTheCopyIs) {
 
 TEST(DialtoneDamagedFiles, WrongProfileEntriesAreCountedAndTheGoodOnesKept) {
     TempDir home;
-    const fs::path data = fs::path(home.path) / "Documents" / "HSPA Modem User Data";
+    const fs::path data = fs::path(home.path) / ".local/share/dialtone";
     fs::create_directories(data);
     std::ofstream(data / "UserAPNList.plist")
         << "<?xml version=\"1.0\"?><plist version=\"1.0\"><array>"

@@ -34,12 +34,11 @@ std::string Day(const std::string& key, int sent, int received, int roamingSent,
 
 // A home with three days of history (one outside 30 Jan..2 Feb) and totals since a reset.
 void Seed(const std::string& home) {
-    const std::string data = home + "/Documents/HSPA Modem User Data/";
-    WriteFile(data + "DateTraffics.plist",
+    WriteFile(home + "/.local/share/dialtone/DateTraffics.plist",
               Plist("<key>CREATION_TIME</key><date>2024-01-01T00:00:00Z</date>" +
                     Day("2024/02/02", 2048, 1536, 0, 0) + Day("2024/01/31", 100, 200, 300, 400) +
                     Day("2024/02/05", 1, 1, 1, 1)));
-    WriteFile(data + "SystemConfig.plist",
+    WriteFile(home + "/.config/dialtone/SystemConfig.plist",
               Plist("<key>SIMPLE_STATICS</key><dict><key>NOROAMING SENDBYTES</key><integer>5000</integer>"
                     "<key>NOROAMING RECEIVEBYTES</key><integer>1048576</integer>"
                     "<key>CONNECTTIME</key><integer>3661</integer></dict>"

@@ -42,7 +42,7 @@ QString userFile(const TempHome& home, const char* name) {
 }
 
 const KeptFile kFiles[] = {
-    {"SystemConfig.plist", Root::Dict, [](const TempHome& h) { return userFile(h, "SystemConfig.plist"); },
+    {"SystemConfig.plist", Root::Dict, [](const TempHome& h) { return h.configFile("SystemConfig.plist"); },
      [](const TempHome&) {
          AppConfig config;
          EXPECT_EQ(config.getSMSValidityPeriod(), 0) << "defaults after a damaged file";

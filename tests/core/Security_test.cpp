@@ -129,11 +129,10 @@ mode_t modeOf(const QString& path) {
 
 TEST(Security, PrivateFoldersAndFiles) {
     TempHome home;
-    const QString documents = home.path() + "/Documents";
-    QDir().mkpath(documents + "/USB Modem User Data");
-    chmod(QFile::encodeName(documents + "/USB Modem User Data").constData(), 0755); // left by an old version
+    QDir().mkpath(home.userData());
+    chmod(QFile::encodeName(home.userData()).constData(), 0755); // opened by hand
     EXPECT_EQ(modeOf(UserDataFolder::configPath()), 0700u);
-    EXPECT_EQ(modeOf(UserDataFolder::devicePath()), 0700u) << "an open folder is closed";
+    EXPECT_EQ(modeOf(UserDataFolder::dataPath()), 0700u) << "an open folder is closed";
 
     AppConfig config;
     APNInfo profile;

@@ -75,7 +75,7 @@ TEST(StoreSafety, TwoProcessesWritingTheSameStoresLoseNothing) {
         waitpid(writer, nullptr, 0);
     expected.sort();
     EXPECT_EQ(stored(), expected);
-    const QVariantMap config = PropertyList::readMap(home.userFile("SystemConfig.plist"));
+    const QVariantMap config = PropertyList::readMap(home.configFile("SystemConfig.plist"));
     EXPECT_EQ(config.value("writer0").toInt(), kRounds - 1);
     EXPECT_EQ(config.value("writer1").toInt(), 2 * kRounds - 1);
 }

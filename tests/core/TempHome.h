@@ -13,31 +13,39 @@
 #include <cstdlib>
 #include <optional>
 
-// A fresh $HOME for one test, and optionally a resource folder of the test's own. The log starts over in
-// the new home (off unless the test creates the marker), and every switch is back on.
+// A fresh $HOME for one test (the XDG variables unset, so the folders follow it), and optionally a resource
+// folder of the test's own. The log starts over in the new home (off unless the test creates the marker),
+// and every switch is back on.
 class TempHome {
 public:
     TempHome() {
         EXPECT_TRUE(_home.isValid());
         saveAndSet("HOME", _home.path().toLocal8Bit(), _oldHome);
         saveAndSet("DIALTONE_RESOURCE_DIR", {}, _oldResources);
+        for (int i = 0; i < 3; ++i) {
+            saveAndSet(kXdg[i], {}, _oldXdg[i]);
+        }
         resetLogSwitches();
         g_CNSLog.initialize();
     }
     ~TempHome() {
         // Switch the log off while $HOME is still this folder, so nothing reaches the real home.
-        QFile::remove(userFile("OPENLOG"));
+        QFile::remove(configFile("OPENLOG"));
         resetLogSwitches();
         g_CNSLog.initialize();
         restore("HOME", _oldHome);
         restore("DIALTONE_RESOURCE_DIR", _oldResources);
+        for (int i = 0; i < 3; ++i) {
+            restore(kXdg[i], _oldXdg[i]);
+        }
     }
     TempHome(const TempHome&) = delete;
     TempHome& operator=(const TempHome&) = delete;
 
     QString path() const { return _home.path(); }
-    QString userData() const { return _home.path() + "/Documents/HSPA Modem User Data"; }
+    QString userData() const { return _home.path() + "/.local/share/dialtone"; }
     QString userFile(const QString& name) const { return userData() + "/" + name; }
+    QString configFile(const QString& name) const { return _home.path() + "/.config/dialtone/" + name; }
 
     // Points the resources at a folder of this home holding the given files.
     void useResources(const QByteArray& predefinedProfile, const QByteArray& plmn) {
@@ -50,8 +58,8 @@ public:
 
     // Creates the "OPENLOG" marker and restarts the log; returns the log file's path.
     QString openLog() {
-        QDir().mkpath(userData());
-        writeFile(userFile("OPENLOG"), {});
+        QDir().mkpath(_home.path() + "/.config/dialtone");
+        writeFile(configFile("OPENLOG"), {});
         g_CNSLog.initialize();
         return g_CNSLog.logFilePath();
     }
@@ -95,4 +103,6 @@ private:
     QTemporaryDir _home;
     std::optional<QByteArray> _oldHome;
     std::optional<QByteArray> _oldResources;
+    static constexpr const char* kXdg[3] = {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"};
+    std::optional<QByteArray> _oldXdg[3];
 };

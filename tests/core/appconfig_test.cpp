@@ -59,13 +59,13 @@ TEST(AppConfig, FirstRunWritesTheFlagDefaults) {
     EXPECT_TRUE(config.getUserIMSIApnList().isEmpty());
     EXPECT_FALSE(config.getDefaultUserAPNItem());
     EXPECT_EQ(config.getSMSValidityPeriod(), 0);
-    EXPECT_FALSE(QFileInfo::exists(home.userFile("SystemConfig.plist")));
+    EXPECT_FALSE(QFileInfo::exists(home.configFile("SystemConfig.plist")));
 
     EXPECT_TRUE(config.getConnectSoundEnable());
     EXPECT_TRUE(config.getDisconnectSoundEnable());
     EXPECT_TRUE(config.getSMSIncomingSoundEnable());
     EXPECT_FALSE(config.getSMSDeliveryReportEnable());
-    const QVariantMap stored = PropertyList::readMap(home.userFile("SystemConfig.plist"));
+    const QVariantMap stored = PropertyList::readMap(home.configFile("SystemConfig.plist"));
     EXPECT_EQ(stored, (QVariantMap{{"SOUND_CONNECT", "TRUE"},
                                    {"SOUND_DISCONNECT", "TRUE"},
                                    {"SOUND_SMS_INCOMING", "TRUE"},
@@ -205,7 +205,7 @@ TEST(AppConfig, DefaultProfileFollowsItsSim) {
         EXPECT_TRUE(config.isFromIMSI());
         ASSERT_TRUE(config.getDefaultUserAPNItem());
         EXPECT_EQ(config.getDefaultUserAPNItem()->strAccount, "Three 3");
-        EXPECT_EQ(PropertyList::readMap(home.userFile("SystemConfig.plist")).value("default APN info"),
+        EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")).value("default APN info"),
                   (QVariantMap{{"if setDefault", "TRUE"}, {"default IMSI", simA}}));
 
         // Another SIM: the default does not count.
@@ -230,7 +230,7 @@ TEST(AppConfig, DefaultProfileFollowsItsSim) {
                   (std::vector<std::string>{"Three 1", "Three 2", "Three 3"}));
         EXPECT_FALSE(config.isSetDefaultUserApn());
         EXPECT_FALSE(config.getDefaultUserAPNItem());
-        EXPECT_EQ(PropertyList::readMap(home.userFile("SystemConfig.plist"))
+        EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist"))
                       .value("default APN info")
                       .toMap()
                       .value("default IMSI"),
@@ -259,7 +259,7 @@ TEST(AppConfig, DefaultProfileFollowsItsSim) {
 
         config.removeDefaultApnItems();
         EXPECT_FALSE(config.getDefaultUserAPNItem());
-        EXPECT_EQ(PropertyList::readMap(home.userFile("SystemConfig.plist")).value("default APN info"),
+        EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")).value("default APN info"),
                   (QVariantMap{{"if setDefault", "FALSE"}, {"default IMSI", ""}}));
     }
 }
@@ -325,14 +325,14 @@ TEST(AppConfig, TwoWritersKeepEachOthersProfiles) {
 TEST(AppConfig, CorruptFilesReadAsEmpty) {
     TempHome home;
     QDir().mkpath(home.userData());
-    TempHome::writeFile(home.userFile("SystemConfig.plist"),
+    TempHome::writeFile(home.configFile("SystemConfig.plist"),
                         "<?xml version=\"1.0\"?><plist><dict><key>SOUND_");
     TempHome::writeFile(home.userFile("UserAPNList.plist"), QByteArray("bplist00\x01\x02", 10));
     TempHome::writeFile(home.userFile("UserIMSIAPNList.plist"), "garbage");
     AppConfig config;
     EXPECT_TRUE(config.getUserApnList().isEmpty());
     EXPECT_FALSE(config.getSMSDeliveryReportEnable());
-    EXPECT_EQ(PropertyList::readMap(home.userFile("SystemConfig.plist")).value("SOUND_SMS_DELIVERY_REPORT"),
+    EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")).value("SOUND_SMS_DELIVERY_REPORT"),
               "FALSE");
     config.addUserAPNItem(profile("Home", "home.apn"));
     EXPECT_EQ(AppConfig().getUserApnList().size(), 1);

@@ -28,14 +28,14 @@ TEST(CNSLog, NothingWithoutTheMarker) {
     g_CNSLog.MLog("text");
     EXPECT_EQ(g_ST_LOG_ALL, 0);
     EXPECT_TRUE(g_CNSLog.logFilePath().isEmpty());
-    EXPECT_FALSE(QFileInfo::exists(home.path() + "/Library"));
+    EXPECT_FALSE(QFileInfo::exists(home.path() + "/.local/state"));
 }
 
 TEST(CNSLog, MarkerSwitchesTheDayFileOn) {
     TempHome home;
     const QString path = home.openLog();
     const QDate today = QDate::currentDate();
-    EXPECT_EQ(path, home.path() + QString::asprintf("/Library/logs/HSPA_USB_MODEM/LOG_%02d_%02d_%04d.log",
+    EXPECT_EQ(path, home.path() + QString::asprintf("/.local/state/dialtone/LOG_%02d_%02d_%04d.log",
                                                     today.day(), today.month(), today.year()));
     EXPECT_EQ(g_ST_LOG_ALL, 1);
     ASSERT_TRUE(QFileInfo::exists(path));
@@ -54,7 +54,7 @@ TEST(CNSLog, MarkerSwitchesTheDayFileOn) {
     EXPECT_EQ(logLines(path).size(), 2);
 
     // Removing the marker switches it off at the next start.
-    QFile::remove(home.userFile("OPENLOG"));
+    QFile::remove(home.configFile("OPENLOG"));
     g_CNSLog.initialize();
     Sample().log(2);
     EXPECT_EQ(logLines(path).size(), 2);

@@ -60,7 +60,7 @@ TEST(DevicePorts, DanglingAtPortLink) {
 TEST(DevicePorts, UserDataFolderIsCreated) {
     TempWorld world;
     const QString path = DeviceUtility::getUserDataPath();
-    EXPECT_EQ(path, world.home() + "/Documents/USB Modem User Data");
+    EXPECT_EQ(path, world.home() + "/.local/share/dialtone");
     EXPECT_TRUE(QFileInfo(path).isDir());
 }
 

@@ -26,7 +26,7 @@ mode_t modeOf(const QString& path) {
 // The log switched on in the world's home for the test's length.
 class LogOn {
 public:
-    explicit LogOn(const QString& home) : _marker(home + "/Documents/HSPA Modem User Data/OPENLOG") {
+    explicit LogOn(const QString& home) : _marker(home + "/.config/dialtone/OPENLOG") {
         QDir().mkpath(QFileInfo(_marker).path());
         TempWorld::writeFile(_marker, {});
         g_CNSLog.initialize();
@@ -64,7 +64,7 @@ TEST(PasswordSecrecy, NotInCommandLinesNorInTheLog) {
         EXPECT_TRUE(TempWorld::readFile(options).contains(password)) << "handed to pppd in its file";
         EXPECT_EQ(modeOf(options), 0600u);
         EXPECT_EQ(modeOf(QFileInfo(options).path()), 0700u);
-        EXPECT_EQ(modeOf(world.home() + "/Documents/HSPA Modem User Data"), 0700u);
+        EXPECT_EQ(modeOf(world.home() + "/.local/share/dialtone"), 0700u);
         EXPECT_FALSE(everyCommandLine().contains(password)) << "while dialling";
 
         world.connect();

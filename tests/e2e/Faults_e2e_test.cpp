@@ -364,7 +364,7 @@ TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
             continue;
         }
         start();
-        const QString folder = UserDataFolder::configPath();
+        const QString folder = UserDataFolder::dataPath();
         const QString inbox = SMSExt::shared().filePath();
         prepareMessages(SMS_STORAGE_PC); // moves the scenario's message out of the modem memory
         const qsizetype pcBefore = inboxOnComputer().size();

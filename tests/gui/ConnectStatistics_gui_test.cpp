@@ -140,7 +140,7 @@ TEST(ConnectStatisticsGui, TerminationSignalsQuitAndHangUp) {
         tab->findChild<QPushButton*>("connectButton")->click();
         ASSERT_TRUE(waitForGui(
             [&] { return tab->controller()->connectState() == ConnectController::kConnected; }, 30s));
-        const QString options = world.home() + "/Documents/USB Modem User Data/VELMODEM1.options";
+        const QString options = world.home() + "/.local/share/dialtone/VELMODEM1.options";
         const QString pidFile = world.pppDir() + "/run/ppp-VELMODEM1.pid";
         ASSERT_TRUE(QFile::exists(options) && QFile::exists(pidFile));
 

@@ -36,7 +36,8 @@ GuiWorld::GuiWorld(const QStringList& simulatorArguments) {
     ensureGuiApplication();
     const QByteArray home = _home.path().toLocal8Bit();
     setenv("HOME", home.constData(), 1);
-    unsetenv("XDG_CONFIG_HOME");
+    for (const char* xdg : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
+        unsetenv(xdg);
     for (const char* folder : {"peers", "run", "net"})
         QDir(_ppp.path()).mkpath(QString::fromLatin1(folder));
     setenv("DIALTONE_PPPD", DIALTONE_FAKE_PPPD, 1);

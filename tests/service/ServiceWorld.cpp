@@ -114,6 +114,8 @@ PrivateBus::PrivateBus(const std::string& servicesDir, const std::string& devDir
         // the stand-in pppd under it (the service sets up the dial-up service once the modem is ready).
         setenv("DIALTONE_DEV_DIR", devDir.c_str(), 1);
         setenv("HOME", home.c_str(), 1);
+        for (const char* xdg : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
+            unsetenv(xdg);
         for (const auto& [variable, folder] : kPppFolders)
             setenv(variable, (home + "/ppp/" + folder).c_str(), 1);
         setenv("DIALTONE_PPPD", DIALTONE_FAKE_PPPD, 1);

@@ -1,10 +1,5 @@
 #include "ServiceSettings.h"
 
-#include <QFile>
-
-#include <cstdio>
-
-#include "CNSLog.h"
 #include "DamagedFile.h"
 #include "PrivateFile.h"
 #include "UserDataFolder.h"
@@ -12,17 +7,7 @@
 namespace ServiceSettings {
 
 QString path() {
-    const QString folder = UserDataFolder::configPath();
-    const QString file = folder + QStringLiteral("/dialtoned.ini");
-    const QString old = folder + QStringLiteral("/dialtone-cli.ini");
-    // rename() keeps the old file whole until the new name holds it; a second process finds it moved.
-    if (!QFile::exists(file) && QFile::exists(old) && ::rename(QFile::encodeName(old), QFile::encodeName(file)) == 0) {
-        std::fprintf(stderr, "dialtone: the tool's settings moved from %s to %s\n", qPrintable(old),
-                     qPrintable(file));
-        CNSLOG(1, "settings moved from %s to %s", qPrintable(old), qPrintable(file));
-        PrivateFile::restrict(file);
-    }
-    return file;
+    return UserDataFolder::configPath() + QStringLiteral("/dialtoned.ini");
 }
 
 std::unique_ptr<QSettings> open() {

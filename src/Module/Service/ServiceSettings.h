@@ -9,13 +9,12 @@
 // SmsStorage::k...) and the validity period of sent messages ("sms/validity", as "pdu encode --validity"
 // takes it). The modem service applies them whenever the modem comes up; the tool, running without the
 // service, applies them itself. One file, "dialtoned.ini" in the configuration folder; the tool's earlier
-// "dialtone-cli.ini" is moved there once.
+// "dialtone-cli.ini" in the old data folder becomes it when the old places are moved (OldPlaces).
 namespace ServiceSettings {
 
 inline const QString kStorageKey = QStringLiteral("sms/storage");
 inline const QString kValidityKey = QStringLiteral("sms/validity");
 
-// The file, moved over from its old name first when only that exists.
 QString path();
 std::unique_ptr<QSettings> open();
 // Writes one value and keeps the file private.
