@@ -3,6 +3,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QIcon>
 #include <QLabel>
 #include <QMenu>
@@ -139,14 +141,42 @@ void MainWindow::buildModules() {
     }
 }
 
+void MainWindow::bringToFront() {
+    showNormal();
+    raise();
+    activateWindow();
+}
+
 void MainWindow::buildTray() {
-    _tray = new QSystemTrayIcon(AppIcon(), this);
-    auto* menu = new QMenu(this);
-    menu->addAction(tr("Show Dialtone"), this, [this] {
-        showNormal();
-        raise();
-        activateWindow();
+    makeTrayIcon();
+    // Trays that speak StatusNotifierItem (KDE, GNOME's extension) register this watcher; one that starts
+    // after the app still gets the icon.
+    _trayWatcher = new QDBusServiceWatcher(QStringLiteral("org.kde.StatusNotifierWatcher"),
+                                           QDBusConnection::sessionBus(),
+                                           QDBusServiceWatcher::WatchForRegistration, this);
+    connect(_trayWatcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
+        delete _tray;
+        makeTrayIcon();
+        updateTray();
     });
+    NotificationCenter::defaultCenter().addObserver(CONNECT_STATE, this,
+                                                    [this](const Notification&) { updateTray(); });
+    connect(_link.get(), &ModemLink::networkChanged, this, &MainWindow::updateTray);
+
+    // What the user chose on a message's notification.
+    connect(_notifier.get(), &DesktopNotifier::readRequested, this, [this] {
+        showModule(QStringLiteral("messages"));
+        bringToFront();
+    });
+    connect(_notifier.get(), &DesktopNotifier::replyRequested, this, &MainWindow::bringToFront);
+    updateTray();
+}
+
+// Qt picks the tray's protocol (StatusNotifierItem over D-Bus, else the X11 tray) when the icon is made.
+void MainWindow::makeTrayIcon() {
+    _tray = new QSystemTrayIcon(TrayStatus::icon(_trayState, AppIcon()), this);
+    auto* menu = new QMenu(this);
+    menu->addAction(tr("Show Dialtone"), this, &MainWindow::bringToFront);
     menu->addSeparator();
     menu->addAction(tr("Quit"), qApp, &QApplication::quit);
     _tray->setContextMenu(menu);
@@ -154,22 +184,33 @@ void MainWindow::buildTray() {
         if (reason == QSystemTrayIcon::Trigger)
             setVisible(!isVisible());
     });
+    connect(_tray, &QObject::destroyed, menu, &QObject::deleteLater);
     _notifier->setTrayIcon(_tray);
     if (QSystemTrayIcon::isSystemTrayAvailable())
         _tray->show();
-    NotificationCenter::defaultCenter().addObserver(CONNECT_STATE, this,
-                                                    [this](const Notification&) { updateTray(); });
-    updateTray();
 }
 
 void MainWindow::updateTray() {
+    const bool ready = _link->state() == ModemLink::State::Ready;
+    const TrayState trayState = TrayStatus::stateOf(_link->state(), _statusView->connecting(),
+                                                    _statusView->connected(), _statusView->roaming());
+    if (trayState != _trayState || _tray->icon().isNull()) {
+        _trayState = trayState;
+        _tray->setIcon(TrayStatus::icon(trayState, AppIcon()));
+    }
     QString state = ModemLink::stateText(_link->state());
-    if (_link->state() == ModemLink::State::Ready)
-        state = _statusView->connected() ? tr("Connected") : tr("Not connected");
-    const QString operatorName =
-        _link->state() == ModemLink::State::Ready ? _statusView->operatorText() : QString();
-    _tray->setToolTip(operatorName.isEmpty() ? tr("Dialtone: %1").arg(state)
-                                             : tr("Dialtone: %1 (%2)").arg(state, operatorName));
+    if (ready)
+        state = _statusView->connected()    ? tr("Connected")
+                : _statusView->connecting() ? tr("Connecting…")
+                                            : tr("Not connected");
+    if (ready && _statusView->roaming())
+        state = tr("%1, roaming").arg(state);
+    const QString operatorName = ready ? _statusView->operatorText() : QString();
+    QString tip = operatorName.isEmpty() ? tr("Dialtone: %1").arg(state)
+                                         : tr("Dialtone: %1 (%2)").arg(state, operatorName);
+    if (ready && _statusView->signalLevel() >= 0)
+        tip += QStringLiteral("\n") + _statusView->signalText();
+    _tray->setToolTip(tip);
 }
 
 PinDialog* MainWindow::pinDialog() const {
