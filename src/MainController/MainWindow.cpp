@@ -149,8 +149,9 @@ void MainWindow::bringToFront() {
 
 void MainWindow::buildTray() {
     makeTrayIcon();
-    // Trays that speak StatusNotifierItem (KDE, GNOME's extension) register this watcher; one that starts
-    // after the app still gets the icon.
+    // Trays that speak StatusNotifierItem (KDE, GNOME's extension) register this watcher. Qt talks to them
+    // over D-Bus when the watcher was there at start; a tray that comes later (through its X11 proxy, or
+    // a restarted shell) gets a new icon.
     _trayWatcher = new QDBusServiceWatcher(QStringLiteral("org.kde.StatusNotifierWatcher"),
                                            QDBusConnection::sessionBus(),
                                            QDBusServiceWatcher::WatchForRegistration, this);
@@ -172,7 +173,7 @@ void MainWindow::buildTray() {
     updateTray();
 }
 
-// Qt picks the tray's protocol (StatusNotifierItem over D-Bus, else the X11 tray) when the icon is made.
+// The icon is made even without a tray, so that its state and tool tip are there when one appears.
 void MainWindow::makeTrayIcon() {
     _tray = new QSystemTrayIcon(TrayStatus::icon(_trayState, AppIcon()), this);
     auto* menu = new QMenu(this);

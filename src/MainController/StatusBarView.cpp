@@ -115,5 +115,6 @@ void StatusBarView::onStatistics(const Notification& notification) {
         notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS).value<BLConnectStatistics>();
     _connection->setText(tr("%1   ↑ %2   ↓ %3")
                              .arg(LocaleFormat::duration(sample.nDurationSeconds),
-                                  LocaleFormat::rate(sample.nSentBPS), LocaleFormat::rate(sample.nReceivedBPS)));
+                                  LocaleFormat::rate(sample.nSentBPS),
+                                  LocaleFormat::rate(sample.nReceivedBPS)));
 }

@@ -24,8 +24,9 @@ QImage Greyed(const QImage& image) {
 
 // A disc in the lower right corner with a white mark: the state's sign.
 void PaintBadge(QPainter& painter, TrayState state) {
-    static const QColor colours[] = {QColor(0x75, 0x75, 0x75), QColor(0xe6, 0x7e, 0x22), QColor(),
-                                     QColor(0xf1, 0xc4, 0x0f), QColor(0x2e, 0xa0, 0x43), QColor(0x8e, 0x44, 0xad)};
+    static const QColor colours[] = {
+        QColor(0x75, 0x75, 0x75), QColor(0xe6, 0x7e, 0x22), QColor(),
+        QColor(0xf1, 0xc4, 0x0f), QColor(0x2e, 0xa0, 0x43), QColor(0x8e, 0x44, 0xad)};
     const QRectF disc(kSize * 0.45, kSize * 0.45, kSize * 0.55, kSize * 0.55);
     painter.setPen(QPen(Qt::white, 3));
     painter.setBrush(colours[static_cast<int>(state)]);
@@ -48,7 +49,8 @@ void PaintBadge(QPainter& painter, TrayState state) {
             painter.drawPoint(c + QPointF(i * r * 0.9, 0));
         break;
     case TrayState::Connected: // a tick
-        painter.drawPolyline(QPolygonF{c + QPointF(-r, 0), c + QPointF(-r * 0.3, r * 0.8), c + QPointF(r, -r * 0.8)});
+        painter.drawPolyline(
+            QPolygonF{c + QPointF(-r, 0), c + QPointF(-r * 0.3, r * 0.8), c + QPointF(r, -r * 0.8)});
         break;
     case TrayState::Roaming: { // a globe's meridian and equator
         painter.drawEllipse(c, r, r);
@@ -82,7 +84,7 @@ TrayState stateOf(ModemLink::State link, bool connecting, bool connected, bool r
 }
 
 QString iconName(TrayState state) {
-    static const char* const names[] = {"dialtone-no-modem",  "dialtone-sim-locked", "dialtone",
+    static const char* const names[] = {"dialtone-no-modem",   "dialtone-sim-locked", "dialtone",
                                         "dialtone-connecting", "dialtone-connected",  "dialtone-roaming"};
     return QString::fromLatin1(names[static_cast<int>(state)]);
 }

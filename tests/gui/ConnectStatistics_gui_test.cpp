@@ -16,8 +16,8 @@
 
 #include "Connect/ConnectPlugin.h"
 #include "Connector/ConnectController.h"
-#include "LocaleFormat.h"
 #include "GuiTestSupport.h"
+#include "LocaleFormat.h"
 #include "QuitOnSignals.h"
 #include "Statistics/CNSTrafficChart.h"
 #include "Statistics/StatisticsPlugin.h"
@@ -83,7 +83,8 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
 
     SetCounters(world.pppDir(), 123456, 7654321);
     ASSERT_TRUE(waitForGui([&] {
-        return LabelText(tab, "sent") == LocaleFormat::dataSize(123456) && LabelText(tab, "received") == LocaleFormat::dataSize(7654321);
+        return LabelText(tab, "sent") == LocaleFormat::dataSize(123456) &&
+               LabelText(tab, "received") == LocaleFormat::dataSize(7654321);
     })) << LabelText(tab, "sent").toStdString()
         << " / " << LabelText(tab, "received").toStdString();
     EXPECT_NE(LabelText(tab, "duration"), "–");
@@ -91,8 +92,9 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     // The link in progress already counts for today in the statistics.
     auto* stats = world.show<StatisticsPlugin>("statistics");
     ASSERT_NE(stats, nullptr);
-    EXPECT_TRUE(waitForGui([&] { return LabelText(stats, "periodReceived") == LocaleFormat::dataSize(7654321); }))
-        << LabelText(stats, "periodReceived").toStdString();
+    EXPECT_TRUE(waitForGui([&] {
+        return LabelText(stats, "periodReceived") == LocaleFormat::dataSize(7654321);
+    })) << LabelText(stats, "periodReceived").toStdString();
 
     // The controller hangs up at once: no confirmation is asked for.
     world.show<ConnectPlugin>("connect");

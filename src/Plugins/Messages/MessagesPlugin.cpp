@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QListWidget>
+#include <QLocale>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -253,12 +254,12 @@ void MessagesPlugin::bindController() {
     });
     DesktopNotifier& notifier = context().notifier;
     connect(&notifier, &DesktopNotifier::readRequested, this, &MessagesPlugin::showMessage);
-    connect(&notifier, &DesktopNotifier::replyRequested, this, [this](const QString& sender) { composeTo(sender); });
+    connect(&notifier, &DesktopNotifier::replyRequested, this,
+            [this](const QString& sender) { composeTo(sender); });
     // A reply typed into the notification goes out at once; the window shows how it went, and keeps the
     // text when sending fails.
-    connect(&notifier, &DesktopNotifier::replyTyped, this, [this](const QString& sender, const QString& text) {
-        openCompose({sender}, text)->send();
-    });
+    connect(&notifier, &DesktopNotifier::replyTyped, this,
+            [this](const QString& sender, const QString& text) { openCompose({sender}, text)->send(); });
     connect(&_messages, &MessagesController::deliveryMatched, this,
             [this](const BLSmsListItem& report, const MessageItem&, bool saved) {
                 if (!saved)
@@ -329,13 +330,14 @@ void MessagesPlugin::refreshFolders() {
         const bool modemFolder = storageOf(static_cast<Folder>(folder)) != 0;
         QString text = names[folder];
         if (!modemFolder || _messages.loaded())
-            text += unread > 0 ? QStringLiteral(" (%1/%2)").arg(unread).arg(entries.size())
-                               : QStringLiteral(" (%1)").arg(entries.size());
+            text += unread > 0 ? QStringLiteral(" (%1/%2)")
+                                     .arg(QLocale().toString(unread), QLocale().toString(entries.size()))
+                               : QStringLiteral(" (%1)").arg(QLocale().toString(entries.size()));
         row->setText(text);
         QFont font = row->font();
         font.setBold(unread > 0);
         row->setFont(font);
-        row->setToolTip(unread > 0 ? tr("%1 unread").arg(unread) : QString());
+        row->setToolTip(unread > 0 ? tr("%1 unread").arg(QLocale().toString(unread)) : QString());
     }
 }
 

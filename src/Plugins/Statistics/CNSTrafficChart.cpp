@@ -164,7 +164,8 @@ bool CNSTrafficChart::event(QEvent* event) {
     QToolTip::showText(help->globalPos(),
                        tr("%1\nHome network: %2\nRoaming: %3")
                            .arg(QLocale().toString(_from.addDays(index), QLocale::ShortFormat),
-                                LocaleFormat::dataSize(_home[index]), LocaleFormat::dataSize(_roaming[index])),
+                                LocaleFormat::dataSize(_home[index]),
+                                LocaleFormat::dataSize(_roaming[index])),
                        this);
     return true;
 }
