@@ -7,7 +7,6 @@
 #include <QJsonObject>
 #include <QPlainTextEdit>
 #include <QProcess>
-#include <QSystemTrayIcon>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -16,8 +15,7 @@
 #include "DesktopNotifier.h"
 #include "GuiTestSupport.h"
 #include "LocaleFormat.h"
-#include "Messages/MessagesPlugin.h"
-#include "Network/NetworkPlugin.h"
+#include "ModulePlugin.h"
 #include "StatusBarView.h"
 #include "TrayStatus.h"
 
@@ -160,6 +158,9 @@ TEST(DesktopGui, NotificationActionsReadAndReplyReachTheModem) {
     world.window().showModule("network");
     ASSERT_TRUE(world.sim().control("sms 030123456 Dinner at eight?")["ok"].toBool());
     ASSERT_TRUE(waitForGui([&] { return !server.notifies().isEmpty(); }, std::chrono::seconds(20)));
+    // A national sender is named after the contact stored with its country code.
+    EXPECT_EQ(server.notifies().first().value(4).toString(),
+              QString::fromUtf8("J\xC3\xBCrgen: Dinner at eight?"));
 
     // "Read" brings the Messages tab forward with the message open.
     server.emitSignal("ActionInvoked", "us", {1u, "read"});
@@ -183,7 +184,6 @@ TEST(DesktopGui, TrayIconShowsTheState) {
     const struct { S link; bool connecting, connected, roaming; TrayState state; } rows[] = {
         {S::Absent, false, false, false, TrayState::NoModem},
         {S::NeedPin, false, false, false, TrayState::SimLocked},
-        {S::Blocked, false, false, false, TrayState::SimLocked},
         {S::Ready, false, false, true, TrayState::Idle},
         {S::Ready, true, false, false, TrayState::Connecting},
         {S::Ready, false, true, false, TrayState::Connected},
