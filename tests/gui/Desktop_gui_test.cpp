@@ -33,7 +33,8 @@ public:
         file.write(R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><policy context="default">
-<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy></busconfig>)");
+<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
+</policy></busconfig>)");
         file.close();
         _daemon.start("dbus-daemon", {"--config-file=" + config, "--print-address", "--nofork"});
         if (!_daemon.waitForReadyRead(10000))
@@ -121,9 +122,8 @@ TEST(DesktopGui, MessageNotificationsFollowTheServer) {
         QList<QVariantList> calls;
         ASSERT_TRUE(waitForGui([&] { return !(calls = world.notifies()).isEmpty(); }));
         ASSERT_EQ(calls.size(), 1);
-        const QVariantList& call = calls.first();
-        EXPECT_EQ(call.value(4).toString(), row.sentBody);
-        EXPECT_EQ(qdbus_cast<QStringList>(call.value(5)).join(','), row.actions);
+        EXPECT_EQ(calls[0].value(4).toString(), row.sentBody);
+        EXPECT_EQ(qdbus_cast<QStringList>(calls[0].value(5)).join(','), row.actions);
         if (!*row.actions)
             continue;
         // The server's id comes back with the user's choice.
