@@ -2,6 +2,7 @@
 
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
+#include <QDBusInterface>
 #include <QDBusMessage>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -61,11 +62,8 @@ public:
 
     // The arguments of every Notify the server got.
     QList<QVariantList> notifies() const {
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(kService, kPath, "org.freedesktop.DBus.Mock", "GetMethodCalls");
-        const QDBusMessage reply = bus.call(call << QStringLiteral("Notify"));
         QList<QVariantList> calls;
-        const auto log = reply.arguments().value(0).value<QDBusArgument>();
+        const auto log = mock("GetMethodCalls", {"Notify"}).arguments().value(0).value<QDBusArgument>();
         log.beginArray();
         while (!log.atEnd()) {
             quint64 time = 0;
@@ -78,10 +76,12 @@ public:
         log.endArray();
         return calls;
     }
-    void emitSignal(const QString& name, const QString& signature, const QVariantList& arguments) {
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(kService, kPath, "org.freedesktop.DBus.Mock", "EmitSignal");
-        bus.call(call << QString() << name << signature << arguments);
+    void emitSignal(const QString& name, const QString& signature, const QVariantList& arguments) const {
+        mock("EmitSignal", {QString(), name, signature, arguments});
+    }
+    QDBusMessage mock(const QString& method, const QVariantList& arguments) const {
+        QDBusInterface mock(kService, kPath, "org.freedesktop.DBus.Mock", bus);
+        return mock.callWithArgumentList(QDBus::Block, method, arguments);
     }
 
     QDBusConnection bus{QString()};
@@ -126,7 +126,6 @@ TEST(DesktopGui, MessageNotificationsFollowTheServer) {
         EXPECT_EQ(qdbus_cast<QStringList>(calls[0].value(5)).join(','), row.actions);
         if (!*row.actions)
             continue;
-        // The server's id comes back with the user's choice.
         QString read;
         QObject::connect(&notifier, &DesktopNotifier::readRequested, [&](const QString& key) { read = key; });
         // Sent again until it arrives: a client that just started may not yet follow the server's signals.
