@@ -1,7 +1,12 @@
 #include "CNSSignalBars.h"
 
 #include <QEvent>
+#include <QLocale>
 #include <QPainter>
+
+#include "ModemLink.h"
+#include "WorkMessageNames.h"
+#include "WorkNotification.h"
 
 CNSSignalBars::CNSSignalBars(QWidget* parent) : QWidget(parent) {
     setMinimumSize(sizeHint());
@@ -23,8 +28,45 @@ void CNSSignalBars::setLevel(int level) {
     if (level == _level)
         return;
     _level = level;
-    setToolTip(level < 0 ? tr("No signal information") : tr("Signal %1 of 5").arg(level));
+    if (level < 0)
+        _dbm = 0;
+    updateToolTip();
     update();
+}
+
+void CNSSignalBars::setDbm(int dbm) {
+    _dbm = dbm < 0 ? dbm : 0;
+    updateToolTip();
+}
+
+void CNSSignalBars::updateToolTip() {
+    if (_level < 0)
+        setToolTip(tr("No signal information"));
+    else if (_dbm < 0)
+        setToolTip(tr("Signal %1 of 5 (%2 dBm)").arg(QLocale().toString(_level), QLocale().toString(_dbm)));
+    else
+        setToolTip(tr("Signal %1 of 5").arg(QLocale().toString(_level)));
+}
+
+void CNSSignalBars::follow(ModemLink& link) {
+    connect(&link, &ModemLink::stateChanged, this, [this](ModemLink::State state) {
+        if (state != ModemLink::State::Ready)
+            setLevel(-1);
+    });
+    connect(&link, &ModemLink::networkChanged, this, [this, &link](const BLNetworkInfo& network) {
+        setLevel(network.nRssi);
+        if (!isVisible() || _level < 0)
+            return;
+        link.request(
+            MESSAGE_NETWORK_GET_SIGNAL_DBM, {},
+            [this](const QVariantMap& response) {
+                if (_level >= 0)
+                    setDbm(WorkNotification::GetErrorCode(response) == WORKER_OK
+                               ? WorkNotification::GetValueObject(response).toInt()
+                               : 0);
+            },
+            this);
+    });
 }
 
 void CNSSignalBars::paintEvent(QPaintEvent*) {

@@ -2,7 +2,10 @@
 
 #include <QWidget>
 
-// Signal strength as five rising bars; level 0-5, anything else (no modem, unknown) shows empty bars.
+class ModemLink;
+
+// Signal strength as five rising bars; level 0-5, anything else (no modem, unknown) shows empty bars. The
+// tool tip gives the level and, when known, the received power in dBm.
 class CNSSignalBars : public QWidget {
     Q_OBJECT
 public:
@@ -10,6 +13,13 @@ public:
 
     void setLevel(int level);
     int level() const { return _level; }
+    // The received power; 0 or above means unknown.
+    void setDbm(int dbm);
+    int dbm() const { return _dbm; }
+
+    // Shows the link's signal from now on: the level with every network poll, and the dBm figure read
+    // from the modem then while the bars are on screen.
+    void follow(ModemLink& link);
 
     QSize sizeHint() const override { return {30, 16}; }
 
@@ -18,5 +28,8 @@ protected:
     bool event(QEvent* event) override;
 
 private:
+    void updateToolTip();
+
     int _level = -1;
+    int _dbm = 0;
 };

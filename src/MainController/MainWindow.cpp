@@ -3,6 +3,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QIcon>
 #include <QLabel>
 #include <QMenu>
@@ -140,14 +142,43 @@ void MainWindow::buildModules() {
     }
 }
 
+void MainWindow::bringToFront() {
+    showNormal();
+    raise();
+    activateWindow();
+}
+
 void MainWindow::buildTray() {
-    _tray = new QSystemTrayIcon(AppIcon(), this);
-    auto* menu = new QMenu(this);
-    menu->addAction(tr("Show Dialtone"), this, [this] {
-        showNormal();
-        raise();
-        activateWindow();
+    makeTrayIcon();
+    // Trays that speak StatusNotifierItem (KDE, GNOME's extension) register this watcher. Qt talks to them
+    // over D-Bus when the watcher was there at start; a tray that comes later (through its X11 proxy, or
+    // a restarted shell) gets a new icon.
+    _trayWatcher = new QDBusServiceWatcher(QStringLiteral("org.kde.StatusNotifierWatcher"),
+                                           QDBusConnection::sessionBus(),
+                                           QDBusServiceWatcher::WatchForRegistration, this);
+    connect(_trayWatcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
+        delete _tray;
+        makeTrayIcon();
+        updateTray();
     });
+    NotificationCenter::defaultCenter().addObserver(CONNECT_STATE, this,
+                                                    [this](const Notification&) { updateTray(); });
+    connect(_link.get(), &ModemLink::networkChanged, this, &MainWindow::updateTray);
+
+    // What the user chose on a message's notification.
+    connect(_notifier.get(), &DesktopNotifier::readRequested, this, [this] {
+        showModule(QStringLiteral("messages"));
+        bringToFront();
+    });
+    connect(_notifier.get(), &DesktopNotifier::replyRequested, this, &MainWindow::bringToFront);
+    updateTray();
+}
+
+// The icon is made even without a tray, so that its state and tool tip are there when one appears.
+void MainWindow::makeTrayIcon() {
+    _tray = new QSystemTrayIcon(TrayStatus::icon(_trayState, AppIcon()), this);
+    auto* menu = new QMenu(this);
+    menu->addAction(tr("Show Dialtone"), this, &MainWindow::bringToFront);
     menu->addSeparator();
     menu->addAction(tr("Quit"), qApp, &QApplication::quit);
     _tray->setContextMenu(menu);
@@ -155,22 +186,33 @@ void MainWindow::buildTray() {
         if (reason == QSystemTrayIcon::Trigger)
             setVisible(!isVisible());
     });
+    connect(_tray, &QObject::destroyed, menu, &QObject::deleteLater);
     _notifier->setTrayIcon(_tray);
     if (QSystemTrayIcon::isSystemTrayAvailable())
         _tray->show();
-    NotificationCenter::defaultCenter().addObserver(CONNECT_STATE, this,
-                                                    [this](const Notification&) { updateTray(); });
-    updateTray();
 }
 
 void MainWindow::updateTray() {
+    const bool ready = _link->state() == ModemLink::State::Ready;
+    const TrayState trayState = TrayStatus::stateOf(_link->state(), _statusView->connecting(),
+                                                    _statusView->connected(), _statusView->roaming());
+    if (trayState != _trayState || _tray->icon().isNull()) {
+        _trayState = trayState;
+        _tray->setIcon(TrayStatus::icon(trayState, AppIcon()));
+    }
     QString state = ModemLink::stateText(_link->state());
-    if (_link->state() == ModemLink::State::Ready)
-        state = _statusView->connected() ? tr("Connected") : tr("Not connected");
-    const QString operatorName =
-        _link->state() == ModemLink::State::Ready ? _statusView->operatorText() : QString();
-    _tray->setToolTip(operatorName.isEmpty() ? tr("Dialtone: %1").arg(state)
-                                             : tr("Dialtone: %1 (%2)").arg(state, operatorName));
+    if (ready)
+        state = _statusView->connected()    ? tr("Connected")
+                : _statusView->connecting() ? tr("Connecting…")
+                                            : tr("Not connected");
+    if (ready && _statusView->roaming())
+        state = tr("%1, roaming").arg(state);
+    const QString operatorName = ready ? _statusView->operatorText() : QString();
+    QString tip = operatorName.isEmpty() ? tr("Dialtone: %1").arg(state)
+                                         : tr("Dialtone: %1 (%2)").arg(state, operatorName);
+    if (ready && _statusView->signalLevel() >= 0)
+        tip += QStringLiteral("\n") + _statusView->signalText();
+    _tray->setToolTip(tip);
 }
 
 PinDialog* MainWindow::pinDialog() const {

@@ -7,12 +7,14 @@
 #include <memory>
 
 #include "ModemLink.h"
+#include "TrayStatus.h"
 
 class DesktopNotifier;
 class ModulePlugin;
 class PinDialog;
 class ProfileSettingsController;
 class QLabel;
+class QDBusServiceWatcher;
 class QPushButton;
 class QStackedWidget;
 class QSystemTrayIcon;
@@ -35,6 +37,7 @@ public:
     DesktopNotifier& notifier() { return *_notifier; }
     StatusBarView* statusView() const { return _statusView; }
     QSystemTrayIcon* trayIcon() const { return _tray; }
+    TrayState trayState() const { return _trayState; }
     // The PIN prompt while it is open, else null.
     PinDialog* pinDialog() const;
     // Whether the "no modem" (or locked SIM) page covers the modules.
@@ -56,6 +59,8 @@ protected:
 private:
     void buildModules();
     void buildTray();
+    void makeTrayIcon();
+    void bringToFront();
     void onStateChanged(ModemLink::State state);
     void askForPin(bool puk);
     void updateTray();
@@ -75,6 +80,8 @@ private:
     QPushButton* _unlockButton = nullptr;
     StatusBarView* _statusView = nullptr;
     QSystemTrayIcon* _tray = nullptr;
+    TrayState _trayState = TrayState::NoModem;
+    QDBusServiceWatcher* _trayWatcher = nullptr;
     QPointer<PinDialog> _pinDialog;
     QList<ModulePlugin*> _modules;
     bool _modulesReady = false;

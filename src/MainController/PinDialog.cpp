@@ -4,6 +4,7 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
 #include <QVBoxLayout>
@@ -87,7 +88,7 @@ bool PinDialog::inputValid() const {
 
 void PinDialog::refresh() {
     const int left = _puk ? _link.pukAttempts() : _link.pinAttempts();
-    _attempts->setText(left >= 0 ? tr("Attempts left: %1").arg(left) : QString());
+    _attempts->setText(left >= 0 ? tr("Attempts left: %1").arg(QLocale().toString(left)) : QString());
     _ok->setEnabled(!_busy && inputValid());
 }
 

@@ -4,7 +4,7 @@
 
 #include "CNSSignalBars.h"
 #include "Connector/ConnectController.h"
-#include "ConvertUtilty.h"
+#include "LocaleFormat.h"
 #include "NotificationCenter.h"
 #include "StatisticsRecords.h"
 #include "StatusText.h"
@@ -25,6 +25,7 @@ StatusBarView::StatusBarView(ModemLink& link, QWidget* parent) : QWidget(parent)
     layout->setContentsMargins(4, 0, 4, 0);
     layout->setSpacing(12);
     _bars = new CNSSignalBars(this);
+    _bars->follow(_link);
     _operator = Field(this, tr("Operator"));
     _bearer = Field(this, tr("Bearer"));
     _roaming = Field(this, tr("Registration"));
@@ -52,23 +53,28 @@ int StatusBarView::signalLevel() const {
     return _bars->level();
 }
 
+QString StatusBarView::signalText() const {
+    return _bars->toolTip();
+}
+
 void StatusBarView::showModemState(ModemLink::State state) {
     if (state == ModemLink::State::Ready && _link.hasNetwork()) {
         showNetwork(_link.network());
         return;
     }
-    _bars->setLevel(-1);
     _operator->setText(ModemLink::stateText(state));
     _bearer->clear();
     _roaming->clear();
+    _abroad = false;
     if (state != ModemLink::State::Ready) {
-        _connected = false;
+        _connected = _connecting = false;
         _connection->clear();
     }
 }
 
 void StatusBarView::showNetwork(const BLNetworkInfo& network) {
     _bars->setLevel(network.nRssi);
+    _abroad = network.nRoamState == 1;
     const QString name = QString::fromStdString(OperatorText(network.strOperator, network.strSpName));
     _operator->setText(network.strOperator.isEmpty() && network.strSpName.isEmpty() ? tr("No operator")
                                                                                     : name);
@@ -85,6 +91,7 @@ void StatusBarView::showNetwork(const BLNetworkInfo& network) {
 void StatusBarView::onConnectState(const Notification& notification) {
     const int announced = notification.userInfo.value(KEY_VALUE_OBJECT).toInt();
     _connected = announced == ConnectController::kAnnounceConnected;
+    _connecting = announced == ConnectController::kAnnounceConnecting;
     switch (announced) {
     case ConnectController::kAnnounceConnecting:
         _connection->setText(tr("Connecting…"));
@@ -106,9 +113,8 @@ void StatusBarView::onStatistics(const Notification& notification) {
         return;
     const auto sample =
         notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS).value<BLConnectStatistics>();
-    const QString up = notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_UPDATA_RATE).toString();
-    const QString down =
-        notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString();
-    _connection->setText(
-        tr("%1   ↑ %2   ↓ %3").arg(ConvertUtilty::secondToTimeFormat(sample.nDurationSeconds), up, down));
+    _connection->setText(tr("%1   ↑ %2   ↓ %3")
+                             .arg(LocaleFormat::duration(sample.nDurationSeconds),
+                                  LocaleFormat::rate(sample.nSentBPS),
+                                  LocaleFormat::rate(sample.nReceivedBPS)));
 }

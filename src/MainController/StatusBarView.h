@@ -18,11 +18,16 @@ public:
 
     // What is shown, for tests and the tray's tool tip.
     int signalLevel() const;
+    // The signal in words, with its dBm figure when the modem gave one.
+    QString signalText() const;
     QString operatorText() const { return _operator->text(); }
     QString bearerText() const { return _bearer->text(); }
     QString roamingText() const { return _roaming->text(); }
     QString connectionText() const { return _connection->text(); }
     bool connected() const { return _connected; }
+    bool connecting() const { return _connecting; }
+    // Registered with a network abroad (or a partner's).
+    bool roaming() const { return _abroad; }
 
 private:
     void showModemState(ModemLink::State state);
@@ -37,4 +42,6 @@ private:
     QLabel* _roaming = nullptr;
     QLabel* _connection = nullptr;
     bool _connected = false;
+    bool _connecting = false;
+    bool _abroad = false;
 };

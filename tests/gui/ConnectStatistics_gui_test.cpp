@@ -16,8 +16,8 @@
 
 #include "Connect/ConnectPlugin.h"
 #include "Connector/ConnectController.h"
-#include "ConvertUtilty.h"
 #include "GuiTestSupport.h"
+#include "LocaleFormat.h"
 #include "QuitOnSignals.h"
 #include "Statistics/CNSTrafficChart.h"
 #include "Statistics/StatisticsPlugin.h"
@@ -35,10 +35,6 @@ ConnectPlugin* ReadyConnectTab(GuiWorld& world) {
     auto* tab = world.show<ConnectPlugin>("connect");
     auto* button = tab ? tab->findChild<QPushButton*>("connectButton") : nullptr;
     return button && waitForGui([&] { return button->isEnabled(); }, 20s) ? tab : nullptr;
-}
-
-QString Bytes(quint64 bytes) {
-    return ConvertUtilty::byte2String(bytes) + QStringLiteral("B");
 }
 
 QString LabelText(QWidget* tab, const char* name) {
@@ -87,7 +83,8 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
 
     SetCounters(world.pppDir(), 123456, 7654321);
     ASSERT_TRUE(waitForGui([&] {
-        return LabelText(tab, "sent") == Bytes(123456) && LabelText(tab, "received") == Bytes(7654321);
+        return LabelText(tab, "sent") == LocaleFormat::dataSize(123456) &&
+               LabelText(tab, "received") == LocaleFormat::dataSize(7654321);
     })) << LabelText(tab, "sent").toStdString()
         << " / " << LabelText(tab, "received").toStdString();
     EXPECT_NE(LabelText(tab, "duration"), "–");
@@ -95,8 +92,9 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     // The link in progress already counts for today in the statistics.
     auto* stats = world.show<StatisticsPlugin>("statistics");
     ASSERT_NE(stats, nullptr);
-    EXPECT_TRUE(waitForGui([&] { return LabelText(stats, "periodReceived") == Bytes(7654321); }))
-        << LabelText(stats, "periodReceived").toStdString();
+    EXPECT_TRUE(waitForGui([&] {
+        return LabelText(stats, "periodReceived") == LocaleFormat::dataSize(7654321);
+    })) << LabelText(stats, "periodReceived").toStdString();
 
     // The controller hangs up at once: no confirmation is asked for.
     world.show<ConnectPlugin>("connect");
@@ -111,7 +109,7 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
         waitForGui([&] { return !world.window().statusView()->connected() && button->text() == "Connect"; }));
     EXPECT_TRUE(profiles->isEnabled());
     // The last connection's counts stay in view.
-    EXPECT_EQ(LabelText(tab, "received"), Bytes(7654321));
+    EXPECT_EQ(LabelText(tab, "received"), LocaleFormat::dataSize(7654321));
 
     // The saved day: once, not also as a link in progress.
     world.show<StatisticsPlugin>("statistics");
@@ -122,10 +120,10 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
         return chart->homeBytes(today) + chart->roamingBytes(today) == 123456 + 7654321;
     })) << chart->homeBytes(today)
         << " + " << chart->roamingBytes(today);
-    EXPECT_EQ(LabelText(stats, "periodSent"), Bytes(123456));
-    EXPECT_EQ(LabelText(stats, "periodReceived"), Bytes(7654321));
-    EXPECT_EQ(LabelText(stats, "periodTotal"), Bytes(123456 + 7654321));
-    EXPECT_EQ(LabelText(stats, "resetReceived"), Bytes(7654321));
+    EXPECT_EQ(LabelText(stats, "periodSent"), LocaleFormat::dataSize(123456));
+    EXPECT_EQ(LabelText(stats, "periodReceived"), LocaleFormat::dataSize(7654321));
+    EXPECT_EQ(LabelText(stats, "periodTotal"), LocaleFormat::dataSize(123456 + 7654321));
+    EXPECT_EQ(LabelText(stats, "resetReceived"), LocaleFormat::dataSize(7654321));
     EXPECT_EQ(LabelText(stats, "statisticsMessage"), "");
 }
 

@@ -12,7 +12,6 @@
 #include <QTest>
 #include <QTreeView>
 
-#include "DesktopNotifier.h"
 #include "GuiTestSupport.h"
 #include "Messages/ComposeDialog.h"
 #include "Messages/MessageText.h"
@@ -134,29 +133,6 @@ TEST(MessagesGui, FailedSendKeepsTextAndGoesToOutbox) {
     EXPECT_EQ(opened.messages->listedCount(), 0);
     opened.messages->showFolder(MessagesPlugin::Sent);
     EXPECT_EQ(opened.messages->listedCount(), 1);
-}
-
-TEST(MessagesGui, IncomingMessageIsListedAndAnnounced) {
-    GuiWorld world;
-    auto* messages = ReadyMessages(world);
-    ASSERT_TRUE(messages);
-    auto* busy = messages->findChild<QWidget*>("busy");
-    ASSERT_TRUE(waitForGui([&] { return busy->isHidden(); }, std::chrono::seconds(20)));
-    const DesktopNotifier& notifier = world.window().notifier();
-    const int before = notifier.count();
-
-    // A national sender matches the contact stored with its country code.
-    const QString contact = QString::fromUtf8("J\xC3\xBCrgen");
-    const QJsonObject delivered = world.sim().control("sms 030123456 Hello from the test");
-    ASSERT_TRUE(delivered["ok"].toBool());
-    const MessagesPlugin::Folder folder =
-        delivered["storage"].toString() == "SM" ? MessagesPlugin::Sim : MessagesPlugin::Modem;
-    messages->showFolder(folder);
-    ASSERT_TRUE(waitForGui([&] { return Column(messages, 2).contains("Hello from the test"); },
-                           std::chrono::seconds(20)));
-    EXPECT_TRUE(Column(messages, 0).contains(contact));
-    EXPECT_EQ(notifier.count(), before + 1);
-    EXPECT_TRUE(notifier.lastText().startsWith(contact + ": Hello")) << notifier.lastText().toStdString();
 }
 
 TEST(MessagesGui, DeliveryReportIsShownOnTheSentMessage) {

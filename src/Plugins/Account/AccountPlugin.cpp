@@ -268,10 +268,10 @@ void AccountPlugin::showEntry() {
             edit->setValidator(new QRegularExpressionValidator(allowed, edit));
         }
         // The field's own hint, else its limits ("12 to 16 characters: 0123456789").
-        QString limits = field.nMaxLen <= 0 ? tr("at least %1 characters").arg(field.nMinLen)
-                         : field.nMinLen == field.nMaxLen
-                             ? tr("%1 characters").arg(field.nMaxLen)
-                             : tr("%1 to %2 characters").arg(field.nMinLen).arg(field.nMaxLen);
+        const QString least = QLocale().toString(field.nMinLen), most = QLocale().toString(field.nMaxLen);
+        QString limits = field.nMaxLen <= 0               ? tr("at least %1 characters").arg(least)
+                         : field.nMinLen == field.nMaxLen ? tr("%1 characters").arg(most)
+                                                          : tr("%1 to %2 characters").arg(least, most);
         if (!field.strLimitation.empty())
             limits += QStringLiteral(": ") + Q(field.strLimitation);
         edit->setPlaceholderText(field.strText.empty() ? limits : Q(field.strText));
@@ -297,11 +297,13 @@ QString AccountPlugin::checkInput(const _TAccountInputItem& field, const QString
     const QString title = Q(field.strTitle);
     const auto length = text.size();
     if (length < field.nMinLen || (field.nMaxLen > 0 && length > field.nMaxLen)) {
+        // One pass, so that a "%2" in the provider's title stays as it is.
+        const QString least = QLocale().toString(field.nMinLen), most = QLocale().toString(field.nMaxLen);
         if (field.nMaxLen <= 0)
-            return tr("%1 needs at least %2 characters.").arg(title).arg(field.nMinLen);
+            return tr("%1 needs at least %2 characters.").arg(title, least);
         if (field.nMinLen == field.nMaxLen)
-            return tr("%1 needs %2 characters.").arg(title).arg(field.nMinLen);
-        return tr("%1 needs %2 to %3 characters.").arg(title).arg(field.nMinLen).arg(field.nMaxLen);
+            return tr("%1 needs %2 characters.").arg(title, least);
+        return tr("%1 needs %2 to %3 characters.").arg(title, least, most);
     }
     const QString allowed = Q(field.strLimitation);
     if (!allowed.isEmpty()) {

@@ -13,9 +13,9 @@
 
 #include "CNSLabels.h"
 #include "Connector/ConnectController.h"
-#include "ConvertUtilty.h"
 #include "DebugSink.h"
 #include "DialupReadiness.h"
+#include "LocaleFormat.h"
 #include "LocalizedStrings.h"
 #include "NotificationCenter.h"
 
@@ -34,10 +34,6 @@ void AppendFindings(QString& text) {
             text += QStringLiteral("\n") + QString::fromStdString(finding.text) + QStringLiteral(". Fix: ") +
                     QString::fromStdString(finding.fix);
     }
-}
-
-QString Bytes(quint64 bytes) {
-    return ConvertUtilty::byte2String(bytes) + QStringLiteral("B");
 }
 
 } // namespace
@@ -240,12 +236,11 @@ void ConnectPlugin::showStatistics(const Notification& notification) {
         return;
     const auto sample =
         notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS).value<BLConnectStatistics>();
-    _duration->setText(ConvertUtilty::secondToTimeFormat(sample.nDurationSeconds));
-    _sent->setText(Bytes(sample.nSentBytes));
-    _received->setText(Bytes(sample.nReceivedBytes));
-    _upRate->setText(notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_UPDATA_RATE).toString());
-    _downRate->setText(
-        notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString());
+    _duration->setText(LocaleFormat::duration(sample.nDurationSeconds));
+    _sent->setText(LocaleFormat::dataSize(sample.nSentBytes));
+    _received->setText(LocaleFormat::dataSize(sample.nReceivedBytes));
+    _upRate->setText(LocaleFormat::rate(sample.nSentBPS));
+    _downRate->setText(LocaleFormat::rate(sample.nReceivedBPS));
 }
 
 void ConnectPlugin::clearCounters() {

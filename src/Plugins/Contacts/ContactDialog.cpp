@@ -4,6 +4,7 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QVBoxLayout>
@@ -103,9 +104,7 @@ QString ContactDialog::readNumber(QString& error) const {
     }
     if (_maxNumber > 0 && stored.size() > _maxNumber) {
         error = tr("%1 has %2 characters; this phonebook keeps numbers up to %3.")
-                    .arg(stored)
-                    .arg(stored.size())
-                    .arg(_maxNumber);
+                    .arg(stored, QLocale().toString(stored.size()), QLocale().toString(_maxNumber));
         return {};
     }
     return stored;

@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QMessageBox>
 #include <QPointer>
 #include <QProgressBar>
@@ -174,7 +175,7 @@ int ContactsPlugin::currentStore() const {
 QString ContactsPlugin::usageText(int used, int total) {
     if (total <= 0)
         return {};
-    return tr("%1 of %2 used").arg(used).arg(total);
+    return tr("%1 of %2 used").arg(QLocale().toString(used), QLocale().toString(total));
 }
 
 void ContactsPlugin::modemReady() {
@@ -290,7 +291,8 @@ void ContactsPlugin::updateLimits() {
         const int name = ContactsController::maxName(_phonebooks->limits(), store);
         const int number = ContactsController::maxNumber(_phonebooks->limits(), store);
         if (name > 0 && number > 0)
-            text += tr(" (names up to %1, numbers up to %2 characters)").arg(name).arg(number);
+            text += tr(" (names up to %1, numbers up to %2 characters)")
+                        .arg(QLocale().toString(name), QLocale().toString(number));
     }
     _usage->setText(text);
 }

@@ -36,6 +36,8 @@ public:
     void setOrigin(const std::optional<MessageItem>& item) { _origin = item; }
 
     bool isSending() const { return _sending; }
+    // Sends to the recipients, as the Send button does.
+    void send();
 
 signals:
     void messageSent(const QString& number, const QString& text);
@@ -44,7 +46,6 @@ signals:
 
 private:
     void updateCounter();
-    void send();
     void sendNext(QStringList remaining);
     void sent(const MessagesController::Outcome& outcome, QStringList remaining, const QString& number,
               const QString& body);

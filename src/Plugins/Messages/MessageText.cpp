@@ -1,6 +1,7 @@
 #include "MessageText.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 #include <QRegularExpression>
 
 namespace MessageText {
@@ -40,8 +41,9 @@ QString deliveryText(int status) {
 }
 
 QString counterText(int remain, int parts) {
-    const QString left = remain == 1 ? tr("1 character left") : tr("%1 characters left").arg(remain);
-    const QString count = parts == 1 ? tr("1 part") : tr("%1 parts").arg(parts);
+    const QString left =
+        remain == 1 ? tr("1 character left") : tr("%1 characters left").arg(QLocale().toString(remain));
+    const QString count = parts == 1 ? tr("1 part") : tr("%1 parts").arg(QLocale().toString(parts));
     return left + QStringLiteral(" · ") + count;
 }
 

@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QListWidget>
+#include <QLocale>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -250,9 +251,18 @@ void MessagesPlugin::bindController() {
         if (!item.nCompleted)
             return;
         const QString words = MessageText::firstLine(item.strContent, 40);
-        context().notifier.notify(tr("New message"),
-                                  _messages.who(item.strAddress) + QStringLiteral(": ") + words);
+        context().notifier.notifyMessage(tr("New message"),
+                                         _messages.who(item.strAddress) + QStringLiteral(": ") + words,
+                                         {item.strAddress, QString::number(readKey(item))});
     });
+    DesktopNotifier& notifier = context().notifier;
+    connect(&notifier, &DesktopNotifier::readRequested, this, &MessagesPlugin::showMessage);
+    connect(&notifier, &DesktopNotifier::replyRequested, this,
+            [this](const QString& sender) { composeTo(sender); });
+    // A reply typed into the notification goes out at once; the window shows how it went, and keeps the
+    // text when sending fails.
+    connect(&notifier, &DesktopNotifier::replyTyped, this,
+            [this](const QString& sender, const QString& text) { openCompose({sender}, text)->send(); });
     connect(&_messages, &MessagesController::deliveryMatched, this,
             [this](const BLSmsListItem& report, const MessageItem&, bool saved) {
                 if (!saved)
@@ -323,13 +333,14 @@ void MessagesPlugin::refreshFolders() {
         const bool modemFolder = storageOf(static_cast<Folder>(folder)) != 0;
         QString text = names[folder];
         if (!modemFolder || _messages.loaded())
-            text += unread > 0 ? QStringLiteral(" (%1/%2)").arg(unread).arg(entries.size())
-                               : QStringLiteral(" (%1)").arg(entries.size());
+            text += unread > 0 ? QStringLiteral(" (%1/%2)")
+                                     .arg(QLocale().toString(unread), QLocale().toString(entries.size()))
+                               : QStringLiteral(" (%1)").arg(QLocale().toString(entries.size()));
         row->setText(text);
         QFont font = row->font();
         font.setBold(unread > 0);
         row->setFont(font);
-        row->setToolTip(unread > 0 ? tr("%1 unread").arg(unread) : QString());
+        row->setToolTip(unread > 0 ? tr("%1 unread").arg(QLocale().toString(unread)) : QString());
     }
 }
 
@@ -545,6 +556,24 @@ void MessagesPlugin::composeTo(const QString& number, const QString& name) {
     ComposeDialog* dialog = openCompose({number}, {});
     if (!name.isEmpty())
         dialog->setWindowTitle(tr("New message to %1").arg(name));
+}
+
+void MessagesPlugin::showMessage(const QString& key) {
+    bool ok = false;
+    const qint64 wanted = key.toLongLong(&ok);
+    if (!ok)
+        return;
+    for (int folder = 0; folder < FolderCount; ++folder) {
+        if (storageOf(static_cast<Folder>(folder)) == static_cast<int>(wanted >> 32))
+            showFolder(static_cast<Folder>(folder));
+    }
+    for (int row = 0; row < _listed.size(); ++row) {
+        const auto* item = std::get_if<BLSmsListItem>(&_listed[row]);
+        if (item && readKey(*item) == wanted) {
+            _list->setCurrentIndex(_model->index(row, 0));
+            return;
+        }
+    }
 }
 
 void MessagesPlugin::reply() {

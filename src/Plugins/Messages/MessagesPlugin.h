@@ -42,6 +42,9 @@ public:
     // Opens the compose window addressed to the number (from the contacts).
     void composeTo(const QString& number, const QString& name = {});
 
+    // Shows the received message with the key its notification carried, in its folder.
+    void showMessage(const QString& key);
+
     // The folder shown and the number of messages listed in it.
     Folder currentFolder() const { return _folder; }
     void showFolder(Folder folder);

@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "CNSLabels.h"
+#include "CNSSignalBars.h"
 #include "FailureText.h"
 #include "Network/NetworkController.h"
 #include "StatusText.h"
@@ -80,8 +81,11 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
                  _technology = CNSValueLabel(QStringLiteral("technology"), nullptr, QStringLiteral("-")));
     form->addRow(tr("Bearer:"),
                  _bearer = CNSValueLabel(QStringLiteral("bearer"), nullptr, QStringLiteral("-")));
-    form->addRow(tr("Signal:"),
-                 _signal = CNSValueLabel(QStringLiteral("signal"), nullptr, QStringLiteral("-")));
+    _signal = new CNSSignalBars;
+    _signal->setObjectName(QStringLiteral("signal"));
+    _signal->setFixedSize(50, 20);
+    _signal->follow(link());
+    form->addRow(tr("Signal:"), _signal);
     form->addRow(tr("Roaming:"),
                  _roaming = CNSValueLabel(QStringLiteral("roaming"), nullptr, QStringLiteral("-")));
     form->addRow(tr("Selection:"),
@@ -221,7 +225,7 @@ void NetworkPlugin::modemReady() {
 void NetworkPlugin::modemGone() {
     _ready = false;
     _registering = _radioBusy = _radioUnsupported = false;
-    for (QLabel* label : {_operator, _registration, _technology, _bearer, _signal, _roaming, _selection})
+    for (QLabel* label : {_operator, _registration, _technology, _bearer, _roaming, _selection})
         label->setText(QStringLiteral("-"));
     _networks->clear();
     _searchProgress->hide();
@@ -234,7 +238,7 @@ void NetworkPlugin::showNetwork(const BLNetworkInfo& info) {
     _operator->setText(Q(OperatorText(info.strOperator, info.strSpName)));
     _technology->setText(Q(AccessTechnologyText(info.nAcT)));
     _bearer->setText(Q(BearerText(info.nBearer)));
-    _signal->setText(Q(SignalText(info.nRssi)));
+    _signal->setLevel(info.nRssi);
     _roaming->setText(Q(ServiceStateText(info.nRoamState)));
     _selection->setText(info.nMode == BLNetworkSet::kModeAutomatic ? tr("automatic")
                         : info.nMode == BLNetworkSet::kModeManual  ? tr("manual")

@@ -4,6 +4,7 @@
 
 #include "Network/NetworkController.h"
 
+class CNSSignalBars;
 class QButtonGroup;
 class QComboBox;
 class QLabel;
@@ -56,7 +57,7 @@ private:
     QLabel* _registration = nullptr;
     QLabel* _technology = nullptr;
     QLabel* _bearer = nullptr;
-    QLabel* _signal = nullptr;
+    CNSSignalBars* _signal = nullptr;
     QLabel* _roaming = nullptr;
     QLabel* _selection = nullptr;
     // Search and selection.

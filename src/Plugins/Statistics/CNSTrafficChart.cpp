@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "ConvertUtilty.h"
+#include "LocaleFormat.h"
 
 CNSTrafficChart::CNSTrafficChart(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
@@ -129,7 +129,7 @@ void CNSTrafficChart::paintEvent(QPaintEvent*) {
         peak = std::max(peak, _home[i] / 2 + _roaming[i] / 2);
         most = std::max(most, _home[i] > UINT64_MAX - _roaming[i] ? UINT64_MAX : _home[i] + _roaming[i]);
     }
-    const QString peakText = ConvertUtilty::byte2String(most) + QStringLiteral("B");
+    const QString peakText = LocaleFormat::dataSize(most);
 
     const int left = metrics.horizontalAdvance(peakText) + 12;
     _plot = QRect();
@@ -169,7 +169,7 @@ void CNSTrafficChart::paintEvent(QPaintEvent*) {
             painter.setPen(pal.color(QPalette::Text));
             const QDate day = _from.addDays(i);
             painter.drawText(QRect(barX - 20, plot.bottom() + 2, barWidth + 40, line),
-                             Qt::AlignHCenter | Qt::AlignTop, QString::number(day.day()));
+                             Qt::AlignHCenter | Qt::AlignTop, QLocale().toString(day.day()));
         }
     }
 }
@@ -195,8 +195,8 @@ bool CNSTrafficChart::event(QEvent* event) {
     QToolTip::showText(help->globalPos(),
                        tr("%1\nHome network: %2\nRoaming: %3")
                            .arg(QLocale().toString(_from.addDays(index), QLocale::ShortFormat),
-                                ConvertUtilty::byte2String(_home[index]) + QStringLiteral("B"),
-                                ConvertUtilty::byte2String(_roaming[index]) + QStringLiteral("B")),
+                                LocaleFormat::dataSize(_home[index]),
+                                LocaleFormat::dataSize(_roaming[index])),
                        this);
     return true;
 }

@@ -17,14 +17,10 @@
 #include "CNSLabels.h"
 #include "CNSTrafficChart.h"
 #include "Connector/ConnectController.h"
-#include "ConvertUtilty.h"
+#include "LocaleFormat.h"
 #include "NotificationCenter.h"
 
 namespace {
-
-QString Bytes(quint64 bytes) {
-    return ConvertUtilty::byte2String(bytes) + QStringLiteral("B");
-}
 
 quint64 Sum(quint64 a, quint64 b) {
     return a > UINT64_MAX - b ? UINT64_MAX : a + b;
@@ -201,14 +197,14 @@ void StatisticsPlugin::refresh() {
     const _TrafficStaticsItem& t = range.total;
     const quint64 sent = Sum(t.noRoamingSendBytes, t.roamingSendBytes);
     const quint64 received = Sum(t.noRoamingReceiveBytes, t.roamingReceiveBytes);
-    _periodSent->setText(Bytes(sent));
-    _periodReceived->setText(Bytes(received));
-    _periodTotal->setText(Bytes(Sum(sent, received)));
-    _periodRoaming->setText(Bytes(Sum(t.roamingSendBytes, t.roamingReceiveBytes)));
+    _periodSent->setText(LocaleFormat::dataSize(sent));
+    _periodReceived->setText(LocaleFormat::dataSize(received));
+    _periodTotal->setText(LocaleFormat::dataSize(Sum(sent, received)));
+    _periodRoaming->setText(LocaleFormat::dataSize(Sum(t.roamingSendBytes, t.roamingReceiveBytes)));
 
-    _resetSent->setText(Bytes(since.sentBytes));
-    _resetReceived->setText(Bytes(since.receivedBytes));
-    _connectTime->setText(ConvertUtilty::secondToTimeFormat(since.connectTimeSeconds));
+    _resetSent->setText(LocaleFormat::dataSize(since.sentBytes));
+    _resetReceived->setText(LocaleFormat::dataSize(since.receivedBytes));
+    _connectTime->setText(LocaleFormat::duration(since.connectTimeSeconds));
     _resetDate->setText(since.resetDate.isValid()
                             ? QLocale().toString(since.resetDate.toLocalTime(), QLocale::ShortFormat)
                             : tr("Never"));

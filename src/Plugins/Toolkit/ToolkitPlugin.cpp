@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QLocale>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -238,9 +239,11 @@ void ToolkitPlugin::showCommand(const BLSatCommand& command) {
         }
         if (!inkey)
             _input->setText(command.strDefaultText.left(most));
-        QString hint = inkey           ? tr("Type one key.")
-                       : least == most ? tr("Type %n character(s).", nullptr, most)
-                                       : tr("Type %1 to %2 characters.").arg(least).arg(most);
+        QString hint =
+            inkey ? tr("Type one key.")
+            : least == most
+                ? tr("Type %n character(s).", nullptr, most)
+                : tr("Type %1 to %2 characters.").arg(QLocale().toString(least), QLocale().toString(most));
         if (command.nFormat == kFormatDigits)
             hint += QLatin1Char(' ') + tr("Digits, *, # and + only.");
         _inputHint->setText(hint);
