@@ -70,7 +70,7 @@ void CNSTrafficChart::describe() {
         return;
     }
     const QLocale locale;
-    const auto bytes = [](quint64 count) { return ConvertUtilty::byte2String(count) + QStringLiteral("B"); };
+    const auto bytes = [&locale](quint64 count) { return LocaleFormat::dataSize(count, locale); };
     setAccessibleDescription(
         tr("%1 to %2: %3 on the home network, %4 roaming; the busiest day was %5 with %6")
             .arg(locale.toString(_from, QLocale::ShortFormat),
