@@ -103,6 +103,14 @@
         <source>Account</source>
         <translation>Konto</translation>
     </message>
+    <message>
+        <source>Account menu</source>
+        <translation>Kontomenü</translation>
+    </message>
+    <message>
+        <source>The network&apos;s answer</source>
+        <translation>Antwort des Netzes</translation>
+    </message>
 </context>
 <context>
     <name>CNSSignalBars</name>
@@ -117,6 +125,10 @@
     <message>
         <source>Signal %1 of 5</source>
         <translation>Signal %1 von 5</translation>
+    </message>
+    <message>
+        <source>Signal %1 of 5 (%2 dBm)</source>
+        <translation>Signal %1 von 5 (%2 dBm)</translation>
     </message>
 </context>
 <context>
@@ -140,6 +152,14 @@ Roaming: %3</source>
         <translation>%1
 Heimatnetz: %2
 Roaming: %3</translation>
+    </message>
+    <message>
+        <source>Traffic per day</source>
+        <translation>Datenverkehr pro Tag</translation>
+    </message>
+    <message>
+        <source>%1 to %2: %3 on the home network, %4 roaming; the busiest day was %5 with %6</source>
+        <translation>%1 bis %2: %3 im Heimatnetz, %4 beim Roaming; der Tag mit dem meisten Verkehr war der %5 mit %6</translation>
     </message>
 </context>
 <context>
@@ -179,6 +199,10 @@ Roaming: %3</translation>
     <message>
         <source>The message to %1 could not be sent: %2. A copy is in the outbox; the text is still here, press Send to try again.</source>
         <translation>Die Nachricht an %1 konnte nicht gesendet werden: %2. Eine Kopie liegt im Postausgang; der Text ist noch da, klicken Sie auf „Senden“, um es erneut zu versuchen.</translation>
+    </message>
+    <message>
+        <source>Message text</source>
+        <translation>Nachrichtentext</translation>
     </message>
 </context>
 <context>
@@ -481,6 +505,21 @@ Abhilfe: %2</translation>
         <source>Contacts</source>
         <translation>Kontakte</translation>
     </message>
+    <message>
+        <source>Search contacts</source>
+        <translation>Kontakte durchsuchen</translation>
+    </message>
+</context>
+<context>
+    <name>DesktopNotifier</name>
+    <message>
+        <source>Read</source>
+        <translation>Lesen</translation>
+    </message>
+    <message>
+        <source>Reply</source>
+        <translation>Antworten</translation>
+    </message>
 </context>
 <context>
     <name>FailureText</name>
@@ -698,6 +737,13 @@ Abhilfe: %2</translation>
     </message>
 </context>
 <context>
+    <name>LocaleFormat</name>
+    <message>
+        <source>%1/s</source>
+        <translation>%1/s</translation>
+    </message>
+</context>
+<context>
     <name>LocalizedStrings</name>
     <message>
         <source>Available</source>
@@ -797,6 +843,18 @@ Abhilfe: %2</translation>
     <message>
         <source>&lt;p&gt;&lt;b&gt;What Dialtone checked&lt;/b&gt;&lt;/p&gt;&lt;ul&gt;</source>
         <translation>&lt;p&gt;&lt;b&gt;Was Dialtone geprüft hat&lt;/b&gt;&lt;/p&gt;&lt;ul&gt;</translation>
+    </message>
+    <message>
+        <source>Modem functions</source>
+        <translation>Modemfunktionen</translation>
+    </message>
+    <message>
+        <source>Connecting…</source>
+        <translation>Verbindung wird hergestellt …</translation>
+    </message>
+    <message>
+        <source>%1, roaming</source>
+        <translation>%1, Roaming</translation>
     </message>
 </context>
 <context>
@@ -1015,6 +1073,14 @@ Abhilfe: %2</translation>
     <message>
         <source>Messages</source>
         <translation>Nachrichten</translation>
+    </message>
+    <message>
+        <source>Message folders</source>
+        <translation>Nachrichtenordner</translation>
+    </message>
+    <message>
+        <source>Message text</source>
+        <translation>Nachrichtentext</translation>
     </message>
 </context>
 <context>
@@ -1645,6 +1711,10 @@ Abhilfe: %2</translation>
         <source>The profile could not be made the default.</source>
         <translation>Das Profil konnte nicht als Standard festgelegt werden.</translation>
     </message>
+    <message>
+        <source>Connection profiles</source>
+        <translation>Verbindungsprofile</translation>
+    </message>
 </context>
 <context>
     <name>SettingsPlugin</name>
@@ -1675,6 +1745,10 @@ Abhilfe: %2</translation>
     <message>
         <source>Settings</source>
         <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Settings sections</source>
+        <translation>Einstellungsbereiche</translation>
     </message>
 </context>
 <context>
@@ -2325,6 +2399,14 @@ Abhilfe: %2</translation>
     <message>
         <source>Opening…</source>
         <translation>Wird geöffnet…</translation>
+    </message>
+    <message>
+        <source>Toolkit menu</source>
+        <translation>Toolkit-Menü</translation>
+    </message>
+    <message>
+        <source>Your answer</source>
+        <translation>Ihre Antwort</translation>
     </message>
 </context>
 </TS>
