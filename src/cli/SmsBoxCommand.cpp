@@ -10,7 +10,7 @@
 
 #include "ModemSession.h"
 #include "NumberArguments.h"
-#include "RecordJson.h"
+#include "ScriptJson.h"
 #include "SMS/MessageItem.h"
 #include "SMS/MessagesController.h"
 #include "SMS/SMSStorage.h"
@@ -35,11 +35,18 @@ void PrintBox(const CliContext& context, const QList<MessageItem>& items, const 
         nlohmann::json list = nlohmann::json::array();
         int position = 0;
         for (const MessageItem& item : items) {
-            nlohmann::json entry = MapToJson(item.getMessageDictionary());
-            entry["index"] = ++position;
-            list.push_back(entry);
+            nlohmann::json numbers = nlohmann::json::array();
+            for (const QString& number : item.getNumbers())
+                numbers.push_back(number.toStdString());
+            list.push_back({{"index", ++position},
+                            {"box", TextOrNull(item.getBoxType())},
+                            {"numbers", numbers},
+                            {"time", IsoTime(item.getCreateTime())},
+                            {"text", item.getContent().toStdString()},
+                            {"status", TextOrNull(item.getTag().toLower())},
+                            {"storage", TextOrNull(item.getStorage().toLower())}});
         }
-        PrintJson(list);
+        PrintJson({{"messages", list}});
         return;
     }
     int position = 0;
