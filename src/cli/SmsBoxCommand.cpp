@@ -30,6 +30,15 @@ struct BoxArguments {
     std::vector<std::string> move; // N BOX
 };
 
+// The box's name on the command line, also in --json.
+nlohmann::json BoxName(const QString& type) {
+    for (const auto& [name, stored] : kBoxes) {
+        if (stored == type)
+            return name;
+    }
+    return nullptr;
+}
+
 void PrintBox(const CliContext& context, const QList<MessageItem>& items, const std::string& region) {
     if (context.json) {
         nlohmann::json list = nlohmann::json::array();
@@ -39,12 +48,13 @@ void PrintBox(const CliContext& context, const QList<MessageItem>& items, const 
             for (const QString& number : item.getNumbers())
                 numbers.push_back(number.toStdString());
             list.push_back({{"index", ++position},
-                            {"box", TextOrNull(item.getBoxType())},
+                            {"box", BoxName(item.getBoxType())},
                             {"numbers", numbers},
                             {"time", IsoTime(item.getCreateTime())},
                             {"text", item.getContent().toStdString()},
                             {"status", TextOrNull(item.getTag().toLower())},
-                            {"storage", TextOrNull(item.getStorage().toLower())}});
+                            {"storage", item.getStorage() == "LOCAL" ? nlohmann::json("computer")
+                                                                     : TextOrNull(item.getStorage().toLower())}});
         }
         PrintJson({{"messages", list}});
         return;

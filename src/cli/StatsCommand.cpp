@@ -91,7 +91,8 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
         json days = json::array();
         for (const StatisticsDayRow& row : range.rows) {
             json day = DayCounters(row.item);
-            day["day"] = row.strDay.toStdString();
+            // The history keeps its days as "yyyy/MM/dd"; scripts get ISO dates.
+            day["day"] = QString(row.strDay).replace('/', '-').toStdString();
             days.push_back(day);
         }
         PrintJson({{"from", from->toString(Qt::ISODate).toStdString()},
