@@ -20,8 +20,8 @@ enum : int {
 };
 
 struct CliContext {
-    bool json = false;       // a document for scripts: --json, or --output json|key=value
-    std::string output;      // --output: "json" or "key=value"; empty for the default
+    bool json = false;  // a document for scripts: --json, or --output json|key=value
+    std::string output; // --output: "json" or "key=value"; empty for the default
     bool debug = false;
     bool simulate = false;   // --simulate: work against a fresh simulated modem
     std::string scenario;    // its scenario (file or shipped name); empty for the built-in one
@@ -56,4 +56,3 @@ void PrintJson(const nlohmann::json& document);
 // Prints one event of a command that reports as things happen: one JSON object on one line, or its
 // key: value lines followed by an empty line; flushed at once.
 void PrintJsonLine(const nlohmann::json& event);
-

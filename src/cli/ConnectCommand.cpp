@@ -249,8 +249,8 @@ int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, b
             const QString name =
                 controller.lastDialedProfile() ? controller.lastDialedProfile()->strAccount : "";
             if (context.json)
-                PrintJson(
-                    {{"profile", name.toStdString()}, {"connection", ConnectionName(ConnectController::kConnected)}});
+                PrintJson({{"profile", name.toStdString()},
+                           {"connection", ConnectionName(ConnectController::kConnected)}});
             else if (hold)
                 std::printf("Connected with \"%s\"; press Ctrl-C to hang up\n", name.toUtf8().constData());
             else

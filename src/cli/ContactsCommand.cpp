@@ -38,7 +38,6 @@ std::string Padded(const QString& name, int width) {
                                      ' ');
 }
 
-
 int List(CliContext& context, ModemSession& session) {
     ReportProgress("reading the phonebooks");
     ContactsController phonebooks(session.link());

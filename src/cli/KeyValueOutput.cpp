@@ -36,7 +36,8 @@ void Flatten(const json& value, const std::string& key, std::string& out) {
         return;
     }
     const bool empty = value.is_object() || value.is_array();
-    out += (key.empty() ? std::string("value") : key) + ": " + (empty ? std::string() : ValueText(value)) + '\n';
+    out +=
+        (key.empty() ? std::string("value") : key) + ": " + (empty ? std::string() : ValueText(value)) + '\n';
 }
 
 } // namespace

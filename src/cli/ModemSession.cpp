@@ -27,8 +27,8 @@
 #include "DeviceUtility.h"
 #include "FailureText.h"
 #include "ModemLink.h"
-#include "ScriptJson.h"
 #include "Pin/PinController.h"
+#include "ScriptJson.h"
 #include "WorkNotification.h"
 
 namespace {

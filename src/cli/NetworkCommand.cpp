@@ -23,7 +23,6 @@ std::string Text(const QString& text) {
     return text.isEmpty() ? "-" : TerminalText(text);
 }
 
-
 // "band": the modem's band mask; "mode": the mode by name with its code.
 nlohmann::json SettingDocument(const std::string& label, int value) {
     if (label == "mode")

@@ -80,7 +80,9 @@ int List(CliContext& context, const AppConfig& config, const OfferedList& list) 
                         {"apn", TextOrNull(p.strApn)},
                         {"dial_number", TextOrNull(p.strDialNum)},
                         {"user_name", TextOrNull(p.strUserName)},
-                        {"authentication", p.nAuthType == 1 ? "pap" : p.nAuthType == 2 ? "chap" : "any"},
+                        {"authentication", p.nAuthType == 1   ? "pap"
+                                           : p.nAuthType == 2 ? "chap"
+                                                              : "any"},
                         {"from_sim", fromSim},
                         {"default", isDefault}});
     }
@@ -93,15 +95,17 @@ int List(CliContext& context, const AppConfig& config, const OfferedList& list) 
         return EXIT_OK;
     }
     std::printf("  #  %-28s %-24s %-8s %s\n", "Name", "APN", "Number", "");
+    const auto text = [](const nlohmann::json& value) {
+        return value.is_string() ? value.get<std::string>() : "";
+    };
     for (const auto& row : rows) {
         std::string notes;
-        if (row["fromSim"].get<bool>())
+        if (row["from_sim"].get<bool>())
             notes += "[for this SIM]";
         if (row["default"].get<bool>())
             notes += notes.empty() ? "[default]" : " [default]";
-        std::printf("%3d  %-28s %-24s %-8s %s\n", row["number"].get<int>(),
-                    row["strAccount"].get<std::string>().c_str(), row["strApn"].get<std::string>().c_str(),
-                    row["strDialNum"].get<std::string>().c_str(), notes.c_str());
+        std::printf("%3d  %-28s %-24s %-8s %s\n", row["number"].get<int>(), text(row["name"]).c_str(),
+                    text(row["apn"]).c_str(), text(row["dial_number"]).c_str(), notes.c_str());
     }
     return EXIT_OK;
 }

@@ -1,5 +1,8 @@
 #include "ScriptDocuments.h"
 
+#include <initializer_list>
+#include <utility>
+
 #include "ScriptJson.h"
 #include "ScriptVocabulary.h"
 
@@ -14,45 +17,33 @@ json CountOrNull(int count) {
     return count < 0 ? json(nullptr) : json(count);
 }
 
-const char* StoreName(int store) {
-    switch (store) {
-    case SmsStorage::kSim:
-        return "sim";
-    case SmsStorage::kModem:
-        return "modem";
-    case SmsStorage::kPc:
-        return "computer";
-    default:
-        return "unknown";
+// The word for a code of the worker's own numbering.
+const char* Word(std::initializer_list<std::pair<int, const char*>> words, int code) {
+    for (const auto& [known, word] : words) {
+        if (known == code)
+            return word;
     }
+    return "unknown";
+}
+
+const char* StoreName(int store) {
+    return Word({{SmsStorage::kSim, "sim"}, {SmsStorage::kModem, "modem"}, {SmsStorage::kPc, "computer"}},
+                store);
 }
 
 const char* MessageStatusName(int tag) {
-    switch (tag) {
-    case SmsTag::kUnread:
-        return "unread";
-    case SmsTag::kRead:
-        return "read";
-    case SmsTag::kUnsent:
-        return "unsent";
-    case SmsTag::kSent:
-        return "sent";
-    default:
-        return "unknown";
-    }
+    return Word({{SmsTag::kUnread, "unread"},
+                 {SmsTag::kRead, "read"},
+                 {SmsTag::kUnsent, "unsent"},
+                 {SmsTag::kSent, "sent"}},
+                tag);
 }
 
 const char* MessageTypeName(int type) {
-    switch (type) {
-    case SmsType::kDeliver:
-        return "received";
-    case SmsType::kStatusReport:
-        return "status-report";
-    case SmsType::kSubmit:
-        return "sent";
-    default:
-        return "unknown";
-    }
+    return Word({{SmsType::kDeliver, "received"},
+                 {SmsType::kStatusReport, "status-report"},
+                 {SmsType::kSubmit, "sent"}},
+                type);
 }
 
 } // namespace
@@ -118,16 +109,17 @@ json NetworkSetDocument(const BLNetworkSet& set) {
 }
 
 json MessageDocument(const BLSmsListItem& item) {
-    json document{{"index", item.nRef},
-                  {"type", MessageTypeName(item.nType)},
-                  {"status", MessageStatusName(item.nTag)},
-                  {"storage", StoreName(item.nStoreIn)},
-                  {"number", TextOrNull(item.strAddress)},
-                  {"time", IsoTime(item.dateTime)},
-                  {"text", item.strContent.toStdString()},
-                  {"message_class", item.nClass >= 0 && item.nClass < kNoMessageClass ? json(item.nClass) : json()},
-                  {"complete", item.nCompleted != 0},
-                  {"report_status", nullptr}};
+    json document{
+        {"index", item.nRef},
+        {"type", MessageTypeName(item.nType)},
+        {"status", MessageStatusName(item.nTag)},
+        {"storage", StoreName(item.nStoreIn)},
+        {"number", TextOrNull(item.strAddress)},
+        {"time", IsoTime(item.dateTime)},
+        {"text", item.strContent.toStdString()},
+        {"message_class", item.nClass >= 0 && item.nClass < kNoMessageClass ? json(item.nClass) : json()},
+        {"complete", item.nCompleted != 0},
+        {"report_status", nullptr}};
     if (item.nType == SmsType::kStatusReport)
         document["report_status"] = item.nStatusReportStatus;
     return document;
@@ -141,11 +133,8 @@ json ContactDocument(const BLPbItem& item) {
 }
 
 json TrafficDocument(const BLConnectStatistics& statistics) {
-    return {{"duration", statistics.nDurationSeconds},
-            {"sent_bytes", statistics.nSentBytes},
-            {"received_bytes", statistics.nReceivedBytes},
-            {"sent_rate", statistics.nSentBPS},
-            {"received_rate", statistics.nReceivedBPS},
-            {"max_sent_rate", statistics.nMaxSentBPS},
+    return {{"duration", statistics.nDurationSeconds},        {"sent_bytes", statistics.nSentBytes},
+            {"received_bytes", statistics.nReceivedBytes},    {"sent_rate", statistics.nSentBPS},
+            {"received_rate", statistics.nReceivedBPS},       {"max_sent_rate", statistics.nMaxSentBPS},
             {"max_received_rate", statistics.nMaxReceivedPBS}};
 }

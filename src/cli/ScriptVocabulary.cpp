@@ -21,7 +21,7 @@ std::string RegistrationName(int state) {
 
 nlohmann::json RegistrationCode(int state) {
     // The worker orders the states its own way; scripts get the standard's numbers.
-    static constexpr std::array<int, 5> stat{0, 2, 3, 1, 5};
+    static constexpr std::array<int, 6> stat{0, 2, 3, 1, 5, 4};
     if (state < 0 || static_cast<std::size_t>(state) >= stat.size())
         return nullptr;
     return stat[static_cast<std::size_t>(state)];
@@ -68,7 +68,7 @@ std::string TechnologyName(int act) {
 }
 
 std::string BearerName(int bearer) {
-    static constexpr std::array<const char*, 8> words{"none", "gprs", "edge", "umts",
+    static constexpr std::array<const char*, 8> words{"none",  "gprs", "edge",  "umts",
                                                       "hsdpa", "hspa", "hsupa", "gsm"};
     return Word(words, bearer);
 }

@@ -11,7 +11,7 @@
 // 5 unknown): "home", "roaming", "searching", "denied", "not-registered", "unknown".
 std::string RegistrationName(int state);
 // The same state as 27.007's +CREG/+CGREG <stat> (0 not registered, 1 home, 2 searching, 3 denied,
-// 4 unknown, 5 roaming); null when unknown to the worker.
+// 4 unknown, 5 roaming); null for a code the worker does not have.
 nlohmann::json RegistrationCode(int state);
 // Service from the network information (0 home, 1 roaming, 2 searching, 3 not registered, 4 unknown),
 // in the registration words.

@@ -10,10 +10,10 @@
 
 #include "ModemSession.h"
 #include "NumberArguments.h"
-#include "ScriptJson.h"
 #include "SMS/MessageItem.h"
 #include "SMS/MessagesController.h"
 #include "SMS/SMSStorage.h"
+#include "ScriptJson.h"
 #include "TerminalText.h"
 
 namespace {
@@ -47,14 +47,15 @@ void PrintBox(const CliContext& context, const QList<MessageItem>& items, const 
             nlohmann::json numbers = nlohmann::json::array();
             for (const QString& number : item.getNumbers())
                 numbers.push_back(number.toStdString());
-            list.push_back({{"index", ++position},
-                            {"box", BoxName(item.getBoxType())},
-                            {"numbers", numbers},
-                            {"time", IsoTime(item.getCreateTime())},
-                            {"text", item.getContent().toStdString()},
-                            {"status", TextOrNull(item.getTag().toLower())},
-                            {"storage", item.getStorage() == "LOCAL" ? nlohmann::json("computer")
-                                                                     : TextOrNull(item.getStorage().toLower())}});
+            list.push_back(
+                {{"index", ++position},
+                 {"box", BoxName(item.getBoxType())},
+                 {"numbers", numbers},
+                 {"time", IsoTime(item.getCreateTime())},
+                 {"text", item.getContent().toStdString()},
+                 {"status", TextOrNull(item.getTag().toLower())},
+                 {"storage", item.getStorage() == "LOCAL" ? nlohmann::json("computer")
+                                                          : TextOrNull(item.getStorage().toLower())}});
         }
         PrintJson({{"messages", list}});
         return;

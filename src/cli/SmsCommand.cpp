@@ -366,7 +366,8 @@ int Validity(const CliContext& context, ModemSession& session, const std::string
         return failed;
     ServiceSettings::save(ServiceSettings::kValidityKey, Q(code));
     if (context.json)
-        PrintJson({{"validity", code}, {"weeks", period.bWeek}, {"days", period.bDay}, {"hours", period.bHour}});
+        PrintJson(
+            {{"validity", code}, {"weeks", period.bWeek}, {"days", period.bDay}, {"hours", period.bHour}});
     else
         std::cout << "Messages sent from now on are valid for " << code << '\n';
     return EXIT_OK;

@@ -60,7 +60,6 @@ json DayCounters(const _TrafficStaticsItem& item) {
             {"roaming_received_bytes", item.roamingReceiveBytes}};
 }
 
-
 void PrintRow(const std::string& day, const _TrafficStaticsItem& item) {
     std::printf("%-12s %12s %12s %14s %16s\n", day.c_str(), Bytes(item.noRoamingSendBytes).c_str(),
                 Bytes(item.noRoamingReceiveBytes).c_str(), Bytes(item.roamingSendBytes).c_str(),

@@ -35,19 +35,12 @@ void PrintEquipment(const BLEquipmentInfo& info) {
 // The PIN counters come only with the separate SIM reading; without it the SIM's state is the
 // diagnosis's and the counters are unknown.
 nlohmann::json StatusDocument(const BLDiagInfo& diag, const BLPinCheckState* pin, int connectStatus) {
-    const BLEquipmentInfo equipment{diag.strManufacturer, diag.strModel, diag.strRevision,
-                                    diag.strSerialNumber, diag.strImsi,  diag.strMsisdn,
+    const BLEquipmentInfo equipment{diag.strManufacturer,   diag.strModel, diag.strRevision,
+                                    diag.strSerialNumber,   diag.strImsi,  diag.strMsisdn,
                                     diag.strHardwareVersion};
-    BLNetworkInfo network;
-    network.nMode = diag.nMode;
-    network.nFormat = diag.nFormat;
-    network.strOperator = diag.strOperator;
-    network.nAcT = diag.nAcT;
-    network.strSpName = diag.strSpName;
-    network.nRssi = diag.nRssi;
-    network.nRoamState = diag.nRoamState;
-    network.nBearer = diag.nBearer;
-    network.nGprsState = diag.nGprsRegState;
+    const BLNetworkInfo network{
+        diag.nMode,     diag.nFormat, diag.strOperator, diag.nAcT,    0,
+        diag.strSpName, diag.nRssi,   diag.nRoamState,  diag.nBearer, diag.nGprsRegState};
     nlohmann::json networkDocument = NetworkDocument(network);
     networkDocument.update(RegistrationDocument(diag.nNormalRegState));
     // +CGATT: 1 attached, 0 detached; the worker's 0 is "not read".

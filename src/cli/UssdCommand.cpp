@@ -65,8 +65,8 @@ private:
 
 // +CUSD: <m>,<str>,<dcs>: <m> as a word, with the number beside it.
 nlohmann::json UssdDocument(const BLUssdReceive& answer) {
-    static constexpr std::array<const char*, 6> results{"done",          "reply-wanted", "ended",
-                                                        "answered-elsewhere", "not-supported", "timed-out"};
+    static constexpr std::array<const char*, 6> results{
+        "done", "reply-wanted", "ended", "answered-elsewhere", "not-supported", "timed-out"};
     const int code = answer.nReportType;
     const bool known = code >= 0 && static_cast<std::size_t>(code) < results.size();
     return {{"result", known ? results[static_cast<std::size_t>(code)] : "unknown"},

@@ -42,8 +42,7 @@ TEST(Dialtone10, ContactsAddUpdateDeleteOnBothPhonebooks) {
         const Outcome added =
             RunWaiting(modem, {"--json", "contacts", "add", "Carla", "+491761112233", "--store", row.store});
         ASSERT_EQ(added.status, 0) << added.err;
-        EXPECT_EQ(json::parse(added.out, nullptr, false).value("index", -1), row.firstFree)
-            << added.out;
+        EXPECT_EQ(json::parse(added.out, nullptr, false).value("index", -1), row.firstFree) << added.out;
 
         Outcome list = RunWaiting(modem, {"--json", "contacts", "list"});
         ASSERT_EQ(list.status, 0) << list.err;

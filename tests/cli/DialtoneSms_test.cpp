@@ -71,7 +71,8 @@ TEST(DialtoneSms, LongTextGoesInPartsAndItsReportComesBack) {
     for (std::string line; std::getline(lines, line);) {
         const json item = Parse(line);
         ASSERT_TRUE(item.is_object()) << line;
-        report = report || (item.value("type", "") == "status-report" && item.value("number", "") == "+491701234567");
+        report = report ||
+                 (item.value("type", "") == "status-report" && item.value("number", "") == "+491701234567");
     }
     EXPECT_TRUE(report) << watched.out;
 
