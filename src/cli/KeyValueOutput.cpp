@@ -9,14 +9,25 @@ std::string ValueText(const json& value) {
         return {};
     if (!value.is_string())
         return value.dump(-1, ' ', false, json::error_handler_t::replace);
+    // One value per line, and no control character from a message or the modem reaches a terminal.
+    static constexpr char kHex[] = "0123456789abcdef";
+    const auto& raw = value.get_ref<const std::string&>();
     std::string text;
-    for (const char c : value.get_ref<const std::string&>()) {
-        if (c == '\n')
+    for (std::size_t i = 0; i < raw.size(); ++i) {
+        const char c = raw[i];
+        const auto byte = static_cast<unsigned char>(c);
+        const auto next = static_cast<unsigned char>(i + 1 < raw.size() ? raw[i + 1] : 0);
+        if (byte == 0xC2 && next >= 0x80 && next <= 0x9F) { // C1 controls, U+0080 to U+009F
+            text += std::string("\\u00") + kHex[next >> 4] + kHex[next & 0xF];
+            ++i;
+        } else if (c == '\n')
             text += "\\n";
-        else if (c == '\r')
-            text += "\\r";
+        else if (c == '\t')
+            text += "\\t";
         else if (c == '\\')
             text += "\\\\";
+        else if (byte < 0x20 || byte == 0x7F)
+            text += std::string("\\x") + kHex[byte >> 4] + kHex[byte & 0xF];
         else
             text += c;
     }

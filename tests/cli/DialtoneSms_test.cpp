@@ -159,7 +159,7 @@ bool HasRawControl(const std::string& out) {
 }
 
 // A sender's escape sequences (window title, clear screen, C1 CSI, DEL, NUL) are shown as placeholders in
-// the listings and kept exact in --json.
+// the listings, kept exact in --json and escaped in --output key=value.
 TEST(DialtoneSms, EscapeSequencesInAMessageNeverReachTheTerminal) {
     const std::string hostile = "A\x1b]0;owned\aB\x1b[2JC\302\23331mD\177E\0F"s;
     const std::string shown = "A\u241b]0;owned\u2407B\u241b[2JC\ufffd31mD\u2421E\u2400F";
@@ -179,6 +179,10 @@ TEST(DialtoneSms, EscapeSequencesInAMessageNeverReachTheTerminal) {
     const json items = Parse(modem.run({"--json", "sms", "list"}).out)["messages"];
     ASSERT_EQ(items.size(), 1u);
     EXPECT_EQ(items[0]["text"], hostile);
+    const Outcome values = modem.run({"--output", "key=value", "sms", "list"});
+    EXPECT_FALSE(HasRawControl(values.out)) << values.out;
+    EXPECT_NE(values.out.find("A\\x1b]0;owned\\x07B\\x1b[2JC\\u009b31mD\\x7fE\\x00F\n"), std::string::npos)
+        << values.out;
 }
 
 TEST(DialtoneSms, FullSimAsPreferredStorageMovesTheMessageToTheComputer) {
