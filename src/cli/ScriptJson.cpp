@@ -4,8 +4,6 @@
 #include <cctype>
 #include <string_view>
 
-#include "RecordJson.h"
-
 using nlohmann::json;
 
 namespace {
@@ -48,8 +46,6 @@ json Converted(const json& value, bool flag) {
     return value;
 }
 
-} // namespace
-
 std::string ScriptKey(const std::string& key) {
     const std::size_t start = TypePrefix(key).size();
     std::string out;
@@ -72,6 +68,8 @@ std::string ScriptKey(const std::string& key) {
     return out;
 }
 
+} // namespace
+
 json ScriptKeys(const json& document) {
     if (!document.is_object())
         return Converted(document, false);
@@ -84,10 +82,6 @@ json ScriptKeys(const json& document) {
         out[name == "class" ? "message_class" : name] = Converted(value, IsFlagPrefix(TypePrefix(key)));
     }
     return out;
-}
-
-json ScriptRecord(const QVariant& record) {
-    return ScriptKeys(VariantToJson(record));
 }
 
 json IsoTime(const QDateTime& time) {

@@ -4,7 +4,6 @@
 
 #include <QDateTime>
 #include <QString>
-#include <QVariant>
 
 #include <nlohmann/json.hpp>
 
@@ -16,9 +15,6 @@
 // become booleans, an empty text becomes null, and the record's "class" is dropped. Nested objects
 // and lists are converted alike.
 nlohmann::json ScriptKeys(const nlohmann::json& document);
-std::string ScriptKey(const std::string& key);
-// A record from the worker, converted as ScriptKeys does.
-nlohmann::json ScriptRecord(const QVariant& record);
 
 // ISO 8601 with the offset from UTC ("2024-05-17T09:30:00+02:00"); null for an invalid time.
 nlohmann::json IsoTime(const QDateTime& time);
