@@ -1,5 +1,7 @@
 #include "AccountCommand.h"
 
+#include "ScriptJson.h"
+
 #include <QEventLoop>
 #include <QStringList>
 
@@ -221,10 +223,10 @@ int RunEntry(CliContext& context, AccountController& controller, const QString& 
     if (context.json && result == EXIT_OK) {
         nlohmann::json steps = nlohmann::json::array();
         for (const Exchange& exchange : exchanges)
-            steps.push_back({{"strCmdString", exchange.sent},
-                             {"strContent", exchange.answer},
-                             {"bReplyRequested", exchange.question}});
-        PrintJson({{"strCommand", command.toStdString()}, {"exchanges", steps}});
+            steps.push_back({{"sent", exchange.sent},
+                             {"answer", TextOrNull(QString::fromStdString(exchange.answer))},
+                             {"reply_wanted", exchange.question}});
+        PrintJson({{"command", command.toStdString()}, {"exchanges", steps}});
     }
     return result;
 }
@@ -256,7 +258,7 @@ int Account(CliContext& context, ModemSession& session, const AccountArguments& 
 
     if (arguments.entry.empty()) {
         if (context.json)
-            PrintJson(MenuToJson(data, imsi));
+            PrintJson(ScriptKeys(MenuToJson(data, imsi)));
         else
             PrintMenu(data);
         return EXIT_OK;

@@ -1,5 +1,7 @@
 #include "CallCommand.h"
 
+#include <array>
+
 #include <QThread>
 
 #include <algorithm>
@@ -13,7 +15,8 @@
 #include "DialString.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
-#include "RecordJson.h"
+#include "RecordList.h"
+#include "ScriptJson.h"
 #include "TerminalText.h"
 #include "WorkNotification.h"
 
@@ -72,10 +75,23 @@ int Check(const CliContext& context, ModemSession& session, const QVariantMap& r
 }
 
 nlohmann::json CallJson(const BLCallItem& call) {
-    return {{"class", "BLCallItem"}, {"nIndex", call.nIndex},
-            {"nDir", call.nDir},     {"nState", call.nState},
-            {"nMode", call.nMode},   {"nMpty", call.nMpty},
-            {"nType", call.nType},   {"strNumber", call.strNumber.toStdString()}};
+    // +CLCC: <id>,<dir>,<stat>,<mode>,<mpty>,<number>,<type>
+    static constexpr std::array<const char*, 6> states{"active",   "held",     "dialling",
+                                                       "alerting", "incoming", "waiting"};
+    static constexpr std::array<const char*, 3> modes{"voice", "data", "fax"};
+    const auto word = [](const auto& words, int code) -> nlohmann::json {
+        if (code < 0 || static_cast<std::size_t>(code) >= words.size())
+            return "unknown";
+        return words[static_cast<std::size_t>(code)];
+    };
+    return {{"index", call.nIndex},
+            {"direction", call.nDir == BLCallItem::kDirOutgoing ? "outgoing" : "incoming"},
+            {"state", word(states, call.nState)},
+            {"state_code", call.nState},
+            {"mode", word(modes, call.nMode)},
+            {"multiparty", call.nMpty != 0},
+            {"number", TextOrNull(call.strNumber)},
+            {"number_type", call.nType}};
 }
 
 int ReadCalls(const CliContext& context, ModemSession& session, QList<BLCallItem>& calls) {
@@ -91,10 +107,10 @@ int List(CliContext& context, ModemSession& session) {
     if (const int failed = ReadCalls(context, session, calls))
         return failed;
     if (context.json) {
-        nlohmann::json document = nlohmann::json::array();
+        nlohmann::json list = nlohmann::json::array();
         for (const BLCallItem& call : calls)
-            document.push_back(CallJson(call));
-        PrintJson(document);
+            list.push_back(CallJson(call));
+        PrintJson({{"calls", list}});
         return EXIT_OK;
     }
     if (calls.isEmpty()) {
@@ -167,7 +183,7 @@ int Simple(CliContext& context, ModemSession& session, const QString& name, cons
     if (const int failed = Check(context, session, response, what))
         return failed;
     if (context.json)
-        PrintJson({{"ERROR_CODE", 0}});
+        PrintJson({{"ok", true}});
     else
         std::printf("%s\n", done);
     return EXIT_OK;

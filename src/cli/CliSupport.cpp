@@ -5,8 +5,16 @@
 
 #include <unistd.h>
 
-#include "ModemTextCheck.h"
 #include "FailureText.h"
+#include "KeyValueOutput.h"
+#include "ModemTextCheck.h"
+#include "ScriptJson.h"
+
+namespace {
+
+ScriptFormat g_scriptFormat = ScriptFormat::Json;
+
+} // namespace
 
 int ReportFailure(const CliContext& context, int resultCode, const std::string& what, int cause) {
     const std::string causeName = ModemCauseName(cause);
@@ -14,12 +22,8 @@ int ReportFailure(const CliContext& context, int resultCode, const std::string& 
         std::fprintf(stderr, "dialtone: %s (result %d)\n", what.c_str(), resultCode);
     else
         std::fprintf(stderr, "dialtone: %s (result %d, %s)\n", what.c_str(), resultCode, causeName.c_str());
-    if (context.json) {
-        nlohmann::json error{{"ERROR_CODE", resultCode}, {"error", what}};
-        if (cause != 0)
-            error["SUB_ERROR_CODE"] = cause;
-        PrintJson(error);
-    }
+    if (context.json)
+        PrintJson(ErrorDocument(resultCode, what, cause));
     return EXIT_FAILED;
 }
 
@@ -38,7 +42,22 @@ void ReportProgress(const std::string& what) {
         std::fprintf(stderr, "%s\n", what.c_str());
 }
 
+void SetScriptFormat(ScriptFormat format) {
+    g_scriptFormat = format;
+}
+
 void PrintJson(const nlohmann::json& document) {
-    std::cout << document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    if (g_scriptFormat == ScriptFormat::KeyValue)
+        std::cout << KeyValueLines(document);
+    else
+        std::cout << document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+void PrintJsonLine(const nlohmann::json& event) {
+    if (g_scriptFormat == ScriptFormat::KeyValue)
+        std::cout << KeyValueLines(event) << '\n';
+    else
+        std::cout << event.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    std::cout.flush();
 }
 

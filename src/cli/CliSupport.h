@@ -8,8 +8,9 @@
 #include "WideText.h"
 
 // What every command family of the dialtone tool shares: the global options, the exit status, and the
-// rules for output (human-readable text by default, one JSON document with --json; errors on standard
-// error, and with --json an object with "ERROR_CODE" on standard output).
+// rules for output (human-readable text by default, one JSON document with --json or key: value lines
+// with --output key=value; errors on standard error, and with either an error document on standard
+// output).
 
 // Exit status of the tool.
 enum : int {
@@ -19,7 +20,8 @@ enum : int {
 };
 
 struct CliContext {
-    bool json = false;
+    bool json = false;  // a document for scripts: --json, or --output json|key=value
+    std::string output; // --output: "json" or "key=value"; empty for the default
     bool debug = false;
     bool simulate = false;   // --simulate: work against a fresh simulated modem
     std::string scenario;    // its scenario (file or shipped name); empty for the built-in one
@@ -32,8 +34,8 @@ struct CliContext {
 };
 
 // Reports a failed operation: "dialtone: <what> (result <code>)" on standard error, with the modem's own
-// cause beside the code when there is one; with --json {"ERROR_CODE": code, "error": what} (and
-// "SUB_ERROR_CODE": cause) on standard output. Returns EXIT_FAILED.
+// cause beside the code when there is one; for scripts {"error": {"code": code, "message": what}} (and
+// "cause_code") on standard output. Returns EXIT_FAILED.
 int ReportFailure(const CliContext& context, int resultCode, const std::string& what, int cause = 0);
 // Reports a usage error found after parsing (an argument CLI11 could not check). Returns EXIT_USAGE.
 int ReportUsage(const std::string& what);
@@ -44,6 +46,13 @@ int CheckModemText(const std::string& what, const std::string& value, std::size_
 // Progress of a long command on standard error, only when that is a terminal.
 void ReportProgress(const std::string& what);
 
-// Prints one JSON document on standard output; text that is not UTF-8 is replaced, never fatal.
-void PrintJson(const nlohmann::json& document);
+// How documents for scripts are printed; set once from the command line before any command runs.
+enum class ScriptFormat { Json, KeyValue };
+void SetScriptFormat(ScriptFormat format);
 
+// Prints one document on standard output: indented JSON, or key: value lines; text that is not UTF-8
+// is replaced, never fatal.
+void PrintJson(const nlohmann::json& document);
+// Prints one event of a command that reports as things happen: one JSON object on one line, or its
+// key: value lines followed by an empty line; flushed at once.
+void PrintJsonLine(const nlohmann::json& event);

@@ -17,7 +17,8 @@
 #include "DialupReadiness.h"
 #include "ModemSession.h"
 #include "PPPConnection.h"
-#include "RecordJson.h"
+#include "ScriptDocuments.h"
+#include "ScriptVocabulary.h"
 #include "ServiceTool.h"
 #include "SimProfiles.h"
 #include "Statistics/TrafficStatics.h"
@@ -166,11 +167,9 @@ void PrintSample(const CliContext& context, int state, const Notification& notif
     const QString down =
         notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE).toString();
     if (context.json) {
-        nlohmann::json line = VariantToJson(QVariant::fromValue(sample));
-        line["connectStatus"] = state;
-        line[KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_UPDATA_RATE.toStdString()] = up.toStdString();
-        line[KEY_FOR_NOTIFY_TRAFFIC_STATISTICS_DOWNDATA_RATE.toStdString()] = down.toStdString();
-        std::printf("%s\n", line.dump().c_str());
+        nlohmann::json line = TrafficDocument(sample);
+        line["connection"] = ConnectionName(state);
+        PrintJsonLine(line);
     } else {
         std::printf("%-13s %s  sent %s  received %s  up %s  down %s\n", ConnectStatusText(state).c_str(),
                     ConvertUtilty::secondToTimeFormat(sample.nDurationSeconds).toUtf8().constData(),
@@ -250,8 +249,8 @@ int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, b
             const QString name =
                 controller.lastDialedProfile() ? controller.lastDialedProfile()->strAccount : "";
             if (context.json)
-                PrintJson(
-                    {{"strAccount", name.toStdString()}, {"connectStatus", ConnectController::kConnected}});
+                PrintJson({{"profile", name.toStdString()},
+                           {"connection", ConnectionName(ConnectController::kConnected)}});
             else if (hold)
                 std::printf("Connected with \"%s\"; press Ctrl-C to hang up\n", name.toUtf8().constData());
             else
@@ -322,7 +321,7 @@ int Disconnect(CliContext& context, ConnectorRun& run) {
         const int state = controller.connectState();
         if (state != ConnectController::kConnecting && state != ConnectController::kConnected) {
             if (context.json)
-                PrintJson({{"connectStatus", state}});
+                PrintJson({{"connection", ConnectionName(state)}});
             else
                 std::printf("Not connected\n");
             run.finish(EXIT_OK);
@@ -337,8 +336,8 @@ int Disconnect(CliContext& context, ConnectorRun& run) {
         if (state != ConnectController::kAnnounceDisconnected || !hangingUp)
             return;
         if (context.json) {
-            nlohmann::json done = VariantToJson(QVariant::fromValue(last));
-            done["connectStatus"] = ConnectController::kDisconnected;
+            nlohmann::json done = TrafficDocument(last);
+            done["connection"] = ConnectionName(ConnectController::kDisconnected);
             PrintJson(done);
         } else {
             std::printf("Disconnected after %s: sent %s, received %s\n",

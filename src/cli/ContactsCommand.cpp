@@ -8,7 +8,7 @@
 #include "ModemSession.h"
 #include "ModemTextCheck.h"
 #include "NumberArguments.h"
-#include "RecordJson.h"
+#include "ScriptDocuments.h"
 #include "TerminalText.h"
 
 namespace {
@@ -38,14 +38,6 @@ std::string Padded(const QString& name, int width) {
                                      ' ');
 }
 
-// What a write command sent, and the new entry's index, for --json.
-void PrintWritten(const QVariant& sent, const QVariant& value = {}) {
-    nlohmann::json document{{"USER_INFO", {{"VALUE_OBJECT", VariantToJson(sent)}}}};
-    if (value.isValid())
-        document["VALUE_OBJECT"] = VariantToJson(value);
-    PrintJson(document);
-}
-
 int List(CliContext& context, ModemSession& session) {
     ReportProgress("reading the phonebooks");
     ContactsController phonebooks(session.link());
@@ -55,7 +47,10 @@ int List(CliContext& context, ModemSession& session) {
     if (const int failed = session.check(outcome, "reading the phonebooks"))
         return failed;
     if (context.json) {
-        PrintJson(VariantToJson(QVariant::fromValue(items)));
+        nlohmann::json list = nlohmann::json::array();
+        for (const BLPbItem& item : items)
+            list.push_back(ContactDocument(item));
+        PrintJson({{"contacts", list}});
         return EXIT_OK;
     }
     if (items.isEmpty()) {
@@ -85,8 +80,16 @@ int Info(CliContext& context, ModemSession& session) {
     if (const int failed = session.check(limits, limitsWhat))
         return failed;
     if (context.json) {
-        PrintJson({{"storage", VariantToJson(QVariant::fromValue(info))},
-                   {"constraint", VariantToJson(QVariant::fromValue(constraint))}});
+        PrintJson({{"sim",
+                    {{"used", info.nSimUsed},
+                     {"total", info.nSimTotal},
+                     {"max_name_length", constraint.nSimMaxNameLen},
+                     {"max_number_length", constraint.nSimMaxNumberLen}}},
+                   {"modem",
+                    {{"used", info.nMeUsed},
+                     {"total", info.nMeTotal},
+                     {"max_name_length", constraint.nMeMaxNameLen},
+                     {"max_number_length", constraint.nMeMaxNumberLen}}}});
         return EXIT_OK;
     }
     std::printf("SIM:    %d of %d used; names up to %d, numbers up to %d characters\n", info.nSimUsed,
@@ -146,7 +149,7 @@ int Add(CliContext& context, ModemSession& session, const ContactsArguments& arg
     if (const int failed = CheckWrite(context, session, result, arguments, what))
         return failed;
     if (context.json)
-        PrintWritten(QVariant::fromValue(item), result.index);
+        PrintJson(ContactDocument({item.nStoreIn, item.strName, item.strNumber, result.index}));
     else
         std::printf("Added to the %s phonebook at index %d\n", arguments.store.c_str(), result.index);
     return EXIT_OK;
@@ -166,7 +169,7 @@ int Update(CliContext& context, ModemSession& session, const ContactsArguments& 
     if (const int failed = CheckWrite(context, session, result, arguments, what))
         return failed;
     if (context.json)
-        PrintWritten(QVariant::fromValue(item));
+        PrintJson(ContactDocument(item));
     else
         std::printf("Updated %s %d\n", arguments.store.c_str(), arguments.index);
     return EXIT_OK;
@@ -182,7 +185,7 @@ int Delete(CliContext& context, ModemSession& session, const ContactsArguments& 
     if (const int failed = CheckWrite(context, session, result, arguments, what))
         return failed;
     if (context.json)
-        PrintWritten(QVariant::fromValue(item));
+        PrintJson({{"storage", arguments.store}, {"index", item.nIndex}, {"deleted", true}});
     else
         std::printf("Deleted %s %d\n", arguments.store.c_str(), arguments.index);
     return EXIT_OK;

@@ -12,7 +12,7 @@ int Switch(CliContext& context, ModemSession& session, bool on) {
     if (const int failed = session.check(response, on ? "switching the GPS on" : "switching the GPS off"))
         return failed;
     if (context.json)
-        PrintJson({{"ERROR_CODE", 0}});
+        PrintJson({{"gps", on}});
     else
         std::printf("GPS %s\n", on ? "on" : "off");
     return EXIT_OK;

@@ -28,6 +28,7 @@
 #include "FailureText.h"
 #include "ModemLink.h"
 #include "Pin/PinController.h"
+#include "ScriptJson.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -76,12 +77,8 @@ private:
                 static constexpr const char kLate[] = "the modem did not answer in time";
                 std::fprintf(stderr, "dialtone: %s: %s (result %d)\n", _what.c_str(), kLate,
                              WORKER_ERR_TIME_OUT);
-                if (_json) {
-                    const nlohmann::json error{{"ERROR_CODE", WORKER_ERR_TIME_OUT},
-                                               {"error", _what + ": " + kLate}};
-                    std::printf("%s\n",
-                                error.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
-                }
+                if (_json)
+                    PrintJson(ErrorDocument(WORKER_ERR_TIME_OUT, _what + ": " + kLate));
                 std::fflush(stdout);
                 if (_simulator > 0)
                     kill(_simulator, SIGTERM);

@@ -6,7 +6,8 @@
 
 #include "ModemSession.h"
 #include "Network/NetworkController.h"
-#include "RecordJson.h"
+#include "ScriptDocuments.h"
+#include "ScriptVocabulary.h"
 #include "StatusText.h"
 #include "TerminalText.h"
 
@@ -22,9 +23,11 @@ std::string Text(const QString& text) {
     return text.isEmpty() ? "-" : TerminalText(text);
 }
 
-// What a setting command sent, for --json.
-void PrintSent(const QVariant& sent) {
-    PrintJson({{"USER_INFO", {{"VALUE_OBJECT", VariantToJson(sent)}}}});
+// "band": the modem's band mask; "mode": the mode by name with its code.
+nlohmann::json SettingDocument(const std::string& label, int value) {
+    if (label == "mode")
+        return {{"mode", ModeName(value)}, {"mode_code", value}};
+    return {{label + "_code", value}};
 }
 
 void ShowInfo(const BLNetworkInfo& info) {
@@ -72,7 +75,7 @@ int Select(CliContext& context, ModemSession& session, const BLNetworkSet& selec
     if (const int failed = session.check(outcome, what))
         return failed;
     if (context.json)
-        PrintSent(QVariant::fromValue(selection));
+        PrintJson(NetworkSetDocument(selection));
     else
         std::printf("%s\n", done);
     return EXIT_OK;
@@ -97,7 +100,7 @@ void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<Ne
                 if (const int failed = s.check(outcome, what))
                     return failed;
                 if (context.json)
-                    PrintSent(*arguments->value);
+                    PrintJson(SettingDocument(label, *arguments->value));
                 else
                     std::printf("%s set to %d\n", label, *arguments->value);
                 return EXIT_OK;
@@ -108,7 +111,7 @@ void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<Ne
             if (const int failed = s.check(outcome, what))
                 return failed;
             if (context.json)
-                PrintJson(static_cast<int>(value));
+                PrintJson(SettingDocument(label, static_cast<int>(value)));
             else
                 std::printf("%s: %d\n", label, static_cast<int>(value));
             return EXIT_OK;
@@ -133,7 +136,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
             if (const int failed = s.check(outcome, what))
                 return failed;
             if (context.json)
-                PrintJson(VariantToJson(QVariant::fromValue(info)));
+                PrintJson(NetworkDocument(info));
             else
                 ShowInfo(info);
             return EXIT_OK;
@@ -152,7 +155,10 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
                 if (const int failed = s.check(outcome, what))
                     return failed;
                 if (context.json) {
-                    PrintJson(VariantToJson(QVariant::fromValue(operators)));
+                    nlohmann::json list = nlohmann::json::array();
+                    for (const BLNetworkListItem& item : operators)
+                        list.push_back(OperatorDocument(item));
+                    PrintJson({{"operators", list}});
                 } else {
                     ShowList(operators);
                 }
@@ -204,7 +210,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
             if (const int failed = s.check(outcome, what))
                 return failed;
             if (context.json)
-                PrintJson(VariantToJson(QVariant::fromValue(registration)));
+                PrintJson(RegistrationDocument(registration.nState));
             else
                 std::printf("Registration:    %s\n", RegistrationText(registration.nState).c_str());
             return EXIT_OK;

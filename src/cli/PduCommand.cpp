@@ -1,5 +1,7 @@
 #include "PduCommand.h"
 
+#include "ScriptJson.h"
+
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -17,7 +19,7 @@ int Decode(const CliContext& context, const std::string& hex, std::optional<int>
     if (decoded.result != 0)
         return ReportFailure(context, decoded.result, "the PDU could not be decoded");
     if (context.json) {
-        PrintJson(decoded.fields);
+        PrintJson(ScriptKeys(decoded.fields));
         return EXIT_OK;
     }
     // Addresses and texts come from the PDU as it was given: shown, never obeyed.
@@ -39,8 +41,8 @@ int Encode(const CliContext& context, const std::string& typed, const std::strin
     if (context.json) {
         json list = json::array();
         for (const auto& [length, pdu] : encoded.segments)
-            list.push_back({{"nPduLen", length}, {"strPdu", pdu}});
-        PrintJson({{"nEncodeType", encoded.encodeType}, {"segments", list}});
+            list.push_back({{"tpdu_length", length}, {"pdu", pdu}});
+        PrintJson({{"encoding_code", encoded.encodeType}, {"segments", list}});
     } else {
         for (const auto& segment : encoded.segments)
             std::printf("%s\n", segment.second.c_str());

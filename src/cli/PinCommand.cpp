@@ -13,7 +13,7 @@
 #include "ModemTextCheck.h"
 #include "Pin/PinController.h"
 #include "PinRecords.h"
-#include "RecordJson.h"
+#include "ScriptDocuments.h"
 #include "SecretInput.h"
 #include "StatusText.h"
 
@@ -30,15 +30,8 @@ int Status(CliContext& context, ModemSession& session) {
     const bool enabledKnown = *request != PinController::PinRequest::Unknown;
     const bool enabled = *request == PinController::PinRequest::On;
     if (context.json) {
-        nlohmann::json document = VariantToJson(QVariant::fromValue(state));
-        // A counter the modem does not tell is null, not a count.
-        for (const char* counter : {"nPinCnt", "nPukCnt"}) {
-            if (document.contains(counter) && document[counter].is_number() &&
-                document[counter].get<int>() < 0)
-                document[counter] = nullptr;
-        }
-        if (enabledKnown)
-            document["strPinEnabled"] = enabled ? "TRUE" : "FALSE";
+        nlohmann::json document = SimDocument(state);
+        document["pin_enabled"] = enabledKnown ? nlohmann::json(enabled) : nlohmann::json();
         PrintJson(document);
         return EXIT_OK;
     }
@@ -70,7 +63,7 @@ int Try(CliContext& context, ModemSession& session,
         return failed;
     }
     if (context.json)
-        PrintJson({{"ERROR_CODE", WORKER_OK}});
+        PrintJson({{"ok", true}});
     else
         std::printf("%s\n", done.c_str());
     return EXIT_OK;

@@ -1,5 +1,7 @@
 #include "ProfilesCommand.h"
 
+#include "ScriptJson.h"
+
 #include <QCoreApplication>
 
 #include <cstdio>
@@ -74,16 +76,18 @@ int List(CliContext& context, const AppConfig& config, const OfferedList& list) 
         const bool fromSim = i < list.simCount;
         const bool isDefault = i == defaultPosition && (userDefault || simDefault || list.simCount > 0);
         rows.push_back({{"number", i + 1},
-                        {"strAccount", p.strAccount.toStdString()},
-                        {"strApn", p.strApn.toStdString()},
-                        {"strDialNum", p.strDialNum.toStdString()},
-                        {"strUserName", p.strUserName.toStdString()},
-                        {"nAuthType", p.nAuthType},
-                        {"fromSim", fromSim},
+                        {"name", p.strAccount.toStdString()},
+                        {"apn", TextOrNull(p.strApn)},
+                        {"dial_number", TextOrNull(p.strDialNum)},
+                        {"user_name", TextOrNull(p.strUserName)},
+                        {"authentication", p.nAuthType == 1   ? "pap"
+                                           : p.nAuthType == 2 ? "chap"
+                                                              : "any"},
+                        {"from_sim", fromSim},
                         {"default", isDefault}});
     }
     if (context.json) {
-        PrintJson({{"strImsi", list.imsi.toStdString()}, {"profiles", rows}});
+        PrintJson({{"imsi", TextOrNull(list.imsi)}, {"profiles", rows}});
         return EXIT_OK;
     }
     if (rows.empty()) {
@@ -91,15 +95,17 @@ int List(CliContext& context, const AppConfig& config, const OfferedList& list) 
         return EXIT_OK;
     }
     std::printf("  #  %-28s %-24s %-8s %s\n", "Name", "APN", "Number", "");
+    const auto text = [](const nlohmann::json& value) {
+        return value.is_string() ? value.get<std::string>() : "";
+    };
     for (const auto& row : rows) {
         std::string notes;
-        if (row["fromSim"].get<bool>())
+        if (row["from_sim"].get<bool>())
             notes += "[for this SIM]";
         if (row["default"].get<bool>())
             notes += notes.empty() ? "[default]" : " [default]";
-        std::printf("%3d  %-28s %-24s %-8s %s\n", row["number"].get<int>(),
-                    row["strAccount"].get<std::string>().c_str(), row["strApn"].get<std::string>().c_str(),
-                    row["strDialNum"].get<std::string>().c_str(), notes.c_str());
+        std::printf("%3d  %-28s %-24s %-8s %s\n", row["number"].get<int>(), text(row["name"]).c_str(),
+                    text(row["apn"]).c_str(), text(row["dial_number"]).c_str(), notes.c_str());
     }
     return EXIT_OK;
 }
@@ -158,7 +164,7 @@ int Add(CliContext& context, const NewProfile& input) {
     if (input.makeDefault)
         settings.setDefaultProfile(index);
     if (context.json)
-        PrintJson({{"strAccount", input.name}, {"default", input.makeDefault}});
+        PrintJson({{"name", input.name}, {"default", input.makeDefault}});
     else
         std::printf("Added \"%s\"%s\n", input.name.c_str(), input.makeDefault ? " as the default" : "");
     return EXIT_OK;
@@ -172,7 +178,7 @@ int SetDefault(CliContext& context, ProfileSettingsController& settings, const O
                            " (see \"dialtone profiles list\")");
     const QString name = list.profiles[number - 1].strAccount;
     if (context.json)
-        PrintJson({{"strAccount", name.toStdString()}, {"default", true}});
+        PrintJson({{"name", name.toStdString()}, {"default", true}});
     else
         std::printf("\"%s\" is the default profile\n", name.toUtf8().constData());
     return EXIT_OK;
@@ -188,7 +194,7 @@ int Delete(CliContext& context, ProfileSettingsController& settings, const Offer
         return ReportUsage("no profile number " + std::to_string(number) +
                            " (see \"dialtone profiles list\")");
     if (context.json)
-        PrintJson({{"strAccount", name.toStdString()}, {"deleted", true}});
+        PrintJson({{"name", name.toStdString()}, {"deleted", true}});
     else
         std::printf("Deleted \"%s\"\n", name.toUtf8().constData());
     return EXIT_OK;

@@ -10,10 +10,10 @@
 
 #include "ModemSession.h"
 #include "NumberArguments.h"
-#include "RecordJson.h"
 #include "SMS/MessageItem.h"
 #include "SMS/MessagesController.h"
 #include "SMS/SMSStorage.h"
+#include "ScriptJson.h"
 #include "TerminalText.h"
 
 namespace {
@@ -30,16 +30,34 @@ struct BoxArguments {
     std::vector<std::string> move; // N BOX
 };
 
+// The box's name on the command line, also in --json.
+nlohmann::json BoxName(const QString& type) {
+    for (const auto& [name, stored] : kBoxes) {
+        if (stored == type)
+            return name;
+    }
+    return nullptr;
+}
+
 void PrintBox(const CliContext& context, const QList<MessageItem>& items, const std::string& region) {
     if (context.json) {
         nlohmann::json list = nlohmann::json::array();
         int position = 0;
         for (const MessageItem& item : items) {
-            nlohmann::json entry = MapToJson(item.getMessageDictionary());
-            entry["index"] = ++position;
-            list.push_back(entry);
+            nlohmann::json numbers = nlohmann::json::array();
+            for (const QString& number : item.getNumbers())
+                numbers.push_back(number.toStdString());
+            list.push_back(
+                {{"index", ++position},
+                 {"box", BoxName(item.getBoxType())},
+                 {"numbers", numbers},
+                 {"time", IsoTime(item.getCreateTime())},
+                 {"text", item.getContent().toStdString()},
+                 {"status", TextOrNull(item.getTag().toLower())},
+                 {"storage", item.getStorage() == "LOCAL" ? nlohmann::json("computer")
+                                                          : TextOrNull(item.getStorage().toLower())}});
         }
-        PrintJson(list);
+        PrintJson({{"messages", list}});
         return;
     }
     int position = 0;

@@ -21,7 +21,7 @@
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "Service/ServiceSettings.h"
-#include "RecordJson.h"
+#include "ScriptDocuments.h"
 #include "SMS/MessagesController.h"
 #include "SMS/SMSStorage.h"
 #include "SMS/SmsPduText.h"
@@ -150,8 +150,8 @@ int List(const CliContext& context, ModemSession& session) {
     if (context.json) {
         json list = json::array();
         for (const BLSmsListItem& item : items)
-            list.push_back(VariantToJson(QVariant::fromValue(item)));
-        PrintJson(list);
+            list.push_back(MessageDocument(item));
+        PrintJson({{"messages", list}});
         return EXIT_OK;
     }
     const std::string region = RegionOfImsi(messages.imsi());
@@ -192,7 +192,7 @@ int Send(const CliContext& context, ModemSession& session, const std::string& ty
         std::fprintf(stderr, "dialtone: the copy for the sent box could not be written\n");
     if (context.json) {
         PrintJson(
-            {{"strNumber", number}, {"segments", segments}, {"report", report}, {"keptInSentBox", kept}});
+            {{"number", number}, {"segments", segments}, {"report", report}, {"kept_in_sent_box", kept}});
     } else if (segments == 1) {
         std::cout << "Sent to " << number << '\n';
     } else {
@@ -233,9 +233,7 @@ QString MessageIdentity(const BLSmsListItem& item) {
 
 void PrintEvent(const CliContext& context, const BLSmsListItem& item, const std::string& region) {
     if (context.json) {
-        std::cout
-            << VariantToJson(QVariant::fromValue(item)).dump(-1, ' ', false, json::error_handler_t::replace)
-            << '\n';
+        PrintJsonLine(MessageDocument(item));
     } else if (item.nType == SmsType::kStatusReport) {
         std::cout << "Delivery report from " << TerminalText(NumberForReading(item.strAddress, region))
                   << ": status " << item.nStatusReportStatus << " (message " << item.nRef << ")\n";
@@ -303,7 +301,7 @@ int Storage(const CliContext& context, ModemSession& session, const std::string&
         return failed;
     ServiceSettings::save(ServiceSettings::kStorageKey, storage);
     if (context.json)
-        PrintJson({{"storage", name}});
+        PrintJson({{"storage", name == "pc" ? "computer" : name}});
     else
         std::cout << "New messages are kept on the " << (name == "pc" ? "computer" : name) << '\n';
     return EXIT_OK;
@@ -322,7 +320,8 @@ int State(const CliContext& context, ModemSession& session) {
         }))
         return failed;
     if (context.json) {
-        PrintJson(VariantToJson(QVariant::fromValue(state)));
+        PrintJson({{"sim", {{"used", state.nSimUsed}, {"total", state.nSimTotal}}},
+                   {"modem", {{"used", state.nMeUsed}, {"total", state.nMeTotal}}}});
         return EXIT_OK;
     }
     std::printf("SIM:    %d of %d used\nModem:  %d of %d used\n", state.nSimUsed, state.nSimTotal,
@@ -351,7 +350,7 @@ int ServiceCentre(const CliContext& context, ModemSession& session, const std::s
         }))
         return failed;
     if (context.json)
-        PrintJson({{"strServiceCentre", current}});
+        PrintJson({{"service_centre", current.empty() ? json() : json(current)}});
     else
         std::cout << "Service centre: " << (current.empty() ? "-" : TerminalText(current)) << '\n';
     return EXIT_OK;
@@ -367,7 +366,8 @@ int Validity(const CliContext& context, ModemSession& session, const std::string
         return failed;
     ServiceSettings::save(ServiceSettings::kValidityKey, Q(code));
     if (context.json)
-        PrintJson(VariantToJson(QVariant::fromValue(period)));
+        PrintJson(
+            {{"validity", code}, {"weeks", period.bWeek}, {"days", period.bDay}, {"hours", period.bHour}});
     else
         std::cout << "Messages sent from now on are valid for " << code << '\n';
     return EXIT_OK;
@@ -427,7 +427,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
         // Showing the choice needs no modem.
         const std::string name = StorageName(Setting(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt());
         if (context.json)
-            PrintJson({{"storage", name}});
+            PrintJson({{"storage", name == "pc" ? "computer" : name}});
         else
             std::cout << "New messages are kept on the " << (name == "pc" ? "computer" : name) << '\n';
         context.exitCode = EXIT_OK;

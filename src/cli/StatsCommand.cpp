@@ -1,5 +1,7 @@
 #include "StatsCommand.h"
 
+#include "ScriptJson.h"
+
 #include <QDate>
 #include <QRegularExpression>
 
@@ -52,14 +54,10 @@ std::string DateText(const QDateTime& date) {
 }
 
 json DayCounters(const _TrafficStaticsItem& item) {
-    return {{TrafficStatics::kNoRoamingSendKey.toStdString(), item.noRoamingSendBytes},
-            {TrafficStatics::kNoRoamingReceiveKey.toStdString(), item.noRoamingReceiveBytes},
-            {TrafficStatics::kRoamingSendKey.toStdString(), item.roamingSendBytes},
-            {TrafficStatics::kRoamingReceiveKey.toStdString(), item.roamingReceiveBytes}};
-}
-
-json ResetDateJson(const QDateTime& date) {
-    return date.isValid() ? json(date.toString(Qt::ISODate).toStdString()) : json(nullptr);
+    return {{"sent_bytes", item.noRoamingSendBytes},
+            {"received_bytes", item.noRoamingReceiveBytes},
+            {"roaming_sent_bytes", item.roamingSendBytes},
+            {"roaming_received_bytes", item.roamingReceiveBytes}};
 }
 
 void PrintRow(const std::string& day, const _TrafficStaticsItem& item) {
@@ -92,18 +90,19 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
         json days = json::array();
         for (const StatisticsDayRow& row : range.rows) {
             json day = DayCounters(row.item);
-            day["day"] = row.strDay.toStdString();
+            // The history keeps its days as "yyyy/MM/dd"; scripts get ISO dates.
+            day["day"] = QString(row.strDay).replace('/', '-').toStdString();
             days.push_back(day);
         }
         PrintJson({{"from", from->toString(Qt::ISODate).toStdString()},
                    {"to", to->toString(Qt::ISODate).toStdString()},
                    {"days", days},
                    {"total", DayCounters(range.total)},
-                   {"sinceReset",
-                    {{TrafficStatics::kNoRoamingSendKey.toStdString(), since.sentBytes},
-                     {TrafficStatics::kNoRoamingReceiveKey.toStdString(), since.receivedBytes},
-                     {TrafficStatics::kConnectTimeKey.toStdString(), since.connectTimeSeconds},
-                     {TrafficStatics::kResetTimeKey.toStdString(), ResetDateJson(since.resetDate)}}}});
+                   {"since_reset",
+                    {{"sent_bytes", since.sentBytes},
+                     {"received_bytes", since.receivedBytes},
+                     {"connection_time", since.connectTimeSeconds},
+                     {"reset_time", IsoTime(since.resetDate)}}}});
         return EXIT_OK;
     }
 
@@ -133,8 +132,7 @@ int Reset(const CliContext& context, bool history) {
                              "the totals were reset, but the day history could not be deleted");
     const QDateTime resetDate = controller.sinceReset().resetDate;
     if (context.json) {
-        PrintJson({{TrafficStatics::kResetTimeKey.toStdString(), ResetDateJson(resetDate)},
-                   {"historyDeleted", history}});
+        PrintJson({{"reset_time", IsoTime(resetDate)}, {"history_deleted", history}});
     } else {
         std::printf("The totals since the last reset are zero now (reset on %s); the day history was %s.\n",
                     DateText(resetDate).c_str(), history ? "deleted" : "kept");

@@ -6,7 +6,8 @@
 #include "Connector/ConnectController.h"
 #include "Equipment/EquipmentController.h"
 #include "ModemSession.h"
-#include "RecordJson.h"
+#include "ScriptDocuments.h"
+#include "ScriptVocabulary.h"
 #include "StatusText.h"
 #include "TerminalText.h"
 #include "WorkNotification.h"
@@ -31,6 +32,27 @@ void PrintEquipment(const BLEquipmentInfo& info) {
     PrintField("Number:", Text(info.strMsisdn));
 }
 
+// The PIN counters come only with the separate SIM reading; without it the SIM's state is the
+// diagnosis's and the counters are unknown.
+nlohmann::json StatusDocument(const BLDiagInfo& diag, const BLPinCheckState* pin, int connectStatus) {
+    const BLEquipmentInfo equipment{diag.strManufacturer,   diag.strModel, diag.strRevision,
+                                    diag.strSerialNumber,   diag.strImsi,  diag.strMsisdn,
+                                    diag.strHardwareVersion};
+    const BLNetworkInfo network{
+        diag.nMode,     diag.nFormat, diag.strOperator, diag.nAcT,    0,
+        diag.strSpName, diag.nRssi,   diag.nRoamState,  diag.nBearer, diag.nGprsRegState};
+    nlohmann::json networkDocument = NetworkDocument(network);
+    networkDocument.update(RegistrationDocument(diag.nNormalRegState));
+    // +CGATT: 1 attached, 0 detached; the worker's 0 is "not read".
+    networkDocument["packet_attached"] =
+        diag.nPsAttachState == 0 ? nlohmann::json() : nlohmann::json(diag.nPsAttachState == 1);
+    BLPinCheckState sim{diag.nPinState, -1, -1};
+    return {{"modem", EquipmentDocument(equipment)},
+            {"sim", SimDocument(pin != nullptr ? *pin : sim)},
+            {"network", networkDocument},
+            {"connection", ConnectionName(connectStatus)}};
+}
+
 int Status(CliContext& context, ModemSession& session) {
     // The diagnosis request reads equipment, network and the four states in one go and always succeeds;
     // what the modem could not tell stays empty. The PIN counters and the connection come separately.
@@ -51,12 +73,7 @@ int Status(CliContext& context, ModemSession& session) {
         return gone;
 
     if (context.json) {
-        nlohmann::json document{{"diagInfo", VariantToJson(QVariant::fromValue(diag))},
-                                {"pinState", VariantToJson(QVariant::fromValue(pin))},
-                                {"connectStatus", connectStatus}};
-        if (!pinRead.ok())
-            document["pinState"] = {{"ERROR_CODE", pinRead.code}};
-        PrintJson(document);
+        PrintJson(StatusDocument(diag, pinRead.ok() ? &pin : nullptr, connectStatus));
         return EXIT_OK;
     }
 
@@ -93,7 +110,7 @@ int Info(CliContext& context, ModemSession& session) {
     if (const int gone = session.checkPresent("reading the equipment information"))
         return gone;
     if (context.json)
-        PrintJson(VariantToJson(QVariant::fromValue(info)));
+        PrintJson(EquipmentDocument(info));
     else
         PrintEquipment(info);
     return EXIT_OK;

@@ -1,5 +1,7 @@
 #include "StkCommand.h"
 
+#include "ScriptJson.h"
+
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -132,7 +134,7 @@ int Menu(CliContext& context, ModemSession& session) {
     if (const int failed = GetMenu(session, toolkit, menu))
         return failed;
     if (context.json)
-        PrintJson(CommandJson(menu));
+        PrintJson(ScriptKeys(CommandJson(menu)));
     else
         PrintCommand(menu);
     return EXIT_OK;
@@ -170,7 +172,7 @@ int Select(CliContext& context, ModemSession& session, const std::vector<std::st
     nlohmann::json shown = nlohmann::json::array();
     for (int texts = 0;; ++texts) {
         if (context.json)
-            shown.push_back(CommandJson(current));
+            shown.push_back(ScriptKeys(CommandJson(current)));
         else
             PrintCommand(current);
         if (current.nCommand != kDisplayText || texts == kMaxTextsFollowed)
@@ -181,7 +183,7 @@ int Select(CliContext& context, ModemSession& session, const std::vector<std::st
             return failed;
     }
     if (context.json)
-        PrintJson(shown);
+        PrintJson({{"commands", shown}});
     return EXIT_OK;
 }
 

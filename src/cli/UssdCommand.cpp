@@ -1,5 +1,7 @@
 #include "UssdCommand.h"
 
+#include <array>
+
 #include <unistd.h>
 
 #include <cstdio>
@@ -13,7 +15,7 @@
 #include "ModemLink.h"
 #include "ModemSession.h"
 #include "ModemTextCheck.h"
-#include "RecordJson.h"
+#include "ScriptJson.h"
 #include "TerminalText.h"
 #include "UssdRecords.h"
 
@@ -61,12 +63,21 @@ private:
     std::deque<BLUssdReceive> _answers;
 };
 
+// +CUSD: <m>,<str>,<dcs>: <m> as a word, with the number beside it.
+nlohmann::json UssdDocument(const BLUssdReceive& answer) {
+    static constexpr std::array<const char*, 6> results{
+        "done", "reply-wanted", "ended", "answered-elsewhere", "not-supported", "timed-out"};
+    const int code = answer.nReportType;
+    const bool known = code >= 0 && static_cast<std::size_t>(code) < results.size();
+    return {{"result", known ? results[static_cast<std::size_t>(code)] : "unknown"},
+            {"result_code", code},
+            {"text", TextOrNull(answer.strContent)}};
+}
+
 void PrintAnswer(const CliContext& context, const BLUssdReceive& answer) {
     // With --json one line per answer, as for every event command.
     if (context.json) {
-        std::cout << VariantToJson(QVariant::fromValue(answer))
-                         .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
-                  << std::endl;
+        PrintJsonLine(UssdDocument(answer));
     } else {
         std::printf("%s\n", TerminalText(answer.strContent, LineBreaks::Keep).c_str());
         std::fflush(stdout);
@@ -128,7 +139,7 @@ int Cancel(CliContext& context, ModemSession& session) {
     if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {}, "ending the dialogue"))
         return failed;
     if (context.json)
-        PrintJson({{"ERROR_CODE", 0}});
+        PrintJson({{"ok", true}});
     else
         std::printf("USSD dialogue ended\n");
     return EXIT_OK;

@@ -47,6 +47,9 @@ int main(int argc, char** argv) {
     app.add_flag("--no-service", context.noService,
                  "Open the modem in this process even when the modem service (dialtoned) is there");
     app.add_flag("--json", context.json, "Print one JSON document on standard output");
+    app.add_option("--output", context.output,
+                   "Output for scripts: json (as --json), or key=value (one \"key: value\" per line)")
+        ->check(CLI::IsMember({"json", "key=value"}));
     app.add_flag("--debug", context.debug, "Show the modem traffic and debug texts on standard error");
     app.add_option("--wait", context.waitSeconds, "How long event commands wait, in seconds")
         ->check(CLI::PositiveNumber);
@@ -76,6 +79,9 @@ int main(int argc, char** argv) {
             Translations::installWithApplication();
         context.simulate = app.count("--simulate") > 0;
         context.waitGiven = app.count("--wait") > 0;
+        if (!context.output.empty())
+            context.json = true;
+        SetScriptFormat(context.output == "key=value" ? ScriptFormat::KeyValue : ScriptFormat::Json);
     });
     try {
         app.parse(argc, argv);

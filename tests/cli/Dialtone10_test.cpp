@@ -22,9 +22,9 @@ Outcome RunWaiting(const SimulatedModem& modem, std::vector<std::string> argumen
 }
 
 // The entry at index in the tool's JSON list of contacts, or null.
-json Entry(const json& list, int store, int index) {
-    for (const json& item : list) {
-        if (item.value("nStore", -1) == store && item.value("nIndex", -1) == index)
+json Entry(const json& document, const std::string& store, int index) {
+    for (const json& item : document["contacts"]) {
+        if (item.value("storage", "") == store && item.value("index", -1) == index)
             return item;
     }
     return nullptr;
@@ -35,23 +35,21 @@ TEST(Dialtone10, ContactsAddUpdateDeleteOnBothPhonebooks) {
     ASSERT_TRUE(modem.ready());
     struct Row {
         const char* store;
-        int code;
         int firstFree; // of the scenario's phonebooks: SIM 1, 2, 4 in use; modem 1
     };
-    for (const Row& row : {Row{"sim", 0, 3}, Row{"modem", 1, 2}}) {
+    for (const Row& row : {Row{"sim", 3}, Row{"modem", 2}}) {
         SCOPED_TRACE(row.store);
         const Outcome added =
             RunWaiting(modem, {"--json", "contacts", "add", "Carla", "+491761112233", "--store", row.store});
         ASSERT_EQ(added.status, 0) << added.err;
-        EXPECT_EQ(json::parse(added.out, nullptr, false).value("VALUE_OBJECT", -1), row.firstFree)
-            << added.out;
+        EXPECT_EQ(json::parse(added.out, nullptr, false).value("index", -1), row.firstFree) << added.out;
 
         Outcome list = RunWaiting(modem, {"--json", "contacts", "list"});
         ASSERT_EQ(list.status, 0) << list.err;
-        json entry = Entry(json::parse(list.out, nullptr, false), row.code, row.firstFree);
+        json entry = Entry(json::parse(list.out, nullptr, false), row.store, row.firstFree);
         ASSERT_TRUE(entry.is_object()) << list.out;
-        EXPECT_EQ(entry["strName"], "Carla");
-        EXPECT_EQ(entry["strNumber"], "+491761112233");
+        EXPECT_EQ(entry["name"], "Carla");
+        EXPECT_EQ(entry["number"], "+491761112233");
 
         const std::string index = std::to_string(row.firstFree);
         const Outcome updated =
@@ -67,7 +65,7 @@ TEST(Dialtone10, ContactsAddUpdateDeleteOnBothPhonebooks) {
         ASSERT_EQ(deleted.status, 0) << deleted.err;
         list = RunWaiting(modem, {"--json", "contacts", "list"});
         ASSERT_EQ(list.status, 0) << list.err;
-        EXPECT_TRUE(Entry(json::parse(list.out, nullptr, false), row.code, row.firstFree).is_null())
+        EXPECT_TRUE(Entry(json::parse(list.out, nullptr, false), row.store, row.firstFree).is_null())
             << list.out;
     }
     // The simulator's phonebooks hold the scenario's entries again.
@@ -78,8 +76,8 @@ TEST(Dialtone10, ContactsAddUpdateDeleteOnBothPhonebooks) {
     const Outcome info = RunWaiting(modem, {"--json", "contacts", "info"});
     ASSERT_EQ(info.status, 0) << info.err;
     const json document = json::parse(info.out, nullptr, false);
-    EXPECT_EQ(document["storage"]["nSimTotal"], 250) << info.out;
-    EXPECT_EQ(document["constraint"]["nSimMaxNameLen"], 14) << info.out;
+    EXPECT_EQ(document["sim"]["total"], 250) << info.out;
+    EXPECT_EQ(document["sim"]["max_name_length"], 14) << info.out;
 }
 
 TEST(Dialtone10, ContactsUsageErrors) {
@@ -112,8 +110,8 @@ TEST(Dialtone10, UssdMenuDialogueOfTwoStepsThenCancel) {
     ASSERT_EQ(open.status, 0) << open.err;
     EXPECT_EQ(open.out.find('\n'), open.out.size() - 1) << open.out;
     const json answer = json::parse(open.out, nullptr, false);
-    EXPECT_EQ(answer["nReportType"], 1) << open.out;
-    EXPECT_EQ(answer["strContent"], "1 Balance\n2 Data options\n3 Tariff");
+    EXPECT_EQ(answer["result"], "reply-wanted") << open.out;
+    EXPECT_EQ(answer["text"], "1 Balance\n2 Data options\n3 Tariff");
     const json ussd = modem.dump()["ussd"];
     EXPECT_EQ(ussd["requests"], json({"*135#", "2", "1", "*135#"})) << ussd.dump();
     EXPECT_EQ(ussd["session"], false) << ussd.dump();

@@ -36,10 +36,10 @@ TEST(DialtoneAccount, ListsTheMenuOfTheSimsNetworkInTheLanguageOfTheEnvironment)
     const Outcome document = Dialtone({"--simulate", "--json", "account"});
     ASSERT_EQ(document.status, 0) << document.err;
     const json menu = json::parse(document.out);
-    EXPECT_EQ(menu["strImsi"].get<std::string>().rfind("26202", 0), 0u);
-    EXPECT_EQ(menu["nLanguageID"], 0);
+    EXPECT_EQ(menu["imsi"].get<std::string>().rfind("26202", 0), 0u);
+    EXPECT_EQ(menu["language_id"], 0);
     ASSERT_EQ(menu["groups"].size(), 3u);
-    EXPECT_EQ(menu["groups"][0]["items"][0]["buttons"][0]["strCode"], "*100#");
+    EXPECT_EQ(menu["groups"][0]["items"][0]["buttons"][0]["code"], "*100#");
 }
 
 TEST(DialtoneAccount, RunsAnEntryAndPrintsTheNetworksAnswer) {
@@ -57,16 +57,16 @@ TEST(DialtoneAccount, AnswersTheNetworksQuestionsWithReplies) {
         Dialtone({"--simulate", "--json", "account", "3", "1", "--reply", "2", "--reply", "1"});
     ASSERT_EQ(run.status, 0) << run.err;
     const json document = json::parse(run.out);
-    EXPECT_EQ(document["strCommand"], "*135#");
+    EXPECT_EQ(document["command"], "*135#");
     const json& steps = document["exchanges"];
     ASSERT_EQ(steps.size(), 3u) << run.out;
-    EXPECT_EQ(steps[0]["strContent"], "1 Balance\n2 Data options\n3 Tariff");
-    EXPECT_TRUE(steps[0]["bReplyRequested"]);
-    EXPECT_EQ(steps[1]["strCmdString"], "2");
-    EXPECT_TRUE(steps[1]["bReplyRequested"]);
-    EXPECT_EQ(steps[2]["strCmdString"], "1");
-    EXPECT_EQ(steps[2]["strContent"], "Day pass booked. Enjoy!");
-    EXPECT_FALSE(steps[2]["bReplyRequested"]);
+    EXPECT_EQ(steps[0]["answer"], "1 Balance\n2 Data options\n3 Tariff");
+    EXPECT_TRUE(steps[0]["reply_wanted"]);
+    EXPECT_EQ(steps[1]["sent"], "2");
+    EXPECT_TRUE(steps[1]["reply_wanted"]);
+    EXPECT_EQ(steps[2]["sent"], "1");
+    EXPECT_EQ(steps[2]["answer"], "Day pass booked. Enjoy!");
+    EXPECT_FALSE(steps[2]["reply_wanted"]);
 
     // Without a reply (no terminal) the question is shown and the dialogue ended.
     const Outcome unanswered = Dialtone({"--simulate", "account", "3", "1"});

@@ -36,7 +36,7 @@ TEST(DialtoneConnect, ConnectMonitorDisconnectAndTheDaysTraffic) {
 
     const Outcome status = world.run({"--json", "status"});
     ASSERT_EQ(status.status, 0) << status.err;
-    EXPECT_EQ(Parse(status.out).value("connectStatus", -9), 2) << status.out;
+    EXPECT_EQ(Parse(status.out).value("connection", ""), "connected") << status.out;
 
     // monitor shows the counters moving while the link carries data.
     std::atomic<bool> done{false};
@@ -55,15 +55,15 @@ TEST(DialtoneConnect, ConnectMonitorDisconnectAndTheDaysTraffic) {
     for (std::string line; std::getline(lines, line);)
         samples.push_back(Parse(line));
     ASSERT_GE(samples.size(), 2u) << monitor.out;
-    EXPECT_EQ(samples.front().value("connectStatus", -9), 2);
-    EXPECT_GT(samples.back().value("nReceivedBytes", 0ull), samples.front().value("nReceivedBytes", 0ull))
+    EXPECT_EQ(samples.front().value("connection", ""), "connected");
+    EXPECT_GT(samples.back().value("received_bytes", 0ull), samples.front().value("received_bytes", 0ull))
         << monitor.out;
-    EXPECT_GT(samples.back().value("nDurationSeconds", 0), 0);
+    EXPECT_GT(samples.back().value("duration", 0), 0);
 
     world.setCounters(4321, 98765);
     const Outcome disconnected = world.run({"--json", "disconnect"});
     ASSERT_EQ(disconnected.status, 0) << disconnected.err;
-    EXPECT_EQ(Parse(disconnected.out).value("nReceivedBytes", 0ull), 98765u) << disconnected.out;
+    EXPECT_EQ(Parse(disconnected.out).value("received_bytes", 0ull), 98765u) << disconnected.out;
     EXPECT_FALSE(world.linkRunning());
 
     // Nothing is left to end, and nothing more is recorded.
@@ -95,11 +95,11 @@ TEST(DialtoneConnect, ProfilesListAddDefaultDelete) {
     const json& rows = list["profiles"];
     ASSERT_GE(rows.size(), 2u);
     // The SIM's own profiles come first, the first of them the default; the user's follow.
-    EXPECT_TRUE(rows.front()["fromSim"].get<bool>());
+    EXPECT_TRUE(rows.front()["from_sim"].get<bool>());
     EXPECT_TRUE(rows.front()["default"].get<bool>());
     const json& office = rows.back();
-    EXPECT_EQ(office["strAccount"], "Office");
-    EXPECT_FALSE(office["fromSim"].get<bool>());
+    EXPECT_EQ(office["name"], "Office");
+    EXPECT_FALSE(office["from_sim"].get<bool>());
     const int officeNumber = office["number"].get<int>();
 
     const Outcome chosen = world.run({"profiles", "default", std::to_string(officeNumber)});
@@ -126,7 +126,7 @@ TEST(DialtoneConnect, ProfilesListAddDefaultDelete) {
     ASSERT_EQ(deleted.status, 0) << deleted.err;
     list = listed();
     for (const json& row : list["profiles"])
-        EXPECT_NE(row["strAccount"], "Office");
+        EXPECT_NE(row["name"], "Office");
 }
 
 TEST(DialtoneConnect, PasswordIsReadFromStandardInputNotTheCommandLine) {

@@ -27,7 +27,7 @@ TEST(DialtonePdu, DecodesWhatAModemPrints) {
         {{"pdu", "decode", "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37"},
          {"SMS-DELIVER", "+18005551212", "2011-01-01T12:34:56+00:00", "text:           hellohello"}},
         {{"--json", "pdu", "decode", "0791947101670000040D91945111325476F80008323041906235400A004800690020D83DDE00", "--tpdu-len", "30"},
-         {"\"wstrContent\": \"Hi \xF0\x9F\x98\x80\"", "\"szNumber\": \"+4915112345678\"", "\"nTpduType\": 0", "\"timeStamp\": \"2023-03-14T09:26:53+01:00\"", "\"nDcs\": 8"}},
+         {"\"content\": \"Hi \xF0\x9F\x98\x80\"", "\"number\": \"+4915112345678\"", "\"tpdu_type\": 0", "\"time_stamp\": \"2023-03-14T09:26:53+01:00\"", "\"dcs\": 8"}},
         {{"pdu", "decode", "07919730071111F10414D04937BD2C7797E9D3E614000811309291024061080442043504410442"},
          {"from:           InternetSMS", "text:           \xD1\x82\xD0\xB5\xD1\x81\xD1\x82"}},
         {{"pdu", "decode", "07914356060013F1065A098136397339F7219011700463802190117004638030"}, {"SMS-STATUS-REPORT", "0x30 (still trying)", "639337937"}},
@@ -55,8 +55,8 @@ TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
     for (std::size_t i = 0; i < segments.size(); ++i) {
         const Outcome decoded = RunDialtone({"--json", "pdu", "decode", segments[i]}, "");
         ASSERT_EQ(decoded.status, 0) << decoded.err;
-        EXPECT_NE(decoded.out.find("\"nDay\": 7"), std::string::npos) << decoded.out;
-        const std::string key = "\"wstrContent\": \"";
+        EXPECT_NE(decoded.out.find("\"day\": 7"), std::string::npos) << decoded.out;
+        const std::string key = "\"content\": \"";
         const std::size_t at = decoded.out.find(key);
         ASSERT_NE(at, std::string::npos);
         joined +=
@@ -69,8 +69,8 @@ TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
 
     const Outcome json = RunDialtone({"--json", "pdu", "encode", "0170", "\xD0\xB6"}, "");
     ASSERT_EQ(json.status, 0);
-    EXPECT_NE(json.out.find("\"nEncodeType\": 1"), std::string::npos) << json.out;
-    EXPECT_NE(json.out.find("\"strPdu\": \"00"), std::string::npos) << json.out;
+    EXPECT_NE(json.out.find("\"encoding_code\": 1"), std::string::npos) << json.out;
+    EXPECT_NE(json.out.find("\"pdu\": \"00"), std::string::npos) << json.out;
 }
 
 // Numbers as people type them: the destination field of the PDU (after first octet and reference).
@@ -100,7 +100,7 @@ TEST(DialtonePdu, FailuresAndUsageErrors) {
     struct Row { std::vector<std::string> arguments; int status; std::string out; std::string err; };
     const Row rows[] = {
         {{"pdu", "decode", "07912143658709F1XX"}, 1, "", "the PDU could not be decoded (result 1)"},
-        {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"ERROR_CODE\": 1,\n  \"error\": \"the PDU could not be decoded\"\n}\n", "could not be decoded"},
+        {{"--json", "pdu", "decode", "0791"}, 1, "{\n  \"error\": {\n    \"code\": 1,\n    \"message\": \"the PDU could not be decoded\"\n  }\n}\n", "could not be decoded"},
         {{"pdu", "encode", "*100#", "hi"}, 2, "", "'*100#' is a service code, not a phone number: use dialtone ussd '*100#'"},
         {{"pdu", "encode", "abc", "hi"}, 2, "", "letters are not allowed in a phone number"},
         {{"pdu", "encode", "0170 \xF0\x9F\x98\x80", "hi"}, 2, "", "is not a phone number"},

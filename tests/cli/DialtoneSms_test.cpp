@@ -71,16 +71,17 @@ TEST(DialtoneSms, LongTextGoesInPartsAndItsReportComesBack) {
     for (std::string line; std::getline(lines, line);) {
         const json item = Parse(line);
         ASSERT_TRUE(item.is_object()) << line;
-        report = report || (item.value("nType", -1) == 2 && item.value("strAddress", "") == "+491701234567");
+        report = report ||
+                 (item.value("type", "") == "status-report" && item.value("number", "") == "+491701234567");
     }
     EXPECT_TRUE(report) << watched.out;
 
     // A copy stays in the sent box.
     const Outcome box = modem.run({"--json", "sms", "sent"});
     ASSERT_EQ(box.status, 0) << box.err;
-    const json kept = Parse(box.out);
+    const json kept = Parse(box.out)["messages"];
     ASSERT_EQ(kept.size(), 1u) << box.out;
-    EXPECT_EQ(kept[0]["CONTENT"], text);
+    EXPECT_EQ(kept[0]["text"], text);
 }
 
 TEST(DialtoneSms, PartsDeliveredOutOfOrderListAsOneMessage) {
@@ -92,11 +93,11 @@ TEST(DialtoneSms, PartsDeliveredOutOfOrderListAsOneMessage) {
 
     const Outcome listed = modem.run({"--json", "sms", "list"});
     ASSERT_EQ(listed.status, 0) << listed.err;
-    const json items = Parse(listed.out);
+    const json items = Parse(listed.out)["messages"];
     ASSERT_EQ(items.size(), 1u) << listed.out;
-    EXPECT_EQ(items[0]["strContent"], text);
-    EXPECT_EQ(items[0]["strAddress"], "+4915112345678");
-    EXPECT_NE(items[0]["nCompleted"], 0);
+    EXPECT_EQ(items[0]["text"], text);
+    EXPECT_EQ(items[0]["number"], "+4915112345678");
+    EXPECT_EQ(items[0]["complete"], true);
 }
 
 // Runs the tool while another thread waits for a command starting with commandStart to reach the modem,
@@ -142,8 +143,8 @@ TEST(DialtoneSms, WatchShowsAMessageDeliveredInPartsOnceWhole) {
     for (std::string line; std::getline(lines, line);)
         events.push_back(Parse(line));
     ASSERT_EQ(events.size(), 1u) << watched.out;
-    EXPECT_EQ(events[0]["strContent"], text);
-    EXPECT_EQ(events[0]["strAddress"], "+4915112345678");
+    EXPECT_EQ(events[0]["text"], text);
+    EXPECT_EQ(events[0]["number"], "+4915112345678");
 }
 
 // A byte that a terminal would act on: C0 controls but the line feed, DEL, and C1 controls in UTF-8.
@@ -158,7 +159,7 @@ bool HasRawControl(const std::string& out) {
 }
 
 // A sender's escape sequences (window title, clear screen, C1 CSI, DEL, NUL) are shown as placeholders in
-// the listings and kept exact in --json.
+// the listings, kept exact in --json and escaped in --output key=value.
 TEST(DialtoneSms, EscapeSequencesInAMessageNeverReachTheTerminal) {
     const std::string hostile = "A\x1b]0;owned\aB\x1b[2JC\302\23331mD\177E\0F"s;
     const std::string shown = "A\u241b]0;owned\u2407B\u241b[2JC\ufffd31mD\u2421E\u2400F";
@@ -175,9 +176,13 @@ TEST(DialtoneSms, EscapeSequencesInAMessageNeverReachTheTerminal) {
     ASSERT_EQ(listed.status, 0) << listed.err;
     EXPECT_FALSE(HasRawControl(listed.out)) << listed.out;
     EXPECT_NE(listed.out.find(shown), std::string::npos) << listed.out;
-    const json items = Parse(modem.run({"--json", "sms", "list"}).out);
+    const json items = Parse(modem.run({"--json", "sms", "list"}).out)["messages"];
     ASSERT_EQ(items.size(), 1u);
-    EXPECT_EQ(items[0]["strContent"], hostile);
+    EXPECT_EQ(items[0]["text"], hostile);
+    const Outcome values = modem.run({"--output", "key=value", "sms", "list"});
+    EXPECT_FALSE(HasRawControl(values.out)) << values.out;
+    EXPECT_NE(values.out.find("A\\x1b]0;owned\\x07B\\x1b[2JC\\u009b31mD\\x7fE\\x00F\n"), std::string::npos)
+        << values.out;
 }
 
 TEST(DialtoneSms, FullSimAsPreferredStorageMovesTheMessageToTheComputer) {
@@ -192,12 +197,12 @@ TEST(DialtoneSms, FullSimAsPreferredStorageMovesTheMessageToTheComputer) {
     for (int run = 0; run < 2; ++run) {
         const Outcome listed = modem.run({"--json", "sms", "list"});
         ASSERT_EQ(listed.status, 0) << listed.err;
-        const json items = Parse(listed.out);
+        const json items = Parse(listed.out)["messages"];
         ASSERT_EQ(items.size(), 2u) << listed.out;
         int onComputer = 0;
         for (const json& item : items) {
-            if (item["strContent"] == "New in the modem") {
-                EXPECT_EQ(item["nStoreIn"], 4) << "run " << run;
+            if (item["text"] == "New in the modem") {
+                EXPECT_EQ(item["storage"], "computer") << "run " << run;
                 ++onComputer;
             }
         }
@@ -216,7 +221,7 @@ TEST(DialtoneSms, EmptyStorageListsNothing) {
     EXPECT_EQ(text.out, "");
     const Outcome document = modem.run({"--json", "sms", "list"});
     EXPECT_EQ(document.status, 0) << document.err;
-    EXPECT_EQ(Parse(document.out), json::array());
+    EXPECT_EQ(Parse(document.out), json({{"messages", json::array()}}));
 }
 
 // Typed numbers are sent in the SIM's country's E.164 form; what is not a number sends nothing.
@@ -255,18 +260,18 @@ TEST(DialtoneSms, DraftIsAddedMovedToTheArchiveAndDeleted) {
         all.insert(all.end(), arguments.begin(), arguments.end());
         const Outcome run = modem.run(all);
         EXPECT_EQ(run.status, 0) << run.err;
-        return Parse(run.out);
+        return Parse(run.out)["messages"];
     };
     const json drafts = box({"drafts", "--add", "+491701234567", "See you at 8"});
     ASSERT_EQ(drafts.size(), 1u) << drafts.dump();
-    EXPECT_EQ(drafts[0]["CONTENT"], "See you at 8");
-    EXPECT_EQ(drafts[0]["NUMBERS"], json::array({"+491701234567"}));
-    EXPECT_EQ(drafts[0]["BOX"], "DRAFTDBOX");
+    EXPECT_EQ(drafts[0]["text"], "See you at 8");
+    EXPECT_EQ(drafts[0]["numbers"], json::array({"+491701234567"}));
+    EXPECT_EQ(drafts[0]["box"], "drafts");
 
     EXPECT_EQ(box({"drafts", "--move", "1", "archive"}), json::array());
     const json archived = box({"archive"});
     ASSERT_EQ(archived.size(), 1u) << archived.dump();
-    EXPECT_EQ(archived[0]["CONTENT"], "See you at 8");
+    EXPECT_EQ(archived[0]["text"], "See you at 8");
     EXPECT_EQ(box({"archive", "--delete", "1"}), json::array());
     EXPECT_EQ(box({"drafts"}), json::array());
 
@@ -300,7 +305,7 @@ TEST(DialtoneSms, WatchShowsEveryMessageOfABurstOnce) {
     std::map<std::string, int> shown;
     std::istringstream lines(watched.out);
     for (std::string line; std::getline(lines, line);)
-        ++shown[Parse(line).value("strContent", "")];
+        ++shown[Parse(line).value("text", "")];
     EXPECT_EQ(shown.size(), static_cast<size_t>(kMessages));
     for (int i = 0; i < kMessages; ++i)
         EXPECT_EQ(shown["burst " + std::to_string(i)], 1) << i;

@@ -86,27 +86,28 @@ TEST(DialtoneStats, JsonRangeThenResetThenDeleteHistory) {
 
     nlohmann::json shown = Parse(RunDialtone(query, home.path).out);
     ASSERT_EQ(shown["days"].size(), 2u) << shown.dump();
-    EXPECT_EQ(shown["days"][0]["day"], "2024/01/31");
-    EXPECT_EQ(shown["days"][0]["ROAMING RECEIVEBYTES"], 400);
-    EXPECT_EQ(shown["days"][1]["day"], "2024/02/02");
-    EXPECT_EQ(shown["total"]["NOROAMING SENDBYTES"], 2148);
-    EXPECT_EQ(shown["total"]["NOROAMING RECEIVEBYTES"], 1736);
-    EXPECT_EQ(shown["sinceReset"]["NOROAMING RECEIVEBYTES"], 1048576);
-    EXPECT_EQ(shown["sinceReset"]["CONNECTTIME"], 3661);
+    EXPECT_EQ(shown["days"][0]["day"], "2024-01-31");
+    EXPECT_EQ(shown["days"][0]["roaming_received_bytes"], 400);
+    EXPECT_EQ(shown["days"][1]["day"], "2024-02-02");
+    EXPECT_EQ(shown["total"]["sent_bytes"], 2148);
+    EXPECT_EQ(shown["total"]["received_bytes"], 1736);
+    EXPECT_EQ(shown["since_reset"]["received_bytes"], 1048576);
+    EXPECT_EQ(shown["since_reset"]["connection_time"], 3661);
+    EXPECT_EQ(shown["since_reset"]["reset_time"], "2024-01-15T08:00:00+00:00");
 
     Outcome reset = RunDialtone({"stats", "reset"}, home.path);
     ASSERT_EQ(reset.status, 0) << reset.err;
     EXPECT_NE(reset.out.find("day history was kept"), std::string::npos) << reset.out;
     shown = Parse(RunDialtone(query, home.path).out);
-    EXPECT_EQ(shown["sinceReset"]["NOROAMING SENDBYTES"], 0);
-    EXPECT_EQ(shown["sinceReset"]["CONNECTTIME"], 0);
-    EXPECT_TRUE(shown["sinceReset"]["RESETTIME"].is_string());
-    EXPECT_NE(shown["sinceReset"]["RESETTIME"], "2024-01-15T08:00:00Z");
+    EXPECT_EQ(shown["since_reset"]["sent_bytes"], 0);
+    EXPECT_EQ(shown["since_reset"]["connection_time"], 0);
+    EXPECT_TRUE(shown["since_reset"]["reset_time"].is_string());
+    EXPECT_NE(shown["since_reset"]["reset_time"], "2024-01-15T08:00:00+00:00");
     EXPECT_EQ(shown["days"].size(), 2u);
 
     reset = RunDialtone({"--json", "stats", "reset", "--history"}, home.path);
     ASSERT_EQ(reset.status, 0) << reset.err;
-    EXPECT_EQ(Parse(reset.out)["historyDeleted"], true);
+    EXPECT_EQ(Parse(reset.out)["history_deleted"], true);
     shown = Parse(RunDialtone(query, home.path).out);
     EXPECT_TRUE(shown["days"].empty()) << shown.dump();
 }

@@ -24,8 +24,8 @@ Outcome RunWaiting(const SimulatedModem& modem, std::vector<std::string> argumen
 std::vector<std::pair<int, std::string>> Commands(const json& list) {
     std::vector<std::pair<int, std::string>> commands;
     for (const json& command : list) {
-        const json& text = command["strText"];
-        commands.emplace_back(command.value("nCommand", -1), text.is_string() ? text.get<std::string>() : "");
+        const json& text = command["text"];
+        commands.emplace_back(command.value("command", -1), text.is_string() ? text.get<std::string>() : "");
     }
     return commands;
 }
@@ -41,10 +41,9 @@ TEST(DialtoneStkCallGps, ToolkitMenuAndSelections) {
     const Outcome menuJson = RunWaiting(modem, {"--json", "stk", "menu"});
     ASSERT_EQ(menuJson.status, 0) << menuJson.err;
     const json document = clitest::Parse(menuJson.out);
-    EXPECT_EQ(document["nCommand"], 17) << menuJson.out;
-    ASSERT_EQ(document["lstItems"].size(), 3u) << menuJson.out;
-    EXPECT_EQ(document["lstItems"][1],
-              (json{{"class", "BLSatMenuItem"}, {"nItemId", 2}, {"strText", "Games"}}));
+    EXPECT_EQ(document["command"], 17) << menuJson.out;
+    ASSERT_EQ(document["items"].size(), 3u) << menuJson.out;
+    EXPECT_EQ(document["items"][1], (json{{"item_id", 2}, {"text", "Games"}}));
 
     const struct {
         std::vector<std::string> items;
@@ -66,7 +65,7 @@ TEST(DialtoneStkCallGps, ToolkitMenuAndSelections) {
         arguments.insert(arguments.end(), row.items.begin(), row.items.end());
         const Outcome selected = RunWaiting(modem, arguments);
         ASSERT_EQ(selected.status, 0) << selected.err;
-        EXPECT_EQ(Commands(clitest::Parse(selected.out)), row.shown) << selected.out;
+        EXPECT_EQ(Commands(clitest::Parse(selected.out)["commands"]), row.shown) << selected.out;
         const json responses = modem.dump()["stk"]["responses"];
         ASSERT_EQ(responses.size(), answered + row.answers.size()) << responses.dump();
         for (std::size_t i = 0; i < row.answers.size(); ++i)
@@ -91,11 +90,11 @@ TEST(DialtoneStkCallGps, DialListDtmfAndHangUp) {
 
     const Outcome list = RunWaiting(modem, {"--json", "call", "list"});
     ASSERT_EQ(list.status, 0) << list.err;
-    const json calls = clitest::Parse(list.out);
+    const json calls = clitest::Parse(list.out)["calls"];
     ASSERT_EQ(calls.size(), 1u) << list.out;
-    EXPECT_EQ(calls[0]["strNumber"], "+491701234567");
-    EXPECT_EQ(calls[0]["nDir"], 0);
-    EXPECT_EQ(calls[0]["nState"], 0);
+    EXPECT_EQ(calls[0]["number"], "+491701234567");
+    EXPECT_EQ(calls[0]["direction"], "outgoing");
+    EXPECT_EQ(calls[0]["state"], "active");
 
     // A bad key is a usage error and no key reaches the modem; good keys go one by one.
     const struct {
@@ -135,7 +134,7 @@ TEST(DialtoneStkCallGps, GpsOnAndOff) {
         SCOPED_TRACE(word);
         const Outcome switched = RunWaiting(modem, {"--json", "gps", word});
         ASSERT_EQ(switched.status, 0) << switched.err;
-        EXPECT_EQ(clitest::Parse(switched.out), (json{{"ERROR_CODE", 0}}));
+        EXPECT_EQ(clitest::Parse(switched.out), (json{{"gps", on}}));
         EXPECT_EQ(modem.dump()["gps"], on);
     }
 }

@@ -18,7 +18,7 @@ TEST(ServiceApi, StatusStartsTheServiceWhichAnswersRequestsAndProperties) {
 
     const clitest::Outcome status = world.dialtone({"--json", "status"});
     ASSERT_EQ(status.status, 0) << status.err;
-    EXPECT_EQ(clitest::Parse(status.out)["diagInfo"]["strSpName"], "Vodafone.de") << status.out;
+    EXPECT_EQ(clitest::Parse(status.out)["network"]["provider_name"], "Vodafone.de") << status.out;
     EXPECT_GT(world.servicePid(), 0) << "the bus did not start the service";
 
     const QDBusMessage reply =

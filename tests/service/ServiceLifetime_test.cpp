@@ -102,7 +102,7 @@ TEST(ServiceClients, AClientKilledInTheMiddleLeavesTheServiceWorking) {
         EXPECT_TRUE(WaitFor([&] { return world.property(QStringLiteral("Clients")) == 0u; }, 10s));
         const clitest::Outcome next = world.dialtone({"--json", "status"});
         EXPECT_EQ(next.status, 0) << next.err;
-        EXPECT_EQ(clitest::Parse(next.out)["diagInfo"]["strSpName"], "Vodafone.de") << next.out;
+        EXPECT_EQ(clitest::Parse(next.out)["network"]["provider_name"], "Vodafone.de") << next.out;
     }
 }
 
@@ -134,7 +134,7 @@ TEST(ServiceLife, AServiceKilledIsStartedAgainByTheNextClient) {
 
     const clitest::Outcome status = world.dialtone({"--json", "status"});
     EXPECT_EQ(status.status, 0) << status.err;
-    EXPECT_EQ(clitest::Parse(status.out)["diagInfo"]["strSpName"], "Vodafone.de") << status.out;
+    EXPECT_EQ(clitest::Parse(status.out)["network"]["provider_name"], "Vodafone.de") << status.out;
     const pid_t restarted = world.servicePid();
     EXPECT_GT(restarted, 0);
     EXPECT_NE(restarted, killed);
@@ -195,7 +195,7 @@ TEST(ServiceFallback, PortsNamedForTheToolAreOpenedByTheToolItself) {
         environment.insert(environment.end(), row.environment.begin(), row.environment.end());
         const clitest::Outcome status = Child(row.arguments, environment).finish();
         EXPECT_EQ(status.status, 0) << status.err;
-        EXPECT_EQ(clitest::Parse(status.out)["diagInfo"]["strSpName"], "Vodafone.de") << status.out;
+        EXPECT_EQ(clitest::Parse(status.out)["network"]["provider_name"], "Vodafone.de") << status.out;
     }
     EXPECT_EQ(world.servicePid(), -1) << "the bus started the service for a tool with its own ports";
 }
@@ -239,17 +239,17 @@ TEST(ServiceLife, ALinkOutlivesTheServiceAndTheNextOneFindsItsCounters) {
     // Another process follows the link from the service's reports.
     const clitest::Outcome monitor = world.dialtone({"--json", "--wait", "2.5", "monitor"});
     EXPECT_EQ(monitor.status, 0) << monitor.err;
-    EXPECT_NE(monitor.out.find("\"nReceivedBytes\":5000"), std::string::npos) << monitor.out;
+    EXPECT_NE(monitor.out.find("\"received_bytes\":5000"), std::string::npos) << monitor.out;
 
     const pid_t killed = world.servicePid();
     kill(killed, SIGKILL);
     ASSERT_TRUE(world.waitForServiceExit(killed, 10s));
     const clitest::Outcome status = world.dialtone({"--json", "status"});
-    EXPECT_EQ(clitest::Parse(status.out).value("connectStatus", -9), 2) << status.out << status.err;
+    EXPECT_EQ(clitest::Parse(status.out).value("connection", ""), "connected") << status.out << status.err;
     EXPECT_TRUE(WaitFor(received, 10s));
     const clitest::Outcome disconnected = world.dialtone({"--json", "disconnect"});
     EXPECT_EQ(disconnected.status, 0) << disconnected.err;
-    EXPECT_EQ(clitest::Parse(disconnected.out).value("nReceivedBytes", 0ull), 5000u) << disconnected.out;
+    EXPECT_EQ(clitest::Parse(disconnected.out).value("received_bytes", 0ull), 5000u) << disconnected.out;
     EXPECT_TRUE(WaitFor([&] { return world.property(QStringLiteral("ConnectionState")) == "disconnected"; }, 10s));
 }
 
