@@ -74,14 +74,14 @@ int main(int argc, char** argv) {
     // The debug sink must point where it belongs before any command runs.
     app.parse_complete_callback([&context, &app] {
         SetDebugSink(context.debug ? stderr : nullptr);
-        // Text for people in their language; output for scripts (--json, and any other machine format) never.
-        if (!context.json)
-            Translations::installWithApplication();
         context.simulate = app.count("--simulate") > 0;
         context.waitGiven = app.count("--wait") > 0;
         if (!context.output.empty())
             context.json = true;
         SetScriptFormat(context.output == "key=value" ? ScriptFormat::KeyValue : ScriptFormat::Json);
+        // Text for people in their language; output for scripts (--json, --output) never.
+        if (!context.json)
+            Translations::installWithApplication();
     });
     try {
         app.parse(argc, argv);
