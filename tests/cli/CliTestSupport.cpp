@@ -62,10 +62,10 @@ Outcome RunDialtone(const std::vector<std::string>& args, const std::string& hom
     const auto locale = [](const auto& variable) {
         return variable.first.rfind("LANG", 0) == 0 || variable.first.rfind("LC_", 0) == 0;
     };
-    if (std::none_of(extraEnv.begin(), extraEnv.end(), locale))
-        command += " LANGUAGE= LC_ALL=C.UTF-8"; // the tool's English texts, whatever the user's language
     if (!home.empty())
         command += " -u XDG_DATA_HOME -u XDG_CONFIG_HOME -u XDG_STATE_HOME HOME=" + Quote(home);
+    if (std::none_of(extraEnv.begin(), extraEnv.end(), locale))
+        command += " LANGUAGE= LC_ALL=C.UTF-8"; // the tool's English texts, whatever the user's language
     for (const auto& [name, value] : extraEnv) {
         if (!value.empty())
             command += " " + Quote(name + "=" + value);
