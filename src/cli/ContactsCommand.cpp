@@ -1,9 +1,11 @@
 #include "ContactsCommand.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <memory>
 
+#include "CommandLine.h"
 #include "Contacts/ContactsController.h"
 #include "ModemSession.h"
 #include "ModemTextCheck.h"
@@ -194,7 +196,7 @@ void AddStoreOption(CLI::App* command, ContactsArguments& arguments) {
         ->check(CLI::IsMember({"sim", "modem"}));
     command->add_option("INDEX", arguments.index, "The entry's index")
         ->required()
-        ->check(CLI::PositiveNumber);
+        ->check(WholeNumber(1, INT_MAX));
 }
 
 } // namespace

@@ -153,7 +153,7 @@ bool ModemSession::open() {
 
     if (_context.simulate) {
         std::string error;
-        if (!_simulator.start(_context.scenario, _context.debug, error)) {
+        if (!_simulator.start(_context.scenario, false, error)) {
             _context.exitCode = ReportFailure(_context, WORKER_ERR_NO_DATA_DEVICE, error);
             return false;
         }

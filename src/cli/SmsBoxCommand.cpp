@@ -1,5 +1,6 @@
 #include "SmsBoxCommand.h"
 
+#include <climits>
 #include <cstdlib>
 #include <iostream>
 #include <map>
@@ -8,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "CommandLine.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "RecordJson.h"
@@ -126,7 +128,7 @@ void AddSmsBoxCommands(CLI::App& sms, CliContext& context) {
                         ->type_name("NUMBER TEXT");
         auto* remove = command->add_option("--delete", arguments->remove, "Delete the Nth message")
                            ->type_name("N")
-                           ->check(CLI::PositiveNumber);
+                           ->check(WholeNumber(1, INT_MAX));
         auto* move = command->add_option("--move", arguments->move, "Move the Nth message to another box")
                          ->expected(2)
                          ->type_name("N BOX");

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <functional>
@@ -18,6 +19,7 @@
 #include <optional>
 
 #include "BLRecords.h"
+#include "CommandLine.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "Service/ServiceSettings.h"
@@ -408,7 +410,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
     });
 
     CLI::App* remove = sms->add_subcommand("delete", "Delete a message (its ID from sms list)");
-    remove->add_option("ID", arguments->id, "The message's ID")->required()->check(CLI::NonNegativeNumber);
+    remove->add_option("ID", arguments->id, "The message's ID")->required()->check(WholeNumber(0, INT_MAX));
     remove->callback([&context, arguments, run] {
         run([&](ModemSession& s) { return Delete(context, s, arguments->id); });
     });

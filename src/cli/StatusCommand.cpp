@@ -9,6 +9,7 @@
 #include "RecordJson.h"
 #include "StatusText.h"
 #include "TerminalText.h"
+#include "Units.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -77,7 +78,7 @@ int Status(CliContext& context, ModemSession& session) {
     PrintField("Registration:",
                RegistrationText(diag.nNormalRegState) + ", packet " + RegistrationText(diag.nGprsRegState));
     PrintField("Roaming:", ServiceStateText(diag.nRoamState));
-    PrintField("Signal:", SignalText(diag.nRssi));
+    PrintField("Signal:", SignalLevelText(diag.nRssi, ReadSignalDbm(session.link())));
     PrintField("Bearer:", BearerText(diag.nBearer));
     PrintField("Connection:", ConnectStatusText(connectStatus));
     return EXIT_OK;

@@ -38,6 +38,8 @@ expected=(
     share/dialtone/AccountData/Default.dat
     share/dialtone/modemsim/scenarios/default.json
     share/man/man1/dialtone.1
+    share/bash-completion/completions/dialtone
+    share/zsh/site-functions/_dialtone
     share/man/man1/dialtone-modemsim.1
     share/applications/dialtone.desktop
     share/icons/hicolor/scalable/apps/dialtone.svg
