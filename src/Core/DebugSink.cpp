@@ -170,11 +170,15 @@ std::string TrafficLines(std::string_view timeOfDay, char direction, std::string
         if (end == std::string_view::npos)
             end = text.size();
         if (end > at) {
-            std::string line = MaskSecrets(text.substr(at, end - at));
-            // Control characters from a confused modem would garble the terminal.
-            for (char& c : line) {
-                if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
-                    c = '.';
+            // Control characters (the Ctrl-Z ending a message, a confused modem's escapes) in caret
+            // notation, so that they cannot garble the terminal.
+            std::string line;
+            for (const char c : MaskSecrets(text.substr(at, end - at))) {
+                const auto byte = static_cast<unsigned char>(c);
+                if (byte < 0x20 || byte == 0x7f)
+                    line.append(1, '^').append(1, static_cast<char>(byte ^ 0x40));
+                else
+                    line.push_back(c);
             }
             out.append(timeOfDay)
                 .append(1, ' ')
