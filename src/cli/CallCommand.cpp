@@ -155,7 +155,7 @@ int Dial(CliContext& context, ModemSession& session, const std::string& typed) {
         if (std::chrono::steady_clock::now() >= deadline) {
             return ReportFailure(context, 2,
                                  number + " did not answer within " +
-                                     std::to_string(static_cast<long>(context.waitSeconds)) +
+                                     QString::number(context.waitSeconds).toStdString() +
                                      " seconds; \"dialtone call hangup\" ends the call");
         }
         QThread::msleep(kListPollMs);

@@ -5,6 +5,7 @@
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <sstream>
 
 #include "CliSupport.h"
 
@@ -134,19 +135,15 @@ int ReportUnknownCommand(const UnknownCommand& unknown) {
     return EXIT_USAGE;
 }
 
-CLI::Validator WholeNumber(long min, long max, const std::string& unit) {
-    const std::string range = max == INT_MAX ? ", " + std::to_string(min) + " or more"
-                                             : (unit.empty() ? "" : " of " + unit) + " from " +
-                                                   std::to_string(min) + " to " + std::to_string(max);
+CLI::Validator WholeNumber(long min) {
+    const std::string range = "must be a whole number, " + std::to_string(min) + " or more";
     return CLI::Validator(
-        [min, max, range](std::string& text) {
+        [min, range](std::string& text) {
             char* end = nullptr;
             errno = 0;
             const long value = std::strtol(text.c_str(), &end, 10);
-            const bool whole = !text.empty() && end != nullptr && *end == '\0' && errno == 0;
-            return whole && value >= min && value <= max
-                       ? std::string()
-                       : "must be a whole number" + range + ", not '" + text + "'";
+            const bool read = !text.empty() && end != nullptr && *end == '\0' && errno == 0;
+            return read && value >= min && value <= INT_MAX ? std::string() : range + ", not '" + text + "'";
         },
         "");
 }
@@ -157,4 +154,21 @@ std::string UsageText(const CLI::ParseError& error) {
     if (colon != std::string::npos)
         text.erase(colon, 1);
     return text;
+}
+
+CLI::Validator Seconds(double min, double max) {
+    const auto number = [](double value) {
+        std::ostringstream text;
+        text << value;
+        return text.str();
+    };
+    const std::string range = "must be a number of seconds from " + number(min) + " to " + number(max);
+    return CLI::Validator(
+        [min, max, range](std::string& text) {
+            char* end = nullptr;
+            const double value = std::strtod(text.c_str(), &end);
+            const bool read = !text.empty() && end != nullptr && *end == '\0';
+            return read && value >= min && value <= max ? std::string() : range + ", not '" + text + "'";
+        },
+        "");
 }

@@ -9,8 +9,9 @@
 // How the tool reads its command line beyond what CLI11 does by itself: global options anywhere on the
 // line, and a word that names no command answered with the commands it is near.
 
-// The longest --wait: a day (the waits count milliseconds in an int, which ends at 24 days).
-constexpr long kMaxWaitSeconds = 86400;
+// --wait: from a tenth of a second to a day (the waits count milliseconds in an int, which ends at 24 days).
+constexpr double kMinWaitSeconds = 0.1;
+constexpr double kMaxWaitSeconds = 86400;
 
 // Lets every command and sub-command hand the options it does not know to the tool itself, so that
 // "dialtone status --json" reads as "dialtone --json status". Call before the commands are added: each
@@ -37,9 +38,10 @@ int ReportUnknownCommand(const UnknownCommand& unknown);
 // A parse error in words for ReportUsage: "--wait must be ..." rather than "--wait: must be ...".
 std::string UsageText(const CLI::ParseError& error);
 
-// Accepts a whole number from min to max and names the range in words when refused: "must be a whole number
-// of seconds from 1 to 86400", "must be a whole number, 1 or more" (max = INT_MAX); unit may be empty.
-CLI::Validator WholeNumber(long min, long max, const std::string& unit = {});
+// Accepts a whole number from min up and says so when refused: "must be a whole number, 1 or more".
+CLI::Validator WholeNumber(long min);
+// Accepts seconds from min to max, fractions too: "must be a number of seconds from 0.1 to 86400".
+CLI::Validator Seconds(double min, double max);
 
 // The visible commands of a family, in the order they were added.
 std::vector<std::string> CommandNames(const CLI::App& family);

@@ -1,7 +1,6 @@
 #include "ContactsCommand.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdio>
 #include <memory>
 
@@ -196,7 +195,7 @@ void AddStoreOption(CLI::App* command, ContactsArguments& arguments) {
         ->check(CLI::IsMember({"sim", "modem"}));
     command->add_option("INDEX", arguments.index, "The entry's index")
         ->required()
-        ->check(WholeNumber(1, INT_MAX));
+        ->check(WholeNumber(1));
 }
 
 } // namespace

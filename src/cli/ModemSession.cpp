@@ -171,6 +171,9 @@ bool ModemSession::open() {
     if (!_context.noService)
         transport = BusTransport::forSessionBus();
     _context.viaService = transport != nullptr;
+    if (_context.viaService && _context.debug)
+        std::fprintf(stderr, "dialtone: the modem service (dialtoned) talks to the modem; --debug shows the "
+                             "traffic of this process only\n");
     _link = std::make_unique<ModemLink>(nullptr, std::move(transport));
     TheWatchdog().arm(kOpenDeadlineSeconds + 10, "starting the modem", _context.json, _simulator.pid(),
                       _simulator.devDir());

@@ -1,6 +1,5 @@
 #include "SmsBoxCommand.h"
 
-#include <climits>
 #include <cstdlib>
 #include <iostream>
 #include <map>
@@ -128,7 +127,7 @@ void AddSmsBoxCommands(CLI::App& sms, CliContext& context) {
                         ->type_name("NUMBER TEXT");
         auto* remove = command->add_option("--delete", arguments->remove, "Delete the Nth message")
                            ->type_name("N")
-                           ->check(WholeNumber(1, INT_MAX));
+                           ->check(WholeNumber(1));
         auto* move = command->add_option("--move", arguments->move, "Move the Nth message to another box")
                          ->expected(2)
                          ->type_name("N BOX");

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <functional>
@@ -410,7 +409,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
     });
 
     CLI::App* remove = sms->add_subcommand("delete", "Delete a message (its ID from sms list)");
-    remove->add_option("ID", arguments->id, "The message's ID")->required()->check(WholeNumber(0, INT_MAX));
+    remove->add_option("ID", arguments->id, "The message's ID")->required()->check(WholeNumber(0));
     remove->callback([&context, arguments, run] {
         run([&](ModemSession& s) { return Delete(context, s, arguments->id); });
     });

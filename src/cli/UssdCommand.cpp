@@ -103,7 +103,7 @@ int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& ar
         if (!answer) {
             return ReportFailure(context, 2,
                                  "no answer from the network within " +
-                                     std::to_string(static_cast<long>(context.waitSeconds)) + " seconds");
+                                     QString::number(context.waitSeconds).toStdString() + " seconds");
         }
         if (answer->nReportType == BLUssdReceive::kNotSupported) {
             return ReportFailure(context, 1, "the network does not offer " + arguments.code);

@@ -51,7 +51,7 @@ int main(int argc, char** argv) {
     app.add_flag("--json", context.json, "Print one JSON document on standard output");
     app.add_flag("--debug", context.debug, "Show the modem traffic and debug texts on standard error");
     app.add_option("--wait", context.waitSeconds, "How long event commands wait, in seconds")
-        ->check(WholeNumber(1, kMaxWaitSeconds, "seconds"))
+        ->check(Seconds(kMinWaitSeconds, kMaxWaitSeconds))
         ->type_name("SECONDS");
     AddCompletionOption(app);
 
