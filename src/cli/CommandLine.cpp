@@ -52,10 +52,22 @@ const CLI::App* VisibleCommand(const CLI::App& family, const std::string& word) 
     return nullptr;
 }
 
+// Help without the "{}" that marks a flag taking its value after "=" only (--simulate{}).
+class HelpFormat : public CLI::Formatter {
+public:
+    std::string make_option_name(const CLI::Option* option, bool positional) const override {
+        std::string name = CLI::Formatter::make_option_name(option, positional);
+        for (std::size_t at = name.find("{}"); at != std::string::npos; at = name.find("{}"))
+            name.erase(at, 2);
+        return name;
+    }
+};
+
 } // namespace
 
-void AcceptGlobalOptionsAnywhere(CLI::App& app) {
+void PrepareCommandLine(CLI::App& app) {
     app.fallthrough();
+    app.formatter(std::make_shared<HelpFormat>());
 }
 
 std::vector<std::string> NearWords(const std::string& word, const std::vector<std::string>& candidates) {

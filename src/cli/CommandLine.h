@@ -14,9 +14,9 @@ constexpr double kMinWaitSeconds = 0.1;
 constexpr double kMaxWaitSeconds = 86400;
 
 // Lets every command and sub-command hand the options it does not know to the tool itself, so that
-// "dialtone status --json" reads as "dialtone --json status". Call before the commands are added: each
-// command takes the setting from its parent when it is made.
-void AcceptGlobalOptionsAnywhere(CLI::App& app);
+// "dialtone status --json" reads as "dialtone --json status", and gives them the tool's help format. Call
+// before the commands are added: each command takes both from its parent when it is made.
+void PrepareCommandLine(CLI::App& app);
 
 // The commands of a family within reach of a mistyped word: those it begins, and those a few edits away
 // (a swap of two neighbours counts as one), nearest first.

@@ -36,7 +36,7 @@ int main(int argc, char** argv) {
     CLI::App app("Dialtone: a connection manager for USB 3G/HSPA modems", "dialtone");
     app.set_version_flag("--version", "dialtone " DIALTONE_CLI_VERSION);
     app.require_subcommand(1);
-    AcceptGlobalOptionsAnywhere(app);
+    PrepareCommandLine(app);
 
     CliContext context;
     if (const char* devDir = std::getenv("DIALTONE_DEV_DIR"))
