@@ -85,13 +85,26 @@ std::string TreeFunction(const CLI::App& app) {
 }
 
 // "_dialtone_words PATH KIND": the command's own options (or those that take a value) and the tool's.
+// "_dialtone_offer CUR PREV": the words that may stand at the cursor, or "-/" when a folder is wanted.
 const char* const kWords = R"SH(_dialtone_words() {
     _dialtone_tree "$1" "$2"
     [[ -n $1 ]] && echo " $(_dialtone_tree "" "$2")"
 }
+_dialtone_offer() {
+    case " $(_dialtone_words "$_dialtone_path" valued) " in
+    *" $2 "*)
+        if [[ $2 == --dev-dir ]]; then echo -/; else _dialtone_tree "$_dialtone_path" "$2"; fi ;;
+    *)
+        if [[ $1 == -* ]]; then
+            _dialtone_words "$_dialtone_path" options
+        else
+            echo "$(_dialtone_tree "$_dialtone_path" commands) $(_dialtone_tree "$_dialtone_path" values)"
+        fi ;;
+    esac
+}
 )SH";
 
-// Sets path (the command the words so far name) and skips option values; the word list is "$@".
+// Sets _dialtone_path (the command the words so far name) and skips option values; the words are "$@".
 const char* const kWalk = R"SH(_dialtone_walk() {
     _dialtone_path=""
     local skip=0 w
@@ -108,25 +121,12 @@ const char* const kWalk = R"SH(_dialtone_walk() {
 }
 )SH";
 
+// A list separated by commas ("gsm900,umts2100") is completed one name at a time.
 const char* const kBashMain = R"SH(_dialtone() {
-    local cur="${COMP_WORDS[COMP_CWORD]}" prev="${COMP_WORDS[COMP_CWORD-1]}" list
+    local cur="${COMP_WORDS[COMP_CWORD]}" head="" list
     _dialtone_walk "${COMP_WORDS[@]:1:COMP_CWORD-1}"
-    COMPREPLY=()
-    case " $(_dialtone_words "$_dialtone_path" valued) " in
-    *" $prev "*)
-        [[ $prev == --dev-dir ]] && COMPREPLY=($(compgen -d -- "$cur")) && return
-        list="$(_dialtone_tree "$_dialtone_path" "$prev")"
-        ;;
-    *)
-        if [[ $cur == -* ]]; then
-            list="$(_dialtone_words "$_dialtone_path" options)"
-        else
-            list="$(_dialtone_tree "$_dialtone_path" commands) $(_dialtone_tree "$_dialtone_path" values)"
-        fi
-        ;;
-    esac
-    # A list separated by commas ("gsm900,umts2100") is completed one name at a time.
-    local head=""
+    list="$(_dialtone_offer "$cur" "${COMP_WORDS[COMP_CWORD-1]}")"
+    if [[ $list == -/ ]]; then COMPREPLY=($(compgen -d -- "$cur")); return; fi
     [[ $cur == *,* && $cur != -* ]] && head="${cur%,*}," && cur="${cur##*,}"
     COMPREPLY=($(compgen -P "$head" -W "$list" -- "$cur"))
 }
@@ -134,22 +134,10 @@ complete -F _dialtone dialtone
 )SH";
 
 const char* const kZshMain = R"SH(_dialtone_main() {
-    local cur="${words[CURRENT]}" prev="${words[CURRENT-1]}" list head=""
+    local cur="${words[CURRENT]}" head="" list
     _dialtone_walk "${(@)words[2,CURRENT-1]}"
-    case " $(_dialtone_words "$_dialtone_path" valued) " in
-    *" $prev "*)
-        if [[ $prev == --dev-dir ]]; then _files -/; return; fi
-        list="$(_dialtone_tree "$_dialtone_path" "$prev")"
-        ;;
-    *)
-        if [[ $cur == -* ]]; then
-            list="$(_dialtone_words "$_dialtone_path" options)"
-        else
-            list="$(_dialtone_tree "$_dialtone_path" commands) $(_dialtone_tree "$_dialtone_path" values)"
-        fi
-        ;;
-    esac
-    # A list separated by commas ("gsm900,umts2100") is completed one name at a time.
+    list="$(_dialtone_offer "$cur" "${words[CURRENT-1]}")"
+    if [[ $list == -/ ]]; then _files -/; return; fi
     if [[ $cur == *,* && $cur != -* ]]; then head="${cur%,*},"; fi
     compadd -p "$head" -- ${=list}
 }

@@ -16,9 +16,9 @@
 #include "ContactsCommand.h"
 #include "CoreDumps.h"
 #include "DebugSink.h"
-#include "DoctorCommand.h"
 #include "GpsCommand.h"
 #include "NetworkCommand.h"
+#include "DoctorCommand.h"
 #include "PduCommand.h"
 #include "PinCommand.h"
 #include "ProfilesCommand.h"
@@ -49,7 +49,7 @@ int main(int argc, char** argv) {
     app.add_flag("--no-service", context.noService,
                  "Open the modem in this process even when the modem service (dialtoned) is there");
     app.add_flag("--json", context.json, "Print one JSON document on standard output");
-    app.add_flag("--debug", context.debug, "Show the modem traffic and debug texts on standard error");
+    app.add_flag("--debug", context.debug, "Show the AT traffic with the modem on standard error");
     app.add_option("--wait", context.waitSeconds, "How long event commands wait, in seconds")
         ->check(Seconds(kMinWaitSeconds, kMaxWaitSeconds))
         ->type_name("SECONDS");
