@@ -31,6 +31,7 @@ TEST(DialtoneCommandLine, GlobalOptionsAnywhereAndSettingsByName) {
     const struct { std::vector<std::string> args; const char* out; const char* err; } rows[] = {
         {{"status", "--json"}, "\"diagInfo\"", ""},
         {{"network", "--json", "reg"}, "\"nState\"", ""},
+        {{"network", "info"}, "Signal:          4/5 (-78 dBm)\n", ""},
         {{"ussd", "*100#", "--wait", "15"}, "Your balance is 12.34 EUR", ""},
         {{"network", "band"}, "band: all\n", ""},
         {{"network", "band", "GSM900,umts2100"}, "band set to GSM 900, UMTS 2100\n", ""},
