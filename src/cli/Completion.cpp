@@ -161,14 +161,13 @@ std::string ZshCompletion(const CLI::App& app) {
 }
 
 void AddCompletionOption(CLI::App& app) {
-    app.add_option_function<std::string>(
-           "--completion",
-           [&app](const std::string& shell) {
-               const std::string script = shell == "bash" ? BashCompletion(app) : ZshCompletion(app);
-               std::fwrite(script.data(), 1, script.size(), stdout);
-               throw CLI::Success();
-           },
-           "Print the completion script for the shell (bash or zsh) and end")
-        ->check(CLI::IsMember({"bash", "zsh"}))
-        ->type_name("SHELL");
+    const auto print = [&app](const std::string& shell) {
+        const std::string script = shell == "bash" ? BashCompletion(app) : ZshCompletion(app);
+        std::fwrite(script.data(), 1, script.size(), stdout);
+        throw CLI::Success();
+    };
+    CLI::Option* option = app.add_option_function<std::string>(
+        "--completion", print, "Print the completion script for the shell (bash or zsh) and end");
+    option->check(CLI::IsMember({"bash", "zsh"}))->type_name("SHELL");
+    OfferValues(option, {"bash", "zsh"});
 }
