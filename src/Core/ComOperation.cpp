@@ -188,6 +188,19 @@ int32_t ComOperation::writeCom(const char* szCmd, const char* szExpected, int32_
         DebugPrint("Write Failed in write com");
         return 6;
     }
+    // With the traffic shown, what is read goes out a whole line at a time.
+    const bool blTap = TrafficTapOn();
+    std::string strTapped;
+    if (blTap)
+        TrafficTap('>', szCmd);
+    const auto tapRead = [&](const char* data, size_t size, bool blLast) {
+        if (!blTap)
+            return;
+        strTapped.append(data, size);
+        const size_t nEnd = blLast ? strTapped.size() : strTapped.find_last_of('\n') + 1;
+        TrafficTap('<', std::string_view(strTapped).substr(0, nEnd));
+        strTapped.erase(0, nEnd);
+    };
 
     const bool blCallSetup = IsCallSetup(szCmd);
     std::array<char, kReadBufferSize> buffer;
@@ -207,11 +220,14 @@ int32_t ComOperation::writeCom(const char* szCmd, const char* szExpected, int32_
         if (nRead < 1)
             continue;
         // Text up to the first NUL; a full buffer has none, so bound it by the count read.
-        strData.append(buffer.data(), strnlen(buffer.data(), static_cast<size_t>(nRead)));
+        const size_t nText = strnlen(buffer.data(), static_cast<size_t>(nRead));
+        strData.append(buffer.data(), nText);
+        tapRead(buffer.data(), nText, false);
 
         if (!stringHasSuffix(strData.c_str(), kLineDelimiter)) {
             // The text prompt of AT+CMGS is "\r\n> " with no line end after it.
             if (strData.find('>') != std::string::npos) {
+                tapRead(nullptr, 0, true);
                 DebugPrint("need input text!!");
                 strResponse = strData;
                 return 0;
@@ -232,6 +248,7 @@ int32_t ComOperation::writeCom(const char* szCmd, const char* szExpected, int32_
         }
     }
 
+    tapRead(nullptr, 0, true);
     DebugPrint("---Time out---!!");
     if (++g_nTimeOutCount <= kTimeOutsBeforeReopen)
         return 8;

@@ -2,12 +2,15 @@
 
 #include <atomic>
 #include <cctype>
+#include <chrono>
 #include <cstdarg>
+#include <ctime>
 #include <mutex>
 #include <string>
 
 namespace {
 std::atomic<std::FILE*> g_sink{stdout};
+std::atomic<std::FILE*> g_trafficSink{nullptr};
 std::mutex g_sinkMutex;
 
 struct SecretCommand {
@@ -148,5 +151,62 @@ void DebugPrint(const char* format, ...) {
 
     std::lock_guard<std::mutex> lock(g_sinkMutex);
     std::fwrite(text.data(), 1, text.size(), sink);
+    std::fflush(sink);
+}
+
+void SetTrafficSink(std::FILE* stream) {
+    g_trafficSink.store(stream);
+}
+
+bool TrafficTapOn() {
+    return g_trafficSink.load(std::memory_order_relaxed) != nullptr;
+}
+
+std::string TrafficLines(std::string_view timeOfDay, char direction, std::string_view text) {
+    std::string out;
+    size_t at = 0;
+    while (at < text.size()) {
+        size_t end = text.find_first_of("\r\n", at);
+        if (end == std::string_view::npos)
+            end = text.size();
+        if (end > at) {
+            // Control characters (the Ctrl-Z ending a message, a confused modem's escapes) in caret
+            // notation, so that they cannot garble the terminal.
+            std::string line;
+            for (const char c : MaskSecrets(text.substr(at, end - at))) {
+                const auto byte = static_cast<unsigned char>(c);
+                if (byte < 0x20 || byte == 0x7f)
+                    line.append(1, '^').append(1, static_cast<char>(byte ^ 0x40));
+                else
+                    line.push_back(c);
+            }
+            out.append(timeOfDay)
+                .append(1, ' ')
+                .append(1, direction)
+                .append(1, ' ')
+                .append(line)
+                .append(1, '\n');
+        }
+        at = end + 1;
+    }
+    return out;
+}
+
+void TrafficTap(char direction, std::string_view text) {
+    std::FILE* sink = g_trafficSink.load();
+    if (sink == nullptr || text.empty())
+        return;
+    const auto now = std::chrono::system_clock::now();
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+    const auto millis =
+        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    char timeOfDay[16];
+    std::snprintf(timeOfDay, sizeof(timeOfDay), "%02d:%02d:%02d.%03d", local.tm_hour, local.tm_min,
+                  local.tm_sec, static_cast<int>(millis));
+    const std::string lines = TrafficLines(timeOfDay, direction, text);
+    std::lock_guard<std::mutex> lock(g_sinkMutex);
+    std::fwrite(lines.data(), 1, lines.size(), sink);
     std::fflush(sink);
 }

@@ -22,3 +22,14 @@ void DebugPrint(const char* format, ...) __attribute__((format(printf, 1, 2)));
 //   AT+CPWD="SC","1234","4321" -> AT+CPWD="SC","****","****"
 // Every log line and debug text passes through it.
 std::string MaskSecrets(std::string_view text);
+
+// The modem traffic: what the channel writes to the port and reads from it, one line per AT line, with the
+// local time of day, secrets masked. Off (nullptr) by default; the command-line tool's --debug points it at
+// standard error. When off, a tap costs one atomic load.
+void SetTrafficSink(std::FILE* stream);
+bool TrafficTapOn();
+// direction '>' for text written to the modem, '<' for text read from it. The text may hold several lines
+// or a line's end only; each non-empty line is shown once, its line ends dropped.
+void TrafficTap(char direction, std::string_view text);
+// The shown lines for the text at the given time of day ("12:03:04.123 > AT+CPIN=\"****\"\n" per line).
+std::string TrafficLines(std::string_view timeOfDay, char direction, std::string_view text);

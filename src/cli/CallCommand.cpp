@@ -170,7 +170,8 @@ int Dial(CliContext& context, ModemSession& session, const std::string& typed) {
         }
         if (std::chrono::steady_clock::now() >= deadline) {
             return ReportFailure(context, 2,
-                                 number + " did not answer within " + std::to_string(context.waitSeconds) +
+                                 number + " did not answer within " +
+                                     QString::number(context.waitSeconds).toStdString() +
                                      " seconds; \"dialtone call hangup\" ends the call");
         }
         QThread::msleep(kListPollMs);

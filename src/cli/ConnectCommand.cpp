@@ -23,6 +23,7 @@
 #include "SimProfiles.h"
 #include "Statistics/TrafficStatics.h"
 #include "StatusText.h"
+#include "Units.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -158,7 +159,7 @@ BLConnectStatistics SampleOf(const Notification& notification) {
 }
 
 std::string Bytes(quint64 bytes) {
-    return (ConvertUtilty::byte2String(bytes) + QStringLiteral("B")).toStdString();
+    return ByteText(bytes);
 }
 
 void PrintSample(const CliContext& context, int state, const Notification& notification) {
@@ -172,9 +173,9 @@ void PrintSample(const CliContext& context, int state, const Notification& notif
         PrintJsonLine(line);
     } else {
         std::printf("%-13s %s  sent %s  received %s  up %s  down %s\n", ConnectStatusText(state).c_str(),
-                    ConvertUtilty::secondToTimeFormat(sample.nDurationSeconds).toUtf8().constData(),
-                    Bytes(sample.nSentBytes).c_str(), Bytes(sample.nReceivedBytes).c_str(),
-                    up.toUtf8().constData(), down.toUtf8().constData());
+                    DurationText(sample.nDurationSeconds).c_str(), Bytes(sample.nSentBytes).c_str(),
+                    Bytes(sample.nReceivedBytes).c_str(), RateText(sample.nSentBPS).c_str(),
+                    RateText(sample.nReceivedBPS).c_str());
     }
     std::fflush(stdout);
 }
@@ -272,8 +273,7 @@ int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, b
     });
     OnStatistics(&controller, [&](const Notification& n) {
         if (controller.connectState() == ConnectController::kConnecting)
-            ReportProgress("connecting... " +
-                           ConvertUtilty::secondToTimeFormat(SampleOf(n).nDurationSeconds).toStdString());
+            ReportProgress("connecting... " + DurationText(SampleOf(n).nDurationSeconds));
     });
     CatchInterrupts();
     bool hangingUp = false;
@@ -341,8 +341,8 @@ int Disconnect(CliContext& context, ConnectorRun& run) {
             PrintJson(done);
         } else {
             std::printf("Disconnected after %s: sent %s, received %s\n",
-                        ConvertUtilty::secondToTimeFormat(last.nDurationSeconds).toUtf8().constData(),
-                        Bytes(last.nSentBytes).c_str(), Bytes(last.nReceivedBytes).c_str());
+                        DurationText(last.nDurationSeconds).c_str(), Bytes(last.nSentBytes).c_str(),
+                        Bytes(last.nReceivedBytes).c_str());
         }
         run.finish(EXIT_OK);
     });

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "CommandLine.h"
 #include "Contacts/ContactsController.h"
 #include "ModemSession.h"
 #include "ModemTextCheck.h"
@@ -197,7 +198,7 @@ void AddStoreOption(CLI::App* command, ContactsArguments& arguments) {
         ->check(CLI::IsMember({"sim", "modem"}));
     command->add_option("INDEX", arguments.index, "The entry's index")
         ->required()
-        ->check(CLI::PositiveNumber);
+        ->check(WholeNumber(1));
 }
 
 } // namespace

@@ -150,7 +150,7 @@ bool ModemSession::open() {
 
     if (_context.simulate) {
         std::string error;
-        if (!_simulator.start(_context.scenario, _context.debug, error)) {
+        if (!_simulator.start(_context.scenario, false, error)) {
             _context.exitCode = ReportFailure(_context, WORKER_ERR_NO_DATA_DEVICE, error);
             return false;
         }
@@ -168,6 +168,9 @@ bool ModemSession::open() {
     if (!_context.noService)
         transport = BusTransport::forSessionBus();
     _context.viaService = transport != nullptr;
+    if (_context.viaService && _context.debug)
+        std::fprintf(stderr, "dialtone: the modem service (dialtoned) talks to the modem; --debug shows the "
+                             "traffic of this process only\n");
     _link = std::make_unique<ModemLink>(nullptr, std::move(transport));
     TheWatchdog().arm(kOpenDeadlineSeconds + 10, "starting the modem", _context.json, _simulator.pid(),
                       _simulator.devDir());

@@ -4,33 +4,41 @@
 #include <memory>
 #include <optional>
 
+#include "Completion.h"
 #include "ModemSession.h"
 #include "Network/NetworkController.h"
+#include "RadioNames.h"
 #include "ScriptDocuments.h"
-#include "ScriptVocabulary.h"
 #include "StatusText.h"
 #include "TerminalText.h"
+#include "Units.h"
 
 namespace {
 
 struct NetworkArguments {
     std::string plmn;
     std::optional<int> act;
-    std::optional<int> value;
+    std::string value;
+};
+
+// How a setting is typed and shown.
+struct SettingNames {
+    std::optional<int> (*parse)(const std::string& text, std::string& error);
+    std::string (*text)(int value);
+    std::vector<std::string> (*names)();
 };
 
 std::string Text(const QString& text) {
     return text.isEmpty() ? "-" : TerminalText(text);
 }
 
-// "band": the modem's band mask; "mode": the mode by name with its code.
-nlohmann::json SettingDocument(const std::string& label, int value) {
-    if (label == "mode")
-        return {{"mode", ModeName(value)}, {"mode_code", value}};
-    return {{label + "_code", value}};
+// {"band": "GSM 900, UMTS 2100", "band_code": 6292224}, {"mode": "3g-preferred", "mode_code": 1}: the
+// names as the command takes them, the modem's number beside them.
+nlohmann::json SettingDocument(const std::string& label, const SettingNames& names, int value) {
+    return {{label, names.text(value)}, {label + "_code", value}};
 }
 
-void ShowInfo(const BLNetworkInfo& info) {
+void ShowInfo(const BLNetworkInfo& info, int dbm) {
     std::printf("Operator:        %s\n", TerminalText(OperatorText(info.strOperator, {})).c_str());
     if (!info.strSpName.isNull())
         std::printf("Provider:        %s\n", Text(info.strSpName).c_str());
@@ -40,7 +48,7 @@ void ShowInfo(const BLNetworkInfo& info) {
                                              : ("mode " + std::to_string(info.nMode)).c_str());
     std::printf("Technology:      %s\n", AccessTechnologyText(info.nAcT).c_str());
     std::printf("Roaming:         %s\n", ServiceStateText(info.nRoamState).c_str());
-    std::printf("Signal:          %s\n", SignalText(info.nRssi).c_str());
+    std::printf("Signal:          %s\n", SignalLevelText(info.nRssi, dbm).c_str());
     std::printf("Bearer:          %s\n", BearerText(info.nBearer).c_str());
     std::printf("Packet service:  %s\n", RegistrationText(info.nGprsState).c_str());
 }
@@ -81,28 +89,38 @@ int Select(CliContext& context, ModemSession& session, const BLNetworkSet& selec
     return EXIT_OK;
 }
 
-// "band"/"mode": reads the value, or sets it when one is given. Printed as the modem's number.
+// "band"/"mode": reads the value, or sets it when one is given; by name, or as the modem's number.
 template <typename Value>
 void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<NetworkArguments>& arguments,
-                const char* label, void (NetworkController::*read)(),
+                const char* label, const SettingNames& names, void (NetworkController::*read)(),
                 void (NetworkController::*readDone)(const Outcome&, Value),
                 void (NetworkController::*set)(Value), void (NetworkController::*setDone)(const Outcome&)) {
     CLI::App* sub = network.add_subcommand(label, std::string("Show the ") + label + ", or set it to VALUE");
-    sub->add_option("VALUE", arguments->value, std::string("The new ") + label);
+    OfferValues(
+        sub->add_option("VALUE", arguments->value, std::string("The new ") + label + ": a name or number"),
+        names.names());
     sub->callback([=, &context] {
+        std::optional<int> wanted;
+        if (!arguments->value.empty()) {
+            std::string error;
+            if (!(wanted = names.parse(arguments->value, error))) {
+                context.exitCode = ReportUsage(error);
+                return;
+            }
+        }
         context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
             NetworkController controller(s.link());
-            if (arguments->value) {
+            if (wanted) {
                 const std::string what = std::string("setting the ") + label;
-                const auto value = static_cast<Value>(*arguments->value);
+                const auto value = static_cast<Value>(*wanted);
                 const auto [outcome] = s.await(
                     controller, setDone, [&] { (controller.*set)(value); }, what);
                 if (const int failed = s.check(outcome, what))
                     return failed;
                 if (context.json)
-                    PrintJson(SettingDocument(label, *arguments->value));
+                    PrintJson(SettingDocument(label, names, *wanted));
                 else
-                    std::printf("%s set to %d\n", label, *arguments->value);
+                    std::printf("%s set to %s\n", label, names.text(*wanted).c_str());
                 return EXIT_OK;
             }
             const std::string what = std::string("reading the ") + label;
@@ -111,9 +129,9 @@ void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<Ne
             if (const int failed = s.check(outcome, what))
                 return failed;
             if (context.json)
-                PrintJson(SettingDocument(label, static_cast<int>(value)));
+                PrintJson(SettingDocument(label, names, static_cast<int>(value)));
             else
-                std::printf("%s: %d\n", label, static_cast<int>(value));
+                std::printf("%s: %s\n", label, names.text(static_cast<int>(value)).c_str());
             return EXIT_OK;
         });
     });
@@ -138,7 +156,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
             if (context.json)
                 PrintJson(NetworkDocument(info));
             else
-                ShowInfo(info);
+                ShowInfo(info, ReadSignalDbm(s.link()));
             return EXIT_OK;
         });
     });
@@ -193,12 +211,12 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
         });
     });
 
-    AddSetting<NetworkBand>(*network, context, arguments, "band", &NetworkController::readBand,
-                            &NetworkController::bandRead, &NetworkController::setBand,
-                            &NetworkController::bandSet);
-    AddSetting<NetworkMode>(*network, context, arguments, "mode", &NetworkController::readMode,
-                            &NetworkController::modeRead, &NetworkController::setMode,
-                            &NetworkController::modeSet);
+    AddSetting<NetworkBand>(*network, context, arguments, "band", {ParseBand, BandText, BandNames},
+                            &NetworkController::readBand, &NetworkController::bandRead,
+                            &NetworkController::setBand, &NetworkController::bandSet);
+    AddSetting<NetworkMode>(*network, context, arguments, "mode", {ParseMode, ModeText, ModeNames},
+                            &NetworkController::readMode, &NetworkController::modeRead,
+                            &NetworkController::setMode, &NetworkController::modeSet);
 
     network->add_subcommand("reg", "Registration state")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {

@@ -78,8 +78,3 @@ std::string OperatorStatusName(int status) {
     return Word(words, status);
 }
 
-std::string ModeName(int mode) {
-    static constexpr std::array<const char*, 5> words{"automatic", "3g-preferred", "2g-only", "2g-preferred",
-                                                      "3g-only"};
-    return Word(words, mode);
-}

@@ -26,5 +26,3 @@ std::string TechnologyName(int act);
 std::string BearerName(int bearer);
 // +COPS=? <stat>: "unknown", "available", "current", "forbidden".
 std::string OperatorStatusName(int status);
-// Network mode: "automatic", "3g-preferred", "2g-only", "2g-preferred", "3g-only".
-std::string ModeName(int mode);

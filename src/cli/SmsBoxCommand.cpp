@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "CommandLine.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "SMS/MessageItem.h"
@@ -144,7 +145,7 @@ void AddSmsBoxCommands(CLI::App& sms, CliContext& context) {
                         ->type_name("NUMBER TEXT");
         auto* remove = command->add_option("--delete", arguments->remove, "Delete the Nth message")
                            ->type_name("N")
-                           ->check(CLI::PositiveNumber);
+                           ->check(WholeNumber(1));
         auto* move = command->add_option("--move", arguments->move, "Move the Nth message to another box")
                          ->expected(2)
                          ->type_name("N BOX");

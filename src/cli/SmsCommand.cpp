@@ -18,6 +18,7 @@
 #include <optional>
 
 #include "BLRecords.h"
+#include "CommandLine.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
 #include "Service/ServiceSettings.h"
@@ -408,7 +409,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
     });
 
     CLI::App* remove = sms->add_subcommand("delete", "Delete a message (its ID from sms list)");
-    remove->add_option("ID", arguments->id, "The message's ID")->required()->check(CLI::NonNegativeNumber);
+    remove->add_option("ID", arguments->id, "The message's ID")->required()->check(WholeNumber(0));
     remove->callback([&context, arguments, run] {
         run([&](ModemSession& s) { return Delete(context, s, arguments->id); });
     });

@@ -14,6 +14,7 @@
 #include "ApplicationShell.h"
 #include "ConvertUtilty.h"
 #include "Statistics/StatisticsController.h"
+#include "Units.h"
 
 namespace {
 
@@ -44,9 +45,8 @@ std::optional<QDate> ParseDay(const std::string& text) {
     return date.isValid() ? std::optional<QDate>(date) : std::nullopt;
 }
 
-// As the statistics view shows a count: "1023 B", "1.5 KB", "2.000 GB".
 std::string Bytes(quint64 bytes) {
-    return (ConvertUtilty::byte2String(bytes) + QStringLiteral("B")).toStdString();
+    return ByteText(bytes);
 }
 
 std::string DateText(const QDateTime& date) {
@@ -118,7 +118,7 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
                 since.resetDate.isValid() ? ("Since the last reset on " + DateText(since.resetDate)).c_str()
                                           : "Since the first use (never reset)",
                 Bytes(since.sentBytes).c_str(), Bytes(since.receivedBytes).c_str(),
-                qPrintable(ConvertUtilty::secondToTimeFormat(since.connectTimeSeconds)));
+                DurationText(since.connectTimeSeconds).c_str());
     return EXIT_OK;
 }
 

@@ -10,6 +10,7 @@
 #include "ScriptVocabulary.h"
 #include "StatusText.h"
 #include "TerminalText.h"
+#include "Units.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -94,7 +95,7 @@ int Status(CliContext& context, ModemSession& session) {
     PrintField("Registration:",
                RegistrationText(diag.nNormalRegState) + ", packet " + RegistrationText(diag.nGprsRegState));
     PrintField("Roaming:", ServiceStateText(diag.nRoamState));
-    PrintField("Signal:", SignalText(diag.nRssi));
+    PrintField("Signal:", SignalLevelText(diag.nRssi, ReadSignalDbm(session.link())));
     PrintField("Bearer:", BearerText(diag.nBearer));
     PrintField("Connection:", ConnectStatusText(connectStatus));
     return EXIT_OK;

@@ -113,8 +113,8 @@ int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& ar
         const std::optional<BLUssdReceive> answer = dialogue.next(context.waitSeconds);
         if (!answer) {
             return ReportFailure(context, 2,
-                                 "no answer from the network within " + std::to_string(context.waitSeconds) +
-                                     " seconds");
+                                 "no answer from the network within " +
+                                     QString::number(context.waitSeconds).toStdString() + " seconds");
         }
         if (answer->nReportType == BLUssdReceive::kNotSupported) {
             return ReportFailure(context, 1, "the network does not offer " + arguments.code);

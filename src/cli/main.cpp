@@ -10,6 +10,8 @@
 #include "AccountCommand.h"
 #include "CallCommand.h"
 #include "CliSupport.h"
+#include "CommandLine.h"
+#include "Completion.h"
 #include "ConnectCommand.h"
 #include "ContactsCommand.h"
 #include "CoreDumps.h"
@@ -35,13 +37,14 @@ int main(int argc, char** argv) {
     CLI::App app("Dialtone: a connection manager for USB 3G/HSPA modems", "dialtone");
     app.set_version_flag("--version", "dialtone " DIALTONE_CLI_VERSION);
     app.require_subcommand(1);
+    PrepareCommandLine(app);
 
     CliContext context;
     if (const char* devDir = std::getenv("DIALTONE_DEV_DIR"))
         context.devDir = devDir;
-    app.add_option("--simulate", context.scenario,
-                   "Start a fresh simulated modem (dialtone-modemsim) with the scenario, and work against it")
-        ->expected(0, 1)
+    // A flag that takes its scenario only after "=": anywhere on the line, the next word is never taken.
+    app.add_flag("--simulate{}", context.scenario,
+                 "Start a fresh simulated modem (dialtone-modemsim) with the scenario, and work against it")
         ->type_name("[=SCENARIO]");
     app.add_option("--dev-dir", context.devDir, "Where the modem's ports are looked for (default /dev)");
     app.add_flag("--no-service", context.noService,
@@ -50,9 +53,11 @@ int main(int argc, char** argv) {
     app.add_option("--output", context.output,
                    "Output for scripts: json (as --json), or key=value (one \"key: value\" per line)")
         ->check(CLI::IsMember({"json", "key=value"}));
-    app.add_flag("--debug", context.debug, "Show the modem traffic and debug texts on standard error");
+    app.add_flag("--debug", context.debug, "Show the AT traffic with the modem on standard error");
     app.add_option("--wait", context.waitSeconds, "How long event commands wait, in seconds")
-        ->check(CLI::PositiveNumber);
+        ->check(Seconds(kMinWaitSeconds, kMaxWaitSeconds))
+        ->type_name("SECONDS");
+    AddCompletionOption(app);
 
     AddStatusCommand(app, context);
     AddRequestCommand(app, context);
@@ -73,7 +78,9 @@ int main(int argc, char** argv) {
 
     // The debug sink must point where it belongs before any command runs.
     app.parse_complete_callback([&context, &app] {
-        SetDebugSink(context.debug ? stderr : nullptr);
+        // --debug shows the modem traffic; the internal debug texts stay out of the way.
+        SetDebugSink(nullptr);
+        SetTrafficSink(context.debug ? stderr : nullptr);
         context.simulate = app.count("--simulate") > 0;
         context.waitGiven = app.count("--wait") > 0;
         if (!context.output.empty())
@@ -87,8 +94,13 @@ int main(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         // Help and version exit 0 on standard output; every other parse error is a usage error.
-        app.exit(error);
-        return error.get_exit_code() == 0 ? EXIT_OK : EXIT_USAGE;
+        if (error.get_exit_code() == 0) {
+            app.exit(error);
+            return EXIT_OK;
+        }
+        if (const auto unknown = FindUnknownCommand(app, std::vector<std::string>(argv + 1, argv + argc)))
+            return ReportUnknownCommand(*unknown);
+        return ReportUsage(UsageText(error));
     }
     return context.exitCode;
 }

@@ -377,4 +377,48 @@ TEST_F(ComOperationTest, PortIsRawWithHardwareFlowControl) {
     EXPECT_EQ(attributes.c_cc[VTIME], 0);
 }
 
+// With the traffic shown, each line goes out once, whole, in both directions, with the time and without
+// the SIM's codes; the internal debug texts stay out of it.
+TEST_F(ComOperationTest, TrafficTapShowsLinesBothWaysWithSecretsMasked) {
+    std::FILE* traffic = std::tmpfile();
+    ASSERT_NE(traffic, nullptr);
+    SetTrafficSink(traffic);
+    // clang-format off
+    const struct { std::string command; PtyPeer::Answer answer; std::string shown; } rows[] = {
+        {"AT+CPIN=\"1234\"\r", Pieces({"\r\n+CME ERR", "OR: 16\r\n"}), "> AT+CPIN=\"****\"|< +CME ERROR: 16|"},
+        {"AT+CPIN=\"12345678\",\"4321\"\r", Pieces({"\r\nOK\r\n"}), "> AT+CPIN=\"****\",\"****\"|< OK|"},
+        {"AT+CLCK=\"SC\",1,\"1234\"\r", Pieces({"\r\nOK\r\n"}), "> AT+CLCK=\"SC\",1,\"****\"|< OK|"},
+        {"AT+CPWD=\"SC\",\"1234\",\"4321\"\r", Pieces({"\r\nOK\r\n"}), "> AT+CPWD=\"SC\",\"****\",\"****\"|< OK|"},
+        {"AT+CSQ\r", Pieces({"\r\n+CSQ: 2", "3,99\r\n\r\nRING\r\n", "\r\nOK\r\n"}), "> AT+CSQ|< +CSQ: 23,99|< RING|< OK|"},
+        {"AT+CMGS=23\r", Pieces({"\r\n> "}), "> AT+CMGS=23|< > |"},
+        {"0011000B915121551532F40000AA0AE8329BFD4697D9EC37\x1a", Pieces({"\r\n+CMGS: 7\r\n\r\nOK\r\n"}), "> 0011000B915121551532F40000AA0AE8329BFD4697D9EC37^Z|< +CMGS: 7|< OK|"},
+        {"AT+CGMI\r", Pieces({"\r\nV\x1b[2JEL\r\n\r\nOK\r\n"}), "> AT+CGMI|< V^[[2JEL|< OK|"},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.shown);
+        std::rewind(traffic);
+        ASSERT_EQ(ftruncate(fileno(traffic), 0), 0);
+        peer.expect(row.command, row.answer);
+        std::string response;
+        EXPECT_EQ(com->writeCom(row.command.c_str(), nullptr, 5, response), 0);
+        EXPECT_TRUE(peer.waitUntilIdle(2s));
+        std::fflush(traffic);
+        std::rewind(traffic);
+        std::string shown;
+        char line[512];
+        while (std::fgets(line, sizeof(line), traffic) != nullptr) {
+            const std::string text(line);
+            // "12:03:04.123 > AT+CSQ"
+            EXPECT_TRUE(text.size() > 13 && text[2] == ':' && text[5] == ':' && text[8] == '.' &&
+                        text[12] == ' ')
+                << text;
+            shown += text.substr(13, text.size() - 14) + "|";
+        }
+        EXPECT_EQ(shown, row.shown);
+    }
+    SetTrafficSink(nullptr);
+    std::fclose(traffic);
+}
+
 } // namespace

@@ -30,7 +30,13 @@ TEST(DialtoneModem, UsageErrorsExitTwoWithoutTouchingAModem) {
     TempDir home;
     // clang-format off
     const struct { std::vector<std::string> args; const char* says; } rows[] = {
-        {{"frobnicate"}, "A subcommand is required"},
+        {{"frobnicate"}, "unknown command 'frobnicate'.\nRun 'dialtone --help' for the list."},
+        {{"stauts", "--json"}, "unknown command 'stauts'. Did you mean: status, stats?"},
+        {{"--dev-dir", "/nowhere", "sms", "lsit"}, "unknown sms command 'lsit'. Did you mean: list?\nRun 'dialtone sms --help'"},
+        {{"network"}, "'network' needs a command: info, scan, select, auto, band, mode, reg."},
+        {{"status", "--wait", "0"}, "--wait must be a number of seconds from 0.1 to 86400, not '0'"},
+        {{"network", "band", "gsm900,lte"}, "unknown band 'lte': use all, or one or more of gsm850, gsm900"},
+        {{"network", "mode", "4g-only"}, "unknown mode '4g-only': use one of auto, 2g-only, 3g-only, 2g-preferred, 3g-preferred"},
         {{"pin", "verify"}, "no PIN given; --pin-stdin reads it"},
         {{"network", "select", "26x02"}, "MCCMNC must be 5 or 6 digits"},
         {{"network", "select", "26202", "--act", "x"}, "--act: Value x not in range"},

@@ -109,9 +109,9 @@ TEST(DialtonePdu, FailuresAndUsageErrors) {
         {{"pdu", "encode", "1234567890123456789012345", "hi"}, 2, "", "has 25 digits"},
         {{"pdu", "encode", "123", "hi", "--validity", "3x"}, 2, "", "--validity"},
         {{"pdu", "decode"}, 2, "", "HEX"},
-        {{"pdu"}, 2, "", "subcommand"},
+        {{"pdu"}, 2, "", "'pdu' needs a command: decode, encode."},
         {{"pdu", "decode", "00", "--tpdu-len", "x"}, 2, "", "--tpdu-len"},
-        {{}, 2, "", "subcommand"},
+        {{}, 2, "", "a command is needed: status, info"},
     };
     // clang-format on
     for (const Row& row : rows) {

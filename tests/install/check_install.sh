@@ -40,6 +40,8 @@ expected=(
     share/dialtone/modemsim/scenarios/default.json
     share/man/man1/dialtone.1
     share/man/man1/dialtone-gui.1
+    share/bash-completion/completions/dialtone
+    share/zsh/site-functions/_dialtone
     share/man/man1/dialtone-modemsim.1
     share/applications/dialtone.desktop
     share/metainfo/org.dialtone.Dialtone.metainfo.xml
