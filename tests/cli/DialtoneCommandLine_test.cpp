@@ -29,8 +29,8 @@ TEST(DialtoneCommandLine, GlobalOptionsAnywhereAndSettingsByName) {
     ASSERT_TRUE(modem.ready());
     // clang-format off
     const struct { std::vector<std::string> args; const char* out; const char* err; } rows[] = {
-        {{"status", "--json"}, "\"diagInfo\"", ""},
-        {{"network", "--json", "reg"}, "\"nState\"", ""},
+        {{"status", "--json"}, "\"registration\": \"home\"", ""},
+        {{"network", "--json", "reg"}, "\"registration_code\": 1", ""},
         {{"network", "info"}, "Signal:          4/5 (-78 dBm)\n", ""},
         {{"ussd", "*100#", "--wait", "15"}, "Your balance is 12.34 EUR", ""},
         {{"network", "band"}, "band: all\n", ""},
