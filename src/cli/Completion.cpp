@@ -93,7 +93,7 @@ const char* const kWords = R"SH(_dialtone_words() {
 _dialtone_offer() {
     case " $(_dialtone_words "$_dialtone_path" valued) " in
     *" $2 "*)
-        if [[ $2 == --dev-dir ]]; then echo -/; else _dialtone_tree "$_dialtone_path" "$2"; fi ;;
+        if [[ $2 == --dev-dir ]]; then echo -/; else _dialtone_words "$_dialtone_path" "$2"; fi ;;
     *)
         if [[ $1 == -* ]]; then
             _dialtone_words "$_dialtone_path" options

@@ -50,9 +50,10 @@ int main(int argc, char** argv) {
     app.add_flag("--no-service", context.noService,
                  "Open the modem in this process even when the modem service (dialtoned) is there");
     app.add_flag("--json", context.json, "Print one JSON document on standard output");
-    app.add_option("--output", context.output,
-                   "Output for scripts: json (as --json), or key=value (one \"key: value\" per line)")
-        ->check(CLI::IsMember({"json", "key=value"}));
+    OfferValues(app.add_option("--output", context.output,
+                               "Output for scripts: json (as --json), or key=value (one \"key: value\" per line)")
+                    ->check(CLI::IsMember({"json", "key=value"})),
+                {"json", "key=value"});
     app.add_flag("--debug", context.debug, "Show the AT traffic with the modem on standard error");
     app.add_option("--wait", context.waitSeconds, "How long event commands wait, in seconds")
         ->check(Seconds(kMinWaitSeconds, kMaxWaitSeconds))

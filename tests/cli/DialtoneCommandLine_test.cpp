@@ -130,6 +130,7 @@ TEST(DialtoneCommandLine, CompletionScriptsLoadAndOfferTheCommands) {
         {"dialtone network band gsm900,umts2", "gsm900,umts2100"},
         {"dialtone --wait 5 sms li", "list"},
         {"dialtone ussd --re", "--reply"},
+        {"dialtone status --output k", "key=value"},
     };
     // clang-format on
     for (const auto& row : rows) {
