@@ -1,12 +1,13 @@
 # Dialtone developer commands. Everything goes through CMake; see README.md.
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
+COVERAGE_BUILD ?= build-coverage
 FUZZ_BUILD ?= build-fuzz
 FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc)
 CMAKE_GEN  := -G Ninja
 
-.PHONY: all bootstrap configure build check layers asan bench fuzz fuzz-smoke fuzz-long demo install format clean translations
+.PHONY: all bootstrap configure build check layers asan coverage bench fuzz fuzz-smoke fuzz-long demo install format clean translations
 
 all: build
 
@@ -38,6 +39,15 @@ asan: bootstrap
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
 	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 		LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp ctest --output-on-failure -j $(JOBS)
+
+# Line and branch coverage of src/ and tools/ by the whole suite, per folder, from a gcov build of its own;
+# the HTML report lands in $(COVERAGE_BUILD)/coverage/index.html.
+coverage: bootstrap
+	@cmake -S . -B $(COVERAGE_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DDIALTONE_COVERAGE=ON -DDIALTONE_BUILD_BENCH=OFF >/dev/null
+	@cmake --build $(COVERAGE_BUILD) -j $(JOBS)
+	@find $(COVERAGE_BUILD) -name '*.gcda' -delete
+	@cd $(COVERAGE_BUILD) && ctest -j $(JOBS) >ctest.log 2>&1 || { tail -30 ctest.log; echo "make coverage: some tests failed (see $(COVERAGE_BUILD)/ctest.log); the figures count what ran" >&2; }
+	@scripts/coverage-report $(COVERAGE_BUILD)
 
 bench: build
 	@$(BUILD)/bench/dialtone_bench
@@ -78,4 +88,4 @@ format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	@rm -rf $(BUILD) $(ASAN_BUILD)
+	@rm -rf $(BUILD) $(ASAN_BUILD) $(COVERAGE_BUILD)
