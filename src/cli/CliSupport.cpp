@@ -1,4 +1,5 @@
 #include "CliSupport.h"
+#include "ToolText.h"
 
 #include <cstdio>
 #include <iostream>
@@ -28,7 +29,7 @@ int ReportFailure(const CliContext& context, int resultCode, const std::string& 
 }
 
 int ReportUsage(const std::string& what) {
-    std::fprintf(stderr, "dialtone: %s\nRun with --help for more information.\n", what.c_str());
+    std::fprintf(stderr, "dialtone: %s\n%s\n", what.c_str(), Tool::T("Run with --help for more information.").c_str());
     return EXIT_USAGE;
 }
 

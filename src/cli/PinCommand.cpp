@@ -16,6 +16,7 @@
 #include "ScriptDocuments.h"
 #include "SecretInput.h"
 #include "StatusText.h"
+#include "ToolText.h"
 
 namespace {
 
@@ -35,19 +36,21 @@ int Status(CliContext& context, ModemSession& session) {
         PrintJson(document);
         return EXIT_OK;
     }
-    std::printf("SIM:             %s\n", PinStateText(state.nState).c_str());
+    FieldList fields;
+    fields.add(Tool::T("SIM:"), PinStateText(state.nState));
     if (state.nState != SimState::kAbsent && state.nState != SimState::kBlocked)
-        std::printf("Attempts left:   PIN %s, PUK %s\n", AttemptsText(state.nPinCnt).c_str(),
-                    AttemptsText(state.nPukCnt).c_str());
+        fields.add(Tool::T("Attempts left:"),
+                   Tool::F("PIN %s, PUK %s", {AttemptsText(state.nPinCnt), AttemptsText(state.nPukCnt)}));
     if (enabledKnown)
-        std::printf("PIN request:     %s\n", enabled ? "on" : "off");
+        fields.add(Tool::T("PIN request:"), enabled ? Tool::T("on") : Tool::T("off"));
+    fields.print();
     return EXIT_OK;
 }
 
 // Runs one try; on failure the code, then the attempts it left.
 int Try(CliContext& context, ModemSession& session,
         const std::function<void(PinController&, PinController::Done)>& attempt, const std::string& what,
-        const std::string& done) {
+        const char* done) {
     PinController pin(session.link());
     std::optional<BLPinCheckState> after;
     QObject::connect(&pin, &PinController::simStateRead,
@@ -57,15 +60,17 @@ int Try(CliContext& context, ModemSession& session,
     session.await([&] { return outcome.has_value(); }, what);
     if (const int failed = session.check(*outcome, what)) {
         if (after)
-            std::fprintf(stderr, "dialtone: SIM %s; %s PIN attempts and %s PUK attempts left\n",
-                         PinStateText(after->nState).c_str(), AttemptsText(after->nPinCnt).c_str(),
-                         AttemptsText(after->nPukCnt).c_str());
+            std::fprintf(stderr, "dialtone: %s\n",
+                         Tool::F("SIM %s; %s PIN attempts and %s PUK attempts left",
+                                 {PinStateText(after->nState), AttemptsText(after->nPinCnt),
+                                  AttemptsText(after->nPukCnt)})
+                             .c_str());
         return failed;
     }
     if (context.json)
         PrintJson({{"ok", true}});
     else
-        std::printf("%s\n", done.c_str());
+        std::printf("%s\n", Tool::T(done).c_str());
     return EXIT_OK;
 }
 
@@ -181,7 +186,7 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.verifyPin(Q(verifyCodes->needed[0].code), done);
                 },
-                "verifying the PIN", "PIN accepted");
+                "verifying the PIN", QT_TRANSLATE_NOOP("dialtone", "PIN accepted"));
         });
     });
 
@@ -198,7 +203,8 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.verifyPuk(Q(pukCodes->needed[0].code), Q(pukCodes->needed[1].code), done);
                 },
-                "verifying the PUK", "PUK accepted, new PIN set");
+                "verifying the PUK",
+                QT_TRANSLATE_NOOP("dialtone", "PUK accepted, new PIN set"));
         });
     });
 
@@ -216,7 +222,7 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.changePin(Q(changeCodes->needed[0].code), Q(changeCodes->needed[1].code), done);
                 },
-                "changing the PIN", "PIN changed");
+                "changing the PIN", QT_TRANSLATE_NOOP("dialtone", "PIN changed"));
         });
     });
 
@@ -235,7 +241,8 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                         pin.setPinRequest(enable, Q(codes->needed[0].code), done);
                     },
                     enable ? "enabling the PIN request" : "disabling the PIN request",
-                    enable ? "PIN request enabled" : "PIN request disabled");
+                    enable ? QT_TRANSLATE_NOOP("dialtone", "PIN request enabled")
+                           : QT_TRANSLATE_NOOP("dialtone", "PIN request disabled"));
             });
         });
     }

@@ -9,6 +9,7 @@
 #include "ScriptDocuments.h"
 #include "ScriptVocabulary.h"
 #include "StatusText.h"
+#include "ToolText.h"
 #include "TerminalText.h"
 #include "Units.h"
 #include "WorkNotification.h"
@@ -19,18 +20,14 @@ std::string Text(const QString& text) {
     return text.isEmpty() ? "-" : TerminalText(text);
 }
 
-void PrintField(const char* label, const std::string& value) {
-    std::printf("%-16s %s\n", label, value.c_str());
-}
-
-void PrintEquipment(const BLEquipmentInfo& info) {
-    PrintField("Manufacturer:", Text(info.strManufacturer));
-    PrintField("Model:", Text(info.strModel));
-    PrintField("Revision:", Text(info.strRevision));
-    PrintField("IMEI:", Text(info.strSerialNumber));
-    PrintField("Hardware:", Text(info.strHardwareVersion));
-    PrintField("IMSI:", Text(info.strImsi));
-    PrintField("Number:", Text(info.strMsisdn));
+void AddEquipment(FieldList& fields, const BLEquipmentInfo& info) {
+    fields.add(Tool::T("Manufacturer:"), Text(info.strManufacturer));
+    fields.add(Tool::T("Model:"), Text(info.strModel));
+    fields.add(Tool::T("Revision:"), Text(info.strRevision));
+    fields.add(Tool::T("IMEI:"), Text(info.strSerialNumber));
+    fields.add(Tool::T("Hardware:"), Text(info.strHardwareVersion));
+    fields.add(Tool::T("IMSI:"), Text(info.strImsi));
+    fields.add(Tool::T("Number:"), Text(info.strMsisdn));
 }
 
 // The PIN counters come only with the separate SIM reading; without it the SIM's state is the
@@ -81,23 +78,25 @@ int Status(CliContext& context, ModemSession& session) {
     BLEquipmentInfo equipment{diag.strManufacturer,   diag.strModel, diag.strRevision,
                               diag.strSerialNumber,   diag.strImsi,  diag.strMsisdn,
                               diag.strHardwareVersion};
-    PrintEquipment(equipment);
+    FieldList fields;
+    AddEquipment(fields, equipment);
     std::string sim = PinStateText(diag.nPinState);
     if (pinRead.ok()) {
         sim = PinStateText(pin.nState);
         if (pin.nState == SimState::kPin && pin.nPinCnt >= 0)
-            sim += " (" + std::to_string(pin.nPinCnt) + " attempts left)";
+            sim += " " + Tool::F("(%s attempts left)", {std::to_string(pin.nPinCnt)});
         else if (pin.nState == SimState::kPuk && pin.nPukCnt >= 0)
-            sim += " (" + std::to_string(pin.nPukCnt) + " PUK attempts left)";
+            sim += " " + Tool::F("(%s PUK attempts left)", {std::to_string(pin.nPukCnt)});
     }
-    PrintField("SIM:", sim);
-    PrintField("Operator:", TerminalText(OperatorText(diag.strOperator, diag.strSpName)));
-    PrintField("Registration:",
-               RegistrationText(diag.nNormalRegState) + ", packet " + RegistrationText(diag.nGprsRegState));
-    PrintField("Roaming:", ServiceStateText(diag.nRoamState));
-    PrintField("Signal:", SignalLevelText(diag.nRssi, ReadSignalDbm(session.link())));
-    PrintField("Bearer:", BearerText(diag.nBearer));
-    PrintField("Connection:", ConnectStatusText(connectStatus));
+    fields.add(Tool::T("SIM:"), sim);
+    fields.add(Tool::T("Operator:"), TerminalText(OperatorText(diag.strOperator, diag.strSpName)));
+    fields.add(Tool::T("Registration:"), Tool::F("%s, packet %s", {RegistrationText(diag.nNormalRegState),
+                                                                  RegistrationText(diag.nGprsRegState)}));
+    fields.add(Tool::T("Roaming:"), ServiceStateText(diag.nRoamState));
+    fields.add(Tool::T("Signal:"), SignalLevelText(diag.nRssi, ReadSignalDbm(session.link())));
+    fields.add(Tool::T("Bearer:"), BearerText(diag.nBearer));
+    fields.add(Tool::T("Connection:"), ConnectStatusText(connectStatus));
+    fields.print();
     return EXIT_OK;
 }
 
@@ -112,8 +111,11 @@ int Info(CliContext& context, ModemSession& session) {
         return gone;
     if (context.json)
         PrintJson(EquipmentDocument(info));
-    else
-        PrintEquipment(info);
+    else {
+        FieldList fields;
+        AddEquipment(fields, info);
+        fields.print();
+    }
     return EXIT_OK;
 }
 
