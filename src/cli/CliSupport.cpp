@@ -29,7 +29,8 @@ int ReportFailure(const CliContext& context, int resultCode, const std::string& 
 }
 
 int ReportUsage(const std::string& what) {
-    std::fprintf(stderr, "dialtone: %s\n%s\n", what.c_str(), Tool::T("Run with --help for more information.").c_str());
+    std::fprintf(stderr, "dialtone: %s\n%s\n", what.c_str(),
+                 Tool::T("Run with --help for more information.").c_str());
     return EXIT_USAGE;
 }
 
@@ -61,4 +62,3 @@ void PrintJsonLine(const nlohmann::json& event) {
         std::cout << event.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     std::cout.flush();
 }
-

@@ -147,7 +147,8 @@ int ReportUnknownCommand(const UnknownCommand& unknown) {
     if (!near.empty() && !unknown.word.empty())
         text += " " + Tool::F("Did you mean: %s?", {near});
     const std::string help = "dialtone " + (unknown.family.empty() ? "" : unknown.family + " ") + "--help";
-    std::fprintf(stderr, "dialtone: %s\n%s\n", text.c_str(), Tool::F("Run '%s' for the list.", {help}).c_str());
+    std::fprintf(stderr, "dialtone: %s\n%s\n", text.c_str(),
+                 Tool::F("Run '%s' for the list.", {help}).c_str());
     return EXIT_USAGE;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "ModemSession.h"
+#include "ToolText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -14,7 +15,7 @@ int Switch(CliContext& context, ModemSession& session, bool on) {
     if (context.json)
         PrintJson({{"gps", on}});
     else
-        std::printf("GPS %s\n", on ? "on" : "off");
+        std::printf("%s\n", on ? Tool::T("GPS on").c_str() : Tool::T("GPS off").c_str());
     return EXIT_OK;
 }
 

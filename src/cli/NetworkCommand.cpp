@@ -74,8 +74,8 @@ void ShowList(const QList<BLNetworkListItem>& operators) {
                                        ? states[item.nState]
                                        : states[0];
         std::printf("%s%s%s%s%s\n", Column(state, 11).c_str(), Column(Text(item.strLongAlpha), 18).c_str(),
-                    Column(Text(item.strShortAlpha), 10).c_str(), Column(Text(item.strNumericAlpha), 8).c_str(),
-                    AccessTechnologyText(item.nAcT).c_str());
+                    Column(Text(item.strShortAlpha), 10).c_str(),
+                    Column(Text(item.strNumericAlpha), 8).c_str(), AccessTechnologyText(item.nAcT).c_str());
     }
 }
 
@@ -133,9 +133,9 @@ void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<Ne
                 if (context.json)
                     PrintJson(SettingDocument(label, names, *wanted));
                 else
-                    std::printf("%s\n", Tool::F(band ? "band set to %s" : "mode set to %s",
-                                                 {names.text(*wanted)})
-                                             .c_str());
+                    std::printf("%s\n", (band ? Tool::F("band set to %s", {names.text(*wanted)})
+                                              : Tool::F("mode set to %s", {names.text(*wanted)}))
+                                            .c_str());
                 return EXIT_OK;
             }
             const std::string what = std::string("reading the ") + label;
@@ -146,7 +146,7 @@ void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<Ne
             if (context.json)
                 PrintJson(SettingDocument(label, names, static_cast<int>(value)));
             else
-                std::printf("%s %s\n", Tool::T(band ? "Band:" : "Mode:").c_str(),
+                std::printf("%s %s\n", (band ? Tool::T("band:") : Tool::T("mode:")).c_str(),
                             names.text(static_cast<int>(value)).c_str());
             return EXIT_OK;
         });

@@ -121,14 +121,14 @@ bool GatherCodes(CliContext& context, PinCodes& codes, const std::string& stdinO
         return false;
     }
     for (CodeSlot& slot : codes.needed) {
-        if (!ReadSecretLine(slot.prompt, slot.code)) {
+        if (!ReadSecretLine(Tool::T(slot.prompt), slot.code)) {
             context.exitCode = ReportUsage(std::string("standard input ended before the ") + slot.name);
             return false;
         }
         if (prompting && slot.confirmed) {
             std::string again;
-            if (!ReadSecretLine(std::string(slot.prompt) + " again", again) || again != slot.code) {
-                context.exitCode = ReportUsage("the two new PINs differ; nothing was changed");
+            if (!ReadSecretLine(Tool::F("%s again", {Tool::T(slot.prompt)}), again) || again != slot.code) {
+                context.exitCode = ReportUsage(Tool::T("the two new PINs differ; nothing was changed"));
                 return false;
             }
         }
@@ -191,9 +191,11 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
     });
 
     CLI::App* puk = pin->add_subcommand("puk", "Unblock the SIM with the PUK and set a new PIN");
-    auto pukCodes = AddCodes(
-        puk, {{"PUK", "PUK", PinCodeKind::Puk, false, {}}, {"NEWPIN", "New PIN", PinCodeKind::Pin, true, {}}},
-        "--codes-stdin");
+    auto pukCodes =
+        AddCodes(puk,
+                 {{"PUK", "PUK", PinCodeKind::Puk, false, {}},
+                  {"NEWPIN", QT_TRANSLATE_NOOP("dialtone", "New PIN"), PinCodeKind::Pin, true, {}}},
+                 "--codes-stdin");
     puk->callback([&context, pukCodes] {
         if (!CodesReady(context, *pukCodes, "--codes-stdin"))
             return;
@@ -203,16 +205,16 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.verifyPuk(Q(pukCodes->needed[0].code), Q(pukCodes->needed[1].code), done);
                 },
-                "verifying the PUK",
-                QT_TRANSLATE_NOOP("dialtone", "PUK accepted, new PIN set"));
+                "verifying the PUK", QT_TRANSLATE_NOOP("dialtone", "PUK accepted, new PIN set"));
         });
     });
 
     CLI::App* change = pin->add_subcommand("change", "Change the PIN");
-    auto changeCodes = AddCodes(
-        change,
-        {{"OLD", "Current PIN", PinCodeKind::Pin, false, {}}, {"NEW", "New PIN", PinCodeKind::Pin, true, {}}},
-        "--codes-stdin");
+    auto changeCodes =
+        AddCodes(change,
+                 {{"OLD", QT_TRANSLATE_NOOP("dialtone", "Current PIN"), PinCodeKind::Pin, false, {}},
+                  {"NEW", QT_TRANSLATE_NOOP("dialtone", "New PIN"), PinCodeKind::Pin, true, {}}},
+                 "--codes-stdin");
     change->callback([&context, changeCodes] {
         if (!CodesReady(context, *changeCodes, "--codes-stdin"))
             return;
@@ -230,7 +232,9 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
         CLI::App* command = pin->add_subcommand(enable ? "enable" : "disable",
                                                 enable ? "Ask for the PIN when the modem starts"
                                                        : "Stop asking for the PIN when the modem starts");
-        auto codes = AddCodes(command, {{"PIN", "Current PIN", PinCodeKind::Pin, false, {}}}, "--pin-stdin");
+        auto codes = AddCodes(
+            command, {{"PIN", QT_TRANSLATE_NOOP("dialtone", "Current PIN"), PinCodeKind::Pin, false, {}}},
+            "--pin-stdin");
         command->callback([&context, codes, enable] {
             if (!CodesReady(context, *codes, "--pin-stdin"))
                 return;

@@ -134,12 +134,12 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
         std::printf("%s\n", Tool::T("(no traffic recorded on these days)").c_str());
     PrintRow(Tool::T("Total"), range.total, widths);
     const std::string sinceWhen = since.resetDate.isValid()
-                                   ? Tool::F("Since the last reset on %s", {DateText(since.resetDate)})
-                                   : Tool::T("Since the first use (never reset)");
+                                      ? Tool::F("Since the last reset on %s", {DateText(since.resetDate)})
+                                      : Tool::T("Since the first use (never reset)");
     std::printf("\n%s\n", Tool::F("%s: sent %s, received %s, connection time %s",
-                                   {sinceWhen, Bytes(since.sentBytes), Bytes(since.receivedBytes),
-                                    DurationText(since.connectTimeSeconds)})
-                               .c_str());
+                                  {sinceWhen, Bytes(since.sentBytes), Bytes(since.receivedBytes),
+                                   DurationText(since.connectTimeSeconds)})
+                              .c_str());
     return EXIT_OK;
 }
 
@@ -156,11 +156,11 @@ int Reset(const CliContext& context, bool history) {
         PrintJson({{"reset_time", IsoTime(resetDate)}, {"history_deleted", history}});
     } else {
         std::printf("%s\n", (history ? Tool::F("The totals since the last reset are zero now (reset on %s); "
-                                                "the day history was deleted.",
-                                                {DateText(resetDate)})
-                                      : Tool::F("The totals since the last reset are zero now (reset on %s); "
-                                                "the day history was kept.",
-                                                {DateText(resetDate)}))
+                                               "the day history was deleted.",
+                                               {DateText(resetDate)})
+                                     : Tool::F("The totals since the last reset are zero now (reset on %s); "
+                                               "the day history was kept.",
+                                               {DateText(resetDate)}))
                                 .c_str());
     }
     return EXIT_OK;

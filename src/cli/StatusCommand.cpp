@@ -9,8 +9,8 @@
 #include "ScriptDocuments.h"
 #include "ScriptVocabulary.h"
 #include "StatusText.h"
-#include "ToolText.h"
 #include "TerminalText.h"
+#include "ToolText.h"
 #include "Units.h"
 #include "WorkNotification.h"
 
@@ -91,7 +91,7 @@ int Status(CliContext& context, ModemSession& session) {
     fields.add(Tool::T("SIM:"), sim);
     fields.add(Tool::T("Operator:"), TerminalText(OperatorText(diag.strOperator, diag.strSpName)));
     fields.add(Tool::T("Registration:"), Tool::F("%s, packet %s", {RegistrationText(diag.nNormalRegState),
-                                                                  RegistrationText(diag.nGprsRegState)}));
+                                                                   RegistrationText(diag.nGprsRegState)}));
     fields.add(Tool::T("Roaming:"), ServiceStateText(diag.nRoamState));
     fields.add(Tool::T("Signal:"), SignalLevelText(diag.nRssi, ReadSignalDbm(session.link())));
     fields.add(Tool::T("Bearer:"), BearerText(diag.nBearer));
