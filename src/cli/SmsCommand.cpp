@@ -107,13 +107,14 @@ int PrepareSms(ModemSession& session, MessagesController& messages) {
     return EXIT_OK;
 }
 
-std::string StateText(const BLSmsListItem& item) {
+// In English; shown through Tool::T.
+const char* StateWord(const BLSmsListItem& item) {
     if (item.nType == SmsType::kStatusReport)
-        return Tool::T("report");
+        return QT_TRANSLATE_NOOP("dialtone", "report");
     static const char* const tags[] = {
         QT_TRANSLATE_NOOP("dialtone", "unread"), QT_TRANSLATE_NOOP("dialtone", "read"),
         QT_TRANSLATE_NOOP("dialtone", "unsent"), QT_TRANSLATE_NOOP("dialtone", "sent")};
-    return item.nTag >= 0 && item.nTag < 4 ? Tool::T(tags[item.nTag]) : "?";
+    return item.nTag >= 0 && item.nTag < 4 ? tags[item.nTag] : "?";
 }
 
 std::string TimeText(const QDateTime& time) {
@@ -127,14 +128,15 @@ void PrintItem(const BLSmsListItem& item, const std::string& region) {
     if (!item.nCompleted && !report)
         text += " " + Tool::T("(incomplete)");
     std::printf("%4d  %-5s  %s  %s  %-16s  %s\n", item.nRef, StorageName(item.nStoreIn).c_str(),
-                PadRight(StateText(item), 6).c_str(),
+                PadRight(Tool::T(StateWord(item)), 6).c_str(),
                 PadRight(TerminalText(NumberForReading(item.strAddress, region)), 16).c_str(),
                 TimeText(item.dateTime).c_str(), text.c_str());
 }
 
-std::string KeptText(const std::string& storage) {
-    return storage == "pc" ? Tool::T("New messages are kept on the computer")
-                           : Tool::F("New messages are kept on the %s", {storage});
+void PrintKept(const std::string& storage) {
+    std::cout << (storage == "pc" ? Tool::T("New messages are kept on the computer")
+                                  : Tool::F("New messages are kept on the %s", {storage}))
+              << '\n';
 }
 
 // Builds the worker's message table; the IDs of list and delete come from it.
@@ -318,7 +320,7 @@ int Storage(const CliContext& context, ModemSession& session, const std::string&
     if (context.json)
         PrintJson({{"storage", name == "pc" ? "computer" : name}});
     else
-        std::cout << KeptText(name) << '\n';
+        PrintKept(name);
     return EXIT_OK;
 }
 
@@ -450,7 +452,7 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
         if (context.json)
             PrintJson({{"storage", name == "pc" ? "computer" : name}});
         else
-            std::cout << KeptText(name) << '\n';
+            PrintKept(name);
         context.exitCode = EXIT_OK;
     });
 
