@@ -3055,5 +3055,173 @@ Abhilfe: %2</translation>
         <source>mode:</source>
         <translation>Modus:</translation>
     </message>
+    <message>
+        <source>reading the SIM&apos;s IMSI</source>
+        <translation>Lesen der IMSI der SIM-Karte</translation>
+    </message>
+    <message>
+        <source>reading the calls</source>
+        <translation>Lesen der Anrufe</translation>
+    </message>
+    <message>
+        <source>hanging up</source>
+        <translation>Auflegen</translation>
+    </message>
+    <message>
+        <source>reading the phonebooks&apos; use</source>
+        <translation>Lesen der Belegung der Telefonbücher</translation>
+    </message>
+    <message>
+        <source>reading the phonebooks&apos; limits</source>
+        <translation>Lesen der Grenzen der Telefonbücher</translation>
+    </message>
+    <message>
+        <source>deleting the contact</source>
+        <translation>Löschen des Kontakts</translation>
+    </message>
+    <message>
+        <source>switching the GPS on</source>
+        <translation>Einschalten des GPS</translation>
+    </message>
+    <message>
+        <source>switching the GPS off</source>
+        <translation>Ausschalten des GPS</translation>
+    </message>
+    <message>
+        <source>starting the modem</source>
+        <translation>Starten des Modems</translation>
+    </message>
+    <message>
+        <source>%s: the modem was unplugged (plug it in and run the command again)</source>
+        <translation>%s: Das Modem wurde abgezogen (stecken Sie es ein und führen Sie den Befehl erneut aus)</translation>
+    </message>
+    <message>
+        <source>reading the SIM&apos;s state</source>
+        <translation>Lesen des Zustands der SIM-Karte</translation>
+    </message>
+    <message>
+        <source>reading the network information</source>
+        <translation>Lesen der Netzinformationen</translation>
+    </message>
+    <message>
+        <source>searching for networks</source>
+        <translation>Suche nach Netzen</translation>
+    </message>
+    <message>
+        <source>selecting the network</source>
+        <translation>Wählen des Netzes</translation>
+    </message>
+    <message>
+        <source>selecting automatic mode</source>
+        <translation>Einschalten der automatischen Netzwahl</translation>
+    </message>
+    <message>
+        <source>reading the registration</source>
+        <translation>Lesen der Anmeldung</translation>
+    </message>
+    <message>
+        <source>reading the modem&apos;s state</source>
+        <translation>Lesen des Modemzustands</translation>
+    </message>
+    <message>
+        <source>reading the PIN state</source>
+        <translation>Lesen des PIN-Zustands</translation>
+    </message>
+    <message>
+        <source>reading the PIN request</source>
+        <translation>Lesen der PIN-Abfrage</translation>
+    </message>
+    <message>
+        <source>verifying the PIN</source>
+        <translation>Prüfen der PIN</translation>
+    </message>
+    <message>
+        <source>verifying the PUK</source>
+        <translation>Prüfen der PUK</translation>
+    </message>
+    <message>
+        <source>changing the PIN</source>
+        <translation>Ändern der PIN</translation>
+    </message>
+    <message>
+        <source>enabling the PIN request</source>
+        <translation>Einschalten der PIN-Abfrage</translation>
+    </message>
+    <message>
+        <source>disabling the PIN request</source>
+        <translation>Ausschalten der PIN-Abfrage</translation>
+    </message>
+    <message>
+        <source>reading the SIM&apos;s identity</source>
+        <translation>Lesen der Kennung der SIM-Karte</translation>
+    </message>
+    <message>
+        <source>reading the network</source>
+        <translation>Lesen des Netzes</translation>
+    </message>
+    <message>
+        <source>deleting the message</source>
+        <translation>Löschen der Nachricht</translation>
+    </message>
+    <message>
+        <source>moving the message</source>
+        <translation>Verschieben der Nachricht</translation>
+    </message>
+    <message>
+        <source>preparing the messages</source>
+        <translation>Vorbereiten der Nachrichten</translation>
+    </message>
+    <message>
+        <source>keeping messages on the computer</source>
+        <translation>Speichern der Nachrichten auf dem Computer</translation>
+    </message>
+    <message>
+        <source>choosing the storage for new messages</source>
+        <translation>Wählen des Speichers für neue Nachrichten</translation>
+    </message>
+    <message>
+        <source>reading the messages</source>
+        <translation>Lesen der Nachrichten</translation>
+    </message>
+    <message>
+        <source>asking for a delivery report</source>
+        <translation>Anfordern eines Zustellberichts</translation>
+    </message>
+    <message>
+        <source>setting the validity period</source>
+        <translation>Setzen der Gültigkeitsdauer</translation>
+    </message>
+    <message>
+        <source>sending the message</source>
+        <translation>Senden der Nachricht</translation>
+    </message>
+    <message>
+        <source>reading the storages</source>
+        <translation>Lesen der Speicher</translation>
+    </message>
+    <message>
+        <source>setting the service centre</source>
+        <translation>Setzen der Kurzmitteilungszentrale</translation>
+    </message>
+    <message>
+        <source>reading the service centre</source>
+        <translation>Lesen der Kurzmitteilungszentrale</translation>
+    </message>
+    <message>
+        <source>reading the link&apos;s state</source>
+        <translation>Lesen des Verbindungszustands</translation>
+    </message>
+    <message>
+        <source>reading the modem&apos;s identity</source>
+        <translation>Lesen der Kennung des Modems</translation>
+    </message>
+    <message>
+        <source>reading the equipment information</source>
+        <translation>Lesen der Geräteinformationen</translation>
+    </message>
+    <message>
+        <source>ending the dialogue</source>
+        <translation>Beenden des Dialogs</translation>
+    </message>
 </context>
 </TS>

@@ -238,9 +238,10 @@ int RunEntry(CliContext& context, AccountController& controller, const QString& 
 int Account(CliContext& context, ModemSession& session, const AccountArguments& arguments) {
     EquipmentController equipment(session.link());
     BLEquipmentInfo info;
-    if (const int failed = session.check(
-            session.read([&](auto done) { equipment.readEquipment(done); }, info, "reading the SIM's IMSI"),
-            "reading the SIM's IMSI"))
+    if (const int failed =
+            session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
+                                       QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI")),
+                          QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI")))
         return failed;
     const QString imsi = info.strImsi;
 

@@ -97,7 +97,8 @@ nlohmann::json CallJson(const BLCallItem& call) {
 
 int ReadCalls(const CliContext& context, ModemSession& session, QList<BLCallItem>& calls) {
     const QVariantMap response = session.request(MESSAGE_CALL_GET_LIST);
-    if (const int failed = Check(context, session, response, "reading the calls"))
+    if (const int failed =
+            Check(context, session, response, QT_TRANSLATE_NOOP("dialtone", "reading the calls")))
         return failed;
     calls = RecordList<BLCallItem>(WorkNotification::GetValueObject(response));
     return EXIT_OK;
@@ -230,7 +231,7 @@ void AddCallCommand(CLI::App& app, CliContext& context) {
     });
     call->add_subcommand("hangup", "End the calls")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
-            return Simple(context, s, MESSAGE_CALL_HANGUP, {}, "hanging up",
+            return Simple(context, s, MESSAGE_CALL_HANGUP, {}, QT_TRANSLATE_NOOP("dialtone", "hanging up"),
                           QT_TRANSLATE_NOOP("dialtone", "Call ended"));
         });
     });

@@ -45,8 +45,8 @@ int List(CliContext& context, ModemSession& session) {
     ContactsController phonebooks(session.link());
     const auto [outcome, items] = session.await(
         phonebooks, &ContactsController::contactsRead, [&] { phonebooks.readContacts(); },
-        "reading the phonebooks");
-    if (const int failed = session.check(outcome, "reading the phonebooks"))
+        QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks"));
+    if (const int failed = session.check(outcome, QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks")))
         return failed;
     if (context.json) {
         nlohmann::json list = nlohmann::json::array();
@@ -72,12 +72,12 @@ int List(CliContext& context, ModemSession& session) {
 
 int Info(CliContext& context, ModemSession& session) {
     ContactsController phonebooks(session.link());
-    const std::string usageWhat = "reading the phonebooks' use";
+    const std::string usageWhat = QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks' use");
     const auto [usage, info] = session.await(
         phonebooks, &ContactsController::storageRead, [&] { phonebooks.readStorage(); }, usageWhat);
     if (const int failed = session.check(usage, usageWhat))
         return failed;
-    const std::string limitsWhat = "reading the phonebooks' limits";
+    const std::string limitsWhat = QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks' limits");
     const auto [limits, constraint] = session.await(
         phonebooks, &ContactsController::limitsRead, [&] { phonebooks.readLimits(); }, limitsWhat);
     if (const int failed = session.check(limits, limitsWhat))
@@ -136,9 +136,9 @@ int CheckWrite(CliContext& context, ModemSession& session, const ContactsControl
     }
     switch (result.step) {
     case ContactsController::Step::List:
-        return session.check(result.outcome, "reading the phonebooks");
+        return session.check(result.outcome, QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks"));
     case ContactsController::Step::Storage:
-        return session.check(result.outcome, "reading the phonebooks' use");
+        return session.check(result.outcome, QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks' use"));
     default:
         return session.check(result.outcome, what);
     }
@@ -189,7 +189,7 @@ int Update(CliContext& context, ModemSession& session, const ContactsArguments& 
 }
 
 int Delete(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
-    const std::string what = "deleting the contact";
+    const std::string what = QT_TRANSLATE_NOOP("dialtone", "deleting the contact");
     const BLPBDeleteItem item{StoreCode(arguments.store), arguments.index};
     ContactsController phonebooks(session.link());
     const auto [result] = session.await(

@@ -10,7 +10,9 @@ namespace {
 
 int Switch(CliContext& context, ModemSession& session, bool on) {
     const QVariantMap response = session.request(on ? MESSAGE_GPS_INIT : MESSAGE_GPS_UNINIT);
-    if (const int failed = session.check(response, on ? "switching the GPS on" : "switching the GPS off"))
+    if (const int failed =
+            session.check(response, on ? QT_TRANSLATE_NOOP("dialtone", "switching the GPS on")
+                                       : QT_TRANSLATE_NOOP("dialtone", "switching the GPS off")))
         return failed;
     if (context.json)
         PrintJson({{"gps", on}});

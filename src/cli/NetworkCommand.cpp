@@ -163,7 +163,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
 
     network->add_subcommand("info", "Operator, technology, signal, bearer, roaming")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
-            const std::string what = "reading the network information";
+            const std::string what = QT_TRANSLATE_NOOP("dialtone", "reading the network information");
             NetworkController controller(s.link());
             const auto [outcome, info] = s.await(
                 controller, &NetworkController::infoRead, [&] { controller.readInfo(); }, what);
@@ -181,7 +181,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
         ->callback([&context] {
             context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
                 ReportProgress(Tool::T("Searching for networks, this can take a minute..."));
-                const std::string what = "searching for networks";
+                const std::string what = QT_TRANSLATE_NOOP("dialtone", "searching for networks");
                 NetworkController controller(s.link());
                 const auto [outcome, operators] = s.await(
                     controller, &NetworkController::scanFinished, [&] { controller.scan(); }, what,
@@ -216,14 +216,15 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
         const BLNetworkSet selection = NetworkController::operatorSelection(
             QString::fromStdString(arguments->plmn), arguments->act.value_or(-1));
         context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
-            return Select(context, s, selection, "selecting the network",
+            return Select(context, s, selection, QT_TRANSLATE_NOOP("dialtone", "selecting the network"),
                           QT_TRANSLATE_NOOP("dialtone", "Network selected"));
         });
     });
 
     network->add_subcommand("auto", "Let the modem choose the network")->callback([&context] {
         context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
-            return Select(context, s, NetworkController::automaticSelection(), "selecting automatic mode",
+            return Select(context, s, NetworkController::automaticSelection(),
+                          QT_TRANSLATE_NOOP("dialtone", "selecting automatic mode"),
                           QT_TRANSLATE_NOOP("dialtone", "Automatic network selection"));
         });
     });
@@ -237,7 +238,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
 
     network->add_subcommand("reg", "Registration state")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
-            const std::string what = "reading the registration";
+            const std::string what = QT_TRANSLATE_NOOP("dialtone", "reading the registration");
             NetworkController controller(s.link());
             const auto [outcome, registration] = s.await(
                 controller, &NetworkController::registrationRead, [&] { controller.readRegistration(); },

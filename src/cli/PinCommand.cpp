@@ -22,12 +22,14 @@ namespace {
 
 int Status(CliContext& context, ModemSession& session) {
     BLPinCheckState state;
-    if (const int failed = session.check(session.readSim(state), "reading the PIN state"))
+    if (const int failed =
+            session.check(session.readSim(state), QT_TRANSLATE_NOOP("dialtone", "reading the PIN state")))
         return failed;
     PinController pin(session.link());
     std::optional<PinController::PinRequest> request;
     pin.readPinRequest([&](Outcome, PinController::PinRequest answer) { request = answer; });
-    session.await([&] { return request.has_value(); }, "reading the PIN request");
+    session.await([&] { return request.has_value(); },
+                  QT_TRANSLATE_NOOP("dialtone", "reading the PIN request"));
     const bool enabledKnown = *request != PinController::PinRequest::Unknown;
     const bool enabled = *request == PinController::PinRequest::On;
     if (context.json) {
@@ -186,7 +188,8 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.verifyPin(Q(verifyCodes->needed[0].code), done);
                 },
-                "verifying the PIN", QT_TRANSLATE_NOOP("dialtone", "PIN accepted"));
+                QT_TRANSLATE_NOOP("dialtone", "verifying the PIN"),
+                QT_TRANSLATE_NOOP("dialtone", "PIN accepted"));
         });
     });
 
@@ -205,7 +208,8 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.verifyPuk(Q(pukCodes->needed[0].code), Q(pukCodes->needed[1].code), done);
                 },
-                "verifying the PUK", QT_TRANSLATE_NOOP("dialtone", "PUK accepted, new PIN set"));
+                QT_TRANSLATE_NOOP("dialtone", "verifying the PUK"),
+                QT_TRANSLATE_NOOP("dialtone", "PUK accepted, new PIN set"));
         });
     });
 
@@ -224,7 +228,8 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.changePin(Q(changeCodes->needed[0].code), Q(changeCodes->needed[1].code), done);
                 },
-                "changing the PIN", QT_TRANSLATE_NOOP("dialtone", "PIN changed"));
+                QT_TRANSLATE_NOOP("dialtone", "changing the PIN"),
+                QT_TRANSLATE_NOOP("dialtone", "PIN changed"));
         });
     });
 
@@ -244,7 +249,8 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                     [&](PinController& pin, PinController::Done done) {
                         pin.setPinRequest(enable, Q(codes->needed[0].code), done);
                     },
-                    enable ? "enabling the PIN request" : "disabling the PIN request",
+                    enable ? QT_TRANSLATE_NOOP("dialtone", "enabling the PIN request")
+                           : QT_TRANSLATE_NOOP("dialtone", "disabling the PIN request"),
                     enable ? QT_TRANSLATE_NOOP("dialtone", "PIN request enabled")
                            : QT_TRANSLATE_NOOP("dialtone", "PIN request disabled"));
             });

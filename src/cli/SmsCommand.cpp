@@ -88,20 +88,22 @@ int Await(ModemSession& session, const std::string& what,
 // Readies the modem for messages: the message settings, the SIM's computer-side inbox (so that nothing
 // taken out of the modem memory is lost) and the chosen storage. The SIM's IMSI is then messages.imsi().
 int PrepareSms(ModemSession& session, MessagesController& messages) {
-    if (const int failed =
-            Await(session, "preparing the messages", [&](auto done) { messages.initialise(done); }))
+    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "preparing the messages"),
+                                 [&](auto done) { messages.initialise(done); }))
         return failed;
-    if (const int failed =
-            Await(session, "reading the SIM's IMSI", [&](auto done) { messages.identify(done); }))
+    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI"),
+                                 [&](auto done) { messages.identify(done); }))
         return failed;
     // Without the inbox the modem keeps its messages; nothing to refuse the command for.
     bool registered = false;
     messages.useComputerInbox([&registered](const Outcome&) { registered = true; });
-    session.await([&registered] { return registered; }, "keeping messages on the computer");
+    session.await([&registered] { return registered; },
+                  QT_TRANSLATE_NOOP("dialtone", "keeping messages on the computer"));
     const int storage = Setting(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt();
     if (storage != SmsStorage::kModem) {
-        if (const int failed = Await(session, "choosing the storage for new messages",
-                                     [&](auto done) { messages.setPreferredStorage(storage, done); }))
+        if (const int failed =
+                Await(session, QT_TRANSLATE_NOOP("dialtone", "choosing the storage for new messages"),
+                      [&](auto done) { messages.setPreferredStorage(storage, done); }))
             return failed;
     }
     return EXIT_OK;
@@ -142,7 +144,7 @@ void PrintKept(const std::string& storage) {
 // Builds the worker's message table; the IDs of list and delete come from it.
 int ReadList(ModemSession& session, MessagesController& messages, QList<BLSmsListItem>& items) {
     return Await(
-        session, "reading the messages",
+        session, QT_TRANSLATE_NOOP("dialtone", "reading the messages"),
         [&](MessagesController::Done done) {
             messages.list([&items, done](const Outcome& outcome, const QList<BLSmsListItem>& listed) {
                 items = listed;
@@ -182,13 +184,13 @@ int Send(const CliContext& context, ModemSession& session, const std::string& ty
         return EXIT_USAGE;
     const std::string& number = *dial;
     if (report) {
-        if (const int failed = Await(session, "asking for a delivery report",
+        if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "asking for a delivery report"),
                                      [&](auto done) { messages.setStatusReport(true, done); }))
             return failed;
     }
     const QString validity = Setting(ServiceSettings::kValidityKey).toString();
     if (const auto period = ParseValidity(validity.toStdString())) {
-        if (const int failed = Await(session, "setting the validity period",
+        if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "setting the validity period"),
                                      [&](auto done) { messages.setValidity(*period, done); }))
             return failed;
     }
@@ -196,8 +198,8 @@ int Send(const CliContext& context, ModemSession& session, const std::string& ty
     if (segments > 1)
         ReportProgress(Tool::F("Sending %s messages...", {std::to_string(segments)}));
     if (const int failed = Await(
-            session, "sending the message", [&](auto done) { messages.send(Q(number), Q(text), done); },
-            60 + 30 * segments))
+            session, QT_TRANSLATE_NOOP("dialtone", "sending the message"),
+            [&](auto done) { messages.send(Q(number), Q(text), done); }, 60 + 30 * segments))
         return failed;
     const bool kept = messages.keep({Q(number)}, Q(text), SMS_BOX_SENDBOX) == SMSStorage::kOK;
     if (!kept)
@@ -313,8 +315,9 @@ int Storage(const CliContext& context, ModemSession& session, const std::string&
     if (const int failed = PrepareSms(session, messages))
         return failed;
     const int storage = kStorages.at(name);
-    if (const int failed = Await(session, "choosing the storage for new messages",
-                                 [&](auto done) { messages.setPreferredStorage(storage, done); }))
+    if (const int failed =
+            Await(session, QT_TRANSLATE_NOOP("dialtone", "choosing the storage for new messages"),
+                  [&](auto done) { messages.setPreferredStorage(storage, done); }))
         return failed;
     ServiceSettings::save(ServiceSettings::kStorageKey, storage);
     if (context.json)
@@ -329,12 +332,14 @@ int State(const CliContext& context, ModemSession& session) {
     if (const int failed = PrepareSms(session, messages))
         return failed;
     BLSmsStorageState state;
-    if (const int failed = Await(session, "reading the storages", [&](MessagesController::Done done) {
-            messages.storageState([&state, done](const Outcome& outcome, const BLSmsStorageState& read) {
-                state = read;
-                done(outcome);
-            });
-        }))
+    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "reading the storages"),
+                                 [&](MessagesController::Done done) {
+                                     messages.storageState([&state, done](const Outcome& outcome,
+                                                                          const BLSmsStorageState& read) {
+                                         state = read;
+                                         done(outcome);
+                                     });
+                                 }))
         return failed;
     if (context.json) {
         PrintJson({{"sim", {{"used", state.nSimUsed}, {"total", state.nSimTotal}}},
@@ -358,17 +363,19 @@ int ServiceCentre(const CliContext& context, ModemSession& session, const std::s
         const std::optional<std::string> number = DialNumber(typed, RegionOfImsi(messages.imsi()));
         if (!number)
             return EXIT_USAGE;
-        if (const int failed = Await(session, "setting the service centre",
+        if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "setting the service centre"),
                                      [&](auto done) { messages.setServiceCentre(Q(*number), done); }))
             return failed;
     }
     std::string current;
-    if (const int failed = Await(session, "reading the service centre", [&](MessagesController::Done done) {
-            messages.serviceCentre([&current, done](const Outcome& outcome, const QString& number) {
-                current = number.toStdString();
-                done(outcome);
-            });
-        }))
+    if (const int failed =
+            Await(session, QT_TRANSLATE_NOOP("dialtone", "reading the service centre"),
+                  [&](MessagesController::Done done) {
+                      messages.serviceCentre([&current, done](const Outcome& outcome, const QString& number) {
+                          current = number.toStdString();
+                          done(outcome);
+                      });
+                  }))
         return failed;
     if (context.json)
         PrintJson({{"service_centre", current.empty() ? json() : json(current)}});
@@ -383,7 +390,7 @@ int Validity(const CliContext& context, ModemSession& session, const std::string
     if (const int failed = PrepareSms(session, messages))
         return failed;
     const BLSmsValidPeriod period = *ParseValidity(code);
-    if (const int failed = Await(session, "setting the validity period",
+    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "setting the validity period"),
                                  [&](auto done) { messages.setValidity(period, done); }))
         return failed;
     ServiceSettings::save(ServiceSettings::kValidityKey, Q(code));

@@ -58,16 +58,17 @@ int Status(CliContext& context, ModemSession& session) {
     BLDiagInfo diag;
     if (const int failed =
             session.check(session.read([&](auto done) { equipmentReader.readDiagnostics(done); }, diag,
-                                       "reading the modem's state"),
-                          "reading the modem's state"))
+                                       QT_TRANSLATE_NOOP("dialtone", "reading the modem's state")),
+                          QT_TRANSLATE_NOOP("dialtone", "reading the modem's state")))
         return failed;
     BLPinCheckState pin;
     const Outcome pinRead = session.readSim(pin);
     ConnectController connection(session.link(), nullptr, nullptr);
     int connectStatus = 0;
-    session.read([&](auto done) { connection.readStatus(done); }, connectStatus, "reading the link's state");
+    session.read([&](auto done) { connection.readStatus(done); }, connectStatus,
+                 QT_TRANSLATE_NOOP("dialtone", "reading the link's state"));
     // What the modem could not tell stays empty, also when it was pulled meanwhile: that is no status.
-    if (const int gone = session.checkPresent("reading the modem's state"))
+    if (const int gone = session.checkPresent(QT_TRANSLATE_NOOP("dialtone", "reading the modem's state")))
         return gone;
 
     if (context.json) {
@@ -103,11 +104,13 @@ int Status(CliContext& context, ModemSession& session) {
 int Info(CliContext& context, ModemSession& session) {
     EquipmentController equipment(session.link());
     BLEquipmentInfo info;
-    if (const int failed = session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
-                                                      "reading the modem's identity"),
-                                         "reading the equipment information"))
+    if (const int failed =
+            session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
+                                       QT_TRANSLATE_NOOP("dialtone", "reading the modem's identity")),
+                          QT_TRANSLATE_NOOP("dialtone", "reading the equipment information")))
         return failed;
-    if (const int gone = session.checkPresent("reading the equipment information"))
+    if (const int gone =
+            session.checkPresent(QT_TRANSLATE_NOOP("dialtone", "reading the equipment information")))
         return gone;
     if (context.json)
         PrintJson(EquipmentDocument(info));

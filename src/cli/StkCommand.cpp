@@ -123,7 +123,7 @@ int GetMenu(ModemSession& session, ToolkitController& toolkit, BLSatCommand& men
     ReportProgress(Tool::T("reading the SIM's menu"));
     return Await(
         session, [&](ToolkitController::Result done) { toolkit.readMenu(done); }, menu,
-        "reading the SIM's menu");
+        QT_TRANSLATE_NOOP("dialtone", "reading the SIM's menu"));
 }
 
 int Answer(ModemSession& session, ToolkitController& toolkit, const BLSatResponse& answer, BLSatCommand& next,

@@ -125,7 +125,8 @@ int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& ar
             return EXIT_OK;
         const std::optional<std::string> reply = NextReply(replies);
         if (!reply) {
-            if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {}, "ending the dialogue"))
+            if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {},
+                                                 QT_TRANSLATE_NOOP("dialtone", "ending the dialogue")))
                 return failed;
             if (!context.json)
                 std::fprintf(stderr, "dialtone: %s\n", Tool::T("dialogue ended").c_str());
@@ -137,7 +138,8 @@ int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& ar
 
 int Cancel(CliContext& context, ModemSession& session) {
     UssdDialogue dialogue(session);
-    if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {}, "ending the dialogue"))
+    if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {},
+                                         QT_TRANSLATE_NOOP("dialtone", "ending the dialogue")))
         return failed;
     if (context.json)
         PrintJson({{"ok", true}});
