@@ -17,7 +17,8 @@ class Tool {
 public:
     // The translation of english; english itself while no translation is loaded.
     static std::string T(const char* english);
-    // The printf format's translation with each "%s" replaced by the next argument, in order.
+    // The translation of english with each "%s" replaced by the next argument, in order (translations keep
+    // the English order); the arguments themselves are never read for "%s".
     static std::string F(const char* english, std::initializer_list<std::string> arguments);
     // Translates also before the application object exists (errors while the command line is read); set
     // once the command line shows whether the output is for people.
