@@ -248,7 +248,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
             if (context.json)
                 PrintJson(RegistrationDocument(registration.nState));
             else
-                std::printf("%s %s\n", Tool::T("Registration:").c_str(),
+                std::printf("%s %s\n", PadRight(Tool::T("Registration:"), 16).c_str(),
                             RegistrationText(registration.nState).c_str());
             return EXIT_OK;
         });
