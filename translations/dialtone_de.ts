@@ -2409,4 +2409,819 @@ Abhilfe: %2</translation>
         <translation>Ihre Antwort</translation>
     </message>
 </context>
+<context>
+    <name>dialtone</name>
+    <message>
+        <source>input: %s (%s characters)</source>
+        <translation>Eingabe: %s (%s Zeichen)</translation>
+    </message>
+    <message>
+        <source>input: %s (%s characters of %s)</source>
+        <translation>Eingabe: %s (%s Zeichen aus %s)</translation>
+    </message>
+    <message>
+        <source>Reply (empty to end):</source>
+        <translation>Antwort (leer zum Beenden):</translation>
+    </message>
+    <message>
+        <source>Sending %s...</source>
+        <translation>%s wird gesendet …</translation>
+    </message>
+    <message>
+        <source>active</source>
+        <translation>aktiv</translation>
+    </message>
+    <message>
+        <source>held</source>
+        <translation>gehalten</translation>
+    </message>
+    <message>
+        <source>dialling</source>
+        <translation>wird gewählt</translation>
+    </message>
+    <message>
+        <source>ringing at the other end</source>
+        <translation>klingelt beim Gegenüber</translation>
+    </message>
+    <message>
+        <source>incoming</source>
+        <translation>eingehend</translation>
+    </message>
+    <message>
+        <source>waiting</source>
+        <translation>wartend</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>No calls</source>
+        <translation>Keine Anrufe</translation>
+    </message>
+    <message>
+        <source>ID</source>
+        <translation>ID</translation>
+    </message>
+    <message>
+        <source>DIR</source>
+        <translation>RICHTUNG</translation>
+    </message>
+    <message>
+        <source>STATE</source>
+        <translation>ZUSTAND</translation>
+    </message>
+    <message>
+        <source>NUMBER</source>
+        <translation>NUMMER</translation>
+    </message>
+    <message>
+        <source>outgoing</source>
+        <translation>ausgehend</translation>
+    </message>
+    <message>
+        <source>calling %s</source>
+        <translation>%s wird angerufen</translation>
+    </message>
+    <message>
+        <source>Call answered</source>
+        <translation>Anruf angenommen</translation>
+    </message>
+    <message>
+        <source>Call ended</source>
+        <translation>Anruf beendet</translation>
+    </message>
+    <message>
+        <source>Tones sent</source>
+        <translation>Töne gesendet</translation>
+    </message>
+    <message>
+        <source>Run with --help for more information.</source>
+        <translation>Mit --help erfahren Sie mehr.</translation>
+    </message>
+    <message>
+        <source>a command is needed: %s.</source>
+        <translation>ein Befehl fehlt: %s.</translation>
+    </message>
+    <message>
+        <source>&apos;%s&apos; needs a command: %s.</source>
+        <translation>&apos;%s&apos; braucht einen Befehl: %s.</translation>
+    </message>
+    <message>
+        <source>unknown command &apos;%s&apos;.</source>
+        <translation>unbekannter Befehl &apos;%s&apos;.</translation>
+    </message>
+    <message>
+        <source>unknown %s command &apos;%s&apos;.</source>
+        <translation>&apos;%s&apos; kennt den Befehl &apos;%s&apos; nicht.</translation>
+    </message>
+    <message>
+        <source>Did you mean: %s?</source>
+        <translation>Meinten Sie: %s?</translation>
+    </message>
+    <message>
+        <source>Run &apos;%s&apos; for the list.</source>
+        <translation>&apos;%s&apos; zeigt die Liste.</translation>
+    </message>
+    <message>
+        <source>The first connection sets up the modem&apos;s dial-up service in %s, which only an administrator may change: the system asks for a password once.</source>
+        <translation>Die erste Verbindung richtet den Einwahldienst des Modems in %s ein, das nur ein Administrator ändern darf: Das System fragt einmal nach einem Passwort.</translation>
+    </message>
+    <message>
+        <source>%s  sent %s  received %s  up %s  down %s</source>
+        <translation>%s  gesendet %s  empfangen %s  hoch %s  runter %s</translation>
+    </message>
+    <message>
+        <source>Connecting with &quot;%s&quot; (APN %s)...</source>
+        <translation>Verbindung mit „%s“ (APN %s) wird aufgebaut …</translation>
+    </message>
+    <message>
+        <source>Connected with &quot;%s&quot;; press Ctrl-C to hang up</source>
+        <translation>Verbunden mit „%s“; Strg-C trennt die Verbindung</translation>
+    </message>
+    <message>
+        <source>Connected with &quot;%s&quot;; &quot;dialtone disconnect&quot; hangs up</source>
+        <translation>Verbunden mit „%s“; „dialtone disconnect“ trennt die Verbindung</translation>
+    </message>
+    <message>
+        <source>connecting...</source>
+        <translation>Verbindung wird aufgebaut …</translation>
+    </message>
+    <message>
+        <source>Not connected</source>
+        <translation>Nicht verbunden</translation>
+    </message>
+    <message>
+        <source>Hanging up...</source>
+        <translation>Verbindung wird getrennt …</translation>
+    </message>
+    <message>
+        <source>Disconnected after %s: sent %s, received %s</source>
+        <translation>Getrennt nach %s: %s gesendet, %s empfangen</translation>
+    </message>
+    <message>
+        <source>The connection ended</source>
+        <translation>Die Verbindung wurde beendet</translation>
+    </message>
+    <message>
+        <source>reading the phonebooks</source>
+        <translation>Telefonbücher werden gelesen</translation>
+    </message>
+    <message>
+        <source>No contacts</source>
+        <translation>Keine Kontakte</translation>
+    </message>
+    <message>
+        <source>STORE</source>
+        <translation>SPEICHER</translation>
+    </message>
+    <message>
+        <source>INDEX</source>
+        <translation>INDEX</translation>
+    </message>
+    <message>
+        <source>NAME</source>
+        <translation>NAME</translation>
+    </message>
+    <message>
+        <source>%s of %s used; names up to %s, numbers up to %s characters</source>
+        <translation>%s von %s belegt; Namen bis %s, Nummern bis %s Zeichen</translation>
+    </message>
+    <message>
+        <source>SIM:</source>
+        <translation>SIM:</translation>
+    </message>
+    <message>
+        <source>Modem:</source>
+        <translation>Modem:</translation>
+    </message>
+    <message>
+        <source>Added to the %s phonebook at index %s</source>
+        <translation>Im Telefonbuch %s unter Index %s hinzugefügt</translation>
+    </message>
+    <message>
+        <source>Updated %s %s</source>
+        <translation>%s %s geändert</translation>
+    </message>
+    <message>
+        <source>Deleted %s %s</source>
+        <translation>%s %s gelöscht</translation>
+    </message>
+    <message>
+        <source>ok</source>
+        <translation>ok</translation>
+    </message>
+    <message>
+        <source>FAIL</source>
+        <translation>FEHLER</translation>
+    </message>
+    <message>
+        <source>fix: %s</source>
+        <translation>Abhilfe: %s</translation>
+    </message>
+    <message>
+        <source>GPS on</source>
+        <translation>GPS an</translation>
+    </message>
+    <message>
+        <source>GPS off</source>
+        <translation>GPS aus</translation>
+    </message>
+    <message>
+        <source>Operator:</source>
+        <translation>Netzbetreiber:</translation>
+    </message>
+    <message>
+        <source>Provider:</source>
+        <translation>Anbieter:</translation>
+    </message>
+    <message>
+        <source>Selection:</source>
+        <translation>Netzwahl:</translation>
+    </message>
+    <message>
+        <source>automatic</source>
+        <translation>automatisch</translation>
+    </message>
+    <message>
+        <source>manual</source>
+        <translation>manuell</translation>
+    </message>
+    <message>
+        <source>mode %s</source>
+        <translation>Modus %s</translation>
+    </message>
+    <message>
+        <source>Technology:</source>
+        <translation>Technologie:</translation>
+    </message>
+    <message>
+        <source>Roaming:</source>
+        <translation>Roaming:</translation>
+    </message>
+    <message>
+        <source>Signal:</source>
+        <translation>Signal:</translation>
+    </message>
+    <message>
+        <source>Bearer:</source>
+        <translation>Übertragung:</translation>
+    </message>
+    <message>
+        <source>Packet service:</source>
+        <translation>Paketdienst:</translation>
+    </message>
+    <message>
+        <source>available</source>
+        <translation>verfügbar</translation>
+    </message>
+    <message>
+        <source>current</source>
+        <translation>aktuell</translation>
+    </message>
+    <message>
+        <source>forbidden</source>
+        <translation>gesperrt</translation>
+    </message>
+    <message>
+        <source>STATUS</source>
+        <translation>STATUS</translation>
+    </message>
+    <message>
+        <source>SHORT</source>
+        <translation>KURZ</translation>
+    </message>
+    <message>
+        <source>CODE</source>
+        <translation>CODE</translation>
+    </message>
+    <message>
+        <source>TECHNOLOGY</source>
+        <translation>TECHNOLOGIE</translation>
+    </message>
+    <message>
+        <source>Searching for networks, this can take a minute...</source>
+        <translation>Netze werden gesucht, das kann eine Minute dauern …</translation>
+    </message>
+    <message>
+        <source>Network selected</source>
+        <translation>Netz gewählt</translation>
+    </message>
+    <message>
+        <source>Automatic network selection</source>
+        <translation>Automatische Netzwahl</translation>
+    </message>
+    <message>
+        <source>Registration:</source>
+        <translation>Anmeldung:</translation>
+    </message>
+    <message>
+        <source>Attempts left:</source>
+        <translation>Verbleibende Versuche:</translation>
+    </message>
+    <message>
+        <source>PIN %s, PUK %s</source>
+        <translation>PIN %s, PUK %s</translation>
+    </message>
+    <message>
+        <source>PIN request:</source>
+        <translation>PIN-Abfrage:</translation>
+    </message>
+    <message>
+        <source>on</source>
+        <translation>an</translation>
+    </message>
+    <message>
+        <source>off</source>
+        <translation>aus</translation>
+    </message>
+    <message>
+        <source>SIM %s; %s PIN attempts and %s PUK attempts left</source>
+        <translation>SIM %s; noch %s PIN-Versuche und %s PUK-Versuche</translation>
+    </message>
+    <message>
+        <source>%s again</source>
+        <translation>%s wiederholen</translation>
+    </message>
+    <message>
+        <source>the two new PINs differ; nothing was changed</source>
+        <translation>die beiden neuen PINs stimmen nicht überein; nichts wurde geändert</translation>
+    </message>
+    <message>
+        <source>PIN accepted</source>
+        <translation>PIN angenommen</translation>
+    </message>
+    <message>
+        <source>New PIN</source>
+        <translation>Neue PIN</translation>
+    </message>
+    <message>
+        <source>PUK accepted, new PIN set</source>
+        <translation>PUK angenommen, neue PIN gesetzt</translation>
+    </message>
+    <message>
+        <source>Current PIN</source>
+        <translation>Aktuelle PIN</translation>
+    </message>
+    <message>
+        <source>PIN changed</source>
+        <translation>PIN geändert</translation>
+    </message>
+    <message>
+        <source>PIN request enabled</source>
+        <translation>PIN-Abfrage eingeschaltet</translation>
+    </message>
+    <message>
+        <source>PIN request disabled</source>
+        <translation>PIN-Abfrage ausgeschaltet</translation>
+    </message>
+    <message>
+        <source>No profiles for this SIM; add one with &quot;dialtone profiles add NAME APN&quot;</source>
+        <translation>Keine Profile für diese SIM; fügen Sie eines mit „dialtone profiles add NAME APN“ hinzu</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>APN</source>
+        <translation>APN</translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation>Nummer</translation>
+    </message>
+    <message>
+        <source>for this SIM</source>
+        <translation>für diese SIM</translation>
+    </message>
+    <message>
+        <source>default</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Passwort</translation>
+    </message>
+    <message>
+        <source>Added &quot;%s&quot; as the default</source>
+        <translation>„%s“ als Standard hinzugefügt</translation>
+    </message>
+    <message>
+        <source>Added &quot;%s&quot;</source>
+        <translation>„%s“ hinzugefügt</translation>
+    </message>
+    <message>
+        <source>&quot;%s&quot; is the default profile</source>
+        <translation>„%s“ ist das Standardprofil</translation>
+    </message>
+    <message>
+        <source>Deleted &quot;%s&quot;</source>
+        <translation>„%s“ gelöscht</translation>
+    </message>
+    <message>
+        <source>report</source>
+        <translation>Bericht</translation>
+    </message>
+    <message>
+        <source>unread</source>
+        <translation>neu</translation>
+    </message>
+    <message>
+        <source>read</source>
+        <translation>gelesen</translation>
+    </message>
+    <message>
+        <source>unsent</source>
+        <translation>Entwurf</translation>
+    </message>
+    <message>
+        <source>sent</source>
+        <translation>gesendet</translation>
+    </message>
+    <message>
+        <source>delivery status %s</source>
+        <translation>Zustellstatus %s</translation>
+    </message>
+    <message>
+        <source>(incomplete)</source>
+        <translation>(unvollständig)</translation>
+    </message>
+    <message>
+        <source>New messages are kept on the computer</source>
+        <translation>Neue Nachrichten werden auf dem Computer gespeichert</translation>
+    </message>
+    <message>
+        <source>New messages are kept on the %s</source>
+        <translation>Neue Nachrichten werden gespeichert auf: %s</translation>
+    </message>
+    <message>
+        <source>Sending %s messages...</source>
+        <translation>%s Nachrichten werden gesendet …</translation>
+    </message>
+    <message>
+        <source>the copy for the sent box could not be written</source>
+        <translation>die Kopie für die gesendeten Nachrichten konnte nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>Sent to %s</source>
+        <translation>An %s gesendet</translation>
+    </message>
+    <message>
+        <source>Sent to %s in %s parts</source>
+        <translation>An %s gesendet, in %s Teilen</translation>
+    </message>
+    <message>
+        <source>no message %s (dialtone sms list shows the IDs)</source>
+        <translation>keine Nachricht %s („dialtone sms list“ zeigt die IDs)</translation>
+    </message>
+    <message>
+        <source>Deleted message %s</source>
+        <translation>Nachricht %s gelöscht</translation>
+    </message>
+    <message>
+        <source>Delivery report from %s: status %s (message %s)</source>
+        <translation>Zustellbericht von %s: Status %s (Nachricht %s)</translation>
+    </message>
+    <message>
+        <source>Message %s from %s at %s: %s</source>
+        <translation>Nachricht %s von %s am %s: %s</translation>
+    </message>
+    <message>
+        <source>Waiting for messages; press Ctrl-C to stop</source>
+        <translation>Warten auf Nachrichten; Strg-C beendet</translation>
+    </message>
+    <message>
+        <source>%s of %s used</source>
+        <translation>%s von %s belegt</translation>
+    </message>
+    <message>
+        <source>Service centre:</source>
+        <translation>Kurzmitteilungszentrale:</translation>
+    </message>
+    <message>
+        <source>Messages sent from now on are valid for %s</source>
+        <translation>Ab jetzt gesendete Nachrichten gelten für %s</translation>
+    </message>
+    <message>
+        <source>Traffic from %s to %s</source>
+        <translation>Datenverkehr vom %s bis %s</translation>
+    </message>
+    <message>
+        <source>Day</source>
+        <translation>Tag</translation>
+    </message>
+    <message>
+        <source>Sent</source>
+        <translation>Gesendet</translation>
+    </message>
+    <message>
+        <source>Received</source>
+        <translation>Empfangen</translation>
+    </message>
+    <message>
+        <source>Roaming sent</source>
+        <translation>Roaming gesendet</translation>
+    </message>
+    <message>
+        <source>Roaming received</source>
+        <translation>Roaming empfangen</translation>
+    </message>
+    <message>
+        <source>(no traffic recorded on these days)</source>
+        <translation>(an diesen Tagen kein Datenverkehr aufgezeichnet)</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>Summe</translation>
+    </message>
+    <message>
+        <source>Since the last reset on %s</source>
+        <translation>Seit dem letzten Zurücksetzen am %s</translation>
+    </message>
+    <message>
+        <source>Since the first use (never reset)</source>
+        <translation>Seit der ersten Nutzung (nie zurückgesetzt)</translation>
+    </message>
+    <message>
+        <source>%s: sent %s, received %s, connection time %s</source>
+        <translation>%s: %s gesendet, %s empfangen, Verbindungsdauer %s</translation>
+    </message>
+    <message>
+        <source>The totals since the last reset are zero now (reset on %s); the day history was deleted.</source>
+        <translation>Die Summen seit dem letzten Zurücksetzen sind jetzt null (zurückgesetzt am %s); der Tagesverlauf wurde gelöscht.</translation>
+    </message>
+    <message>
+        <source>The totals since the last reset are zero now (reset on %s); the day history was kept.</source>
+        <translation>Die Summen seit dem letzten Zurücksetzen sind jetzt null (zurückgesetzt am %s); der Tagesverlauf bleibt erhalten.</translation>
+    </message>
+    <message>
+        <source>Manufacturer:</source>
+        <translation>Hersteller:</translation>
+    </message>
+    <message>
+        <source>Model:</source>
+        <translation>Modell:</translation>
+    </message>
+    <message>
+        <source>Revision:</source>
+        <translation>Firmware:</translation>
+    </message>
+    <message>
+        <source>IMEI:</source>
+        <translation>IMEI:</translation>
+    </message>
+    <message>
+        <source>Hardware:</source>
+        <translation>Hardware:</translation>
+    </message>
+    <message>
+        <source>IMSI:</source>
+        <translation>IMSI:</translation>
+    </message>
+    <message>
+        <source>Number:</source>
+        <translation>Rufnummer:</translation>
+    </message>
+    <message>
+        <source>(%s attempts left)</source>
+        <translation>(noch %s Versuche)</translation>
+    </message>
+    <message>
+        <source>(%s PUK attempts left)</source>
+        <translation>(noch %s PUK-Versuche)</translation>
+    </message>
+    <message>
+        <source>%s, packet %s</source>
+        <translation>%s, Paketdienst %s</translation>
+    </message>
+    <message>
+        <source>Connection:</source>
+        <translation>Verbindung:</translation>
+    </message>
+    <message>
+        <source>(default)</source>
+        <translation>(Standard)</translation>
+    </message>
+    <message>
+        <source>(the card asks for a key)</source>
+        <translation>(die Karte erwartet eine Taste)</translation>
+    </message>
+    <message>
+        <source>(the card asks for an answer of %s to %s characters)</source>
+        <translation>(die Karte erwartet eine Antwort mit %s bis %s Zeichen)</translation>
+    </message>
+    <message>
+        <source>(the card ended the dialogue)</source>
+        <translation>(die Karte hat den Dialog beendet)</translation>
+    </message>
+    <message>
+        <source>(toolkit command %s)</source>
+        <translation>(Toolkit-Befehl %s)</translation>
+    </message>
+    <message>
+        <source>reading the SIM&apos;s menu</source>
+        <translation>Menü der SIM-Karte wird gelesen</translation>
+    </message>
+    <message>
+        <source>waiting for the SIM&apos;s answer</source>
+        <translation>Warten auf die Antwort der SIM-Karte</translation>
+    </message>
+    <message>
+        <source>waiting for the network&apos;s answer</source>
+        <translation>Warten auf die Antwort des Netzes</translation>
+    </message>
+    <message>
+        <source>dialogue ended</source>
+        <translation>Dialog beendet</translation>
+    </message>
+    <message>
+        <source>USSD dialogue ended</source>
+        <translation>USSD-Dialog beendet</translation>
+    </message>
+    <message>
+        <source>band set to %s</source>
+        <translation>Frequenzband auf %s gesetzt</translation>
+    </message>
+    <message>
+        <source>mode set to %s</source>
+        <translation>Modus auf %s gesetzt</translation>
+    </message>
+    <message>
+        <source>band:</source>
+        <translation>Frequenzband:</translation>
+    </message>
+    <message>
+        <source>mode:</source>
+        <translation>Modus:</translation>
+    </message>
+    <message>
+        <source>reading the SIM&apos;s IMSI</source>
+        <translation>Lesen der IMSI der SIM-Karte</translation>
+    </message>
+    <message>
+        <source>reading the calls</source>
+        <translation>Lesen der Anrufe</translation>
+    </message>
+    <message>
+        <source>hanging up</source>
+        <translation>Auflegen</translation>
+    </message>
+    <message>
+        <source>reading the phonebooks&apos; use</source>
+        <translation>Lesen der Belegung der Telefonbücher</translation>
+    </message>
+    <message>
+        <source>reading the phonebooks&apos; limits</source>
+        <translation>Lesen der Grenzen der Telefonbücher</translation>
+    </message>
+    <message>
+        <source>deleting the contact</source>
+        <translation>Löschen des Kontakts</translation>
+    </message>
+    <message>
+        <source>switching the GPS on</source>
+        <translation>Einschalten des GPS</translation>
+    </message>
+    <message>
+        <source>switching the GPS off</source>
+        <translation>Ausschalten des GPS</translation>
+    </message>
+    <message>
+        <source>starting the modem</source>
+        <translation>Starten des Modems</translation>
+    </message>
+    <message>
+        <source>%s: the modem was unplugged (plug it in and run the command again)</source>
+        <translation>%s: Das Modem wurde abgezogen (stecken Sie es ein und führen Sie den Befehl erneut aus)</translation>
+    </message>
+    <message>
+        <source>reading the SIM&apos;s state</source>
+        <translation>Lesen des Zustands der SIM-Karte</translation>
+    </message>
+    <message>
+        <source>reading the network information</source>
+        <translation>Lesen der Netzinformationen</translation>
+    </message>
+    <message>
+        <source>searching for networks</source>
+        <translation>Suche nach Netzen</translation>
+    </message>
+    <message>
+        <source>selecting the network</source>
+        <translation>Wählen des Netzes</translation>
+    </message>
+    <message>
+        <source>selecting automatic mode</source>
+        <translation>Einschalten der automatischen Netzwahl</translation>
+    </message>
+    <message>
+        <source>reading the registration</source>
+        <translation>Lesen der Anmeldung</translation>
+    </message>
+    <message>
+        <source>reading the modem&apos;s state</source>
+        <translation>Lesen des Modemzustands</translation>
+    </message>
+    <message>
+        <source>reading the PIN state</source>
+        <translation>Lesen des PIN-Zustands</translation>
+    </message>
+    <message>
+        <source>reading the PIN request</source>
+        <translation>Lesen der PIN-Abfrage</translation>
+    </message>
+    <message>
+        <source>verifying the PIN</source>
+        <translation>Prüfen der PIN</translation>
+    </message>
+    <message>
+        <source>verifying the PUK</source>
+        <translation>Prüfen der PUK</translation>
+    </message>
+    <message>
+        <source>changing the PIN</source>
+        <translation>Ändern der PIN</translation>
+    </message>
+    <message>
+        <source>enabling the PIN request</source>
+        <translation>Einschalten der PIN-Abfrage</translation>
+    </message>
+    <message>
+        <source>disabling the PIN request</source>
+        <translation>Ausschalten der PIN-Abfrage</translation>
+    </message>
+    <message>
+        <source>reading the SIM&apos;s identity</source>
+        <translation>Lesen der Kennung der SIM-Karte</translation>
+    </message>
+    <message>
+        <source>reading the network</source>
+        <translation>Lesen des Netzes</translation>
+    </message>
+    <message>
+        <source>deleting the message</source>
+        <translation>Löschen der Nachricht</translation>
+    </message>
+    <message>
+        <source>moving the message</source>
+        <translation>Verschieben der Nachricht</translation>
+    </message>
+    <message>
+        <source>preparing the messages</source>
+        <translation>Vorbereiten der Nachrichten</translation>
+    </message>
+    <message>
+        <source>keeping messages on the computer</source>
+        <translation>Speichern der Nachrichten auf dem Computer</translation>
+    </message>
+    <message>
+        <source>choosing the storage for new messages</source>
+        <translation>Wählen des Speichers für neue Nachrichten</translation>
+    </message>
+    <message>
+        <source>reading the messages</source>
+        <translation>Lesen der Nachrichten</translation>
+    </message>
+    <message>
+        <source>asking for a delivery report</source>
+        <translation>Anfordern eines Zustellberichts</translation>
+    </message>
+    <message>
+        <source>setting the validity period</source>
+        <translation>Setzen der Gültigkeitsdauer</translation>
+    </message>
+    <message>
+        <source>sending the message</source>
+        <translation>Senden der Nachricht</translation>
+    </message>
+    <message>
+        <source>reading the storages</source>
+        <translation>Lesen der Speicher</translation>
+    </message>
+    <message>
+        <source>setting the service centre</source>
+        <translation>Setzen der Kurzmitteilungszentrale</translation>
+    </message>
+    <message>
+        <source>reading the service centre</source>
+        <translation>Lesen der Kurzmitteilungszentrale</translation>
+    </message>
+    <message>
+        <source>reading the link&apos;s state</source>
+        <translation>Lesen des Verbindungszustands</translation>
+    </message>
+    <message>
+        <source>reading the modem&apos;s identity</source>
+        <translation>Lesen der Kennung des Modems</translation>
+    </message>
+    <message>
+        <source>reading the equipment information</source>
+        <translation>Lesen der Geräteinformationen</translation>
+    </message>
+    <message>
+        <source>ending the dialogue</source>
+        <translation>Beenden des Dialogs</translation>
+    </message>
+</context>
 </TS>

@@ -19,6 +19,7 @@
 #include "ModemSession.h"
 #include "ModemTextCheck.h"
 #include "TerminalText.h"
+#include "ToolText.h"
 
 namespace {
 
@@ -93,11 +94,14 @@ void PrintMenu(const _TAccountData& data) {
             std::printf("  %d.%d %s  [%s]\n", groupNumber, ++itemNumber,
                         TerminalText(Utf8(item.strText)).c_str(), codes.c_str());
             for (const _TAccountInputItem& input : item.inputs) {
-                std::printf("        input: %s (%s characters", TerminalText(Utf8(input.strTitle)).c_str(),
-                            LengthText(input).c_str());
-                if (!input.strLimitation.empty())
-                    std::printf(" of %s", TerminalText(Utf8(input.strLimitation)).c_str());
-                std::printf(")\n");
+                const std::string title = TerminalText(Utf8(input.strTitle));
+                std::printf(
+                    "        %s\n",
+                    (input.strLimitation.empty()
+                         ? Tool::F("input: %s (%s characters)", {title, LengthText(input)})
+                         : Tool::F("input: %s (%s characters of %s)",
+                                   {title, LengthText(input), TerminalText(Utf8(input.strLimitation))}))
+                        .c_str());
             }
         }
     }
@@ -146,7 +150,7 @@ std::optional<std::string> NextReply(std::vector<std::string>& replies) {
     }
     if (!isatty(STDIN_FILENO))
         return std::nullopt;
-    std::fprintf(stderr, "Reply (empty to end): ");
+    std::fprintf(stderr, "%s ", Tool::T("Reply (empty to end):").c_str());
     std::string line;
     if (!std::getline(std::cin, line) || line.empty())
         return std::nullopt;
@@ -190,7 +194,7 @@ int RunEntry(CliContext& context, AccountController& controller, const QString& 
     while (true) {
         answer.reset();
         exchanges.push_back({next.toStdString(), {}, false});
-        ReportProgress("Sending " + next.toStdString() + "...");
+        ReportProgress(Tool::F("Sending %s...", {next.toStdString()}));
         controller.sendUSSDCmd(next);
         if (controller.isUIBlocked())
             loop.exec();
@@ -234,9 +238,10 @@ int RunEntry(CliContext& context, AccountController& controller, const QString& 
 int Account(CliContext& context, ModemSession& session, const AccountArguments& arguments) {
     EquipmentController equipment(session.link());
     BLEquipmentInfo info;
-    if (const int failed = session.check(
-            session.read([&](auto done) { equipment.readEquipment(done); }, info, "reading the SIM's IMSI"),
-            "reading the SIM's IMSI"))
+    if (const int failed =
+            session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
+                                       QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI")),
+                          QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI")))
         return failed;
     const QString imsi = info.strImsi;
 

@@ -18,6 +18,7 @@
 #include "RecordList.h"
 #include "ScriptJson.h"
 #include "TerminalText.h"
+#include "ToolText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -34,19 +35,19 @@ struct CallArguments {
 const char* StateText(int state) {
     switch (state) {
     case BLCallItem::kStateActive:
-        return "active";
+        return QT_TRANSLATE_NOOP("dialtone", "active");
     case BLCallItem::kStateHeld:
-        return "held";
+        return QT_TRANSLATE_NOOP("dialtone", "held");
     case BLCallItem::kStateDialling:
-        return "dialling";
+        return QT_TRANSLATE_NOOP("dialtone", "dialling");
     case BLCallItem::kStateAlerting:
-        return "ringing at the other end";
+        return QT_TRANSLATE_NOOP("dialtone", "ringing at the other end");
     case BLCallItem::kStateIncoming:
-        return "incoming";
+        return QT_TRANSLATE_NOOP("dialtone", "incoming");
     case BLCallItem::kStateWaiting:
-        return "waiting";
+        return QT_TRANSLATE_NOOP("dialtone", "waiting");
     default:
-        return "unknown";
+        return QT_TRANSLATE_NOOP("dialtone", "unknown");
     }
 }
 
@@ -96,7 +97,8 @@ nlohmann::json CallJson(const BLCallItem& call) {
 
 int ReadCalls(const CliContext& context, ModemSession& session, QList<BLCallItem>& calls) {
     const QVariantMap response = session.request(MESSAGE_CALL_GET_LIST);
-    if (const int failed = Check(context, session, response, "reading the calls"))
+    if (const int failed =
+            Check(context, session, response, QT_TRANSLATE_NOOP("dialtone", "reading the calls")))
         return failed;
     calls = RecordList<BLCallItem>(WorkNotification::GetValueObject(response));
     return EXIT_OK;
@@ -114,15 +116,19 @@ int List(CliContext& context, ModemSession& session) {
         return EXIT_OK;
     }
     if (calls.isEmpty()) {
-        std::printf("No calls\n");
+        std::printf("%s\n", Tool::T("No calls").c_str());
         return EXIT_OK;
     }
     const std::string region = SessionRegion(session);
-    std::printf("%3s  %-8s  %-24s  %s\n", "ID", "DIR", "STATE", "NUMBER");
+    std::printf("%s  %s  %s  %s\n", PadLeft(Tool::T("ID"), 3).c_str(), PadRight(Tool::T("DIR"), 8).c_str(),
+                PadRight(Tool::T("STATE"), 24).c_str(), Tool::T("NUMBER").c_str());
     for (const BLCallItem& call : calls) {
-        std::printf("%3d  %-8s  %-24s  %s\n", call.nIndex,
-                    call.nDir == BLCallItem::kDirOutgoing ? "outgoing" : "incoming", StateText(call.nState),
-                    TerminalText(NumberForReading(call.strNumber, region)).c_str());
+        std::printf(
+            "%3d  %s  %s  %s\n", call.nIndex,
+            PadRight(call.nDir == BLCallItem::kDirOutgoing ? Tool::T("outgoing") : Tool::T("incoming"), 8)
+                .c_str(),
+            PadRight(Tool::T(StateText(call.nState)), 24).c_str(),
+            TerminalText(NumberForReading(call.strNumber, region)).c_str());
     }
     return EXIT_OK;
 }
@@ -141,7 +147,7 @@ int Dial(CliContext& context, ModemSession& session, const std::string& typed) {
     if (!dial)
         return EXIT_USAGE;
     const std::string& number = *dial;
-    ReportProgress("calling " + number);
+    ReportProgress(Tool::F("calling %s", {number}));
     const QVariantMap response =
         session.request(MESSAGE_CALL_DIAL, QString::fromStdString(number), kDialDeadlineSeconds);
     if (const int failed = Check(context, session, response, "calling " + number))
@@ -159,7 +165,7 @@ int Dial(CliContext& context, ModemSession& session, const std::string& typed) {
         if (!call)
             return ReportFailure(context, 25, "the call to " + number + " ended before it was answered");
         if (call->nState != shownState && !context.json) {
-            std::printf("%s: %s\n", number.c_str(), StateText(call->nState));
+            std::printf("%s: %s\n", number.c_str(), Tool::T(StateText(call->nState)).c_str());
             std::fflush(stdout);
         }
         shownState = call->nState;
@@ -186,7 +192,7 @@ int Simple(CliContext& context, ModemSession& session, const QString& name, cons
     if (context.json)
         PrintJson({{"ok", true}});
     else
-        std::printf("%s\n", done);
+        std::printf("%s\n", Tool::T(done).c_str());
     return EXIT_OK;
 }
 
@@ -200,7 +206,8 @@ int Answer(CliContext& context, ModemSession& session) {
     });
     if (!ringing)
         return ReportFailure(context, WORKER_ERR_GENERAL, "answering: there is no incoming call");
-    return Simple(context, session, MESSAGE_CALL_ANSWER, {}, "answering", "Call answered");
+    return Simple(context, session, MESSAGE_CALL_ANSWER, {}, "answering",
+                  QT_TRANSLATE_NOOP("dialtone", "Call answered"));
 }
 
 } // namespace
@@ -224,7 +231,8 @@ void AddCallCommand(CLI::App& app, CliContext& context) {
     });
     call->add_subcommand("hangup", "End the calls")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
-            return Simple(context, s, MESSAGE_CALL_HANGUP, {}, "hanging up", "Call ended");
+            return Simple(context, s, MESSAGE_CALL_HANGUP, {}, QT_TRANSLATE_NOOP("dialtone", "hanging up"),
+                          QT_TRANSLATE_NOOP("dialtone", "Call ended"));
         });
     });
 
@@ -246,7 +254,7 @@ void AddCallCommand(CLI::App& app, CliContext& context) {
         }
         context.exitCode = RunInSession(context, [&](ModemSession& s) {
             return Simple(context, s, MESSAGE_CALL_SEND_DTMF, keys, "sending " + arguments->keys,
-                          "Tones sent");
+                          QT_TRANSLATE_NOOP("dialtone", "Tones sent"));
         });
     });
 

@@ -1,4 +1,5 @@
 #include "CliSupport.h"
+#include "ToolText.h"
 
 #include <cstdio>
 #include <iostream>
@@ -28,7 +29,8 @@ int ReportFailure(const CliContext& context, int resultCode, const std::string& 
 }
 
 int ReportUsage(const std::string& what) {
-    std::fprintf(stderr, "dialtone: %s\nRun with --help for more information.\n", what.c_str());
+    std::fprintf(stderr, "dialtone: %s\n%s\n", what.c_str(),
+                 Tool::T("Run with --help for more information.").c_str());
     return EXIT_USAGE;
 }
 
@@ -60,4 +62,3 @@ void PrintJsonLine(const nlohmann::json& event) {
         std::cout << event.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     std::cout.flush();
 }
-

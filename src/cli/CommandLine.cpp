@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "CliSupport.h"
+#include "ToolText.h"
 
 namespace {
 
@@ -131,19 +132,23 @@ std::optional<UnknownCommand> FindUnknownCommand(const CLI::App& app,
 }
 
 int ReportUnknownCommand(const UnknownCommand& unknown) {
-    const std::string family = unknown.family.empty() ? "" : unknown.family + " ";
     std::string near;
     for (const std::string& word : unknown.near)
         near += (near.empty() ? "" : ", ") + word;
-    if (unknown.word.empty() && family.empty())
-        std::fprintf(stderr, "dialtone: a command is needed: %s.", near.c_str());
+    std::string text;
+    if (unknown.word.empty() && unknown.family.empty())
+        text = Tool::F("a command is needed: %s.", {near});
     else if (unknown.word.empty())
-        std::fprintf(stderr, "dialtone: '%s' needs a command: %s.", unknown.family.c_str(), near.c_str());
+        text = Tool::F("'%s' needs a command: %s.", {unknown.family, near});
+    else if (unknown.family.empty())
+        text = Tool::F("unknown command '%s'.", {unknown.word});
     else
-        std::fprintf(stderr, "dialtone: unknown %scommand '%s'.", family.c_str(), unknown.word.c_str());
+        text = Tool::F("unknown %s command '%s'.", {unknown.family, unknown.word});
     if (!near.empty() && !unknown.word.empty())
-        std::fprintf(stderr, " Did you mean: %s?", near.c_str());
-    std::fprintf(stderr, "\nRun 'dialtone %s--help' for the list.\n", family.c_str());
+        text += " " + Tool::F("Did you mean: %s?", {near});
+    const std::string help = "dialtone " + (unknown.family.empty() ? "" : unknown.family + " ") + "--help";
+    std::fprintf(stderr, "dialtone: %s\n%s\n", text.c_str(),
+                 Tool::F("Run '%s' for the list.", {help}).c_str());
     return EXIT_USAGE;
 }
 

@@ -23,6 +23,7 @@
 #include "SimProfiles.h"
 #include "Statistics/TrafficStatics.h"
 #include "StatusText.h"
+#include "ToolText.h"
 #include "Units.h"
 #include "WorkNotification.h"
 
@@ -106,10 +107,12 @@ public:
                                                         [ready](const Notification&) { ready(); });
         // Said also without a terminal: a password dialog may appear on the desktop.
         if (ServiceTool::needsPrivilege())
-            std::fprintf(stderr,
-                         "The first connection sets up the modem's dial-up service in %s, which only an "
-                         "administrator may change: the system asks for a password once.\n",
-                         PPPConnection::peersDir().toUtf8().constData());
+            std::fprintf(
+                stderr, "%s\n",
+                Tool::F("The first connection sets up the modem's dial-up service in %s, which only an "
+                        "administrator may change: the system asks for a password once.",
+                        {PPPConnection::peersDir().toStdString()})
+                    .c_str());
         _controller.modemInit();
     }
 
@@ -172,10 +175,12 @@ void PrintSample(const CliContext& context, int state, const Notification& notif
         line["connection"] = ConnectionName(state);
         PrintJsonLine(line);
     } else {
-        std::printf("%-13s %s  sent %s  received %s  up %s  down %s\n", ConnectStatusText(state).c_str(),
-                    DurationText(sample.nDurationSeconds).c_str(), Bytes(sample.nSentBytes).c_str(),
-                    Bytes(sample.nReceivedBytes).c_str(), RateText(sample.nSentBPS).c_str(),
-                    RateText(sample.nReceivedBPS).c_str());
+        std::printf(
+            "%s %s\n", PadRight(ConnectStatusText(state), 13).c_str(),
+            Tool::F("%s  sent %s  received %s  up %s  down %s",
+                    {DurationText(sample.nDurationSeconds), Bytes(sample.nSentBytes),
+                     Bytes(sample.nReceivedBytes), RateText(sample.nSentBPS), RateText(sample.nReceivedBPS)})
+                .c_str());
     }
     std::fflush(stdout);
 }
@@ -239,8 +244,8 @@ int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, b
         const int index = controller.selectedIndex();
         if (index >= 0 && index < controller.offeredProfiles().size()) {
             const APNInfo& profile = controller.offeredProfiles()[index];
-            ReportProgress("Connecting with \"" + profile.strAccount.toStdString() + "\" (APN " +
-                           profile.strApn.toStdString() + ")...");
+            ReportProgress(Tool::F("Connecting with \"%s\" (APN %s)...",
+                                   {profile.strAccount.toStdString(), profile.strApn.toStdString()}));
         }
         dialled = true;
         controller.actionForButtonConnect();
@@ -253,10 +258,13 @@ int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, b
                 PrintJson({{"profile", name.toStdString()},
                            {"connection", ConnectionName(ConnectController::kConnected)}});
             else if (hold)
-                std::printf("Connected with \"%s\"; press Ctrl-C to hang up\n", name.toUtf8().constData());
+                std::printf(
+                    "%s\n",
+                    Tool::F("Connected with \"%s\"; press Ctrl-C to hang up", {name.toStdString()}).c_str());
             else
-                std::printf("Connected with \"%s\"; \"dialtone disconnect\" hangs up\n",
-                            name.toUtf8().constData());
+                std::printf("%s\n", Tool::F("Connected with \"%s\"; \"dialtone disconnect\" hangs up",
+                                            {name.toStdString()})
+                                        .c_str());
             std::fflush(stdout);
             if (!hold)
                 run.finish(EXIT_OK);
@@ -273,7 +281,7 @@ int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, b
     });
     OnStatistics(&controller, [&](const Notification& n) {
         if (controller.connectState() == ConnectController::kConnecting)
-            ReportProgress("connecting... " + DurationText(SampleOf(n).nDurationSeconds));
+            ReportProgress(Tool::T("connecting...") + " " + DurationText(SampleOf(n).nDurationSeconds));
     });
     CatchInterrupts();
     bool hangingUp = false;
@@ -323,13 +331,13 @@ int Disconnect(CliContext& context, ConnectorRun& run) {
             if (context.json)
                 PrintJson({{"connection", ConnectionName(state)}});
             else
-                std::printf("Not connected\n");
+                std::printf("%s\n", Tool::T("Not connected").c_str());
             run.finish(EXIT_OK);
             return;
         }
         last = SampleOf(n);
         hangingUp = true;
-        ReportProgress("Hanging up...");
+        ReportProgress(Tool::T("Hanging up..."));
         controller.actionForButtonConnect();
     });
     OnAnnouncedState(&controller, [&](int state) {
@@ -340,9 +348,10 @@ int Disconnect(CliContext& context, ConnectorRun& run) {
             done["connection"] = ConnectionName(ConnectController::kDisconnected);
             PrintJson(done);
         } else {
-            std::printf("Disconnected after %s: sent %s, received %s\n",
-                        DurationText(last.nDurationSeconds).c_str(), Bytes(last.nSentBytes).c_str(),
-                        Bytes(last.nReceivedBytes).c_str());
+            std::printf("%s\n", Tool::F("Disconnected after %s: sent %s, received %s",
+                                        {DurationText(last.nDurationSeconds), Bytes(last.nSentBytes),
+                                         Bytes(last.nReceivedBytes)})
+                                    .c_str());
         }
         run.finish(EXIT_OK);
     });
@@ -373,7 +382,7 @@ int Monitor(CliContext& context, ConnectorRun& run) {
     OnAnnouncedState(&controller, [&](int state) {
         if (state == ConnectController::kAnnounceDisconnected && seenLink) {
             if (!context.json)
-                std::printf("The connection ended\n");
+                std::printf("%s\n", Tool::T("The connection ended").c_str());
             run.finish(EXIT_OK);
         }
     });

@@ -11,6 +11,7 @@
 #include "NumberArguments.h"
 #include "ScriptDocuments.h"
 #include "TerminalText.h"
+#include "ToolText.h"
 
 namespace {
 
@@ -40,12 +41,12 @@ std::string Padded(const QString& name, int width) {
 }
 
 int List(CliContext& context, ModemSession& session) {
-    ReportProgress("reading the phonebooks");
+    ReportProgress(Tool::T("reading the phonebooks"));
     ContactsController phonebooks(session.link());
     const auto [outcome, items] = session.await(
         phonebooks, &ContactsController::contactsRead, [&] { phonebooks.readContacts(); },
-        "reading the phonebooks");
-    if (const int failed = session.check(outcome, "reading the phonebooks"))
+        QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks"));
+    if (const int failed = session.check(outcome, QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks")))
         return failed;
     if (context.json) {
         nlohmann::json list = nlohmann::json::array();
@@ -55,11 +56,12 @@ int List(CliContext& context, ModemSession& session) {
         return EXIT_OK;
     }
     if (items.isEmpty()) {
-        std::printf("No contacts\n");
+        std::printf("%s\n", Tool::T("No contacts").c_str());
         return EXIT_OK;
     }
     const std::string region = SessionRegion(session);
-    std::printf("%-6s %5s  %-30s %s\n", "STORE", "INDEX", "NAME", "NUMBER");
+    std::printf("%s %s  %s %s\n", PadRight(Tool::T("STORE"), 6).c_str(), PadLeft(Tool::T("INDEX"), 5).c_str(),
+                PadRight(Tool::T("NAME"), 30).c_str(), Tool::T("NUMBER").c_str());
     for (const BLPbItem& item : items) {
         std::printf("%-6s %5d  %s %s\n", StoreName(item.nStore), item.nIndex,
                     Padded(item.strName, 30).c_str(),
@@ -70,12 +72,12 @@ int List(CliContext& context, ModemSession& session) {
 
 int Info(CliContext& context, ModemSession& session) {
     ContactsController phonebooks(session.link());
-    const std::string usageWhat = "reading the phonebooks' use";
+    const std::string usageWhat = QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks' use");
     const auto [usage, info] = session.await(
         phonebooks, &ContactsController::storageRead, [&] { phonebooks.readStorage(); }, usageWhat);
     if (const int failed = session.check(usage, usageWhat))
         return failed;
-    const std::string limitsWhat = "reading the phonebooks' limits";
+    const std::string limitsWhat = QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks' limits");
     const auto [limits, constraint] = session.await(
         phonebooks, &ContactsController::limitsRead, [&] { phonebooks.readLimits(); }, limitsWhat);
     if (const int failed = session.check(limits, limitsWhat))
@@ -93,10 +95,17 @@ int Info(CliContext& context, ModemSession& session) {
                      {"max_number_length", constraint.nMeMaxNumberLen}}}});
         return EXIT_OK;
     }
-    std::printf("SIM:    %d of %d used; names up to %d, numbers up to %d characters\n", info.nSimUsed,
-                info.nSimTotal, constraint.nSimMaxNameLen, constraint.nSimMaxNumberLen);
-    std::printf("Modem:  %d of %d used; names up to %d, numbers up to %d characters\n", info.nMeUsed,
-                info.nMeTotal, constraint.nMeMaxNameLen, constraint.nMeMaxNumberLen);
+    const auto use = [](int used, int total, int names, int numbers) {
+        return Tool::F(
+            "%s of %s used; names up to %s, numbers up to %s characters",
+            {std::to_string(used), std::to_string(total), std::to_string(names), std::to_string(numbers)});
+    };
+    FieldList fields;
+    fields.add(Tool::T("SIM:"),
+               use(info.nSimUsed, info.nSimTotal, constraint.nSimMaxNameLen, constraint.nSimMaxNumberLen));
+    fields.add(Tool::T("Modem:"),
+               use(info.nMeUsed, info.nMeTotal, constraint.nMeMaxNameLen, constraint.nMeMaxNumberLen));
+    fields.print(7);
     return EXIT_OK;
 }
 
@@ -127,9 +136,9 @@ int CheckWrite(CliContext& context, ModemSession& session, const ContactsControl
     }
     switch (result.step) {
     case ContactsController::Step::List:
-        return session.check(result.outcome, "reading the phonebooks");
+        return session.check(result.outcome, QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks"));
     case ContactsController::Step::Storage:
-        return session.check(result.outcome, "reading the phonebooks' use");
+        return session.check(result.outcome, QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks' use"));
     default:
         return session.check(result.outcome, what);
     }
@@ -152,7 +161,9 @@ int Add(CliContext& context, ModemSession& session, const ContactsArguments& arg
     if (context.json)
         PrintJson(ContactDocument({item.nStoreIn, item.strName, item.strNumber, result.index}));
     else
-        std::printf("Added to the %s phonebook at index %d\n", arguments.store.c_str(), result.index);
+        std::printf("%s\n", Tool::F("Added to the %s phonebook at index %s",
+                                    {arguments.store, std::to_string(result.index)})
+                                .c_str());
     return EXIT_OK;
 }
 
@@ -172,12 +183,13 @@ int Update(CliContext& context, ModemSession& session, const ContactsArguments& 
     if (context.json)
         PrintJson(ContactDocument(item));
     else
-        std::printf("Updated %s %d\n", arguments.store.c_str(), arguments.index);
+        std::printf("%s\n",
+                    Tool::F("Updated %s %s", {arguments.store, std::to_string(arguments.index)}).c_str());
     return EXIT_OK;
 }
 
 int Delete(CliContext& context, ModemSession& session, const ContactsArguments& arguments) {
-    const std::string what = "deleting the contact";
+    const std::string what = QT_TRANSLATE_NOOP("dialtone", "deleting the contact");
     const BLPBDeleteItem item{StoreCode(arguments.store), arguments.index};
     ContactsController phonebooks(session.link());
     const auto [result] = session.await(
@@ -188,7 +200,8 @@ int Delete(CliContext& context, ModemSession& session, const ContactsArguments& 
     if (context.json)
         PrintJson({{"storage", arguments.store}, {"index", item.nIndex}, {"deleted", true}});
     else
-        std::printf("Deleted %s %d\n", arguments.store.c_str(), arguments.index);
+        std::printf("%s\n",
+                    Tool::F("Deleted %s %s", {arguments.store, std::to_string(arguments.index)}).c_str());
     return EXIT_OK;
 }
 
@@ -196,9 +209,7 @@ void AddStoreOption(CLI::App* command, ContactsArguments& arguments) {
     command->add_option("STORE", arguments.store, "The phonebook: sim or modem")
         ->required()
         ->check(CLI::IsMember({"sim", "modem"}));
-    command->add_option("INDEX", arguments.index, "The entry's index")
-        ->required()
-        ->check(WholeNumber(1));
+    command->add_option("INDEX", arguments.index, "The entry's index")->required()->check(WholeNumber(1));
 }
 
 } // namespace

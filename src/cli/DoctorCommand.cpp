@@ -1,6 +1,7 @@
 #include "DoctorCommand.h"
 
 #include "ModemDoctor.h"
+#include "ToolText.h"
 
 #include <QByteArray>
 
@@ -28,10 +29,10 @@ void AddDoctorCommand(CLI::App& app, CliContext& context) {
             return;
         }
         for (const DoctorFinding& finding : findings) {
-            std::printf("%-4s  %-12s  %s\n", finding.ok ? "ok" : "FAIL", qPrintable(finding.check),
-                        finding.text.toUtf8().constData());
+            std::printf("%s  %-12s  %s\n", PadRight(finding.ok ? Tool::T("ok") : Tool::T("FAIL"), 4).c_str(),
+                        qPrintable(finding.check), finding.text.toUtf8().constData());
             if (!finding.fix.isEmpty()) {
-                std::printf("      %-12s  fix: %s\n", "", finding.fix.toUtf8().constData());
+                std::printf("      %-12s  %s\n", "", Tool::F("fix: %s", {finding.fix.toStdString()}).c_str());
             }
         }
     });

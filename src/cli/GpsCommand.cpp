@@ -3,18 +3,21 @@
 #include <cstdio>
 
 #include "ModemSession.h"
+#include "ToolText.h"
 #include "WorkNotification.h"
 
 namespace {
 
 int Switch(CliContext& context, ModemSession& session, bool on) {
     const QVariantMap response = session.request(on ? MESSAGE_GPS_INIT : MESSAGE_GPS_UNINIT);
-    if (const int failed = session.check(response, on ? "switching the GPS on" : "switching the GPS off"))
+    if (const int failed =
+            session.check(response, on ? QT_TRANSLATE_NOOP("dialtone", "switching the GPS on")
+                                       : QT_TRANSLATE_NOOP("dialtone", "switching the GPS off")))
         return failed;
     if (context.json)
         PrintJson({{"gps", on}});
     else
-        std::printf("GPS %s\n", on ? "on" : "off");
+        std::printf("%s\n", on ? Tool::T("GPS on").c_str() : Tool::T("GPS off").c_str());
     return EXIT_OK;
 }
 

@@ -29,6 +29,7 @@
 #include "ModemLink.h"
 #include "Pin/PinController.h"
 #include "ScriptJson.h"
+#include "ToolText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -172,8 +173,8 @@ bool ModemSession::open() {
         std::fprintf(stderr, "dialtone: the modem service (dialtoned) talks to the modem; --debug shows the "
                              "traffic of this process only\n");
     _link = std::make_unique<ModemLink>(nullptr, std::move(transport));
-    TheWatchdog().arm(kOpenDeadlineSeconds + 10, "starting the modem", _context.json, _simulator.pid(),
-                      _simulator.devDir());
+    TheWatchdog().arm(kOpenDeadlineSeconds + 10, QT_TRANSLATE_NOOP("dialtone", "starting the modem"),
+                      _context.json, _simulator.pid(), _simulator.devDir());
     const int code = _link->open(kOpenDeadlineSeconds * 1000);
     TheWatchdog().disarm();
     // The device watch installs its own interrupt handler; the simulator must still be stopped.
@@ -225,7 +226,8 @@ int ModemSession::checkPresent(const std::string& what) {
     if (_context.viaService ? _link->state() != ModemLink::State::Absent : ModemPresent())
         return EXIT_OK;
     return ReportFailure(_context, WORKER_ERR_NO_DATA_DEVICE,
-                         what + ": the modem was unplugged (plug it in and run the command again)");
+                         Tool::F("%s: the modem was unplugged (plug it in and run the command again)",
+                                 {Tool::T(what.c_str())}));
 }
 
 int ModemSession::check(const QVariantMap& response, const std::string& what) {
@@ -238,7 +240,8 @@ int ModemSession::check(const Outcome& outcome, const std::string& what) {
     // A pulled stick cancels the command under way, and every later one fails the same way.
     if (const int gone = checkPresent(what))
         return gone;
-    return ReportFailure(_context, outcome.code, what + ": " + FailureText(outcome.code, outcome.cause),
+    return ReportFailure(_context, outcome.code,
+                         Tool::T(what.c_str()) + ": " + FailureText(outcome.code, outcome.cause),
                          outcome.cause);
 }
 
@@ -255,13 +258,13 @@ Outcome ModemSession::readSim(BLPinCheckState& state) {
         outcome = answer;
         state = sim;
     });
-    await([&] { return outcome.has_value(); }, "reading the SIM's state");
+    await([&] { return outcome.has_value(); }, QT_TRANSLATE_NOOP("dialtone", "reading the SIM's state"));
     return *outcome;
 }
 
 int ModemSession::requireSim() {
     BLPinCheckState sim;
-    if (const int failed = check(readSim(sim), "reading the SIM's state"))
+    if (const int failed = check(readSim(sim), QT_TRANSLATE_NOOP("dialtone", "reading the SIM's state")))
         return failed;
     std::string text;
     int code = WORKER_OK;

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "Completion.h"
 #include "ModemSession.h"
@@ -11,6 +12,7 @@
 #include "ScriptDocuments.h"
 #include "StatusText.h"
 #include "TerminalText.h"
+#include "ToolText.h"
 #include "Units.h"
 
 namespace {
@@ -39,31 +41,41 @@ nlohmann::json SettingDocument(const std::string& label, const SettingNames& nam
 }
 
 void ShowInfo(const BLNetworkInfo& info, int dbm) {
-    std::printf("Operator:        %s\n", TerminalText(OperatorText(info.strOperator, {})).c_str());
+    FieldList fields;
+    fields.add(Tool::T("Operator:"), TerminalText(OperatorText(info.strOperator, {})));
     if (!info.strSpName.isNull())
-        std::printf("Provider:        %s\n", Text(info.strSpName).c_str());
-    std::printf("Selection:       %s\n", info.nMode == BLNetworkSet::kModeAutomatic ? "automatic"
-                                         : info.nMode == BLNetworkSet::kModeManual
-                                             ? "manual"
-                                             : ("mode " + std::to_string(info.nMode)).c_str());
-    std::printf("Technology:      %s\n", AccessTechnologyText(info.nAcT).c_str());
-    std::printf("Roaming:         %s\n", ServiceStateText(info.nRoamState).c_str());
-    std::printf("Signal:          %s\n", SignalLevelText(info.nRssi, dbm).c_str());
-    std::printf("Bearer:          %s\n", BearerText(info.nBearer).c_str());
-    std::printf("Packet service:  %s\n", RegistrationText(info.nGprsState).c_str());
+        fields.add(Tool::T("Provider:"), Text(info.strSpName));
+    fields.add(Tool::T("Selection:"), info.nMode == BLNetworkSet::kModeAutomatic ? Tool::T("automatic")
+                                      : info.nMode == BLNetworkSet::kModeManual
+                                          ? Tool::T("manual")
+                                          : Tool::F("mode %s", {std::to_string(info.nMode)}));
+    fields.add(Tool::T("Technology:"), AccessTechnologyText(info.nAcT));
+    fields.add(Tool::T("Roaming:"), ServiceStateText(info.nRoamState));
+    fields.add(Tool::T("Signal:"), SignalLevelText(info.nRssi, dbm));
+    fields.add(Tool::T("Bearer:"), BearerText(info.nBearer));
+    fields.add(Tool::T("Packet service:"), RegistrationText(info.nGprsState));
+    fields.print();
+}
+
+// A table cell and the space after it.
+std::string Column(const std::string& text, std::size_t width) {
+    return PadRight(text, width - 1) + " ";
 }
 
 void ShowList(const QList<BLNetworkListItem>& operators) {
-    static const char* const states[] = {"unknown", "available", "current", "forbidden"};
-    std::printf("%-10s %-17s %-9s %-7s %s\n", "STATUS", "NAME", "SHORT", "CODE", "TECHNOLOGY");
+    const std::string states[] = {Tool::T("unknown"), Tool::T("available"), Tool::T("current"),
+                                  Tool::T("forbidden")};
+    std::printf("%s%s%s%s%s\n", Column(Tool::T("STATUS"), 11).c_str(), Column(Tool::T("NAME"), 18).c_str(),
+                Column(Tool::T("SHORT"), 10).c_str(), Column(Tool::T("CODE"), 8).c_str(),
+                Tool::T("TECHNOLOGY").c_str());
     for (const BLNetworkListItem& item : operators) {
-        const char* state = item.nState >= BLNetworkListItem::kStateUnknown &&
-                                    item.nState <= BLNetworkListItem::kStateForbidden
-                                ? states[item.nState]
-                                : "unknown";
-        std::printf("%-10s %-17s %-9s %-7s %s\n", state, Text(item.strLongAlpha).c_str(),
-                    Text(item.strShortAlpha).c_str(), Text(item.strNumericAlpha).c_str(),
-                    AccessTechnologyText(item.nAcT).c_str());
+        const std::string& state = item.nState >= BLNetworkListItem::kStateUnknown &&
+                                           item.nState <= BLNetworkListItem::kStateForbidden
+                                       ? states[item.nState]
+                                       : states[0];
+        std::printf("%s%s%s%s%s\n", Column(state, 11).c_str(), Column(Text(item.strLongAlpha), 18).c_str(),
+                    Column(Text(item.strShortAlpha), 10).c_str(),
+                    Column(Text(item.strNumericAlpha), 8).c_str(), AccessTechnologyText(item.nAcT).c_str());
     }
 }
 
@@ -85,7 +97,7 @@ int Select(CliContext& context, ModemSession& session, const BLNetworkSet& selec
     if (context.json)
         PrintJson(NetworkSetDocument(selection));
     else
-        std::printf("%s\n", done);
+        std::printf("%s\n", Tool::T(done).c_str());
     return EXIT_OK;
 }
 
@@ -99,6 +111,7 @@ void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<Ne
     OfferValues(
         sub->add_option("VALUE", arguments->value, std::string("The new ") + label + ": a name or number"),
         names.names());
+    const bool band = std::string_view(label) == "band";
     sub->callback([=, &context] {
         std::optional<int> wanted;
         if (!arguments->value.empty()) {
@@ -120,7 +133,9 @@ void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<Ne
                 if (context.json)
                     PrintJson(SettingDocument(label, names, *wanted));
                 else
-                    std::printf("%s set to %s\n", label, names.text(*wanted).c_str());
+                    std::printf("%s\n", (band ? Tool::F("band set to %s", {names.text(*wanted)})
+                                              : Tool::F("mode set to %s", {names.text(*wanted)}))
+                                            .c_str());
                 return EXIT_OK;
             }
             const std::string what = std::string("reading the ") + label;
@@ -131,7 +146,8 @@ void AddSetting(CLI::App& network, CliContext& context, const std::shared_ptr<Ne
             if (context.json)
                 PrintJson(SettingDocument(label, names, static_cast<int>(value)));
             else
-                std::printf("%s: %s\n", label, names.text(static_cast<int>(value)).c_str());
+                std::printf("%s %s\n", (band ? Tool::T("band:") : Tool::T("mode:")).c_str(),
+                            names.text(static_cast<int>(value)).c_str());
             return EXIT_OK;
         });
     });
@@ -147,7 +163,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
 
     network->add_subcommand("info", "Operator, technology, signal, bearer, roaming")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
-            const std::string what = "reading the network information";
+            const std::string what = QT_TRANSLATE_NOOP("dialtone", "reading the network information");
             NetworkController controller(s.link());
             const auto [outcome, info] = s.await(
                 controller, &NetworkController::infoRead, [&] { controller.readInfo(); }, what);
@@ -164,8 +180,8 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
     network->add_subcommand("scan", "Search for the operators in reach (takes up to a few minutes)")
         ->callback([&context] {
             context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
-                ReportProgress("Searching for networks, this can take a minute...");
-                const std::string what = "searching for networks";
+                ReportProgress(Tool::T("Searching for networks, this can take a minute..."));
+                const std::string what = QT_TRANSLATE_NOOP("dialtone", "searching for networks");
                 NetworkController controller(s.link());
                 const auto [outcome, operators] = s.await(
                     controller, &NetworkController::scanFinished, [&] { controller.scan(); }, what,
@@ -200,14 +216,16 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
         const BLNetworkSet selection = NetworkController::operatorSelection(
             QString::fromStdString(arguments->plmn), arguments->act.value_or(-1));
         context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
-            return Select(context, s, selection, "selecting the network", "Network selected");
+            return Select(context, s, selection, QT_TRANSLATE_NOOP("dialtone", "selecting the network"),
+                          QT_TRANSLATE_NOOP("dialtone", "Network selected"));
         });
     });
 
     network->add_subcommand("auto", "Let the modem choose the network")->callback([&context] {
         context.exitCode = RunWithSim(context, [&](ModemSession& s) -> int {
-            return Select(context, s, NetworkController::automaticSelection(), "selecting automatic mode",
-                          "Automatic network selection");
+            return Select(context, s, NetworkController::automaticSelection(),
+                          QT_TRANSLATE_NOOP("dialtone", "selecting automatic mode"),
+                          QT_TRANSLATE_NOOP("dialtone", "Automatic network selection"));
         });
     });
 
@@ -220,7 +238,7 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
 
     network->add_subcommand("reg", "Registration state")->callback([&context] {
         context.exitCode = RunInSession(context, [&](ModemSession& s) -> int {
-            const std::string what = "reading the registration";
+            const std::string what = QT_TRANSLATE_NOOP("dialtone", "reading the registration");
             NetworkController controller(s.link());
             const auto [outcome, registration] = s.await(
                 controller, &NetworkController::registrationRead, [&] { controller.readRegistration(); },
@@ -230,7 +248,8 @@ void AddNetworkCommand(CLI::App& app, CliContext& context) {
             if (context.json)
                 PrintJson(RegistrationDocument(registration.nState));
             else
-                std::printf("Registration:    %s\n", RegistrationText(registration.nState).c_str());
+                std::printf("%s %s\n", PadRight(Tool::T("Registration:"), 16).c_str(),
+                            RegistrationText(registration.nState).c_str());
             return EXIT_OK;
         });
     });

@@ -43,7 +43,8 @@ std::string SessionRegion(ModemSession& session) {
     // The diagnosis always succeeds; what the modem could not tell stays empty.
     EquipmentController equipment(session.link());
     BLDiagInfo diag;
-    session.read([&](auto done) { equipment.readDiagnostics(done); }, diag, "reading the modem's state");
+    session.read([&](auto done) { equipment.readDiagnostics(done); }, diag,
+                 QT_TRANSLATE_NOOP("dialtone", "reading the modem's state"));
     return HomeRegion::fromImsiOrNetwork(diag.strImsi, diag.strOperator).toStdString();
 }
 

@@ -16,17 +16,20 @@
 #include "ScriptDocuments.h"
 #include "SecretInput.h"
 #include "StatusText.h"
+#include "ToolText.h"
 
 namespace {
 
 int Status(CliContext& context, ModemSession& session) {
     BLPinCheckState state;
-    if (const int failed = session.check(session.readSim(state), "reading the PIN state"))
+    if (const int failed =
+            session.check(session.readSim(state), QT_TRANSLATE_NOOP("dialtone", "reading the PIN state")))
         return failed;
     PinController pin(session.link());
     std::optional<PinController::PinRequest> request;
     pin.readPinRequest([&](Outcome, PinController::PinRequest answer) { request = answer; });
-    session.await([&] { return request.has_value(); }, "reading the PIN request");
+    session.await([&] { return request.has_value(); },
+                  QT_TRANSLATE_NOOP("dialtone", "reading the PIN request"));
     const bool enabledKnown = *request != PinController::PinRequest::Unknown;
     const bool enabled = *request == PinController::PinRequest::On;
     if (context.json) {
@@ -35,19 +38,21 @@ int Status(CliContext& context, ModemSession& session) {
         PrintJson(document);
         return EXIT_OK;
     }
-    std::printf("SIM:             %s\n", PinStateText(state.nState).c_str());
+    FieldList fields;
+    fields.add(Tool::T("SIM:"), PinStateText(state.nState));
     if (state.nState != SimState::kAbsent && state.nState != SimState::kBlocked)
-        std::printf("Attempts left:   PIN %s, PUK %s\n", AttemptsText(state.nPinCnt).c_str(),
-                    AttemptsText(state.nPukCnt).c_str());
+        fields.add(Tool::T("Attempts left:"),
+                   Tool::F("PIN %s, PUK %s", {AttemptsText(state.nPinCnt), AttemptsText(state.nPukCnt)}));
     if (enabledKnown)
-        std::printf("PIN request:     %s\n", enabled ? "on" : "off");
+        fields.add(Tool::T("PIN request:"), enabled ? Tool::T("on") : Tool::T("off"));
+    fields.print();
     return EXIT_OK;
 }
 
 // Runs one try; on failure the code, then the attempts it left.
 int Try(CliContext& context, ModemSession& session,
         const std::function<void(PinController&, PinController::Done)>& attempt, const std::string& what,
-        const std::string& done) {
+        const char* done) {
     PinController pin(session.link());
     std::optional<BLPinCheckState> after;
     QObject::connect(&pin, &PinController::simStateRead,
@@ -57,15 +62,17 @@ int Try(CliContext& context, ModemSession& session,
     session.await([&] { return outcome.has_value(); }, what);
     if (const int failed = session.check(*outcome, what)) {
         if (after)
-            std::fprintf(stderr, "dialtone: SIM %s; %s PIN attempts and %s PUK attempts left\n",
-                         PinStateText(after->nState).c_str(), AttemptsText(after->nPinCnt).c_str(),
-                         AttemptsText(after->nPukCnt).c_str());
+            std::fprintf(stderr, "dialtone: %s\n",
+                         Tool::F("SIM %s; %s PIN attempts and %s PUK attempts left",
+                                 {PinStateText(after->nState), AttemptsText(after->nPinCnt),
+                                  AttemptsText(after->nPukCnt)})
+                             .c_str());
         return failed;
     }
     if (context.json)
         PrintJson({{"ok", true}});
     else
-        std::printf("%s\n", done.c_str());
+        std::printf("%s\n", Tool::T(done).c_str());
     return EXIT_OK;
 }
 
@@ -116,14 +123,14 @@ bool GatherCodes(CliContext& context, PinCodes& codes, const std::string& stdinO
         return false;
     }
     for (CodeSlot& slot : codes.needed) {
-        if (!ReadSecretLine(slot.prompt, slot.code)) {
+        if (!ReadSecretLine(Tool::T(slot.prompt), slot.code)) {
             context.exitCode = ReportUsage(std::string("standard input ended before the ") + slot.name);
             return false;
         }
         if (prompting && slot.confirmed) {
             std::string again;
-            if (!ReadSecretLine(std::string(slot.prompt) + " again", again) || again != slot.code) {
-                context.exitCode = ReportUsage("the two new PINs differ; nothing was changed");
+            if (!ReadSecretLine(Tool::F("%s again", {Tool::T(slot.prompt)}), again) || again != slot.code) {
+                context.exitCode = ReportUsage(Tool::T("the two new PINs differ; nothing was changed"));
                 return false;
             }
         }
@@ -181,14 +188,17 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.verifyPin(Q(verifyCodes->needed[0].code), done);
                 },
-                "verifying the PIN", "PIN accepted");
+                QT_TRANSLATE_NOOP("dialtone", "verifying the PIN"),
+                QT_TRANSLATE_NOOP("dialtone", "PIN accepted"));
         });
     });
 
     CLI::App* puk = pin->add_subcommand("puk", "Unblock the SIM with the PUK and set a new PIN");
-    auto pukCodes = AddCodes(
-        puk, {{"PUK", "PUK", PinCodeKind::Puk, false, {}}, {"NEWPIN", "New PIN", PinCodeKind::Pin, true, {}}},
-        "--codes-stdin");
+    auto pukCodes =
+        AddCodes(puk,
+                 {{"PUK", "PUK", PinCodeKind::Puk, false, {}},
+                  {"NEWPIN", QT_TRANSLATE_NOOP("dialtone", "New PIN"), PinCodeKind::Pin, true, {}}},
+                 "--codes-stdin");
     puk->callback([&context, pukCodes] {
         if (!CodesReady(context, *pukCodes, "--codes-stdin"))
             return;
@@ -198,15 +208,17 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.verifyPuk(Q(pukCodes->needed[0].code), Q(pukCodes->needed[1].code), done);
                 },
-                "verifying the PUK", "PUK accepted, new PIN set");
+                QT_TRANSLATE_NOOP("dialtone", "verifying the PUK"),
+                QT_TRANSLATE_NOOP("dialtone", "PUK accepted, new PIN set"));
         });
     });
 
     CLI::App* change = pin->add_subcommand("change", "Change the PIN");
-    auto changeCodes = AddCodes(
-        change,
-        {{"OLD", "Current PIN", PinCodeKind::Pin, false, {}}, {"NEW", "New PIN", PinCodeKind::Pin, true, {}}},
-        "--codes-stdin");
+    auto changeCodes =
+        AddCodes(change,
+                 {{"OLD", QT_TRANSLATE_NOOP("dialtone", "Current PIN"), PinCodeKind::Pin, false, {}},
+                  {"NEW", QT_TRANSLATE_NOOP("dialtone", "New PIN"), PinCodeKind::Pin, true, {}}},
+                 "--codes-stdin");
     change->callback([&context, changeCodes] {
         if (!CodesReady(context, *changeCodes, "--codes-stdin"))
             return;
@@ -216,7 +228,8 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                 [&](PinController& pin, PinController::Done done) {
                     pin.changePin(Q(changeCodes->needed[0].code), Q(changeCodes->needed[1].code), done);
                 },
-                "changing the PIN", "PIN changed");
+                QT_TRANSLATE_NOOP("dialtone", "changing the PIN"),
+                QT_TRANSLATE_NOOP("dialtone", "PIN changed"));
         });
     });
 
@@ -224,7 +237,9 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
         CLI::App* command = pin->add_subcommand(enable ? "enable" : "disable",
                                                 enable ? "Ask for the PIN when the modem starts"
                                                        : "Stop asking for the PIN when the modem starts");
-        auto codes = AddCodes(command, {{"PIN", "Current PIN", PinCodeKind::Pin, false, {}}}, "--pin-stdin");
+        auto codes = AddCodes(
+            command, {{"PIN", QT_TRANSLATE_NOOP("dialtone", "Current PIN"), PinCodeKind::Pin, false, {}}},
+            "--pin-stdin");
         command->callback([&context, codes, enable] {
             if (!CodesReady(context, *codes, "--pin-stdin"))
                 return;
@@ -234,8 +249,10 @@ void AddPinCommand(CLI::App& app, CliContext& context) {
                     [&](PinController& pin, PinController::Done done) {
                         pin.setPinRequest(enable, Q(codes->needed[0].code), done);
                     },
-                    enable ? "enabling the PIN request" : "disabling the PIN request",
-                    enable ? "PIN request enabled" : "PIN request disabled");
+                    enable ? QT_TRANSLATE_NOOP("dialtone", "enabling the PIN request")
+                           : QT_TRANSLATE_NOOP("dialtone", "disabling the PIN request"),
+                    enable ? QT_TRANSLATE_NOOP("dialtone", "PIN request enabled")
+                           : QT_TRANSLATE_NOOP("dialtone", "PIN request disabled"));
             });
         });
     }

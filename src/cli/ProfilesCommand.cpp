@@ -15,6 +15,7 @@
 #include "ModemTextCheck.h"
 #include "SecretInput.h"
 #include "SimProfiles.h"
+#include "ToolText.h"
 #include "WorkNotification.h"
 
 namespace {
@@ -91,21 +92,25 @@ int List(CliContext& context, const AppConfig& config, const OfferedList& list) 
         return EXIT_OK;
     }
     if (rows.empty()) {
-        std::printf("No profiles for this SIM; add one with \"dialtone profiles add NAME APN\"\n");
+        std::printf(
+            "%s\n",
+            Tool::T("No profiles for this SIM; add one with \"dialtone profiles add NAME APN\"").c_str());
         return EXIT_OK;
     }
-    std::printf("  #  %-28s %-24s %-8s %s\n", "Name", "APN", "Number", "");
+    std::printf("  #  %s %s %s\n", PadRight(Tool::T("Name"), 28).c_str(),
+                PadRight(Tool::T("APN"), 24).c_str(), PadRight(Tool::T("Number"), 8).c_str());
     const auto text = [](const nlohmann::json& value) {
         return value.is_string() ? value.get<std::string>() : "";
     };
     for (const auto& row : rows) {
         std::string notes;
         if (row["from_sim"].get<bool>())
-            notes += "[for this SIM]";
+            notes += "[" + Tool::T("for this SIM") + "]";
         if (row["default"].get<bool>())
-            notes += notes.empty() ? "[default]" : " [default]";
-        std::printf("%3d  %-28s %-24s %-8s %s\n", row["number"].get<int>(), text(row["name"]).c_str(),
-                    text(row["apn"]).c_str(), text(row["dial_number"]).c_str(), notes.c_str());
+            notes += (notes.empty() ? "[" : " [") + Tool::T("default") + "]";
+        std::printf("%3d  %s %s %s %s\n", row["number"].get<int>(), PadRight(text(row["name"]), 28).c_str(),
+                    PadRight(text(row["apn"]), 24).c_str(), PadRight(text(row["dial_number"]), 8).c_str(),
+                    notes.c_str());
     }
     return EXIT_OK;
 }
@@ -150,7 +155,7 @@ int Add(CliContext& context, const NewProfile& input) {
         profile.strDNS2 = QString::fromStdString(input.dns2);
     if (input.passwordFromStdin) {
         std::string password;
-        ReadSecretLine("Password", password);
+        ReadSecretLine(Tool::T("Password"), password);
         if (!Printable(password))
             return ReportUsage("the password cannot hold line breaks");
         profile.strPassword = QString::fromStdString(password);
@@ -166,7 +171,9 @@ int Add(CliContext& context, const NewProfile& input) {
     if (context.json)
         PrintJson({{"name", input.name}, {"default", input.makeDefault}});
     else
-        std::printf("Added \"%s\"%s\n", input.name.c_str(), input.makeDefault ? " as the default" : "");
+        std::printf("%s\n", (input.makeDefault ? Tool::F("Added \"%s\" as the default", {input.name})
+                                               : Tool::F("Added \"%s\"", {input.name}))
+                                .c_str());
     return EXIT_OK;
 }
 
@@ -180,7 +187,7 @@ int SetDefault(CliContext& context, ProfileSettingsController& settings, const O
     if (context.json)
         PrintJson({{"name", name.toStdString()}, {"default", true}});
     else
-        std::printf("\"%s\" is the default profile\n", name.toUtf8().constData());
+        std::printf("%s\n", Tool::F("\"%s\" is the default profile", {name.toStdString()}).c_str());
     return EXIT_OK;
 }
 
@@ -196,7 +203,7 @@ int Delete(CliContext& context, ProfileSettingsController& settings, const Offer
     if (context.json)
         PrintJson({{"name", name.toStdString()}, {"deleted", true}});
     else
-        std::printf("Deleted \"%s\"\n", name.toUtf8().constData());
+        std::printf("%s\n", Tool::F("Deleted \"%s\"", {name.toStdString()}).c_str());
     return EXIT_OK;
 }
 

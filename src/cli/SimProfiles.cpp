@@ -21,9 +21,10 @@ bool LearnSim(CliContext& context, ModemSession& session, AppConfig& config,
               ProfileSettingsController& settings, BLNetworkInfo* network) {
     EquipmentController equipment(session.link());
     BLEquipmentInfo info;
-    if (const int failed = session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
-                                                      "reading the SIM's identity"),
-                                         "reading the SIM's identity")) {
+    if (const int failed =
+            session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
+                                       QT_TRANSLATE_NOOP("dialtone", "reading the SIM's identity")),
+                          QT_TRANSLATE_NOOP("dialtone", "reading the SIM's identity"))) {
         context.exitCode = failed;
         return false;
     }
@@ -38,7 +39,7 @@ bool LearnSim(CliContext& context, ModemSession& session, AppConfig& config,
     // A failed read leaves the provider's name empty: the profiles are then chosen by the IMSI alone.
     const auto [networkRead, networkInfo] = session.await(
         networkReader, &NetworkController::infoRead, [&] { networkReader.readInfo(); },
-        "reading the network");
+        QT_TRANSLATE_NOOP("dialtone", "reading the network"));
     (void)networkRead;
     settings.chooseProfilesForSIM(networkInfo.strSpName);
     if (network)

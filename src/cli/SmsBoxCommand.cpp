@@ -94,8 +94,10 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
     MessagesController messages(session.link());
     std::optional<MessagesController::Outcome> identified;
     messages.identify([&identified](const MessagesController::Outcome& outcome) { identified = outcome; });
-    session.await([&identified] { return identified.has_value(); }, "reading the SIM's IMSI");
-    if (const int failed = session.check(*identified, "reading the SIM's IMSI"))
+    session.await([&identified] { return identified.has_value(); },
+                  QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI"));
+    if (const int failed =
+            session.check(*identified, QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI")))
         return failed;
     const std::string region = RegionOfImsi(messages.imsi());
     const QString type = kBoxes.at(box);
@@ -113,7 +115,8 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
         const auto item = ItemAt(items, arguments.remove);
         if (!item)
             return ReportUsage("no message " + std::to_string(arguments.remove) + " in " + box);
-        if (const int failed = ReportStoreResult(context, messages.removeKept(*item), "deleting the message"))
+        if (const int failed = ReportStoreResult(context, messages.removeKept(*item),
+                                                 QT_TRANSLATE_NOOP("dialtone", "deleting the message")))
             return failed;
     } else if (arguments.move.size() == 2) {
         const auto item = ItemAt(items, std::atoi(arguments.move[0].c_str()));
@@ -122,8 +125,8 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
         const auto target = kBoxes.find(arguments.move[1]);
         if (target == kBoxes.end())
             return ReportUsage("no box \"" + arguments.move[1] + "\" (outbox, sent, drafts, archive)");
-        if (const int failed =
-                ReportStoreResult(context, messages.moveKept(*item, target->second), "moving the message"))
+        if (const int failed = ReportStoreResult(context, messages.moveKept(*item, target->second),
+                                                 QT_TRANSLATE_NOOP("dialtone", "moving the message")))
             return failed;
     }
     PrintBox(context, messages.box(type), region);

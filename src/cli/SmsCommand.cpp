@@ -21,13 +21,14 @@
 #include "CommandLine.h"
 #include "ModemSession.h"
 #include "NumberArguments.h"
-#include "Service/ServiceSettings.h"
-#include "ScriptDocuments.h"
 #include "SMS/MessagesController.h"
 #include "SMS/SMSStorage.h"
 #include "SMS/SmsPduText.h"
+#include "ScriptDocuments.h"
+#include "Service/ServiceSettings.h"
 #include "SmsBoxCommand.h"
 #include "TerminalText.h"
+#include "ToolText.h"
 
 namespace {
 
@@ -87,29 +88,34 @@ int Await(ModemSession& session, const std::string& what,
 // Readies the modem for messages: the message settings, the SIM's computer-side inbox (so that nothing
 // taken out of the modem memory is lost) and the chosen storage. The SIM's IMSI is then messages.imsi().
 int PrepareSms(ModemSession& session, MessagesController& messages) {
-    if (const int failed =
-            Await(session, "preparing the messages", [&](auto done) { messages.initialise(done); }))
+    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "preparing the messages"),
+                                 [&](auto done) { messages.initialise(done); }))
         return failed;
-    if (const int failed =
-            Await(session, "reading the SIM's IMSI", [&](auto done) { messages.identify(done); }))
+    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI"),
+                                 [&](auto done) { messages.identify(done); }))
         return failed;
     // Without the inbox the modem keeps its messages; nothing to refuse the command for.
     bool registered = false;
     messages.useComputerInbox([&registered](const Outcome&) { registered = true; });
-    session.await([&registered] { return registered; }, "keeping messages on the computer");
+    session.await([&registered] { return registered; },
+                  QT_TRANSLATE_NOOP("dialtone", "keeping messages on the computer"));
     const int storage = Setting(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt();
     if (storage != SmsStorage::kModem) {
-        if (const int failed = Await(session, "choosing the storage for new messages",
-                                     [&](auto done) { messages.setPreferredStorage(storage, done); }))
+        if (const int failed =
+                Await(session, QT_TRANSLATE_NOOP("dialtone", "choosing the storage for new messages"),
+                      [&](auto done) { messages.setPreferredStorage(storage, done); }))
             return failed;
     }
     return EXIT_OK;
 }
 
-std::string StateText(const BLSmsListItem& item) {
+// In English; shown through Tool::T.
+const char* StateWord(const BLSmsListItem& item) {
     if (item.nType == SmsType::kStatusReport)
-        return "report";
-    static const char* const tags[] = {"unread", "read", "unsent", "sent"};
+        return QT_TRANSLATE_NOOP("dialtone", "report");
+    static const char* const tags[] = {
+        QT_TRANSLATE_NOOP("dialtone", "unread"), QT_TRANSLATE_NOOP("dialtone", "read"),
+        QT_TRANSLATE_NOOP("dialtone", "unsent"), QT_TRANSLATE_NOOP("dialtone", "sent")};
     return item.nTag >= 0 && item.nTag < 4 ? tags[item.nTag] : "?";
 }
 
@@ -119,19 +125,26 @@ std::string TimeText(const QDateTime& time) {
 
 void PrintItem(const BLSmsListItem& item, const std::string& region) {
     const bool report = item.nType == SmsType::kStatusReport;
-    std::string text = report ? "delivery status " + std::to_string(item.nStatusReportStatus)
+    std::string text = report ? Tool::F("delivery status %s", {std::to_string(item.nStatusReportStatus)})
                               : TerminalText(item.strContent);
     if (!item.nCompleted && !report)
-        text += " (incomplete)";
-    std::printf("%4d  %-5s  %-6s  %-16s  %-16s  %s\n", item.nRef, StorageName(item.nStoreIn).c_str(),
-                StateText(item).c_str(), TerminalText(NumberForReading(item.strAddress, region)).c_str(),
+        text += " " + Tool::T("(incomplete)");
+    std::printf("%4d  %-5s  %s  %s  %-16s  %s\n", item.nRef, StorageName(item.nStoreIn).c_str(),
+                PadRight(Tool::T(StateWord(item)), 6).c_str(),
+                PadRight(TerminalText(NumberForReading(item.strAddress, region)), 16).c_str(),
                 TimeText(item.dateTime).c_str(), text.c_str());
+}
+
+void PrintKept(const std::string& storage) {
+    std::cout << (storage == "pc" ? Tool::T("New messages are kept on the computer")
+                                  : Tool::F("New messages are kept on the %s", {storage}))
+              << '\n';
 }
 
 // Builds the worker's message table; the IDs of list and delete come from it.
 int ReadList(ModemSession& session, MessagesController& messages, QList<BLSmsListItem>& items) {
     return Await(
-        session, "reading the messages",
+        session, QT_TRANSLATE_NOOP("dialtone", "reading the messages"),
         [&](MessagesController::Done done) {
             messages.list([&items, done](const Outcome& outcome, const QList<BLSmsListItem>& listed) {
                 items = listed;
@@ -171,33 +184,34 @@ int Send(const CliContext& context, ModemSession& session, const std::string& ty
         return EXIT_USAGE;
     const std::string& number = *dial;
     if (report) {
-        if (const int failed = Await(session, "asking for a delivery report",
+        if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "asking for a delivery report"),
                                      [&](auto done) { messages.setStatusReport(true, done); }))
             return failed;
     }
     const QString validity = Setting(ServiceSettings::kValidityKey).toString();
     if (const auto period = ParseValidity(validity.toStdString())) {
-        if (const int failed = Await(session, "setting the validity period",
+        if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "setting the validity period"),
                                      [&](auto done) { messages.setValidity(*period, done); }))
             return failed;
     }
     const int segments = MessagesController::segmentCount(Q(text));
     if (segments > 1)
-        ReportProgress("Sending " + std::to_string(segments) + " messages...");
+        ReportProgress(Tool::F("Sending %s messages...", {std::to_string(segments)}));
     if (const int failed = Await(
-            session, "sending the message", [&](auto done) { messages.send(Q(number), Q(text), done); },
-            60 + 30 * segments))
+            session, QT_TRANSLATE_NOOP("dialtone", "sending the message"),
+            [&](auto done) { messages.send(Q(number), Q(text), done); }, 60 + 30 * segments))
         return failed;
     const bool kept = messages.keep({Q(number)}, Q(text), SMS_BOX_SENDBOX) == SMSStorage::kOK;
     if (!kept)
-        std::fprintf(stderr, "dialtone: the copy for the sent box could not be written\n");
+        std::fprintf(stderr, "dialtone: %s\n",
+                     Tool::T("the copy for the sent box could not be written").c_str());
     if (context.json) {
         PrintJson(
             {{"number", number}, {"segments", segments}, {"report", report}, {"kept_in_sent_box", kept}});
     } else if (segments == 1) {
-        std::cout << "Sent to " << number << '\n';
+        std::cout << Tool::F("Sent to %s", {number}) << '\n';
     } else {
-        std::cout << "Sent to " << number << " in " << segments << " parts\n";
+        std::cout << Tool::F("Sent to %s in %s parts", {number, std::to_string(segments)}) << '\n';
     }
     return EXIT_OK;
 }
@@ -212,14 +226,14 @@ int Delete(const CliContext& context, ModemSession& session, int id) {
     // An ID the list does not hold is the user's slip, refused before the modem is asked to delete.
     if (std::none_of(items.cbegin(), items.cend(),
                      [id](const BLSmsListItem& item) { return item.nRef == id; }))
-        return ReportUsage("no message " + std::to_string(id) + " (dialtone sms list shows the IDs)");
+        return ReportUsage(Tool::F("no message %s (dialtone sms list shows the IDs)", {std::to_string(id)}));
     if (const int failed = Await(session, "deleting message " + std::to_string(id),
                                  [&](auto done) { messages.remove(id, done); }))
         return failed;
     if (context.json)
         PrintJson({{"deleted", id}});
     else
-        std::cout << "Deleted message " << id << '\n';
+        std::cout << Tool::F("Deleted message %s", {std::to_string(id)}) << '\n';
     return EXIT_OK;
 }
 
@@ -236,12 +250,16 @@ void PrintEvent(const CliContext& context, const BLSmsListItem& item, const std:
     if (context.json) {
         PrintJsonLine(MessageDocument(item));
     } else if (item.nType == SmsType::kStatusReport) {
-        std::cout << "Delivery report from " << TerminalText(NumberForReading(item.strAddress, region))
-                  << ": status " << item.nStatusReportStatus << " (message " << item.nRef << ")\n";
+        std::cout << Tool::F("Delivery report from %s: status %s (message %s)",
+                             {TerminalText(NumberForReading(item.strAddress, region)),
+                              std::to_string(item.nStatusReportStatus), std::to_string(item.nRef)})
+                  << '\n';
     } else {
-        std::cout << "Message " << item.nRef << " from "
-                  << TerminalText(NumberForReading(item.strAddress, region)) << " at "
-                  << TimeText(item.dateTime) << ": " << TerminalText(item.strContent) << '\n';
+        std::cout << Tool::F("Message %s from %s at %s: %s",
+                             {std::to_string(item.nRef),
+                              TerminalText(NumberForReading(item.strAddress, region)),
+                              TimeText(item.dateTime), TerminalText(item.strContent)})
+                  << '\n';
     }
     std::cout.flush();
 }
@@ -278,7 +296,7 @@ int Watch(const CliContext& context, ModemSession& session) {
     });
     std::signal(SIGINT, OnInterrupt);
     std::signal(SIGTERM, OnInterrupt);
-    ReportProgress("Waiting for messages; press Ctrl-C to stop");
+    ReportProgress(Tool::T("Waiting for messages; press Ctrl-C to stop"));
     QEventLoop loop;
     QTimer::singleShot(std::chrono::milliseconds(static_cast<long long>(context.waitSeconds * 1000)), &loop,
                        &QEventLoop::quit);
@@ -297,14 +315,15 @@ int Storage(const CliContext& context, ModemSession& session, const std::string&
     if (const int failed = PrepareSms(session, messages))
         return failed;
     const int storage = kStorages.at(name);
-    if (const int failed = Await(session, "choosing the storage for new messages",
-                                 [&](auto done) { messages.setPreferredStorage(storage, done); }))
+    if (const int failed =
+            Await(session, QT_TRANSLATE_NOOP("dialtone", "choosing the storage for new messages"),
+                  [&](auto done) { messages.setPreferredStorage(storage, done); }))
         return failed;
     ServiceSettings::save(ServiceSettings::kStorageKey, storage);
     if (context.json)
         PrintJson({{"storage", name == "pc" ? "computer" : name}});
     else
-        std::cout << "New messages are kept on the " << (name == "pc" ? "computer" : name) << '\n';
+        PrintKept(name);
     return EXIT_OK;
 }
 
@@ -313,20 +332,26 @@ int State(const CliContext& context, ModemSession& session) {
     if (const int failed = PrepareSms(session, messages))
         return failed;
     BLSmsStorageState state;
-    if (const int failed = Await(session, "reading the storages", [&](MessagesController::Done done) {
-            messages.storageState([&state, done](const Outcome& outcome, const BLSmsStorageState& read) {
-                state = read;
-                done(outcome);
-            });
-        }))
+    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "reading the storages"),
+                                 [&](MessagesController::Done done) {
+                                     messages.storageState([&state, done](const Outcome& outcome,
+                                                                          const BLSmsStorageState& read) {
+                                         state = read;
+                                         done(outcome);
+                                     });
+                                 }))
         return failed;
     if (context.json) {
         PrintJson({{"sim", {{"used", state.nSimUsed}, {"total", state.nSimTotal}}},
                    {"modem", {{"used", state.nMeUsed}, {"total", state.nMeTotal}}}});
         return EXIT_OK;
     }
-    std::printf("SIM:    %d of %d used\nModem:  %d of %d used\n", state.nSimUsed, state.nSimTotal,
-                state.nMeUsed, state.nMeTotal);
+    FieldList fields;
+    fields.add(Tool::T("SIM:"),
+               Tool::F("%s of %s used", {std::to_string(state.nSimUsed), std::to_string(state.nSimTotal)}));
+    fields.add(Tool::T("Modem:"),
+               Tool::F("%s of %s used", {std::to_string(state.nMeUsed), std::to_string(state.nMeTotal)}));
+    fields.print(7);
     return EXIT_OK;
 }
 
@@ -338,22 +363,25 @@ int ServiceCentre(const CliContext& context, ModemSession& session, const std::s
         const std::optional<std::string> number = DialNumber(typed, RegionOfImsi(messages.imsi()));
         if (!number)
             return EXIT_USAGE;
-        if (const int failed = Await(session, "setting the service centre",
+        if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "setting the service centre"),
                                      [&](auto done) { messages.setServiceCentre(Q(*number), done); }))
             return failed;
     }
     std::string current;
-    if (const int failed = Await(session, "reading the service centre", [&](MessagesController::Done done) {
-            messages.serviceCentre([&current, done](const Outcome& outcome, const QString& number) {
-                current = number.toStdString();
-                done(outcome);
-            });
-        }))
+    if (const int failed =
+            Await(session, QT_TRANSLATE_NOOP("dialtone", "reading the service centre"),
+                  [&](MessagesController::Done done) {
+                      messages.serviceCentre([&current, done](const Outcome& outcome, const QString& number) {
+                          current = number.toStdString();
+                          done(outcome);
+                      });
+                  }))
         return failed;
     if (context.json)
         PrintJson({{"service_centre", current.empty() ? json() : json(current)}});
     else
-        std::cout << "Service centre: " << (current.empty() ? "-" : TerminalText(current)) << '\n';
+        std::cout << Tool::T("Service centre:") << ' ' << (current.empty() ? "-" : TerminalText(current))
+                  << '\n';
     return EXIT_OK;
 }
 
@@ -362,7 +390,7 @@ int Validity(const CliContext& context, ModemSession& session, const std::string
     if (const int failed = PrepareSms(session, messages))
         return failed;
     const BLSmsValidPeriod period = *ParseValidity(code);
-    if (const int failed = Await(session, "setting the validity period",
+    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "setting the validity period"),
                                  [&](auto done) { messages.setValidity(period, done); }))
         return failed;
     ServiceSettings::save(ServiceSettings::kValidityKey, Q(code));
@@ -370,7 +398,7 @@ int Validity(const CliContext& context, ModemSession& session, const std::string
         PrintJson(
             {{"validity", code}, {"weeks", period.bWeek}, {"days", period.bDay}, {"hours", period.bHour}});
     else
-        std::cout << "Messages sent from now on are valid for " << code << '\n';
+        std::cout << Tool::F("Messages sent from now on are valid for %s", {code}) << '\n';
     return EXIT_OK;
 }
 
@@ -426,11 +454,12 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
             return;
         }
         // Showing the choice needs no modem.
-        const std::string name = StorageName(Setting(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt());
+        const std::string name =
+            StorageName(Setting(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt());
         if (context.json)
             PrintJson({{"storage", name == "pc" ? "computer" : name}});
         else
-            std::cout << "New messages are kept on the " << (name == "pc" ? "computer" : name) << '\n';
+            PrintKept(name);
         context.exitCode = EXIT_OK;
     });
 

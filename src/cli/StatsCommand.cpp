@@ -5,6 +5,8 @@
 #include <QDate>
 #include <QRegularExpression>
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -14,6 +16,7 @@
 #include "ApplicationShell.h"
 #include "ConvertUtilty.h"
 #include "Statistics/StatisticsController.h"
+#include "ToolText.h"
 #include "Units.h"
 
 namespace {
@@ -60,10 +63,20 @@ json DayCounters(const _TrafficStaticsItem& item) {
             {"roaming_received_bytes", item.roamingReceiveBytes}};
 }
 
-void PrintRow(const std::string& day, const _TrafficStaticsItem& item) {
-    std::printf("%-12s %12s %12s %14s %16s\n", day.c_str(), Bytes(item.noRoamingSendBytes).c_str(),
-                Bytes(item.noRoamingReceiveBytes).c_str(), Bytes(item.roamingSendBytes).c_str(),
-                Bytes(item.roamingReceiveBytes).c_str());
+// The table's columns: at least as wide as in English, wider where a translated heading needs it.
+using ColumnWidths = std::array<std::size_t, 5>;
+
+void PrintCells(const std::array<std::string, 5>& cells, const ColumnWidths& widths) {
+    std::string line = PadRight(cells[0], widths[0]);
+    for (std::size_t column = 1; column < cells.size(); ++column)
+        line += " " + PadLeft(cells[column], widths[column]);
+    std::printf("%s\n", line.c_str());
+}
+
+void PrintRow(const std::string& day, const _TrafficStaticsItem& item, const ColumnWidths& widths) {
+    PrintCells({day, Bytes(item.noRoamingSendBytes), Bytes(item.noRoamingReceiveBytes),
+                Bytes(item.roamingSendBytes), Bytes(item.roamingReceiveBytes)},
+               widths);
 }
 
 int Show(const CliContext& context, const StatsArguments& arguments) {
@@ -106,19 +119,27 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
         return EXIT_OK;
     }
 
-    std::printf("Traffic from %s to %s\n", qPrintable(from->toString(Qt::ISODate)),
-                qPrintable(to->toString(Qt::ISODate)));
-    std::printf("%-12s %12s %12s %14s %16s\n", "Day", "Sent", "Received", "Roaming sent", "Roaming received");
+    std::printf("%s\n", Tool::F("Traffic from %s to %s", {from->toString(Qt::ISODate).toStdString(),
+                                                          to->toString(Qt::ISODate).toStdString()})
+                            .c_str());
+    const std::array<std::string, 5> headings{Tool::T("Day"), Tool::T("Sent"), Tool::T("Received"),
+                                              Tool::T("Roaming sent"), Tool::T("Roaming received")};
+    ColumnWidths widths{12, 12, 12, 14, 16};
+    for (std::size_t column = 0; column < widths.size(); ++column)
+        widths[column] = std::max(widths[column], DisplayWidth(headings[column]));
+    PrintCells(headings, widths);
     for (const StatisticsDayRow& row : range.rows)
-        PrintRow(row.strDay.toStdString(), row.item);
+        PrintRow(row.strDay.toStdString(), row.item, widths);
     if (range.rows.isEmpty())
-        std::printf("(no traffic recorded on these days)\n");
-    PrintRow("Total", range.total);
-    std::printf("\n%s: sent %s, received %s, connection time %s\n",
-                since.resetDate.isValid() ? ("Since the last reset on " + DateText(since.resetDate)).c_str()
-                                          : "Since the first use (never reset)",
-                Bytes(since.sentBytes).c_str(), Bytes(since.receivedBytes).c_str(),
-                DurationText(since.connectTimeSeconds).c_str());
+        std::printf("%s\n", Tool::T("(no traffic recorded on these days)").c_str());
+    PrintRow(Tool::T("Total"), range.total, widths);
+    const std::string sinceWhen = since.resetDate.isValid()
+                                      ? Tool::F("Since the last reset on %s", {DateText(since.resetDate)})
+                                      : Tool::T("Since the first use (never reset)");
+    std::printf("\n%s\n", Tool::F("%s: sent %s, received %s, connection time %s",
+                                  {sinceWhen, Bytes(since.sentBytes), Bytes(since.receivedBytes),
+                                   DurationText(since.connectTimeSeconds)})
+                              .c_str());
     return EXIT_OK;
 }
 
@@ -134,8 +155,13 @@ int Reset(const CliContext& context, bool history) {
     if (context.json) {
         PrintJson({{"reset_time", IsoTime(resetDate)}, {"history_deleted", history}});
     } else {
-        std::printf("The totals since the last reset are zero now (reset on %s); the day history was %s.\n",
-                    DateText(resetDate).c_str(), history ? "deleted" : "kept");
+        std::printf("%s\n", (history ? Tool::F("The totals since the last reset are zero now (reset on %s); "
+                                               "the day history was deleted.",
+                                               {DateText(resetDate)})
+                                     : Tool::F("The totals since the last reset are zero now (reset on %s); "
+                                               "the day history was kept.",
+                                               {DateText(resetDate)}))
+                                .c_str());
     }
     return EXIT_OK;
 }

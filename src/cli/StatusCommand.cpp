@@ -10,6 +10,7 @@
 #include "ScriptVocabulary.h"
 #include "StatusText.h"
 #include "TerminalText.h"
+#include "ToolText.h"
 #include "Units.h"
 #include "WorkNotification.h"
 
@@ -19,18 +20,14 @@ std::string Text(const QString& text) {
     return text.isEmpty() ? "-" : TerminalText(text);
 }
 
-void PrintField(const char* label, const std::string& value) {
-    std::printf("%-16s %s\n", label, value.c_str());
-}
-
-void PrintEquipment(const BLEquipmentInfo& info) {
-    PrintField("Manufacturer:", Text(info.strManufacturer));
-    PrintField("Model:", Text(info.strModel));
-    PrintField("Revision:", Text(info.strRevision));
-    PrintField("IMEI:", Text(info.strSerialNumber));
-    PrintField("Hardware:", Text(info.strHardwareVersion));
-    PrintField("IMSI:", Text(info.strImsi));
-    PrintField("Number:", Text(info.strMsisdn));
+void AddEquipment(FieldList& fields, const BLEquipmentInfo& info) {
+    fields.add(Tool::T("Manufacturer:"), Text(info.strManufacturer));
+    fields.add(Tool::T("Model:"), Text(info.strModel));
+    fields.add(Tool::T("Revision:"), Text(info.strRevision));
+    fields.add(Tool::T("IMEI:"), Text(info.strSerialNumber));
+    fields.add(Tool::T("Hardware:"), Text(info.strHardwareVersion));
+    fields.add(Tool::T("IMSI:"), Text(info.strImsi));
+    fields.add(Tool::T("Number:"), Text(info.strMsisdn));
 }
 
 // The PIN counters come only with the separate SIM reading; without it the SIM's state is the
@@ -61,16 +58,17 @@ int Status(CliContext& context, ModemSession& session) {
     BLDiagInfo diag;
     if (const int failed =
             session.check(session.read([&](auto done) { equipmentReader.readDiagnostics(done); }, diag,
-                                       "reading the modem's state"),
-                          "reading the modem's state"))
+                                       QT_TRANSLATE_NOOP("dialtone", "reading the modem's state")),
+                          QT_TRANSLATE_NOOP("dialtone", "reading the modem's state")))
         return failed;
     BLPinCheckState pin;
     const Outcome pinRead = session.readSim(pin);
     ConnectController connection(session.link(), nullptr, nullptr);
     int connectStatus = 0;
-    session.read([&](auto done) { connection.readStatus(done); }, connectStatus, "reading the link's state");
+    session.read([&](auto done) { connection.readStatus(done); }, connectStatus,
+                 QT_TRANSLATE_NOOP("dialtone", "reading the link's state"));
     // What the modem could not tell stays empty, also when it was pulled meanwhile: that is no status.
-    if (const int gone = session.checkPresent("reading the modem's state"))
+    if (const int gone = session.checkPresent(QT_TRANSLATE_NOOP("dialtone", "reading the modem's state")))
         return gone;
 
     if (context.json) {
@@ -81,39 +79,46 @@ int Status(CliContext& context, ModemSession& session) {
     BLEquipmentInfo equipment{diag.strManufacturer,   diag.strModel, diag.strRevision,
                               diag.strSerialNumber,   diag.strImsi,  diag.strMsisdn,
                               diag.strHardwareVersion};
-    PrintEquipment(equipment);
+    FieldList fields;
+    AddEquipment(fields, equipment);
     std::string sim = PinStateText(diag.nPinState);
     if (pinRead.ok()) {
         sim = PinStateText(pin.nState);
         if (pin.nState == SimState::kPin && pin.nPinCnt >= 0)
-            sim += " (" + std::to_string(pin.nPinCnt) + " attempts left)";
+            sim += " " + Tool::F("(%s attempts left)", {std::to_string(pin.nPinCnt)});
         else if (pin.nState == SimState::kPuk && pin.nPukCnt >= 0)
-            sim += " (" + std::to_string(pin.nPukCnt) + " PUK attempts left)";
+            sim += " " + Tool::F("(%s PUK attempts left)", {std::to_string(pin.nPukCnt)});
     }
-    PrintField("SIM:", sim);
-    PrintField("Operator:", TerminalText(OperatorText(diag.strOperator, diag.strSpName)));
-    PrintField("Registration:",
-               RegistrationText(diag.nNormalRegState) + ", packet " + RegistrationText(diag.nGprsRegState));
-    PrintField("Roaming:", ServiceStateText(diag.nRoamState));
-    PrintField("Signal:", SignalLevelText(diag.nRssi, ReadSignalDbm(session.link())));
-    PrintField("Bearer:", BearerText(diag.nBearer));
-    PrintField("Connection:", ConnectStatusText(connectStatus));
+    fields.add(Tool::T("SIM:"), sim);
+    fields.add(Tool::T("Operator:"), TerminalText(OperatorText(diag.strOperator, diag.strSpName)));
+    fields.add(Tool::T("Registration:"), Tool::F("%s, packet %s", {RegistrationText(diag.nNormalRegState),
+                                                                   RegistrationText(diag.nGprsRegState)}));
+    fields.add(Tool::T("Roaming:"), ServiceStateText(diag.nRoamState));
+    fields.add(Tool::T("Signal:"), SignalLevelText(diag.nRssi, ReadSignalDbm(session.link())));
+    fields.add(Tool::T("Bearer:"), BearerText(diag.nBearer));
+    fields.add(Tool::T("Connection:"), ConnectStatusText(connectStatus));
+    fields.print();
     return EXIT_OK;
 }
 
 int Info(CliContext& context, ModemSession& session) {
     EquipmentController equipment(session.link());
     BLEquipmentInfo info;
-    if (const int failed = session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
-                                                      "reading the modem's identity"),
-                                         "reading the equipment information"))
+    if (const int failed =
+            session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
+                                       QT_TRANSLATE_NOOP("dialtone", "reading the modem's identity")),
+                          QT_TRANSLATE_NOOP("dialtone", "reading the equipment information")))
         return failed;
-    if (const int gone = session.checkPresent("reading the equipment information"))
+    if (const int gone =
+            session.checkPresent(QT_TRANSLATE_NOOP("dialtone", "reading the equipment information")))
         return gone;
     if (context.json)
         PrintJson(EquipmentDocument(info));
-    else
-        PrintEquipment(info);
+    else {
+        FieldList fields;
+        AddEquipment(fields, info);
+        fields.print();
+    }
     return EXIT_OK;
 }
 

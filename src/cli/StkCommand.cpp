@@ -13,6 +13,7 @@
 #include "SAT/ToolkitController.h"
 #include "SatRecords.h"
 #include "TerminalText.h"
+#include "ToolText.h"
 
 namespace {
 
@@ -55,25 +56,29 @@ void PrintCommand(const BLSatCommand& command) {
         std::printf("%s\n", text.c_str());
         for (const BLSatMenuItem& item : command.lstItems) {
             std::printf("%4d  %s%s\n", item.nItemId, TerminalText(item.strText).c_str(),
-                        item.nItemId == command.nDefaultItem && command.nDefaultItem != 0 ? "  (default)"
-                                                                                          : "");
+                        item.nItemId == command.nDefaultItem && command.nDefaultItem != 0
+                            ? ("  " + Tool::T("(default)")).c_str()
+                            : "");
         }
         break;
     case kDisplayText:
         std::printf("%s\n", text.c_str());
         break;
     case kGetInkey:
-        std::printf("%s\n(the card asks for a key)\n", text.c_str());
+        std::printf("%s\n%s\n", text.c_str(), Tool::T("(the card asks for a key)").c_str());
         break;
     case kGetInput:
-        std::printf("%s\n(the card asks for an answer of %d to %d characters)\n", text.c_str(),
-                    command.nMinLength, command.nMaxLength);
+        std::printf("%s\n%s\n", text.c_str(),
+                    Tool::F("(the card asks for an answer of %s to %s characters)",
+                            {std::to_string(command.nMinLength), std::to_string(command.nMaxLength)})
+                        .c_str());
         break;
     case kSessionEnd:
-        std::printf("(the card ended the dialogue)\n");
+        std::printf("%s\n", Tool::T("(the card ended the dialogue)").c_str());
         break;
     default:
-        std::printf("(toolkit command %d)%s%s\n", command.nCommand, text.empty() ? "" : " ", text.c_str());
+        std::printf("%s%s%s\n", Tool::F("(toolkit command %s)", {std::to_string(command.nCommand)}).c_str(),
+                    text.empty() ? "" : " ", text.c_str());
         break;
     }
     std::fflush(stdout);
@@ -115,15 +120,15 @@ int Await(ModemSession& session, const std::function<void(ToolkitController::Res
 }
 
 int GetMenu(ModemSession& session, ToolkitController& toolkit, BLSatCommand& menu) {
-    ReportProgress("reading the SIM's menu");
+    ReportProgress(Tool::T("reading the SIM's menu"));
     return Await(
         session, [&](ToolkitController::Result done) { toolkit.readMenu(done); }, menu,
-        "reading the SIM's menu");
+        QT_TRANSLATE_NOOP("dialtone", "reading the SIM's menu"));
 }
 
 int Answer(ModemSession& session, ToolkitController& toolkit, const BLSatResponse& answer, BLSatCommand& next,
            const std::string& what) {
-    ReportProgress("waiting for the SIM's answer");
+    ReportProgress(Tool::T("waiting for the SIM's answer"));
     return Await(
         session, [&](ToolkitController::Result done) { toolkit.answer(answer, done); }, next, what);
 }

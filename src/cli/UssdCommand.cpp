@@ -17,6 +17,7 @@
 #include "ModemTextCheck.h"
 #include "ScriptJson.h"
 #include "TerminalText.h"
+#include "ToolText.h"
 #include "UssdRecords.h"
 
 namespace {
@@ -93,7 +94,7 @@ std::optional<std::string> NextReply(std::deque<std::string>& replies) {
     }
     if (!isatty(STDIN_FILENO))
         return std::nullopt;
-    std::fprintf(stderr, "Reply (empty to end): ");
+    std::fprintf(stderr, "%s ", Tool::T("Reply (empty to end):").c_str());
     std::string line;
     if (!std::getline(std::cin, line) || line.empty())
         return std::nullopt;
@@ -109,7 +110,7 @@ int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& ar
             return refused;
         if (const int failed = dialogue.send(BLUssdSendCmdInfo::kSend, text, "sending " + text))
             return failed;
-        ReportProgress("waiting for the network's answer");
+        ReportProgress(Tool::T("waiting for the network's answer"));
         const std::optional<BLUssdReceive> answer = dialogue.next(context.waitSeconds);
         if (!answer) {
             return ReportFailure(context, 2,
@@ -124,10 +125,11 @@ int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& ar
             return EXIT_OK;
         const std::optional<std::string> reply = NextReply(replies);
         if (!reply) {
-            if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {}, "ending the dialogue"))
+            if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {},
+                                                 QT_TRANSLATE_NOOP("dialtone", "ending the dialogue")))
                 return failed;
             if (!context.json)
-                std::fprintf(stderr, "dialtone: dialogue ended\n");
+                std::fprintf(stderr, "dialtone: %s\n", Tool::T("dialogue ended").c_str());
             return EXIT_OK;
         }
         text = *reply;
@@ -136,12 +138,13 @@ int Dialogue(CliContext& context, ModemSession& session, const UssdArguments& ar
 
 int Cancel(CliContext& context, ModemSession& session) {
     UssdDialogue dialogue(session);
-    if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {}, "ending the dialogue"))
+    if (const int failed = dialogue.send(BLUssdSendCmdInfo::kCancel, {},
+                                         QT_TRANSLATE_NOOP("dialtone", "ending the dialogue")))
         return failed;
     if (context.json)
         PrintJson({{"ok", true}});
     else
-        std::printf("USSD dialogue ended\n");
+        std::printf("%s\n", Tool::T("USSD dialogue ended").c_str());
     return EXIT_OK;
 }
 

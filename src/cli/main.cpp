@@ -1,9 +1,11 @@
 // dialtone: the command-line front end. Each command family registers itself below; the global options
 // of every command are handled here.
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
@@ -16,9 +18,9 @@
 #include "ContactsCommand.h"
 #include "CoreDumps.h"
 #include "DebugSink.h"
+#include "DoctorCommand.h"
 #include "GpsCommand.h"
 #include "NetworkCommand.h"
-#include "DoctorCommand.h"
 #include "PduCommand.h"
 #include "PinCommand.h"
 #include "ProfilesCommand.h"
@@ -27,6 +29,7 @@
 #include "StatsCommand.h"
 #include "StatusCommand.h"
 #include "StkCommand.h"
+#include "ToolText.h"
 #include "Translations.h"
 #include "UssdCommand.h"
 
@@ -91,6 +94,10 @@ int main(int argc, char** argv) {
         if (!context.json)
             Translations::installWithApplication();
     });
+    // Mistakes on the command line are told in the user's language too, unless the output is for scripts.
+    Tool::translateEarly(std::none_of(argv + 1, argv + argc, [](std::string_view word) {
+        return word == "--json" || word.starts_with("--output");
+    }));
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
