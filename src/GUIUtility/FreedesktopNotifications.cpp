@@ -29,15 +29,28 @@ QString Bounded(QString text, int limit) {
 
 } // namespace
 
+// The server's signals this object follows: name, signature, slot.
+struct FollowedSignal {
+    const char* name;
+    const char* slot;
+};
+static const FollowedSignal kFollowed[] = {
+    {"ActionInvoked", SLOT(onActionInvoked(uint, QString))},
+    // KDE's extension: the text typed into a notification's reply field.
+    {"NotificationReplied", SLOT(onReplied(uint, QString))},
+    {"NotificationClosed", SLOT(onClosed(uint, uint))},
+};
+
 FreedesktopNotifications::FreedesktopNotifications(const QDBusConnection& bus, QObject* parent)
     : QObject(parent), _bus(bus) {
-    _bus.connect(kService, kPath, kInterface, QStringLiteral("ActionInvoked"), this,
-                 SLOT(onActionInvoked(uint, QString)));
-    // KDE's extension: the text typed into a notification's reply field.
-    _bus.connect(kService, kPath, kInterface, QStringLiteral("NotificationReplied"), this,
-                 SLOT(onReplied(uint, QString)));
-    _bus.connect(kService, kPath, kInterface, QStringLiteral("NotificationClosed"), this,
-                 SLOT(onClosed(uint, uint)));
+    for (const FollowedSignal& followed : kFollowed)
+        _bus.connect(kService, kPath, kInterface, QString::fromLatin1(followed.name), this, followed.slot);
+}
+
+// The connection may outlive this object (the session bus does), and keeps what it was told to follow.
+FreedesktopNotifications::~FreedesktopNotifications() {
+    for (const FollowedSignal& followed : kFollowed)
+        _bus.disconnect(kService, kPath, kInterface, QString::fromLatin1(followed.name), this, followed.slot);
 }
 
 bool FreedesktopNotifications::available() const {

@@ -24,6 +24,7 @@ public:
     using Action = std::pair<QString, QString>;
 
     explicit FreedesktopNotifications(const QDBusConnection& bus, QObject* parent = nullptr);
+    ~FreedesktopNotifications() override;
 
     // Whether a server owns the name on the bus right now.
     bool available() const;
