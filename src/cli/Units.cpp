@@ -2,24 +2,13 @@
 
 #include <cstdio>
 
+#include "LocaleFormat.h"
 #include "ModemLink.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
 
 std::string ByteText(quint64 bytes) {
-    static const char* const units[] = {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
-    if (bytes < 1024)
-        return std::to_string(bytes) + " B";
-    double value = static_cast<double>(bytes) / 1024.0;
-    std::size_t unit = 0;
-    // 1023.96 MiB would round to "1024.0 MiB": such a value shows in the next unit.
-    while (value >= 1023.95 && unit + 1 < std::size(units)) {
-        value /= 1024.0;
-        ++unit;
-    }
-    char text[32];
-    std::snprintf(text, sizeof(text), "%.1f %s", value, units[unit]);
-    return text;
+    return LocaleFormat::dataSize(bytes, QLocale::c()).toStdString();
 }
 
 std::string RateText(quint64 bytesPerSecond) {

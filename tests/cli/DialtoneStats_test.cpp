@@ -57,7 +57,7 @@ TEST(DialtoneStats, Runs) {
         {false, {"stats"}, 0, {"(no traffic recorded", "Total", "never reset", "0:00:00"}, ""},
         // clang-format off
         {true, {"stats", "--from", "2024-01-30", "--to", "2024-02-02"}, 0,
-         {"2024/01/31", "100 B", "400 B", "2024/02/02", "2.0 KiB", "1.5 KiB", "Since the last reset on 2024-01-1", "sent 4.9 KiB, received 1.0 MiB, connection time 1:01:01"}, ""},
+         {"2024/01/31", "100 bytes", "400 bytes", "2024/02/02", "2.0 KiB", "1.5 KiB", "Since the last reset on 2024-01-1", "sent 4.9 KiB, received 1.0 MiB, connection time 1:01:01"}, ""},
         // clang-format on
         {false, {"stats", "--from", "2024-02-30"}, 2, {}, "--from: \"2024-02-30\" is not a valid date"},
         {false, {"stats", "--to", "31-01-2024"}, 2, {}, "--to: \"31-01-2024\" is not a valid date"},

@@ -3,7 +3,7 @@
 #include <QLocale>
 #include <QString>
 
-// Numbers as the desktop app shows them, in the user's locale: byte counts in binary units with their
+// Numbers as people read them, in the user's locale: byte counts in binary units with their
 // proper names ("117.7 MiB", in German "117,7 MiB"), rates per second, and durations as hours, minutes
 // and seconds.
 namespace LocaleFormat {
