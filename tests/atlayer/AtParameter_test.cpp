@@ -19,18 +19,11 @@ using namespace std::string_literals;
 TEST(AtParameter, RefusesWhatEndsTheParameterOrTheCommand) {
     // clang-format off
     const struct { std::string value; std::size_t max; AtParameterFault fault; } rows[] = {
-        {"internet.eplus.de", 100, AtParameterFault::None},
-        {"caf\xC3\xA9 +49 (0) *99#", 100, AtParameterFault::None},
-        {"inet\";+CMGD=1,4;+CFUN=0;\"", 100, AtParameterFault::Quote},
-        {"inet;+CFUN=0", 100, AtParameterFault::Semicolon},
-        {"a\\22b", 100, AtParameterFault::Backslash},
-        {"inet\r", 100, AtParameterFault::Control},
-        {"inet\nAT+CFUN=0", 100, AtParameterFault::Control},
-        {"in\0et"s, 100, AtParameterFault::Control},
-        {"a\x7F", 100, AtParameterFault::Control},
-        {"a\xC2\x9B" "2J", 100, AtParameterFault::Control},
-        {std::string(300, 'x'), 100, AtParameterFault::TooLong},
-        {std::string(100, 'x'), 100, AtParameterFault::None},
+        {"internet.eplus.de", 100, AtParameterFault::None}, {"caf\xC3\xA9 +49 (0) *99#", 100, AtParameterFault::None},
+        {"inet\";+CMGD=1,4;+CFUN=0;\"", 100, AtParameterFault::Quote}, {"inet;+CFUN=0", 100, AtParameterFault::Semicolon},
+        {"a\\22b", 100, AtParameterFault::Backslash}, {"inet\r", 100, AtParameterFault::Control}, {"inet\nAT+CFUN=0", 100, AtParameterFault::Control},
+        {"in\0et"s, 100, AtParameterFault::Control}, {"a\x7F", 100, AtParameterFault::Control}, {"a\xC2\x9B" "2J", 100, AtParameterFault::Control},
+        {std::string(300, 'x'), 100, AtParameterFault::TooLong}, {std::string(100, 'x'), 100, AtParameterFault::None},
     };
     // clang-format on
     for (const auto& row : rows) {

@@ -83,36 +83,22 @@ protected:
 };
 
 TEST_F(AtSublayerTest, DecodesUnsolicitedLinesByPrefix) {
-    struct Row {
-        const char* line;
-        int code; // -1: ignored
-        bool hasPayload;
-    };
+    // clang-format off
+    // code: -1: ignored
+    struct Row { const char* line; int code; bool hasPayload; };
     const Row rows[] = {
-        {"+CMTI: \"SM\",3", ATS_REPORT_NEW_SMS, true},
-        {"+CDSI: \"SR\",1", ATS_REPORT_NEW_SMS, true},
-        {"+CUSD: 0,\"00480069\",72", ATS_REPORT_CUSD, true},
-        {"+CUSD: 2", ATS_REPORT_CUSD, true},
+        {"+CMTI: \"SM\",3", ATS_REPORT_NEW_SMS, true}, {"+CDSI: \"SR\",1", ATS_REPORT_NEW_SMS, true},
+        {"+CUSD: 0,\"00480069\",72", ATS_REPORT_CUSD, true}, {"+CUSD: 2", ATS_REPORT_CUSD, true},
         {"+CUSD:1", -1, false}, // no blank after the colon
-        {"+CUSD:", -1, false},
-        {"BUSY", ATS_REPORT_BUSY, false},
-        {"NO ANSWER", ATS_REPORT_NO_ANSWER, false},
-        {"NO CARRIER", ATS_REPORT_NO_CARRIER, false},
-        {"NO DIALTONE", ATS_REPORT_NO_DIALTONE, false},
-        {"RING", ATS_REPORT_RING, false},
-        {"+CRING: VOICE", ATS_REPORT_RING, false},
-        {"+STIN: 11", ATS_REPORT_STK, true},
-        {"+STIN:20", ATS_REPORT_STK, true},
+        {"+CUSD:", -1, false}, {"BUSY", ATS_REPORT_BUSY, false}, {"NO ANSWER", ATS_REPORT_NO_ANSWER, false},
+        {"NO CARRIER", ATS_REPORT_NO_CARRIER, false}, {"NO DIALTONE", ATS_REPORT_NO_DIALTONE, false}, {"RING", ATS_REPORT_RING, false},
+        {"+CRING: VOICE", ATS_REPORT_RING, false}, {"+STIN: 11", ATS_REPORT_STK, true}, {"+STIN:20", ATS_REPORT_STK, true},
         {"NO CARRIER\r\n", ATS_REPORT_NO_CARRIER, false}, // a prefix test: what follows does not matter
-        {"\r\n+CMTI: \"SM\",3\r\n", -1, false},           // the channel's framing must be gone
-        {"\r\nRING\r\n", -1, false},
-        {" RING", -1, false},
-        {"+cmti: \"SM\",3", -1, false},
-        {"BUS", -1, false},
-        {"+CMT: ,24", -1, false},
-        {"OK", -1, false},
-        {"", -1, false},
+        {"\r\n+CMTI: \"SM\",3\r\n", -1, false}, // the channel's framing must be gone
+        {"\r\nRING\r\n", -1, false}, {" RING", -1, false}, {"+cmti: \"SM\",3", -1, false}, {"BUS", -1, false}, {"+CMT: ,24", -1, false},
+        {"OK", -1, false}, {"", -1, false},
     };
+    // clang-format on
     ASSERT_EQ(m_sublayer->RegisterReportCallback(&RecordReport, &m_reports), 0);
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
@@ -250,8 +236,7 @@ TEST_F(AtSublayerTest, SlotsReachTheirFamily) {
         {{{"AT+FUNC=5,0\r"}}, [&] { return s.SystemSetDeviceStartState(0); }, 0},
         {{{"\x1B", ""}, {"ATE1\r", "", 2}}, [&] { return s.SystemInitComm(); }, 2},
         {{{"\x1B", ""}, {"ATE1\r", "", 30}}, [&] { return s.SystemSyncComm(); }, 30},
-        {{{"AT+CGMI\r", "", 2}, {"AT+CGMM\r", "", 2}, {"AT+CGMR\r", "", 2}, {"AT+CGSN\r", "", 2}, {"AT+CIMI\r", "", 2}, {"AT+CNUM\r", "", 2}, {"AT+HWV\r", "\r\nHW 2\r\n\r\nOK\r\n"}},
-         [&] { return s.SystemGetEquipmentInfo(equipment) == 0 && equipment.szHardwareVersion == std::string("HW 2") ? static_cast<int>(equipment.nMask) : -1; }, 64},
+        {{{"AT+CGMI\r", "", 2}, {"AT+CGMM\r", "", 2}, {"AT+CGMR\r", "", 2}, {"AT+CGSN\r", "", 2}, {"AT+CIMI\r", "", 2}, {"AT+CNUM\r", "", 2}, {"AT+HWV\r", "\r\nHW 2\r\n\r\nOK\r\n"}}, [&] { return s.SystemGetEquipmentInfo(equipment) == 0 && equipment.szHardwareVersion == std::string("HW 2") ? static_cast<int>(equipment.nMask) : -1; }, 64},
         {{{"AT+COPS=?\r", "\r\n+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),,(0,1)\r\n\r\nOK\r\n"}}, [&] { return s.NetworkGetList(operators) == 0 ? static_cast<int>(operators.size()) : -1; }, 1},
         {{{"AT+COPS=1,2,\"00101\"\r"}}, [&] { return s.NetworkSet(1 | 2 | 4, 1, 2, "00101", 0); }, 0},
         {{{"AT+COPS=3,2\r"}}, [&] { return s.NetworkInit(); }, 0},

@@ -26,19 +26,14 @@ protected:
 };
 
 TEST_F(CallUtilityTest, SetCommandsNeedOk) {
-    struct Row {
-        const char* command;
-        int timeoutMs;
-        std::function<int()> run;
-    };
+    // clang-format off
+    struct Row { const char* command; int timeoutMs; std::function<int()> run; };
     const Row rows[] = {
-        {"AT+COLP=0\r", 3000, [this] { return m_call.InitCOLP(); }},
-        {"AT+CLIP=0\r", 3000, [this] { return m_call.InitCLIP(); }},
-        {"AT+CRC=0\r", 3000, [this] { return m_call.InitCRC(); }},
-        {"AT+VTS=5\r", 3000, [this] { return m_call.SendDTMF('5'); }},
-        {"AT$GPSC=1,1\r", 3000, [this] { return m_gps.InitGPS(); }},
-        {"AT$GPSC=1,0\r", 3000, [this] { return m_gps.UninitGPS(); }},
+        {"AT+COLP=0\r", 3000, [this] { return m_call.InitCOLP(); }}, {"AT+CLIP=0\r", 3000, [this] { return m_call.InitCLIP(); }},
+        {"AT+CRC=0\r", 3000, [this] { return m_call.InitCRC(); }}, {"AT+VTS=5\r", 3000, [this] { return m_call.SendDTMF('5'); }},
+        {"AT$GPSC=1,1\r", 3000, [this] { return m_gps.InitGPS(); }}, {"AT$GPSC=1,0\r", 3000, [this] { return m_gps.UninitGPS(); }},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.command));
         m_fake.Expect(row.command, std::string(row.command) + "\r\nOK\r\n")
@@ -76,14 +71,8 @@ TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
     // result: -1: the operation does not run with this answer
     struct Row { const char* answer; int result; int dial; int answerCall; int hangUp; };
     const Row rows[] = {
-        {"\r\nOK\r\n", 0, 0, 0, 0},
-        {"\r\nNO CARRIER\r\n", 0, 25, 25, 25},
-        {"\r\nBUSY\r\n", 0, 27, 1, 1},
-        {"\r\nNO ANSWER\r\n", 0, 26, 1, 1},
-        {"\r\nNO DIALTONE\r\n", 0, 28, 1, 1},
-        {"\r\n+CME ERROR: no network service\r\n", 0, 1, 1, 1},
-        {"", 2, 2, 2, 2},
-        {"", 30, 30, 30, 30},
+        {"\r\nOK\r\n", 0, 0, 0, 0}, {"\r\nNO CARRIER\r\n", 0, 25, 25, 25}, {"\r\nBUSY\r\n", 0, 27, 1, 1}, {"\r\nNO ANSWER\r\n", 0, 26, 1, 1},
+        {"\r\nNO DIALTONE\r\n", 0, 28, 1, 1}, {"\r\n+CME ERROR: no network service\r\n", 0, 1, 1, 1}, {"", 2, 2, 2, 2}, {"", 30, 30, 30, 30},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -119,17 +108,14 @@ TEST(CallListParse, ClccLines) {
     // clang-format off
     struct Row { const char* line; bool listed; TCallItemState call; };
     const Row rows[] = {
-        {"+CLCC: 1,1,4,0,0,\"123\",145", true, {1, 1, 4, 0, 0, "+123", 145}},
-        {"+CLCC: 1,1,4,0,0,\"123\",129", true, {1, 1, 4, 0, 0, "123", 129}},
+        {"+CLCC: 1,1,4,0,0,\"123\",145", true, {1, 1, 4, 0, 0, "+123", 145}}, {"+CLCC: 1,1,4,0,0,\"123\",129", true, {1, 1, 4, 0, 0, "123", 129}},
         {"+CLCC: 2,0,0,0,1,\"+8613800138000\",145", true, {2, 0, 0, 0, 1, "+8613800138000", 0}},
         {"+CLCC: 1,0,2,1,0,\"10086\",161,\"\"", true, {1, 0, 2, 1, 0, "10086", 161}},
-        {"+CLCC: 3,1,4,0,0", true, {3, 1, 4, 0, 0, "", 0}},            // number withheld
+        {"+CLCC: 3,1,4,0,0", true, {3, 1, 4, 0, 0, "", 0}}, // number withheld
         {"+CLCC: 3,1,4,0,0,\"\",128", true, {3, 1, 4, 0, 0, "", 128}}, // empty number
-        {"+CLCC: 3,1,4,0,0,\"12345", true, {3, 1, 4, 0, 0, "", 0}},    // unterminated
+        {"+CLCC: 3,1,4,0,0,\"12345", true, {3, 1, 4, 0, 0, "", 0}}, // unterminated
         {"+CLCC: 1,1,4,0,0,\"123\"", true, {1, 1, 4, 0, 0, "123", 0}}, // no type
-        {"+CLCC: 1,1,4,0,0,\"123\",x", true, {1, 1, 4, 0, 0, "123", 0}},
-        {"+CLCC: 1,1,4,0", false, {}},
-        {"+CLCC: ", false, {}},
+        {"+CLCC: 1,1,4,0,0,\"123\",x", true, {1, 1, 4, 0, 0, "123", 0}}, {"+CLCC: 1,1,4,0", false, {}}, {"+CLCC: ", false, {}},
         {"+CLCC: a,1,4,0,0,\"123\",129", false, {}},
     };
     // clang-format on
@@ -177,11 +163,9 @@ TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
     // clang-format off
     struct Row { std::string lines; int ring; const char* number; bool allEnded; };
     const Row rows[] = {
-        {"", 1, "", true},
-        {"+CLCC: 1,1,4,0,0,\"123\",145\r\n", 0, "+123", false},
+        {"", 1, "", true}, {"+CLCC: 1,1,4,0,0,\"123\",145\r\n", 0, "+123", false},
         {"+CLCC: 1,1,4,1,0,\"123\",129\r\n", 1, "", true}, // data call
-        {"+CLCC: 1,0,0,0,0,\"555\",129\r\n+CLCC: 2,1,5,0,0,\"666\",129\r\n+CLCC: 3,1,4,0,0,\"777\",129\r\n",
-         0, "777", false},
+        {"+CLCC: 1,0,0,0,0,\"555\",129\r\n+CLCC: 2,1,5,0,0,\"666\",129\r\n+CLCC: 3,1,4,0,0,\"777\",129\r\n", 0, "777", false},
         {"+CLCC: 1,1,4,0,0\r\n", 0, "", false}, // incoming, number withheld
     };
     // clang-format on

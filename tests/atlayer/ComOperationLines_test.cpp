@@ -17,18 +17,14 @@ struct SuffixCase {
 };
 
 TEST(StringHasSuffix, EndsWithAStrictlyShorterSuffix) {
+    // clang-format off
     const SuffixCase cases[] = {
-        {"\r\nOK\r\n", "\r\n", 1},
-        {"x\r\n", "\r\n", 1},
+        {"\r\nOK\r\n", "\r\n", 1}, {"x\r\n", "\r\n", 1},
         {"\r\n", "\r\n", 0}, // equal to the suffix: not "ending with" it
-        {"\r\n> ", "\r\n", 0},
-        {"\r\n+CSQ: 23,99\r", "\r\n", 0},
-        {"\n\r", "\r\n", 0},
-        {"", "\r\n", 0},
-        {"OK", "", 0},
-        {nullptr, "\r\n", 0},
+        {"\r\n> ", "\r\n", 0}, {"\r\n+CSQ: 23,99\r", "\r\n", 0}, {"\n\r", "\r\n", 0}, {"", "\r\n", 0}, {"OK", "", 0}, {nullptr, "\r\n", 0},
         {"OK\r\n", nullptr, 0},
     };
+    // clang-format on
     for (const SuffixCase& c : cases)
         EXPECT_EQ(stringHasSuffix(c.text, c.suffix), c.expected)
             << "text \"" << (c.text ? c.text : "(null)") << "\" suffix \"" << (c.suffix ? c.suffix : "(null)")

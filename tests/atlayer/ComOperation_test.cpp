@@ -142,10 +142,11 @@ TEST_F(ComOperationTest, CollectsAnAnswerUntilAFinalResult) {
 }
 
 TEST_F(ComOperationTest, FinalResultInsideADataLineEndsTheCommandAtOnce) {
+    // clang-format off
     const char* const firstLines[] = {
-        "\r\n+COPS: 0,0,\"OK Mobile\",2\r\n",
-        "\r\n+CPBR: 1,\"5550100\",129,\"ERRORS desk\"\r\n",
+        "\r\n+COPS: 0,0,\"OK Mobile\",2\r\n", "\r\n+CPBR: 1,\"5550100\",129,\"ERRORS desk\"\r\n",
     };
+    // clang-format on
     for (const char* first : firstLines) {
         SCOPED_TRACE(first);
         peer.expect("AT+COPS?\r", Pieces({first, "\r\n+COPS: 1\r\n\r\nOK\r\n"}, 300ms));

@@ -63,11 +63,9 @@ TEST(Gsm7BitAlphabet, AsciiRangesAreTheirOwnCodes) {
 }
 
 TEST(Gsm7BitAlphabet, EncodesCharacters) {
-    struct Row {
-        wchar_t character;
-        int septets; // 0: not in the alphabet
-        unsigned char code;
-    };
+    // clang-format off
+    // septets: 0: not in the alphabet
+    struct Row { wchar_t character; int septets; unsigned char code; };
     const Row rows[] = {
         {L'@', 1, 0x00},   {L'$', 1, 0x02},     {L'\n', 1, 0x0A}, // line feed from the default table
         {L'\r', 1, 0x0D},  {L'Ç', 1, 0x09},     {L'ç', 0, 0},       {L'¤', 1, 0x24},      {L'Ω', 1, 0x15},
@@ -76,6 +74,7 @@ TEST(Gsm7BitAlphabet, EncodesCharacters) {
         {L']', 2, 0x3E},   {L'|', 2, 0x40},     {L'^', 2, 0x14},    {L'`', 0, 0},         {L'\0', 0, 0},
         {L'\u0100', 0, 0}, {kGsm7NoChar, 0, 0}, {L'\x1F600', 0, 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << "U+" << std::hex << static_cast<long>(row.character));
         unsigned char code = 0xEE;

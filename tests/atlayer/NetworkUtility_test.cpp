@@ -26,24 +26,12 @@ TEST_F(NetworkUtilityTest, SignalLevelAndDbmFromCsq) {
     // clang-format off
     struct Row { std::string answer; int result; int level; int dbm; };
     const Row rows[] = {
-        {Answer("+CSQ: 99,99"), 0, 0, 0},
-        {Answer("+CSQ: 0,0"), 0, 0, 114},
-        {Answer("+CSQ: 1,99"), 0, 0, 112},
-        {Answer("+CSQ: 2,99"), 0, 1, 110},
-        {Answer("+CSQ: 7,99"), 0, 1, 100},
-        {Answer("+CSQ: 8,99"), 0, 2, 98},
-        {Answer("+CSQ: 11,0"), 0, 2, 92},
-        {Answer("+CSQ: 12,0"), 0, 3, 90},
-        {Answer("+CSQ: 15,0"), 0, 3, 84},
-        {Answer("+CSQ: 16,0"), 0, 4, 82},
-        {Answer("+CSQ: 19,0"), 0, 4, 76},
-        {Answer("+CSQ: 20,99"), 0, 5, 74},
-        {Answer("+CSQ: 31,99"), 0, 5, 52},
-        {Answer("+CSQ: 40,99"), 0, 6, 34},
-        {"AT+CSQ\r\r\n+CSQ: 25,99\r\n\r\nOK\r\n", 0, 5, 64},
+        {Answer("+CSQ: 99,99"), 0, 0, 0}, {Answer("+CSQ: 0,0"), 0, 0, 114}, {Answer("+CSQ: 1,99"), 0, 0, 112}, {Answer("+CSQ: 2,99"), 0, 1, 110},
+        {Answer("+CSQ: 7,99"), 0, 1, 100}, {Answer("+CSQ: 8,99"), 0, 2, 98}, {Answer("+CSQ: 11,0"), 0, 2, 92}, {Answer("+CSQ: 12,0"), 0, 3, 90},
+        {Answer("+CSQ: 15,0"), 0, 3, 84}, {Answer("+CSQ: 16,0"), 0, 4, 82}, {Answer("+CSQ: 19,0"), 0, 4, 76}, {Answer("+CSQ: 20,99"), 0, 5, 74},
+        {Answer("+CSQ: 31,99"), 0, 5, 52}, {Answer("+CSQ: 40,99"), 0, 6, 34}, {"AT+CSQ\r\r\n+CSQ: 25,99\r\n\r\nOK\r\n", 0, 5, 64},
         {Answer("+CSQ:20,99"), 1, 6, 0}, // the prefix needs its blank
-        {Answer("+CSQ: ,99"), 1, 6, 0},
-        {"\r\nOK\r\n", 1, 6, 0},
+        {Answer("+CSQ: ,99"), 1, 6, 0}, {"\r\nOK\r\n", 1, 6, 0},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -69,14 +57,10 @@ TEST_F(NetworkUtilityTest, BaseInfoReadsCopsOverItsDefaults) {
     // clang-format off
     struct Row { std::string answer; int result; int mode; int format; std::string oper; int act; };
     const Row rows[] = {
-        {Answer("+COPS: 0,2,\"46000\",2"), 0, 0, 2, "46000", 2},
-        {Answer("+COPS: 1,0,\"Acme Mobile\",0"), 0, 1, 0, "Acme Mobile", 0},
-        {Answer("+COPS: 0, 2, \"00101\", 2"), 0, 0, 2, "00101", 2},
-        {Answer("+COPS: 0,2,\"46000\""), 0, 0, 2, "46000", 3},
-        {Answer("+COPS: 0"), 0, 0, 3, "", 3},
-        {Answer("+COPS: 0,0,\"" + thirtyChars + "\",2"), 0, 0, 0, "", 2},
-        {Answer("+COPS: 0,0,\"Sixteen chars ok\",2"), 0, 0, 0, "Sixteen chars ok", 2},
-        {Answer("+COPS: 0,2,\"\",2"), 0, 0, 2, "", 2},
+        {Answer("+COPS: 0,2,\"46000\",2"), 0, 0, 2, "46000", 2}, {Answer("+COPS: 1,0,\"Acme Mobile\",0"), 0, 1, 0, "Acme Mobile", 0},
+        {Answer("+COPS: 0, 2, \"00101\", 2"), 0, 0, 2, "00101", 2}, {Answer("+COPS: 0,2,\"46000\""), 0, 0, 2, "46000", 3},
+        {Answer("+COPS: 0"), 0, 0, 3, "", 3}, {Answer("+COPS: 0,0,\"" + thirtyChars + "\",2"), 0, 0, 0, "", 2},
+        {Answer("+COPS: 0,0,\"Sixteen chars ok\",2"), 0, 0, 0, "Sixteen chars ok", 2}, {Answer("+COPS: 0,2,\"\",2"), 0, 0, 2, "", 2},
         {"\r\n+COPS: 0\r\n+CREG: 1,2\r\n\r\nOK\r\n", 0, 0, 3, "", 3}, // nothing read from the other line
         {"\r\nOK\r\n", 1, 5, 3, "", 3},
     };
@@ -108,11 +92,8 @@ TEST(NetworkUtilityParse, ItemStringFields) {
         {"2,\"Acme Mobile\",\"ACME\",\"00101\",2", 2, "Acme Mobile", "ACME", "00101", 2},
         {"1, \"Acme Mobile\", \"ACME\", \"00101\", 0", 1, "Acme Mobile", "ACME", "00101", 0},
         {"3,\"Acme Mobile\",\"ACME\",\"310260\"", 3, "Acme Mobile", "ACME", "310260", 3},
-        {"1,\"" + std::string(30, 'N') + "\",\"A\",\"1\",0", 1, "", "A", "1", 0},
-        {"1,\"Acme\",\"Acme Mobile\",\"1234567\",2", 1, "Acme", "", "", 2},
-        {"0,\"\",\"\",\"00101\",0", 0, "", "", "00101", 0},
-        {"1", 1, "", "", "", 3},
-        {"", 0, "", "", "", 3},
+        {"1,\"" + std::string(30, 'N') + "\",\"A\",\"1\",0", 1, "", "A", "1", 0}, {"1,\"Acme\",\"Acme Mobile\",\"1234567\",2", 1, "Acme", "", "", 2},
+        {"0,\"\",\"\",\"00101\",0", 0, "", "", "00101", 0}, {"1", 1, "", "", "", 3}, {"", 0, "", "", "", 3},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -139,8 +120,7 @@ TEST_F(NetworkUtilityTest, ListStopsAtTheModeListsOrALongItem) {
         {Answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2)," + longItem + ",(1,\"Beta\",\"BETA\",\"00102\",0),,(0,1)"), 0, {"00101"}},
         {Answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\",0)"), 0, {"00101", "00102"}},
         {Answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\""), 0, {"00101"}},
-        {Answer("+COPS: ,,(0,1,2,3,4),(0,1,2)"), 0, {}},
-        {"\r\n+CME ERROR: no network service\r\n", 1, {}},
+        {Answer("+COPS: ,,(0,1,2,3,4),(0,1,2)"), 0, {}}, {"\r\n+CME ERROR: no network service\r\n", 1, {}},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -165,24 +145,15 @@ TEST_F(NetworkUtilityTest, SetBuildsTheCopsCommandFromTheMask) {
     // command: nullptr: nothing is sent
     struct Row { int mask; int mode; int format; const char* oper; int act; const char* command; int result; };
     const Row rows[] = {
-        {1, 0, 0, nullptr, 0, "AT+COPS=0\r", 0},
-        {1 | 2 | 4 | 8, 1, 2, "46000", 2, "AT+COPS=1,2,\"46000\",2\r", 0},
-        {1 | 2 | 4, 1, 0, "Acme Mobile", 0, "AT+COPS=1,0,\"Acme Mobile\"\r", 0},
-        {1 | 2 | 4, 4, 1, "ACME", 0, "AT+COPS=4,1,\"ACME\"\r", 0},
+        {1, 0, 0, nullptr, 0, "AT+COPS=0\r", 0}, {1 | 2 | 4 | 8, 1, 2, "46000", 2, "AT+COPS=1,2,\"46000\",2\r", 0},
+        {1 | 2 | 4, 1, 0, "Acme Mobile", 0, "AT+COPS=1,0,\"Acme Mobile\"\r", 0}, {1 | 2 | 4, 4, 1, "ACME", 0, "AT+COPS=4,1,\"ACME\"\r", 0},
         {1 | 2 | 4, 1, 2, nullptr, 0, "AT+COPS=1,2\r", 0},
         {1 | 8, 0, 0, nullptr, 2, "AT+COPS=0,,2\r", 0}, // the single comma is kept
-        {8, 0, 0, nullptr, 0, "AT+COPS=,,0\r", 0},
-        {1 | 4, 1, 2, "46000", 0, "AT+COPS=1,\"46000\"\r", 0},
-        {1 | 4 | 8, 1, 2, "46000", 0, "AT+COPS=1,\"46000\",0\r", 0},
-        {2, 0, 2, nullptr, 0, "AT+COPS=,2\r", 0},
-        {1 | 2 | 4, 1, 2, "4600012", 0, nullptr, 1},
-        {1 | 2 | 4, 1, 1, "Acme Mobile", 0, nullptr, 1},
-        {1 | 2 | 4, 1, 0, "Seventeen chars!!", 0, nullptr, 1},
-        {1 | 4, 1, 3, "46000", 0, nullptr, 1},
-        {1 | 2, 1, 3, nullptr, 0, nullptr, 1},
-        {1 | 8, 1, 0, nullptr, 7, nullptr, 1},
-        {0, 1, 2, "46000", 2, nullptr, 0},
-        {1, 5, 0, nullptr, 0, nullptr, 0},
+        {8, 0, 0, nullptr, 0, "AT+COPS=,,0\r", 0}, {1 | 4, 1, 2, "46000", 0, "AT+COPS=1,\"46000\"\r", 0},
+        {1 | 4 | 8, 1, 2, "46000", 0, "AT+COPS=1,\"46000\",0\r", 0}, {2, 0, 2, nullptr, 0, "AT+COPS=,2\r", 0},
+        {1 | 2 | 4, 1, 2, "4600012", 0, nullptr, 1}, {1 | 2 | 4, 1, 1, "Acme Mobile", 0, nullptr, 1},
+        {1 | 2 | 4, 1, 0, "Seventeen chars!!", 0, nullptr, 1}, {1 | 4, 1, 3, "46000", 0, nullptr, 1}, {1 | 2, 1, 3, nullptr, 0, nullptr, 1},
+        {1 | 8, 1, 0, nullptr, 7, nullptr, 1}, {0, 1, 2, "46000", 2, nullptr, 0}, {1, 5, 0, nullptr, 0, nullptr, 0},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -215,21 +186,12 @@ TEST_F(NetworkUtilityTest, RegistrationStatesMapThroughTheTable) {
     // clang-format off
     struct Row { int which; std::string answer; int result; int state; };
     const Row rows[] = {
-        {0, Answer("+CREG: 0,0"), 0, 0},
-        {0, Answer("+CREG: 0,1"), 0, 3},
-        {0, Answer("+CREG: 0,2"), 0, 1},
-        {0, Answer("+CREG: 0,3"), 0, 2},
-        {0, Answer("+CREG: 0,4"), 0, 5},
-        {0, Answer("+CREG: 0,5"), 0, 4},
+        {0, Answer("+CREG: 0,0"), 0, 0}, {0, Answer("+CREG: 0,1"), 0, 3}, {0, Answer("+CREG: 0,2"), 0, 1}, {0, Answer("+CREG: 0,3"), 0, 2},
+        {0, Answer("+CREG: 0,4"), 0, 5}, {0, Answer("+CREG: 0,5"), 0, 4},
         {0, Answer("+CREG: 0,6"), 0, 5}, // unknown stat: default, still 0
-        {0, Answer("+CREG: 0, 1"), 0, 3},
-        {0, Answer("+CREG: 2,1,\"1A2B\",\"00C3D4\",2"), 0, 3},
-        {0, "\r\n+CREG: 1,\"1A2B\",\"00C3D4\"\r\n+CREG: 2,5\r\n\r\nOK\r\n", 0, 4},
-        {0, Answer("+CREG: 1"), 1, 5},
-        {0, "\r\nOK\r\n", 1, 5},
-        {7, Answer("+CREG: 0,5"), 0, 4},
-        {1, Answer("+CGREG: 0,1"), 0, 3},
-        {1, Answer("+CGREG: 2,5,\"1A2B\",\"00C3D4\",2"), 0, 4},
+        {0, Answer("+CREG: 0, 1"), 0, 3}, {0, Answer("+CREG: 2,1,\"1A2B\",\"00C3D4\",2"), 0, 3},
+        {0, "\r\n+CREG: 1,\"1A2B\",\"00C3D4\"\r\n+CREG: 2,5\r\n\r\nOK\r\n", 0, 4}, {0, Answer("+CREG: 1"), 1, 5}, {0, "\r\nOK\r\n", 1, 5},
+        {7, Answer("+CREG: 0,5"), 0, 4}, {1, Answer("+CGREG: 0,1"), 0, 3}, {1, Answer("+CGREG: 2,5,\"1A2B\",\"00C3D4\",2"), 0, 4},
         {1, Answer("+CREG: 0,1"), 1, 5},
     };
     // clang-format on
@@ -249,8 +211,7 @@ TEST_F(NetworkUtilityTest, PacketAttachState) {
     // clang-format off
     struct Row { std::string answer; int result; int state; };
     const Row rows[] = {
-        {Answer("+CGATT: 1"), 0, 1}, {Answer("+CGATT: 0"), 0, 2}, {Answer("+CGATT: 3"), 0, 0},
-        {Answer("+CGATT:1"), 1, 0},  {"\r\nERROR\r\n", 1, 0},
+        {Answer("+CGATT: 1"), 0, 1}, {Answer("+CGATT: 0"), 0, 2}, {Answer("+CGATT: 3"), 0, 0}, {Answer("+CGATT:1"), 1, 0},  {"\r\nERROR\r\n", 1, 0},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -290,23 +251,19 @@ TEST_F(NetworkUtilityTest, SystemSelectionReadsBandModeAndDomain) {
 }
 
 TEST_F(NetworkUtilityTest, SystemSelectionSetCommands) {
-    struct Row {
-        std::function<int(CNetworkUtility&)> call;
-        const char* command;
-        int result;
-    };
+    // clang-format off
+    struct Row { std::function<int(CNetworkUtility&)> call; const char* command; int result; };
     const Row rows[] = {
         {[](CNetworkUtility& n) { return n.SetBand(3); }, "AT+SYSSEL=3\r", 0},
         {[](CNetworkUtility& n) { return n.SetMode(0); }, "AT+SYSSEL=,0,0\r", 0},
         {[](CNetworkUtility& n) { return n.SetMode(1); }, "AT+SYSSEL=,2,0\r", 0},
         {[](CNetworkUtility& n) { return n.SetMode(2); }, "AT+SYSSEL=,0,1\r", 0},
         {[](CNetworkUtility& n) { return n.SetMode(3); }, "AT+SYSSEL=,1,0\r", 0},
-        {[](CNetworkUtility& n) { return n.SetMode(4); }, "AT+SYSSEL=,0,2\r", 0},
-        {[](CNetworkUtility& n) { return n.SetMode(5); }, nullptr, 1},
-        {[](CNetworkUtility& n) { return n.SetMode(-1); }, nullptr, 1},
-        {[](CNetworkUtility& n) { return n.SetDomain(2); }, "AT+SYSSEL=,,,2\r", 0},
+        {[](CNetworkUtility& n) { return n.SetMode(4); }, "AT+SYSSEL=,0,2\r", 0}, {[](CNetworkUtility& n) { return n.SetMode(5); }, nullptr, 1},
+        {[](CNetworkUtility& n) { return n.SetMode(-1); }, nullptr, 1}, {[](CNetworkUtility& n) { return n.SetDomain(2); }, "AT+SYSSEL=,,,2\r", 0},
         {[](CNetworkUtility& n) { return n.Init(); }, "AT+COPS=3,2\r", 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.command != nullptr ? ScriptedAtFake::Printable(row.command) : "nothing sent");
         if (row.command != nullptr)
@@ -340,15 +297,10 @@ TEST(NetworkUtilityParse, Default7BitToWstring) {
     // clang-format off
     struct Row { std::vector<unsigned char> bytes; int size; std::wstring text; int used; };
     const Row rows[] = {
-        {{'A', 'c', 'm', 'e'}, 16, L"Acme", 4},
-        {{0x00, 0x02, 0x11, 0x5B, 0x7F}, 16, L"@$_\u00C4\u00E0", 5},
-        {{0x1B, 0x65, '5'}, 16, L"\u20AC5", 3},
+        {{'A', 'c', 'm', 'e'}, 16, L"Acme", 4}, {{0x00, 0x02, 0x11, 0x5B, 0x7F}, 16, L"@$_\u00C4\u00E0", 5}, {{0x1B, 0x65, '5'}, 16, L"\u20AC5", 3},
         {{0x1B, 0x28, 0x1B, 0x29}, 16, L"{}", 4},
         {{0x1B, 'A'}, 16, L" A", 2}, // no extension character: a blank, then the byte itself
-        {{'A', 0x1B}, 16, L"A ", 2},
-        {{0x80, 'A', 0xFF}, 16, L" A ", 3},
-        {{0x1B, 0x80}, 16, L"  ", 2},
-        {{'A', 'c', 'm', 'e'}, 2, L"Ac", 2},
+        {{'A', 0x1B}, 16, L"A ", 2}, {{0x80, 'A', 0xFF}, 16, L" A ", 3}, {{0x1B, 0x80}, 16, L"  ", 2}, {{'A', 'c', 'm', 'e'}, 2, L"Ac", 2},
         {{0x1B, 0x65, 'x'}, 1, L"\u20AC", 2},
     };
     // clang-format on
@@ -371,20 +323,12 @@ TEST_F(NetworkUtilityTest, ServiceProviderNameCodings) {
     // clang-format off
     struct Row { std::string answer; int result; int present; int display; std::u16string name; };
     const Row rows[] = {
-        {Answer("+SPNM: 01 80 00 41 00 63 00 6D 00 65 FF FF"), 0, 1, 1, u"Acme"},
-        {Answer("+SPNM: 00800041006300 6d0065ffff"), 0, 1, 0, u"Acme"},
-        {Answer("+SPNM: 03 80 04 1F 04 40 FF FF"), 0, 1, 3, u"\u041F\u0440"},
-        {Answer("+SPNM: 00 41 63 6D 65 FF FF FF"), 0, 1, 0, u"Acme"},
-        {Answer("+SPNM: 00 1B 65 31 FF 41"), 0, 1, 0, u"\u20AC1"},
-        {Answer("+SPNM: 01 81 03 08 C1 41 C2 FF"), 0, 1, 1, u"\u0441A\u0442"},
-        {Answer("+SPNM: 01 82 03 04 10 80 81 42 FF"), 0, 1, 1, u"\u0410\u0411B"},
-        {Answer(fortyGsmBytes), 0, 1, 0, std::u16string(16, u'A')},
-        {Answer(fortyUcs2Bytes), 0, 1, 1, std::u16string(7, u'A')},
-        {Answer("+SPNM: 01"), 0, 1, 1, u""},
-        {Answer("+SPNM: "), 0, 1, 0, u""},
-        {Answer("+SPNM: \"Acme\""), 0, 1, 0, u""},
-        {"\r\n+SPNM: 0141", 1, 0, 0, u""},
-        {"\r\nOK\r\n", 1, 0, 0, u""},
+        {Answer("+SPNM: 01 80 00 41 00 63 00 6D 00 65 FF FF"), 0, 1, 1, u"Acme"}, {Answer("+SPNM: 00800041006300 6d0065ffff"), 0, 1, 0, u"Acme"},
+        {Answer("+SPNM: 03 80 04 1F 04 40 FF FF"), 0, 1, 3, u"\u041F\u0440"}, {Answer("+SPNM: 00 41 63 6D 65 FF FF FF"), 0, 1, 0, u"Acme"},
+        {Answer("+SPNM: 00 1B 65 31 FF 41"), 0, 1, 0, u"\u20AC1"}, {Answer("+SPNM: 01 81 03 08 C1 41 C2 FF"), 0, 1, 1, u"\u0441A\u0442"},
+        {Answer("+SPNM: 01 82 03 04 10 80 81 42 FF"), 0, 1, 1, u"\u0410\u0411B"}, {Answer(fortyGsmBytes), 0, 1, 0, std::u16string(16, u'A')},
+        {Answer(fortyUcs2Bytes), 0, 1, 1, std::u16string(7, u'A')}, {Answer("+SPNM: 01"), 0, 1, 1, u""}, {Answer("+SPNM: "), 0, 1, 0, u""},
+        {Answer("+SPNM: \"Acme\""), 0, 1, 0, u""}, {"\r\n+SPNM: 0141", 1, 0, 0, u""}, {"\r\nOK\r\n", 1, 0, 0, u""},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -405,17 +349,11 @@ TEST_F(NetworkUtilityTest, DisplayListSlotsAndCount) {
     struct Row { std::string answer; int count; std::vector<std::string> slots; };
     const Row rows[] = {
         // The network behind the empty entry lies beyond the count: kept.
-        {Answer("+SPDI: A3 0E 80 0C 64 F0 00 64 F0 10 FF FF FF 13 00 62"),
-         3,
-         {"46000", "46001", "", "310260"}},
+        {Answer("+SPDI: A3 0E 80 0C 64 F0 00 64 F0 10 FF FF FF 13 00 62"), 3, {"46000", "46001", "", "310260"}},
         {Answer("+SPDI: a30e800c64f00064f010ffffff130062"), 3, {"46000", "46001", "", "310260"}},
-        {Answer("+SPDI: A3 05 80 03 64 F0 00"), 1, {"46000"}},
-        {Answer("+SPDI: A3 0E 80 0C 64 F0 00 64 F0 10"), 4, {"46000", "46001", "", ""}},
-        {Answer("+SPDI: A3 02 80 00"), 0, {}},
-        {Answer("+SPDI: 80 03 64 F0 00"), 0, {}},
-        {Answer("+SPDI: A3058003"), 0, {}},
-        {Answer("+SPDI: A3 05 80 ZZ 64 F0 00"), 0, {}},
-        {"\r\nOK\r\n", 0, {}},
+        {Answer("+SPDI: A3 05 80 03 64 F0 00"), 1, {"46000"}}, {Answer("+SPDI: A3 0E 80 0C 64 F0 00 64 F0 10"), 4, {"46000", "46001", "", ""}},
+        {Answer("+SPDI: A3 02 80 00"), 0, {}}, {Answer("+SPDI: 80 03 64 F0 00"), 0, {}}, {Answer("+SPDI: A3058003"), 0, {}},
+        {Answer("+SPDI: A3 05 80 ZZ 64 F0 00"), 0, {}}, {"\r\nOK\r\n", 0, {}},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -484,12 +422,9 @@ TEST_F(NetworkUtilityTest, InfoDisplayRule) {
     // clang-format off
     struct Row { const char* name; const char* oper; const char* simByte; const char* spdi; int display; };
     const Row rows[] = {
-        {"home by IMSI, bit 0 set", "46000", "01", "", 1},
-        {"home by IMSI, bit 0 clear", "46000", "02", "", 2},
-        {"home by the display list", "46001", "02", spdi, 2},
-        {"home abroad by the display list", "310260", "02", spdi, 2},
-        {"listed behind an empty slot, beyond the count", "46002", "02", spdi, 1},
-        {"same country, byte zero", "46003", "00", spdi, 2},
+        {"home by IMSI, bit 0 set", "46000", "01", "", 1}, {"home by IMSI, bit 0 clear", "46000", "02", "", 2},
+        {"home by the display list", "46001", "02", spdi, 2}, {"home abroad by the display list", "310260", "02", spdi, 2},
+        {"listed behind an empty slot, beyond the count", "46002", "02", spdi, 1}, {"same country, byte zero", "46003", "00", spdi, 2},
         {"abroad", "26201", "01", "", 3},
     };
     // clang-format on

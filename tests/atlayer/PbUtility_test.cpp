@@ -70,26 +70,19 @@ TEST(PbDecodeItem, EntryLines) {
     // clang-format off
     struct Row { const char* line; int result; int index; const char* number; std::wstring name; };
     const Row rows[] = {
-        {R"(5,"12345",145,"00480069")", 0, 5, "+12345", L"Hi"},
-        {R"(5,"12345",129,"00480069")", 0, 5, "12345", L"Hi"},
+        {R"(5,"12345",145,"00480069")", 0, 5, "+12345", L"Hi"}, {R"(5,"12345",129,"00480069")", 0, 5, "12345", L"Hi"},
         {R"(5,"+12345",145,"0048")", 0, 5, "+12345", L"H"},
         {R"(9,"12345",17,"0048")", 0, 9, "+12345", L"H"}, // 0x11: international as well
         {R"(9,"12345",161,"0048")", 0, 9, "12345", L"H"}, // 0xA1: national
         {R"(1,"13800138000",129,"5F204E09")", 0, 1, "13800138000", L"\u5F20\u4E09"},
-        {R"(7,"12345",129,"004")", 0, 7, "12345", L""},           // fewer than four digits
-        {R"(7,"12345",129,"0048006")", 0, 7, "12345", L"H"},      // trailing digits dropped
+        {R"(7,"12345",129,"004")", 0, 7, "12345", L""}, // fewer than four digits
+        {R"(7,"12345",129,"0048006")", 0, 7, "12345", L"H"}, // trailing digits dropped
         {R"(7,"12345",129,"00480G690041")", 0, 7, "12345", L"H"}, // a bad digit keeps what came before
-        {R"(7,"12345",129,"0048ffe5")", 0, 7, "12345", L"H\uFFE5"},
-        {R"(8,"",129,"")", 0, 8, "", L""},
-        {R"(8,"*99#",129,"0041")", 0, 8, "*99#", L"A"},
+        {R"(7,"12345",129,"0048ffe5")", 0, 7, "12345", L"H\uFFE5"}, {R"(8,"",129,"")", 0, 8, "", L""}, {R"(8,"*99#",129,"0041")", 0, 8, "*99#", L"A"},
         {R"(abc,"1",129,"0041")", 1, -1, "", L"x"},
         {R"(5,12345,129,"0041")", 1, -1, "", L"x"}, // the name is taken for the number, then no type
-        {R"(5,"12345)", 1, -1, "", L"x"},
-        {R"(5,"12345",)", 1, -1, "", L"x"},
-        {R"(5,"12345",x,"0041")", 1, -1, "", L"x"},
-        {R"(5,"12345",129)", 1, -1, "", L"x"},
-        {R"(5,"12345",129,"0041)", 1, -1, "", L"x"},
-        {"", 1, -1, "", L"x"},
+        {R"(5,"12345)", 1, -1, "", L"x"}, {R"(5,"12345",)", 1, -1, "", L"x"}, {R"(5,"12345",x,"0041")", 1, -1, "", L"x"},
+        {R"(5,"12345",129)", 1, -1, "", L"x"}, {R"(5,"12345",129,"0041)", 1, -1, "", L"x"}, {"", 1, -1, "", L"x"},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -147,14 +140,9 @@ TEST_F(PbUtilityTest, StorageUseFailures) {
     // answer: empty: not asked
     struct Row { std::string selectAnswer; int selectResult; std::string answer; int result; };
     const Row rows[] = {
-        {"\r\n+CME ERROR: SIM not inserted\r\n", 0, "", 1},
-        {"", 2, "", 2},
-        {"", 30, "", 30},
-        {ScriptedAtFake::kOk, 0, Answer("+CPBS: \"SM\",12"), 1},
-        {ScriptedAtFake::kOk, 0, Answer("+CPBS: SM,12,250"), 1},
-        {ScriptedAtFake::kOk, 0, Answer("+CPBS: \"SM\""), 1},
-        {ScriptedAtFake::kOk, 0, ScriptedAtFake::kOk, 1},
-        {ScriptedAtFake::kOk, 0, "AT+CPBS?\r\r\n+CPBS: \"SM\",1,20\r\n\r\nOK\r\n", 0},
+        {"\r\n+CME ERROR: SIM not inserted\r\n", 0, "", 1}, {"", 2, "", 2}, {"", 30, "", 30}, {ScriptedAtFake::kOk, 0, Answer("+CPBS: \"SM\",12"), 1},
+        {ScriptedAtFake::kOk, 0, Answer("+CPBS: SM,12,250"), 1}, {ScriptedAtFake::kOk, 0, Answer("+CPBS: \"SM\""), 1},
+        {ScriptedAtFake::kOk, 0, ScriptedAtFake::kOk, 1}, {ScriptedAtFake::kOk, 0, "AT+CPBS?\r\r\n+CPBS: \"SM\",1,20\r\n\r\nOK\r\n", 0},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -170,15 +158,10 @@ TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
     // clang-format off
     struct Row { std::string answer; int result; int name; int number; };
     const Row rows[] = {
-        {Answer("+CPBR: (1-250),40,14"), 0, 14, 40},
-        {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", 0, 18, 20},
-        {Answer("+CPBR: (1-250),,14"), 0, 14, 0},
-        {Answer("+CPBR: (1-250),40"), 0, 0, 40},
-        {Answer("+CPBR: (1-250),40,"), 0, 0, 40},
+        {Answer("+CPBR: (1-250),40,14"), 0, 14, 40}, {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", 0, 18, 20},
+        {Answer("+CPBR: (1-250),,14"), 0, 14, 0}, {Answer("+CPBR: (1-250),40"), 0, 0, 40}, {Answer("+CPBR: (1-250),40,"), 0, 0, 40},
         {Answer("+CPBR: (1-250)"), 0, -1, -1}, // no comma: both left alone
-        {Answer("+CPBR: (1-250),x,14"), 0, 0, -1},
-        {ScriptedAtFake::kOk, 1, -1, -1},
-        {"\r\n+CME ERROR: operation not allowed\r\n", 1, -1, -1},
+        {Answer("+CPBR: (1-250),x,14"), 0, 0, -1}, {ScriptedAtFake::kOk, 1, -1, -1}, {"\r\n+CME ERROR: operation not allowed\r\n", 1, -1, -1},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -210,8 +193,7 @@ TEST_F(PbUtilityTest, ConstraintFromBothStoragesWithoutNeedingTheSim) {
     const Row rows[] = {
         {"", simLimits, 0, Answer("+CPBR: (1-100),,30"), 0, PB_CONSTRAINT_ME_NAME | PB_CONSTRAINT_SIM_NUMBER | PB_CONSTRAINT_SIM_NAME, 0, 30, 20, 14},
         {noSim, "", 0, Answer("+CPBR: (1-100),40,18"), 0, PB_CONSTRAINT_ME_NUMBER | PB_CONSTRAINT_ME_NAME, 40, 18, 0, 0},
-        {"", "\r\nERROR\r\n", 2, "", 2, 0, 0, 0, 0, 0},
-        {"", simLimits, 0, "\r\nERROR\r\n", 1, 0, 0, 0, 0, 0},
+        {"", "\r\nERROR\r\n", 2, "", 2, 0, 0, 0, 0, 0}, {"", simLimits, 0, "\r\nERROR\r\n", 1, 0, 0, 0, 0, 0},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -377,17 +359,15 @@ TEST_F(PbUtilityTest, AddCountsAgainstTheCapacity) {
 }
 
 TEST_F(PbUtilityTest, UpdateWritesTheUpperCasedCommand) {
-    struct Row {
-        TPbItem item;
-        std::string command;
-    };
+    // clang-format off
+    struct Row { TPbItem item; std::string command; };
     const Row rows[] = {
         {{PB_STORAGE_SIM, 2, L"Hi", "abc"}, "AT+CPBW=2,\"ABC\",129,\"00480069\"\r"},
-        {{PB_STORAGE_MODEM, 5, L"\u5f20\u4e09", "+8613800138000"},
-         "AT+CPBW=5,\"+8613800138000\",145,\"5F204E09\"\r"},
+        {{PB_STORAGE_MODEM, 5, L"\u5f20\u4e09", "+8613800138000"}, "AT+CPBW=5,\"+8613800138000\",145,\"5F204E09\"\r"},
         {{PB_STORAGE_SIM, 1, L"", "10+86"}, "AT+CPBW=1,\"10+86\",145,\"\"\r"},
         {{PB_STORAGE_SIM, 3, L"x", "*99#"}, "AT+CPBW=3,\"*99#\",129,\"0078\"\r"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.command));
         ExpectUcs2();
@@ -447,15 +427,14 @@ TEST_F(PbUtilityTest, DeleteKeepsCountsAndIndexes) {
 }
 
 TEST_F(PbUtilityTest, CharacterSetNames) {
-    struct Row {
-        int code;
-        const char* name; // null: refused without a command
-    };
+    // clang-format off
+    // name: null: refused without a command
+    struct Row { int code; const char* name; };
     const Row rows[] = {
         {0, "GSM"},     {1, "HEX"},    {2, "IRA"},    {3, "PCCP437"}, {4, "PCDN"},
-        {5, "UCS2"},    {6, "8859-1"}, {7, "8859-C"}, {8, "8859-A"},  {9, "8859-G"},
-        {10, "8859-H"}, {11, nullptr}, {-1, nullptr},
+        {5, "UCS2"},    {6, "8859-1"}, {7, "8859-C"}, {8, "8859-A"},  {9, "8859-G"}, {10, "8859-H"}, {11, nullptr}, {-1, nullptr},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.code);
         if (row.name != nullptr)

@@ -17,33 +17,21 @@ protected:
 };
 
 TEST_F(PinUtilityTest, CheckStateSearchesTheStateTableInOrder) {
-    struct Row {
-        const char* answer;
-        int result;
-        int state; // -1: left alone
-    };
+    // clang-format off
+    // state: -1: left alone
+    struct Row { const char* answer; int result; int state; };
     const Row rows[] = {
-        {"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0, 1},
-        {"AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", 0, 2},
-        {"\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n", 0, 3},
-        {"\r\n+CPIN: SIM PIN2\r\n\r\nOK\r\n", 0, 7},
-        {"\r\n+CPIN: SIM PUK2\r\n\r\nOK\r\n", 0, 8},
+        {"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0, 1}, {"AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", 0, 2}, {"\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n", 0, 3},
+        {"\r\n+CPIN: SIM PIN2\r\n\r\nOK\r\n", 0, 7}, {"\r\n+CPIN: SIM PUK2\r\n\r\nOK\r\n", 0, 8},
         {"\r\n+CPIN: PH-SIM PIN\r\n\r\nOK\r\n", 0, 2}, // found as "SIM PIN" first: kept
-        {"\r\n+CPIN: PH-FSIM PUK\r\n\r\nOK\r\n", 0, 6},
-        {"\r\n+CPIN: PH-NET PIN\r\n\r\nOK\r\n", 0, 9},
-        {"\r\n+CPIN: PH-NETSUB PUK\r\n\r\nOK\r\n", 0, 12},
-        {"\r\n+CPIN: PH-SP PIN\r\n\r\nOK\r\n", 0, 13},
-        {"\r\n+CPIN: PH-CORP PUK\r\n\r\nOK\r\n", 0, 16},
-        {"\r\n+CPIN:READY\r\n\r\nOK\r\n", 0, 1},
-        {"\r\n+CREG: 1\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", 0, 2},
-        {"\r\n+CPIN: BLOCKED\r\n\r\nOK\r\n", 1, -1},
-        {"\r\n+CME ERROR: SIM not inserted\r\n", 0, 0},
-        {"\r\n+CME ERROR: SIM failure\r\n", 11, -1},
-        {"\r\n+CME ERROR: SIM busy\r\n", 12, -1},
-        {"\r\n+CME ERROR: 10\r\n", 1, -1},
-        {"\r\nERROR\r\n", 1, -1},
-        {"", 2, -1},
+        {"\r\n+CPIN: PH-FSIM PUK\r\n\r\nOK\r\n", 0, 6}, {"\r\n+CPIN: PH-NET PIN\r\n\r\nOK\r\n", 0, 9},
+        {"\r\n+CPIN: PH-NETSUB PUK\r\n\r\nOK\r\n", 0, 12}, {"\r\n+CPIN: PH-SP PIN\r\n\r\nOK\r\n", 0, 13},
+        {"\r\n+CPIN: PH-CORP PUK\r\n\r\nOK\r\n", 0, 16}, {"\r\n+CPIN:READY\r\n\r\nOK\r\n", 0, 1},
+        {"\r\n+CREG: 1\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", 0, 2}, {"\r\n+CPIN: BLOCKED\r\n\r\nOK\r\n", 1, -1},
+        {"\r\n+CME ERROR: SIM not inserted\r\n", 0, 0}, {"\r\n+CME ERROR: SIM failure\r\n", 11, -1}, {"\r\n+CME ERROR: SIM busy\r\n", 12, -1},
+        {"\r\n+CME ERROR: 10\r\n", 1, -1}, {"\r\nERROR\r\n", 1, -1}, {"", 2, -1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CPIN?\r", row.answer)
@@ -62,31 +50,18 @@ TEST_F(PinUtilityTest, CheckStateSearchesTheStateTableInOrder) {
 }
 
 TEST(PinUtilityErrors, CmeErrorTextsMapByPrefixInOrder) {
-    struct Row {
-        const char* answer;
-        int code;
-    };
+    // clang-format off
+    struct Row { const char* answer; int code; };
     const Row rows[] = {
-        {"\r\n+CME ERROR: PH-SIM PIN required\r\n", 5},
-        {"\r\n+CME ERROR: PH-FSIM PIN required\r\n", 6},
-        {"\r\n+CME ERROR: SIM not inserted\r\n", 8},
-        {"\r\n+CME ERROR: SIM PIN required\r\n", 9},
-        {"\r\n+CME ERROR: SIM busy\r\n", 12},
-        {"\r\n+CME ERROR: incorrect password\r\n", 14},
-        {"\r\n+CME ERROR: SIM PIN2 required\r\n", 15},
-        {"\r\n+CME ERROR: network personalization PUK required\r\n", 18},
+        {"\r\n+CME ERROR: PH-SIM PIN required\r\n", 5}, {"\r\n+CME ERROR: PH-FSIM PIN required\r\n", 6}, {"\r\n+CME ERROR: SIM not inserted\r\n", 8},
+        {"\r\n+CME ERROR: SIM PIN required\r\n", 9}, {"\r\n+CME ERROR: SIM busy\r\n", 12}, {"\r\n+CME ERROR: incorrect password\r\n", 14},
+        {"\r\n+CME ERROR: SIM PIN2 required\r\n", 15}, {"\r\n+CME ERROR: network personalization PUK required\r\n", 18},
         {"\r\n+CME ERROR: network subset personalization PIN required\r\n", 19},
-        {"\r\n+CME ERROR: service provider personalization PUK required\r\n", 22},
-        {"\r\n+CME ERROR: corporate personalization PUK required\r\n", 24},
-        {"+CME ERROR: SIM busy", 12},
-        {"\r\n+CME ERROR: sim busy\r\n", 1},
-        {"\r\n+CME ERROR:SIM busy\r\n", 1},
-        {"\r\n+CME ERROR: 16\r\n", 1},
-        {"\r\n+CME ERROR: SIM\r\n", 1},
-        {"\r\n+CME ERROR: \r\n", 1},
-        {"\r\nERROR\r\n", 1},
-        {"", 2},
+        {"\r\n+CME ERROR: service provider personalization PUK required\r\n", 22}, {"\r\n+CME ERROR: corporate personalization PUK required\r\n", 24},
+        {"+CME ERROR: SIM busy", 12}, {"\r\n+CME ERROR: sim busy\r\n", 1}, {"\r\n+CME ERROR:SIM busy\r\n", 1}, {"\r\n+CME ERROR: 16\r\n", 1},
+        {"\r\n+CME ERROR: SIM\r\n", 1}, {"\r\n+CME ERROR: \r\n", 1}, {"\r\nERROR\r\n", 1}, {"", 2},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         EXPECT_EQ(CPinUtility::GetErrorCode(row.answer), row.code);
@@ -143,11 +118,8 @@ TEST_F(PinUtilityTest, GetStateReadsTheLockAnswer) {
     // clang-format off
     struct Row { const char* answer; int result; int enabled; };
     const Row rows[] = {
-        {"\r\n+CLCK: 1\r\n\r\nOK\r\n", 0, 1},
-        {"AT+CLCK=\"SC\",2\r\r\n+CLCK: 0\r\n\r\nOK\r\n", 0, 0},
-        {"\r\n+CLCK: 2\r\n\r\nOK\r\n", 1, -1},
-        {"\r\n+CLCK:\r\n\r\nOK\r\n", 1, -1},
-        {"\r\n+CME ERROR: SIM PIN required\r\n", 1, -1},
+        {"\r\n+CLCK: 1\r\n\r\nOK\r\n", 0, 1}, {"AT+CLCK=\"SC\",2\r\r\n+CLCK: 0\r\n\r\nOK\r\n", 0, 0}, {"\r\n+CLCK: 2\r\n\r\nOK\r\n", 1, -1},
+        {"\r\n+CLCK:\r\n\r\nOK\r\n", 1, -1}, {"\r\n+CME ERROR: SIM PIN required\r\n", 1, -1},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -164,25 +136,13 @@ TEST_F(PinUtilityTest, GetInfoPicksTheCounterCommandByState) {
     // clang-format off
     struct Row { int pinState; const char* command; const char* answer; int result; int first; int second; };
     const Row rows[] = {
-        {2, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10},
-        {3, "AT+PNNM?\r", "\r\n+PNNM: 0,10\r\n\r\nOK\r\n", 0, 0, 10},
-        {0, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10},
-        {1, "AT+PNNM?\r", "\r\n+PNNM: 2, 9\r\n\r\nOK\r\n", 0, 2, 9},
-        {7, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10},
-        {17, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10},
-        {2, "AT+PNNM?\r", "\r\n+PNNM: 3\r\n\r\nOK\r\n", 1, -1, -1},
-        {2, "AT+PNNM?\r", "\r\nOK\r\n", 1, -1, -1},
-        {4, "AT+SMPN?\r", smpn, 0, 9, 10},
-        {5, "AT+SMPN?\r", smpn, 0, 9, 10},
-        {6, "AT+SMPN?\r", smpn, 0, 9, 10},
-        {9, "AT+SMPN?\r", smpn, 0, 1, 2},
-        {10, "AT+SMPN?\r", smpn, 0, 1, 2},
-        {11, "AT+SMPN?\r", smpn, 0, 3, 4},
-        {12, "AT+SMPN?\r", smpn, 0, 3, 4},
-        {13, "AT+SMPN?\r", smpn, 0, 5, 6},
-        {14, "AT+SMPN?\r", smpn, 0, 5, 6},
-        {15, "AT+SMPN?\r", smpn, 0, 7, 8},
-        {16, "AT+SMPN?\r", smpn, 0, 7, 8},
+        {2, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10}, {3, "AT+PNNM?\r", "\r\n+PNNM: 0,10\r\n\r\nOK\r\n", 0, 0, 10},
+        {0, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10}, {1, "AT+PNNM?\r", "\r\n+PNNM: 2, 9\r\n\r\nOK\r\n", 0, 2, 9},
+        {7, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10}, {17, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10},
+        {2, "AT+PNNM?\r", "\r\n+PNNM: 3\r\n\r\nOK\r\n", 1, -1, -1}, {2, "AT+PNNM?\r", "\r\nOK\r\n", 1, -1, -1}, {4, "AT+SMPN?\r", smpn, 0, 9, 10},
+        {5, "AT+SMPN?\r", smpn, 0, 9, 10}, {6, "AT+SMPN?\r", smpn, 0, 9, 10}, {9, "AT+SMPN?\r", smpn, 0, 1, 2}, {10, "AT+SMPN?\r", smpn, 0, 1, 2},
+        {11, "AT+SMPN?\r", smpn, 0, 3, 4}, {12, "AT+SMPN?\r", smpn, 0, 3, 4}, {13, "AT+SMPN?\r", smpn, 0, 5, 6}, {14, "AT+SMPN?\r", smpn, 0, 5, 6},
+        {15, "AT+SMPN?\r", smpn, 0, 7, 8}, {16, "AT+SMPN?\r", smpn, 0, 7, 8},
         {4, "AT+SMPN?\r", "\r\n+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8)\r\n\r\nOK\r\n", 1, -1, -1},
         {4, "AT+SMPN?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 1, -1, -1},
     };

@@ -39,21 +39,15 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
         "\r\nOK\r\n";
     const Row rows[] = {
         {"+STIN: 11", "AT+STGI=11\r", selectItem, 0, 0, selectItem},
-        {"+STIN:1", "AT+STGI=1\r", "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n", 0, 0,
-         "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n"},
+        {"+STIN:1", "AT+STGI=1\r", "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n", 0, 0, "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n"},
         {"\r\n+STIN: 3\r\n", "AT+STGI=3\r", "\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
         // The card ended the dialogue: answered without asking the modem.
-        {"+STIN: 20", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"},
-        {"+STIN:20\r\n", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"},
+        {"+STIN: 20", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"}, {"+STIN:20\r\n", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"},
         // The fetch's error answer is handed up as it is.
-        {"+STIN: 6", "AT+STGI=6\r", "\r\n+CME ERROR: 3\r\n", 0, 0, "\r\n+CME ERROR: 3\r\n"},
-        {"+STIN: 2", "AT+STGI=2\r", nullptr, 2, 2, kUntouched},
-        {"+STIN: 2", "AT+STGI=2\r", nullptr, 30, 30, kUntouched},
-        {"+STIN: ", nullptr, nullptr, 0, 1, kUntouched},
-        {"+STIN: x", nullptr, nullptr, 0, 1, kUntouched},
-        {"+STGI: 11", nullptr, nullptr, 0, 1, kUntouched},
-        {"+STIN: 99999999999", nullptr, nullptr, 0, 1, kUntouched},
-        {"", nullptr, nullptr, 0, 1, kUntouched},
+        {"+STIN: 6", "AT+STGI=6\r", "\r\n+CME ERROR: 3\r\n", 0, 0, "\r\n+CME ERROR: 3\r\n"}, {"+STIN: 2", "AT+STGI=2\r", nullptr, 2, 2, kUntouched},
+        {"+STIN: 2", "AT+STGI=2\r", nullptr, 30, 30, kUntouched}, {"+STIN: ", nullptr, nullptr, 0, 1, kUntouched},
+        {"+STIN: x", nullptr, nullptr, 0, 1, kUntouched}, {"+STGI: 11", nullptr, nullptr, 0, 1, kUntouched},
+        {"+STIN: 99999999999", nullptr, nullptr, 0, 1, kUntouched}, {"", nullptr, nullptr, 0, 1, kUntouched},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -78,9 +72,7 @@ TEST_F(STKUtilityTest, InitFetchesTheMainMenuAndNeedsOk) {
         {kMainMenu, 0, 0, kMainMenu},
         // The echo is cut off.
         {"AT+STGI=17\r\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n", 0, 0, "\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n"},
-        {"\r\n+CME ERROR: SIM busy\r\n", 0, 1, kUntouched},
-        {"\r\nERROR\r\n", 0, 1, kUntouched},
-        {nullptr, 2, 2, kUntouched},
+        {"\r\n+CME ERROR: SIM busy\r\n", 0, 1, kUntouched}, {"\r\nERROR\r\n", 0, 1, kUntouched}, {nullptr, 2, 2, kUntouched},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -100,12 +92,9 @@ TEST_F(STKUtilityTest, SendCommandKeepsOnlyAnAnswerWithOk) {
     // clang-format off
     struct Row { const char* answer; int failure; int result; const char* text; };
     const Row rows[] = {
-        {"\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
-        {"AT+STGR=0,0,2\r\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
+        {"\r\nOK\r\n", 0, 0, "\r\nOK\r\n"}, {"AT+STGR=0,0,2\r\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
         // An error answer is no failure of the call: the text stays unset and callers check it.
-        {"\r\n+CME ERROR: 4\r\n", 0, 0, kUntouched},
-        {"\r\nERROR\r\n", 0, 0, kUntouched},
-        {nullptr, 2, 2, kUntouched},
+        {"\r\n+CME ERROR: 4\r\n", 0, 0, kUntouched}, {"\r\nERROR\r\n", 0, 0, kUntouched}, {nullptr, 2, 2, kUntouched},
     };
     // clang-format on
     for (const Row& row : rows) {

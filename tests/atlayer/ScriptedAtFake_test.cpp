@@ -66,32 +66,18 @@ TEST(ScriptedAtFake, NewestFakeIsCurrentUntilItGoes) {
 }
 
 TEST(ScriptedAtFake, DeviationsFailTheTest) {
-    struct Row {
-        const char* name;
-        std::function<void(ScriptedAtFake&)> script;
-        std::function<void()> run;
-        const char* message;
-    };
+    // clang-format off
+    struct Row { const char* name; std::function<void(ScriptedAtFake&)> script; std::function<void()> run; const char* message; };
     const Row rows[] = {
-        {"other command", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); },
-         [] { EXPECT_EQ(Send("AT+CREG?\r").result, 1); },
-         "sent \"AT+CREG?\\r\", the script expects \"AT+CSQ\\r\""},
-        {"script used up", [](ScriptedAtFake&) {}, [] { EXPECT_EQ(Send("AT\r").result, 1); },
-         "sent after the script was used up"},
-        {"time limit", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithTimeout(1000); },
-         [] { Send("AT+CSQ\r", nullptr, 3000); }, "time limit 3000 ms, the script expects 1000 ms"},
-        {"missing prefix", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithPrefix("+CSQ: "); },
-         [] { Send("AT+CSQ\r"); }, "prefix null, the script expects \"+CSQ: \""},
-        {"unwanted prefix", [](ScriptedAtFake& f) { f.Expect("AT+CFUN=1\r").WithoutPrefix(); },
-         [] { Send("AT+CFUN=1\r", "+CFUN: "); }, "prefix \"+CFUN: \", the script expects null"},
-        {"final results",
-         [](ScriptedAtFake& f) {
-             f.Expect("AT+CMGS=20\r").WithFinals({">", "+CMS ERROR", "ERROR"});
-         },
-         [] { Send("AT+CMGS=20\r"); }, "the script expects {\">\", \"+CMS ERROR\", \"ERROR\"}"},
-        {"left over", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); }, [] { ScriptedAtFake::Callback(); },
-         "never sent: \"AT+CSQ\\r\""},
+        {"other command", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); }, [] { EXPECT_EQ(Send("AT+CREG?\r").result, 1); }, "sent \"AT+CREG?\\r\", the script expects \"AT+CSQ\\r\""},
+        {"script used up", [](ScriptedAtFake&) {}, [] { EXPECT_EQ(Send("AT\r").result, 1); }, "sent after the script was used up"},
+        {"time limit", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithTimeout(1000); }, [] { Send("AT+CSQ\r", nullptr, 3000); }, "time limit 3000 ms, the script expects 1000 ms"},
+        {"missing prefix", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithPrefix("+CSQ: "); }, [] { Send("AT+CSQ\r"); }, "prefix null, the script expects \"+CSQ: \""},
+        {"unwanted prefix", [](ScriptedAtFake& f) { f.Expect("AT+CFUN=1\r").WithoutPrefix(); }, [] { Send("AT+CFUN=1\r", "+CFUN: "); }, "prefix \"+CFUN: \", the script expects null"},
+        {"final results", [](ScriptedAtFake& f) {f.Expect("AT+CMGS=20\r").WithFinals({">", "+CMS ERROR", "ERROR"}); }, [] { Send("AT+CMGS=20\r"); }, "the script expects {\">\", \"+CMS ERROR\", \"ERROR\"}"},
+        {"left over", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); }, [] { ScriptedAtFake::Callback(); }, "never sent: \"AT+CSQ\\r\""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         ScriptedAtFake fake;

@@ -76,12 +76,9 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
     // clang-format off
     struct Row { const char* answer; int result; int format; };
     const Row rows[] = {
-        {"\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1},
-        {"\r\n+CMGF: 1\r\n\r\nOK\r\n", 0, 0},
+        {"\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, {"\r\n+CMGF: 1\r\n\r\nOK\r\n", 0, 0},
         {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, // echo on
-        {"\r\n+CMGF: 2\r\n\r\nOK\r\n", 1, -1},
-        {"\r\n+CMGF: x\r\n\r\nOK\r\n", 1, -1},
-        {"\r\nOK\r\n", 1, -1},
+        {"\r\n+CMGF: 2\r\n\r\nOK\r\n", 1, -1}, {"\r\n+CMGF: x\r\n\r\nOK\r\n", 1, -1}, {"\r\nOK\r\n", 1, -1},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -94,10 +91,12 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
 }
 
 TEST_F(SmsCommandsTest, CharacterSetNames) {
+    // clang-format off
     const std::pair<int, const char*> rows[] = {
         {0, "GSM"},    {1, "HEX"},    {2, "IRA"},    {3, "PCCP437"}, {4, "PCDN"},    {5, "UCS2"},
         {6, "8859-1"}, {7, "8859-C"}, {8, "8859-A"}, {9, "8859-G"},  {10, "8859-H"},
     };
+    // clang-format on
     for (const auto& [code, name] : rows) {
         m_fake.Expect(std::string("AT+CSCS=\"") + name + "\"\r").WithTimeout(1000).WithFinals(kCme);
         EXPECT_EQ(m_sms.SelectTeCharacterSet(code, 437, 1), 0) << name;
@@ -109,21 +108,15 @@ TEST_F(SmsCommandsTest, CharacterSetNames) {
 }
 
 TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
-    struct Row {
-        const char* number;
-        const char* sent; // nullptr: refused before sending
-    };
+    // clang-format off
+    // sent: nullptr: refused before sending
+    struct Row { const char* number; const char* sent; };
     const Row rows[] = {
-        {"12345678901234567890", "AT+CSCA=\"12345678901234567890\",129\r"},
-        {"+12345678901234567890", "AT+CSCA=\"12345678901234567890\",145\r"},
-        {"123456789012345678901", nullptr},
-        {"+123456789012345678901", nullptr},
-        {"1234567890123456789012", nullptr},
-        {"+447802000332", "AT+CSCA=\"447802000332\",145\r"},
-        {"", nullptr},
-        {"+49 170 1234", nullptr},
-        {"12\";+CFUN=0", nullptr},
+        {"12345678901234567890", "AT+CSCA=\"12345678901234567890\",129\r"}, {"+12345678901234567890", "AT+CSCA=\"12345678901234567890\",145\r"},
+        {"123456789012345678901", nullptr}, {"+123456789012345678901", nullptr}, {"1234567890123456789012", nullptr},
+        {"+447802000332", "AT+CSCA=\"447802000332\",145\r"}, {"", nullptr}, {"+49 170 1234", nullptr}, {"12\";+CFUN=0", nullptr},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.number);
         TSmsAddress address;
@@ -150,16 +143,11 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
     const Row rows[] = {
         {"\r\n+CSCA: \"+447802000332\",145\r\n\r\nOK\r\n", 0, "+447802000332", 145, "+447802000332"},
         {"\r\n+CSCA: \"447802000332\",145\r\n\r\nOK\r\n", 0, "447802000332", 145, "+447802000332"},
-        {"\r\n+CSCA: \"0612345678\",129\r\n\r\nOK\r\n", 0, "0612345678", 129, "0612345678"},
-        {"\r\n+CSCA: \"\",145\r\n\r\nOK\r\n", 0, "", 129, ""},
-        {"\r\n+CSCA: \"+3165\"\r\n\r\nOK\r\n", 0, "+3165", 145, "+3165"},
-        {"\r\n+CSCA: \"3165\"\r\n\r\nOK\r\n", 0, "3165", 129, "3165"},
-        {"\r\n+CSCA: \"123456789012345678901\",129\r\n\r\nOK\r\n", 0, "123456789012345678901", 129,
-         "123456789012345678901"},
-        {"\r\n+CSCA: \"1234567890123456789012\",129\r\n\r\nOK\r\n", 1, "", 0, ""},
-        {"\r\n+CSCA: \"+3165\",\r\n\r\nOK\r\n", 1, "", 0, ""},
-        {"\r\n+CSCA: \"+3165\r\n\r\nOK\r\n", 1, "", 0, ""},
-        {"\r\nOK\r\n", 1, "", 0, ""},
+        {"\r\n+CSCA: \"0612345678\",129\r\n\r\nOK\r\n", 0, "0612345678", 129, "0612345678"}, {"\r\n+CSCA: \"\",145\r\n\r\nOK\r\n", 0, "", 129, ""},
+        {"\r\n+CSCA: \"+3165\"\r\n\r\nOK\r\n", 0, "+3165", 145, "+3165"}, {"\r\n+CSCA: \"3165\"\r\n\r\nOK\r\n", 0, "3165", 129, "3165"},
+        {"\r\n+CSCA: \"123456789012345678901\",129\r\n\r\nOK\r\n", 0, "123456789012345678901", 129, "123456789012345678901"},
+        {"\r\n+CSCA: \"1234567890123456789012\",129\r\n\r\nOK\r\n", 1, "", 0, ""}, {"\r\n+CSCA: \"+3165\",\r\n\r\nOK\r\n", 1, "", 0, ""},
+        {"\r\n+CSCA: \"+3165\r\n\r\nOK\r\n", 1, "", 0, ""}, {"\r\nOK\r\n", 1, "", 0, ""},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -203,19 +191,14 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
     m_fake.VerifyDone();
 
     // The receive storage is rewritten only when it differs; the first two stay.
-    struct Row {
-        int storage;
-        const char* current;
-        const char* rewrite; // nullptr: nothing written
-        int reported;        // GetPreferredStorage afterwards
-    };
+    // clang-format off
+    // rewrite: nullptr: nothing written; reported: GetPreferredStorage afterwards
+    struct Row { int storage; const char* current; const char* rewrite; int reported; };
     const Row rows[] = {
-        {1, kMeSmSm, nullptr, 1},
-        {2, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2},
-        {4, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2},
-        {1, kMeMeMe, "AT+CPMS=\"ME\",\"ME\",\"SM\"\r", 1},
-        {2, kMeMeMe, nullptr, 2},
+        {1, kMeSmSm, nullptr, 1}, {2, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2}, {4, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2},
+        {1, kMeMeMe, "AT+CPMS=\"ME\",\"ME\",\"SM\"\r", 1}, {2, kMeMeMe, nullptr, 2},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.storage);
         ExpectStorages(row.current);
@@ -337,17 +320,15 @@ TEST_F(SmsSendTest, TextModeSendsNothingAndSucceeds) {
 }
 
 TEST_F(SmsSendTest, OnlyNetworkError500IsRetriedOnce) {
-    struct Row {
-        const char* what;
-        std::vector<const char*> answers; // to the PDU, one per attempt
-        int result;
-    };
+    // clang-format off
+    // answers: to the PDU, one per attempt
+    struct Row { const char* what; std::vector<const char*> answers; int result; };
     const Row rows[] = {
         {"500 then sent", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMGS: 7\r\n\r\nOK\r\n"}, 0},
-        {"500 twice", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMS ERROR: 500\r\n"}, 1},
-        {"other error", {"\r\n+CMS ERROR: 38\r\n"}, 1},
+        {"500 twice", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMS ERROR: 500\r\n"}, 1}, {"other error", {"\r\n+CMS ERROR: 38\r\n"}, 1},
         {"OK without +CMGS", {"\r\nOK\r\n"}, 1},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         // A retry sends the same PDU, message reference included.

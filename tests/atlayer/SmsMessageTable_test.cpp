@@ -166,10 +166,7 @@ TEST(SmsMessageTable, GroupsOfTen) {
     // missing: 0: none
     struct Row { int total; int missing; std::vector<int> expected; std::vector<int> received; };
     const Row rows[] = {
-        {12, 0, {10, 2}, {10, 2}},
-        {25, 17, {10, 10, 5}, {10, 9, 5}},
-        {10, 0, {10}, {10}},
-        {11, 11, {10}, {10}},
+        {12, 0, {10, 2}, {10, 2}}, {25, 17, {10, 10, 5}, {10, 9, 5}}, {10, 0, {10}, {10}}, {11, 11, {10}, {10}},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -272,9 +269,7 @@ TEST(SmsMessageTable, FlashMessages) {
     Stored read = flash;
     read.status = SMS_STATUS_READ;
     const Row rows[] = {
-        {"new flash message", flash, true, 0, true},
-        {"listed, not new", flash, false, -1, false},
-        {"already read", read, true, -1, false},
+        {"new flash message", flash, true, 0, true}, {"listed, not new", flash, false, -1, false}, {"already read", read, true, -1, false},
         {"storage not selectable", flash, true, 2, false},
     };
     // clang-format on

@@ -52,15 +52,11 @@ TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
     struct Row { const char* what; std::wstring text; int encodeType; std::vector<uint32_t> lengths; };
     const std::wstring ext152 = std::wstring(152, L'a') + L"€" + std::wstring(9, L'b');
     const Row rows[] = {
-        {"160 septets", std::wstring(160, L'a'), 0, {160}},
-        {"161 septets", std::wstring(161, L'a'), 0, {153, 8}},
-        {"306 septets", std::wstring(306, L'x'), 0, {153, 153}},
-        {"307 septets", std::wstring(307, L'x'), 0, {153, 153, 1}},
+        {"160 septets", std::wstring(160, L'a'), 0, {160}}, {"161 septets", std::wstring(161, L'a'), 0, {153, 8}},
+        {"306 septets", std::wstring(306, L'x'), 0, {153, 153}}, {"307 septets", std::wstring(307, L'x'), 0, {153, 153, 1}},
         {"extension characters count twice", std::wstring(80, L'{') + L"a", 0, {152, 9}},
-        {"80 extension characters fit one segment", std::wstring(80, L'€'), 0, {160}},
-        {"an escape pair is never cut", ext152, 0, {152, 11}},
-        {"70 UCS2 characters", std::wstring(70, L'ж'), 1, {140}},
-        {"71 UCS2 characters", std::wstring(71, L'ж'), 1, {134, 8}},
+        {"80 extension characters fit one segment", std::wstring(80, L'€'), 0, {160}}, {"an escape pair is never cut", ext152, 0, {152, 11}},
+        {"70 UCS2 characters", std::wstring(70, L'ж'), 1, {140}}, {"71 UCS2 characters", std::wstring(71, L'ж'), 1, {134, 8}},
         {"135 UCS2 characters", std::wstring(135, L'ж'), 1, {134, 134, 2}},
         {"an emoji takes two units", std::wstring(69, L'ж') + L"\U0001F600", 1, {134, 8}},
         {"one 7-bit-less character makes it UCS2", std::wstring(100, L'a') + L"ç", 1, {134, 68}},
@@ -164,11 +160,8 @@ TEST(SmsPacketMsg, LatinReplacement) {
     // clang-format off
     struct Row { int latin; std::wstring text; int encodeType; std::wstring sent; };
     const Row rows[] = {
-        {1, L"Olá, ça va? Ý ÀÁÂÃ ÈÊË ÌÍÎÏ ÒÓÔÕ ÙÚÛ âã êë íîï óôõ úû ýÿ", 0,
-         L"Ola, Ça va? Y AAAA EEE IIII OOOO UUU aa ee iii ooo uu yy"},
-        {1, L"Olá ✓", 1, L"Olá ✓"},
-        {0, L"Olá", 1, L"Olá"},
-        {1, L"é è ñ stay", 0, L"é è ñ stay"},
+        {1, L"Olá, ça va? Ý ÀÁÂÃ ÈÊË ÌÍÎÏ ÒÓÔÕ ÙÚÛ âã êë íîï óôõ úû ýÿ", 0, L"Ola, Ça va? Y AAAA EEE IIII OOOO UUU aa ee iii ooo uu yy"},
+        {1, L"Olá ✓", 1, L"Olá ✓"}, {0, L"Olá", 1, L"Olá"}, {1, L"é è ñ stay", 0, L"é è ñ stay"},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -187,19 +180,14 @@ TEST(SmsPacketMsg, LatinReplacement) {
 }
 
 TEST(SmsPacketMsg, SegmentLengthsInCharacters) {
-    struct Row {
-        std::wstring text;
-        std::list<int> lengths;
-    };
+    // clang-format off
+    struct Row { std::wstring text; std::list<int> lengths; };
     const Row rows[] = {
-        {L"", {0}},
-        {std::wstring(160, L'a'), {160}},
-        {std::wstring(159, L'a') + L"€", {153, 7}},
-        {std::wstring(80, L'~') + L"a", {76, 5}},
+        {L"", {0}}, {std::wstring(160, L'a'), {160}}, {std::wstring(159, L'a') + L"€", {153, 7}}, {std::wstring(80, L'~') + L"a", {76, 5}},
         // A character in neither table costs nothing in the first count and one septet while splitting.
-        {std::wstring(160, L'a') + wchar_t(0x4E00), {161}},
-        {std::wstring(160, L'a') + L"€" + wchar_t(0x4E00), {153, 9}},
+        {std::wstring(160, L'a') + wchar_t(0x4E00), {161}}, {std::wstring(160, L'a') + L"€" + wchar_t(0x4E00), {153, 9}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         std::list<int> lengths;
         const int count =

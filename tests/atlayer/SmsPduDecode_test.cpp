@@ -122,14 +122,14 @@ TEST(SmsPduDecode, StatusReportOptionalFields) {
     struct Row { std::string tail; int result; int pid; std::wstring text; };
     const Row rows[] = {
         {"", 0, 0, L""},
-        {"0405E8329BFD06", 0, 0, L"hello"},        // TP-PI: UDL
+        {"0405E8329BFD06", 0, 0, L"hello"}, // TP-PI: UDL
         {"07410005E8329BFD06", 0, 0x41, L"hello"}, // TP-PI: PID, DCS, UDL
-        {"0341", 1, 0x41, L""},                    // the DCS announced is missing
-        {"00", 1, 0, L""},                         // an indicator with nothing after it is refused
-        {"0100", 1, 0, L""},                       // PID as the last octet
-        {"0200", 1, 0, L""},                       // DCS as the last octet
-        {"020000", 0, 0, L""},                     // DCS, and no UDL announced
-        {"0405", 1, 0, L""},                       // UDL as the last octet
+        {"0341", 1, 0x41, L""}, // the DCS announced is missing
+        {"00", 1, 0, L""}, // an indicator with nothing after it is refused
+        {"0100", 1, 0, L""}, // PID as the last octet
+        {"0200", 1, 0, L""}, // DCS as the last octet
+        {"020000", 0, 0, L""}, // DCS, and no UDL announced
+        {"0405", 1, 0, L""}, // UDL as the last octet
         {"054005E8329BFD06", 0, 0x40, L"hello"},
     };
     // clang-format on
@@ -155,18 +155,15 @@ TEST(SmsPduDecode, ServiceCentreRules) {
     struct Row { std::string prefix; int result; const char* address; uint32_t type; };
     const Row rows[] = {
         {"00", 0, "", 0},
-        {"0191", 0, "", 1},                        // type alone
+        {"0191", 0, "", 1}, // type alone
         {"07912143658709F1", 0, "12345678901", 1}, // "91" keeps only its second digit
         {"17912143658709F1", 0, "12345678901", 1}, // so does the length: "17" reads as 7
-        {"07A12143658709F1", 0, "12345678901", 1},
-        {"07812143658709F1", 0, "12345678901", 1},
-        {"06912143658709", 0, "1234567890", 1},
+        {"07A12143658709F1", 0, "12345678901", 1}, {"07812143658709F1", 0, "12345678901", 1}, {"06912143658709", 0, "1234567890", 1},
         {"07912143658709f1", 0, "12345678901f", 1}, // only an upper-case F pads
-        {"079121436587F9F1", 1, "", 0},             // F before the last pair
-        {"079121436587091F", 1, "", 0},             // F as the second digit of a pair
-        {"0C912143658709214365870921", 1, "", 0},   // more than 11 octets
-        {"079121436587G9F1", 1, "", 0},
-        {"0G", 1, "", 0},
+        {"079121436587F9F1", 1, "", 0}, // F before the last pair
+        {"079121436587091F", 1, "", 0}, // F as the second digit of a pair
+        {"0C912143658709214365870921", 1, "", 0}, // more than 11 octets
+        {"079121436587G9F1", 1, "", 0}, {"0G", 1, "", 0},
         {"0791", 1, "", 0}, // the digits are missing: the TPDU does not start where it should
     };
     // clang-format on
@@ -193,14 +190,11 @@ TEST(SmsPduDecode, Addresses) {
     // clang-format off
     struct Row { const char* hex; int used; uint32_t type; std::string text; };
     const Row rows[] = {
-        {"0B916407281553F8", 8, 0x11, "46708251358"},
-        {"04818100", 4, 0x01, "1800"},
+        {"0B916407281553F8", 8, 0x11, "46708251358"}, {"04818100", 4, 0x01, "1800"},
         {"0681BADCFE", 5, 0x01, ":;<=>"}, // nibbles 10-14 are written as they come
-        {"02811F", 3, 0x01, "?1"},        // so is a low nibble F
-        {"0581F12143", 5, 0x01, "1"},     // a high nibble F ends the number early
-        {"0BD0C7F7FBCC2E03", 8, 0x50, "Google"},
-        {"0CD0C7F7FBCC2E03", 8, 0x50, "Google"},
-        {"14D04937BD2C7797E9D3E614", 12, 0x50, "InternetSMS"},
+        {"02811F", 3, 0x01, "?1"}, // so is a low nibble F
+        {"0581F12143", 5, 0x01, "1"}, // a high nibble F ends the number early
+        {"0BD0C7F7FBCC2E03", 8, 0x50, "Google"}, {"0CD0C7F7FBCC2E03", 8, 0x50, "Google"}, {"14D04937BD2C7797E9D3E614", 12, 0x50, "InternetSMS"},
         {"06D0490019", 5, 0x50, "I"}, // raw codes: the "@" (0x00) of "I@d" ends the text
         {"0091", 2, 0x11, ""},
         {"159111111111111111111111F1", 13, 0x11, "111111111111111111111"}, // 21 digits, the most
@@ -229,13 +223,13 @@ TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
     struct Row { const char* hex; TSmsDateTime expected; int zone; };
     const Row rows[] = {
         {"11208211050561", {2011, 2, 28, 11, 50, 50, 1}, 16},
-        {"1120821105050A", {2011, 2, 28, 11, 50, 50, 1}, -20},   // -05:00
-        {"21405291650569", {2012, 4, 25, 19, 56, 50, 1}, -16},   // -04:00
-        {"99903021436549", {1999, 9, 3, 12, 34, 56, 1}, -14},    // -03:30, year 99 is 1999
+        {"1120821105050A", {2011, 2, 28, 11, 50, 50, 1}, -20}, // -05:00
+        {"21405291650569", {2012, 4, 25, 19, 56, 50, 1}, -16}, // -04:00
+        {"99903021436549", {1999, 9, 3, 12, 34, 56, 1}, -14}, // -03:30, year 99 is 1999
         {"0800000000000080", {2080 - 100, 1, 1, 0, 0, 0, 1}, 0}, // month 0 and day 0 become 1
-        {"803121423696", {0, 0, 0, 0, 0, 0, 0}, 0},              // too short: 6 octets
-        {"4131339599998F", {2014, 1, 1, 0, 0, 0, 1}, 0},         // month 13, day 33, 59+ times
-        {"5121D0FFFFFFF7", {2015, 12, 13, 0, 0, 0, 1}, 0},       // non-BCD digits, zone 85 quarters
+        {"803121423696", {0, 0, 0, 0, 0, 0, 0}, 0}, // too short: 6 octets
+        {"4131339599998F", {2014, 1, 1, 0, 0, 0, 1}, 0}, // month 13, day 33, 59+ times
+        {"5121D0FFFFFFF7", {2015, 12, 13, 0, 0, 0, 1}, 0}, // non-BCD digits, zone 85 quarters
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -311,12 +305,12 @@ TEST(SmsPduDecode, UserDataHeaders) {
     struct Row { const char* hex; uint32_t present; int reference; int total; int sequence; };
     const Row rows[] = {
         {"050003CC0201", 1, 0xCC, 2, 1},
-        {"0608041234030210", 1, 0x34, 3, 2},             // 16-bit reference: low octet only
-        {"0B0504158200000003CC0302", 1, 0xCC, 3, 2},     // a port element is skipped
+        {"0608041234030210", 1, 0x34, 3, 2}, // 16-bit reference: low octet only
+        {"0B0504158200000003CC0302", 1, 0xCC, 3, 2}, // a port element is skipped
         {"0A000301020300030A0B0C", 1, 0x0A, 0x0B, 0x0C}, // the later element wins
-        {"0400030102", 0, 0, 0, 0},                      // element longer than the header
-        {"05000301", 0, 0, 0, 0},                        // header longer than the data
-        {"050A09FFFF", 0, 0, 0, 0},                      // unknown element overrunning
+        {"0400030102", 0, 0, 0, 0}, // element longer than the header
+        {"05000301", 0, 0, 0, 0}, // header longer than the data
+        {"050A09FFFF", 0, 0, 0, 0}, // unknown element overrunning
         {"00", 0, 0, 0, 0},
     };
     // clang-format on
@@ -339,10 +333,9 @@ TEST(SmsPduDecode, SevenBitUserDataAfterAHeader) {
     // clang-format off
     struct Row { const char* hex; uint8_t udl; std::wstring text; };
     const Row rows[] = {
-        {"050003CC0201" "D06536FB0D", 12, L"hello"},
-        {"06080412340201" "E8329BFD06", 13, L"hello"},
-        {"0500", 3, L""},                             // UDHL beyond UDL
-        {"3F0003CC0201" "D06536FB0D", 12, L""},       // UDHL beyond the data
+        {"050003CC0201" "D06536FB0D", 12, L"hello"}, {"06080412340201" "E8329BFD06", 13, L"hello"},
+        {"0500", 3, L""}, // UDHL beyond UDL
+        {"3F0003CC0201" "D06536FB0D", 12, L""}, // UDHL beyond the data
         {"050003CC0201" "D06536FB0D", 160, L"hello"}, // UDL beyond the data: cut to what is there
     };
     // clang-format on
@@ -388,30 +381,24 @@ TEST(SmsPduDecode, UserDataContentPerAlphabet) {
 
 // No input, however broken, reads out of bounds (the sanitizer build checks) or decodes as a message.
 TEST(SmsPduDecode, HostileInputFails) {
-    struct Row {
-        const char* hex;
-        int tpduLength;
-    };
+    // clang-format off
+    struct Row { const char* hex; int tpduLength; };
     const Row rows[] = {
-        {"", 0},
-        {"", 10},
-        {"0", 1},
-        {"00", 1},
-        {"00", 0},
-        {"0004", -1},
-        {"00040B918100551512F2000011101021436500", 300},                    // length beyond the buffer
-        {"00040B918100551512F20000111010214365000AE8329B", 28},             // text shorter than the length
-        {"00040B918100551512F20000111010214365", 17},                       // no zone, no UDL
+        {"", 0}, {"", 10}, {"0", 1}, {"00", 1}, {"00", 0}, {"0004", -1},
+        {"00040B918100551512F2000011101021436500", 300}, // length beyond the buffer
+        {"00040B918100551512F20000111010214365000AE8329B", 28}, // text shorter than the length
+        {"00040B918100551512F20000111010214365", 17}, // no zone, no UDL
         {"00041691810055151281005515128100551512F2000011101021436500", 29}, // 22-digit address
-        {"00FF", 1},                                                        // MTI 3
+        {"00FF", 1}, // MTI 3
         {"00040B918100551512F20000111010214365 A", 20},
-        {"00040B918100551512F2000011101021436500A1E8", 20},     // UDL 161
-        {"00040B918100551512F20004111010214365008D00", 20},     // 8-bit UDL 141
-        {"000100", 2},                                          // submit without its address
-        {"001100038121430000", 8},                              // submit without its validity octet
-        {"00065A0981363973", 7},                                // report cut in its address
+        {"00040B918100551512F2000011101021436500A1E8", 20}, // UDL 161
+        {"00040B918100551512F20004111010214365008D00", 20}, // 8-bit UDL 141
+        {"000100", 2}, // submit without its address
+        {"001100038121430000", 8}, // submit without its validity octet
+        {"00065A0981363973", 7}, // report cut in its address
         {"00065A098136397339F721901170046380219011700463", 22}, // report cut before TP-ST
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.hex);
         TPduData pdu;
@@ -465,17 +452,16 @@ TEST(SmsPduDecode, TruncatedAndMislabelledPdusStayInBounds) {
 }
 
 TEST(SmsPduDecode, RelativeValidityPeriods) {
-    struct Row {
-        uint8_t vp;
-        TMsgTimeStamp period; // BCD years, months, days, hours, minutes
-    };
+    // clang-format off
+    // period: BCD years, months, days, hours, minutes
+    struct Row { uint8_t vp; TMsgTimeStamp period; };
     const Row rows[] = {
         {0, {0, 0, 0, 0x00, 0x05, 0, 0}},      {11, {0, 0, 0, 0x01, 0x00, 0, 0}},
         {143, {0, 0, 0, 0x12, 0x00, 0, 0}},    {144, {0, 0, 0, 0x12, 0x30, 0, 0}},
         {166, {0, 0, 0, 0x23, 0x30, 0, 0}},    {167, {0, 0, 0x01, 0, 0, 0, 0}},
-        {196, {0, 0x01, 0x00, 0, 0, 0, 0}},    {197, {0, 0x01, 0x05, 0, 0, 0, 0}},
-        {255, {0x01, 0x02, 0x16, 0, 0, 0, 0}},
+        {196, {0, 0x01, 0x00, 0, 0, 0, 0}},    {197, {0, 0x01, 0x05, 0, 0, 0, 0}}, {255, {0x01, 0x02, 0x16, 0, 0, 0, 0}},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(int(row.vp));
         TMsgTimeStamp period;

@@ -73,21 +73,13 @@ TEST(SmsPduEncode, SubmitOctets) {
 }
 
 TEST(SmsPduEncode, Addresses) {
-    struct Row {
-        const char* number;
-        const char* hex;
-    };
+    // clang-format off
+    struct Row { const char* number; const char* hex; };
     const Row rows[] = {
-        {"+46708251358", "0B916407281553F8"},
-        {"1800", "04818100"},
-        {"+1", "0191F1"},
-        {"", "0081"},
-        {"*100#", ""},
-        {"12#", ""},
-        {"+49 170 123 4567", ""},
-        {"abc", ""},
-        {"49+170", ""},
+        {"+46708251358", "0B916407281553F8"}, {"1800", "04818100"}, {"+1", "0191F1"}, {"", "0081"}, {"*100#", ""}, {"12#", ""},
+        {"+49 170 123 4567", ""}, {"abc", ""}, {"49+170", ""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.number);
         TSmsAddress number;
@@ -119,10 +111,9 @@ TEST(SmsPduEncode, Addresses) {
 }
 
 TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
-    struct Row {
-        TMsgTimeStamp period; // BCD years, months, days, hours, minutes
-        int vp;
-    };
+    // clang-format off
+    // period: BCD years, months, days, hours, minutes
+    struct Row { TMsgTimeStamp period; int vp; };
     const Row rows[] = {
         {{0, 0, 0, 0x00, 0x00}, 0},      {{0, 0, 0, 0x00, 0x05}, 0},   {{0, 0, 0, 0x00, 0x06}, 1},
         {{0, 0, 0, 0x01, 0x00}, 11},     {{0, 0, 0, 0x12, 0x00}, 143}, {{0, 0, 0, 0x12, 0x01}, 143},
@@ -132,6 +123,7 @@ TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
         {{0, 0, 0x31, 0, 0}, 197},       {{0, 0x01, 0x05, 0, 0}, 197}, {{0x01, 0x02, 0x10, 0, 0}, 255},
         {{0x01, 0x02, 0x17, 0, 0}, 0}, // 442 days wrap around
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << std::hex << int(row.period.nYear) << "y " << int(row.period.nMonth)
                                         << "m " << int(row.period.nDay) << "d " << int(row.period.nHour)
@@ -142,15 +134,15 @@ TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
 
 // The user's period is stored as plain numbers and read back as BCD: 20 days go out as 14.
 TEST(SmsPduEncode, ValidPeriodSettingsAsSent) {
-    struct Row {
-        TSmsValidPeriod setting; // enabled, weeks, days, hours
-        int vp;
-    };
+    // clang-format off
+    // setting: enabled, weeks, days, hours
+    struct Row { TSmsValidPeriod setting; int vp; };
     const Row rows[] = {
         {{1, 0, 20, 0}, 180}, {{1, 0, 14, 0}, 180}, {{1, 255, 0, 0}, 255}, {{1, 1, 0, 0}, 173},
         {{1, 0, 0, 12}, 143}, {{1, 0, 0, 20}, 146}, {{1, 0, 1, 0}, 167},   {{1, 0, 30, 0}, 196},
         {{1, 4, 3, 0}, 197},  {{0, 0, 20, 5}, 0},   {{1, 0, 0, 0}, 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << int(row.setting.bWeek) << "w " << int(row.setting.bDay) << "d "
                                         << int(row.setting.bHour) << "h");
@@ -165,10 +157,7 @@ TEST(SmsPduEncode, SeptetPacking) {
     // clang-format off
     struct Row { std::string text; int fillBits; const char* packed; };
     const Row rows[] = {
-        {"hellohello", 0, "E8329BFD4697D9EC37"},
-        {"12345678", 0, "31D98C56B3DD70"},
-        {"1234567", 0, "31D98C56B3DD00"},
-        {"hello", 1, "D06536FB0D"},
+        {"hellohello", 0, "E8329BFD4697D9EC37"}, {"12345678", 0, "31D98C56B3DD70"}, {"1234567", 0, "31D98C56B3DD00"}, {"hello", 1, "D06536FB0D"},
         {"", 0, ""},
     };
     // clang-format on
@@ -198,17 +187,16 @@ TEST(SmsPduEncode, SeptetPacking) {
 }
 
 TEST(SmsPduEncode, CharacterHelpers) {
-    struct Row {
-        std::wstring text;
-        const char* septets;
-    };
+    // clang-format off
+    struct Row { std::wstring text; const char* septets; };
     const Row rows[] = {
         {L"Az09 !?", "417A30392021 3F"}, {L"@£$¥", "00010203"},
         {L"€[~]", "1B651B3C1B3D1B3E"},   {L"ç`\u0100\U0001F600", "20202020"}, // not in the alphabet: spaces
         {std::wstring(1, L'\0'), "20"}, // NUL counts as 7-bit but is sent as a space
-        {L"\n\r\f", "0A0D20"},          // form feed is not the page break
+        {L"\n\r\f", "0A0D20"}, // form feed is not the page break
         {L"ΔΩ_¡¿äÄ", "10151140607B5B"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message() << row.septets);
         uint8_t out[32];
@@ -225,16 +213,15 @@ TEST(SmsPduEncode, CharacterHelpers) {
     EXPECT_EQ(CSmsUtility::WStringToDefault7Bit(L"ab€", 3, out, 4), 2);
     EXPECT_EQ(Hex(out, 4), "61620000");
 
-    struct Back {
-        std::vector<uint8_t> septets;
-        std::wstring text;
-    };
+    // clang-format off
+    struct Back { std::vector<uint8_t> septets; std::wstring text; };
     const Back backs[] = {
         {{0x1B, 0x65}, L"€"},         {{0x41, 0x1B}, L"A "}, // an escape at the end is a space
         {{0x1B, 0x41}, L" A"}, // no extension character: a space, then the septet itself
         {{0x1B, 0x1B, 0x14}, L" ^"},  {{0x1B, 0x0A}, L"\n"}, // page break
         {{0x80, 0xFF, 0x00}, L"  @"}, {{0x1B, 0x80}, L"  "},
     };
+    // clang-format on
     for (const Back& back : backs) {
         std::wstring text;
         CSmsUtility::Default7BitToWstring(back.septets.data(), static_cast<int>(back.septets.size()), text);

@@ -153,15 +153,10 @@ TEST(SmsReadingDecode, ListingBlocks) {
     struct Row { const char* what; std::string response; int result; std::vector<uint32_t> indexes; };
     const std::string ok = "\r\n\r\nOK\r\n";
     const Row rows[] = {
-        {"empty storage", "\r\nOK\r\n", 0, {}},
-        {"two messages", CmglBlock(1, 1, 28, kHello) + CmglBlock(4, 0, 24, kReport) + ok, 0, {1, 4}},
+        {"empty storage", "\r\nOK\r\n", 0, {}}, {"two messages", CmglBlock(1, 1, 28, kHello) + CmglBlock(4, 0, 24, kReport) + ok, 0, {1, 4}},
         {"name field", "\r\n+CMGL: 2,1,\"Bob\",28\r\n" + std::string(kHello) + ok, 0, {2}},
-        {"broken second PDU",
-         CmglBlock(1, 1, 28, kHello) + CmglBlock(2, 1, 28, "07912143658709F1ZZ") + ok,
-         1,
-         {}},
-        {"no status", "\r\n+CMGL: 1\r\n" + std::string(kHello) + ok, 1, {}},
-        {"no length", "\r\n+CMGL: 1,1\r\n" + std::string(kHello) + ok, 1, {}},
+        {"broken second PDU", CmglBlock(1, 1, 28, kHello) + CmglBlock(2, 1, 28, "07912143658709F1ZZ") + ok, 1, {}},
+        {"no status", "\r\n+CMGL: 1\r\n" + std::string(kHello) + ok, 1, {}}, {"no length", "\r\n+CMGL: 1,1\r\n" + std::string(kHello) + ok, 1, {}},
         {"PDU line cut off", "\r\n+CMGL: 1,1,,28\r\n0791", 1, {}},
     };
     // clang-format on
@@ -186,12 +181,9 @@ TEST(SmsReadingDecode, ReadBlocks) {
     // clang-format off
     struct Row { std::string text; int result; uint32_t status; };
     const Row rows[] = {
-        {"+CMGR: 0,,28\r\n" + std::string(kHello), 0, 0},
-        {"+CMGR: 1,\"Bob\",28\r\n" + std::string(kHello), 0, 1},
-        {"+CMGR: ,,28\r\n" + std::string(kHello), 0, 4},
-        {"+CMGR: 0,28\r\n" + std::string(kHello), 1, 0},
-        {"+CMGR: 0,,\r\n" + std::string(kHello), 1, 0},
-        {"+CMGR: 0,,28\r\n", 1, 0},
+        {"+CMGR: 0,,28\r\n" + std::string(kHello), 0, 0}, {"+CMGR: 1,\"Bob\",28\r\n" + std::string(kHello), 0, 1},
+        {"+CMGR: ,,28\r\n" + std::string(kHello), 0, 4}, {"+CMGR: 0,28\r\n" + std::string(kHello), 1, 0},
+        {"+CMGR: 0,,\r\n" + std::string(kHello), 1, 0}, {"+CMGR: 0,,28\r\n", 1, 0},
     };
     // clang-format on
     for (const Row& row : rows) {

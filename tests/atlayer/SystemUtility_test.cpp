@@ -21,24 +21,17 @@ protected:
 };
 
 TEST(SystemUtilityTrim, TrimContentCutsTheFramingOnly) {
-    struct Row {
-        const char* answer;
-        int result;
-        const char* value; // what the buffer holds afterwards; it starts as "untouched"
-    };
+    // clang-format off
+    // value: what the buffer holds afterwards; it starts as "untouched"
+    struct Row { const char* answer; int result; const char* value; };
     const Row rows[] = {
-        {"\r\nABC\r\n\r\nOK\r\n", 0, "ABC"},
-        {"\r\nAcme Wireless\r\n\r\nOK\r\n", 0, "Acme Wireless"},
+        {"\r\nABC\r\n\r\nOK\r\n", 0, "ABC"}, {"\r\nAcme Wireless\r\n\r\nOK\r\n", 0, "Acme Wireless"},
         {"\r\n\r\n\r\n11.608.12.02.21\r\nOK\r\n", 0, "11.608.12.02.21"},
         {"\r\n+CGMM: VM-3G 200\r\n\r\nOK\r\n", 0, "+CGMM: VM-3G 200"}, // a prefix stays
-        {"\r\nRev 1\r\nBuild 2\r\n\r\nOK\r\n", 0, "Rev 1\r\nBuild 2"},
-        {"ABC\r\nOK", 0, "ABC"},
-        {"\r\nOK\r\n", 0, "untouched"},
-        {"\r\n\r\n\r\nOK\r\n", 0, "untouched"},
-        {"\r\nABC\r\n", 1, "untouched"},
-        {"\r\nERROR\r\n", 1, "untouched"},
-        {"", 1, "untouched"},
+        {"\r\nRev 1\r\nBuild 2\r\n\r\nOK\r\n", 0, "Rev 1\r\nBuild 2"}, {"ABC\r\nOK", 0, "ABC"}, {"\r\nOK\r\n", 0, "untouched"},
+        {"\r\n\r\n\r\nOK\r\n", 0, "untouched"}, {"\r\nABC\r\n", 1, "untouched"}, {"\r\nERROR\r\n", 1, "untouched"}, {"", 1, "untouched"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         char buffer[64] = "untouched";
@@ -56,17 +49,13 @@ TEST(SystemUtilityParse, ImsiIsTheFirstShortAllDigitLine) {
     // clang-format off
     struct Row { std::string answer; int result; const char* imsi; };
     const Row rows[] = {
-        {"\r\n460001234567890\r\n\r\nOK\r\n", 0, "460001234567890"},
-        {"\r\n001010123456789\r\nOK\r\n", 0, "001010123456789"},
+        {"\r\n460001234567890\r\n\r\nOK\r\n", 0, "460001234567890"}, {"\r\n001010123456789\r\nOK\r\n", 0, "001010123456789"},
         {"\r\n" + sixtyDigits + "\r\nOK\r\n", 1, ""},
         {"\r\n" + sixtyDigits + "\r\n\r\nOK\r\n", 0, ""}, // the blank line behind it counts
         {"\r\n" + sixtyDigits + "\r\n262019876543210\r\n\r\nOK\r\n", 0, "262019876543210"},
-        {"\r\n+CREG: 1\r\n460001234567890\r\n\r\nOK\r\n", 0, "460001234567890"},
-        {"\r\n+CIMI: 460001234567890\r\nOK\r\n", 1, ""},
+        {"\r\n+CREG: 1\r\n460001234567890\r\n\r\nOK\r\n", 0, "460001234567890"}, {"\r\n+CIMI: 460001234567890\r\nOK\r\n", 1, ""},
         {"\r\n\r\n460001234567890\r\n\r\nOK\r\n", 0, ""}, // the empty line counts: kept
-        {"\r\n460001234567890\r\n", 1, ""},
-        {"\r\n+CME ERROR: SIM not inserted\r\n", 1, ""},
-        {"OK", 1, ""},
+        {"\r\n460001234567890\r\n", 1, ""}, {"\r\n+CME ERROR: SIM not inserted\r\n", 1, ""}, {"OK", 1, ""},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -78,23 +67,19 @@ TEST(SystemUtilityParse, ImsiIsTheFirstShortAllDigitLine) {
 }
 
 TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
-    struct Row {
-        const char* answer;
-        const char* number;
-    };
+    // clang-format off
+    struct Row { const char* answer; const char* number; };
     const Row rows[] = {
         {"\r\n+CNUM: \"Voice\",\"+8613912345678\",145,0,4\r\n\r\nOK\r\n", "+8613912345678"},
-        {"\r\n+CNUM: ,\"07700900123\",129\r\n\r\nOK\r\n", "07700900123"},
-        {"\r\n+CNUM: \"\",\"+447700900123\",145,,4\r\n\r\nOK\r\n", "+447700900123"},
+        {"\r\n+CNUM: ,\"07700900123\",129\r\n\r\nOK\r\n", "07700900123"}, {"\r\n+CNUM: \"\",\"+447700900123\",145,,4\r\n\r\nOK\r\n", "+447700900123"},
         {"\r\n+CNUM: \"Data\",\"+111\",145,0,0\r\n+CNUM: \"Voice\",\"+222\",145,0,4\r\n\r\nOK\r\n", "+222"},
         {"\r\n+CNUM: \"\",\"\",129\r\n+CNUM: \"\",\"+333\",145\r\n\r\nOK\r\n", "+333"},
         {"\r\n+CNUM: \"Me\", \"+444\",145\r\n+CNUM: ,\"+555\",145\r\n\r\nOK\r\n", ""}, // no quote: stop
-        {"\r\n+CNUM: \"Fax\",\"+666\",145,0,5\r\n\r\nOK\r\n", ""},
-        {"\r\n+CNUM: \"\",\"+777\r\n\r\nOK\r\n", ""},
+        {"\r\n+CNUM: \"Fax\",\"+666\",145,0,5\r\n\r\nOK\r\n", ""}, {"\r\n+CNUM: \"\",\"+777\r\n\r\nOK\r\n", ""},
         {"\r\n+CNUM: ,\"123456789012345678901234567890\",129\r\n\r\nOK\r\n", "1234567890123456789"},
-        {"\r\n+CNUM: ,\"+888\",145\r\n+CMTI: \"SM\",1\r\n\r\nOK\r\n", "+888"},
-        {"\r\nOK\r\n", ""},
+        {"\r\n+CNUM: ,\"+888\",145\r\n+CMTI: \"SM\",1\r\n\r\nOK\r\n", "+888"}, {"\r\nOK\r\n", ""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CNUM\r", row.answer).WithTimeout(3000).WithoutPrefix().WithFinals(kFinals);
@@ -117,10 +102,7 @@ TEST_F(SystemUtilityTest, SyncCommEscapesThenSwitchesEchoOnTwiceAndOff) {
     // failAt: step (1: first ATE1, 2: second ATE1, 3: ATE0) that fails, 0 none
     struct Row { const char* name; int failAt; int failure; int result; };
     const Row rows[] = {
-        {"all answer", 0, 0, 0},
-        {"first ATE1 times out", 1, 2, 2},
-        {"second ATE1 cancelled", 2, 30, 30},
-        {"ATE0 fails", 3, 1, 1},
+        {"all answer", 0, 0, 0}, {"first ATE1 times out", 1, 2, 2}, {"second ATE1 cancelled", 2, 30, 30}, {"ATE0 fails", 3, 1, 1},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -268,12 +250,8 @@ TEST_F(SystemUtilityTest, DeviceStartStateReadsTheFuncAnswer) {
     // clang-format off
     struct Row { const char* answer; int result; int state; };
     const Row rows[] = {
-        {"\r\n+FUNC: 1\r\n\r\nOK\r\n", 0, 1},
-        {"AT+FUNC=5,?\r\r\n+FUNC:0\r\n\r\nOK\r\n", 0, 0},
-        {"\r\n+CREG: 1\r\n+FUNC: 2\r\n\r\nOK\r\n", 0, 2},
-        {"\r\n+FUNC: \r\n\r\nOK\r\n", 1, -1},
-        {"\r\nOK\r\n", 1, -1},
-        {"\r\nERROR\r\n", 1, -1},
+        {"\r\n+FUNC: 1\r\n\r\nOK\r\n", 0, 1}, {"AT+FUNC=5,?\r\r\n+FUNC:0\r\n\r\nOK\r\n", 0, 0}, {"\r\n+CREG: 1\r\n+FUNC: 2\r\n\r\nOK\r\n", 0, 2},
+        {"\r\n+FUNC: \r\n\r\nOK\r\n", 1, -1}, {"\r\nOK\r\n", 1, -1}, {"\r\nERROR\r\n", 1, -1},
     };
     // clang-format on
     for (const Row& row : rows) {

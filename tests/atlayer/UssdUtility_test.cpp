@@ -51,23 +51,18 @@ protected:
 };
 
 TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
-    struct Row {
-        const wchar_t* text;
-        const char* argument;
-    };
+    // clang-format off
+    struct Row { const wchar_t* text; const char* argument; };
     const Row rows[] = {
-        {L"*100#", "002A0031003000300023"},
-        {L"*123*1#", "002A003100320033002A00310023"},
-        {L"$", "0002"},        // code 2 sent as a UCS2 unit: kept
-        {L"@x", "00000078"},   // '@' is code 0
+        {L"*100#", "002A0031003000300023"}, {L"*123*1#", "002A003100320033002A00310023"},
+        {L"$", "0002"}, // code 2 sent as a UCS2 unit: kept
+        {L"@x", "00000078"}, // '@' is code 0
         {L"a[b]", "00610062"}, // extension characters are dropped
-        {L"`1", "0031"},
-        {L"\u20AC5", "0035"},
-        {L"\u00C4_\u00E9\u0394", "005B001100050010"},
+        {L"`1", "0031"}, {L"\u20AC5", "0035"}, {L"\u00C4_\u00E9\u0394", "005B001100050010"},
         {L"\u00A0", "001B"}, // the escape position holds U+00A0
-        {L"\u0416\U0001F600", ""},
-        {L"", ""},
+        {L"\u0416\U0001F600", ""}, {L"", ""},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.argument);
         m_fake.Expect("AT+CSCS=\"UCS2\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
@@ -95,13 +90,9 @@ TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
     // clang-format off
     struct Row { const char* charSetAnswer; int charSetResult; const char* answer; int result; int sendResult; bool active; };
     const Row rows[] = {
-        {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true},
-        {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
-        {"", 2, "\r\nOK\r\n", 0, 0, true},
-        {"\r\nOK\r\n", 0, "\r\n+CME ERROR: unknown\r\n", 0, 1, false},
-        {"\r\nOK\r\n", 0, "\r\nERROR\r\n", 0, 1, false},
-        {"\r\nOK\r\n", 0, "", 2, 2, false},
-        {"\r\nOK\r\n", 0, "", 30, 30, false},
+        {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true}, {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
+        {"", 2, "\r\nOK\r\n", 0, 0, true}, {"\r\nOK\r\n", 0, "\r\n+CME ERROR: unknown\r\n", 0, 1, false},
+        {"\r\nOK\r\n", 0, "\r\nERROR\r\n", 0, 1, false}, {"\r\nOK\r\n", 0, "", 2, 2, false}, {"\r\nOK\r\n", 0, "", 30, 30, false},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -125,16 +116,9 @@ TEST_F(UssdUtilityTest, CheckStateReadsThePresentationState) {
     // state: -1: left alone
     struct Row { const char* answer; int failure; int result; int state; };
     const Row rows[] = {
-        {"\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, 0, 1},
-        {"AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, 0, 0},
-        {"\r\n+CUSD: 2\r\n", 0, 0, 2},
-        {"\r\n+CUSD:1\r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\n+CUSD: \r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\nOK\r\n", 0, 1, -1},
-        {"\r\n+CME ERROR: operation not allowed\r\n", 0, 1, -1},
-        {"", 2, 2, -1},
-        {"", 30, 30, -1},
+        {"\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, 0, 1}, {"AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, 0, 0}, {"\r\n+CUSD: 2\r\n", 0, 0, 2},
+        {"\r\n+CUSD:1\r\n\r\nOK\r\n", 0, 1, -1}, {"\r\n+CUSD: \r\n\r\nOK\r\n", 0, 1, -1}, {"\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, 1, -1},
+        {"\r\nOK\r\n", 0, 1, -1}, {"\r\n+CME ERROR: operation not allowed\r\n", 0, 1, -1}, {"", 2, 2, -1}, {"", 30, 30, -1},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -150,11 +134,8 @@ TEST_F(UssdUtilityTest, SetStateNeedsOk) {
     // clang-format off
     struct Row { int state; const char* command; const char* answer; int failure; int result; };
     const Row rows[] = {
-        {1, "AT+CUSD=1\r", "\r\nOK\r\n", 0, 0},
-        {0, "AT+CUSD=0\r", "\r\nOK\r\n", 0, 0},
-        {2, "AT+CUSD=2\r", "\r\nERROR\r\n", 0, 1},
-        {-7, "AT+CUSD=-7\r", "\r\n+CME ERROR: 4\r\n", 0, 1},
-        {1, "AT+CUSD=1\r", "", 2, 2},
+        {1, "AT+CUSD=1\r", "\r\nOK\r\n", 0, 0}, {0, "AT+CUSD=0\r", "\r\nOK\r\n", 0, 0}, {2, "AT+CUSD=2\r", "\r\nERROR\r\n", 0, 1},
+        {-7, "AT+CUSD=-7\r", "\r\n+CME ERROR: 4\r\n", 0, 1}, {1, "AT+CUSD=1\r", "", 2, 2},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -180,15 +161,15 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
         bool activeAfter;
     };
     const char* state1 = "\r\n+CUSD: 1\r\n\r\nOK\r\n";
+    // clang-format off
     const Row rows[] = {
         {"no dialogue", false, state1, 0, nullptr, 0, 0, false},
         {"modem reports state 0", true, "\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, nullptr, 0, 0, false},
-        {"cancel accepted", true, state1, 0, "\r\nOK\r\n", 0, 0, false},
-        {"cancel refused", true, state1, 0, "\r\n+CME ERROR: 3\r\n", 0, 1, true},
-        {"cancel times out", true, state1, 0, "", 2, 2, true},
-        {"state query times out", true, "", 2, nullptr, 0, 2, true},
+        {"cancel accepted", true, state1, 0, "\r\nOK\r\n", 0, 0, false}, {"cancel refused", true, state1, 0, "\r\n+CME ERROR: 3\r\n", 0, 1, true},
+        {"cancel times out", true, state1, 0, "", 2, 2, true}, {"state query times out", true, "", 2, nullptr, 0, 2, true},
         {"state unreadable", true, "\r\nOK\r\n", 0, nullptr, 0, 1, true},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         SetDialogue(row.activeBefore);
@@ -210,13 +191,9 @@ TEST_F(UssdUtilityTest, GetEncodingFormatSearchesTheNamesInOrder) {
     // set: -1: left alone
     struct Row { const char* answer; int failure; int result; int set; };
     const Row rows[] = {
-        {"\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, 0, 5},
-        {"AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, 0, 2},
-        {"\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n", 0, 0, 0},
-        {"\r\n+CSCS: \"HEX\"\r\n\r\nOK\r\n", 0, 0, 1},
-        {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\nERROR\r\n", 0, 1, -1},
+        {"\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, 0, 5}, {"AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, 0, 2},
+        {"\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n", 0, 0, 0}, {"\r\n+CSCS: \"HEX\"\r\n\r\nOK\r\n", 0, 0, 1},
+        {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1, -1}, {"\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, 1, -1}, {"\r\nERROR\r\n", 0, 1, -1},
         {"", 30, 30, -1},
     };
     // clang-format on
@@ -238,20 +215,9 @@ TEST_F(UssdUtilityTest, SelectTeCharacterSetNamesTheSet) {
     struct Row { int set; int codePage; int part; const char* name; const char* answer; int result; };
     const char* ok = "\r\nOK\r\n";
     const Row rows[] = {
-        {0, 0, 0, "GSM", ok, 0},
-        {1, 0, 0, "HEX", ok, 0},
-        {2, 0, 0, "IRA", ok, 0},
-        {3, 437, 0, "PCCP437", ok, 0},
-        {3, 5, 0, "PCCP005", ok, 0},
-        {4, 0, 0, "PCDN", ok, 0},
-        {5, 0, 0, "UCS2", ok, 0},
-        {6, 0, 1, "8859-1", ok, 0},
-        {7, 0, 0, "8859-C", ok, 0},
-        {8, 0, 0, "8859-A", ok, 0},
-        {9, 0, 0, "8859-G", ok, 0},
-        {10, 0, 0, "8859-H", ok, 0},
-        {5, 0, 0, "UCS2", "\r\nERROR\r\n", 1},
-        {11, 0, 0, nullptr, "", 1},
+        {0, 0, 0, "GSM", ok, 0}, {1, 0, 0, "HEX", ok, 0}, {2, 0, 0, "IRA", ok, 0}, {3, 437, 0, "PCCP437", ok, 0}, {3, 5, 0, "PCCP005", ok, 0},
+        {4, 0, 0, "PCDN", ok, 0}, {5, 0, 0, "UCS2", ok, 0}, {6, 0, 1, "8859-1", ok, 0}, {7, 0, 0, "8859-C", ok, 0}, {8, 0, 0, "8859-A", ok, 0},
+        {9, 0, 0, "8859-G", ok, 0}, {10, 0, 0, "8859-H", ok, 0}, {5, 0, 0, "UCS2", "\r\nERROR\r\n", 1}, {11, 0, 0, nullptr, "", 1},
         {-1, 0, 0, nullptr, "", 1},
     };
     // clang-format on
@@ -269,14 +235,13 @@ TEST_F(UssdUtilityTest, SelectTeCharacterSetNamesTheSet) {
 }
 
 TEST(UssdDcs, AlphabetFollowsTheCodingGroups) {
-    struct Row {
-        int dcs;
-        int alphabet;
-    };
+    // clang-format off
+    struct Row { int dcs; int alphabet; };
     const Row rows[] = {
         {0x00, 0}, {0x0F, 3}, {0x11, 0}, {0x44, 1}, {0x48, 2}, {0x4C, 3}, {0x80, 3}, {0xBF, 3},
         {0xC0, 0}, {0xD8, 0}, {0xE0, 2}, {0xE4, 2}, {0xF0, 0}, {0xF4, 1}, {0xFF, 1}, {0x18, 2},
     };
+    // clang-format on
     for (const Row& row : rows)
         EXPECT_EQ(CUssdUility::DecodeDcsAlphabet(static_cast<uint8_t>(row.dcs)), row.alphabet) << row.dcs;
 }
@@ -289,37 +254,30 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
     const char* ucs2 = "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n";
     const char* gsm = "\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n";
     const Row rows[] = {
-        {ucs2, "+CUSD: 1,\"00480069\",72", 1, L"Hi", false, true},
-        {ucs2, "+CUSD: 2", 2, L"", true, false},
+        {ucs2, "+CUSD: 1,\"00480069\",72", 1, L"Hi", false, true}, {ucs2, "+CUSD: 2", 2, L"", true, false},
         {ucs2, "+CUSD: 0,\"00480069\",68", 0, L"", true, false}, // 8-bit data is not shown
         {gsm, "+CUSD: 0,\"48656C6C6F\",15", 0, L"Hello", false, false},
         {gsm, "+CUSD: 0,\"00021B80\",15", 0, L"@$\u00A0", false, false}, // 0x80 is no code
         {ucs2, "+CUSD: 0,\"00480065006C006C006F\",15", 0, L"Hello", false, false},
         {ucs2, "+CUSD: 0,\"0000002400E9041F\",15", 0, L"@\u00A4\u00E9\u041F", false, false},
         {ucs2, "+CUSD: 1,\"0422043E043F\",72", 1, L"\u0422\u043E\u043F", false, true},
-        {ucs2, "+CUSD: 1,\"004800\",72", 1, L"H", false, true},     // the odd octet is dropped
-        {ucs2, "+CUSD: 1,\"00480\",72", 1, L"H", false, true},      // the odd digit too
+        {ucs2, "+CUSD: 1,\"004800\",72", 1, L"H", false, true}, // the odd octet is dropped
+        {ucs2, "+CUSD: 1,\"00480\",72", 1, L"H", false, true}, // the odd digit too
         {ucs2, "+CUSD: 1,\"0048ZZ0069\",72", 1, L"H", false, true}, // stops at a pair that is no hex
-        {gsm, "+CUSD: 1,\"4869\",0", 1, L"Hi", false, true},
-        {gsm, "+CUSD: 1,\"4869\",  17", 1, L"Hi", false, true},
+        {gsm, "+CUSD: 1,\"4869\",0", 1, L"Hi", false, true}, {gsm, "+CUSD: 1,\"4869\",  17", 1, L"Hi", false, true},
         {gsm, "+CUSD: 1,\"4869\";15", 1, L"Hi", false, true}, // read by position, not by the comma
-        {ucs2, "\r\n+CUSD: 4\r\n", 4, L"", true, false},
-        {ucs2, "+CUSD: 5", 5, L"", true, false},
-        {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", true, true},
-        {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", false, false},
-        {ucs2, "+CUSD: 1,\"\",72", 1, L"", false, true},
-        {ucs2, "+CUSD: 1,\"0048", 1, L"", false, true},    // no closing quote
-        {ucs2, "+CUSD: 1,\"0048\"", 1, L"", false, true},  // no coding scheme
+        {ucs2, "\r\n+CUSD: 4\r\n", 4, L"", true, false}, {ucs2, "+CUSD: 5", 5, L"", true, false}, {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", true, true},
+        {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", false, false}, {ucs2, "+CUSD: 1,\"\",72", 1, L"", false, true},
+        {ucs2, "+CUSD: 1,\"0048", 1, L"", false, true}, // no closing quote
+        {ucs2, "+CUSD: 1,\"0048\"", 1, L"", false, true}, // no coding scheme
         {ucs2, "+CUSD: 1,\"0048\",", 1, L"", false, true}, // nor here
         {ucs2, "+CUSD: 1,\"0048\",x", 1, L"", false, true},
         {ucs2, "+CUSD: 1,\"0048\",256", 1, L"", false, true}, // no byte
         {ucs2, "+CUSD: 1,\"0048\",-1", 1, L"", false, true},
-        {ucs2, "+CUSD: 1 \"0048\"", 1, L"", false, true},   // no comma
-        {ucs2, "+CUSD: 1,0048,72", 1, L"", false, true},    // no quote
+        {ucs2, "+CUSD: 1 \"0048\"", 1, L"", false, true}, // no comma
+        {ucs2, "+CUSD: 1,0048,72", 1, L"", false, true}, // no quote
         {ucs2, "+CUSD:1,\"0048\",72", -1, L"", true, true}, // no blank: not a report
-        {ucs2, "+CUSD: x", -1, L"", false, false},
-        {ucs2, "+CUSD: 99999999999,\"0048\",72", -1, L"", true, true},
-        {ucs2, "OK", -1, L"", true, true},
+        {ucs2, "+CUSD: x", -1, L"", false, false}, {ucs2, "+CUSD: 99999999999,\"0048\",72", -1, L"", true, true}, {ucs2, "OK", -1, L"", true, true},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -341,9 +299,7 @@ TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
     // clang-format off
     struct Row { const char* answer; int failure; int result; };
     const Row rows[] = {
-        {"", 2, 2},
-        {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1},
-        {"\r\nERROR\r\n", 0, 1},
+        {"", 2, 2}, {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1}, {"\r\nERROR\r\n", 0, 1},
     };
     // clang-format on
     for (const Row& row : rows) {
