@@ -1,0 +1,68 @@
+#pragma once
+
+// Small helpers shared by the command-family and codec tests of this folder.
+#include <cstdint>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ScriptedAtFake.h"
+
+namespace at_test {
+
+// One answer line as modems frame it, with the final OK.
+inline std::string Answer(const std::string& line) {
+    return "\r\n" + line + "\r\n\r\nOK\r\n";
+}
+
+inline std::string Hex(const uint8_t* data, int count) {
+    static const char* const digits = "0123456789ABCDEF";
+    std::string hex;
+    for (int i = 0; i < count; ++i)
+        hex += std::string{digits[data[i] >> 4], digits[data[i] & 0x0F]};
+    return hex;
+}
+
+inline std::vector<uint8_t> FromHex(const std::string& hex) {
+    std::vector<uint8_t> octets;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
+        octets.push_back(static_cast<uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+    return octets;
+}
+
+// Several read-back fields as one text, so that a row compares them in one assertion: "a|b|c".
+template <typename... T> std::string Fields(const T&... values) {
+    std::ostringstream out;
+    const char* separator = "";
+    ((out << separator << values, separator = "|"), ...);
+    return out.str();
+}
+
+// Sends one command per answer and compares what the read gives back ("result|value", see Fields).
+struct Read {
+    std::string answer;
+    std::string expected;
+};
+template <typename F>
+void CheckReads(ScriptedAtFake& fake, const std::string& command, int timeoutMs, const char* prefix, F read,
+                const std::vector<Read>& rows) {
+    for (const Read& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        fake.Expect(command, row.answer).WithTimeout(timeoutMs).WithPrefix(prefix);
+        EXPECT_EQ(read(), row.expected);
+        fake.VerifyDone();
+    }
+}
+
+// A command family registered with the scripted fake.
+template <typename Family> class FamilyTest : public ::testing::Test {
+protected:
+    void SetUp() override { family.RegisterExecAT(ScriptedAtFake::Callback()); }
+    ScriptedAtFake fake;
+    Family family;
+};
+
+} // namespace at_test
