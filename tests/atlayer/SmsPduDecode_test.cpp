@@ -4,48 +4,36 @@
 
 #include <gtest/gtest.h>
 
+#include "AtTestSupport.h"
 #include "SmsPduVectors.h"
 #include "SmsUtility.h"
 
 namespace {
 
+using at_test::Fields;
+using at_test::FromHex;
 using sms_test::kDecodeRows;
 using sms_test::PduRow;
-
-std::vector<uint8_t> FromHex(const std::string& hex) {
-    std::vector<uint8_t> octets;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
-        octets.push_back(static_cast<uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-    return octets;
-}
 
 TEST(SmsPduDecode, RealPdusDecodeToTheirFields) {
     for (const PduRow& row : kDecodeRows) {
         SCOPED_TRACE(row.name);
         TPduData pdu;
         ASSERT_EQ(CSmsUtility::DecodePduData(row.hex, row.tpduLength, pdu), 0);
-        EXPECT_EQ(pdu.tpdu.nTpduType, row.type);
-        EXPECT_STREQ(pdu.serviceCentre.szAddress, row.serviceCentre);
-        EXPECT_EQ(pdu.serviceCentre.nType, row.serviceCentreType);
-
+        EXPECT_EQ(Fields(pdu.tpdu.nTpduType, pdu.serviceCentre.szAddress, pdu.serviceCentre.nType),
+                  Fields(row.type, row.serviceCentre, row.serviceCentreType));
         TMessageListItem item;
         item.pduData = pdu;
         TMsgPacket packet;
         CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
-        EXPECT_STREQ(packet.szNumber, row.number);
         EXPECT_EQ(packet.wstrContent, row.text);
-        EXPECT_EQ(packet.nClass, row.messageClass);
-        EXPECT_EQ(packet.bHasHeader, row.total != 0);
-        EXPECT_EQ(packet.nReference, row.reference);
-        EXPECT_EQ(packet.nTotal, row.total);
-        EXPECT_EQ(packet.nSequence, row.sequence);
+        EXPECT_EQ(Fields(packet.szNumber, packet.nClass, packet.bHasHeader, packet.nReference, packet.nTotal, packet.nSequence),
+                  Fields(row.number, row.messageClass, row.total != 0, row.reference, row.total, row.sequence));
         const TSmsDateTime& t = packet.dateTime;
         char stamp[32];
-        std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d", t.nYear, t.nMonth, t.nDay,
-                      t.nHour, t.nMinute, t.nSecond);
-        if (row.type != SMS_TPDU_SUBMIT) {
-            EXPECT_EQ(std::string(stamp), row.time);
-        }
+        std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d", t.nYear, t.nMonth, t.nDay, t.nHour,
+                      t.nMinute, t.nSecond);
+        EXPECT_EQ(row.type == SMS_TPDU_SUBMIT ? row.time : stamp, std::string(row.time));
     }
 }
 
@@ -55,16 +43,10 @@ TEST(SmsPduDecode, FieldsOfEachTpduType) {
     ASSERT_EQ(CSmsUtility::DecodePduData("07914356060013F1065A098136397339F7219011700463802190117004638030",
                                          24, pdu),
               0);
-    const TTpduStatusReport& report = pdu.tpdu.statusReport;
-    EXPECT_EQ(report.nMti, 2);
-    EXPECT_EQ(report.bMoreMessagesToSend, 1);
-    EXPECT_EQ(report.nMessageRef, 0x5A);
-    EXPECT_EQ(report.nStatus, 0x30);
-    EXPECT_EQ(report.recipient.nType, 0x01u);
-    EXPECT_EQ(report.timeStamp.nTimeZone, 8);
-    EXPECT_EQ(report.dischargeTime.nMinute, 0x40);
-    EXPECT_EQ(report.nParameterIndicator, 0);
-    EXPECT_EQ(report.userData.nLength, 0u);
+    const TTpduStatusReport& r = pdu.tpdu.statusReport;
+    EXPECT_EQ(Fields(r.nMti, r.bMoreMessagesToSend, r.nMessageRef, r.nStatus, r.recipient.nType, r.timeStamp.nTimeZone,
+                     r.dischargeTime.nMinute, r.nParameterIndicator, r.userData.nLength),
+              Fields(2, 1, 0x5A, 0x30, 1, 8, 0x40, 0, 0));
 
     // A submit stored by a phone: status report requested, no validity period, UCS2.
     ASSERT_EQ(
@@ -72,21 +54,14 @@ TEST(SmsPduDecode, FieldsOfEachTpduType) {
             "002100098136397339F70008224F60597D4F60597D4F60597D4F60597D4F60597D4F60597D4F60597D4F60597D4F60",
             46, pdu),
         0);
-    const TTpduSubmit& submit = pdu.tpdu.submit;
-    EXPECT_EQ(submit.bStatusReportRequest, 1);
-    EXPECT_EQ(submit.nVpf, 0);
-    EXPECT_EQ(submit.nMessageRef, 0);
-    EXPECT_EQ(submit.nDcs, 8);
-    EXPECT_EQ(submit.nUdl, 34);
-    EXPECT_EQ(submit.userData.nLength, 34u);
+    const TTpduSubmit& s = pdu.tpdu.submit;
+    EXPECT_EQ(Fields(s.bStatusReportRequest, s.nVpf, s.nMessageRef, s.nDcs, s.nUdl, s.userData.nLength), "1|0|0|8|34|34");
 
     // A deliver with reply path, status report indication and a 16-bit concatenation element.
     ASSERT_EQ(CSmsUtility::DecodePduData(sms_test::kKpnWelcome, 155, pdu), 0);
-    const TTpduDeliver& deliver = pdu.tpdu.deliver;
-    EXPECT_EQ(deliver.bUdhi, 1);
-    EXPECT_EQ(deliver.nUdl, 160);
-    EXPECT_EQ(deliver.userData.nLength, 152u); // 160 septets less the 7-octet header, no fill bits
-    EXPECT_EQ(deliver.originating.nType, 0x05u);
+    // 160 septets less the 7-octet header, no fill bits
+    const TTpduDeliver& d = pdu.tpdu.deliver;
+    EXPECT_EQ(Fields(d.bUdhi, d.nUdl, d.userData.nLength, d.originating.nType), "1|160|152|5");
 }
 
 // The submit's validity period in each format: none, relative, absolute, enhanced (not interpreted).
@@ -254,13 +229,8 @@ TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
 TEST(SmsPduDecode, TimeStrings) {
     TMsgTimeStamp stamp;
     ASSERT_EQ(CSmsUtility::DecodeTimeString("\"09/02/27,15:32:05+04\"", 22, stamp), 0);
-    EXPECT_EQ(stamp.nYear, 0x09);
-    EXPECT_EQ(stamp.nMonth, 0x02);
-    EXPECT_EQ(stamp.nDay, 0x27);
-    EXPECT_EQ(stamp.nHour, 0x15);
-    EXPECT_EQ(stamp.nMinute, 0x32);
-    EXPECT_EQ(stamp.nSecond, 0x05);
-    EXPECT_EQ(stamp.nTimeZone, 4);
+    EXPECT_EQ(Fields(stamp.nYear, stamp.nMonth, stamp.nDay, stamp.nHour, stamp.nMinute, stamp.nSecond, stamp.nTimeZone),
+              Fields(0x09, 0x02, 0x27, 0x15, 0x32, 0x05, 4));
     // The zone stays BCD: "-20" is -0x20.
     ASSERT_EQ(CSmsUtility::DecodeTimeString("\"11/02/28,11:50:50-20\"", 22, stamp), 0);
     EXPECT_EQ(stamp.nTimeZone, -0x20);
@@ -290,13 +260,12 @@ TEST(SmsPduDecode, DataCodingSchemes) {
     }
     for (int pid = 0; pid < 256; ++pid)
         EXPECT_EQ(CSmsUtility::IsReplaceShortMessage(static_cast<uint8_t>(pid)), pid >= 0x41 && pid <= 0x47);
+    for (const auto& [octet, expected] : {std::pair{0x44, SMS_TPDU_DELIVER}, {0x31, SMS_TPDU_SUBMIT}, {0x06, SMS_TPDU_STATUS_REPORT}}) {
+        uint32_t type = 99;
+        EXPECT_EQ(CSmsUtility::GetTpduType(static_cast<uint8_t>(octet), type), 0);
+        EXPECT_EQ(type, static_cast<uint32_t>(expected));
+    }
     uint32_t type = 99;
-    EXPECT_EQ(CSmsUtility::GetTpduType(0x44, type), 0);
-    EXPECT_EQ(type, SMS_TPDU_DELIVER);
-    EXPECT_EQ(CSmsUtility::GetTpduType(0x31, type), 0);
-    EXPECT_EQ(type, SMS_TPDU_SUBMIT);
-    EXPECT_EQ(CSmsUtility::GetTpduType(0x06, type), 0);
-    EXPECT_EQ(type, SMS_TPDU_STATUS_REPORT);
     EXPECT_EQ(CSmsUtility::GetTpduType(0x03, type), 1);
 }
 
@@ -320,10 +289,8 @@ TEST(SmsPduDecode, UserDataHeaders) {
         TUserDataHeader header;
         header.nTotal = 77;
         CSmsUtility::DecodeUserDataHeader(octets.data(), static_cast<int>(octets.size()), header);
-        EXPECT_EQ(header.bPresent, row.present);
-        EXPECT_EQ(header.nReference, row.reference);
-        EXPECT_EQ(header.nTotal, row.total);
-        EXPECT_EQ(header.nSequence, row.sequence);
+        EXPECT_EQ(Fields(header.bPresent, header.nReference, header.nTotal, header.nSequence),
+                  Fields(row.present, row.reference, row.total, row.sequence));
     }
 }
 
