@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "ATSublayer.h"
+#include "AtTestSupport.h"
 #include "AtSublayerInterface.h"
 #include "ScriptedAtFake.h"
 
@@ -109,11 +110,8 @@ TEST_F(AtSublayerTest, DecodesUnsolicitedLinesByPrefix) {
             continue;
         }
         ASSERT_EQ(m_reports.size(), 1u);
-        EXPECT_EQ(m_reports[0].code, row.code);
-        EXPECT_EQ(m_reports[0].hasPayload, row.hasPayload);
-        if (row.hasPayload) {
-            EXPECT_EQ(m_reports[0].text, row.line);
-        }
+        EXPECT_EQ(at_test::Fields(m_reports[0].code, m_reports[0].hasPayload, m_reports[0].text),
+                  at_test::Fields(row.code, row.hasPayload, row.hasPayload ? row.line : ""));
     }
 }
 
@@ -126,26 +124,11 @@ TEST_F(AtSublayerTest, DecoderWithoutContextCallbackOrLineDoesNothing) {
     EXPECT_TRUE(m_reports.empty());
 }
 
-TEST_F(AtSublayerTest, UpperCallbackIsStoredAndHandedBack) {
-    UpperReportCallback callback = nullptr;
-    void* context = &m_reports;
-    EXPECT_EQ(m_sublayer->GetUpperReport(callback, context), 0);
-    EXPECT_EQ(callback, nullptr);
-    EXPECT_EQ(context, nullptr);
-
-    int other = 0;
-    EXPECT_EQ(m_sublayer->RegisterReportCallback(&RecordReport, &other), 0);
-    EXPECT_EQ(m_sublayer->GetUpperReport(callback, context), 0);
-    EXPECT_EQ(callback, &RecordReport);
-    EXPECT_EQ(context, &other);
-}
-
 TEST_F(AtSublayerTest, MissingLowerCallbacksGiveOne) {
     const auto expectUnset = [this] {
-        EXPECT_EQ(m_sublayer->StartCommunication("ignored"), 1);
-        EXPECT_EQ(m_sublayer->EndCommunication(), 1);
-        EXPECT_EQ(m_sublayer->RestartCommunication(), 1);
         m_sublayer->CancelCurATExecution(); // nothing to call
+        const int start = m_sublayer->StartCommunication("ignored"), end = m_sublayer->EndCommunication();
+        EXPECT_EQ(at_test::Fields(start, end, m_sublayer->RestartCommunication()), "1|1|1");
     };
     expectUnset(); // before RegisterLowerCBs
 
@@ -162,12 +145,10 @@ TEST_F(AtSublayerTest, LowerCallbacksAreForwarded) {
     ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
 
     const int argument = 42;
-    EXPECT_EQ(m_sublayer->StartCommunication(&argument), 17);
-    EXPECT_EQ(g_lower.startArgument, &argument);
-    EXPECT_EQ(m_sublayer->EndCommunication(), 18);
-    EXPECT_EQ(m_sublayer->RestartCommunication(), 19);
+    const int start = m_sublayer->StartCommunication(&argument), end = m_sublayer->EndCommunication();
     m_sublayer->CancelCurATExecution();
-    EXPECT_EQ(g_lower.cancels, 1);
+    EXPECT_EQ(at_test::Fields(start, end, m_sublayer->RestartCommunication(), g_lower.cancels), "17|18|19|1");
+    EXPECT_EQ(g_lower.startArgument, &argument);
 }
 
 TEST_F(AtSublayerTest, RegisterLowerCBsHandsTheDecoderToTheHost) {

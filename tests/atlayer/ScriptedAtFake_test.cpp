@@ -5,7 +5,7 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
-#include "ScriptedAtFake.h"
+#include "AtTestSupport.h"
 
 namespace {
 
@@ -33,17 +33,11 @@ TEST(ScriptedAtFake, AnswersTheScriptInOrderAndRecordsEveryCall) {
     fake.ExpectFailure("AT+COPS=?\r", 2);
 
     const Sent csq = Send("AT+CSQ\r", "+CSQ: ");
-    EXPECT_EQ(csq.result, 0);
-    EXPECT_EQ(csq.response, "\r\n+CSQ: 20,99\r\n\r\nOK\r\n");
     EXPECT_EQ(fake.Remaining(), 2u);
-
     const Sent cfun = Send("AT+CFUN=1\r", nullptr, 20000);
-    EXPECT_EQ(cfun.result, 0);
-    EXPECT_EQ(cfun.response, ScriptedAtFake::kOk);
-
-    const Sent cops = Send("AT+COPS=?\r", "+COPS: ", 180000);
-    EXPECT_EQ(cops.result, 2);
-    EXPECT_EQ(cops.response, "untouched"); // a failed exchange hands back nothing
+    const Sent cops = Send("AT+COPS=?\r", "+COPS: ", 180000); // a failed exchange hands back nothing
+    EXPECT_EQ(at_test::Fields(csq.result, csq.response, cfun.result, cfun.response, cops.result, cops.response),
+              at_test::Fields(0, "\r\n+CSQ: 20,99\r\n\r\nOK\r\n", 0, ScriptedAtFake::kOk, 2, "untouched"));
 
     EXPECT_TRUE(fake.Done());
     EXPECT_EQ(fake.Commands(), (std::vector<std::string>{"AT+CSQ\r", "AT+CFUN=1\r", "AT+COPS=?\r"}));
