@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "ATSublayer.h"
-#include "AtTestSupport.h"
 #include "AtSublayerInterface.h"
+#include "AtTestSupport.h"
 #include "ScriptedAtFake.h"
 
 // Reads the families' registered callbacks, in the order the sublayer registers them.

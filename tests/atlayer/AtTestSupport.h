@@ -36,13 +36,27 @@ inline std::vector<uint8_t> FromHex(const std::string& hex) {
 
 // Several read-back fields as one text, so that a row compares them in one assertion: "a|b|c". Numbers print
 // as numbers (also uint8_t), texts as they are, anything else as GoogleTest prints it.
-inline void Show(std::ostream& out, const std::string& text) { out << text; }
-inline void Show(std::ostream& out, const char* text) { out << (text != nullptr ? text : "(null)"); }
-inline void Show(std::ostream& out, char* text) { Show(out, static_cast<const char*>(text)); }
-inline void Show(std::ostream& out, const std::wstring& text) { out << ::testing::PrintToString(text); }
-inline void Show(std::ostream& out, const wchar_t* text) { Show(out, std::wstring(text)); }
-inline void Show(std::ostream& out, const std::u16string& text) { out << ::testing::PrintToString(text); }
-inline void Show(std::ostream& out, const char16_t* text) { Show(out, std::u16string(text)); }
+inline void Show(std::ostream& out, const std::string& text) {
+    out << text;
+}
+inline void Show(std::ostream& out, const char* text) {
+    out << (text != nullptr ? text : "(null)");
+}
+inline void Show(std::ostream& out, char* text) {
+    Show(out, static_cast<const char*>(text));
+}
+inline void Show(std::ostream& out, const std::wstring& text) {
+    out << ::testing::PrintToString(text);
+}
+inline void Show(std::ostream& out, const wchar_t* text) {
+    Show(out, std::wstring(text));
+}
+inline void Show(std::ostream& out, const std::u16string& text) {
+    out << ::testing::PrintToString(text);
+}
+inline void Show(std::ostream& out, const char16_t* text) {
+    Show(out, std::u16string(text));
+}
 template <typename T> void Show(std::ostream& out, const T& value) {
     if constexpr (std::is_arithmetic_v<T>)
         out << +value;

@@ -46,7 +46,8 @@ TEST(Gsm7BitAlphabet, ExtensionTableHoldsExactlyTheListedCharacters) {
 
 TEST(Gsm7BitAlphabet, CodesOutsideTheTablesHaveNoCharacter) {
     for (unsigned code : {0x80u, 0xFFu, 0x1000u})
-        EXPECT_EQ(std::wstring({Gsm7DefaultToUnicode(code), Gsm7ExtensionToUnicode(code)}), std::wstring(2, kGsm7NoChar));
+        EXPECT_EQ(std::wstring({Gsm7DefaultToUnicode(code), Gsm7ExtensionToUnicode(code)}),
+                  std::wstring(2, kGsm7NoChar));
 }
 
 TEST(Gsm7BitAlphabet, EncodesCharacters) {

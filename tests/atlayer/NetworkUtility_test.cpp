@@ -96,7 +96,9 @@ TEST(NetworkUtilityParse, ItemStringFields) {
         item.nState = 99;
         CNetworkUtility::ParseItemString(text, item);
         EXPECT_EQ(item.nValid, 1);
-        EXPECT_EQ(Fields(item.nState, item.szLongName, item.szShortName, item.szNumericName, item.nAcT), expected) << text;
+        EXPECT_EQ(Fields(item.nState, item.szLongName, item.szShortName, item.szNumericName, item.nAcT),
+                  expected)
+            << text;
     }
 }
 
@@ -140,7 +142,8 @@ TEST_F(NetworkUtilityTest, SetBuildsTheCopsCommandFromTheMask) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << "mask " << row.mask << " mode " << row.mode << " format " << row.format);
+        SCOPED_TRACE(testing::Message()
+                     << "mask " << row.mask << " mode " << row.mode << " format " << row.format);
         if (row.command != nullptr)
             fake.Expect(row.command).WithTimeout(180000).WithoutPrefix();
         EXPECT_EQ(family.Set(row.mask, row.mode, row.format, row.oper, row.act), row.result);
@@ -336,15 +339,16 @@ TEST_F(NetworkUtilityTest, DisplayListSlotsAndCount) {
 
 // The exchanges of GetInfo, in order; an empty creg or spnm: that command fails, and an operator without a
 // name ends the script before the provider name.
-void ExpectInfoScript(ScriptedAtFake& fake, const std::string& cops, const std::string& creg, const std::string& spnm,
-                      const std::string& spdi = "", const std::string& csq = "18,99", const std::string& ssnd = "HSDPA",
-                      const std::string& cgreg = "0,5") {
+void ExpectInfoScript(ScriptedAtFake& fake, const std::string& cops, const std::string& creg,
+                      const std::string& spnm, const std::string& spdi = "", const std::string& csq = "18,99",
+                      const std::string& ssnd = "HSDPA", const std::string& cgreg = "0,5") {
     fake.Expect("AT+COPS=3,2\r").WithTimeout(1000);
     fake.Expect("AT+COPS?\r", Answer("+COPS: " + cops)).WithTimeout(60000);
     csq.empty() ? fake.ExpectFailure("AT+CSQ\r", 2) : fake.Expect("AT+CSQ\r", Answer("+CSQ: " + csq));
     creg.empty() ? fake.ExpectFailure("AT+CREG?\r", 2) : fake.Expect("AT+CREG?\r", Answer("+CREG: " + creg));
     fake.Expect("AT+SSND?\r", Answer("+SSND: " + ssnd));
-    cgreg.empty() ? fake.ExpectFailure("AT+CGREG?\r", 2) : fake.Expect("AT+CGREG?\r", Answer("+CGREG: " + cgreg));
+    cgreg.empty() ? fake.ExpectFailure("AT+CGREG?\r", 2)
+                  : fake.Expect("AT+CGREG?\r", Answer("+CGREG: " + cgreg));
     if (cops == "0")
         return;
     fake.Expect("AT+SPNM\r", spnm.empty() ? "\r\n+CME ERROR: SIM failure\r\n" : Answer("+SPNM: " + spnm));
@@ -355,8 +359,8 @@ void ExpectInfoScript(ScriptedAtFake& fake, const std::string& cops, const std::
 }
 
 std::string InfoFields(const TNetworkInfo& info) {
-    return Fields(info.nMode, info.nFormat, info.szOperator, info.nAcT, info.nRssiLevel, info.nServiceState, info.nBearer,
-                  info.nPsRegState, info.spInfo.nPresent, info.spInfo.nDisplay);
+    return Fields(info.nMode, info.nFormat, info.szOperator, info.nAcT, info.nRssiLevel, info.nServiceState,
+                  info.nBearer, info.nPsRegState, info.spInfo.nPresent, info.spInfo.nDisplay);
 }
 
 TEST_F(NetworkUtilityTest, InfoGathersEverything) {
@@ -386,7 +390,8 @@ TEST_F(NetworkUtilityTest, InfoDisplayRule) {
     // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        ExpectInfoScript(fake, std::string("0,2,\"") + row.oper + "\",2", "0,1", std::string(row.simByte) + " 41 FF", row.spdi);
+        ExpectInfoScript(fake, std::string("0,2,\"") + row.oper + "\",2", "0,1",
+                         std::string(row.simByte) + " 41 FF", row.spdi);
         TNetworkInfo info;
         EXPECT_EQ(family.GetInfo(info), 0);
         EXPECT_EQ(info.spInfo.nDisplay, row.display);
@@ -396,7 +401,8 @@ TEST_F(NetworkUtilityTest, InfoDisplayRule) {
 
 TEST_F(NetworkUtilityTest, InfoServiceStateAndDefaults) {
     // creg empty: the command fails. No operator name: the provider name is not asked for.
-    const std::pair<const char*, int> rows[] = {{"0,1", 0}, {"0,5", 1}, {"0,2", 2}, {"0,0", 3}, {"0,3", 3}, {"0,4", 4}, {"", 4}};
+    const std::pair<const char*, int> rows[] = {{"0,1", 0}, {"0,5", 1}, {"0,2", 2}, {"0,0", 3},
+                                                {"0,3", 3}, {"0,4", 4}, {"", 4}};
     for (const auto& [creg, serviceState] : rows) {
         SCOPED_TRACE(creg);
         ExpectInfoScript(fake, "0", creg, "", "", "", "LTE", "");

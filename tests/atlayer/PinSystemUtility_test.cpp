@@ -36,7 +36,10 @@ TEST_F(PinUtilityTest, CheckStateSearchesTheStateTableInOrder) {
     };
     const auto check = [&](const char* answer, int result, int state) {
         SCOPED_TRACE(ScriptedAtFake::Printable(answer));
-        m_fake.Expect("AT+CPIN?\r", answer).WithTimeout(1000).WithPrefix("+CPIN").WithFinals({"OK", "+CME ERROR:", "ERROR"});
+        m_fake.Expect("AT+CPIN?\r", answer)
+            .WithTimeout(1000)
+            .WithPrefix("+CPIN")
+            .WithFinals({"OK", "+CME ERROR:", "ERROR"});
         EXPECT_EQ(read(), Fields(result, state));
     };
     // clang-format off
@@ -329,9 +332,11 @@ TEST_F(SystemUtilityTest, EquipmentInfoReadsEveryIdentityAndAlwaysSetsBit64) {
     std::memset(static_cast<void*>(&info), 'x', sizeof info);
     EXPECT_EQ(m_system.GetEquipmentInfo(info), 0);
     EXPECT_EQ(std::string(info.szManufacturer), std::string(2048, 'M'));
-    EXPECT_EQ(Fields(info.nMask, info.szModel, info.szRevision, info.szSerialNumber, info.szImsi, info.msisdn.szNumber),
+    EXPECT_EQ(Fields(info.nMask, info.szModel, info.szRevision, info.szSerialNumber, info.szImsi,
+                     info.msisdn.szNumber),
               "127|VM-3G 200|11.608.12.02.21|354635030000001|460001234567890|+8613912345678");
-    EXPECT_EQ(std::string(info.szHardwareVersion, sizeof info.szHardwareVersion), std::string(sizeof info.szHardwareVersion, '\0'));
+    EXPECT_EQ(std::string(info.szHardwareVersion, sizeof info.szHardwareVersion),
+              std::string(sizeof info.szHardwareVersion, '\0'));
     m_fake.VerifyDone();
 
     // Reads that fail leave their bits clear and their fields empty.
@@ -343,7 +348,8 @@ TEST_F(SystemUtilityTest, EquipmentInfoReadsEveryIdentityAndAlwaysSetsBit64) {
     m_fake.ExpectFailure("AT+CNUM\r", 2);
     m_fake.Expect("AT+HWV\r", "\r\nHW 1.0\r\n\r\nOK\r\n");
     EXPECT_EQ(m_system.GetEquipmentInfo(info), 0);
-    EXPECT_EQ(Fields(info.nMask, info.szManufacturer, info.szModel, info.szImsi, info.szHardwareVersion), "65|Acme Wireless|||HW 1.0");
+    EXPECT_EQ(Fields(info.nMask, info.szManufacturer, info.szModel, info.szImsi, info.szHardwareVersion),
+              "65|Acme Wireless|||HW 1.0");
 
     // The hardware version alone: bounded, or zeroed when it cannot be read.
     char version[kHardwareVersionSize];

@@ -36,8 +36,9 @@ TEST(ScriptedAtFake, AnswersTheScriptInOrderAndRecordsEveryCall) {
     EXPECT_EQ(fake.Remaining(), 2u);
     const Sent cfun = Send("AT+CFUN=1\r", nullptr, 20000);
     const Sent cops = Send("AT+COPS=?\r", "+COPS: ", 180000); // a failed exchange hands back nothing
-    EXPECT_EQ(at_test::Fields(csq.result, csq.response, cfun.result, cfun.response, cops.result, cops.response),
-              at_test::Fields(0, "\r\n+CSQ: 20,99\r\n\r\nOK\r\n", 0, ScriptedAtFake::kOk, 2, "untouched"));
+    EXPECT_EQ(
+        at_test::Fields(csq.result, csq.response, cfun.result, cfun.response, cops.result, cops.response),
+        at_test::Fields(0, "\r\n+CSQ: 20,99\r\n\r\nOK\r\n", 0, ScriptedAtFake::kOk, 2, "untouched"));
 
     EXPECT_TRUE(fake.Done());
     EXPECT_EQ(fake.Commands(), (std::vector<std::string>{"AT+CSQ\r", "AT+CFUN=1\r", "AT+COPS=?\r"}));

@@ -125,7 +125,8 @@ TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
             ExpectIra();
             m_fake.Expect(row.sent).WithTimeout(1000).WithFinals(kCme);
         }
-        EXPECT_EQ(m_sms.SetServiceCentre(address), row.sent != nullptr ? 0 : CSmsUtility::kErrNotAPhoneNumber);
+        EXPECT_EQ(m_sms.SetServiceCentre(address),
+                  row.sent != nullptr ? 0 : CSmsUtility::kErrNotAPhoneNumber);
         m_fake.VerifyDone();
     }
     // No character set, no number.

@@ -27,12 +27,14 @@ TEST(SmsPduDecode, RealPdusDecodeToTheirFields) {
         TMsgPacket packet;
         CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
         EXPECT_EQ(packet.wstrContent, row.text);
-        EXPECT_EQ(Fields(packet.szNumber, packet.nClass, packet.bHasHeader, packet.nReference, packet.nTotal, packet.nSequence),
-                  Fields(row.number, row.messageClass, row.total != 0, row.reference, row.total, row.sequence));
+        EXPECT_EQ(
+            Fields(packet.szNumber, packet.nClass, packet.bHasHeader, packet.nReference, packet.nTotal,
+                   packet.nSequence),
+            Fields(row.number, row.messageClass, row.total != 0, row.reference, row.total, row.sequence));
         const TSmsDateTime& t = packet.dateTime;
         char stamp[32];
-        std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d", t.nYear, t.nMonth, t.nDay, t.nHour,
-                      t.nMinute, t.nSecond);
+        std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d", t.nYear, t.nMonth, t.nDay,
+                      t.nHour, t.nMinute, t.nSecond);
         EXPECT_EQ(row.type == SMS_TPDU_SUBMIT ? row.time : stamp, std::string(row.time));
     }
 }
@@ -44,8 +46,9 @@ TEST(SmsPduDecode, FieldsOfEachTpduType) {
                                          24, pdu),
               0);
     const TTpduStatusReport& r = pdu.tpdu.statusReport;
-    EXPECT_EQ(Fields(r.nMti, r.bMoreMessagesToSend, r.nMessageRef, r.nStatus, r.recipient.nType, r.timeStamp.nTimeZone,
-                     r.dischargeTime.nMinute, r.nParameterIndicator, r.userData.nLength),
+    EXPECT_EQ(Fields(r.nMti, r.bMoreMessagesToSend, r.nMessageRef, r.nStatus, r.recipient.nType,
+                     r.timeStamp.nTimeZone, r.dischargeTime.nMinute, r.nParameterIndicator,
+                     r.userData.nLength),
               Fields(2, 1, 0x5A, 0x30, 1, 8, 0x40, 0, 0));
 
     // A submit stored by a phone: status report requested, no validity period, UCS2.
@@ -55,7 +58,8 @@ TEST(SmsPduDecode, FieldsOfEachTpduType) {
             46, pdu),
         0);
     const TTpduSubmit& s = pdu.tpdu.submit;
-    EXPECT_EQ(Fields(s.bStatusReportRequest, s.nVpf, s.nMessageRef, s.nDcs, s.nUdl, s.userData.nLength), "1|0|0|8|34|34");
+    EXPECT_EQ(Fields(s.bStatusReportRequest, s.nVpf, s.nMessageRef, s.nDcs, s.nUdl, s.userData.nLength),
+              "1|0|0|8|34|34");
 
     // A deliver with reply path, status report indication and a 16-bit concatenation element.
     ASSERT_EQ(CSmsUtility::DecodePduData(sms_test::kKpnWelcome, 155, pdu), 0);
@@ -229,7 +233,8 @@ TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
 TEST(SmsPduDecode, TimeStrings) {
     TMsgTimeStamp stamp;
     ASSERT_EQ(CSmsUtility::DecodeTimeString("\"09/02/27,15:32:05+04\"", 22, stamp), 0);
-    EXPECT_EQ(Fields(stamp.nYear, stamp.nMonth, stamp.nDay, stamp.nHour, stamp.nMinute, stamp.nSecond, stamp.nTimeZone),
+    EXPECT_EQ(Fields(stamp.nYear, stamp.nMonth, stamp.nDay, stamp.nHour, stamp.nMinute, stamp.nSecond,
+                     stamp.nTimeZone),
               Fields(0x09, 0x02, 0x27, 0x15, 0x32, 0x05, 4));
     // The zone stays BCD: "-20" is -0x20.
     ASSERT_EQ(CSmsUtility::DecodeTimeString("\"11/02/28,11:50:50-20\"", 22, stamp), 0);
@@ -260,7 +265,8 @@ TEST(SmsPduDecode, DataCodingSchemes) {
     }
     for (int pid = 0; pid < 256; ++pid)
         EXPECT_EQ(CSmsUtility::IsReplaceShortMessage(static_cast<uint8_t>(pid)), pid >= 0x41 && pid <= 0x47);
-    for (const auto& [octet, expected] : {std::pair{0x44, SMS_TPDU_DELIVER}, {0x31, SMS_TPDU_SUBMIT}, {0x06, SMS_TPDU_STATUS_REPORT}}) {
+    for (const auto& [octet, expected] :
+         {std::pair{0x44, SMS_TPDU_DELIVER}, {0x31, SMS_TPDU_SUBMIT}, {0x06, SMS_TPDU_STATUS_REPORT}}) {
         uint32_t type = 99;
         EXPECT_EQ(CSmsUtility::GetTpduType(static_cast<uint8_t>(octet), type), 0);
         EXPECT_EQ(type, static_cast<uint32_t>(expected));

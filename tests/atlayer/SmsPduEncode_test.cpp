@@ -62,7 +62,8 @@ TEST(SmsPduEncode, SubmitOctets) {
     // of user data.
     for (const char* destination : {"*100#", "abc", "", "49 170"}) {
         std::strcpy(submit.destination.szAddress, destination);
-        EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), CSmsUtility::kErrNotAPhoneNumber) << destination;
+        EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), CSmsUtility::kErrNotAPhoneNumber)
+            << destination;
     }
     std::strcpy(submit.destination.szAddress, "123");
     submit.userData.nLength = 154; // 154 septets and the header: 141 octets
