@@ -38,12 +38,10 @@ TEST(AtParameter, RefusesWhatEndsTheParameterOrTheCommand) {
 // Every family that puts outside text into a command refuses it and sends nothing: the fake has no
 // steps, so any command fails the test.
 TEST(AtParameter, FamiliesSendNothingForRefusedText) {
-    struct Family {
-        const char* name;
-        std::function<int(const std::string&)> call;
-        bool cString;     // the value passes as a C string: an embedded NUL just ends it
-        std::size_t room; // the longest value the interface can carry
-    };
+    // clang-format off
+    // cString: the value passes as a C string: an embedded NUL just ends it; room: the longest value the interface can carry
+    struct Family { const char* name; std::function<int(const std::string&)> call; bool cString; std::size_t room; };
+    // clang-format on
     constexpr std::size_t kAny = std::string::npos;
     CSystemUtility system;
     CPbUtility pb;

@@ -23,11 +23,9 @@ struct AtSublayerTestAccess {
 
 namespace {
 
-struct Report {
-    int code = -1;
-    bool hasPayload = false;
-    std::string text;
-};
+// clang-format off
+struct Report { int code = -1; bool hasPayload = false; std::string text; };
+// clang-format on
 
 // Upper report callback: keeps a copy of each report, since the payload dies with the call.
 int RecordReport(void* context, int code, const void* payload) {

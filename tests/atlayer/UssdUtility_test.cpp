@@ -150,16 +150,10 @@ TEST_F(UssdUtilityTest, SetStateNeedsOk) {
 }
 
 TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
-    struct Row {
-        const char* name;
-        bool activeBefore;
-        const char* stateAnswer;
-        int stateFailure;
-        const char* cancelAnswer; // nullptr: no AT+CUSD=2 expected
-        int cancelFailure;
-        int result;
-        bool activeAfter;
-    };
+    // clang-format off
+    // cancelAnswer: nullptr: no AT+CUSD=2 expected
+    struct Row { const char* name; bool activeBefore; const char* stateAnswer; int stateFailure; const char* cancelAnswer; int cancelFailure; int result; bool activeAfter; };
+    // clang-format on
     const char* state1 = "\r\n+CUSD: 1\r\n\r\nOK\r\n";
     // clang-format off
     const Row rows[] = {
