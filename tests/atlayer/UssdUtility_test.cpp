@@ -6,10 +6,12 @@
 
 #include <gtest/gtest.h>
 
-#include "ScriptedAtFake.h"
+#include "AtTestSupport.h"
 #include "UssdUtility.h"
 
 namespace {
+
+using at_test::Fields;
 
 const std::list<std::string> kCusdFinals = {"OK", "+CME ERROR:", "ERROR"};
 const std::list<std::string> kCscsFinals = {"OK", "ERROR", "+CME ERROR"};
@@ -30,12 +32,6 @@ protected:
 
     void ExpectCharSetQuery(const char* answer) {
         m_fake.Expect("AT+CSCS?\r", answer).WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
-    }
-    void ExpectStateQuery(const char* answer, int failure) {
-        m_fake.Expect("AT+CUSD?\r", answer, failure)
-            .WithTimeout(3000)
-            .WithPrefix("+CUSD: ")
-            .WithFinals(kCusdFinals);
     }
     // Starts or ends a dialogue the way the network does, with a report.
     void SetDialogue(bool active) {
@@ -111,25 +107,6 @@ TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
     EXPECT_FALSE(unregistered.IsDialogueActive());
 }
 
-TEST_F(UssdUtilityTest, CheckStateReadsThePresentationState) {
-    // clang-format off
-    // state: -1: left alone
-    struct Row { const char* answer; int failure; int result; int state; };
-    const Row rows[] = {
-        {"\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, 0, 1}, {"AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, 0, 0}, {"\r\n+CUSD: 2\r\n", 0, 0, 2},
-        {"\r\n+CUSD:1\r\n\r\nOK\r\n", 0, 1, -1}, {"\r\n+CUSD: \r\n\r\nOK\r\n", 0, 1, -1}, {"\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\nOK\r\n", 0, 1, -1}, {"\r\n+CME ERROR: operation not allowed\r\n", 0, 1, -1}, {"", 2, 2, -1}, {"", 30, 30, -1},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        ExpectStateQuery(row.answer, row.failure);
-        int state = -1;
-        EXPECT_EQ(m_ussd.CheckUssdState(state), row.result);
-        EXPECT_EQ(state, row.state);
-    }
-}
-
 TEST_F(UssdUtilityTest, SetStateNeedsOk) {
     // clang-format off
     struct Row { int state; const char* command; const char* answer; int failure; int result; };
@@ -180,26 +157,44 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
     }
 }
 
-TEST_F(UssdUtilityTest, GetEncodingFormatSearchesTheNamesInOrder) {
+// The presentation state and the character set read back; -1: left alone. The set's names are searched in
+// order.
+TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
+    const auto state = [this] {
+        int value = -1;
+        const int result = m_ussd.CheckUssdState(value);
+        return Fields(result, value);
+    };
+    const auto set = [this] {
+        int value = -1;
+        const int result = m_ussd.getEcodingFormat(value);
+        return Fields(result, value);
+    };
     // clang-format off
-    // set: -1: left alone
-    struct Row { const char* answer; int failure; int result; int set; };
+    struct Row { bool cusd; const char* answer; int failure; const char* expected; };
     const Row rows[] = {
-        {"\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, 0, 5}, {"AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, 0, 2},
-        {"\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n", 0, 0, 0}, {"\r\n+CSCS: \"HEX\"\r\n\r\nOK\r\n", 0, 0, 1},
-        {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1, -1}, {"\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, 1, -1}, {"\r\nERROR\r\n", 0, 1, -1},
-        {"", 30, 30, -1},
+        {true, "\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, "0|1"}, {true, "AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, "0|0"}, {true, "\r\n+CUSD: 2\r\n", 0, "0|2"},
+        {true, "\r\n+CUSD:1\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: \r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, "1|-1"},
+        {true, "\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CME ERROR: operation not allowed\r\n", 0, "1|-1"}, {true, "", 2, "2|-1"}, {true, "", 30, "30|-1"},
+        {false, "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, "0|5"}, {false, "AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, "0|2"},
+        {false, "\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n", 0, "0|0"}, {false, "\r\n+CSCS: \"HEX\"\r\n\r\nOK\r\n", 0, "0|1"},
+        {false, "\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, "1|-1"}, {false, "\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, "1|-1"},
+        {false, "\r\nERROR\r\n", 0, "1|-1"}, {false, "", 30, "30|-1"},
     };
     // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+CSCS?\r", row.answer, row.failure)
-            .WithTimeout(1000)
-            .WithoutPrefix()
-            .WithFinals(kCscsFinals);
-        int set = -1;
-        EXPECT_EQ(m_ussd.getEcodingFormat(set), row.result);
-        EXPECT_EQ(set, row.set);
+        if (row.cusd)
+            m_fake.Expect("AT+CUSD?\r", row.answer, row.failure)
+                .WithTimeout(3000)
+                .WithPrefix("+CUSD: ")
+                .WithFinals(kCusdFinals);
+        else
+            m_fake.Expect("AT+CSCS?\r", row.answer, row.failure)
+                .WithTimeout(1000)
+                .WithoutPrefix()
+                .WithFinals(kCscsFinals);
+        EXPECT_EQ(row.cusd ? state() : set(), row.expected);
     }
 }
 
@@ -355,18 +350,13 @@ TEST(UssdHelpers, QuotationStringHexAndEncodeType) {
     std::string quoted;
     EXPECT_EQ(CUssdUility::GetQuotationString(nullptr, quoted), 1);
 
-    EXPECT_EQ(CUssdUility::HexCharToInt('0'), 0);
-    EXPECT_EQ(CUssdUility::HexCharToInt('f'), 15);
-    EXPECT_EQ(CUssdUility::HexCharToInt('A'), 10);
-    EXPECT_EQ(CUssdUility::HexCharToInt('g'), -1);
-    EXPECT_EQ(CUssdUility::HexCharToInt('\0'), -1);
-
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"*100#"), 0);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"[\\]^{|}~\u20AC"), 0);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"\u00E9\u0394"), 0);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"`"), 2);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"\u041F\u0440\u0438"), 2);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L""), 0);
+    std::string read;
+    for (const char digit : {'0', 'f', 'A', 'g', '\0'})
+        read += std::to_string(CUssdUility::HexCharToInt(digit)) + " ";
+    for (const wchar_t* text :
+         {L"*100#", L"[\\]^{|}~\u20AC", L"\u00E9\u0394", L"`", L"\u041F\u0440\u0438", L""})
+        read += std::to_string(CUssdUility::GetEncodeType(text)) + " ";
+    EXPECT_EQ(read, "0 15 10 -1 -1 0 0 0 2 2 0 ");
 
     uint8_t codes[4] = {9, 9, 9, 9};
     EXPECT_EQ(CUssdUility::WStringToDefault7Bit(L"a[bcd", codes, 4), 3);
