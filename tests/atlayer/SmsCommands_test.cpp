@@ -7,7 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "ScriptedAtFake.h"
+#include "AtTestSupport.h"
+#include "SmsPduVectors.h"
 #include "SmsUtility.h"
 
 namespace {
@@ -85,8 +86,8 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CMGF?\r", row.answer);
         int format = -1;
-        EXPECT_EQ(m_sms.GetMessageFormat(format), row.result);
-        EXPECT_EQ(format, row.format);
+        const int result = m_sms.GetMessageFormat(format);
+        EXPECT_EQ(at_test::Fields(result, format), at_test::Fields(row.result, row.format));
     }
 }
 
@@ -180,9 +181,7 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
     int mem1 = -1, mem2 = -1, mem3 = -1;
     ExpectStorages(kMeSmSm);
     ASSERT_EQ(m_sms.GetPreferredMessageStorage(mem1, mem2, mem3), 0);
-    EXPECT_EQ(mem1, 1);
-    EXPECT_EQ(mem2, 3);
-    EXPECT_EQ(mem3, 3);
+    EXPECT_EQ(at_test::Fields(mem1, mem2, mem3), "1|3|3");
     for (const char* broken : {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n",
                                "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",x,20\r\n\r\nOK\r\n",
                                "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n", "\r\nOK\r\n"}) {
@@ -208,13 +207,12 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
         EXPECT_EQ(m_sms.SetPreferredStorage(row.storage), 0);
         m_fake.VerifyDone();
     }
-    ExpectStorages(kMeSmSm);
-    int storage = 0;
-    ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
-    EXPECT_EQ(storage, 1);
-    ExpectStorages(kMeMeMe);
-    ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
-    EXPECT_EQ(storage, 2);
+    for (const auto& [answer, expected] : {std::pair{kMeSmSm, 1}, {kMeMeMe, 2}}) {
+        ExpectStorages(answer);
+        int storage = 0;
+        ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
+        EXPECT_EQ(storage, expected);
+    }
 
     // A failed exchange is 2 whatever the lower layer said; a refusal is 1.
     m_fake.ExpectFailure("AT+CPMS=\"SM\",\"SM\",\"\"\r", 30);
@@ -228,18 +226,17 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
 }
 
 TEST_F(SmsCommandsTest, StorageState) {
-    m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7,100,3,20,3,20\r\n\r\nOK\r\n")
-        .WithTimeout(1000)
-        .WithFinals(kCms);
-    m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,7,100,3,20\r\n\r\nOK\r\n")
-        .WithTimeout(1000)
-        .WithFinals(kCms);
+    for (const char* storage : {"ME", "SM"}) {
+        const std::string counts = storage[0] == 'M' ? "7,100,3,20" : "3,20,7,100";
+        m_fake
+            .Expect(std::string("AT+CPMS=\"") + storage + "\"\r",
+                    at_test::Answer("+CPMS: " + counts + ",3,20"))
+            .WithTimeout(1000)
+            .WithFinals(kCms);
+    }
     TSmsStorageState state;
     ASSERT_EQ(m_sms.GetStorageState(state), 0);
-    EXPECT_EQ(state.nMeUsed, 7);
-    EXPECT_EQ(state.nMeTotal, 100);
-    EXPECT_EQ(state.nSimUsed, 3);
-    EXPECT_EQ(state.nSimTotal, 20);
+    EXPECT_EQ(at_test::Fields(state.nMeUsed, state.nMeTotal, state.nSimUsed, state.nSimTotal), "7|100|3|20");
 
     m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7\r\n\r\nOK\r\n");
     EXPECT_EQ(m_sms.GetStorageState(state), 1);
@@ -255,10 +252,7 @@ TEST_F(SmsCommandsTest, DeleteRemovesATableItemOnlyWhenTheModemDidDelete) {
     item.nStorage = SMS_STORAGE_SIM;
     item.nIndex = 5;
     item.nStatus = SMS_STATUS_READ;
-    ASSERT_EQ(
-        CSmsUtility::DecodePduData("07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37",
-                                   28, item.pduData),
-        0);
+    ASSERT_EQ(CSmsUtility::DecodePduData(sms_test::kDecodeRows[2].hex, 28, item.pduData), 0); // "hellohello"
     bool added = false, deleted = false, replaced = false;
     uint32_t id = 0;
     ASSERT_EQ(m_sms.AddMsgItemToListTable(item, added, id, deleted, replaced, false), 0);
