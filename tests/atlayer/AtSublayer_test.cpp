@@ -84,8 +84,7 @@ protected:
 TEST_F(AtSublayerTest, DecodesUnsolicitedLinesByPrefix) {
     // clang-format off
     // code: -1: ignored
-    struct Row { const char* line; int code; bool hasPayload; };
-    const Row rows[] = {
+    const struct { const char* line; int code; bool hasPayload; } rows[] = {
         {"+CMTI: \"SM\",3", ATS_REPORT_NEW_SMS, true}, {"+CDSI: \"SR\",1", ATS_REPORT_NEW_SMS, true},
         {"+CUSD: 0,\"00480069\",72", ATS_REPORT_CUSD, true}, {"+CUSD: 2", ATS_REPORT_CUSD, true},
         {"+CUSD:1", -1, false}, // no blank after the colon
@@ -99,7 +98,7 @@ TEST_F(AtSublayerTest, DecodesUnsolicitedLinesByPrefix) {
     };
     // clang-format on
     ASSERT_EQ(m_sublayer->RegisterReportCallback(&RecordReport, &m_reports), 0);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
         m_reports.clear();
         EXPECT_EQ(ATSublayer_HandleReport(m_sublayer, row.line), 0);

@@ -27,14 +27,13 @@ protected:
 
 TEST_F(CallUtilityTest, SetCommandsNeedOk) {
     // clang-format off
-    struct Row { const char* command; int timeoutMs; std::function<int()> run; };
-    const Row rows[] = {
+    const struct { const char* command; int timeoutMs; std::function<int()> run; } rows[] = {
         {"AT+COLP=0\r", 3000, [this] { return m_call.InitCOLP(); }}, {"AT+CLIP=0\r", 3000, [this] { return m_call.InitCLIP(); }},
         {"AT+CRC=0\r", 3000, [this] { return m_call.InitCRC(); }}, {"AT+VTS=5\r", 3000, [this] { return m_call.SendDTMF('5'); }},
         {"AT$GPSC=1,1\r", 3000, [this] { return m_gps.InitGPS(); }}, {"AT$GPSC=1,0\r", 3000, [this] { return m_gps.UninitGPS(); }},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.command));
         // Echoed OK; an error; NO CARRIER, which only dialling, answering and hanging up know; time-out;
         // cancel.
@@ -70,13 +69,12 @@ TEST_F(CallUtilityTest, InitStopsAtTheFirstFailure) {
 TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
     // clang-format off
     // result: -1: the operation does not run with this answer
-    struct Row { const char* answer; int result; int dial; int answerCall; int hangUp; };
-    const Row rows[] = {
+    const struct { const char* answer; int result; int dial; int answerCall; int hangUp; } rows[] = {
         {"\r\nOK\r\n", 0, 0, 0, 0}, {"\r\nNO CARRIER\r\n", 0, 25, 25, 25}, {"\r\nBUSY\r\n", 0, 27, 1, 1}, {"\r\nNO ANSWER\r\n", 0, 26, 1, 1},
         {"\r\nNO DIALTONE\r\n", 0, 28, 1, 1}, {"\r\n+CME ERROR: no network service\r\n", 0, 1, 1, 1}, {"", 2, 2, 2, 2}, {"", 30, 30, 30, 30},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer) + " code " + std::to_string(row.result));
         m_fake.Expect("ATD10086;\r", row.answer, row.result)
             .WithTimeout(60000)
@@ -107,8 +105,7 @@ TEST_F(CallUtilityTest, DtmfTakesOnlyKeypadTones) {
 
 TEST(CallListParse, ClccLines) {
     // clang-format off
-    struct Row { const char* line; bool listed; TCallItemState call; };
-    const Row rows[] = {
+    const struct { const char* line; bool listed; TCallItemState call; } rows[] = {
         {"+CLCC: 1,1,4,0,0,\"123\",145", true, {1, 1, 4, 0, 0, "+123", 145}}, {"+CLCC: 1,1,4,0,0,\"123\",129", true, {1, 1, 4, 0, 0, "123", 129}},
         {"+CLCC: 2,0,0,0,1,\"+8613800138000\",145", true, {2, 0, 0, 0, 1, "+8613800138000", 0}},
         {"+CLCC: 1,0,2,1,0,\"10086\",161,\"\"", true, {1, 0, 2, 1, 0, "10086", 161}},
@@ -120,7 +117,7 @@ TEST(CallListParse, ClccLines) {
         {"+CLCC: a,1,4,0,0,\"123\",129", false, {}},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
         std::list<TCallItemState> calls;
         CCallUtility::ParseCallList(std::string("\r\n") + row.line + "\r\n\r\nOK\r\n", calls);
@@ -157,15 +154,14 @@ TEST_F(CallUtilityTest, CallListKeepsEveryCallInOrder) {
 
 TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
     // clang-format off
-    struct Row { std::string lines; int ring; const char* number; bool allEnded; };
-    const Row rows[] = {
+    const struct { std::string lines; int ring; const char* number; bool allEnded; } rows[] = {
         {"", 1, "", true}, {"+CLCC: 1,1,4,0,0,\"123\",145\r\n", 0, "+123", false},
         {"+CLCC: 1,1,4,1,0,\"123\",129\r\n", 1, "", true}, // data call
         {"+CLCC: 1,0,0,0,0,\"555\",129\r\n+CLCC: 2,1,5,0,0,\"666\",129\r\n+CLCC: 3,1,4,0,0,\"777\",129\r\n", 0, "777", false},
         {"+CLCC: 1,1,4,0,0\r\n", 0, "", false}, // incoming, number withheld
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.lines));
         const std::string answer = "\r\n" + row.lines + "\r\nOK\r\n";
         m_fake.Expect("AT+CLCC\r", answer);

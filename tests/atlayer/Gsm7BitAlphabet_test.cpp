@@ -53,8 +53,7 @@ TEST(Gsm7BitAlphabet, CodesOutsideTheTablesHaveNoCharacter) {
 TEST(Gsm7BitAlphabet, EncodesCharacters) {
     // clang-format off
     // septets: 0: not in the alphabet
-    struct Row { wchar_t character; int septets; unsigned char code; };
-    const Row rows[] = {
+    const struct { wchar_t character; int septets; unsigned char code; } rows[] = {
         {L'@', 1, 0x00},   {L'$', 1, 0x02},     {L'\n', 1, 0x0A}, // line feed from the default table
         {L'\r', 1, 0x0D},  {L'Ç', 1, 0x09},     {L'ç', 0, 0},       {L'¤', 1, 0x24},      {L'Ω', 1, 0x15},
         {L'\u2126', 0, 0}, {L'¿', 1, 0x60},     {L'à', 1, 0x7F},    {L'\u00A0', 1, 0x1B}, {L'€', 2, 0x65},
@@ -63,7 +62,7 @@ TEST(Gsm7BitAlphabet, EncodesCharacters) {
         {L'\u0100', 0, 0}, {kGsm7NoChar, 0, 0}, {L'\x1F600', 0, 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << "U+" << std::hex << static_cast<long>(row.character));
         unsigned char code = 0xEE;
         EXPECT_EQ(UnicodeToGsm7(row.character, code), row.septets);

@@ -17,8 +17,7 @@ using NetworkUtilityTest = FamilyTest<CNetworkUtility>;
 TEST_F(NetworkUtilityTest, SignalLevelAndDbmFromCsq) {
     // "result|level" of the level read, then "result|dbm" of the dBm read of the same answer.
     // clang-format off
-    struct Row { std::string answer; const char* expected; };
-    const Row rows[] = {
+    const struct { std::string answer; const char* expected; } rows[] = {
         {Answer("+CSQ: 99,99"), "0|0 0|0"}, {Answer("+CSQ: 0,0"), "0|0 0|114"}, {Answer("+CSQ: 1,99"), "0|0 0|112"}, {Answer("+CSQ: 2,99"), "0|1 0|110"},
         {Answer("+CSQ: 7,99"), "0|1 0|100"}, {Answer("+CSQ: 8,99"), "0|2 0|98"}, {Answer("+CSQ: 11,0"), "0|2 0|92"}, {Answer("+CSQ: 12,0"), "0|3 0|90"},
         {Answer("+CSQ: 15,0"), "0|3 0|84"}, {Answer("+CSQ: 16,0"), "0|4 0|82"}, {Answer("+CSQ: 19,0"), "0|4 0|76"}, {Answer("+CSQ: 20,99"), "0|5 0|74"},
@@ -27,7 +26,7 @@ TEST_F(NetworkUtilityTest, SignalLevelAndDbmFromCsq) {
         {Answer("+CSQ: ,99"), "1|6 1|0"}, {"\r\nOK\r\n", "1|6 1|0"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         for (int i = 0; i < 2; ++i)
             fake.Expect("AT+CSQ\r", row.answer).WithTimeout(1000).WithPrefix("+CSQ: ");
@@ -128,8 +127,7 @@ TEST_F(NetworkUtilityTest, ListStopsAtTheModeListsOrALongItem) {
 TEST_F(NetworkUtilityTest, SetBuildsTheCopsCommandFromTheMask) {
     // clang-format off
     // command: nullptr: nothing is sent
-    struct Row { int mask; int mode; int format; const char* oper; int act; const char* command; int result; };
-    const Row rows[] = {
+    const struct { int mask; int mode; int format; const char* oper; int act; const char* command; int result; } rows[] = {
         {1, 0, 0, nullptr, 0, "AT+COPS=0\r", 0}, {1 | 2 | 4 | 8, 1, 2, "46000", 2, "AT+COPS=1,2,\"46000\",2\r", 0},
         {1 | 2 | 4, 1, 0, "Acme Mobile", 0, "AT+COPS=1,0,\"Acme Mobile\"\r", 0}, {1 | 2 | 4, 4, 1, "ACME", 0, "AT+COPS=4,1,\"ACME\"\r", 0},
         {1 | 2 | 4, 1, 2, nullptr, 0, "AT+COPS=1,2\r", 0},
@@ -141,7 +139,7 @@ TEST_F(NetworkUtilityTest, SetBuildsTheCopsCommandFromTheMask) {
         {1 | 8, 1, 0, nullptr, 7, nullptr, 1}, {0, 1, 2, "46000", 2, nullptr, 0}, {1, 5, 0, nullptr, 0, nullptr, 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message()
                      << "mask " << row.mask << " mode " << row.mode << " format " << row.format);
         if (row.command != nullptr)
@@ -235,8 +233,7 @@ TEST_F(NetworkUtilityTest, SystemSelectionReadsBandModeAndDomain) {
 
 TEST_F(NetworkUtilityTest, SystemSelectionSetCommands) {
     // clang-format off
-    struct Row { std::function<int(CNetworkUtility&)> call; const char* command; int result; };
-    const Row rows[] = {
+    const struct { std::function<int(CNetworkUtility&)> call; const char* command; int result; } rows[] = {
         {[](CNetworkUtility& n) { return n.SetBand(3); }, "AT+SYSSEL=3\r", 0}, {[](CNetworkUtility& n) { return n.SetMode(0); }, "AT+SYSSEL=,0,0\r", 0},
         {[](CNetworkUtility& n) { return n.SetMode(1); }, "AT+SYSSEL=,2,0\r", 0}, {[](CNetworkUtility& n) { return n.SetMode(2); }, "AT+SYSSEL=,0,1\r", 0},
         {[](CNetworkUtility& n) { return n.SetMode(3); }, "AT+SYSSEL=,1,0\r", 0}, {[](CNetworkUtility& n) { return n.SetMode(4); }, "AT+SYSSEL=,0,2\r", 0},
@@ -244,7 +241,7 @@ TEST_F(NetworkUtilityTest, SystemSelectionSetCommands) {
         {[](CNetworkUtility& n) { return n.SetDomain(2); }, "AT+SYSSEL=,,,2\r", 0}, {[](CNetworkUtility& n) { return n.Init(); }, "AT+COPS=3,2\r", 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.command != nullptr ? ScriptedAtFake::Printable(row.command) : "nothing sent");
         if (row.command != nullptr)
             fake.Expect(row.command).WithTimeout(1000).WithoutPrefix();
@@ -257,8 +254,7 @@ TEST_F(NetworkUtilityTest, SystemSelectionSetCommands) {
 
 TEST(NetworkUtilityParse, Default7BitToWstring) {
     // clang-format off
-    struct Row { std::vector<unsigned char> bytes; int size; std::wstring text; int used; };
-    const Row rows[] = {
+    const struct { std::vector<unsigned char> bytes; int size; std::wstring text; int used; } rows[] = {
         {{'A', 'c', 'm', 'e'}, 16, L"Acme", 4}, {{0x00, 0x02, 0x11, 0x5B, 0x7F}, 16, L"@$_\u00C4\u00E0", 5}, {{0x1B, 0x65, '5'}, 16, L"\u20AC5", 3},
         {{0x1B, 0x28, 0x1B, 0x29}, 16, L"{}", 4},
         {{0x1B, 'A'}, 16, L" A", 2}, // no extension character: a blank, then the byte itself
@@ -266,7 +262,7 @@ TEST(NetworkUtilityParse, Default7BitToWstring) {
         {{0x1B, 0x65, 'x'}, 1, L"\u20AC", 2},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         wchar_t text[17] = {};
         const int size = static_cast<int>(row.bytes.size());
         EXPECT_EQ(CNetworkUtility::Default7BitToWstring(row.bytes.data(), size, text, row.size), row.used);
@@ -281,8 +277,7 @@ TEST_F(NetworkUtilityTest, ServiceProviderNameCodings) {
     for (int i = 0; i < 19; ++i)
         fortyUcs2Bytes += " 00 41";
     // clang-format off
-    struct Row { std::string answer; int result; int present; int display; std::u16string name; };
-    const Row rows[] = {
+    const struct { std::string answer; int result; int present; int display; std::u16string name; } rows[] = {
         {Answer("+SPNM: 01 80 00 41 00 63 00 6D 00 65 FF FF"), 0, 1, 1, u"Acme"}, {Answer("+SPNM: 00800041006300 6d0065ffff"), 0, 1, 0, u"Acme"},
         {Answer("+SPNM: 03 80 04 1F 04 40 FF FF"), 0, 1, 3, u"\u041F\u0440"}, {Answer("+SPNM: 00 41 63 6D 65 FF FF FF"), 0, 1, 0, u"Acme"},
         {Answer("+SPNM: 00 1B 65 31 FF 41"), 0, 1, 0, u"\u20AC1"}, {Answer("+SPNM: 01 81 03 08 C1 41 C2 FF"), 0, 1, 1, u"\u0441A\u0442"},
@@ -291,7 +286,7 @@ TEST_F(NetworkUtilityTest, ServiceProviderNameCodings) {
         {Answer("+SPNM: \"Acme\""), 0, 1, 0, u""}, {"\r\n+SPNM: 0141", 1, 0, 0, u""}, {"\r\nOK\r\n", 1, 0, 0, u""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         fake.Expect("AT+SPNM\r", row.answer).WithTimeout(1000).WithPrefix("+SPNM: ");
         TServiceProviderInfo info;
@@ -380,15 +375,14 @@ TEST_F(NetworkUtilityTest, InfoDisplayRule) {
     // Slots 46001, empty, 310260, 46002; the count of 3 leaves 46002 out.
     const char* spdi = "A3 0E 80 0C 64 F0 10 FF FF FF 13 00 62 64 F0 20";
     // clang-format off
-    struct Row { const char* name; const char* oper; const char* simByte; const char* spdi; int display; };
-    const Row rows[] = {
+    const struct { const char* name; const char* oper; const char* simByte; const char* spdi; int display; } rows[] = {
         {"home by IMSI, bit 0 set", "46000", "01", "", 1}, {"home by IMSI, bit 0 clear", "46000", "02", "", 2},
         {"home by the display list", "46001", "02", spdi, 2}, {"home abroad by the display list", "310260", "02", spdi, 2},
         {"listed behind an empty slot, beyond the count", "46002", "02", spdi, 1}, {"same country, byte zero", "46003", "00", spdi, 2},
         {"abroad", "26201", "01", "", 3},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         ExpectInfoScript(fake, std::string("0,2,\"") + row.oper + "\",2", "0,1",
                          std::string(row.simByte) + " 41 FF", row.spdi);

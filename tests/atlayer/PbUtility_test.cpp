@@ -63,8 +63,7 @@ protected:
 
 TEST(PbDecodeItem, EntryLines) {
     // clang-format off
-    struct Row { const char* line; int result; int index; const char* number; std::wstring name; };
-    const Row rows[] = {
+    const struct { const char* line; int result; int index; const char* number; std::wstring name; } rows[] = {
         {R"(5,"12345",145,"00480069")", 0, 5, "+12345", L"Hi"}, {R"(5,"12345",129,"00480069")", 0, 5, "12345", L"Hi"},
         {R"(5,"+12345",145,"0048")", 0, 5, "+12345", L"H"},
         {R"(9,"12345",17,"0048")", 0, 9, "+12345", L"H"}, // 0x11: international as well
@@ -80,7 +79,7 @@ TEST(PbDecodeItem, EntryLines) {
         {R"(5,"12345",129)", 1, -1, "", L"x"}, {R"(5,"12345",129,"0041)", 1, -1, "", L"x"}, {"", 1, -1, "", L"x"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
         TPbBaseItem item;
         item.nIndex = -1;
@@ -128,14 +127,13 @@ TEST_F(PbUtilityTest, StorageUseReadsModemThenSim) {
 TEST_F(PbUtilityTest, StorageUseFailures) {
     // clang-format off
     // answer: empty: not asked
-    struct Row { std::string selectAnswer; int selectResult; std::string answer; int result; };
-    const Row rows[] = {
+    const struct { std::string selectAnswer; int selectResult; std::string answer; int result; } rows[] = {
         {"\r\n+CME ERROR: SIM not inserted\r\n", 0, "", 1}, {"", 2, "", 2}, {"", 30, "", 30}, {ScriptedAtFake::kOk, 0, Answer("+CPBS: \"SM\",12"), 1},
         {ScriptedAtFake::kOk, 0, Answer("+CPBS: SM,12,250"), 1}, {ScriptedAtFake::kOk, 0, Answer("+CPBS: \"SM\""), 1},
         {ScriptedAtFake::kOk, 0, ScriptedAtFake::kOk, 1}, {ScriptedAtFake::kOk, 0, "AT+CPBS?\r\r\n+CPBS: \"SM\",1,20\r\n\r\nOK\r\n", 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.selectAnswer + row.answer));
         m_fake.Expect("AT+CPBS=\"SM\"\r", row.selectAnswer, row.selectResult);
         if (!row.answer.empty())
@@ -146,15 +144,14 @@ TEST_F(PbUtilityTest, StorageUseFailures) {
 
 TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
     // clang-format off
-    struct Row { std::string answer; int result; int name; int number; };
-    const Row rows[] = {
+    const struct { std::string answer; int result; int name; int number; } rows[] = {
         {Answer("+CPBR: (1-250),40,14"), 0, 14, 40}, {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", 0, 18, 20},
         {Answer("+CPBR: (1-250),,14"), 0, 14, 0}, {Answer("+CPBR: (1-250),40"), 0, 0, 40}, {Answer("+CPBR: (1-250),40,"), 0, 0, 40},
         {Answer("+CPBR: (1-250)"), 0, -1, -1}, // no comma: both left alone
         {Answer("+CPBR: (1-250),x,14"), 0, 0, -1}, {ScriptedAtFake::kOk, 1, -1, -1}, {"\r\n+CME ERROR: operation not allowed\r\n", 1, -1, -1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CPBR=?\r", row.answer).WithTimeout(1000).WithPrefix("+CPBR: ").WithFinals(kCme);
         int name = -1, number = -1;
@@ -335,8 +332,7 @@ TEST_F(PbUtilityTest, UpdateWritesTheUpperCasedCommand) {
     const TPbItem item{PB_STORAGE_SIM, 2, L"A", "1"};
     const char* command = "AT+CPBW=2,\"1\",129,\"0041\"\r";
     // clang-format off
-    struct Row { TPbItem item; std::string command; const char* answer; int failure; int result; };
-    const Row rows[] = {
+    const struct { TPbItem item; std::string command; const char* answer; int failure; int result; } rows[] = {
         {{PB_STORAGE_SIM, 2, L"Hi", "abc"}, "AT+CPBW=2,\"ABC\",129,\"00480069\"\r", ScriptedAtFake::kOk, 0, 0},
         {{PB_STORAGE_MODEM, 5, L"\u5f20\u4e09", "+8613800138000"}, "AT+CPBW=5,\"+8613800138000\",145,\"5F204E09\"\r", ScriptedAtFake::kOk, 0, 0},
         {{PB_STORAGE_SIM, 1, L"", "10+86"}, "AT+CPBW=1,\"10+86\",145,\"\"\r", ScriptedAtFake::kOk, 0, 0},
@@ -344,7 +340,7 @@ TEST_F(PbUtilityTest, UpdateWritesTheUpperCasedCommand) {
         {item, command, "", 1, 2}, {item, command, "", 2, 2}, {item, command, "", 30, 2}, {item, command, "\r\n+CME ERROR: memory full\r\n", 0, 1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.command) + " " + std::to_string(row.failure));
         ExpectUcs2();
         ExpectSelect(row.item.nStore);
@@ -388,13 +384,12 @@ TEST_F(PbUtilityTest, DeleteKeepsCountsAndIndexes) {
 TEST_F(PbUtilityTest, CharacterSetNames) {
     // clang-format off
     // name: null: refused without a command
-    struct Row { int code; const char* name; };
-    const Row rows[] = {
+    const struct { int code; const char* name; } rows[] = {
         {0, "GSM"},     {1, "HEX"},    {2, "IRA"},    {3, "PCCP437"}, {4, "PCDN"},
         {5, "UCS2"},    {6, "8859-1"}, {7, "8859-C"}, {8, "8859-A"},  {9, "8859-G"}, {10, "8859-H"}, {11, nullptr}, {-1, nullptr},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.code);
         if (row.name != nullptr)
             m_fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r");

@@ -44,8 +44,7 @@ TEST_F(PinUtilityTest, CheckStateSearchesTheStateTableInOrder) {
     };
     // clang-format off
     // state: -1: left alone
-    struct Row { const char* answer; int result; int state; };
-    const Row rows[] = {
+    const struct { const char* answer; int result; int state; } rows[] = {
         {"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0, 1}, {"AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", 0, 2}, {"\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n", 0, 3},
         {"\r\n+CPIN: SIM PIN2\r\n\r\nOK\r\n", 0, 7}, {"\r\n+CPIN: SIM PUK2\r\n\r\nOK\r\n", 0, 8},
         {"\r\n+CPIN: PH-SIM PIN\r\n\r\nOK\r\n", 0, 2}, // found as "SIM PIN" first: kept
@@ -57,7 +56,7 @@ TEST_F(PinUtilityTest, CheckStateSearchesTheStateTableInOrder) {
         {"\r\n+CME ERROR: 10\r\n", 1, -1}, {"\r\nERROR\r\n", 1, -1}, {"", 2, -1},
     };
     // clang-format on
-    for (const Row& row : rows)
+    for (const auto& row : rows)
         check(row.answer, row.result, row.state);
     m_fake.ExpectFailure("AT+CPIN?\r", 30);
     EXPECT_EQ(read(), "30|-1");
@@ -65,8 +64,7 @@ TEST_F(PinUtilityTest, CheckStateSearchesTheStateTableInOrder) {
 
 TEST(PinUtilityErrors, CmeErrorTextsMapByPrefixInOrder) {
     // clang-format off
-    struct Row { const char* answer; int code; };
-    const Row rows[] = {
+    const struct { const char* answer; int code; } rows[] = {
         {"\r\n+CME ERROR: PH-SIM PIN required\r\n", 5}, {"\r\n+CME ERROR: PH-FSIM PIN required\r\n", 6}, {"\r\n+CME ERROR: SIM not inserted\r\n", 8},
         {"\r\n+CME ERROR: SIM PIN required\r\n", 9}, {"\r\n+CME ERROR: SIM busy\r\n", 12}, {"\r\n+CME ERROR: incorrect password\r\n", 14},
         {"\r\n+CME ERROR: SIM PIN2 required\r\n", 15}, {"\r\n+CME ERROR: network personalization PUK required\r\n", 18},
@@ -76,7 +74,7 @@ TEST(PinUtilityErrors, CmeErrorTextsMapByPrefixInOrder) {
         {"\r\n+CME ERROR: SIM\r\n", 1}, {"\r\n+CME ERROR: \r\n", 1}, {"\r\nERROR\r\n", 1}, {"", 2},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         EXPECT_EQ(CPinUtility::GetErrorCode(row.answer), row.code);
     }
@@ -88,8 +86,7 @@ TEST_F(PinSystemTest, CommandsSendTheirTextAndMapErrors) {
     const char* error = "\r\n+CME ERROR: operation not allowed\r\n";
     // clang-format off
     // command: nullptr: nothing is sent
-    struct Row { std::function<int()> call; const char* command; int timeoutMs; const char* answer; int failure; int result; };
-    const Row rows[] = {
+    const struct { std::function<int()> call; const char* command; int timeoutMs; const char* answer; int failure; int result; } rows[] = {
         {[&] { return m_pin.Verify("1234"); }, "AT+CPIN=\"1234\"\r", 1000, ok, 0, 0},
         {[&] { return m_pin.Verify("1234"); }, "AT+CPIN=\"1234\"\r", 1000, "AT+CPIN=\"1234\"\r\r\nOK\r\n", 0, 0},
         {[&] { return m_pin.Verify("0000"); }, "AT+CPIN=\"0000\"\r", 1000, "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
@@ -122,7 +119,7 @@ TEST_F(PinSystemTest, CommandsSendTheirTextAndMapErrors) {
         {[&] { return m_system.SetDeviceStartState(0); }, "AT+FUNC=5,0\r", 3000, error, 0, 1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.command != nullptr ? ScriptedAtFake::Printable(row.command) : "nothing sent");
         if (row.command != nullptr)
             m_fake.Expect(row.command, row.answer, row.failure).WithTimeout(row.timeoutMs).WithoutPrefix();
@@ -133,13 +130,12 @@ TEST_F(PinSystemTest, CommandsSendTheirTextAndMapErrors) {
 
 TEST_F(PinUtilityTest, GetStateReadsTheLockAnswer) {
     // clang-format off
-    struct Row { const char* answer; int result; int enabled; };
-    const Row rows[] = {
+    const struct { const char* answer; int result; int enabled; } rows[] = {
         {"\r\n+CLCK: 1\r\n\r\nOK\r\n", 0, 1}, {"AT+CLCK=\"SC\",2\r\r\n+CLCK: 0\r\n\r\nOK\r\n", 0, 0}, {"\r\n+CLCK: 2\r\n\r\nOK\r\n", 1, -1},
         {"\r\n+CLCK:\r\n\r\nOK\r\n", 1, -1}, {"\r\n+CME ERROR: SIM PIN required\r\n", 1, -1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CLCK=\"SC\",2\r", row.answer).WithTimeout(5000).WithPrefix("+CLCK");
         int enabled = -1;
@@ -151,8 +147,7 @@ TEST_F(PinUtilityTest, GetStateReadsTheLockAnswer) {
 TEST_F(PinUtilityTest, GetInfoPicksTheCounterCommandByState) {
     const char* smpn = "\r\n+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8),PF(9,10)\r\n\r\nOK\r\n";
     // clang-format off
-    struct Row { int pinState; const char* command; const char* answer; int result; int first; int second; };
-    const Row rows[] = {
+    const struct { int pinState; const char* command; const char* answer; int result; int first; int second; } rows[] = {
         {2, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10}, {3, "AT+PNNM?\r", "\r\n+PNNM: 0,10\r\n\r\nOK\r\n", 0, 0, 10},
         {0, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10}, {1, "AT+PNNM?\r", "\r\n+PNNM: 2, 9\r\n\r\nOK\r\n", 0, 2, 9},
         {7, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10}, {17, "AT+PNNM?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 0, 3, 10},
@@ -164,7 +159,7 @@ TEST_F(PinUtilityTest, GetInfoPicksTheCounterCommandByState) {
         {4, "AT+SMPN?\r", "\r\n+PNNM: 3, 10\r\n\r\nOK\r\n", 1, -1, -1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message()
                      << "state " << row.pinState << " " << ScriptedAtFake::Printable(row.answer));
         m_fake.Expect(row.command, row.answer).WithTimeout(10000).WithoutPrefix();
@@ -182,8 +177,7 @@ TEST_F(PinUtilityTest, GetInfoPicksTheCounterCommandByState) {
 TEST(SystemUtilityTrim, TrimContentCutsTheFramingOnly) {
     // clang-format off
     // value: what the buffer holds afterwards; it starts as "untouched"
-    struct Row { const char* answer; int result; const char* value; };
-    const Row rows[] = {
+    const struct { const char* answer; int result; const char* value; } rows[] = {
         {"\r\nABC\r\n\r\nOK\r\n", 0, "ABC"}, {"\r\nAcme Wireless\r\n\r\nOK\r\n", 0, "Acme Wireless"},
         {"\r\n\r\n\r\n11.608.12.02.21\r\nOK\r\n", 0, "11.608.12.02.21"},
         {"\r\n+CGMM: VM-3G 200\r\n\r\nOK\r\n", 0, "+CGMM: VM-3G 200"}, // a prefix stays
@@ -191,7 +185,7 @@ TEST(SystemUtilityTrim, TrimContentCutsTheFramingOnly) {
         {"\r\n\r\n\r\nOK\r\n", 0, "untouched"}, {"\r\nABC\r\n", 1, "untouched"}, {"\r\nERROR\r\n", 1, "untouched"}, {"", 1, "untouched"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         char buffer[64] = "untouched";
         EXPECT_EQ(CSystemUtility::TrimContent(row.answer, buffer, sizeof buffer), row.result);
@@ -206,8 +200,7 @@ TEST(SystemUtilityTrim, TrimContentCutsTheFramingOnly) {
 TEST(SystemUtilityParse, ImsiIsTheFirstShortAllDigitLine) {
     const std::string sixtyDigits(60, '9');
     // clang-format off
-    struct Row { std::string answer; int result; const char* imsi; };
-    const Row rows[] = {
+    const struct { std::string answer; int result; const char* imsi; } rows[] = {
         {"\r\n460001234567890\r\n\r\nOK\r\n", 0, "460001234567890"}, {"\r\n001010123456789\r\nOK\r\n", 0, "001010123456789"},
         {"\r\n" + sixtyDigits + "\r\nOK\r\n", 1, ""},
         {"\r\n" + sixtyDigits + "\r\n\r\nOK\r\n", 0, ""}, // the blank line behind it counts
@@ -217,7 +210,7 @@ TEST(SystemUtilityParse, ImsiIsTheFirstShortAllDigitLine) {
         {"\r\n460001234567890\r\n", 1, ""}, {"\r\n+CME ERROR: SIM not inserted\r\n", 1, ""}, {"OK", 1, ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         char imsi[kImsiSize] = {};
         EXPECT_EQ(CSystemUtility::ParseImsiAnswer(row.answer, imsi), row.result);
@@ -227,8 +220,7 @@ TEST(SystemUtilityParse, ImsiIsTheFirstShortAllDigitLine) {
 
 TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
     // clang-format off
-    struct Row { const char* answer; const char* number; };
-    const Row rows[] = {
+    const struct { const char* answer; const char* number; } rows[] = {
         {"\r\n+CNUM: \"Voice\",\"+8613912345678\",145,0,4\r\n\r\nOK\r\n", "+8613912345678"},
         {"\r\n+CNUM: ,\"07700900123\",129\r\n\r\nOK\r\n", "07700900123"}, {"\r\n+CNUM: \"\",\"+447700900123\",145,,4\r\n\r\nOK\r\n", "+447700900123"},
         {"\r\n+CNUM: \"Data\",\"+111\",145,0,0\r\n+CNUM: \"Voice\",\"+222\",145,0,4\r\n\r\nOK\r\n", "+222"},
@@ -239,7 +231,7 @@ TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
         {"\r\n+CNUM: ,\"+888\",145\r\n+CMTI: \"SM\",1\r\n\r\nOK\r\n", "+888"}, {"\r\nOK\r\n", ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CNUM\r", row.answer).WithTimeout(3000).WithoutPrefix().WithFinals(kFinals);
         TMsisdnInfo msisdn;
@@ -258,12 +250,11 @@ TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
 TEST_F(SystemUtilityTest, SyncCommEscapesThenSwitchesEchoOnTwiceAndOff) {
     // clang-format off
     // failAt: step (1: first ATE1, 2: second ATE1, 3: ATE0) that fails, 0 none
-    struct Row { const char* name; int failAt; int failure; int result; };
-    const Row rows[] = {
+    const struct { const char* name; int failAt; int failure; int result; } rows[] = {
         {"all answer", 0, 0, 0}, {"first ATE1 times out", 1, 2, 2}, {"second ATE1 cancelled", 2, 30, 30}, {"ATE0 fails", 3, 1, 1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         // The escape's own result does not count.
         m_fake.ExpectFailure("\x1B", 2).WithTimeout(100).WithoutPrefix().WithFinals({"OK"});
@@ -361,13 +352,12 @@ TEST_F(SystemUtilityTest, EquipmentInfoReadsEveryIdentityAndAlwaysSetsBit64) {
 
 TEST_F(SystemUtilityTest, DeviceStartStateReadsTheFuncAnswer) {
     // clang-format off
-    struct Row { const char* answer; int result; int state; };
-    const Row rows[] = {
+    const struct { const char* answer; int result; int state; } rows[] = {
         {"\r\n+FUNC: 1\r\n\r\nOK\r\n", 0, 1}, {"AT+FUNC=5,?\r\r\n+FUNC:0\r\n\r\nOK\r\n", 0, 0}, {"\r\n+CREG: 1\r\n+FUNC: 2\r\n\r\nOK\r\n", 0, 2},
         {"\r\n+FUNC: \r\n\r\nOK\r\n", 1, -1}, {"\r\nOK\r\n", 1, -1}, {"\r\nERROR\r\n", 1, -1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+FUNC=5,?\r", row.answer).WithTimeout(3000).WithPrefix("+FUNC:");
         int state = -1;

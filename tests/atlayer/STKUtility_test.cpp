@@ -69,8 +69,7 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
 // fails.
 TEST_F(STKUtilityTest, InitAndSendCommandNeedOk) {
     // clang-format off
-    struct Row { bool init; const char* answer; int failure; int result; const char* text; };
-    const Row rows[] = {
+    const struct { bool init; const char* answer; int failure; int result; const char* text; } rows[] = {
         {true, kMainMenu, 0, 0, kMainMenu},
         // The echo is cut off.
         {true, "AT+STGI=17\r\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n", 0, 0, "\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n"},
@@ -80,7 +79,7 @@ TEST_F(STKUtilityTest, InitAndSendCommandNeedOk) {
         {false, "\r\n+CME ERROR: 4\r\n", 0, 0, kUntouched}, {false, "\r\nERROR\r\n", 0, 0, kUntouched}, {false, nullptr, 2, 2, kUntouched},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const char* command = row.init ? "AT+STGI=17\r" : "AT+STGR=0,0,2\r";
         SCOPED_TRACE(ScriptedAtFake::Printable(command) + std::to_string(row.result));
         if (row.failure != 0)

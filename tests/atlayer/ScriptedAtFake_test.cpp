@@ -62,8 +62,7 @@ TEST(ScriptedAtFake, NewestFakeIsCurrentUntilItGoes) {
 
 TEST(ScriptedAtFake, DeviationsFailTheTest) {
     // clang-format off
-    struct Row { const char* name; std::function<void(ScriptedAtFake&)> script; std::function<void()> run; const char* message; };
-    const Row rows[] = {
+    const struct { const char* name; std::function<void(ScriptedAtFake&)> script; std::function<void()> run; const char* message; } rows[] = {
         {"other command", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); }, [] { EXPECT_EQ(Send("AT+CREG?\r").result, 1); }, "sent \"AT+CREG?\\r\", the script expects \"AT+CSQ\\r\""},
         {"script used up", [](ScriptedAtFake&) {}, [] { EXPECT_EQ(Send("AT\r").result, 1); }, "sent after the script was used up"},
         {"time limit", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithTimeout(1000); }, [] { Send("AT+CSQ\r", nullptr, 3000); }, "time limit 3000 ms, the script expects 1000 ms"},
@@ -73,7 +72,7 @@ TEST(ScriptedAtFake, DeviationsFailTheTest) {
         {"left over", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); }, [] { ScriptedAtFake::Callback(); }, "never sent: \"AT+CSQ\\r\""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         ScriptedAtFake fake;
         row.script(fake);

@@ -75,14 +75,13 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
     m_fake.VerifyDone();
 
     // clang-format off
-    struct Row { const char* answer; int result; int format; };
-    const Row rows[] = {
+    const struct { const char* answer; int result; int format; } rows[] = {
         {"\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, {"\r\n+CMGF: 1\r\n\r\nOK\r\n", 0, 0},
         {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, // echo on
         {"\r\n+CMGF: 2\r\n\r\nOK\r\n", 1, -1}, {"\r\n+CMGF: x\r\n\r\nOK\r\n", 1, -1}, {"\r\nOK\r\n", 1, -1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CMGF?\r", row.answer);
         int format = -1;
@@ -111,14 +110,13 @@ TEST_F(SmsCommandsTest, CharacterSetNames) {
 TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
     // clang-format off
     // sent: nullptr: refused before sending
-    struct Row { const char* number; const char* sent; };
-    const Row rows[] = {
+    const struct { const char* number; const char* sent; } rows[] = {
         {"12345678901234567890", "AT+CSCA=\"12345678901234567890\",129\r"}, {"+12345678901234567890", "AT+CSCA=\"12345678901234567890\",145\r"},
         {"123456789012345678901", nullptr}, {"+123456789012345678901", nullptr}, {"1234567890123456789012", nullptr},
         {"+447802000332", "AT+CSCA=\"447802000332\",145\r"}, {"", nullptr}, {"+49 170 1234", nullptr}, {"12\";+CFUN=0", nullptr},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.number);
         TSmsAddress address;
         std::snprintf(address.szNumber, sizeof address.szNumber, "%s", row.number);
@@ -141,8 +139,7 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
     // clang-format off
     // address: TMsgAddress as kept
     // number: GetServiceCentre's number
-    struct Row { const char* answer; int result; const char* address; uint32_t type; const char* number; };
-    const Row rows[] = {
+    const struct { const char* answer; int result; const char* address; uint32_t type; const char* number; } rows[] = {
         {"\r\n+CSCA: \"+447802000332\",145\r\n\r\nOK\r\n", 0, "+447802000332", 145, "+447802000332"},
         {"\r\n+CSCA: \"447802000332\",145\r\n\r\nOK\r\n", 0, "447802000332", 145, "+447802000332"},
         {"\r\n+CSCA: \"0612345678\",129\r\n\r\nOK\r\n", 0, "0612345678", 129, "0612345678"}, {"\r\n+CSCA: \"\",145\r\n\r\nOK\r\n", 0, "", 129, ""},
@@ -152,7 +149,7 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
         {"\r\n+CSCA: \"+3165\r\n\r\nOK\r\n", 1, "", 0, ""}, {"\r\nOK\r\n", 1, "", 0, ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         ExpectIra();
         m_fake.Expect("AT+CSCA?\r", row.answer).WithTimeout(1000).WithFinals(kCme);
@@ -193,13 +190,12 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
     // The receive storage is rewritten only when it differs; the first two stay.
     // clang-format off
     // rewrite: nullptr: nothing written; reported: GetPreferredStorage afterwards
-    struct Row { int storage; const char* current; const char* rewrite; int reported; };
-    const Row rows[] = {
+    const struct { int storage; const char* current; const char* rewrite; int reported; } rows[] = {
         {1, kMeSmSm, nullptr, 1}, {2, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2}, {4, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2},
         {1, kMeMeMe, "AT+CPMS=\"ME\",\"ME\",\"SM\"\r", 1}, {2, kMeMeMe, nullptr, 2},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.storage);
         ExpectStorages(row.current);
         if (row.rewrite != nullptr)
@@ -317,14 +313,13 @@ TEST_F(SmsSendTest, TextModeSendsNothingAndSucceeds) {
 TEST_F(SmsSendTest, OnlyNetworkError500IsRetriedOnce) {
     // clang-format off
     // answers: to the PDU, one per attempt
-    struct Row { const char* what; std::vector<const char*> answers; int result; };
-    const Row rows[] = {
+    const struct { const char* what; std::vector<const char*> answers; int result; } rows[] = {
         {"500 then sent", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMGS: 7\r\n\r\nOK\r\n"}, 0},
         {"500 twice", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMS ERROR: 500\r\n"}, 1}, {"other error", {"\r\n+CMS ERROR: 38\r\n"}, 1},
         {"OK without +CMGS", {"\r\nOK\r\n"}, 1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         // A retry sends the same PDU, message reference included.
         const std::string pdu = ExpectedPdu();

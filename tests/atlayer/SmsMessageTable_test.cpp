@@ -115,8 +115,7 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
     const Stored first{.index = 1, .reference = 9, .total = 2, .sequence = 1};
     // clang-format off
     // items: table items afterwards
-    struct Row { const char* what; Stored segment; int result; std::size_t items; };
-    const Row rows[] = {
+    const struct { const char* what; Stored segment; int result; std::size_t items; } rows[] = {
         {"the same segment read again", first, 1, 1},
         {"the same part under another index", {.index = 2, .reference = 9, .total = 2, .sequence = 1}, 0, 2},
         {"same reference, another total", {.index = 3, .reference = 9, .total = 3, .sequence = 2}, 0, 2},
@@ -126,7 +125,7 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
         {"the missing part", {.index = 6, .reference = 9, .total = 2, .sequence = 2}, 0, 1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         CSmsUtility sms;
         ASSERT_EQ(Add(sms, first).first, 0);
@@ -155,12 +154,11 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
 TEST(SmsMessageTable, GroupsOfTen) {
     // clang-format off
     // missing: 0: none
-    struct Row { int total; int missing; std::vector<int> expected; std::vector<int> received; };
-    const Row rows[] = {
+    const struct { int total; int missing; std::vector<int> expected; std::vector<int> received; } rows[] = {
         {12, 0, {10, 2}, {10, 2}}, {25, 17, {10, 10, 5}, {10, 9, 5}}, {10, 0, {10}, {10}}, {11, 11, {10}, {10}},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.total);
         CSmsUtility sms;
         for (int sequence = 1; sequence <= row.total; ++sequence) {
@@ -204,8 +202,7 @@ TEST(SmsMessageTable, UnreadOrUnsentStatusWins) {
 TEST(SmsMessageTable, ReplaceMessages) {
     const Stored old{.index = 3, .text = L"old", .pid = 0x41, .time = "120102100000"};
     // clang-format off
-    struct Row { const char* what; Stored incoming; bool deleteOnRead; bool deletes; const char* deleteAnswer; bool replaced; };
-    const Row rows[] = {
+    const struct { const char* what; Stored incoming; bool deleteOnRead; bool deletes; const char* deleteAnswer; bool replaced; } rows[] = {
         // One field smaller makes the stored one older, even when an earlier field is larger.
         {"newer by the hour", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120101110000"}, true, true, ScriptedAtFake::kOk, true},
         {"same time", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120102100000"}, true, false, nullptr, false},
@@ -215,7 +212,7 @@ TEST(SmsMessageTable, ReplaceMessages) {
         {"deletion refused", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "130101000000"}, true, true, "\r\n+CMS ERROR: 321\r\n", false},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         CSmsUtility sms;
         sms.RegisterExecAT(ScriptedAtFake::Callback());

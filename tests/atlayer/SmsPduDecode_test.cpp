@@ -71,15 +71,14 @@ TEST(SmsPduDecode, FieldsOfEachTpduType) {
 // The submit's validity period in each format: none, relative, absolute, enhanced (not interpreted).
 TEST(SmsPduDecode, SubmitValidityPeriodFormats) {
     // clang-format off
-    struct Row { const char* tpdu; int nVpf; TMsgTimeStamp period; };
-    const Row rows[] = {
+    const struct { const char* tpdu; int nVpf; TMsgTimeStamp period; } rows[] = {
         {"0100038121F30000" "02C834", 0, {}},
         {"1100038121F30000AA" "02C834", 2, {0, 0x00, 0x04, 0, 0, 0, 0}}, // 170: four days
         {"1900038121F30000" "1110102143652B" "02C834", 3, {0x11, 0x01, 0x01, 0x12, 0x34, 0x56, -32}},
         {"0900038121F30000" "01020304050607" "02C834", 1, {}},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.tpdu);
         TTpduData tpdu;
         ASSERT_EQ(CSmsUtility::DecodeTpduData(row.tpdu, static_cast<int>(std::strlen(row.tpdu)) / 2, tpdu),
@@ -98,8 +97,7 @@ TEST(SmsPduDecode, StatusReportOptionalFields) {
     const std::string base = "065A098136397339F72190117004638021901170046380"
                              "30";
     // clang-format off
-    struct Row { std::string tail; int result; int pid; std::wstring text; };
-    const Row rows[] = {
+    const struct { std::string tail; int result; int pid; std::wstring text; } rows[] = {
         {"", 0, 0, L""},
         {"0405E8329BFD06", 0, 0, L"hello"}, // TP-PI: UDL
         {"07410005E8329BFD06", 0, 0x41, L"hello"}, // TP-PI: PID, DCS, UDL
@@ -112,7 +110,7 @@ TEST(SmsPduDecode, StatusReportOptionalFields) {
         {"054005E8329BFD06", 0, 0x40, L"hello"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.tail);
         const std::string hex = base + row.tail;
         TTpduData tpdu;
@@ -131,8 +129,7 @@ TEST(SmsPduDecode, StatusReportOptionalFields) {
 TEST(SmsPduDecode, ServiceCentreRules) {
     const std::string tpdu = "040B918100551512F20000111010214365000AE8329BFD4697D9EC37";
     // clang-format off
-    struct Row { std::string prefix; int result; const char* address; uint32_t type; };
-    const Row rows[] = {
+    const struct { std::string prefix; int result; const char* address; uint32_t type; } rows[] = {
         {"00", 0, "", 0},
         {"0191", 0, "", 1}, // type alone
         {"07912143658709F1", 0, "12345678901", 1}, // "91" keeps only its second digit
@@ -146,7 +143,7 @@ TEST(SmsPduDecode, ServiceCentreRules) {
         {"0791", 1, "", 0}, // the digits are missing: the TPDU does not start where it should
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.prefix);
         const std::string hex = row.prefix + tpdu;
         TPduData pdu;
@@ -167,8 +164,7 @@ TEST(SmsPduDecode, ServiceCentreRules) {
 
 TEST(SmsPduDecode, Addresses) {
     // clang-format off
-    struct Row { const char* hex; int used; uint32_t type; std::string text; };
-    const Row rows[] = {
+    const struct { const char* hex; int used; uint32_t type; std::string text; } rows[] = {
         {"0B916407281553F8", 8, 0x11, "46708251358"}, {"04818100", 4, 0x01, "1800"},
         {"0681BADCFE", 5, 0x01, ":;<=>"}, // nibbles 10-14 are written as they come
         {"02811F", 3, 0x01, "?1"}, // so is a low nibble F
@@ -177,30 +173,24 @@ TEST(SmsPduDecode, Addresses) {
         {"06D0490019", 5, 0x50, "I"}, // raw codes: the "@" (0x00) of "I@d" ends the text
         {"0091", 2, 0x11, ""},
         {"159111111111111111111111F1", 13, 0x11, "111111111111111111111"}, // 21 digits, the most
+        // 22 digits, or digits beyond the octets given, fail.
+        {"1691111111111111111111111111", 0, 0, ""}, {"0B916407281553", 0, 0, ""}, {"0B", 0, 0, ""}, {"", 0, 0, ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
         TMsgAddress address;
         ASSERT_EQ(CSmsUtility::DecodeTpduAddress(octets.data(), static_cast<int>(octets.size()), address),
                   row.used);
-        EXPECT_EQ(address.nType, row.type);
-        EXPECT_EQ(std::string(address.szAddress), row.text.c_str());
-    }
-    // 22 digits, or digits beyond the octets given, fail.
-    for (const char* hex : {"1691111111111111111111111111", "0B916407281553", "0B", ""}) {
-        SCOPED_TRACE(hex);
-        const std::vector<uint8_t> octets = FromHex(hex);
-        TMsgAddress address;
-        EXPECT_EQ(CSmsUtility::DecodeTpduAddress(octets.data(), static_cast<int>(octets.size()), address), 0);
+        if (row.used != 0)
+            EXPECT_EQ(Fields(address.nType, address.szAddress), Fields(row.type, row.text));
     }
 }
 
 TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
     // clang-format off
-    struct Row { const char* hex; TSmsDateTime expected; int zone; };
-    const Row rows[] = {
+    const struct { const char* hex; TSmsDateTime expected; int zone; } rows[] = {
         {"11208211050561", {2011, 2, 28, 11, 50, 50, 1}, 16},
         {"1120821105050A", {2011, 2, 28, 11, 50, 50, 1}, -20}, // -05:00
         {"21405291650569", {2012, 4, 25, 19, 56, 50, 1}, -16}, // -04:00
@@ -211,7 +201,7 @@ TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
         {"5121D0FFFFFFF7", {2015, 12, 13, 0, 0, 0, 1}, 0}, // non-BCD digits, zone 85 quarters
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
         TMsgTimeStamp stamp;
@@ -239,16 +229,16 @@ TEST(SmsPduDecode, TimeStrings) {
     // The zone stays BCD: "-20" is -0x20.
     ASSERT_EQ(CSmsUtility::DecodeTimeString("\"11/02/28,11:50:50-20\"", 22, stamp), 0);
     EXPECT_EQ(stamp.nTimeZone, -0x20);
-    EXPECT_EQ(CSmsUtility::DecodeTimeString("\"11/02/28,11:50:50-20", 21, stamp), 1);
-    EXPECT_EQ(CSmsUtility::DecodeTimeString("\"11/02/28,11:50:50-200\"", 23, stamp), 1);
-    EXPECT_EQ(CSmsUtility::DecodeTimeString("\"11/0x/28,11:50:50-20\"", 22, stamp), 1);
-    EXPECT_EQ(CSmsUtility::DecodeTimeString(nullptr, 22, stamp), 1);
+    for (const auto& [text, length] : {std::pair{"\"11/02/28,11:50:50-20", 21},
+                                       {"\"11/02/28,11:50:50-200\"", 23},
+                                       {"\"11/0x/28,11:50:50-20\"", 22},
+                                       {nullptr, 22}})
+        EXPECT_EQ(CSmsUtility::DecodeTimeString(text, length, stamp), 1) << (text ? text : "null");
 }
 
 TEST(SmsPduDecode, DataCodingSchemes) {
     // clang-format off
-    struct Row { uint8_t dcs; int alphabet; int messageClass; };
-    const Row rows[] = {
+    const struct { uint8_t dcs; int alphabet; int messageClass; } rows[] = {
         {0x00, SMS_ALPHABET_7BIT, 4},     {0x04, SMS_ALPHABET_8BIT, 4}, {0x08, SMS_ALPHABET_UCS2, 4},
         {0x0C, SMS_ALPHABET_RESERVED, 4}, {0x10, SMS_ALPHABET_7BIT, 0}, {0x11, SMS_ALPHABET_7BIT, 1},
         {0x16, SMS_ALPHABET_8BIT, 2},     {0x1B, SMS_ALPHABET_UCS2, 3}, {0x20, SMS_ALPHABET_7BIT, 4},
@@ -258,7 +248,7 @@ TEST(SmsPduDecode, DataCodingSchemes) {
         {0xF4, SMS_ALPHABET_8BIT, 0},     {0xF6, SMS_ALPHABET_8BIT, 2}, {0xFF, SMS_ALPHABET_8BIT, 3},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << "DCS 0x" << std::hex << int(row.dcs));
         EXPECT_EQ(CSmsUtility::DecodeDcsAlphabet(row.dcs), row.alphabet);
         EXPECT_EQ(CSmsUtility::DecodeDcsClass(row.dcs), row.messageClass);
@@ -277,8 +267,7 @@ TEST(SmsPduDecode, DataCodingSchemes) {
 
 TEST(SmsPduDecode, UserDataHeaders) {
     // clang-format off
-    struct Row { const char* hex; uint32_t present; int reference; int total; int sequence; };
-    const Row rows[] = {
+    const struct { const char* hex; uint32_t present; int reference; int total; int sequence; } rows[] = {
         {"050003CC0201", 1, 0xCC, 2, 1},
         {"0608041234030210", 1, 0x34, 3, 2}, // 16-bit reference: low octet only
         {"0B0504158200000003CC0302", 1, 0xCC, 3, 2}, // a port element is skipped
@@ -289,7 +278,7 @@ TEST(SmsPduDecode, UserDataHeaders) {
         {"00", 0, 0, 0, 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
         TUserDataHeader header;
@@ -304,15 +293,14 @@ TEST(SmsPduDecode, UserDataHeaders) {
 // none after a 7-octet one.
 TEST(SmsPduDecode, SevenBitUserDataAfterAHeader) {
     // clang-format off
-    struct Row { const char* hex; uint8_t udl; std::wstring text; };
-    const Row rows[] = {
+    const struct { const char* hex; uint8_t udl; std::wstring text; } rows[] = {
         {"050003CC0201" "D06536FB0D", 12, L"hello"}, {"06080412340201" "E8329BFD06", 13, L"hello"},
         {"0500", 3, L""}, // UDHL beyond UDL
         {"3F0003CC0201" "D06536FB0D", 12, L""}, // UDHL beyond the data
         {"050003CC0201" "D06536FB0D", 160, L"hello"}, // UDL beyond the data: cut to what is there
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
         TUserData data;
@@ -327,8 +315,7 @@ TEST(SmsPduDecode, SevenBitUserDataAfterAHeader) {
     TUserData data;
     const uint8_t eight[] = {0x05, 0x00, 0x03, 0x01, 0x02, 0x01, 'a', 'b'};
     ASSERT_EQ(CSmsUtility::DecodeTpduUserData(0x04, 8, eight, sizeof eight, true, data), 0);
-    EXPECT_EQ(data.nLength, 2u);
-    EXPECT_EQ(data.header.nTotal, 2);
+    EXPECT_EQ(Fields(data.nLength, data.header.nTotal), "2|2");
     EXPECT_EQ(CSmsUtility::DecodeTpduUserData(0x00, 161, eight, sizeof eight, false, data), 1);
     EXPECT_EQ(CSmsUtility::DecodeTpduUserData(0x08, 141, eight, sizeof eight, false, data), 1);
     EXPECT_EQ(CSmsUtility::DecodeTpduUserData(0x00, 0, nullptr, 0, true, data), 0);
@@ -355,8 +342,7 @@ TEST(SmsPduDecode, UserDataContentPerAlphabet) {
 // No input, however broken, reads out of bounds (the sanitizer build checks) or decodes as a message.
 TEST(SmsPduDecode, HostileInputFails) {
     // clang-format off
-    struct Row { const char* hex; int tpduLength; };
-    const Row rows[] = {
+    const struct { const char* hex; int tpduLength; } rows[] = {
         {"", 0}, {"", 10}, {"0", 1}, {"00", 1}, {"00", 0}, {"0004", -1},
         {"00040B918100551512F2000011101021436500", 300}, // length beyond the buffer
         {"00040B918100551512F20000111010214365000AE8329B", 28}, // text shorter than the length
@@ -372,7 +358,7 @@ TEST(SmsPduDecode, HostileInputFails) {
         {"00065A098136397339F721901170046380219011700463", 22}, // report cut before TP-ST
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         TPduData pdu;
         pdu.serviceCentre.nType = 42;
@@ -427,15 +413,14 @@ TEST(SmsPduDecode, TruncatedAndMislabelledPdusStayInBounds) {
 TEST(SmsPduDecode, RelativeValidityPeriods) {
     // clang-format off
     // period: BCD years, months, days, hours, minutes
-    struct Row { uint8_t vp; TMsgTimeStamp period; };
-    const Row rows[] = {
+    const struct { uint8_t vp; TMsgTimeStamp period; } rows[] = {
         {0, {0, 0, 0, 0x00, 0x05, 0, 0}},      {11, {0, 0, 0, 0x01, 0x00, 0, 0}},
         {143, {0, 0, 0, 0x12, 0x00, 0, 0}},    {144, {0, 0, 0, 0x12, 0x30, 0, 0}},
         {166, {0, 0, 0, 0x23, 0x30, 0, 0}},    {167, {0, 0, 0x01, 0, 0, 0, 0}},
         {196, {0, 0x01, 0x00, 0, 0, 0, 0}},    {197, {0, 0x01, 0x05, 0, 0, 0, 0}}, {255, {0x01, 0x02, 0x16, 0, 0, 0, 0}},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(int(row.vp));
         TMsgTimeStamp period;
         period.nSecond = 9;
@@ -446,9 +431,9 @@ TEST(SmsPduDecode, RelativeValidityPeriods) {
     TMsgTimeStamp period{1, 2, 3, 4, 5, 6, 7};
     EXPECT_EQ(CSmsUtility::DecodeValidPeriod(enhanced, 7, 1, period), 7);
     EXPECT_EQ(period.nYear + period.nMonth + period.nDay + period.nHour + period.nMinute, 0);
-    EXPECT_EQ(CSmsUtility::DecodeValidPeriod(enhanced, 6, 1, period), -1);
-    EXPECT_EQ(CSmsUtility::DecodeValidPeriod(enhanced, 0, 2, period), -1);
-    EXPECT_EQ(CSmsUtility::DecodeValidPeriod(enhanced, 0, 0, period), 0);
+    const int cut = CSmsUtility::DecodeValidPeriod(enhanced, 6, 1, period);
+    const int absoluteEmpty = CSmsUtility::DecodeValidPeriod(enhanced, 0, 2, period);
+    EXPECT_EQ(Fields(cut, absoluteEmpty, CSmsUtility::DecodeValidPeriod(enhanced, 0, 0, period)), "-1|-1|0");
 }
 
 } // namespace

@@ -69,13 +69,12 @@ TEST(SmsPduEncode, SubmitOctets) {
 
 TEST(SmsPduEncode, Addresses) {
     // clang-format off
-    struct Row { const char* number; const char* hex; };
-    const Row rows[] = {
+    const struct { const char* number; const char* hex; } rows[] = {
         {"+46708251358", "0B916407281553F8"}, {"1800", "04818100"}, {"+1", "0191F1"}, {"", "0081"}, {"*100#", ""}, {"12#", ""},
         {"+49 170 123 4567", ""}, {"abc", ""}, {"49+170", ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.number);
         TSmsAddress number;
         std::strcpy(number.szNumber, row.number);
@@ -108,8 +107,7 @@ TEST(SmsPduEncode, Addresses) {
 TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
     // clang-format off
     // period: BCD years, months, days, hours, minutes
-    struct Row { TMsgTimeStamp period; int vp; };
-    const Row rows[] = {
+    const struct { TMsgTimeStamp period; int vp; } rows[] = {
         {{0, 0, 0, 0x00, 0x00}, 0},      {{0, 0, 0, 0x00, 0x05}, 0},   {{0, 0, 0, 0x00, 0x06}, 1},
         {{0, 0, 0, 0x01, 0x00}, 11},     {{0, 0, 0, 0x12, 0x00}, 143}, {{0, 0, 0, 0x12, 0x01}, 143},
         {{0, 0, 0, 0x12, 0x30}, 143},    {{0, 0, 0, 0x12, 0x58}, 143}, {{0, 0, 0, 0x12, 0x59}, 144},
@@ -119,7 +117,7 @@ TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
         {{0x01, 0x02, 0x17, 0, 0}, 0}, // 442 days wrap around
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << std::hex << int(row.period.nYear) << "y " << int(row.period.nMonth)
                                         << "m " << int(row.period.nDay) << "d " << int(row.period.nHour)
                                         << "h " << int(row.period.nMinute) << "min");
@@ -131,14 +129,13 @@ TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
 TEST(SmsPduEncode, ValidPeriodSettingsAsSent) {
     // clang-format off
     // setting: enabled, weeks, days, hours
-    struct Row { TSmsValidPeriod setting; int vp; };
-    const Row rows[] = {
+    const struct { TSmsValidPeriod setting; int vp; } rows[] = {
         {{1, 0, 20, 0}, 180}, {{1, 0, 14, 0}, 180}, {{1, 255, 0, 0}, 255}, {{1, 1, 0, 0}, 173},
         {{1, 0, 0, 12}, 143}, {{1, 0, 0, 20}, 146}, {{1, 0, 1, 0}, 167},   {{1, 0, 30, 0}, 196},
         {{1, 4, 3, 0}, 197},  {{0, 0, 20, 5}, 0},   {{1, 0, 0, 0}, 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << int(row.setting.bWeek) << "w " << int(row.setting.bDay) << "d "
                                         << int(row.setting.bHour) << "h");
         TMsgTimeStamp period;
@@ -150,13 +147,12 @@ TEST(SmsPduEncode, ValidPeriodSettingsAsSent) {
 // 3GPP TS 23.038 6.1.2.1.1.
 TEST(SmsPduEncode, SeptetPacking) {
     // clang-format off
-    struct Row { std::string text; int fillBits; const char* packed; };
-    const Row rows[] = {
+    const struct { std::string text; int fillBits; const char* packed; } rows[] = {
         {"hellohello", 0, "E8329BFD4697D9EC37"}, {"12345678", 0, "31D98C56B3DD70"}, {"1234567", 0, "31D98C56B3DD00"}, {"hello", 1, "D06536FB0D"},
         {"", 0, ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
         const std::vector<uint8_t> septets = Septets(row.text);
         uint8_t packed[32];
@@ -183,8 +179,7 @@ TEST(SmsPduEncode, SeptetPacking) {
 
 TEST(SmsPduEncode, CharacterHelpers) {
     // clang-format off
-    struct Row { std::wstring text; const char* septets; };
-    const Row rows[] = {
+    const struct { std::wstring text; const char* septets; } rows[] = {
         {L"Az09 !?", "417A30392021 3F"}, {L"@£$¥", "00010203"},
         {L"€[~]", "1B651B3C1B3D1B3E"},   {L"ç`\u0100\U0001F600", "20202020"}, // not in the alphabet: spaces
         {std::wstring(1, L'\0'), "20"}, // NUL counts as 7-bit but is sent as a space
@@ -192,7 +187,7 @@ TEST(SmsPduEncode, CharacterHelpers) {
         {L"ΔΩ_¡¿äÄ", "10151140607B5B"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.septets);
         uint8_t out[32];
         const int written = CSmsUtility::WStringToDefault7Bit(
@@ -209,15 +204,14 @@ TEST(SmsPduEncode, CharacterHelpers) {
     EXPECT_EQ(Hex(out, 4), "61620000");
 
     // clang-format off
-    struct Back { std::vector<uint8_t> septets; std::wstring text; };
-    const Back backs[] = {
+    const struct { std::vector<uint8_t> septets; std::wstring text; } backs[] = {
         {{0x1B, 0x65}, L"€"},         {{0x41, 0x1B}, L"A "}, // an escape at the end is a space
         {{0x1B, 0x41}, L" A"}, // no extension character: a space, then the septet itself
         {{0x1B, 0x1B, 0x14}, L" ^"},  {{0x1B, 0x0A}, L"\n"}, // page break
         {{0x80, 0xFF, 0x00}, L"  @"}, {{0x1B, 0x80}, L"  "},
     };
     // clang-format on
-    for (const Back& back : backs) {
+    for (const auto& back : backs) {
         std::wstring text;
         CSmsUtility::Default7BitToWstring(back.septets.data(), static_cast<int>(back.septets.size()), text);
         EXPECT_EQ(text, back.text);
@@ -346,13 +340,12 @@ TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
 
 TEST(SmsPacketMsg, StatusReportOnTheNextToLastSegment) {
     // clang-format off
-    struct Row { int enabled; std::wstring text; std::vector<int> requested; };
-    const Row rows[] = {
+    const struct { int enabled; std::wstring text; std::vector<int> requested; } rows[] = {
         {1, L"short", {1}}, {1, std::wstring(200, L'a'), {1, 0}},    {1, std::wstring(400, L'a'), {0, 1, 0}},
         {1, L"", {1}},      {0, std::wstring(400, L'a'), {0, 0, 0}}, {0, L"short", {0}},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.enabled << " " << row.text.size());
         CSmsUtility sms;
         sms.EnableStatusReport(row.enabled);
@@ -401,13 +394,12 @@ TEST(SmsPacketMsg, TemplateFields) {
 // the whole text 7-bit.
 TEST(SmsPacketMsg, LatinReplacement) {
     // clang-format off
-    struct Row { int latin; std::wstring text; int encodeType; std::wstring sent; };
-    const Row rows[] = {
+    const struct { int latin; std::wstring text; int encodeType; std::wstring sent; } rows[] = {
         {1, L"Olá, ça va? Ý ÀÁÂÃ ÈÊË ÌÍÎÏ ÒÓÔÕ ÙÚÛ âã êë íîï óôõ úû ýÿ", 0, L"Ola, Ça va? Y AAAA EEE IIII OOOO UUU aa ee iii ooo uu yy"},
         {1, L"Olá ✓", 1, L"Olá ✓"}, {0, L"Olá", 1, L"Olá"}, {1, L"é è ñ stay", 0, L"é è ñ stay"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.latin << " " << row.sent);
         CSmsUtility sms;
         sms.SetLatinSupport(row.latin);
@@ -424,14 +416,13 @@ TEST(SmsPacketMsg, LatinReplacement) {
 
 TEST(SmsPacketMsg, SegmentLengthsInCharacters) {
     // clang-format off
-    struct Row { std::wstring text; std::list<int> lengths; };
-    const Row rows[] = {
+    const struct { std::wstring text; std::list<int> lengths; } rows[] = {
         {L"", {0}}, {std::wstring(160, L'a'), {160}}, {std::wstring(159, L'a') + L"€", {153, 7}}, {std::wstring(80, L'~') + L"a", {76, 5}},
         // A character in neither table costs nothing in the first count and one septet while splitting.
         {std::wstring(160, L'a') + wchar_t(0x4E00), {161}}, {std::wstring(160, L'a') + L"€" + wchar_t(0x4E00), {153, 9}},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         std::list<int> lengths;
         const int count =
             CSmsUtility::GetDefault7BitPacketNum(row.text.data(), static_cast<int>(row.text.size()), lengths);

@@ -171,14 +171,13 @@ TEST(SmsReadingDecode, ListingBlocks) {
 
 TEST(SmsReadingDecode, ReadBlocks) {
     // clang-format off
-    struct Row { std::string text; int result; uint32_t status; };
-    const Row rows[] = {
+    const struct { std::string text; int result; uint32_t status; } rows[] = {
         {"+CMGR: 0,,28\r\n" + std::string(kHello), 0, 0}, {"+CMGR: 1,\"Bob\",28\r\n" + std::string(kHello), 0, 1},
         {"+CMGR: ,,28\r\n" + std::string(kHello), 0, 4}, {"+CMGR: 0,28\r\n" + std::string(kHello), 1, 0},
         {"+CMGR: 0,,\r\n" + std::string(kHello), 1, 0}, {"+CMGR: 0,,28\r\n", 1, 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.text));
         TMessageListBaseItem item;
         EXPECT_EQ(CSmsUtility::DecodePduModeCMGR(row.text, item), row.result);
@@ -281,14 +280,13 @@ TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
 TEST_F(SmsReadingTest, NewMessageMovesOutOfTheModemMemory) {
     // clang-format off
     // written: answer to the PDU after AT+CMGW
-    struct Row { const char* what; const char* written; bool pcSaveFails; int storage; bool deletes; };
-    const Row rows[] = {
+    const struct { const char* what; const char* written; bool pcSaveFails; int storage; bool deletes; } rows[] = {
         {"to the SIM", "\r\n+CMGW: 7\r\n\r\nOK\r\n", false, SMS_STORAGE_SIM, true},
         {"SIM full, to the computer", "\r\n+CMS ERROR: 322\r\n", false, SMS_STORAGE_PC, true},
         {"SIM full, computer refuses", "\r\n+CMS ERROR: 322\r\n", true, SMS_STORAGE_MODEM, false},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         ScriptedAtFake fake;
         CSmsUtility sms;

@@ -51,8 +51,7 @@ TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
     for (int i = 0; i < 999; ++i)
         thousandA += "0041";
     // clang-format off
-    struct Row { std::wstring text; std::string argument; };
-    const Row rows[] = {
+    const struct { std::wstring text; std::string argument; } rows[] = {
         {std::wstring(1200, L'A'), thousandA},
         {L"*100#", "002A0031003000300023"}, {L"*123*1#", "002A003100320033002A00310023"},
         {L"$", "0002"}, // code 2 sent as a UCS2 unit: kept
@@ -63,7 +62,7 @@ TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
         {L"\u0416\U0001F600", ""}, {L"", ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.argument.substr(0, 40));
         m_fake.Expect("AT+CSCS=\"UCS2\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
         m_fake.Expect("AT+CUSD=1,\"" + row.argument + "\",15\r")
@@ -78,14 +77,13 @@ TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
 
 TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
     // clang-format off
-    struct Row { const char* charSetAnswer; int charSetResult; const char* answer; int result; int sendResult; bool active; };
-    const Row rows[] = {
+    const struct { const char* charSetAnswer; int charSetResult; const char* answer; int result; int sendResult; bool active; } rows[] = {
         {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true}, {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
         {"", 2, "\r\nOK\r\n", 0, 0, true}, {"\r\nOK\r\n", 0, "\r\n+CME ERROR: unknown\r\n", 0, 1, false},
         {"\r\nOK\r\n", 0, "\r\nERROR\r\n", 0, 1, false}, {"\r\nOK\r\n", 0, "", 2, 2, false}, {"\r\nOK\r\n", 0, "", 30, 30, false},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         CUssdUility ussd;
         ussd.RegisterExecAT(ScriptedAtFake::Callback());
@@ -103,13 +101,12 @@ TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
 
 TEST_F(UssdUtilityTest, SetStateNeedsOk) {
     // clang-format off
-    struct Row { int state; const char* command; const char* answer; int failure; int result; };
-    const Row rows[] = {
+    const struct { int state; const char* command; const char* answer; int failure; int result; } rows[] = {
         {1, "AT+CUSD=1\r", "\r\nOK\r\n", 0, 0}, {0, "AT+CUSD=0\r", "\r\nOK\r\n", 0, 0}, {2, "AT+CUSD=2\r", "\r\nERROR\r\n", 0, 1},
         {-7, "AT+CUSD=-7\r", "\r\n+CME ERROR: 4\r\n", 0, 1}, {1, "AT+CUSD=1\r", "", 2, 2},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.command);
         m_fake.Expect(row.command, row.answer, row.failure)
             .WithTimeout(5000)
@@ -165,8 +162,7 @@ TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
         return Fields(result, value);
     };
     // clang-format off
-    struct Row { bool cusd; const char* answer; int failure; const char* expected; };
-    const Row rows[] = {
+    const struct { bool cusd; const char* answer; int failure; const char* expected; } rows[] = {
         {true, "\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, "0|1"}, {true, "AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, "0|0"}, {true, "\r\n+CUSD: 2\r\n", 0, "0|2"},
         {true, "\r\n+CUSD:1\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: \r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, "1|-1"},
         {true, "\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CME ERROR: operation not allowed\r\n", 0, "1|-1"}, {true, "", 2, "2|-1"}, {true, "", 30, "30|-1"},
@@ -176,7 +172,7 @@ TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
         {false, "\r\nERROR\r\n", 0, "1|-1"}, {false, "", 30, "30|-1"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         if (row.cusd)
             m_fake.Expect("AT+CUSD?\r", row.answer, row.failure)
@@ -219,13 +215,12 @@ TEST_F(UssdUtilityTest, SelectTeCharacterSetNamesTheSet) {
 
 TEST(UssdDcs, AlphabetFollowsTheCodingGroups) {
     // clang-format off
-    struct Row { int dcs; int alphabet; };
-    const Row rows[] = {
+    const struct { int dcs; int alphabet; } rows[] = {
         {0x00, 0}, {0x0F, 3}, {0x11, 0}, {0x44, 1}, {0x48, 2}, {0x4C, 3}, {0x80, 3}, {0xBF, 3},
         {0xC0, 0}, {0xD8, 0}, {0xE0, 2}, {0xE4, 2}, {0xF0, 0}, {0xF4, 1}, {0xFF, 1}, {0x18, 2},
     };
     // clang-format on
-    for (const Row& row : rows)
+    for (const auto& row : rows)
         EXPECT_EQ(CUssdUility::DecodeDcsAlphabet(static_cast<uint8_t>(row.dcs)), row.alphabet) << row.dcs;
 }
 
@@ -280,12 +275,11 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
 
 TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
     // clang-format off
-    struct Row { const char* answer; int failure; int result; };
-    const Row rows[] = {
+    const struct { const char* answer; int failure; int result; } rows[] = {
         {"", 2, 2}, {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1}, {"\r\nERROR\r\n", 0, 1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CSCS?\r", row.answer, row.failure);
         TUssdItem item;
@@ -329,13 +323,12 @@ TEST(UssdReport, TruncatedAndOverlongReportsStayBounded) {
 
 TEST(UssdHelpers, QuotationStringHexAndEncodeType) {
     // clang-format off
-    struct QuoteRow { const char* text; int result; const char* quoted; };
-    const QuoteRow quotes[] = {
+    const struct { const char* text; int result; const char* quoted; } quotes[] = {
         {"\"0048\",72", 0, "0048"}, {"\"\"", 0, ""},       {"\"ab\"cd\"", 0, "ab"},
         {"0048\"", 1, "left"},      {"\"0048", 1, "left"}, {"", 1, "left"},
     };
     // clang-format on
-    for (const QuoteRow& row : quotes) {
+    for (const auto& row : quotes) {
         std::string quoted = "left";
         EXPECT_EQ(CUssdUility::GetQuotationString(row.text, quoted), row.result) << row.text;
         EXPECT_EQ(quoted, row.quoted) << row.text;
