@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "AtTestSupport.h"
 #include "CallUtility.h"
 #include "ComOperation.h"
 #include "ModemDialect.h"
@@ -21,7 +22,8 @@
 namespace {
 
 using namespace std::chrono_literals;
-using Reports = std::vector<std::pair<int, std::string>>;
+using at_test::Reports;
+using at_test::TakeReports;
 constexpr auto kVel = ModemDialect::Vel;
 constexpr auto kStandard = ModemDialect::Standard;
 
@@ -30,17 +32,6 @@ int ChannelExecAT(const char* command, const char* expected, int timeoutMs, cons
     const int code =
         ComOperation::GetInstance()->writeCom(command, expected, std::max(1, timeoutMs / 1000), response);
     return code == 0 ? 0 : code == 8 ? 2 : 1;
-}
-
-Reports TakeReports() {
-    UnsolicitedReportList* list = nullptr;
-    ComOperation::GetInstance()->getUnsoliciteReportList(list);
-    Reports reports;
-    for (; !list->empty(); list->pop_front()) {
-        reports.emplace_back(list->front()->nType, list->front()->strText);
-        delete list->front();
-    }
-    return reports;
 }
 
 struct AnswerVariants : ::testing::Test {

@@ -50,19 +50,6 @@ struct LowerLog {
     void* handlerContext = nullptr;
 } g_lower;
 
-int StartComm(const void* argument) {
-    g_lower.startArgument = argument;
-    return 17;
-}
-int EndComm() {
-    return 18;
-}
-int RestartComm() {
-    return 19;
-}
-void CancelAT() {
-    ++g_lower.cancels;
-}
 void RegisterHandler(ReportHandler handler, void* context) {
     g_lower.handler = handler;
     g_lower.handlerContext = context;
@@ -137,8 +124,15 @@ TEST_F(AtSublayerTest, MissingLowerCallbacksGiveOne) {
 }
 
 TEST_F(AtSublayerTest, LowerCallbacksAreForwarded) {
-    TInterfaceAtSublayerLower lower{&StartComm, &EndComm,        &RestartComm, ScriptedAtFake::Callback(),
-                                    &CancelAT,  &RegisterHandler};
+    TInterfaceAtSublayerLower lower{[](const void* argument) {
+                                        g_lower.startArgument = argument;
+                                        return 17;
+                                    },
+                                    [] { return 18; },
+                                    [] { return 19; },
+                                    ScriptedAtFake::Callback(),
+                                    [] { ++g_lower.cancels; },
+                                    &RegisterHandler};
     ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
 
     const int argument = 42;

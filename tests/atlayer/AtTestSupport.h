@@ -6,10 +6,12 @@
 #include <sstream>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "ComOperation.h"
 #include "ScriptedAtFake.h"
 
 namespace at_test {
@@ -70,6 +72,19 @@ template <typename... T> std::string Fields(const T&... values) {
     const char* separator = "";
     ((out << separator, Show(out, values), separator = "|"), ...);
     return out.str();
+}
+
+// The serial channel's queued unsolicited reports, taken out of its queue: (kind, text).
+using Reports = std::vector<std::pair<int, std::string>>;
+inline Reports TakeReports() {
+    UnsolicitedReportList* list = nullptr;
+    ComOperation::GetInstance()->getUnsoliciteReportList(list);
+    Reports reports;
+    for (; !list->empty(); list->pop_front()) {
+        reports.emplace_back(list->front()->nType, list->front()->strText);
+        delete list->front();
+    }
+    return reports;
 }
 
 // Sends one command per answer and compares what the read gives back ("result|value", see Fields).

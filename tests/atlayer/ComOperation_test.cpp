@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
@@ -24,13 +25,8 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-// clang-format off
-struct Report { int type; std::string text; bool operator==(const Report&) const = default; };
-// clang-format on
-
-std::ostream& operator<<(std::ostream& out, const Report& report) {
-    return out << "{" << report.type << ", " << ::testing::PrintToString(report.text) << "}";
-}
+using at_test::Reports;
+using at_test::TakeReports;
 
 int CountOpenDescriptors() {
     int count = 0;
@@ -66,18 +62,6 @@ protected:
         com->reset();
         TakeReports();
         ComOperation::ResetTimeOutCount();
-    }
-
-    std::vector<Report> TakeReports() {
-        UnsolicitedReportList* list = nullptr;
-        com->getUnsoliciteReportList(list);
-        std::vector<Report> reports;
-        while (!list->empty()) {
-            reports.push_back({list->front()->nType, list->front()->strText});
-            delete list->front();
-            list->pop_front();
-        }
-        return reports;
     }
 
     size_t QueuedCount() {
@@ -165,7 +149,7 @@ TEST_F(ComOperationTest, TextPromptEndsTheCommandWithoutALineEnd) {
 
 // clang-format off
 // before: unsolicited text already waiting in the tty
-struct ReportCase { const char* name; std::string before; const char* command; const char* expected; PtyPeer::Answer answer; std::string response; std::vector<Report> reports; };
+struct ReportCase { const char* name; std::string before; const char* command; const char* expected; PtyPeer::Answer answer; std::string response; Reports reports; };
 // clang-format on
 
 TEST_F(ComOperationTest, CutsUnsolicitedReportsOutOfTheAnswer) {
@@ -301,8 +285,8 @@ TEST_F(ComOperationTest, ResetClosesThePortAndDeletesTheFirstHalfOfTheQueue) {
     ASSERT_EQ(QueuedCount(), 5u);
 
     com->reset();
-    const std::vector<Report> expected = {{UNSOLICITED_REPORT_RING, "\r\nRING\r\n"},
-                                          {UNSOLICITED_REPORT_NO_CARRIER, "\r\nNO CARRIER\r\n"}};
+    const Reports expected = {{UNSOLICITED_REPORT_RING, "\r\nRING\r\n"},
+                              {UNSOLICITED_REPORT_NO_CARRIER, "\r\nNO CARRIER\r\n"}};
     EXPECT_EQ(TakeReports(), expected);
     EXPECT_EQ(com->writeCom("AT\r", nullptr, 5, response), 1);
 }
@@ -452,24 +436,10 @@ TEST(StringMatchStringLine, MovesReportLinesOutOfTheAnswer) {
 // A stick flooding the port with unsolicited lines: repeated lines are merged, a USSD answer goes ahead of
 // the flood, and the queue's bounds never cost a kept line.
 
-UnsolicitedReportList& Reports(ComOperation* com) {
+UnsolicitedReportList& Queue(ComOperation* com) {
     UnsolicitedReportList* list = nullptr;
     com->getUnsoliciteReportList(list);
     return *list;
-}
-
-void DropReports(ComOperation* com) {
-    for (UnsolicitedReportDataType* report : Reports(com))
-        delete report;
-    Reports(com).clear();
-    com->takeMissedNewMessages();
-}
-
-bool Holds(ComOperation* com, const std::string& text) {
-    for (const UnsolicitedReportDataType* report : Reports(com))
-        if (report->strText == text)
-            return true;
-    return false;
 }
 
 TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
@@ -501,24 +471,29 @@ TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
     ComOperation* com = ComOperation::GetInstance();
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        DropReports(com);
+        TakeReports();
+        com->takeMissedNewMessages();
         const uint64_t countedBefore = com->newMessageReportsQueued();
         uint64_t newMessageLines = 0;
         for (const Step& step : row.steps) {
             for (int i = 0; i < step.count; ++i)
                 com->queueReport(step.type, step.numbered ? step.line + std::to_string(i) : step.line);
         }
-        for (const UnsolicitedReportDataType* report : Reports(com))
+        for (const UnsolicitedReportDataType* report : Queue(com))
             newMessageLines += report->nType == CMTI ? 1 : 0;
-        ASSERT_EQ(Reports(com).size(), row.queued);
-        EXPECT_EQ(Reports(com).front()->strText, row.front);
+        ASSERT_EQ(Queue(com).size(), row.queued);
+        EXPECT_EQ(Queue(com).front()->strText, row.front);
         if (row.absent) {
-            EXPECT_FALSE(Holds(com, row.absent));
+            const auto has = [&](const UnsolicitedReportDataType* report) {
+                return report->strText == row.absent;
+            };
+            EXPECT_TRUE(std::none_of(Queue(com).begin(), Queue(com).end(), has));
         }
         EXPECT_EQ(com->takeMissedNewMessages(), row.missed);
         EXPECT_EQ(com->newMessageReportsQueued() - countedBefore, newMessageLines);
     }
-    DropReports(com);
+    TakeReports();
+    com->takeMissedNewMessages();
     SetDebugSink(previous);
     std::fclose(debug);
 }

@@ -195,10 +195,11 @@ TEST_F(PbUtilityTest, ConstraintFromBothStoragesWithoutNeedingTheSim) {
         constraint.nMeMaxNumberLen = 99;
         EXPECT_EQ(m_pb.GetConstraint(constraint), row.result);
         m_fake.VerifyDone();
-        if (row.result == 0)
+        if (row.result == 0) {
             EXPECT_EQ(Fields(constraint.nMask, constraint.nMeMaxNumberLen, constraint.nMeMaxNameLen,
                              constraint.nSimMaxNumberLen, constraint.nSimMaxNameLen),
                       Fields(row.mask, row.meNumber, row.meName, row.simNumber, row.simName));
+        }
     }
 }
 

@@ -183,8 +183,9 @@ TEST(SmsPduDecode, Addresses) {
         TMsgAddress address;
         ASSERT_EQ(CSmsUtility::DecodeTpduAddress(octets.data(), static_cast<int>(octets.size()), address),
                   row.used);
-        if (row.used != 0)
+        if (row.used != 0) {
             EXPECT_EQ(Fields(address.nType, address.szAddress), Fields(row.type, row.text));
+        }
     }
 }
 
