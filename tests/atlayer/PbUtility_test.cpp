@@ -382,26 +382,6 @@ TEST_F(PbUtilityTest, DeleteKeepsCountsAndIndexes) {
     EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), (std::list<int>{1, 5}));
 }
 
-TEST_F(PbUtilityTest, CharacterSetNames) {
-    // clang-format off
-    // name: null: refused without a command
-    const struct { int code; const char* name; } rows[] = {
-        {0, "GSM"},     {1, "HEX"},    {2, "IRA"},    {3, "PCCP437"}, {4, "PCDN"},
-        {5, "UCS2"},    {6, "8859-1"}, {7, "8859-C"}, {8, "8859-A"},  {9, "8859-G"}, {10, "8859-H"}, {11, nullptr}, {-1, nullptr},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.code);
-        if (row.name != nullptr)
-            m_fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r");
-        EXPECT_EQ(m_pb.SelectTeCharacterSet(row.code, 437, 1), row.name != nullptr ? 0 : 1);
-    }
-    m_fake.Expect("AT+CSCS=\"UCS2\"\r", "\r\n+CME ERROR: operation not supported\r\n");
-    EXPECT_EQ(m_pb.SelectTeCharacterSet(5, 0, 0), 1);
-    m_fake.ExpectFailure("AT+CSCS=\"UCS2\"\r", 30);
-    EXPECT_EQ(m_pb.SelectTeCharacterSet(5, 0, 0), 1);
-}
-
 TEST(PbUtilityNoCallback, EveryCommandFailsWithOne) {
     CPbUtility pb;
     TPbStorageInfo info;

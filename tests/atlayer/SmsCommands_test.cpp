@@ -90,23 +90,6 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
     }
 }
 
-TEST_F(SmsCommandsTest, CharacterSetNames) {
-    // clang-format off
-    const std::pair<int, const char*> rows[] = {
-        {0, "GSM"},    {1, "HEX"},    {2, "IRA"},    {3, "PCCP437"}, {4, "PCDN"},    {5, "UCS2"},
-        {6, "8859-1"}, {7, "8859-C"}, {8, "8859-A"}, {9, "8859-G"},  {10, "8859-H"},
-    };
-    // clang-format on
-    for (const auto& [code, name] : rows) {
-        m_fake.Expect(std::string("AT+CSCS=\"") + name + "\"\r").WithTimeout(1000).WithFinals(kCme);
-        EXPECT_EQ(m_sms.SelectTeCharacterSet(code, 437, 1), 0) << name;
-    }
-    EXPECT_EQ(m_sms.SelectTeCharacterSet(11, 437, 1), 1);
-    EXPECT_EQ(m_sms.SelectTeCharacterSet(-1, 437, 1), 1);
-    m_fake.Expect("AT+CSCS=\"PCCP037\"\r", "\r\nERROR\r\n");
-    EXPECT_EQ(m_sms.SelectTeCharacterSet(3, 37, 0), 1);
-}
-
 TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
     // clang-format off
     // sent: nullptr: refused before sending

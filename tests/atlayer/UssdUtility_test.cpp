@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <list>
 #include <string>
 #include <vector>
@@ -7,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "AtTestSupport.h"
+#include "PbUtility.h"
+#include "SmsUtility.h"
 #include "UssdUtility.h"
 
 namespace {
@@ -188,29 +191,44 @@ TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
     }
 }
 
-TEST_F(UssdUtilityTest, SelectTeCharacterSetNamesTheSet) {
+// The phone book, message and USSD families name the character set alike; 11 and -1 are refused unsent.
+TEST(CharacterSets, EveryFamilyNamesTheSet) {
+    ScriptedAtFake fake;
+    CPbUtility pb;
+    CSmsUtility sms;
+    CUssdUility ussd;
+    pb.RegisterExecAT(ScriptedAtFake::Callback());
+    sms.RegisterExecAT(ScriptedAtFake::Callback());
+    ussd.RegisterExecAT(ScriptedAtFake::Callback());
+    const std::pair<const char*, std::function<int(int, int, int)>> families[] = {
+        {"phone book", [&](int set, int page, int part) { return pb.SelectTeCharacterSet(set, page, part); }},
+        {"messages", [&](int set, int page, int part) { return sms.SelectTeCharacterSet(set, page, part); }},
+        {"USSD", [&](int set, int page, int part) { return ussd.SelectTeCharacterSet(set, page, part); }}};
     // clang-format off
     // name: nullptr: nothing is sent
-    struct Row { int set; int codePage; int part; const char* name; const char* answer; int result; };
     const char* ok = "\r\nOK\r\n";
-    const Row rows[] = {
+    const struct { int set; int codePage; int part; const char* name; const char* answer; int result; } rows[] = {
         {0, 0, 0, "GSM", ok, 0}, {1, 0, 0, "HEX", ok, 0}, {2, 0, 0, "IRA", ok, 0}, {3, 437, 0, "PCCP437", ok, 0}, {3, 5, 0, "PCCP005", ok, 0},
         {4, 0, 0, "PCDN", ok, 0}, {5, 0, 0, "UCS2", ok, 0}, {6, 0, 1, "8859-1", ok, 0}, {7, 0, 0, "8859-C", ok, 0}, {8, 0, 0, "8859-A", ok, 0},
         {9, 0, 0, "8859-G", ok, 0}, {10, 0, 0, "8859-H", ok, 0}, {5, 0, 0, "UCS2", "\r\nERROR\r\n", 1}, {11, 0, 0, nullptr, "", 1},
-        {-1, 0, 0, nullptr, "", 1},
+        {-1, 0, 0, nullptr, "", 1}, {5, 0, 0, "UCS2", "\r\n+CME ERROR: operation not supported\r\n", 1}, {3, 37, 0, "PCCP037", "\r\nERROR\r\n", 1},
     };
     // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << "set " << row.set);
-        if (row.name != nullptr) {
-            m_fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r", row.answer)
-                .WithTimeout(1000)
-                .WithoutPrefix()
-                .WithFinals(kCscsFinals);
+    for (const auto& [family, select] : families) {
+        for (const auto& row : rows) {
+            SCOPED_TRACE(testing::Message() << family << " set " << row.set);
+            if (row.name != nullptr) {
+                fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r", row.answer)
+                    .WithTimeout(1000)
+                    .WithoutPrefix()
+                    .WithFinals(kCscsFinals);
+            }
+            EXPECT_EQ(select(row.set, row.codePage, row.part), row.result);
+            fake.VerifyDone();
         }
-        EXPECT_EQ(m_ussd.SelectTeCharacterSet(row.set, row.codePage, row.part), row.result);
-        m_fake.VerifyDone();
     }
+    fake.ExpectFailure("AT+CSCS=\"UCS2\"\r", 30);
+    EXPECT_EQ(pb.SelectTeCharacterSet(5, 0, 0), 1);
 }
 
 TEST(UssdDcs, AlphabetFollowsTheCodingGroups) {
