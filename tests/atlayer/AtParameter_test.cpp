@@ -1,16 +1,20 @@
 #include <cstdio>
 #include <functional>
+#include <list>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "AtParameter.h"
 #include "CallUtility.h"
+#include "GPSUtility.h"
 #include "NetworkUtility.h"
 #include "PbUtility.h"
+#include "STKUtility.h"
 #include "ScriptedAtFake.h"
 #include "SmsUtility.h"
 #include "SystemUtility.h"
+#include "UssdUtility.h"
 
 namespace {
 
@@ -77,6 +81,42 @@ TEST(AtParameter, FamiliesSendNothingForRefusedText) {
             EXPECT_TRUE(fake.Calls().empty());
         }
     }
+}
+
+// A family without an execute-AT callback fails every command with 1 and touches nothing; only the end of a
+// toolkit dialogue needs no modem.
+TEST(Families, WithoutACallbackEveryCommandFails) {
+    CSystemUtility system;
+    CPbUtility pb;
+    CCallUtility call;
+    CGPSUtility gps;
+    CSTKUtility stk;
+    CUssdUility ussd;
+    std::string response, text = "untouched";
+    TPbStorageInfo info;
+    TPbConstraint constraint;
+    std::list<TPbItem> items;
+    std::list<TCallItemState> calls;
+    TUssdItem report;
+    int type = 0;
+    // clang-format off
+    const std::pair<const char*, std::function<int()>> commands[] = {
+        {"system WriteComm", [&] { return system.WriteComm(response, "AT\r", nullptr, 1000); }}, {"system CFUN", [&] { return system.SetPhoneFunctionality(1); }},
+        {"phone book storage", [&] { return pb.GetStorageInfo(info); }}, {"phone book list", [&] { return pb.InitList(items); }},
+        {"phone book limits", [&] { return pb.GetConstraint(constraint); }}, {"phone book delete", [&] { return pb.DeleteItem(0, 1); }},
+        {"phone book update", [&] { return pb.UpdateItem(TPbItem{}); }}, {"call init", [&] { return call.Init(); }}, {"dial", [&] { return call.Dial("1"); }},
+        {"call list", [&] { return call.CheckCallState(calls); }}, {"GPS on", [&] { return gps.InitGPS(); }}, {"GPS off", [&] { return gps.UninitGPS(); }},
+        {"toolkit init", [&] { return stk.Init(text); }}, {"toolkit report", [&] { return stk.HandleReport("+STIN: 11", text); }},
+        {"toolkit send", [&] { return stk.SendCommand("AT+STGR=256\r", text); }}, {"toolkit current", [&] { return stk.GetCurrentProactiveCommand(type, text); }},
+        {"USSD send", [&] { return ussd.SendUssdCmd(L"*100#"); }}, {"USSD report", [&] { return ussd.Receive("+CUSD: 1,\"00480069\",72", report); }},
+    };
+    // clang-format on
+    for (const auto& [name, command] : commands)
+        EXPECT_EQ(command(), 1) << name;
+    EXPECT_EQ(text, "untouched");
+    EXPECT_FALSE(ussd.IsDialogueActive());
+    EXPECT_EQ(stk.HandleReport("+STIN: 20", text), 0);
+    EXPECT_EQ(text, "+STGI:20\r\nOK");
 }
 
 } // namespace

@@ -183,13 +183,4 @@ TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
     EXPECT_EQ(m_call.HandleCallEnd(allEnded), 1);
 }
 
-TEST(CallGpsNoCallback, CommandsFailWithOne) {
-    CCallUtility call;
-    CGPSUtility gps;
-    std::list<TCallItemState> calls;
-    const int init = call.Init(), dial = call.Dial("1"), list = call.CheckCallState(calls),
-              gpsOn = gps.InitGPS();
-    EXPECT_EQ(at_test::Fields(init, dial, list, gpsOn, gps.UninitGPS()), "1|1|1|1|1");
-}
-
 } // namespace

@@ -382,14 +382,4 @@ TEST_F(PbUtilityTest, DeleteKeepsCountsAndIndexes) {
     EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), (std::list<int>{1, 5}));
 }
 
-TEST(PbUtilityNoCallback, EveryCommandFailsWithOne) {
-    CPbUtility pb;
-    TPbStorageInfo info;
-    std::list<TPbItem> items;
-    TPbConstraint constraint;
-    const int info1 = pb.GetStorageInfo(info), list = pb.InitList(items),
-              limits = pb.GetConstraint(constraint);
-    EXPECT_EQ(Fields(info1, list, limits, pb.DeleteItem(0, 1), pb.UpdateItem(TPbItem{})), "1|1|1|1|1");
-}
-
 } // namespace

@@ -366,11 +366,4 @@ TEST_F(SystemUtilityTest, DeviceStartStateReadsTheFuncAnswer) {
     }
 }
 
-TEST(SystemUtilityNoCallback, CommandsFailWithoutAnExecuteCallback) {
-    CSystemUtility system;
-    std::string response;
-    EXPECT_EQ(system.WriteComm(response, "AT\r", nullptr, 1000), 1);
-    EXPECT_EQ(system.SetPhoneFunctionality(1), 1);
-}
-
 } // namespace

@@ -109,17 +109,4 @@ TEST_F(STKUtilityTest, CurrentProactiveCommandIsAskedButNotReported) {
     EXPECT_EQ(m_stk.GetCurrentProactiveCommand(type, text), 2);
 }
 
-TEST(STKUtility, WithoutCallbackNothingRuns) {
-    CSTKUtility stk;
-    std::string text = kUntouched;
-    int type = 0;
-    const int init = stk.Init(text), report = stk.HandleReport("+STIN: 11", text),
-              send = stk.SendCommand("AT+STGR=256\r", text);
-    EXPECT_EQ(at_test::Fields(init, report, send, stk.GetCurrentProactiveCommand(type, text), text),
-              "1|1|1|1|untouched");
-    // The end of the dialogue needs no modem.
-    EXPECT_EQ(stk.HandleReport("+STIN: 20", text), 0);
-    EXPECT_EQ(text, "+STGI:20\r\nOK");
-}
-
 } // namespace

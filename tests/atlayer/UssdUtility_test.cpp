@@ -97,9 +97,6 @@ TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
         m_fake.VerifyDone();
     }
     EXPECT_EQ(m_ussd.SendUssdCmd(nullptr), 1);
-    CUssdUility unregistered;
-    EXPECT_EQ(unregistered.SendUssdCmd(L"*100#"), 1);
-    EXPECT_FALSE(unregistered.IsDialogueActive());
 }
 
 TEST_F(UssdUtilityTest, SetStateNeedsOk) {
@@ -308,8 +305,6 @@ TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
     }
     TUssdItem item;
     EXPECT_EQ(m_ussd.Receive(nullptr, item), 1);
-    CUssdUility unregistered;
-    EXPECT_EQ(unregistered.Receive("+CUSD: 1,\"00480069\",72", item), 1);
 }
 
 // Network texts are untrusted: every cut of a report and an over-long text stay within bounds.
