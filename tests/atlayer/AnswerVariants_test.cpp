@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "AtTestSupport.h"
 #include "CallUtility.h"
 #include "ComOperation.h"
 #include "ModemDialect.h"
@@ -21,7 +22,8 @@
 namespace {
 
 using namespace std::chrono_literals;
-using Reports = std::vector<std::pair<int, std::string>>;
+using at_test::Reports;
+using at_test::TakeReports;
 constexpr auto kVel = ModemDialect::Vel;
 constexpr auto kStandard = ModemDialect::Standard;
 
@@ -30,17 +32,6 @@ int ChannelExecAT(const char* command, const char* expected, int timeoutMs, cons
     const int code =
         ComOperation::GetInstance()->writeCom(command, expected, std::max(1, timeoutMs / 1000), response);
     return code == 0 ? 0 : code == 8 ? 2 : 1;
-}
-
-Reports TakeReports() {
-    UnsolicitedReportList* list = nullptr;
-    ComOperation::GetInstance()->getUnsoliciteReportList(list);
-    Reports reports;
-    for (; !list->empty(); list->pop_front()) {
-        reports.emplace_back(list->front()->nType, list->front()->strText);
-        delete list->front();
-    }
-    return reports;
 }
 
 struct AnswerVariants : ::testing::Test {
@@ -71,8 +62,7 @@ TEST_F(AnswerVariants, ChannelEndsCommandsAtOnce) {
         {"stick sending two new-message reports at once", kStandard, "AT+CSQ\r", "\r\n+CMTI: \"SM\",1\r\n\r\n+CMTI: \"SM\",2\r\n\r\n+CSQ: 20,99\r\n\r\nOK\r\n", signal, 0, {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",1\r\n"}, {UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",2\r\n"}}},
         {"3G module refusing unknown commands", kStandard, "AT+CSQ\r", "\r\nCOMMAND NOT SUPPORT\r\n", signal, 1, {}},
         {"module refusing extra parameters", kVel, "AT+CSQ\r", "\r\nTOO MANY PARAMETERS\r\n", signal, 1, {}},
-        {"USSD answer and release notices in one read", kStandard, "AT+CUSD=1\r", "\r\nOK\r\n" + cusd0 + "\r\n+CUSD: 2\r\n\r\n+CUSD: 4\r\n", [&] { return ussd.SetUssdState(value = 1); }, 0,
-         {{UNSOLICITED_REPORT_CUSD, cusd0}, {UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 2\r\n"}, {UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 4\r\n"}}},
+        {"USSD answer and release notices in one read", kStandard, "AT+CUSD=1\r", "\r\nOK\r\n" + cusd0 + "\r\n+CUSD: 2\r\n\r\n+CUSD: 4\r\n", [&] { return ussd.SetUssdState(value = 1); }, 0, {{UNSOLICITED_REPORT_CUSD, cusd0}, {UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 2\r\n"}, {UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 4\r\n"}}},
         {"USSD report just before the answer", kStandard, "AT+CUSD?\r", "\r\n+CUSD: 2,\"Bye\",15\r\n\r\n+CUSD: 1\r\n\r\nOK\r\n", [&] { return ussd.CheckUssdState(value) == 0 ? value : -1; }, 1, {{UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 2,\"Bye\",15\r\n"}}},
         {"registration report just before the answer", kVel, "AT+CREG?\r", "\r\n+CREG: 1\r\n\r\n+CREG: 0,5\r\n\r\nOK\r\n", reg, 4, {}},
         {"LTE module without a blank after the colon", kStandard, "AT+CREG?\r", "\r\n+CREG: 2\r\n\r\n+CREG:0,1\r\n\r\nOK\r\n", reg, 3, {}},

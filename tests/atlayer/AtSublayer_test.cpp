@@ -7,6 +7,7 @@
 
 #include "ATSublayer.h"
 #include "AtSublayerInterface.h"
+#include "AtTestSupport.h"
 #include "ScriptedAtFake.h"
 
 // Reads the families' registered callbacks, in the order the sublayer registers them.
@@ -22,11 +23,9 @@ struct AtSublayerTestAccess {
 
 namespace {
 
-struct Report {
-    int code = -1;
-    bool hasPayload = false;
-    std::string text;
-};
+// clang-format off
+struct Report { int code = -1; bool hasPayload = false; std::string text; };
+// clang-format on
 
 // Upper report callback: keeps a copy of each report, since the payload dies with the call.
 int RecordReport(void* context, int code, const void* payload) {
@@ -51,19 +50,6 @@ struct LowerLog {
     void* handlerContext = nullptr;
 } g_lower;
 
-int StartComm(const void* argument) {
-    g_lower.startArgument = argument;
-    return 17;
-}
-int EndComm() {
-    return 18;
-}
-int RestartComm() {
-    return 19;
-}
-void CancelAT() {
-    ++g_lower.cancels;
-}
 void RegisterHandler(ReportHandler handler, void* context) {
     g_lower.handler = handler;
     g_lower.handlerContext = context;
@@ -83,38 +69,23 @@ protected:
 };
 
 TEST_F(AtSublayerTest, DecodesUnsolicitedLinesByPrefix) {
-    struct Row {
-        const char* line;
-        int code; // -1: ignored
-        bool hasPayload;
-    };
-    const Row rows[] = {
-        {"+CMTI: \"SM\",3", ATS_REPORT_NEW_SMS, true},
-        {"+CDSI: \"SR\",1", ATS_REPORT_NEW_SMS, true},
-        {"+CUSD: 0,\"00480069\",72", ATS_REPORT_CUSD, true},
-        {"+CUSD: 2", ATS_REPORT_CUSD, true},
+    // clang-format off
+    // code: -1: ignored
+    const struct { const char* line; int code; bool hasPayload; } rows[] = {
+        {"+CMTI: \"SM\",3", ATS_REPORT_NEW_SMS, true}, {"+CDSI: \"SR\",1", ATS_REPORT_NEW_SMS, true},
+        {"+CUSD: 0,\"00480069\",72", ATS_REPORT_CUSD, true}, {"+CUSD: 2", ATS_REPORT_CUSD, true},
         {"+CUSD:1", -1, false}, // no blank after the colon
-        {"+CUSD:", -1, false},
-        {"BUSY", ATS_REPORT_BUSY, false},
-        {"NO ANSWER", ATS_REPORT_NO_ANSWER, false},
-        {"NO CARRIER", ATS_REPORT_NO_CARRIER, false},
-        {"NO DIALTONE", ATS_REPORT_NO_DIALTONE, false},
-        {"RING", ATS_REPORT_RING, false},
-        {"+CRING: VOICE", ATS_REPORT_RING, false},
-        {"+STIN: 11", ATS_REPORT_STK, true},
-        {"+STIN:20", ATS_REPORT_STK, true},
+        {"+CUSD:", -1, false}, {"BUSY", ATS_REPORT_BUSY, false}, {"NO ANSWER", ATS_REPORT_NO_ANSWER, false},
+        {"NO CARRIER", ATS_REPORT_NO_CARRIER, false}, {"NO DIALTONE", ATS_REPORT_NO_DIALTONE, false}, {"RING", ATS_REPORT_RING, false},
+        {"+CRING: VOICE", ATS_REPORT_RING, false}, {"+STIN: 11", ATS_REPORT_STK, true}, {"+STIN:20", ATS_REPORT_STK, true},
         {"NO CARRIER\r\n", ATS_REPORT_NO_CARRIER, false}, // a prefix test: what follows does not matter
-        {"\r\n+CMTI: \"SM\",3\r\n", -1, false},           // the channel's framing must be gone
-        {"\r\nRING\r\n", -1, false},
-        {" RING", -1, false},
-        {"+cmti: \"SM\",3", -1, false},
-        {"BUS", -1, false},
-        {"+CMT: ,24", -1, false},
-        {"OK", -1, false},
-        {"", -1, false},
+        {"\r\n+CMTI: \"SM\",3\r\n", -1, false}, // the channel's framing must be gone
+        {"\r\nRING\r\n", -1, false}, {" RING", -1, false}, {"+cmti: \"SM\",3", -1, false}, {"BUS", -1, false}, {"+CMT: ,24", -1, false},
+        {"OK", -1, false}, {"", -1, false},
     };
+    // clang-format on
     ASSERT_EQ(m_sublayer->RegisterReportCallback(&RecordReport, &m_reports), 0);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
         m_reports.clear();
         EXPECT_EQ(ATSublayer_HandleReport(m_sublayer, row.line), 0);
@@ -123,11 +94,8 @@ TEST_F(AtSublayerTest, DecodesUnsolicitedLinesByPrefix) {
             continue;
         }
         ASSERT_EQ(m_reports.size(), 1u);
-        EXPECT_EQ(m_reports[0].code, row.code);
-        EXPECT_EQ(m_reports[0].hasPayload, row.hasPayload);
-        if (row.hasPayload) {
-            EXPECT_EQ(m_reports[0].text, row.line);
-        }
+        EXPECT_EQ(at_test::Fields(m_reports[0].code, m_reports[0].hasPayload, m_reports[0].text),
+                  at_test::Fields(row.code, row.hasPayload, row.hasPayload ? row.line : ""));
     }
 }
 
@@ -140,26 +108,11 @@ TEST_F(AtSublayerTest, DecoderWithoutContextCallbackOrLineDoesNothing) {
     EXPECT_TRUE(m_reports.empty());
 }
 
-TEST_F(AtSublayerTest, UpperCallbackIsStoredAndHandedBack) {
-    UpperReportCallback callback = nullptr;
-    void* context = &m_reports;
-    EXPECT_EQ(m_sublayer->GetUpperReport(callback, context), 0);
-    EXPECT_EQ(callback, nullptr);
-    EXPECT_EQ(context, nullptr);
-
-    int other = 0;
-    EXPECT_EQ(m_sublayer->RegisterReportCallback(&RecordReport, &other), 0);
-    EXPECT_EQ(m_sublayer->GetUpperReport(callback, context), 0);
-    EXPECT_EQ(callback, &RecordReport);
-    EXPECT_EQ(context, &other);
-}
-
 TEST_F(AtSublayerTest, MissingLowerCallbacksGiveOne) {
     const auto expectUnset = [this] {
-        EXPECT_EQ(m_sublayer->StartCommunication("ignored"), 1);
-        EXPECT_EQ(m_sublayer->EndCommunication(), 1);
-        EXPECT_EQ(m_sublayer->RestartCommunication(), 1);
         m_sublayer->CancelCurATExecution(); // nothing to call
+        const int start = m_sublayer->StartCommunication("ignored"), end = m_sublayer->EndCommunication();
+        EXPECT_EQ(at_test::Fields(start, end, m_sublayer->RestartCommunication()), "1|1|1");
     };
     expectUnset(); // before RegisterLowerCBs
 
@@ -171,17 +124,22 @@ TEST_F(AtSublayerTest, MissingLowerCallbacksGiveOne) {
 }
 
 TEST_F(AtSublayerTest, LowerCallbacksAreForwarded) {
-    TInterfaceAtSublayerLower lower{&StartComm, &EndComm,        &RestartComm, ScriptedAtFake::Callback(),
-                                    &CancelAT,  &RegisterHandler};
+    TInterfaceAtSublayerLower lower{[](const void* argument) {
+                                        g_lower.startArgument = argument;
+                                        return 17;
+                                    },
+                                    [] { return 18; },
+                                    [] { return 19; },
+                                    ScriptedAtFake::Callback(),
+                                    [] { ++g_lower.cancels; },
+                                    &RegisterHandler};
     ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
 
     const int argument = 42;
-    EXPECT_EQ(m_sublayer->StartCommunication(&argument), 17);
-    EXPECT_EQ(g_lower.startArgument, &argument);
-    EXPECT_EQ(m_sublayer->EndCommunication(), 18);
-    EXPECT_EQ(m_sublayer->RestartCommunication(), 19);
+    const int start = m_sublayer->StartCommunication(&argument), end = m_sublayer->EndCommunication();
     m_sublayer->CancelCurATExecution();
-    EXPECT_EQ(g_lower.cancels, 1);
+    EXPECT_EQ(at_test::Fields(start, end, m_sublayer->RestartCommunication(), g_lower.cancels), "17|18|19|1");
+    EXPECT_EQ(g_lower.startArgument, &argument);
 }
 
 TEST_F(AtSublayerTest, RegisterLowerCBsHandsTheDecoderToTheHost) {
@@ -250,8 +208,7 @@ TEST_F(AtSublayerTest, SlotsReachTheirFamily) {
         {{{"AT+FUNC=5,0\r"}}, [&] { return s.SystemSetDeviceStartState(0); }, 0},
         {{{"\x1B", ""}, {"ATE1\r", "", 2}}, [&] { return s.SystemInitComm(); }, 2},
         {{{"\x1B", ""}, {"ATE1\r", "", 30}}, [&] { return s.SystemSyncComm(); }, 30},
-        {{{"AT+CGMI\r", "", 2}, {"AT+CGMM\r", "", 2}, {"AT+CGMR\r", "", 2}, {"AT+CGSN\r", "", 2}, {"AT+CIMI\r", "", 2}, {"AT+CNUM\r", "", 2}, {"AT+HWV\r", "\r\nHW 2\r\n\r\nOK\r\n"}},
-         [&] { return s.SystemGetEquipmentInfo(equipment) == 0 && equipment.szHardwareVersion == std::string("HW 2") ? static_cast<int>(equipment.nMask) : -1; }, 64},
+        {{{"AT+CGMI\r", "", 2}, {"AT+CGMM\r", "", 2}, {"AT+CGMR\r", "", 2}, {"AT+CGSN\r", "", 2}, {"AT+CIMI\r", "", 2}, {"AT+CNUM\r", "", 2}, {"AT+HWV\r", "\r\nHW 2\r\n\r\nOK\r\n"}}, [&] { return s.SystemGetEquipmentInfo(equipment) == 0 && equipment.szHardwareVersion == std::string("HW 2") ? static_cast<int>(equipment.nMask) : -1; }, 64},
         {{{"AT+COPS=?\r", "\r\n+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),,(0,1)\r\n\r\nOK\r\n"}}, [&] { return s.NetworkGetList(operators) == 0 ? static_cast<int>(operators.size()) : -1; }, 1},
         {{{"AT+COPS=1,2,\"00101\"\r"}}, [&] { return s.NetworkSet(1 | 2 | 4, 1, 2, "00101", 0); }, 0},
         {{{"AT+COPS=3,2\r"}}, [&] { return s.NetworkInit(); }, 0},

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "AtTestSupport.h"
 #include "STKUtility.h"
-#include "ScriptedAtFake.h"
 
 namespace {
 
@@ -39,21 +39,15 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
         "\r\nOK\r\n";
     const Row rows[] = {
         {"+STIN: 11", "AT+STGI=11\r", selectItem, 0, 0, selectItem},
-        {"+STIN:1", "AT+STGI=1\r", "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n", 0, 0,
-         "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n"},
+        {"+STIN:1", "AT+STGI=1\r", "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n", 0, 0, "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n"},
         {"\r\n+STIN: 3\r\n", "AT+STGI=3\r", "\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
         // The card ended the dialogue: answered without asking the modem.
-        {"+STIN: 20", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"},
-        {"+STIN:20\r\n", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"},
+        {"+STIN: 20", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"}, {"+STIN:20\r\n", nullptr, nullptr, 0, 0, "+STGI:20\r\nOK"},
         // The fetch's error answer is handed up as it is.
-        {"+STIN: 6", "AT+STGI=6\r", "\r\n+CME ERROR: 3\r\n", 0, 0, "\r\n+CME ERROR: 3\r\n"},
-        {"+STIN: 2", "AT+STGI=2\r", nullptr, 2, 2, kUntouched},
-        {"+STIN: 2", "AT+STGI=2\r", nullptr, 30, 30, kUntouched},
-        {"+STIN: ", nullptr, nullptr, 0, 1, kUntouched},
-        {"+STIN: x", nullptr, nullptr, 0, 1, kUntouched},
-        {"+STGI: 11", nullptr, nullptr, 0, 1, kUntouched},
-        {"+STIN: 99999999999", nullptr, nullptr, 0, 1, kUntouched},
-        {"", nullptr, nullptr, 0, 1, kUntouched},
+        {"+STIN: 6", "AT+STGI=6\r", "\r\n+CME ERROR: 3\r\n", 0, 0, "\r\n+CME ERROR: 3\r\n"}, {"+STIN: 2", "AT+STGI=2\r", nullptr, 2, 2, kUntouched},
+        {"+STIN: 2", "AT+STGI=2\r", nullptr, 30, 30, kUntouched}, {"+STIN: ", nullptr, nullptr, 0, 1, kUntouched},
+        {"+STIN: x", nullptr, nullptr, 0, 1, kUntouched}, {"+STGI: 11", nullptr, nullptr, 0, 1, kUntouched},
+        {"+STIN: 99999999999", nullptr, nullptr, 0, 1, kUntouched}, {"", nullptr, nullptr, 0, 1, kUntouched},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -71,55 +65,32 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
     EXPECT_EQ(m_stk.HandleReport(nullptr, text), 1);
 }
 
-TEST_F(STKUtilityTest, InitFetchesTheMainMenuAndNeedsOk) {
+// Init fetches the main menu and needs OK; a sent command keeps only an answer with OK. nullptr: the exchange
+// fails.
+TEST_F(STKUtilityTest, InitAndSendCommandNeedOk) {
     // clang-format off
-    struct Row { const char* answer; int failure; int result; const char* text; };
-    const Row rows[] = {
-        {kMainMenu, 0, 0, kMainMenu},
+    const struct { bool init; const char* answer; int failure; int result; const char* text; } rows[] = {
+        {true, kMainMenu, 0, 0, kMainMenu},
         // The echo is cut off.
-        {"AT+STGI=17\r\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n", 0, 0, "\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n"},
-        {"\r\n+CME ERROR: SIM busy\r\n", 0, 1, kUntouched},
-        {"\r\nERROR\r\n", 0, 1, kUntouched},
-        {nullptr, 2, 2, kUntouched},
+        {true, "AT+STGI=17\r\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n", 0, 0, "\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n"},
+        {true, "\r\n+CME ERROR: SIM busy\r\n", 0, 1, kUntouched}, {true, "\r\nERROR\r\n", 0, 1, kUntouched}, {true, nullptr, 2, 2, kUntouched},
+        {false, "\r\nOK\r\n", 0, 0, "\r\nOK\r\n"}, {false, "AT+STGR=0,0,2\r\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
+        // An error answer to a sent command is no failure of the call: the text stays unset and callers check it.
+        {false, "\r\n+CME ERROR: 4\r\n", 0, 0, kUntouched}, {false, "\r\nERROR\r\n", 0, 0, kUntouched}, {false, nullptr, 2, 2, kUntouched},
     };
     // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.result);
+    for (const auto& row : rows) {
+        const char* command = row.init ? "AT+STGI=17\r" : "AT+STGR=0,0,2\r";
+        SCOPED_TRACE(ScriptedAtFake::Printable(command) + std::to_string(row.result));
         if (row.failure != 0)
-            m_fake.ExpectFailure("AT+STGI=17\r", row.failure);
+            m_fake.ExpectFailure(command, row.failure);
+        else if (row.init)
+            ExpectFetch(command, row.answer);
         else
-            ExpectFetch("AT+STGI=17\r", row.answer);
+            m_fake.Expect(command, row.answer).WithTimeout(3000).WithoutPrefix().WithFinals(kFinals);
         std::string text = kUntouched;
-        EXPECT_EQ(m_stk.Init(text), row.result);
-        EXPECT_EQ(text, row.text);
-        m_fake.VerifyDone();
-    }
-}
-
-TEST_F(STKUtilityTest, SendCommandKeepsOnlyAnAnswerWithOk) {
-    // clang-format off
-    struct Row { const char* answer; int failure; int result; const char* text; };
-    const Row rows[] = {
-        {"\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
-        {"AT+STGR=0,0,2\r\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
-        // An error answer is no failure of the call: the text stays unset and callers check it.
-        {"\r\n+CME ERROR: 4\r\n", 0, 0, kUntouched},
-        {"\r\nERROR\r\n", 0, 0, kUntouched},
-        {nullptr, 2, 2, kUntouched},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.result);
-        if (row.failure != 0)
-            m_fake.ExpectFailure("AT+STGR=0,0,2\r", row.failure);
-        else
-            m_fake.Expect("AT+STGR=0,0,2\r", row.answer)
-                .WithTimeout(3000)
-                .WithoutPrefix()
-                .WithFinals(kFinals);
-        std::string text = kUntouched;
-        EXPECT_EQ(m_stk.SendCommand("AT+STGR=0,0,2\r", text, 3000), row.result);
-        EXPECT_EQ(text, row.text);
+        const int result = row.init ? m_stk.Init(text) : m_stk.SendCommand(command, text, 3000);
+        EXPECT_EQ(at_test::Fields(result, text), at_test::Fields(row.result, row.text));
         m_fake.VerifyDone();
     }
 }
@@ -131,26 +102,11 @@ TEST_F(STKUtilityTest, CurrentProactiveCommandIsAskedButNotReported) {
         .WithFinals(kFinals);
     int type = -7;
     std::string text = kUntouched;
-    EXPECT_EQ(m_stk.GetCurrentProactiveCommand(type, text), 0);
-    EXPECT_EQ(type, -7);
-    EXPECT_EQ(text, kUntouched);
+    const int result = m_stk.GetCurrentProactiveCommand(type, text);
+    EXPECT_EQ(at_test::Fields(result, type, text), "0|-7|untouched");
 
     m_fake.ExpectFailure("AT+STIN?\r", 2);
     EXPECT_EQ(m_stk.GetCurrentProactiveCommand(type, text), 2);
-}
-
-TEST(STKUtility, WithoutCallbackNothingRuns) {
-    CSTKUtility stk;
-    std::string text = kUntouched;
-    int type = 0;
-    EXPECT_EQ(stk.Init(text), 1);
-    EXPECT_EQ(stk.HandleReport("+STIN: 11", text), 1);
-    EXPECT_EQ(stk.SendCommand("AT+STGR=256\r", text), 1);
-    EXPECT_EQ(stk.GetCurrentProactiveCommand(type, text), 1);
-    EXPECT_EQ(text, kUntouched);
-    // The end of the dialogue needs no modem.
-    EXPECT_EQ(stk.HandleReport("+STIN: 20", text), 0);
-    EXPECT_EQ(text, "+STGI:20\r\nOK");
 }
 
 } // namespace

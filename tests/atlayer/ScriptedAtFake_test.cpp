@@ -5,7 +5,7 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
-#include "ScriptedAtFake.h"
+#include "AtTestSupport.h"
 
 namespace {
 
@@ -33,17 +33,12 @@ TEST(ScriptedAtFake, AnswersTheScriptInOrderAndRecordsEveryCall) {
     fake.ExpectFailure("AT+COPS=?\r", 2);
 
     const Sent csq = Send("AT+CSQ\r", "+CSQ: ");
-    EXPECT_EQ(csq.result, 0);
-    EXPECT_EQ(csq.response, "\r\n+CSQ: 20,99\r\n\r\nOK\r\n");
     EXPECT_EQ(fake.Remaining(), 2u);
-
     const Sent cfun = Send("AT+CFUN=1\r", nullptr, 20000);
-    EXPECT_EQ(cfun.result, 0);
-    EXPECT_EQ(cfun.response, ScriptedAtFake::kOk);
-
-    const Sent cops = Send("AT+COPS=?\r", "+COPS: ", 180000);
-    EXPECT_EQ(cops.result, 2);
-    EXPECT_EQ(cops.response, "untouched"); // a failed exchange hands back nothing
+    const Sent cops = Send("AT+COPS=?\r", "+COPS: ", 180000); // a failed exchange hands back nothing
+    EXPECT_EQ(
+        at_test::Fields(csq.result, csq.response, cfun.result, cfun.response, cops.result, cops.response),
+        at_test::Fields(0, "\r\n+CSQ: 20,99\r\n\r\nOK\r\n", 0, ScriptedAtFake::kOk, 2, "untouched"));
 
     EXPECT_TRUE(fake.Done());
     EXPECT_EQ(fake.Commands(), (std::vector<std::string>{"AT+CSQ\r", "AT+CFUN=1\r", "AT+COPS=?\r"}));
@@ -66,33 +61,18 @@ TEST(ScriptedAtFake, NewestFakeIsCurrentUntilItGoes) {
 }
 
 TEST(ScriptedAtFake, DeviationsFailTheTest) {
-    struct Row {
-        const char* name;
-        std::function<void(ScriptedAtFake&)> script;
-        std::function<void()> run;
-        const char* message;
+    // clang-format off
+    const struct { const char* name; std::function<void(ScriptedAtFake&)> script; std::function<void()> run; const char* message; } rows[] = {
+        {"other command", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); }, [] { EXPECT_EQ(Send("AT+CREG?\r").result, 1); }, "sent \"AT+CREG?\\r\", the script expects \"AT+CSQ\\r\""},
+        {"script used up", [](ScriptedAtFake&) {}, [] { EXPECT_EQ(Send("AT\r").result, 1); }, "sent after the script was used up"},
+        {"time limit", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithTimeout(1000); }, [] { Send("AT+CSQ\r", nullptr, 3000); }, "time limit 3000 ms, the script expects 1000 ms"},
+        {"missing prefix", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithPrefix("+CSQ: "); }, [] { Send("AT+CSQ\r"); }, "prefix null, the script expects \"+CSQ: \""},
+        {"unwanted prefix", [](ScriptedAtFake& f) { f.Expect("AT+CFUN=1\r").WithoutPrefix(); }, [] { Send("AT+CFUN=1\r", "+CFUN: "); }, "prefix \"+CFUN: \", the script expects null"},
+        {"final results", [](ScriptedAtFake& f) {f.Expect("AT+CMGS=20\r").WithFinals({">", "+CMS ERROR", "ERROR"}); }, [] { Send("AT+CMGS=20\r"); }, "the script expects {\">\", \"+CMS ERROR\", \"ERROR\"}"},
+        {"left over", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); }, [] { ScriptedAtFake::Callback(); }, "never sent: \"AT+CSQ\\r\""},
     };
-    const Row rows[] = {
-        {"other command", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); },
-         [] { EXPECT_EQ(Send("AT+CREG?\r").result, 1); },
-         "sent \"AT+CREG?\\r\", the script expects \"AT+CSQ\\r\""},
-        {"script used up", [](ScriptedAtFake&) {}, [] { EXPECT_EQ(Send("AT\r").result, 1); },
-         "sent after the script was used up"},
-        {"time limit", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithTimeout(1000); },
-         [] { Send("AT+CSQ\r", nullptr, 3000); }, "time limit 3000 ms, the script expects 1000 ms"},
-        {"missing prefix", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r").WithPrefix("+CSQ: "); },
-         [] { Send("AT+CSQ\r"); }, "prefix null, the script expects \"+CSQ: \""},
-        {"unwanted prefix", [](ScriptedAtFake& f) { f.Expect("AT+CFUN=1\r").WithoutPrefix(); },
-         [] { Send("AT+CFUN=1\r", "+CFUN: "); }, "prefix \"+CFUN: \", the script expects null"},
-        {"final results",
-         [](ScriptedAtFake& f) {
-             f.Expect("AT+CMGS=20\r").WithFinals({">", "+CMS ERROR", "ERROR"});
-         },
-         [] { Send("AT+CMGS=20\r"); }, "the script expects {\">\", \"+CMS ERROR\", \"ERROR\"}"},
-        {"left over", [](ScriptedAtFake& f) { f.Expect("AT+CSQ\r"); }, [] { ScriptedAtFake::Callback(); },
-         "never sent: \"AT+CSQ\\r\""},
-    };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         ScriptedAtFake fake;
         row.script(fake);

@@ -7,7 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "ScriptedAtFake.h"
+#include "AtTestSupport.h"
+#include "SmsPduVectors.h"
 #include "SmsUtility.h"
 
 namespace {
@@ -74,57 +75,31 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
     m_fake.VerifyDone();
 
     // clang-format off
-    struct Row { const char* answer; int result; int format; };
-    const Row rows[] = {
-        {"\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1},
-        {"\r\n+CMGF: 1\r\n\r\nOK\r\n", 0, 0},
+    const struct { const char* answer; int result; int format; } rows[] = {
+        {"\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, {"\r\n+CMGF: 1\r\n\r\nOK\r\n", 0, 0},
         {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, // echo on
-        {"\r\n+CMGF: 2\r\n\r\nOK\r\n", 1, -1},
-        {"\r\n+CMGF: x\r\n\r\nOK\r\n", 1, -1},
-        {"\r\nOK\r\n", 1, -1},
+        {"\r\n+CMGF: 2\r\n\r\nOK\r\n", 1, -1}, {"\r\n+CMGF: x\r\n\r\nOK\r\n", 1, -1}, {"\r\nOK\r\n", 1, -1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CMGF?\r", row.answer);
         int format = -1;
-        EXPECT_EQ(m_sms.GetMessageFormat(format), row.result);
-        EXPECT_EQ(format, row.format);
+        const int result = m_sms.GetMessageFormat(format);
+        EXPECT_EQ(at_test::Fields(result, format), at_test::Fields(row.result, row.format));
     }
-}
-
-TEST_F(SmsCommandsTest, CharacterSetNames) {
-    const std::pair<int, const char*> rows[] = {
-        {0, "GSM"},    {1, "HEX"},    {2, "IRA"},    {3, "PCCP437"}, {4, "PCDN"},    {5, "UCS2"},
-        {6, "8859-1"}, {7, "8859-C"}, {8, "8859-A"}, {9, "8859-G"},  {10, "8859-H"},
-    };
-    for (const auto& [code, name] : rows) {
-        m_fake.Expect(std::string("AT+CSCS=\"") + name + "\"\r").WithTimeout(1000).WithFinals(kCme);
-        EXPECT_EQ(m_sms.SelectTeCharacterSet(code, 437, 1), 0) << name;
-    }
-    EXPECT_EQ(m_sms.SelectTeCharacterSet(11, 437, 1), 1);
-    EXPECT_EQ(m_sms.SelectTeCharacterSet(-1, 437, 1), 1);
-    m_fake.Expect("AT+CSCS=\"PCCP037\"\r", "\r\nERROR\r\n");
-    EXPECT_EQ(m_sms.SelectTeCharacterSet(3, 37, 0), 1);
 }
 
 TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
-    struct Row {
-        const char* number;
-        const char* sent; // nullptr: refused before sending
+    // clang-format off
+    // sent: nullptr: refused before sending
+    const struct { const char* number; const char* sent; } rows[] = {
+        {"12345678901234567890", "AT+CSCA=\"12345678901234567890\",129\r"}, {"+12345678901234567890", "AT+CSCA=\"12345678901234567890\",145\r"},
+        {"123456789012345678901", nullptr}, {"+123456789012345678901", nullptr}, {"1234567890123456789012", nullptr},
+        {"+447802000332", "AT+CSCA=\"447802000332\",145\r"}, {"", nullptr}, {"+49 170 1234", nullptr}, {"12\";+CFUN=0", nullptr},
     };
-    const Row rows[] = {
-        {"12345678901234567890", "AT+CSCA=\"12345678901234567890\",129\r"},
-        {"+12345678901234567890", "AT+CSCA=\"12345678901234567890\",145\r"},
-        {"123456789012345678901", nullptr},
-        {"+123456789012345678901", nullptr},
-        {"1234567890123456789012", nullptr},
-        {"+447802000332", "AT+CSCA=\"447802000332\",145\r"},
-        {"", nullptr},
-        {"+49 170 1234", nullptr},
-        {"12\";+CFUN=0", nullptr},
-    };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.number);
         TSmsAddress address;
         std::snprintf(address.szNumber, sizeof address.szNumber, "%s", row.number);
@@ -132,7 +107,8 @@ TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
             ExpectIra();
             m_fake.Expect(row.sent).WithTimeout(1000).WithFinals(kCme);
         }
-        EXPECT_EQ(m_sms.SetServiceCentre(address), row.sent != nullptr ? 0 : CSmsUtility::kErrNotAPhoneNumber);
+        EXPECT_EQ(m_sms.SetServiceCentre(address),
+                  row.sent != nullptr ? 0 : CSmsUtility::kErrNotAPhoneNumber);
         m_fake.VerifyDone();
     }
     // No character set, no number.
@@ -146,23 +122,17 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
     // clang-format off
     // address: TMsgAddress as kept
     // number: GetServiceCentre's number
-    struct Row { const char* answer; int result; const char* address; uint32_t type; const char* number; };
-    const Row rows[] = {
+    const struct { const char* answer; int result; const char* address; uint32_t type; const char* number; } rows[] = {
         {"\r\n+CSCA: \"+447802000332\",145\r\n\r\nOK\r\n", 0, "+447802000332", 145, "+447802000332"},
         {"\r\n+CSCA: \"447802000332\",145\r\n\r\nOK\r\n", 0, "447802000332", 145, "+447802000332"},
-        {"\r\n+CSCA: \"0612345678\",129\r\n\r\nOK\r\n", 0, "0612345678", 129, "0612345678"},
-        {"\r\n+CSCA: \"\",145\r\n\r\nOK\r\n", 0, "", 129, ""},
-        {"\r\n+CSCA: \"+3165\"\r\n\r\nOK\r\n", 0, "+3165", 145, "+3165"},
-        {"\r\n+CSCA: \"3165\"\r\n\r\nOK\r\n", 0, "3165", 129, "3165"},
-        {"\r\n+CSCA: \"123456789012345678901\",129\r\n\r\nOK\r\n", 0, "123456789012345678901", 129,
-         "123456789012345678901"},
-        {"\r\n+CSCA: \"1234567890123456789012\",129\r\n\r\nOK\r\n", 1, "", 0, ""},
-        {"\r\n+CSCA: \"+3165\",\r\n\r\nOK\r\n", 1, "", 0, ""},
-        {"\r\n+CSCA: \"+3165\r\n\r\nOK\r\n", 1, "", 0, ""},
-        {"\r\nOK\r\n", 1, "", 0, ""},
+        {"\r\n+CSCA: \"0612345678\",129\r\n\r\nOK\r\n", 0, "0612345678", 129, "0612345678"}, {"\r\n+CSCA: \"\",145\r\n\r\nOK\r\n", 0, "", 129, ""},
+        {"\r\n+CSCA: \"+3165\"\r\n\r\nOK\r\n", 0, "+3165", 145, "+3165"}, {"\r\n+CSCA: \"3165\"\r\n\r\nOK\r\n", 0, "3165", 129, "3165"},
+        {"\r\n+CSCA: \"123456789012345678901\",129\r\n\r\nOK\r\n", 0, "123456789012345678901", 129, "123456789012345678901"},
+        {"\r\n+CSCA: \"1234567890123456789012\",129\r\n\r\nOK\r\n", 1, "", 0, ""}, {"\r\n+CSCA: \"+3165\",\r\n\r\nOK\r\n", 1, "", 0, ""},
+        {"\r\n+CSCA: \"+3165\r\n\r\nOK\r\n", 1, "", 0, ""}, {"\r\nOK\r\n", 1, "", 0, ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         ExpectIra();
         m_fake.Expect("AT+CSCA?\r", row.answer).WithTimeout(1000).WithFinals(kCme);
@@ -191,9 +161,7 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
     int mem1 = -1, mem2 = -1, mem3 = -1;
     ExpectStorages(kMeSmSm);
     ASSERT_EQ(m_sms.GetPreferredMessageStorage(mem1, mem2, mem3), 0);
-    EXPECT_EQ(mem1, 1);
-    EXPECT_EQ(mem2, 3);
-    EXPECT_EQ(mem3, 3);
+    EXPECT_EQ(at_test::Fields(mem1, mem2, mem3), "1|3|3");
     for (const char* broken : {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n",
                                "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",x,20\r\n\r\nOK\r\n",
                                "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n", "\r\nOK\r\n"}) {
@@ -203,20 +171,14 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
     m_fake.VerifyDone();
 
     // The receive storage is rewritten only when it differs; the first two stay.
-    struct Row {
-        int storage;
-        const char* current;
-        const char* rewrite; // nullptr: nothing written
-        int reported;        // GetPreferredStorage afterwards
+    // clang-format off
+    // rewrite: nullptr: nothing written; reported: GetPreferredStorage afterwards
+    const struct { int storage; const char* current; const char* rewrite; int reported; } rows[] = {
+        {1, kMeSmSm, nullptr, 1}, {2, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2}, {4, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2},
+        {1, kMeMeMe, "AT+CPMS=\"ME\",\"ME\",\"SM\"\r", 1}, {2, kMeMeMe, nullptr, 2},
     };
-    const Row rows[] = {
-        {1, kMeSmSm, nullptr, 1},
-        {2, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2},
-        {4, kMeSmSm, "AT+CPMS=\"ME\",\"SM\",\"ME\"\r", 2},
-        {1, kMeMeMe, "AT+CPMS=\"ME\",\"ME\",\"SM\"\r", 1},
-        {2, kMeMeMe, nullptr, 2},
-    };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.storage);
         ExpectStorages(row.current);
         if (row.rewrite != nullptr)
@@ -224,13 +186,12 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
         EXPECT_EQ(m_sms.SetPreferredStorage(row.storage), 0);
         m_fake.VerifyDone();
     }
-    ExpectStorages(kMeSmSm);
-    int storage = 0;
-    ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
-    EXPECT_EQ(storage, 1);
-    ExpectStorages(kMeMeMe);
-    ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
-    EXPECT_EQ(storage, 2);
+    for (const auto& [answer, expected] : {std::pair{kMeSmSm, 1}, {kMeMeMe, 2}}) {
+        ExpectStorages(answer);
+        int storage = 0;
+        ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
+        EXPECT_EQ(storage, expected);
+    }
 
     // A failed exchange is 2 whatever the lower layer said; a refusal is 1.
     m_fake.ExpectFailure("AT+CPMS=\"SM\",\"SM\",\"\"\r", 30);
@@ -244,18 +205,17 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
 }
 
 TEST_F(SmsCommandsTest, StorageState) {
-    m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7,100,3,20,3,20\r\n\r\nOK\r\n")
-        .WithTimeout(1000)
-        .WithFinals(kCms);
-    m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,7,100,3,20\r\n\r\nOK\r\n")
-        .WithTimeout(1000)
-        .WithFinals(kCms);
+    for (const char* storage : {"ME", "SM"}) {
+        const std::string counts = storage[0] == 'M' ? "7,100,3,20" : "3,20,7,100";
+        m_fake
+            .Expect(std::string("AT+CPMS=\"") + storage + "\"\r",
+                    at_test::Answer("+CPMS: " + counts + ",3,20"))
+            .WithTimeout(1000)
+            .WithFinals(kCms);
+    }
     TSmsStorageState state;
     ASSERT_EQ(m_sms.GetStorageState(state), 0);
-    EXPECT_EQ(state.nMeUsed, 7);
-    EXPECT_EQ(state.nMeTotal, 100);
-    EXPECT_EQ(state.nSimUsed, 3);
-    EXPECT_EQ(state.nSimTotal, 20);
+    EXPECT_EQ(at_test::Fields(state.nMeUsed, state.nMeTotal, state.nSimUsed, state.nSimTotal), "7|100|3|20");
 
     m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7\r\n\r\nOK\r\n");
     EXPECT_EQ(m_sms.GetStorageState(state), 1);
@@ -271,10 +231,7 @@ TEST_F(SmsCommandsTest, DeleteRemovesATableItemOnlyWhenTheModemDidDelete) {
     item.nStorage = SMS_STORAGE_SIM;
     item.nIndex = 5;
     item.nStatus = SMS_STATUS_READ;
-    ASSERT_EQ(
-        CSmsUtility::DecodePduData("07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37",
-                                   28, item.pduData),
-        0);
+    ASSERT_EQ(CSmsUtility::DecodePduData(sms_test::kDecodeRows[2].hex, 28, item.pduData), 0); // "hellohello"
     bool added = false, deleted = false, replaced = false;
     uint32_t id = 0;
     ASSERT_EQ(m_sms.AddMsgItemToListTable(item, added, id, deleted, replaced, false), 0);
@@ -337,18 +294,15 @@ TEST_F(SmsSendTest, TextModeSendsNothingAndSucceeds) {
 }
 
 TEST_F(SmsSendTest, OnlyNetworkError500IsRetriedOnce) {
-    struct Row {
-        const char* what;
-        std::vector<const char*> answers; // to the PDU, one per attempt
-        int result;
-    };
-    const Row rows[] = {
+    // clang-format off
+    // answers: to the PDU, one per attempt
+    const struct { const char* what; std::vector<const char*> answers; int result; } rows[] = {
         {"500 then sent", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMGS: 7\r\n\r\nOK\r\n"}, 0},
-        {"500 twice", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMS ERROR: 500\r\n"}, 1},
-        {"other error", {"\r\n+CMS ERROR: 38\r\n"}, 1},
+        {"500 twice", {"\r\n+CMS ERROR: 500\r\n", "\r\n+CMS ERROR: 500\r\n"}, 1}, {"other error", {"\r\n+CMS ERROR: 38\r\n"}, 1},
         {"OK without +CMGS", {"\r\nOK\r\n"}, 1},
     };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         // A retry sends the same PDU, message reference included.
         const std::string pdu = ExpectedPdu();

@@ -12,10 +12,13 @@
 
 #include <gtest/gtest.h>
 
+#include "AtTestSupport.h"
 #include "SmsPduVectors.h"
 #include "SmsUtility.h"
 
 namespace {
+
+using at_test::Hex;
 
 constexpr const char* kPython = "/usr/bin/python3";
 
@@ -93,16 +96,6 @@ std::vector<std::vector<std::string>> RunGammu(const std::vector<std::string>& p
     std::remove(input.c_str());
     rmdir(dir);
     return rows;
-}
-
-std::string Hex(const uint8_t* data, int count) {
-    static const char* const digits = "0123456789ABCDEF";
-    std::string hex;
-    for (int i = 0; i < count; ++i) {
-        hex += digits[data[i] >> 4];
-        hex += digits[data[i] & 0x0F];
-    }
-    return hex;
 }
 
 // Our decoding of one PDU in the form the script prints.

@@ -4,11 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "ScriptedAtFake.h"
+#include "AtTestSupport.h"
 #include "SmsPduVectors.h"
 #include "SmsUtility.h"
 
 namespace {
+
+using at_test::Fields;
 
 // One stored SMS-DELIVER as AT+CMGL would list it.
 struct Stored {
@@ -96,23 +98,16 @@ TEST(SmsMessageTable, SegmentsMergeInSequenceOrder) {
         ids.push_back(id);
         if (sequence == 2) {
             const TSmsListItem first = Merged(sms.MessageTable()).at(0);
-            EXPECT_EQ(first.nCompleted, 0);
-            EXPECT_EQ(first.nExpected, 3);
-            EXPECT_EQ(first.nReceived, 1);
+            EXPECT_EQ(Fields(first.nCompleted, first.nExpected, first.nReceived), "0|3|1");
         }
     }
     EXPECT_EQ(ids, std::vector<uint32_t>(3, ids[0]));
     const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
     ASSERT_EQ(merged.size(), 1u);
-    EXPECT_EQ(merged[0].wstrContent, L"1,2,3,");
-    EXPECT_EQ(merged[0].nCompleted, 1);
-    EXPECT_EQ(merged[0].nReceived, 3);
-    EXPECT_EQ(merged[0].nTotal, 3);
-    EXPECT_EQ(merged[0].nReference, 7);
-    EXPECT_EQ(merged[0].nRef, static_cast<int32_t>(ids[0]));
-    EXPECT_STREQ(merged[0].szNumber, "+4917012345678");
-    EXPECT_EQ(merged[0].dateTime.nYear, 2012);
-    EXPECT_EQ(merged[0].dateTime.nHour, 11);
+    const TSmsListItem& m = merged[0];
+    EXPECT_EQ(Fields(m.wstrContent, m.nCompleted, m.nReceived, m.nTotal, m.nReference, m.nRef, m.szNumber,
+                     m.dateTime.nYear, m.dateTime.nHour),
+              Fields(L"1,2,3,", 1, 3, 3, 7, ids[0], "+4917012345678", 2012, 11));
 }
 
 // Which segments join an existing message, which open another, and which are refused as duplicates.
@@ -120,8 +115,7 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
     const Stored first{.index = 1, .reference = 9, .total = 2, .sequence = 1};
     // clang-format off
     // items: table items afterwards
-    struct Row { const char* what; Stored segment; int result; std::size_t items; };
-    const Row rows[] = {
+    const struct { const char* what; Stored segment; int result; std::size_t items; } rows[] = {
         {"the same segment read again", first, 1, 1},
         {"the same part under another index", {.index = 2, .reference = 9, .total = 2, .sequence = 1}, 0, 2},
         {"same reference, another total", {.index = 3, .reference = 9, .total = 3, .sequence = 2}, 0, 2},
@@ -131,7 +125,7 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
         {"the missing part", {.index = 6, .reference = 9, .total = 2, .sequence = 2}, 0, 1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         CSmsUtility sms;
         ASSERT_EQ(Add(sms, first).first, 0);
@@ -139,10 +133,8 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
         uint32_t id = 0;
         EXPECT_EQ(sms.AddMsgItemToListTable(Deliver(row.segment), added, id, deleted, replaced, false),
                   row.result);
-        EXPECT_EQ(added, row.result == 0);
-        EXPECT_FALSE(deleted);
-        EXPECT_FALSE(replaced);
-        EXPECT_EQ(sms.MessageTable().size(), row.items);
+        EXPECT_EQ(Fields(added, deleted, replaced, sms.MessageTable().size()),
+                  Fields(row.result == 0, false, false, row.items));
         EXPECT_EQ(sms.MessageTable().front().packets.size(), row.items == 1 && row.result == 0 ? 2u : 1u);
     }
 
@@ -154,9 +146,7 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
     EXPECT_EQ(Add(sms, {.index = 5}).first, 0);
     EXPECT_EQ(sms.MessageTable().size(), 3u);
     const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
-    EXPECT_EQ(merged[0].nCompleted, 1);
-    EXPECT_EQ(merged[0].nExpected, 1);
-    EXPECT_EQ(merged[0].nTotal, 1);
+    EXPECT_EQ(Fields(merged[0].nCompleted, merged[0].nExpected, merged[0].nTotal), "1|1|1");
     EXPECT_NE(merged[0].nRef, merged[1].nRef);
 }
 
@@ -164,15 +154,11 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
 TEST(SmsMessageTable, GroupsOfTen) {
     // clang-format off
     // missing: 0: none
-    struct Row { int total; int missing; std::vector<int> expected; std::vector<int> received; };
-    const Row rows[] = {
-        {12, 0, {10, 2}, {10, 2}},
-        {25, 17, {10, 10, 5}, {10, 9, 5}},
-        {10, 0, {10}, {10}},
-        {11, 11, {10}, {10}},
+    const struct { int total; int missing; std::vector<int> expected; std::vector<int> received; } rows[] = {
+        {12, 0, {10, 2}, {10, 2}}, {25, 17, {10, 10, 5}, {10, 9, 5}}, {10, 0, {10}, {10}}, {11, 11, {10}, {10}},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.total);
         CSmsUtility sms;
         for (int sequence = 1; sequence <= row.total; ++sequence) {
@@ -189,11 +175,11 @@ TEST(SmsMessageTable, GroupsOfTen) {
         const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
         ASSERT_EQ(merged.size(), row.expected.size());
         for (std::size_t group = 0; group < merged.size(); ++group) {
-            EXPECT_EQ(merged[group].nExpected, row.expected[group]) << "group " << group;
-            EXPECT_EQ(merged[group].nReceived, row.received[group]) << "group " << group;
-            EXPECT_EQ(merged[group].nCompleted, row.expected[group] == row.received[group])
+            const TSmsListItem& m = merged[group];
+            EXPECT_EQ(Fields(m.nExpected, m.nReceived, m.nCompleted, m.nTotal),
+                      Fields(row.expected[group], row.received[group],
+                             row.expected[group] == row.received[group], row.total))
                 << "group " << group;
-            EXPECT_EQ(merged[group].nTotal, row.total);
             std::wstring text;
             const int first = static_cast<int>(group) * 10 + 1;
             for (int sequence = first; sequence < first + row.expected[group]; ++sequence)
@@ -216,8 +202,7 @@ TEST(SmsMessageTable, UnreadOrUnsentStatusWins) {
 TEST(SmsMessageTable, ReplaceMessages) {
     const Stored old{.index = 3, .text = L"old", .pid = 0x41, .time = "120102100000"};
     // clang-format off
-    struct Row { const char* what; Stored incoming; bool deleteOnRead; bool deletes; const char* deleteAnswer; bool replaced; };
-    const Row rows[] = {
+    const struct { const char* what; Stored incoming; bool deleteOnRead; bool deletes; const char* deleteAnswer; bool replaced; } rows[] = {
         // One field smaller makes the stored one older, even when an earlier field is larger.
         {"newer by the hour", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120101110000"}, true, true, ScriptedAtFake::kOk, true},
         {"same time", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "120102100000"}, true, false, nullptr, false},
@@ -227,7 +212,7 @@ TEST(SmsMessageTable, ReplaceMessages) {
         {"deletion refused", {.index = 4, .status = 0, .text = L"new", .pid = 0x41, .time = "130101000000"}, true, true, "\r\n+CMS ERROR: 321\r\n", false},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         CSmsUtility sms;
         sms.RegisterExecAT(ScriptedAtFake::Callback());
@@ -240,24 +225,20 @@ TEST(SmsMessageTable, ReplaceMessages) {
         ASSERT_EQ(
             sms.AddMsgItemToListTable(Deliver(row.incoming), added, id, deleted, replaced, row.deleteOnRead),
             0);
-        EXPECT_TRUE(added);
-        EXPECT_FALSE(deleted);
-        EXPECT_EQ(replaced, row.replaced);
+        EXPECT_EQ(Fields(added, deleted, replaced), Fields(true, false, row.replaced));
         const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
         if (row.replaced) {
             EXPECT_EQ(id, oldId);
             ASSERT_EQ(merged.size(), 1u);
-            EXPECT_EQ(merged[0].wstrContent, L"new");
-            EXPECT_EQ(merged[0].nTag, SMS_STATUS_UNREAD);
-            EXPECT_EQ(merged[0].dateTime.nDay, 1);
-            EXPECT_EQ(merged[0].nCompleted, 1);
+            EXPECT_EQ(
+                Fields(merged[0].wstrContent, merged[0].nTag, merged[0].dateTime.nDay, merged[0].nCompleted),
+                Fields(L"new", SMS_STATUS_UNREAD, 1, 1));
             ASSERT_EQ(sms.MessageTable().front().packets.size(), 1u);
             EXPECT_EQ(sms.MessageTable().front().packets.front().nIndex, 4u);
         } else {
             EXPECT_NE(id, oldId);
             ASSERT_EQ(merged.size(), 2u);
-            EXPECT_EQ(merged[0].wstrContent, L"old");
-            EXPECT_EQ(merged[1].wstrContent, L"new");
+            EXPECT_EQ(Fields(merged[0].wstrContent, merged[1].wstrContent), Fields(L"old", L"new"));
         }
     }
 }
@@ -272,9 +253,7 @@ TEST(SmsMessageTable, FlashMessages) {
     Stored read = flash;
     read.status = SMS_STATUS_READ;
     const Row rows[] = {
-        {"new flash message", flash, true, 0, true},
-        {"listed, not new", flash, false, -1, false},
-        {"already read", read, true, -1, false},
+        {"new flash message", flash, true, 0, true}, {"listed, not new", flash, false, -1, false}, {"already read", read, true, -1, false},
         {"storage not selectable", flash, true, 2, false},
     };
     // clang-format on
@@ -292,12 +271,10 @@ TEST(SmsMessageTable, FlashMessages) {
         ASSERT_EQ(
             sms.AddMsgItemToListTable(Deliver(row.message), added, id, deleted, replaced, row.deleteOnRead),
             0);
-        EXPECT_EQ(deleted, row.deleted);
-        EXPECT_EQ(sms.DeletedTable().size(), row.deleted ? 1u : 0u);
-        EXPECT_EQ(sms.MessageTable().size(), row.deleted ? 0u : 1u);
         const auto& table = row.deleted ? sms.DeletedTable() : sms.MessageTable();
-        EXPECT_EQ(table.front().nId, id);
-        EXPECT_EQ(table.front().nClass, 0);
+        EXPECT_EQ(Fields(deleted, sms.DeletedTable().size(), sms.MessageTable().size(), table.front().nId,
+                         table.front().nClass),
+                  Fields(row.deleted, row.deleted ? 1 : 0, row.deleted ? 0 : 1, id, 0));
     }
 }
 
@@ -335,11 +312,8 @@ TEST(SmsMessageTable, DataMessagesAreDeletedNotListed) {
     EXPECT_EQ(sms.AddMsgItemToListTable(Deliver({.storage = SMS_STORAGE_PC, .index = 9, .dcs = 0x04}), added,
                                         id, deleted, replaced, false),
               0);
-    EXPECT_FALSE(added);
-    EXPECT_EQ(pc.imsi, "262011234567890");
-    EXPECT_EQ(pc.indexes, std::vector<int>{9});
-    EXPECT_TRUE(sms.MessageTable().empty());
-    EXPECT_TRUE(sms.DeletedTable().empty());
+    EXPECT_EQ(Fields(added, pc.imsi, pc.indexes, sms.MessageTable().size(), sms.DeletedTable().size()),
+              Fields(false, "262011234567890", std::vector<int>{9}, 0, 0));
 }
 
 // Two parts of a real message, read out of order, make one text.
@@ -357,9 +331,8 @@ TEST(SmsMessageTable, RealConcatenatedPdus) {
     }
     const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
     ASSERT_EQ(merged.size(), 1u);
-    EXPECT_EQ(merged[0].wstrContent, sms_test::kDecodeRows[5].text + sms_test::kDecodeRows[6].text);
-    EXPECT_EQ(merged[0].nCompleted, 1);
-    EXPECT_STREQ(merged[0].szNumber, "+16175046925");
+    EXPECT_EQ(Fields(merged[0].wstrContent, merged[0].nCompleted, merged[0].szNumber),
+              Fields(sms_test::kDecodeRows[5].text + sms_test::kDecodeRows[6].text, 1, "+16175046925"));
 }
 
 TEST(SmsMessageTable, StatusReportsAndSubmitsAsPackets) {
@@ -370,19 +343,15 @@ TEST(SmsMessageTable, StatusReportsAndSubmitsAsPackets) {
     ASSERT_EQ(CSmsUtility::DecodePduData(report.hex, report.tpduLength, item.pduData), 0);
     TMsgPacket packet;
     CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
-    EXPECT_EQ(packet.nTpduType, SMS_TPDU_STATUS_REPORT);
-    EXPECT_EQ(packet.nStatusReportStatus, 0x30u);
-    EXPECT_EQ(packet.nClass, kSmsNoClass);
-    EXPECT_EQ(packet.dateTime.nMinute, 40);
+    EXPECT_EQ(Fields(packet.nTpduType, packet.nStatusReportStatus, packet.nClass, packet.dateTime.nMinute),
+              Fields(SMS_TPDU_STATUS_REPORT, 0x30, kSmsNoClass, 40));
 
     const sms_test::PduRow& submit = sms_test::kDecodeRows[8];
     ASSERT_EQ(CSmsUtility::DecodePduData(submit.hex, submit.tpduLength, item.pduData), 0);
     CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
-    EXPECT_EQ(packet.nTpduType, SMS_TPDU_SUBMIT);
-    EXPECT_EQ(packet.nStatusReportStatus, kSmsNoReportStatus);
-    EXPECT_EQ(packet.dateTime.bValid, 0);
-    EXPECT_EQ(packet.nIndex, 5u);
-    EXPECT_EQ(packet.nStorage, SMS_STORAGE_MODEM);
+    EXPECT_EQ(Fields(packet.nTpduType, packet.nStatusReportStatus, packet.dateTime.bValid, packet.nIndex,
+                     packet.nStorage),
+              Fields(SMS_TPDU_SUBMIT, kSmsNoReportStatus, 0, 5, SMS_STORAGE_MODEM));
 }
 
 } // namespace

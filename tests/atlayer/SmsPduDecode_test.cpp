@@ -4,48 +4,38 @@
 
 #include <gtest/gtest.h>
 
+#include "AtTestSupport.h"
 #include "SmsPduVectors.h"
 #include "SmsUtility.h"
 
 namespace {
 
+using at_test::Fields;
+using at_test::FromHex;
 using sms_test::kDecodeRows;
 using sms_test::PduRow;
-
-std::vector<uint8_t> FromHex(const std::string& hex) {
-    std::vector<uint8_t> octets;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
-        octets.push_back(static_cast<uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-    return octets;
-}
 
 TEST(SmsPduDecode, RealPdusDecodeToTheirFields) {
     for (const PduRow& row : kDecodeRows) {
         SCOPED_TRACE(row.name);
         TPduData pdu;
         ASSERT_EQ(CSmsUtility::DecodePduData(row.hex, row.tpduLength, pdu), 0);
-        EXPECT_EQ(pdu.tpdu.nTpduType, row.type);
-        EXPECT_STREQ(pdu.serviceCentre.szAddress, row.serviceCentre);
-        EXPECT_EQ(pdu.serviceCentre.nType, row.serviceCentreType);
-
+        EXPECT_EQ(Fields(pdu.tpdu.nTpduType, pdu.serviceCentre.szAddress, pdu.serviceCentre.nType),
+                  Fields(row.type, row.serviceCentre, row.serviceCentreType));
         TMessageListItem item;
         item.pduData = pdu;
         TMsgPacket packet;
         CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
-        EXPECT_STREQ(packet.szNumber, row.number);
         EXPECT_EQ(packet.wstrContent, row.text);
-        EXPECT_EQ(packet.nClass, row.messageClass);
-        EXPECT_EQ(packet.bHasHeader, row.total != 0);
-        EXPECT_EQ(packet.nReference, row.reference);
-        EXPECT_EQ(packet.nTotal, row.total);
-        EXPECT_EQ(packet.nSequence, row.sequence);
+        EXPECT_EQ(
+            Fields(packet.szNumber, packet.nClass, packet.bHasHeader, packet.nReference, packet.nTotal,
+                   packet.nSequence),
+            Fields(row.number, row.messageClass, row.total != 0, row.reference, row.total, row.sequence));
         const TSmsDateTime& t = packet.dateTime;
         char stamp[32];
         std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d", t.nYear, t.nMonth, t.nDay,
                       t.nHour, t.nMinute, t.nSecond);
-        if (row.type != SMS_TPDU_SUBMIT) {
-            EXPECT_EQ(std::string(stamp), row.time);
-        }
+        EXPECT_EQ(row.type == SMS_TPDU_SUBMIT ? row.time : stamp, std::string(row.time));
     }
 }
 
@@ -55,16 +45,11 @@ TEST(SmsPduDecode, FieldsOfEachTpduType) {
     ASSERT_EQ(CSmsUtility::DecodePduData("07914356060013F1065A098136397339F7219011700463802190117004638030",
                                          24, pdu),
               0);
-    const TTpduStatusReport& report = pdu.tpdu.statusReport;
-    EXPECT_EQ(report.nMti, 2);
-    EXPECT_EQ(report.bMoreMessagesToSend, 1);
-    EXPECT_EQ(report.nMessageRef, 0x5A);
-    EXPECT_EQ(report.nStatus, 0x30);
-    EXPECT_EQ(report.recipient.nType, 0x01u);
-    EXPECT_EQ(report.timeStamp.nTimeZone, 8);
-    EXPECT_EQ(report.dischargeTime.nMinute, 0x40);
-    EXPECT_EQ(report.nParameterIndicator, 0);
-    EXPECT_EQ(report.userData.nLength, 0u);
+    const TTpduStatusReport& r = pdu.tpdu.statusReport;
+    EXPECT_EQ(Fields(r.nMti, r.bMoreMessagesToSend, r.nMessageRef, r.nStatus, r.recipient.nType,
+                     r.timeStamp.nTimeZone, r.dischargeTime.nMinute, r.nParameterIndicator,
+                     r.userData.nLength),
+              Fields(2, 1, 0x5A, 0x30, 1, 8, 0x40, 0, 0));
 
     // A submit stored by a phone: status report requested, no validity period, UCS2.
     ASSERT_EQ(
@@ -72,35 +57,28 @@ TEST(SmsPduDecode, FieldsOfEachTpduType) {
             "002100098136397339F70008224F60597D4F60597D4F60597D4F60597D4F60597D4F60597D4F60597D4F60597D4F60",
             46, pdu),
         0);
-    const TTpduSubmit& submit = pdu.tpdu.submit;
-    EXPECT_EQ(submit.bStatusReportRequest, 1);
-    EXPECT_EQ(submit.nVpf, 0);
-    EXPECT_EQ(submit.nMessageRef, 0);
-    EXPECT_EQ(submit.nDcs, 8);
-    EXPECT_EQ(submit.nUdl, 34);
-    EXPECT_EQ(submit.userData.nLength, 34u);
+    const TTpduSubmit& s = pdu.tpdu.submit;
+    EXPECT_EQ(Fields(s.bStatusReportRequest, s.nVpf, s.nMessageRef, s.nDcs, s.nUdl, s.userData.nLength),
+              "1|0|0|8|34|34");
 
     // A deliver with reply path, status report indication and a 16-bit concatenation element.
     ASSERT_EQ(CSmsUtility::DecodePduData(sms_test::kKpnWelcome, 155, pdu), 0);
-    const TTpduDeliver& deliver = pdu.tpdu.deliver;
-    EXPECT_EQ(deliver.bUdhi, 1);
-    EXPECT_EQ(deliver.nUdl, 160);
-    EXPECT_EQ(deliver.userData.nLength, 152u); // 160 septets less the 7-octet header, no fill bits
-    EXPECT_EQ(deliver.originating.nType, 0x05u);
+    // 160 septets less the 7-octet header, no fill bits
+    const TTpduDeliver& d = pdu.tpdu.deliver;
+    EXPECT_EQ(Fields(d.bUdhi, d.nUdl, d.userData.nLength, d.originating.nType), "1|160|152|5");
 }
 
 // The submit's validity period in each format: none, relative, absolute, enhanced (not interpreted).
 TEST(SmsPduDecode, SubmitValidityPeriodFormats) {
     // clang-format off
-    struct Row { const char* tpdu; int nVpf; TMsgTimeStamp period; };
-    const Row rows[] = {
+    const struct { const char* tpdu; int nVpf; TMsgTimeStamp period; } rows[] = {
         {"0100038121F30000" "02C834", 0, {}},
         {"1100038121F30000AA" "02C834", 2, {0, 0x00, 0x04, 0, 0, 0, 0}}, // 170: four days
         {"1900038121F30000" "1110102143652B" "02C834", 3, {0x11, 0x01, 0x01, 0x12, 0x34, 0x56, -32}},
         {"0900038121F30000" "01020304050607" "02C834", 1, {}},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.tpdu);
         TTpduData tpdu;
         ASSERT_EQ(CSmsUtility::DecodeTpduData(row.tpdu, static_cast<int>(std::strlen(row.tpdu)) / 2, tpdu),
@@ -119,21 +97,20 @@ TEST(SmsPduDecode, StatusReportOptionalFields) {
     const std::string base = "065A098136397339F72190117004638021901170046380"
                              "30";
     // clang-format off
-    struct Row { std::string tail; int result; int pid; std::wstring text; };
-    const Row rows[] = {
+    const struct { std::string tail; int result; int pid; std::wstring text; } rows[] = {
         {"", 0, 0, L""},
-        {"0405E8329BFD06", 0, 0, L"hello"},        // TP-PI: UDL
+        {"0405E8329BFD06", 0, 0, L"hello"}, // TP-PI: UDL
         {"07410005E8329BFD06", 0, 0x41, L"hello"}, // TP-PI: PID, DCS, UDL
-        {"0341", 1, 0x41, L""},                    // the DCS announced is missing
-        {"00", 1, 0, L""},                         // an indicator with nothing after it is refused
-        {"0100", 1, 0, L""},                       // PID as the last octet
-        {"0200", 1, 0, L""},                       // DCS as the last octet
-        {"020000", 0, 0, L""},                     // DCS, and no UDL announced
-        {"0405", 1, 0, L""},                       // UDL as the last octet
+        {"0341", 1, 0x41, L""}, // the DCS announced is missing
+        {"00", 1, 0, L""}, // an indicator with nothing after it is refused
+        {"0100", 1, 0, L""}, // PID as the last octet
+        {"0200", 1, 0, L""}, // DCS as the last octet
+        {"020000", 0, 0, L""}, // DCS, and no UDL announced
+        {"0405", 1, 0, L""}, // UDL as the last octet
         {"054005E8329BFD06", 0, 0x40, L"hello"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.tail);
         const std::string hex = base + row.tail;
         TTpduData tpdu;
@@ -152,25 +129,21 @@ TEST(SmsPduDecode, StatusReportOptionalFields) {
 TEST(SmsPduDecode, ServiceCentreRules) {
     const std::string tpdu = "040B918100551512F20000111010214365000AE8329BFD4697D9EC37";
     // clang-format off
-    struct Row { std::string prefix; int result; const char* address; uint32_t type; };
-    const Row rows[] = {
+    const struct { std::string prefix; int result; const char* address; uint32_t type; } rows[] = {
         {"00", 0, "", 0},
-        {"0191", 0, "", 1},                        // type alone
+        {"0191", 0, "", 1}, // type alone
         {"07912143658709F1", 0, "12345678901", 1}, // "91" keeps only its second digit
         {"17912143658709F1", 0, "12345678901", 1}, // so does the length: "17" reads as 7
-        {"07A12143658709F1", 0, "12345678901", 1},
-        {"07812143658709F1", 0, "12345678901", 1},
-        {"06912143658709", 0, "1234567890", 1},
+        {"07A12143658709F1", 0, "12345678901", 1}, {"07812143658709F1", 0, "12345678901", 1}, {"06912143658709", 0, "1234567890", 1},
         {"07912143658709f1", 0, "12345678901f", 1}, // only an upper-case F pads
-        {"079121436587F9F1", 1, "", 0},             // F before the last pair
-        {"079121436587091F", 1, "", 0},             // F as the second digit of a pair
-        {"0C912143658709214365870921", 1, "", 0},   // more than 11 octets
-        {"079121436587G9F1", 1, "", 0},
-        {"0G", 1, "", 0},
+        {"079121436587F9F1", 1, "", 0}, // F before the last pair
+        {"079121436587091F", 1, "", 0}, // F as the second digit of a pair
+        {"0C912143658709214365870921", 1, "", 0}, // more than 11 octets
+        {"079121436587G9F1", 1, "", 0}, {"0G", 1, "", 0},
         {"0791", 1, "", 0}, // the digits are missing: the TPDU does not start where it should
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.prefix);
         const std::string hex = row.prefix + tpdu;
         TPduData pdu;
@@ -191,54 +164,45 @@ TEST(SmsPduDecode, ServiceCentreRules) {
 
 TEST(SmsPduDecode, Addresses) {
     // clang-format off
-    struct Row { const char* hex; int used; uint32_t type; std::string text; };
-    const Row rows[] = {
-        {"0B916407281553F8", 8, 0x11, "46708251358"},
-        {"04818100", 4, 0x01, "1800"},
+    const struct { const char* hex; int used; uint32_t type; std::string text; } rows[] = {
+        {"0B916407281553F8", 8, 0x11, "46708251358"}, {"04818100", 4, 0x01, "1800"},
         {"0681BADCFE", 5, 0x01, ":;<=>"}, // nibbles 10-14 are written as they come
-        {"02811F", 3, 0x01, "?1"},        // so is a low nibble F
-        {"0581F12143", 5, 0x01, "1"},     // a high nibble F ends the number early
-        {"0BD0C7F7FBCC2E03", 8, 0x50, "Google"},
-        {"0CD0C7F7FBCC2E03", 8, 0x50, "Google"},
-        {"14D04937BD2C7797E9D3E614", 12, 0x50, "InternetSMS"},
+        {"02811F", 3, 0x01, "?1"}, // so is a low nibble F
+        {"0581F12143", 5, 0x01, "1"}, // a high nibble F ends the number early
+        {"0BD0C7F7FBCC2E03", 8, 0x50, "Google"}, {"0CD0C7F7FBCC2E03", 8, 0x50, "Google"}, {"14D04937BD2C7797E9D3E614", 12, 0x50, "InternetSMS"},
         {"06D0490019", 5, 0x50, "I"}, // raw codes: the "@" (0x00) of "I@d" ends the text
         {"0091", 2, 0x11, ""},
         {"159111111111111111111111F1", 13, 0x11, "111111111111111111111"}, // 21 digits, the most
+        // 22 digits, or digits beyond the octets given, fail.
+        {"1691111111111111111111111111", 0, 0, ""}, {"0B916407281553", 0, 0, ""}, {"0B", 0, 0, ""}, {"", 0, 0, ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
         TMsgAddress address;
         ASSERT_EQ(CSmsUtility::DecodeTpduAddress(octets.data(), static_cast<int>(octets.size()), address),
                   row.used);
-        EXPECT_EQ(address.nType, row.type);
-        EXPECT_EQ(std::string(address.szAddress), row.text.c_str());
-    }
-    // 22 digits, or digits beyond the octets given, fail.
-    for (const char* hex : {"1691111111111111111111111111", "0B916407281553", "0B", ""}) {
-        SCOPED_TRACE(hex);
-        const std::vector<uint8_t> octets = FromHex(hex);
-        TMsgAddress address;
-        EXPECT_EQ(CSmsUtility::DecodeTpduAddress(octets.data(), static_cast<int>(octets.size()), address), 0);
+        if (row.used != 0) {
+            EXPECT_EQ(Fields(address.nType, address.szAddress), Fields(row.type, row.text));
+        }
     }
 }
 
 TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
     // clang-format off
-    struct Row { const char* hex; TSmsDateTime expected; int zone; };
-    const Row rows[] = {
+    const struct { const char* hex; TSmsDateTime expected; int zone; } rows[] = {
         {"11208211050561", {2011, 2, 28, 11, 50, 50, 1}, 16},
-        {"1120821105050A", {2011, 2, 28, 11, 50, 50, 1}, -20},   // -05:00
-        {"21405291650569", {2012, 4, 25, 19, 56, 50, 1}, -16},   // -04:00
-        {"99903021436549", {1999, 9, 3, 12, 34, 56, 1}, -14},    // -03:30, year 99 is 1999
+        {"1120821105050A", {2011, 2, 28, 11, 50, 50, 1}, -20}, // -05:00
+        {"21405291650569", {2012, 4, 25, 19, 56, 50, 1}, -16}, // -04:00
+        {"99903021436549", {1999, 9, 3, 12, 34, 56, 1}, -14}, // -03:30, year 99 is 1999
         {"0800000000000080", {2080 - 100, 1, 1, 0, 0, 0, 1}, 0}, // month 0 and day 0 become 1
-        {"803121423696", {0, 0, 0, 0, 0, 0, 0}, 0},              // too short: 6 octets
-        {"4131339599998F", {2014, 1, 1, 0, 0, 0, 1}, 0},         // month 13, day 33, 59+ times
-        {"5121D0FFFFFFF7", {2015, 12, 13, 0, 0, 0, 1}, 0},       // non-BCD digits, zone 85 quarters
+        {"803121423696", {0, 0, 0, 0, 0, 0, 0}, 0}, // too short: 6 octets
+        {"4131339599998F", {2014, 1, 1, 0, 0, 0, 1}, 0}, // month 13, day 33, 59+ times
+        {"5121D0FFFFFFF7", {2015, 12, 13, 0, 0, 0, 1}, 0}, // non-BCD digits, zone 85 quarters
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
         TMsgTimeStamp stamp;
@@ -260,26 +224,22 @@ TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
 TEST(SmsPduDecode, TimeStrings) {
     TMsgTimeStamp stamp;
     ASSERT_EQ(CSmsUtility::DecodeTimeString("\"09/02/27,15:32:05+04\"", 22, stamp), 0);
-    EXPECT_EQ(stamp.nYear, 0x09);
-    EXPECT_EQ(stamp.nMonth, 0x02);
-    EXPECT_EQ(stamp.nDay, 0x27);
-    EXPECT_EQ(stamp.nHour, 0x15);
-    EXPECT_EQ(stamp.nMinute, 0x32);
-    EXPECT_EQ(stamp.nSecond, 0x05);
-    EXPECT_EQ(stamp.nTimeZone, 4);
+    EXPECT_EQ(Fields(stamp.nYear, stamp.nMonth, stamp.nDay, stamp.nHour, stamp.nMinute, stamp.nSecond,
+                     stamp.nTimeZone),
+              Fields(0x09, 0x02, 0x27, 0x15, 0x32, 0x05, 4));
     // The zone stays BCD: "-20" is -0x20.
     ASSERT_EQ(CSmsUtility::DecodeTimeString("\"11/02/28,11:50:50-20\"", 22, stamp), 0);
     EXPECT_EQ(stamp.nTimeZone, -0x20);
-    EXPECT_EQ(CSmsUtility::DecodeTimeString("\"11/02/28,11:50:50-20", 21, stamp), 1);
-    EXPECT_EQ(CSmsUtility::DecodeTimeString("\"11/02/28,11:50:50-200\"", 23, stamp), 1);
-    EXPECT_EQ(CSmsUtility::DecodeTimeString("\"11/0x/28,11:50:50-20\"", 22, stamp), 1);
-    EXPECT_EQ(CSmsUtility::DecodeTimeString(nullptr, 22, stamp), 1);
+    for (const auto& [text, length] : {std::pair{"\"11/02/28,11:50:50-20", 21},
+                                       {"\"11/02/28,11:50:50-200\"", 23},
+                                       {"\"11/0x/28,11:50:50-20\"", 22},
+                                       {nullptr, 22}})
+        EXPECT_EQ(CSmsUtility::DecodeTimeString(text, length, stamp), 1) << (text ? text : "null");
 }
 
 TEST(SmsPduDecode, DataCodingSchemes) {
     // clang-format off
-    struct Row { uint8_t dcs; int alphabet; int messageClass; };
-    const Row rows[] = {
+    const struct { uint8_t dcs; int alphabet; int messageClass; } rows[] = {
         {0x00, SMS_ALPHABET_7BIT, 4},     {0x04, SMS_ALPHABET_8BIT, 4}, {0x08, SMS_ALPHABET_UCS2, 4},
         {0x0C, SMS_ALPHABET_RESERVED, 4}, {0x10, SMS_ALPHABET_7BIT, 0}, {0x11, SMS_ALPHABET_7BIT, 1},
         {0x16, SMS_ALPHABET_8BIT, 2},     {0x1B, SMS_ALPHABET_UCS2, 3}, {0x20, SMS_ALPHABET_7BIT, 4},
@@ -289,47 +249,44 @@ TEST(SmsPduDecode, DataCodingSchemes) {
         {0xF4, SMS_ALPHABET_8BIT, 0},     {0xF6, SMS_ALPHABET_8BIT, 2}, {0xFF, SMS_ALPHABET_8BIT, 3},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << "DCS 0x" << std::hex << int(row.dcs));
         EXPECT_EQ(CSmsUtility::DecodeDcsAlphabet(row.dcs), row.alphabet);
         EXPECT_EQ(CSmsUtility::DecodeDcsClass(row.dcs), row.messageClass);
     }
     for (int pid = 0; pid < 256; ++pid)
         EXPECT_EQ(CSmsUtility::IsReplaceShortMessage(static_cast<uint8_t>(pid)), pid >= 0x41 && pid <= 0x47);
+    for (const auto& [octet, expected] :
+         {std::pair{0x44, SMS_TPDU_DELIVER}, {0x31, SMS_TPDU_SUBMIT}, {0x06, SMS_TPDU_STATUS_REPORT}}) {
+        uint32_t type = 99;
+        EXPECT_EQ(CSmsUtility::GetTpduType(static_cast<uint8_t>(octet), type), 0);
+        EXPECT_EQ(type, static_cast<uint32_t>(expected));
+    }
     uint32_t type = 99;
-    EXPECT_EQ(CSmsUtility::GetTpduType(0x44, type), 0);
-    EXPECT_EQ(type, SMS_TPDU_DELIVER);
-    EXPECT_EQ(CSmsUtility::GetTpduType(0x31, type), 0);
-    EXPECT_EQ(type, SMS_TPDU_SUBMIT);
-    EXPECT_EQ(CSmsUtility::GetTpduType(0x06, type), 0);
-    EXPECT_EQ(type, SMS_TPDU_STATUS_REPORT);
     EXPECT_EQ(CSmsUtility::GetTpduType(0x03, type), 1);
 }
 
 TEST(SmsPduDecode, UserDataHeaders) {
     // clang-format off
-    struct Row { const char* hex; uint32_t present; int reference; int total; int sequence; };
-    const Row rows[] = {
+    const struct { const char* hex; uint32_t present; int reference; int total; int sequence; } rows[] = {
         {"050003CC0201", 1, 0xCC, 2, 1},
-        {"0608041234030210", 1, 0x34, 3, 2},             // 16-bit reference: low octet only
-        {"0B0504158200000003CC0302", 1, 0xCC, 3, 2},     // a port element is skipped
+        {"0608041234030210", 1, 0x34, 3, 2}, // 16-bit reference: low octet only
+        {"0B0504158200000003CC0302", 1, 0xCC, 3, 2}, // a port element is skipped
         {"0A000301020300030A0B0C", 1, 0x0A, 0x0B, 0x0C}, // the later element wins
-        {"0400030102", 0, 0, 0, 0},                      // element longer than the header
-        {"05000301", 0, 0, 0, 0},                        // header longer than the data
-        {"050A09FFFF", 0, 0, 0, 0},                      // unknown element overrunning
+        {"0400030102", 0, 0, 0, 0}, // element longer than the header
+        {"05000301", 0, 0, 0, 0}, // header longer than the data
+        {"050A09FFFF", 0, 0, 0, 0}, // unknown element overrunning
         {"00", 0, 0, 0, 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
         TUserDataHeader header;
         header.nTotal = 77;
         CSmsUtility::DecodeUserDataHeader(octets.data(), static_cast<int>(octets.size()), header);
-        EXPECT_EQ(header.bPresent, row.present);
-        EXPECT_EQ(header.nReference, row.reference);
-        EXPECT_EQ(header.nTotal, row.total);
-        EXPECT_EQ(header.nSequence, row.sequence);
+        EXPECT_EQ(Fields(header.bPresent, header.nReference, header.nTotal, header.nSequence),
+                  Fields(row.present, row.reference, row.total, row.sequence));
     }
 }
 
@@ -337,16 +294,14 @@ TEST(SmsPduDecode, UserDataHeaders) {
 // none after a 7-octet one.
 TEST(SmsPduDecode, SevenBitUserDataAfterAHeader) {
     // clang-format off
-    struct Row { const char* hex; uint8_t udl; std::wstring text; };
-    const Row rows[] = {
-        {"050003CC0201" "D06536FB0D", 12, L"hello"},
-        {"06080412340201" "E8329BFD06", 13, L"hello"},
-        {"0500", 3, L""},                             // UDHL beyond UDL
-        {"3F0003CC0201" "D06536FB0D", 12, L""},       // UDHL beyond the data
+    const struct { const char* hex; uint8_t udl; std::wstring text; } rows[] = {
+        {"050003CC0201" "D06536FB0D", 12, L"hello"}, {"06080412340201" "E8329BFD06", 13, L"hello"},
+        {"0500", 3, L""}, // UDHL beyond UDL
+        {"3F0003CC0201" "D06536FB0D", 12, L""}, // UDHL beyond the data
         {"050003CC0201" "D06536FB0D", 160, L"hello"}, // UDL beyond the data: cut to what is there
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         const std::vector<uint8_t> octets = FromHex(row.hex);
         TUserData data;
@@ -361,8 +316,7 @@ TEST(SmsPduDecode, SevenBitUserDataAfterAHeader) {
     TUserData data;
     const uint8_t eight[] = {0x05, 0x00, 0x03, 0x01, 0x02, 0x01, 'a', 'b'};
     ASSERT_EQ(CSmsUtility::DecodeTpduUserData(0x04, 8, eight, sizeof eight, true, data), 0);
-    EXPECT_EQ(data.nLength, 2u);
-    EXPECT_EQ(data.header.nTotal, 2);
+    EXPECT_EQ(Fields(data.nLength, data.header.nTotal), "2|2");
     EXPECT_EQ(CSmsUtility::DecodeTpduUserData(0x00, 161, eight, sizeof eight, false, data), 1);
     EXPECT_EQ(CSmsUtility::DecodeTpduUserData(0x08, 141, eight, sizeof eight, false, data), 1);
     EXPECT_EQ(CSmsUtility::DecodeTpduUserData(0x00, 0, nullptr, 0, true, data), 0);
@@ -388,31 +342,24 @@ TEST(SmsPduDecode, UserDataContentPerAlphabet) {
 
 // No input, however broken, reads out of bounds (the sanitizer build checks) or decodes as a message.
 TEST(SmsPduDecode, HostileInputFails) {
-    struct Row {
-        const char* hex;
-        int tpduLength;
-    };
-    const Row rows[] = {
-        {"", 0},
-        {"", 10},
-        {"0", 1},
-        {"00", 1},
-        {"00", 0},
-        {"0004", -1},
-        {"00040B918100551512F2000011101021436500", 300},                    // length beyond the buffer
-        {"00040B918100551512F20000111010214365000AE8329B", 28},             // text shorter than the length
-        {"00040B918100551512F20000111010214365", 17},                       // no zone, no UDL
+    // clang-format off
+    const struct { const char* hex; int tpduLength; } rows[] = {
+        {"", 0}, {"", 10}, {"0", 1}, {"00", 1}, {"00", 0}, {"0004", -1},
+        {"00040B918100551512F2000011101021436500", 300}, // length beyond the buffer
+        {"00040B918100551512F20000111010214365000AE8329B", 28}, // text shorter than the length
+        {"00040B918100551512F20000111010214365", 17}, // no zone, no UDL
         {"00041691810055151281005515128100551512F2000011101021436500", 29}, // 22-digit address
-        {"00FF", 1},                                                        // MTI 3
+        {"00FF", 1}, // MTI 3
         {"00040B918100551512F20000111010214365 A", 20},
-        {"00040B918100551512F2000011101021436500A1E8", 20},     // UDL 161
-        {"00040B918100551512F20004111010214365008D00", 20},     // 8-bit UDL 141
-        {"000100", 2},                                          // submit without its address
-        {"001100038121430000", 8},                              // submit without its validity octet
-        {"00065A0981363973", 7},                                // report cut in its address
+        {"00040B918100551512F2000011101021436500A1E8", 20}, // UDL 161
+        {"00040B918100551512F20004111010214365008D00", 20}, // 8-bit UDL 141
+        {"000100", 2}, // submit without its address
+        {"001100038121430000", 8}, // submit without its validity octet
+        {"00065A0981363973", 7}, // report cut in its address
         {"00065A098136397339F721901170046380219011700463", 22}, // report cut before TP-ST
     };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.hex);
         TPduData pdu;
         pdu.serviceCentre.nType = 42;
@@ -465,18 +412,16 @@ TEST(SmsPduDecode, TruncatedAndMislabelledPdusStayInBounds) {
 }
 
 TEST(SmsPduDecode, RelativeValidityPeriods) {
-    struct Row {
-        uint8_t vp;
-        TMsgTimeStamp period; // BCD years, months, days, hours, minutes
-    };
-    const Row rows[] = {
+    // clang-format off
+    // period: BCD years, months, days, hours, minutes
+    const struct { uint8_t vp; TMsgTimeStamp period; } rows[] = {
         {0, {0, 0, 0, 0x00, 0x05, 0, 0}},      {11, {0, 0, 0, 0x01, 0x00, 0, 0}},
         {143, {0, 0, 0, 0x12, 0x00, 0, 0}},    {144, {0, 0, 0, 0x12, 0x30, 0, 0}},
         {166, {0, 0, 0, 0x23, 0x30, 0, 0}},    {167, {0, 0, 0x01, 0, 0, 0, 0}},
-        {196, {0, 0x01, 0x00, 0, 0, 0, 0}},    {197, {0, 0x01, 0x05, 0, 0, 0, 0}},
-        {255, {0x01, 0x02, 0x16, 0, 0, 0, 0}},
+        {196, {0, 0x01, 0x00, 0, 0, 0, 0}},    {197, {0, 0x01, 0x05, 0, 0, 0, 0}}, {255, {0x01, 0x02, 0x16, 0, 0, 0, 0}},
     };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(int(row.vp));
         TMsgTimeStamp period;
         period.nSecond = 9;
@@ -487,9 +432,9 @@ TEST(SmsPduDecode, RelativeValidityPeriods) {
     TMsgTimeStamp period{1, 2, 3, 4, 5, 6, 7};
     EXPECT_EQ(CSmsUtility::DecodeValidPeriod(enhanced, 7, 1, period), 7);
     EXPECT_EQ(period.nYear + period.nMonth + period.nDay + period.nHour + period.nMinute, 0);
-    EXPECT_EQ(CSmsUtility::DecodeValidPeriod(enhanced, 6, 1, period), -1);
-    EXPECT_EQ(CSmsUtility::DecodeValidPeriod(enhanced, 0, 2, period), -1);
-    EXPECT_EQ(CSmsUtility::DecodeValidPeriod(enhanced, 0, 0, period), 0);
+    const int cut = CSmsUtility::DecodeValidPeriod(enhanced, 6, 1, period);
+    const int absoluteEmpty = CSmsUtility::DecodeValidPeriod(enhanced, 0, 2, period);
+    EXPECT_EQ(Fields(cut, absoluteEmpty, CSmsUtility::DecodeValidPeriod(enhanced, 0, 0, period)), "-1|-1|0");
 }
 
 } // namespace

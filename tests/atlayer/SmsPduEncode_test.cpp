@@ -1,23 +1,17 @@
 #include <algorithm>
 #include <cstring>
+#include <list>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "AtTestSupport.h"
 #include "SmsUtility.h"
 
 namespace {
 
-std::string Hex(const uint8_t* data, int count) {
-    static const char* const digits = "0123456789ABCDEF";
-    std::string hex;
-    for (int i = 0; i < count; ++i) {
-        hex += digits[data[i] >> 4];
-        hex += digits[data[i] & 0x0F];
-    }
-    return hex;
-}
+using at_test::Hex;
 
 std::vector<uint8_t> Septets(const std::string& ascii) {
     return {ascii.begin(), ascii.end()};
@@ -62,7 +56,8 @@ TEST(SmsPduEncode, SubmitOctets) {
     // of user data.
     for (const char* destination : {"*100#", "abc", "", "49 170"}) {
         std::strcpy(submit.destination.szAddress, destination);
-        EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), CSmsUtility::kErrNotAPhoneNumber) << destination;
+        EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), CSmsUtility::kErrNotAPhoneNumber)
+            << destination;
     }
     std::strcpy(submit.destination.szAddress, "123");
     submit.userData.nLength = 154; // 154 septets and the header: 141 octets
@@ -73,22 +68,13 @@ TEST(SmsPduEncode, SubmitOctets) {
 }
 
 TEST(SmsPduEncode, Addresses) {
-    struct Row {
-        const char* number;
-        const char* hex;
+    // clang-format off
+    const struct { const char* number; const char* hex; } rows[] = {
+        {"+46708251358", "0B916407281553F8"}, {"1800", "04818100"}, {"+1", "0191F1"}, {"", "0081"}, {"*100#", ""}, {"12#", ""},
+        {"+49 170 123 4567", ""}, {"abc", ""}, {"49+170", ""},
     };
-    const Row rows[] = {
-        {"+46708251358", "0B916407281553F8"},
-        {"1800", "04818100"},
-        {"+1", "0191F1"},
-        {"", "0081"},
-        {"*100#", ""},
-        {"12#", ""},
-        {"+49 170 123 4567", ""},
-        {"abc", ""},
-        {"49+170", ""},
-    };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.number);
         TSmsAddress number;
         std::strcpy(number.szNumber, row.number);
@@ -119,11 +105,9 @@ TEST(SmsPduEncode, Addresses) {
 }
 
 TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
-    struct Row {
-        TMsgTimeStamp period; // BCD years, months, days, hours, minutes
-        int vp;
-    };
-    const Row rows[] = {
+    // clang-format off
+    // period: BCD years, months, days, hours, minutes
+    const struct { TMsgTimeStamp period; int vp; } rows[] = {
         {{0, 0, 0, 0x00, 0x00}, 0},      {{0, 0, 0, 0x00, 0x05}, 0},   {{0, 0, 0, 0x00, 0x06}, 1},
         {{0, 0, 0, 0x01, 0x00}, 11},     {{0, 0, 0, 0x12, 0x00}, 143}, {{0, 0, 0, 0x12, 0x01}, 143},
         {{0, 0, 0, 0x12, 0x30}, 143},    {{0, 0, 0, 0x12, 0x58}, 143}, {{0, 0, 0, 0x12, 0x59}, 144},
@@ -132,7 +116,8 @@ TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
         {{0, 0, 0x31, 0, 0}, 197},       {{0, 0x01, 0x05, 0, 0}, 197}, {{0x01, 0x02, 0x10, 0, 0}, 255},
         {{0x01, 0x02, 0x17, 0, 0}, 0}, // 442 days wrap around
     };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << std::hex << int(row.period.nYear) << "y " << int(row.period.nMonth)
                                         << "m " << int(row.period.nDay) << "d " << int(row.period.nHour)
                                         << "h " << int(row.period.nMinute) << "min");
@@ -142,16 +127,15 @@ TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
 
 // The user's period is stored as plain numbers and read back as BCD: 20 days go out as 14.
 TEST(SmsPduEncode, ValidPeriodSettingsAsSent) {
-    struct Row {
-        TSmsValidPeriod setting; // enabled, weeks, days, hours
-        int vp;
-    };
-    const Row rows[] = {
+    // clang-format off
+    // setting: enabled, weeks, days, hours
+    const struct { TSmsValidPeriod setting; int vp; } rows[] = {
         {{1, 0, 20, 0}, 180}, {{1, 0, 14, 0}, 180}, {{1, 255, 0, 0}, 255}, {{1, 1, 0, 0}, 173},
         {{1, 0, 0, 12}, 143}, {{1, 0, 0, 20}, 146}, {{1, 0, 1, 0}, 167},   {{1, 0, 30, 0}, 196},
         {{1, 4, 3, 0}, 197},  {{0, 0, 20, 5}, 0},   {{1, 0, 0, 0}, 0},
     };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << int(row.setting.bWeek) << "w " << int(row.setting.bDay) << "d "
                                         << int(row.setting.bHour) << "h");
         TMsgTimeStamp period;
@@ -163,16 +147,12 @@ TEST(SmsPduEncode, ValidPeriodSettingsAsSent) {
 // 3GPP TS 23.038 6.1.2.1.1.
 TEST(SmsPduEncode, SeptetPacking) {
     // clang-format off
-    struct Row { std::string text; int fillBits; const char* packed; };
-    const Row rows[] = {
-        {"hellohello", 0, "E8329BFD4697D9EC37"},
-        {"12345678", 0, "31D98C56B3DD70"},
-        {"1234567", 0, "31D98C56B3DD00"},
-        {"hello", 1, "D06536FB0D"},
+    const struct { std::string text; int fillBits; const char* packed; } rows[] = {
+        {"hellohello", 0, "E8329BFD4697D9EC37"}, {"12345678", 0, "31D98C56B3DD70"}, {"1234567", 0, "31D98C56B3DD00"}, {"hello", 1, "D06536FB0D"},
         {"", 0, ""},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
         const std::vector<uint8_t> septets = Septets(row.text);
         uint8_t packed[32];
@@ -198,18 +178,16 @@ TEST(SmsPduEncode, SeptetPacking) {
 }
 
 TEST(SmsPduEncode, CharacterHelpers) {
-    struct Row {
-        std::wstring text;
-        const char* septets;
-    };
-    const Row rows[] = {
+    // clang-format off
+    const struct { std::wstring text; const char* septets; } rows[] = {
         {L"Az09 !?", "417A30392021 3F"}, {L"@£$¥", "00010203"},
         {L"€[~]", "1B651B3C1B3D1B3E"},   {L"ç`\u0100\U0001F600", "20202020"}, // not in the alphabet: spaces
         {std::wstring(1, L'\0'), "20"}, // NUL counts as 7-bit but is sent as a space
-        {L"\n\r\f", "0A0D20"},          // form feed is not the page break
+        {L"\n\r\f", "0A0D20"}, // form feed is not the page break
         {L"ΔΩ_¡¿äÄ", "10151140607B5B"},
     };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message() << row.septets);
         uint8_t out[32];
         const int written = CSmsUtility::WStringToDefault7Bit(
@@ -225,30 +203,27 @@ TEST(SmsPduEncode, CharacterHelpers) {
     EXPECT_EQ(CSmsUtility::WStringToDefault7Bit(L"ab€", 3, out, 4), 2);
     EXPECT_EQ(Hex(out, 4), "61620000");
 
-    struct Back {
-        std::vector<uint8_t> septets;
-        std::wstring text;
-    };
-    const Back backs[] = {
+    // clang-format off
+    const struct { std::vector<uint8_t> septets; std::wstring text; } backs[] = {
         {{0x1B, 0x65}, L"€"},         {{0x41, 0x1B}, L"A "}, // an escape at the end is a space
         {{0x1B, 0x41}, L" A"}, // no extension character: a space, then the septet itself
         {{0x1B, 0x1B, 0x14}, L" ^"},  {{0x1B, 0x0A}, L"\n"}, // page break
         {{0x80, 0xFF, 0x00}, L"  @"}, {{0x1B, 0x80}, L"  "},
     };
-    for (const Back& back : backs) {
+    // clang-format on
+    for (const auto& back : backs) {
         std::wstring text;
         CSmsUtility::Default7BitToWstring(back.septets.data(), static_cast<int>(back.septets.size()), text);
         EXPECT_EQ(text, back.text);
     }
 
-    EXPECT_TRUE(CSmsUtility::IsDefault7BitChar(L'\0'));
-    EXPECT_TRUE(CSmsUtility::IsDefault7BitChar(L'€'));
-    EXPECT_TRUE(CSmsUtility::IsDefault7BitChar(L'\\'));
-    EXPECT_FALSE(CSmsUtility::IsDefault7BitChar(L'`'));
-    EXPECT_FALSE(CSmsUtility::IsDefault7BitChar(L'ç'));
-    EXPECT_EQ(CSmsUtility::GetEncodeType(L"Grüße {an} alle €"), 0);
-    EXPECT_EQ(CSmsUtility::GetEncodeType(L"ça va"), 1);
-    EXPECT_EQ(CSmsUtility::GetEncodeType(L""), 0);
+    std::string seven;
+    for (const wchar_t c : {L'\0', L'€', L'\\', L'`', L'ç'})
+        seven += CSmsUtility::IsDefault7BitChar(c) ? "1" : "0";
+    EXPECT_EQ(seven, "11100");
+    EXPECT_EQ(at_test::Fields(CSmsUtility::GetEncodeType(L"Grüße {an} alle €"),
+                              CSmsUtility::GetEncodeType(L"ça va"), CSmsUtility::GetEncodeType(L"")),
+              "0|1|0");
     uint8_t septet = 0;
     EXPECT_EQ(CSmsUtility::WCharToDefault7Bit(L'€', septet), 0); // extension characters are not mapped here
     EXPECT_EQ(CSmsUtility::WCharToDefault7Bit(L'è', septet), 1);
@@ -264,15 +239,14 @@ TEST(SmsPduEncode, CharacterHelpers) {
 
 TEST(SmsPduEncode, UserDataLengthLimits) {
     TUserData data;
-    data.nLength = 160;
-    EXPECT_EQ(CSmsUtility::ComputeUserDataLength(0x00, data), 140);
-    data.nLength = 70 * 2;
-    EXPECT_EQ(CSmsUtility::ComputeUserDataLength(0x08, data), 140);
-    data.header.bPresent = 1;
-    data.nLength = 153;
-    EXPECT_EQ(CSmsUtility::ComputeUserDataLength(0x00, data), 140);
-    data.nLength = 67 * 2;
-    EXPECT_EQ(CSmsUtility::ComputeUserDataLength(0x08, data), 140);
+    // DCS, header, length: 160 septets, 70 UCS2 characters, and with a header 153 and 67, fill 140 octets.
+    for (const auto& [dcs, header, length] :
+         {std::tuple{0x00, 0, 160u}, {0x08, 0, 140u}, {0x00, 1, 153u}, {0x08, 1, 134u}}) {
+        data.header.bPresent = static_cast<uint8_t>(header);
+        data.nLength = length;
+        EXPECT_EQ(CSmsUtility::ComputeUserDataLength(static_cast<uint8_t>(dcs), data), 140)
+            << dcs << " " << header;
+    }
     data.nLength = 0xFFFFFFFF;
     EXPECT_GT(CSmsUtility::ComputeUserDataLength(0x00, data), 140);
 
@@ -281,6 +255,180 @@ TEST(SmsPduEncode, UserDataLengthLimits) {
     data.nLength = 100;
     EXPECT_EQ(CSmsUtility::EncodeTpduUserData(0x04, data, out, sizeof out), 8); // bounded by the buffer
     EXPECT_EQ(out[0], 100);
+}
+
+// Splitting a text into submits.
+
+TSmsSendItem Item(const std::wstring& text, const char* number = "+4917012345678") {
+    TSmsSendItem item;
+    std::strcpy(item.szNumber, number);
+    item.wstrContent = text;
+    return item;
+}
+
+std::vector<TTpduSubmit> Split(CSmsUtility& sms, const TSmsSendItem& item, int& encodeType) {
+    std::list<TTpduSubmit> segments;
+    EXPECT_EQ(sms.PacketMsg(item, segments, encodeType), 0);
+    return {segments.begin(), segments.end()};
+}
+
+// The text as UCS2 carries it: characters beyond U+FFFF as surrogate pairs.
+std::wstring Utf16(const std::wstring& text) {
+    std::wstring units;
+    for (wchar_t c : text) {
+        if (c > 0xFFFF) {
+            units += wchar_t(0xD800 + ((c - 0x10000) >> 10));
+            units += wchar_t(0xDC00 + ((c - 0x10000) & 0x3FF));
+        } else {
+            units += c;
+        }
+    }
+    return units;
+}
+
+// Split, encode, decode again and join: what the recipient's phone shows.
+TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
+    // clang-format off
+    // lengths: user data per segment: septets, or UCS2 octets
+    struct Row { const char* what; std::wstring text; int encodeType; std::vector<uint32_t> lengths; };
+    const std::wstring ext152 = std::wstring(152, L'a') + L"€" + std::wstring(9, L'b');
+    const Row rows[] = {
+        {"160 septets", std::wstring(160, L'a'), 0, {160}}, {"161 septets", std::wstring(161, L'a'), 0, {153, 8}},
+        {"306 septets", std::wstring(306, L'x'), 0, {153, 153}}, {"307 septets", std::wstring(307, L'x'), 0, {153, 153, 1}},
+        {"extension characters count twice", std::wstring(80, L'{') + L"a", 0, {152, 9}},
+        {"80 extension characters fit one segment", std::wstring(80, L'€'), 0, {160}}, {"an escape pair is never cut", ext152, 0, {152, 11}},
+        {"70 UCS2 characters", std::wstring(70, L'ж'), 1, {140}}, {"71 UCS2 characters", std::wstring(71, L'ж'), 1, {134, 8}},
+        {"135 UCS2 characters", std::wstring(135, L'ж'), 1, {134, 134, 2}},
+        {"an emoji takes two units", std::wstring(69, L'ж') + L"\U0001F600", 1, {134, 8}},
+        {"one 7-bit-less character makes it UCS2", std::wstring(100, L'a') + L"ç", 1, {134, 68}},
+        {"accented 7-bit letters", L"Grüße, Åsa! ¿Qué tal? {ok} 10€", 0, {33}},
+    };
+    // clang-format on
+    CSmsUtility sms;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        int encodeType = -1;
+        const std::vector<TTpduSubmit> segments = Split(sms, Item(row.text), encodeType);
+        EXPECT_EQ(encodeType, row.encodeType);
+        ASSERT_EQ(segments.size(), row.lengths.size());
+        std::wstring joined;
+        for (std::size_t i = 0; i < segments.size(); ++i) {
+            EXPECT_EQ(segments[i].userData.nLength, row.lengths[i]) << "segment " << i + 1;
+            TProtocalTpduData tpdu;
+            ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(segments[i], tpdu), 0) << "segment " << i + 1;
+            const std::string hex = Hex(tpdu.data, static_cast<int>(tpdu.nLength));
+            TTpduData decoded;
+            ASSERT_EQ(CSmsUtility::DecodeTpduData(hex.c_str(), static_cast<int>(tpdu.nLength), decoded), 0)
+                << hex;
+            const TTpduSubmit& back = decoded.submit;
+            EXPECT_EQ(back.nDcs, row.encodeType == 0 ? 0 : 8);
+            EXPECT_STREQ(back.destination.szAddress, "4917012345678");
+            EXPECT_EQ(back.destination.nType, 0x11u);
+            EXPECT_EQ(back.userData.header.bPresent, segments.size() > 1 ? 1u : 0u);
+            if (segments.size() > 1) {
+                EXPECT_EQ(back.userData.header.nTotal, segments.size());
+                EXPECT_EQ(back.userData.header.nSequence, i + 1);
+                EXPECT_EQ(back.userData.header.nReference, segments[0].userData.header.nReference);
+            }
+            std::wstring text;
+            CSmsUtility::GetUserDataContent(CSmsUtility::DecodeDcsAlphabet(back.nDcs), back.userData, text);
+            joined += text;
+        }
+        EXPECT_EQ(joined, Utf16(row.text));
+    }
+}
+
+TEST(SmsPacketMsg, StatusReportOnTheNextToLastSegment) {
+    // clang-format off
+    const struct { int enabled; std::wstring text; std::vector<int> requested; } rows[] = {
+        {1, L"short", {1}}, {1, std::wstring(200, L'a'), {1, 0}},    {1, std::wstring(400, L'a'), {0, 1, 0}},
+        {1, L"", {1}},      {0, std::wstring(400, L'a'), {0, 0, 0}}, {0, L"short", {0}},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.enabled << " " << row.text.size());
+        CSmsUtility sms;
+        sms.EnableStatusReport(row.enabled);
+        int encodeType = -1;
+        const std::vector<TTpduSubmit> segments = Split(sms, Item(row.text), encodeType);
+        std::vector<int> requested;
+        for (const TTpduSubmit& segment : segments)
+            requested.push_back(segment.bStatusReportRequest);
+        EXPECT_EQ(requested, row.requested);
+    }
+}
+
+TEST(SmsPacketMsg, TemplateFields) {
+    CSmsUtility sms;
+    int encodeType = -1;
+    std::vector<TTpduSubmit> segments = Split(sms, Item(L"", "01701234567"), encodeType);
+    ASSERT_EQ(segments.size(), 1u);
+    const TTpduSubmit& t = segments[0];
+    EXPECT_EQ(at_test::Fields(encodeType, t.nMti, t.bRejectDuplicates, t.nVpf, t.destination.nType,
+                              t.destination.szAddress, t.userData.nLength),
+              "0|1|1|0|129|01701234567|0");
+    TProtocalTpduData tpdu;
+    ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(segments[0], tpdu), 0);
+    EXPECT_EQ(Hex(tpdu.data, 1) + Hex(tpdu.data + 2, static_cast<int>(tpdu.nLength) - 2),
+              "050B811007214365F7000000");
+
+    // A validity period of 20 days is sent as TP-VP 180 (14 days).
+    sms.SetValidPeriod({1, 0, 20, 0});
+    segments = Split(sms, Item(L"hello"), encodeType);
+    ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(segments[0], tpdu), 0);
+    EXPECT_EQ(Hex(tpdu.data, 1), "15");
+    EXPECT_EQ(Hex(tpdu.data + 2, static_cast<int>(tpdu.nLength) - 2), "0D91947110325476F80000B405E8329BFD06");
+
+    // Split messages take consecutive references; each keeps its own for all its segments.
+    const std::vector<TTpduSubmit> one = Split(sms, Item(std::wstring(161, L'a')), encodeType);
+    const std::vector<TTpduSubmit> two = Split(sms, Item(std::wstring(71, L'ж')), encodeType);
+    EXPECT_EQ(static_cast<uint8_t>(two[0].userData.header.nReference - one[0].userData.header.nReference), 1);
+    EXPECT_EQ(two[1].userData.header.nReference, two[0].userData.header.nReference);
+
+    // A destination with "*" or "#" splits, but does not encode.
+    segments = Split(sms, Item(L"hello", "*100#"), encodeType);
+    EXPECT_EQ(CSmsUtility::EncodeTpduSubmit(segments[0], tpdu), CSmsUtility::kErrNotAPhoneNumber);
+}
+
+// With Latin support, accented letters the alphabet lacks are sent unaccented, but only when that makes
+// the whole text 7-bit.
+TEST(SmsPacketMsg, LatinReplacement) {
+    // clang-format off
+    const struct { int latin; std::wstring text; int encodeType; std::wstring sent; } rows[] = {
+        {1, L"Olá, ça va? Ý ÀÁÂÃ ÈÊË ÌÍÎÏ ÒÓÔÕ ÙÚÛ âã êë íîï óôõ úû ýÿ", 0, L"Ola, Ça va? Y AAAA EEE IIII OOOO UUU aa ee iii ooo uu yy"},
+        {1, L"Olá ✓", 1, L"Olá ✓"}, {0, L"Olá", 1, L"Olá"}, {1, L"é è ñ stay", 0, L"é è ñ stay"},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.latin << " " << row.sent);
+        CSmsUtility sms;
+        sms.SetLatinSupport(row.latin);
+        int encodeType = -1;
+        const std::vector<TTpduSubmit> segments = Split(sms, Item(row.text), encodeType);
+        ASSERT_EQ(segments.size(), 1u);
+        EXPECT_EQ(encodeType, row.encodeType);
+        std::wstring text;
+        CSmsUtility::GetUserDataContent(encodeType == 0 ? SMS_ALPHABET_7BIT : SMS_ALPHABET_UCS2,
+                                        segments[0].userData, text);
+        EXPECT_EQ(text, row.sent);
+    }
+}
+
+TEST(SmsPacketMsg, SegmentLengthsInCharacters) {
+    // clang-format off
+    const struct { std::wstring text; std::list<int> lengths; } rows[] = {
+        {L"", {0}}, {std::wstring(160, L'a'), {160}}, {std::wstring(159, L'a') + L"€", {153, 7}}, {std::wstring(80, L'~') + L"a", {76, 5}},
+        // A character in neither table costs nothing in the first count and one septet while splitting.
+        {std::wstring(160, L'a') + wchar_t(0x4E00), {161}}, {std::wstring(160, L'a') + L"€" + wchar_t(0x4E00), {153, 9}},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        std::list<int> lengths;
+        const int count =
+            CSmsUtility::GetDefault7BitPacketNum(row.text.data(), static_cast<int>(row.text.size()), lengths);
+        EXPECT_EQ(lengths, row.lengths) << row.text.size();
+        EXPECT_EQ(count, static_cast<int>(row.lengths.size()));
+    }
 }
 
 } // namespace

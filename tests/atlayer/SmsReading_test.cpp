@@ -5,34 +5,26 @@
 
 #include <gtest/gtest.h>
 
-#include "ScriptedAtFake.h"
+#include "AtTestSupport.h"
+#include "SmsPduVectors.h"
 #include "SmsUtility.h"
 
 namespace {
 
+using at_test::Fields;
+
 const char* const kOk = ScriptedAtFake::kOk;
 
-// "hellohello" from +18005551212, 2011-01-01 12:34:56.
-const char* const kHello = "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37";
-// The same with TP-PID 0x41 (replace type 1), stamped 12:34:56 and 12:35:56.
+// Real PDUs (SmsPduVectors.h): "hellohello" from +18005551212, 2011-01-01 12:34:56; a message in two segments
+// (8-bit reference 0x4C); a delivery report for 639337937.
+const char* const kHello = sms_test::kDecodeRows[2].hex;
+const char* const kPart1 = sms_test::kDecodeRows[5].hex;
+const char* const kPart2 = sms_test::kDecodeRows[6].hex;
+const std::wstring kPartsText = sms_test::kDecodeRows[5].text + sms_test::kDecodeRows[6].text;
+const char* const kReport = sms_test::kDecodeRows[9].hex;
+// "hellohello" with TP-PID 0x41 (replace type 1), stamped 12:34:56 and 12:35:56.
 const char* const kReplaceOld = "07912143658709F1040B918100551512F24100111010214365000AE8329BFD4697D9EC37";
 const char* const kReplaceNew = "07912143658709F1040B918100551512F24100111010215365000AE8329BFD4697D9EC37";
-// A message in two segments (8-bit reference 0x4C).
-const char* const kPart1 = "07912160130320F5440B916171056429F5000021405291650569A00500034C0201A9E8F41C949E83C"
-                           "2207B599E07B1DFEE33885E9E"
-                           "D341E4F23C7D7697C920FA1B54C697E5E3F4BC0C6AD7D9F434081E96D341E3303C2C4EB3D3F4BC0B9"
-                           "4A483E6E8779D4D06CDD1EF3B"
-                           "A80E0785E7A0B7BB0C6A97E7F3F0B9CC02B9DF7450780EA2DFDF2C50780EA2A3CBA0BA9B5C96B3F36"
-                           "9F71954768FDFE4B4FB0C9297"
-                           "E1F2F2BCECA6CF41";
-const char* const kPart2 =
-    "07912160130320F6440B916171056429F5000021405291651569320500034C0202E9E8301D44479741F0B09C"
-    "3E0785E56590BCCC0ED3CB6410FD0D7ABBCBA0B0FB4D4797E52E10";
-const wchar_t* const kPartsText =
-    L"This is a very long test designed to exercise multi part capability. It should show up as one message, "
-    L"not as two, as the underlying encoding represents that the parts are related to one another. ";
-// A delivery report for 639337937.
-const char* const kReport = "07914356060013F1065A098136397339F7219011700463802190117004638030";
 
 std::string Cmgr(int status, int length, const char* pdu) {
     return "\r\n+CMGR: " + std::to_string(status) + ",," + std::to_string(length) + "\r\n" + pdu +
@@ -153,15 +145,10 @@ TEST(SmsReadingDecode, ListingBlocks) {
     struct Row { const char* what; std::string response; int result; std::vector<uint32_t> indexes; };
     const std::string ok = "\r\n\r\nOK\r\n";
     const Row rows[] = {
-        {"empty storage", "\r\nOK\r\n", 0, {}},
-        {"two messages", CmglBlock(1, 1, 28, kHello) + CmglBlock(4, 0, 24, kReport) + ok, 0, {1, 4}},
+        {"empty storage", "\r\nOK\r\n", 0, {}}, {"two messages", CmglBlock(1, 1, 28, kHello) + CmglBlock(4, 0, 24, kReport) + ok, 0, {1, 4}},
         {"name field", "\r\n+CMGL: 2,1,\"Bob\",28\r\n" + std::string(kHello) + ok, 0, {2}},
-        {"broken second PDU",
-         CmglBlock(1, 1, 28, kHello) + CmglBlock(2, 1, 28, "07912143658709F1ZZ") + ok,
-         1,
-         {}},
-        {"no status", "\r\n+CMGL: 1\r\n" + std::string(kHello) + ok, 1, {}},
-        {"no length", "\r\n+CMGL: 1,1\r\n" + std::string(kHello) + ok, 1, {}},
+        {"broken second PDU", CmglBlock(1, 1, 28, kHello) + CmglBlock(2, 1, 28, "07912143658709F1ZZ") + ok, 1, {}},
+        {"no status", "\r\n+CMGL: 1\r\n" + std::string(kHello) + ok, 1, {}}, {"no length", "\r\n+CMGL: 1,1\r\n" + std::string(kHello) + ok, 1, {}},
         {"PDU line cut off", "\r\n+CMGL: 1,1,,28\r\n0791", 1, {}},
     };
     // clang-format on
@@ -176,25 +163,21 @@ TEST(SmsReadingDecode, ListingBlocks) {
     }
     std::list<TMessageListBaseItem> items;
     ASSERT_EQ(CSmsUtility::DecodePduModeCMGL(CmglBlock(7, 1, 28, kHello) + "\r\n\r\nOK\r\n", items), 0);
-    EXPECT_EQ(items.front().nStatus, 1u);
-    EXPECT_EQ(items.front().nPduLen, 28);
-    EXPECT_EQ(items.front().strPdu, kHello);
-    EXPECT_STREQ(items.front().pduData.tpdu.deliver.originating.szAddress, "18005551212");
+    const TMessageListBaseItem& item = items.front();
+    EXPECT_EQ(
+        Fields(item.nStatus, item.nPduLen, item.strPdu, item.pduData.tpdu.deliver.originating.szAddress),
+        Fields(1, 28, kHello, "18005551212"));
 }
 
 TEST(SmsReadingDecode, ReadBlocks) {
     // clang-format off
-    struct Row { std::string text; int result; uint32_t status; };
-    const Row rows[] = {
-        {"+CMGR: 0,,28\r\n" + std::string(kHello), 0, 0},
-        {"+CMGR: 1,\"Bob\",28\r\n" + std::string(kHello), 0, 1},
-        {"+CMGR: ,,28\r\n" + std::string(kHello), 0, 4},
-        {"+CMGR: 0,28\r\n" + std::string(kHello), 1, 0},
-        {"+CMGR: 0,,\r\n" + std::string(kHello), 1, 0},
-        {"+CMGR: 0,,28\r\n", 1, 0},
+    const struct { std::string text; int result; uint32_t status; } rows[] = {
+        {"+CMGR: 0,,28\r\n" + std::string(kHello), 0, 0}, {"+CMGR: 1,\"Bob\",28\r\n" + std::string(kHello), 0, 1},
+        {"+CMGR: ,,28\r\n" + std::string(kHello), 0, 4}, {"+CMGR: 0,28\r\n" + std::string(kHello), 1, 0},
+        {"+CMGR: 0,,\r\n" + std::string(kHello), 1, 0}, {"+CMGR: 0,,28\r\n", 1, 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.text));
         TMessageListBaseItem item;
         EXPECT_EQ(CSmsUtility::DecodePduModeCMGR(row.text, item), row.result);
@@ -210,13 +193,11 @@ TEST_F(SmsReadingTest, ListsSimThenModemMemoryAndMergesSegments) {
     std::list<TSmsListItem> items;
     ASSERT_EQ(m_sms.GetList(items), 0);
     ASSERT_EQ(items.size(), 2u);
-    EXPECT_EQ(items.front().nStoreIn, SMS_STORAGE_SIM);
-    EXPECT_EQ(items.front().wstrContent, L"hellohello");
-    EXPECT_STREQ(items.front().szNumber, "+18005551212");
-    EXPECT_EQ(items.back().nStoreIn, SMS_STORAGE_MODEM);
-    EXPECT_EQ(items.back().wstrContent, kPartsText);
-    EXPECT_EQ(items.back().nCompleted, 1);
-    EXPECT_EQ(items.back().nTag, static_cast<int>(SMS_STATUS_UNREAD));
+    const TSmsListItem &first = items.front(), &last = items.back();
+    EXPECT_EQ(Fields(first.nStoreIn, first.wstrContent, first.szNumber, last.nStoreIn, last.wstrContent,
+                     last.nCompleted, last.nTag),
+              Fields(SMS_STORAGE_SIM, L"hellohello", "+18005551212", SMS_STORAGE_MODEM, kPartsText, 1,
+                     SMS_STATUS_UNREAD));
     m_fake.VerifyDone();
 
     // A refused listing leaves nothing listed and no table for reports.
@@ -264,31 +245,23 @@ TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
 
     ExpectRead("SM", 3, Cmgr(0, 28, kHello));
     ASSERT_EQ(m_sms.Receive("+CMTI: \"SM\",3", item, kind), 0);
-    EXPECT_EQ(kind, 0);
-    EXPECT_EQ(item.nStoreIn, SMS_STORAGE_SIM);
-    EXPECT_EQ(item.wstrContent, L"hellohello");
+    EXPECT_EQ(Fields(kind, item.nStoreIn, item.wstrContent), Fields(0, SMS_STORAGE_SIM, L"hellohello"));
     ASSERT_EQ(m_sms.MessageTable().size(), 1u);
     EXPECT_EQ(m_sms.MessageTable().front().packets.front().nIndex, 3u);
 
     // A delivery report comes back whole and stays out of the table.
     ExpectRead("SR", 1, Cmgr(0, 24, kReport));
     ASSERT_EQ(m_sms.Receive("+CDSI: \"SR\",1", item, kind), 0);
-    EXPECT_EQ(item.nRef, 0);
-    EXPECT_EQ(item.nCompleted, 1);
-    EXPECT_EQ(item.nType, static_cast<int>(SMS_TPDU_STATUS_REPORT));
-    EXPECT_STREQ(item.szNumber, "639337937");
-    EXPECT_EQ(m_sms.MessageTable().size(), 1u);
+    EXPECT_EQ(Fields(item.nRef, item.nCompleted, item.nType, item.szNumber, m_sms.MessageTable().size()),
+              Fields(0, 1, SMS_TPDU_STATUS_REPORT, "639337937", 1));
 
     // Segments: the first says 1, a later one 2; the last completes the message.
     ExpectRead("ME", 5, Cmgr(0, 63, kPart2));
     ASSERT_EQ(m_sms.Receive("+CMTI: \"ME\",5", item, kind), 0);
-    EXPECT_EQ(kind, 1);
-    EXPECT_EQ(item.nCompleted, 0);
+    EXPECT_EQ(Fields(kind, item.nCompleted), "1|0");
     ExpectRead("ME", 4, Cmgr(0, 159, kPart1));
     ASSERT_EQ(m_sms.Receive("+CMTI: \"ME\",4", item, kind), 0);
-    EXPECT_EQ(kind, 2);
-    EXPECT_EQ(item.nCompleted, 1);
-    EXPECT_EQ(item.wstrContent, kPartsText);
+    EXPECT_EQ(Fields(kind, item.nCompleted, item.wstrContent), Fields(2, 1, kPartsText));
 
     // The same stored message announced twice is a duplicate.
     ExpectRead("SM", 3, Cmgr(0, 28, kHello));
@@ -307,14 +280,13 @@ TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
 TEST_F(SmsReadingTest, NewMessageMovesOutOfTheModemMemory) {
     // clang-format off
     // written: answer to the PDU after AT+CMGW
-    struct Row { const char* what; const char* written; bool pcSaveFails; int storage; bool deletes; };
-    const Row rows[] = {
+    const struct { const char* what; const char* written; bool pcSaveFails; int storage; bool deletes; } rows[] = {
         {"to the SIM", "\r\n+CMGW: 7\r\n\r\nOK\r\n", false, SMS_STORAGE_SIM, true},
         {"SIM full, to the computer", "\r\n+CMS ERROR: 322\r\n", false, SMS_STORAGE_PC, true},
         {"SIM full, computer refuses", "\r\n+CMS ERROR: 322\r\n", true, SMS_STORAGE_MODEM, false},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         ScriptedAtFake fake;
         CSmsUtility sms;

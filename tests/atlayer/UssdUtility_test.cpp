@@ -1,15 +1,20 @@
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <list>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "ScriptedAtFake.h"
+#include "AtTestSupport.h"
+#include "PbUtility.h"
+#include "SmsUtility.h"
 #include "UssdUtility.h"
 
 namespace {
+
+using at_test::Fields;
 
 const std::list<std::string> kCusdFinals = {"OK", "+CME ERROR:", "ERROR"};
 const std::list<std::string> kCscsFinals = {"OK", "ERROR", "+CME ERROR"};
@@ -31,12 +36,6 @@ protected:
     void ExpectCharSetQuery(const char* answer) {
         m_fake.Expect("AT+CSCS?\r", answer).WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
     }
-    void ExpectStateQuery(const char* answer, int failure) {
-        m_fake.Expect("AT+CUSD?\r", answer, failure)
-            .WithTimeout(3000)
-            .WithPrefix("+CUSD: ")
-            .WithFinals(kCusdFinals);
-    }
     // Starts or ends a dialogue the way the network does, with a report.
     void SetDialogue(bool active) {
         ExpectCharSetQuery("\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n");
@@ -51,60 +50,43 @@ protected:
 };
 
 TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
-    struct Row {
-        const wchar_t* text;
-        const char* argument;
-    };
-    const Row rows[] = {
-        {L"*100#", "002A0031003000300023"},
-        {L"*123*1#", "002A003100320033002A00310023"},
-        {L"$", "0002"},        // code 2 sent as a UCS2 unit: kept
-        {L"@x", "00000078"},   // '@' is code 0
+    std::string thousandA; // a long text stops at 999 codes
+    for (int i = 0; i < 999; ++i)
+        thousandA += "0041";
+    // clang-format off
+    const struct { std::wstring text; std::string argument; } rows[] = {
+        {std::wstring(1200, L'A'), thousandA},
+        {L"*100#", "002A0031003000300023"}, {L"*123*1#", "002A003100320033002A00310023"},
+        {L"$", "0002"}, // code 2 sent as a UCS2 unit: kept
+        {L"@x", "00000078"}, // '@' is code 0
         {L"a[b]", "00610062"}, // extension characters are dropped
-        {L"`1", "0031"},
-        {L"\u20AC5", "0035"},
-        {L"\u00C4_\u00E9\u0394", "005B001100050010"},
+        {L"`1", "0031"}, {L"\u20AC5", "0035"}, {L"\u00C4_\u00E9\u0394", "005B001100050010"},
         {L"\u00A0", "001B"}, // the escape position holds U+00A0
-        {L"\u0416\U0001F600", ""},
-        {L"", ""},
+        {L"\u0416\U0001F600", ""}, {L"", ""},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.argument);
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.argument.substr(0, 40));
         m_fake.Expect("AT+CSCS=\"UCS2\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
-        m_fake.Expect(std::string("AT+CUSD=1,\"") + row.argument + "\",15\r")
+        m_fake.Expect("AT+CUSD=1,\"" + row.argument + "\",15\r")
             .WithTimeout(5000)
             .WithoutPrefix()
             .WithFinals(kCusdFinals);
-        EXPECT_EQ(m_ussd.SendUssdCmd(row.text), 0);
+        EXPECT_EQ(m_ussd.SendUssdCmd(row.text.c_str()), 0);
         EXPECT_TRUE(m_ussd.IsDialogueActive());
         m_fake.VerifyDone();
     }
 }
 
-TEST_F(UssdUtilityTest, SendStopsAt999Codes) {
-    const std::wstring text(1200, L'A');
-    std::string argument;
-    for (int i = 0; i < 999; ++i)
-        argument += "0041";
-    m_fake.Expect("AT+CSCS=\"UCS2\"\r");
-    m_fake.Expect("AT+CUSD=1,\"" + argument + "\",15\r");
-    EXPECT_EQ(m_ussd.SendUssdCmd(text.c_str()), 0);
-}
-
 TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
     // clang-format off
-    struct Row { const char* charSetAnswer; int charSetResult; const char* answer; int result; int sendResult; bool active; };
-    const Row rows[] = {
-        {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true},
-        {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
-        {"", 2, "\r\nOK\r\n", 0, 0, true},
-        {"\r\nOK\r\n", 0, "\r\n+CME ERROR: unknown\r\n", 0, 1, false},
-        {"\r\nOK\r\n", 0, "\r\nERROR\r\n", 0, 1, false},
-        {"\r\nOK\r\n", 0, "", 2, 2, false},
-        {"\r\nOK\r\n", 0, "", 30, 30, false},
+    const struct { const char* charSetAnswer; int charSetResult; const char* answer; int result; int sendResult; bool active; } rows[] = {
+        {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true}, {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
+        {"", 2, "\r\nOK\r\n", 0, 0, true}, {"\r\nOK\r\n", 0, "\r\n+CME ERROR: unknown\r\n", 0, 1, false},
+        {"\r\nOK\r\n", 0, "\r\nERROR\r\n", 0, 1, false}, {"\r\nOK\r\n", 0, "", 2, 2, false}, {"\r\nOK\r\n", 0, "", 30, 30, false},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         CUssdUility ussd;
         ussd.RegisterExecAT(ScriptedAtFake::Callback());
@@ -115,49 +97,16 @@ TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
         m_fake.VerifyDone();
     }
     EXPECT_EQ(m_ussd.SendUssdCmd(nullptr), 1);
-    CUssdUility unregistered;
-    EXPECT_EQ(unregistered.SendUssdCmd(L"*100#"), 1);
-    EXPECT_FALSE(unregistered.IsDialogueActive());
-}
-
-TEST_F(UssdUtilityTest, CheckStateReadsThePresentationState) {
-    // clang-format off
-    // state: -1: left alone
-    struct Row { const char* answer; int failure; int result; int state; };
-    const Row rows[] = {
-        {"\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, 0, 1},
-        {"AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, 0, 0},
-        {"\r\n+CUSD: 2\r\n", 0, 0, 2},
-        {"\r\n+CUSD:1\r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\n+CUSD: \r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\nOK\r\n", 0, 1, -1},
-        {"\r\n+CME ERROR: operation not allowed\r\n", 0, 1, -1},
-        {"", 2, 2, -1},
-        {"", 30, 30, -1},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        ExpectStateQuery(row.answer, row.failure);
-        int state = -1;
-        EXPECT_EQ(m_ussd.CheckUssdState(state), row.result);
-        EXPECT_EQ(state, row.state);
-    }
 }
 
 TEST_F(UssdUtilityTest, SetStateNeedsOk) {
     // clang-format off
-    struct Row { int state; const char* command; const char* answer; int failure; int result; };
-    const Row rows[] = {
-        {1, "AT+CUSD=1\r", "\r\nOK\r\n", 0, 0},
-        {0, "AT+CUSD=0\r", "\r\nOK\r\n", 0, 0},
-        {2, "AT+CUSD=2\r", "\r\nERROR\r\n", 0, 1},
-        {-7, "AT+CUSD=-7\r", "\r\n+CME ERROR: 4\r\n", 0, 1},
-        {1, "AT+CUSD=1\r", "", 2, 2},
+    const struct { int state; const char* command; const char* answer; int failure; int result; } rows[] = {
+        {1, "AT+CUSD=1\r", "\r\nOK\r\n", 0, 0}, {0, "AT+CUSD=0\r", "\r\nOK\r\n", 0, 0}, {2, "AT+CUSD=2\r", "\r\nERROR\r\n", 0, 1},
+        {-7, "AT+CUSD=-7\r", "\r\n+CME ERROR: 4\r\n", 0, 1}, {1, "AT+CUSD=1\r", "", 2, 2},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.command);
         m_fake.Expect(row.command, row.answer, row.failure)
             .WithTimeout(5000)
@@ -169,26 +118,20 @@ TEST_F(UssdUtilityTest, SetStateNeedsOk) {
 }
 
 TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
-    struct Row {
-        const char* name;
-        bool activeBefore;
-        const char* stateAnswer;
-        int stateFailure;
-        const char* cancelAnswer; // nullptr: no AT+CUSD=2 expected
-        int cancelFailure;
-        int result;
-        bool activeAfter;
-    };
+    // clang-format off
+    // cancelAnswer: nullptr: no AT+CUSD=2 expected
+    struct Row { const char* name; bool activeBefore; const char* stateAnswer; int stateFailure; const char* cancelAnswer; int cancelFailure; int result; bool activeAfter; };
+    // clang-format on
     const char* state1 = "\r\n+CUSD: 1\r\n\r\nOK\r\n";
+    // clang-format off
     const Row rows[] = {
         {"no dialogue", false, state1, 0, nullptr, 0, 0, false},
         {"modem reports state 0", true, "\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, nullptr, 0, 0, false},
-        {"cancel accepted", true, state1, 0, "\r\nOK\r\n", 0, 0, false},
-        {"cancel refused", true, state1, 0, "\r\n+CME ERROR: 3\r\n", 0, 1, true},
-        {"cancel times out", true, state1, 0, "", 2, 2, true},
-        {"state query times out", true, "", 2, nullptr, 0, 2, true},
+        {"cancel accepted", true, state1, 0, "\r\nOK\r\n", 0, 0, false}, {"cancel refused", true, state1, 0, "\r\n+CME ERROR: 3\r\n", 0, 1, true},
+        {"cancel times out", true, state1, 0, "", 2, 2, true}, {"state query times out", true, "", 2, nullptr, 0, 2, true},
         {"state unreadable", true, "\r\nOK\r\n", 0, nullptr, 0, 1, true},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         SetDialogue(row.activeBefore);
@@ -205,79 +148,94 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
     }
 }
 
-TEST_F(UssdUtilityTest, GetEncodingFormatSearchesTheNamesInOrder) {
+// The presentation state and the character set read back; -1: left alone. The set's names are searched in
+// order.
+TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
+    const auto state = [this] {
+        int value = -1;
+        const int result = m_ussd.CheckUssdState(value);
+        return Fields(result, value);
+    };
+    const auto set = [this] {
+        int value = -1;
+        const int result = m_ussd.getEcodingFormat(value);
+        return Fields(result, value);
+    };
     // clang-format off
-    // set: -1: left alone
-    struct Row { const char* answer; int failure; int result; int set; };
-    const Row rows[] = {
-        {"\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, 0, 5},
-        {"AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, 0, 2},
-        {"\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n", 0, 0, 0},
-        {"\r\n+CSCS: \"HEX\"\r\n\r\nOK\r\n", 0, 0, 1},
-        {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, 1, -1},
-        {"\r\nERROR\r\n", 0, 1, -1},
-        {"", 30, 30, -1},
+    const struct { bool cusd; const char* answer; int failure; const char* expected; } rows[] = {
+        {true, "\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, "0|1"}, {true, "AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, "0|0"}, {true, "\r\n+CUSD: 2\r\n", 0, "0|2"},
+        {true, "\r\n+CUSD:1\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: \r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, "1|-1"},
+        {true, "\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CME ERROR: operation not allowed\r\n", 0, "1|-1"}, {true, "", 2, "2|-1"}, {true, "", 30, "30|-1"},
+        {false, "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, "0|5"}, {false, "AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, "0|2"},
+        {false, "\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n", 0, "0|0"}, {false, "\r\n+CSCS: \"HEX\"\r\n\r\nOK\r\n", 0, "0|1"},
+        {false, "\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, "1|-1"}, {false, "\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, "1|-1"},
+        {false, "\r\nERROR\r\n", 0, "1|-1"}, {false, "", 30, "30|-1"},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+CSCS?\r", row.answer, row.failure)
-            .WithTimeout(1000)
-            .WithoutPrefix()
-            .WithFinals(kCscsFinals);
-        int set = -1;
-        EXPECT_EQ(m_ussd.getEcodingFormat(set), row.result);
-        EXPECT_EQ(set, row.set);
-    }
-}
-
-TEST_F(UssdUtilityTest, SelectTeCharacterSetNamesTheSet) {
-    // clang-format off
-    // name: nullptr: nothing is sent
-    struct Row { int set; int codePage; int part; const char* name; const char* answer; int result; };
-    const char* ok = "\r\nOK\r\n";
-    const Row rows[] = {
-        {0, 0, 0, "GSM", ok, 0},
-        {1, 0, 0, "HEX", ok, 0},
-        {2, 0, 0, "IRA", ok, 0},
-        {3, 437, 0, "PCCP437", ok, 0},
-        {3, 5, 0, "PCCP005", ok, 0},
-        {4, 0, 0, "PCDN", ok, 0},
-        {5, 0, 0, "UCS2", ok, 0},
-        {6, 0, 1, "8859-1", ok, 0},
-        {7, 0, 0, "8859-C", ok, 0},
-        {8, 0, 0, "8859-A", ok, 0},
-        {9, 0, 0, "8859-G", ok, 0},
-        {10, 0, 0, "8859-H", ok, 0},
-        {5, 0, 0, "UCS2", "\r\nERROR\r\n", 1},
-        {11, 0, 0, nullptr, "", 1},
-        {-1, 0, 0, nullptr, "", 1},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message() << "set " << row.set);
-        if (row.name != nullptr) {
-            m_fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r", row.answer)
+        if (row.cusd)
+            m_fake.Expect("AT+CUSD?\r", row.answer, row.failure)
+                .WithTimeout(3000)
+                .WithPrefix("+CUSD: ")
+                .WithFinals(kCusdFinals);
+        else
+            m_fake.Expect("AT+CSCS?\r", row.answer, row.failure)
                 .WithTimeout(1000)
                 .WithoutPrefix()
                 .WithFinals(kCscsFinals);
-        }
-        EXPECT_EQ(m_ussd.SelectTeCharacterSet(row.set, row.codePage, row.part), row.result);
-        m_fake.VerifyDone();
+        EXPECT_EQ(row.cusd ? state() : set(), row.expected);
     }
 }
 
-TEST(UssdDcs, AlphabetFollowsTheCodingGroups) {
-    struct Row {
-        int dcs;
-        int alphabet;
+// The phone book, message and USSD families name the character set alike; 11 and -1 are refused unsent.
+TEST(CharacterSets, EveryFamilyNamesTheSet) {
+    ScriptedAtFake fake;
+    CPbUtility pb;
+    CSmsUtility sms;
+    CUssdUility ussd;
+    pb.RegisterExecAT(ScriptedAtFake::Callback());
+    sms.RegisterExecAT(ScriptedAtFake::Callback());
+    ussd.RegisterExecAT(ScriptedAtFake::Callback());
+    const std::pair<const char*, std::function<int(int, int, int)>> families[] = {
+        {"phone book", [&](int set, int page, int part) { return pb.SelectTeCharacterSet(set, page, part); }},
+        {"messages", [&](int set, int page, int part) { return sms.SelectTeCharacterSet(set, page, part); }},
+        {"USSD", [&](int set, int page, int part) { return ussd.SelectTeCharacterSet(set, page, part); }}};
+    // clang-format off
+    // name: nullptr: nothing is sent
+    const char* ok = "\r\nOK\r\n";
+    const struct { int set; int codePage; int part; const char* name; const char* answer; int result; } rows[] = {
+        {0, 0, 0, "GSM", ok, 0}, {1, 0, 0, "HEX", ok, 0}, {2, 0, 0, "IRA", ok, 0}, {3, 437, 0, "PCCP437", ok, 0}, {3, 5, 0, "PCCP005", ok, 0},
+        {4, 0, 0, "PCDN", ok, 0}, {5, 0, 0, "UCS2", ok, 0}, {6, 0, 1, "8859-1", ok, 0}, {7, 0, 0, "8859-C", ok, 0}, {8, 0, 0, "8859-A", ok, 0},
+        {9, 0, 0, "8859-G", ok, 0}, {10, 0, 0, "8859-H", ok, 0}, {5, 0, 0, "UCS2", "\r\nERROR\r\n", 1}, {11, 0, 0, nullptr, "", 1},
+        {-1, 0, 0, nullptr, "", 1}, {5, 0, 0, "UCS2", "\r\n+CME ERROR: operation not supported\r\n", 1}, {3, 37, 0, "PCCP037", "\r\nERROR\r\n", 1},
     };
-    const Row rows[] = {
+    // clang-format on
+    for (const auto& [family, select] : families) {
+        for (const auto& row : rows) {
+            SCOPED_TRACE(testing::Message() << family << " set " << row.set);
+            if (row.name != nullptr) {
+                fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r", row.answer)
+                    .WithTimeout(1000)
+                    .WithoutPrefix()
+                    .WithFinals(kCscsFinals);
+            }
+            EXPECT_EQ(select(row.set, row.codePage, row.part), row.result);
+            fake.VerifyDone();
+        }
+    }
+    fake.ExpectFailure("AT+CSCS=\"UCS2\"\r", 30);
+    EXPECT_EQ(pb.SelectTeCharacterSet(5, 0, 0), 1);
+}
+
+TEST(UssdDcs, AlphabetFollowsTheCodingGroups) {
+    // clang-format off
+    const struct { int dcs; int alphabet; } rows[] = {
         {0x00, 0}, {0x0F, 3}, {0x11, 0}, {0x44, 1}, {0x48, 2}, {0x4C, 3}, {0x80, 3}, {0xBF, 3},
         {0xC0, 0}, {0xD8, 0}, {0xE0, 2}, {0xE4, 2}, {0xF0, 0}, {0xF4, 1}, {0xFF, 1}, {0x18, 2},
     };
-    for (const Row& row : rows)
+    // clang-format on
+    for (const auto& row : rows)
         EXPECT_EQ(CUssdUility::DecodeDcsAlphabet(static_cast<uint8_t>(row.dcs)), row.alphabet) << row.dcs;
 }
 
@@ -289,37 +247,30 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
     const char* ucs2 = "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n";
     const char* gsm = "\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n";
     const Row rows[] = {
-        {ucs2, "+CUSD: 1,\"00480069\",72", 1, L"Hi", false, true},
-        {ucs2, "+CUSD: 2", 2, L"", true, false},
+        {ucs2, "+CUSD: 1,\"00480069\",72", 1, L"Hi", false, true}, {ucs2, "+CUSD: 2", 2, L"", true, false},
         {ucs2, "+CUSD: 0,\"00480069\",68", 0, L"", true, false}, // 8-bit data is not shown
         {gsm, "+CUSD: 0,\"48656C6C6F\",15", 0, L"Hello", false, false},
         {gsm, "+CUSD: 0,\"00021B80\",15", 0, L"@$\u00A0", false, false}, // 0x80 is no code
         {ucs2, "+CUSD: 0,\"00480065006C006C006F\",15", 0, L"Hello", false, false},
         {ucs2, "+CUSD: 0,\"0000002400E9041F\",15", 0, L"@\u00A4\u00E9\u041F", false, false},
         {ucs2, "+CUSD: 1,\"0422043E043F\",72", 1, L"\u0422\u043E\u043F", false, true},
-        {ucs2, "+CUSD: 1,\"004800\",72", 1, L"H", false, true},     // the odd octet is dropped
-        {ucs2, "+CUSD: 1,\"00480\",72", 1, L"H", false, true},      // the odd digit too
+        {ucs2, "+CUSD: 1,\"004800\",72", 1, L"H", false, true}, // the odd octet is dropped
+        {ucs2, "+CUSD: 1,\"00480\",72", 1, L"H", false, true}, // the odd digit too
         {ucs2, "+CUSD: 1,\"0048ZZ0069\",72", 1, L"H", false, true}, // stops at a pair that is no hex
-        {gsm, "+CUSD: 1,\"4869\",0", 1, L"Hi", false, true},
-        {gsm, "+CUSD: 1,\"4869\",  17", 1, L"Hi", false, true},
+        {gsm, "+CUSD: 1,\"4869\",0", 1, L"Hi", false, true}, {gsm, "+CUSD: 1,\"4869\",  17", 1, L"Hi", false, true},
         {gsm, "+CUSD: 1,\"4869\";15", 1, L"Hi", false, true}, // read by position, not by the comma
-        {ucs2, "\r\n+CUSD: 4\r\n", 4, L"", true, false},
-        {ucs2, "+CUSD: 5", 5, L"", true, false},
-        {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", true, true},
-        {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", false, false},
-        {ucs2, "+CUSD: 1,\"\",72", 1, L"", false, true},
-        {ucs2, "+CUSD: 1,\"0048", 1, L"", false, true},    // no closing quote
-        {ucs2, "+CUSD: 1,\"0048\"", 1, L"", false, true},  // no coding scheme
+        {ucs2, "\r\n+CUSD: 4\r\n", 4, L"", true, false}, {ucs2, "+CUSD: 5", 5, L"", true, false}, {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", true, true},
+        {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", false, false}, {ucs2, "+CUSD: 1,\"\",72", 1, L"", false, true},
+        {ucs2, "+CUSD: 1,\"0048", 1, L"", false, true}, // no closing quote
+        {ucs2, "+CUSD: 1,\"0048\"", 1, L"", false, true}, // no coding scheme
         {ucs2, "+CUSD: 1,\"0048\",", 1, L"", false, true}, // nor here
         {ucs2, "+CUSD: 1,\"0048\",x", 1, L"", false, true},
         {ucs2, "+CUSD: 1,\"0048\",256", 1, L"", false, true}, // no byte
         {ucs2, "+CUSD: 1,\"0048\",-1", 1, L"", false, true},
-        {ucs2, "+CUSD: 1 \"0048\"", 1, L"", false, true},   // no comma
-        {ucs2, "+CUSD: 1,0048,72", 1, L"", false, true},    // no quote
+        {ucs2, "+CUSD: 1 \"0048\"", 1, L"", false, true}, // no comma
+        {ucs2, "+CUSD: 1,0048,72", 1, L"", false, true}, // no quote
         {ucs2, "+CUSD:1,\"0048\",72", -1, L"", true, true}, // no blank: not a report
-        {ucs2, "+CUSD: x", -1, L"", false, false},
-        {ucs2, "+CUSD: 99999999999,\"0048\",72", -1, L"", true, true},
-        {ucs2, "OK", -1, L"", true, true},
+        {ucs2, "+CUSD: x", -1, L"", false, false}, {ucs2, "+CUSD: 99999999999,\"0048\",72", -1, L"", true, true}, {ucs2, "OK", -1, L"", true, true},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -339,27 +290,21 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
 
 TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
     // clang-format off
-    struct Row { const char* answer; int failure; int result; };
-    const Row rows[] = {
-        {"", 2, 2},
-        {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1},
-        {"\r\nERROR\r\n", 0, 1},
+    const struct { const char* answer; int failure; int result; } rows[] = {
+        {"", 2, 2}, {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1}, {"\r\nERROR\r\n", 0, 1},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         m_fake.Expect("AT+CSCS?\r", row.answer, row.failure);
         TUssdItem item;
         item.nType = -1;
-        EXPECT_EQ(m_ussd.Receive("+CUSD: 1,\"00480069\",72", item), row.result);
-        EXPECT_EQ(item.nType, -1);
-        EXPECT_TRUE(item.wstrContent.empty());
-        EXPECT_FALSE(m_ussd.IsDialogueActive());
+        const int result = m_ussd.Receive("+CUSD: 1,\"00480069\",72", item);
+        EXPECT_EQ(Fields(result, item.nType, item.wstrContent.size(), m_ussd.IsDialogueActive()),
+                  Fields(row.result, -1, 0, false));
     }
     TUssdItem item;
     EXPECT_EQ(m_ussd.Receive(nullptr, item), 1);
-    CUssdUility unregistered;
-    EXPECT_EQ(unregistered.Receive("+CUSD: 1,\"00480069\",72", item), 1);
 }
 
 // Network texts are untrusted: every cut of a report and an over-long text stay within bounds.
@@ -391,13 +336,12 @@ TEST(UssdReport, TruncatedAndOverlongReportsStayBounded) {
 
 TEST(UssdHelpers, QuotationStringHexAndEncodeType) {
     // clang-format off
-    struct QuoteRow { const char* text; int result; const char* quoted; };
-    const QuoteRow quotes[] = {
+    const struct { const char* text; int result; const char* quoted; } quotes[] = {
         {"\"0048\",72", 0, "0048"}, {"\"\"", 0, ""},       {"\"ab\"cd\"", 0, "ab"},
         {"0048\"", 1, "left"},      {"\"0048", 1, "left"}, {"", 1, "left"},
     };
     // clang-format on
-    for (const QuoteRow& row : quotes) {
+    for (const auto& row : quotes) {
         std::string quoted = "left";
         EXPECT_EQ(CUssdUility::GetQuotationString(row.text, quoted), row.result) << row.text;
         EXPECT_EQ(quoted, row.quoted) << row.text;
@@ -405,18 +349,13 @@ TEST(UssdHelpers, QuotationStringHexAndEncodeType) {
     std::string quoted;
     EXPECT_EQ(CUssdUility::GetQuotationString(nullptr, quoted), 1);
 
-    EXPECT_EQ(CUssdUility::HexCharToInt('0'), 0);
-    EXPECT_EQ(CUssdUility::HexCharToInt('f'), 15);
-    EXPECT_EQ(CUssdUility::HexCharToInt('A'), 10);
-    EXPECT_EQ(CUssdUility::HexCharToInt('g'), -1);
-    EXPECT_EQ(CUssdUility::HexCharToInt('\0'), -1);
-
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"*100#"), 0);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"[\\]^{|}~\u20AC"), 0);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"\u00E9\u0394"), 0);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"`"), 2);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L"\u041F\u0440\u0438"), 2);
-    EXPECT_EQ(CUssdUility::GetEncodeType(L""), 0);
+    std::string read;
+    for (const char digit : {'0', 'f', 'A', 'g', '\0'})
+        read += std::to_string(CUssdUility::HexCharToInt(digit)) + " ";
+    for (const wchar_t* text :
+         {L"*100#", L"[\\]^{|}~\u20AC", L"\u00E9\u0394", L"`", L"\u041F\u0440\u0438", L""})
+        read += std::to_string(CUssdUility::GetEncodeType(text)) + " ";
+    EXPECT_EQ(read, "0 15 10 -1 -1 0 0 0 2 2 0 ");
 
     uint8_t codes[4] = {9, 9, 9, 9};
     EXPECT_EQ(CUssdUility::WStringToDefault7Bit(L"a[bcd", codes, 4), 3);

@@ -1,0 +1,114 @@
+#pragma once
+
+// Small helpers shared by the command-family and codec tests of this folder.
+#include <cstdint>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ComOperation.h"
+#include "ScriptedAtFake.h"
+
+namespace at_test {
+
+// One answer line as modems frame it, with the final OK.
+inline std::string Answer(const std::string& line) {
+    return "\r\n" + line + "\r\n\r\nOK\r\n";
+}
+
+inline std::string Hex(const uint8_t* data, int count) {
+    static const char* const digits = "0123456789ABCDEF";
+    std::string hex;
+    for (int i = 0; i < count; ++i)
+        hex += std::string{digits[data[i] >> 4], digits[data[i] & 0x0F]};
+    return hex;
+}
+
+inline std::vector<uint8_t> FromHex(const std::string& hex) {
+    std::vector<uint8_t> octets;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
+        octets.push_back(static_cast<uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+    return octets;
+}
+
+// Several read-back fields as one text, so that a row compares them in one assertion: "a|b|c". Numbers print
+// as numbers (also uint8_t), texts as they are, anything else as GoogleTest prints it.
+inline void Show(std::ostream& out, const std::string& text) {
+    out << text;
+}
+inline void Show(std::ostream& out, const char* text) {
+    out << (text != nullptr ? text : "(null)");
+}
+inline void Show(std::ostream& out, char* text) {
+    Show(out, static_cast<const char*>(text));
+}
+inline void Show(std::ostream& out, const std::wstring& text) {
+    out << ::testing::PrintToString(text);
+}
+inline void Show(std::ostream& out, const wchar_t* text) {
+    Show(out, std::wstring(text));
+}
+inline void Show(std::ostream& out, const std::u16string& text) {
+    out << ::testing::PrintToString(text);
+}
+inline void Show(std::ostream& out, const char16_t* text) {
+    Show(out, std::u16string(text));
+}
+template <typename T> void Show(std::ostream& out, const T& value) {
+    if constexpr (std::is_arithmetic_v<T>)
+        out << +value;
+    else if constexpr (std::is_enum_v<T>)
+        out << static_cast<long long>(value);
+    else
+        out << ::testing::PrintToString(value);
+}
+template <typename... T> std::string Fields(const T&... values) {
+    std::ostringstream out;
+    const char* separator = "";
+    ((out << separator, Show(out, values), separator = "|"), ...);
+    return out.str();
+}
+
+// The serial channel's queued unsolicited reports, taken out of its queue: (kind, text).
+using Reports = std::vector<std::pair<int, std::string>>;
+inline Reports TakeReports() {
+    UnsolicitedReportList* list = nullptr;
+    ComOperation::GetInstance()->getUnsoliciteReportList(list);
+    Reports reports;
+    for (; !list->empty(); list->pop_front()) {
+        reports.emplace_back(list->front()->nType, list->front()->strText);
+        delete list->front();
+    }
+    return reports;
+}
+
+// Sends one command per answer and compares what the read gives back ("result|value", see Fields).
+struct Read {
+    std::string answer;
+    std::string expected;
+};
+template <typename F>
+void CheckReads(ScriptedAtFake& fake, const std::string& command, int timeoutMs, const char* prefix, F read,
+                const std::vector<Read>& rows) {
+    for (const Read& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        fake.Expect(command, row.answer).WithTimeout(timeoutMs).WithPrefix(prefix);
+        EXPECT_EQ(read(), row.expected);
+        fake.VerifyDone();
+    }
+}
+
+// A command family registered with the scripted fake.
+template <typename Family> class FamilyTest : public ::testing::Test {
+protected:
+    void SetUp() override { family.RegisterExecAT(ScriptedAtFake::Callback()); }
+    ScriptedAtFake fake;
+    Family family;
+};
+
+} // namespace at_test
