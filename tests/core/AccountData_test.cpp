@@ -60,19 +60,27 @@ std::string Summary(const _TAccountData& data) {
     return out;
 }
 
-std::string item(const std::string& inside) { return "<ITEM>" + inside + "</ITEM>"; }
+std::string item(const std::string& inside) {
+    return "<ITEM>" + inside + "</ITEM>";
+}
 std::string fullItem() {
     return item("<ITEM_STRING>" + hex("Top up") +
                 "</ITEM_STRING><ITEM_TYPE_FOR>3</ITEM_TYPE_FOR><TITLE_STRING>" + hex("Top-up") +
                 "</TITLE_STRING><PROMPT_STRING>" + hex("Enter") + "</PROMPT_STRING><INPUT_SETTING>" + kInput +
                 "</INPUT_SETTING><BUTTON_SETTING>" + kButton + "</BUTTON_SETTING>");
 }
-std::string group(const std::string& inside) { return "<GROUP>" + inside + "</GROUP>"; }
+std::string group(const std::string& inside) {
+    return "<GROUP>" + inside + "</GROUP>";
+}
 std::string language(const std::string& attribute, const std::string& inside) {
     return "<LANGUAGE" + attribute + ">" + inside + "</LANGUAGE>";
 }
-std::string tip(const std::string& text = hex("Tip")) { return "<TIP>" + text + "</TIP>"; }
-std::string root(const std::string& inside) { return "<?xml version=\"1.0\"?><ROOT>" + inside + "</ROOT>"; }
+std::string tip(const std::string& text = hex("Tip")) {
+    return "<TIP>" + text + "</TIP>";
+}
+std::string root(const std::string& inside) {
+    return "<?xml version=\"1.0\"?><ROOT>" + inside + "</ROOT>";
+}
 std::string goodGroup(const std::string& name = "Balance") {
     return group("<GROUP_STRING>" + hex(name) + "</GROUP_STRING><GROUP_TYPE_FOR>1</GROUP_TYPE_FOR>" +
                  fullItem());
@@ -116,9 +124,10 @@ TEST(AccountData, ReadsEveryFieldOfTheChosenLanguage) {
     _TAccountData data;
     ASSERT_EQ(GetUSSDDataFromFile(path, data, 1), 0);
     // Optional parts left out: types 0, no inputs, no buttons.
-    EXPECT_EQ(Summary(data), "1 Hinweis\n"
-                             "Guthaben/1: Top up/3 Top-up Enter [Voucher 0000 0123456789 16 12] [Check *100#]\n"
-                             "Number/0: Show/0 T  \n");
+    EXPECT_EQ(Summary(data),
+              "1 Hinweis\n"
+              "Guthaben/1: Top up/3 Top-up Enter [Voucher 0000 0123456789 16 12] [Check *100#]\n"
+              "Number/0: Show/0 T  \n");
     // -1 takes the first language; reading again replaces what the record held.
     ASSERT_EQ(GetUSSDDataFromFile(path, data, -1), 0);
     EXPECT_EQ(data.nLanguageID, 0);
@@ -176,11 +185,14 @@ TEST(AccountData, OddNumbersAreBounded) {
     // clang-format on
     for (const auto& row : rows) {
         TempHome home;
-        const std::string input = "<INPUT><INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/><INPUT_MAXLEN>" +
-                                  std::string(row.text) + "</INPUT_MAXLEN><INPUT_MINLEN/></INPUT>";
-        const std::string inside = "<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/><INPUT_SETTING>" + input + "</INPUT_SETTING>";
-        const QString path = writeData(home, QByteArray::fromStdString(root(language(
-                                                 " LANGUAGE_ID=\"0\"", tip() + group("<GROUP_STRING/>" + item(inside))))));
+        const std::string input =
+            "<INPUT><INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/><INPUT_MAXLEN>" +
+            std::string(row.text) + "</INPUT_MAXLEN><INPUT_MINLEN/></INPUT>";
+        const std::string inside =
+            "<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/><INPUT_SETTING>" + input + "</INPUT_SETTING>";
+        const QString path = writeData(
+            home, QByteArray::fromStdString(
+                      root(language(" LANGUAGE_ID=\"0\"", tip() + group("<GROUP_STRING/>" + item(inside))))));
         _TAccountData data;
         ASSERT_EQ(GetUSSDDataFromFile(path, data, 0), 0) << row.text;
         EXPECT_EQ(data.groups.front().items.front().inputs.front().nMaxLen, row.value) << row.text;

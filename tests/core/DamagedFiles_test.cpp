@@ -2,8 +2,8 @@
 #include "AppConfig.h"
 #include "DamagedFile.h"
 #include "PropertyList.h"
-#include "SMSExt.h"
 #include "SMS/SMSStorage.h"
+#include "SMSExt.h"
 #include "Statistics/TrafficStatics.h"
 #include "TempHome.h"
 #include "UserDefaults.h"
@@ -139,7 +139,8 @@ TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
     }
 }
 
-// Entries of the wrong shape in a sound file are skipped, counted in a notice, and the file is kept as it was.
+// Entries of the wrong shape in a sound file are skipped, counted in a notice, and the file is kept as it
+// was.
 TEST_F(DamagedFiles, WrongEntriesAreCounted) {
     const QString imsi = QStringLiteral("262011234567890");
     const auto plist = [](const char* body) {

@@ -22,9 +22,15 @@ std::string Codes(const std::wstring& text) {
 }
 
 // A decoded record as one text: its fields joined by '|', items as "id:text".
-std::string Field(const std::wstring& text) { return Codes(text); }
-std::string Field(const std::string& text) { return text; }
-std::string Field(int number) { return std::to_string(number); }
+std::string Field(const std::wstring& text) {
+    return Codes(text);
+}
+std::string Field(const std::string& text) {
+    return text;
+}
+std::string Field(int number) {
+    return std::to_string(number);
+}
 std::string Field(const std::list<int>& numbers) {
     std::string out;
     for (const int n : numbers)
@@ -147,7 +153,8 @@ TEST(STKCodec, DecodersReadTheirCommandsFields) {
         EXPECT_EQ(row.decode(), row.fields);
 
     // Another command's listing, or none, is refused and the record reset.
-    for (const char* text : {"+STGI:20\r\nOK", "+STGI: 11,\"Games\",1,2", "\r\nOK\r\n", "", "+STGI: \"Hi\""}) {
+    for (const char* text :
+         {"+STGI:20\r\nOK", "+STGI: 11,\"Games\",1,2", "\r\nOK\r\n", "", "+STGI: \"Hi\""}) {
         TSTKDisplayTextReq display;
         display.wstrText = L"old";
         display.nPriority = 1;

@@ -38,7 +38,8 @@ Names accounts(const QList<APNInfo>& list) {
 
 Names storedAccounts(const TempHome& home, const QString& imsi) {
     Names out;
-    for (const QVariant& item : PropertyList::readMap(home.userFile("UserIMSIAPNList.plist")).value(imsi).toList())
+    for (const QVariant& item :
+         PropertyList::readMap(home.userFile("UserIMSIAPNList.plist")).value(imsi).toList())
         out.push_back(item.toMap().value("ACCOUNT").toString().toStdString());
     return out;
 }
@@ -46,8 +47,8 @@ Names storedAccounts(const TempHome& home, const QString& imsi) {
 // A profile's fields joined by '|', a null text as "~".
 std::string fields(const APNInfo& p) {
     QStringList out;
-    for (const QString* text : {&p.strAccount, &p.strMCCMNC, &p.strDialNum, &p.strUserName, &p.strPassword, &p.strApn,
-                                &p.strSPN, &p.strDNS1, &p.strDNS2})
+    for (const QString* text : {&p.strAccount, &p.strMCCMNC, &p.strDialNum, &p.strUserName, &p.strPassword,
+                                &p.strApn, &p.strSPN, &p.strDNS1, &p.strDNS2})
         out << (text->isNull() ? QStringLiteral("~") : *text);
     return (out.join('|') + "|" + QString::number(p.nAuthType)).toStdString();
 }
@@ -80,7 +81,8 @@ TEST(AppConfig, FirstRunWritesTheFlagDefaults) {
     EXPECT_EQ(config.getSMSValidityPeriod(), 0);
     EXPECT_FALSE(QFileInfo::exists(home.configFile("SystemConfig.plist")));
 
-    EXPECT_TRUE(config.getConnectSoundEnable() && config.getDisconnectSoundEnable() && config.getSMSIncomingSoundEnable());
+    EXPECT_TRUE(config.getConnectSoundEnable() && config.getDisconnectSoundEnable() &&
+                config.getSMSIncomingSoundEnable());
     EXPECT_FALSE(config.getSMSDeliveryReportEnable());
     // clang-format off
     EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")),
@@ -107,8 +109,8 @@ TEST(AppConfig, ReadsThePredefinedProfilesAndThePlmnTable) {
     // Short lines are skipped (the trailing "\r\n" makes an empty last line); lines of 7 to 10 columns
     // keep their later fields absent.
     const QList<APNInfo> fixed = config.fixedApnList();
-    ASSERT_EQ(accounts(fixed),
-              (Names{"Net A", "Reseller Y", "X one", "X two", "Solo", "Plain", "Three 1", "Three 2", "Three 3", "Plain 2"}));
+    ASSERT_EQ(accounts(fixed), (Names{"Net A", "Reseller Y", "X one", "X two", "Solo", "Plain", "Three 1",
+                                      "Three 2", "Three 3", "Plain 2"}));
     EXPECT_EQ(fields(fixed[4]), "Solo|23415|*99#|web|secret|solo.apn|SOLO|8.8.8.8|8.8.4.4|2");
     EXPECT_EQ(fields(fixed[6]), "Three 1|46000|*99#|||cmnet|~|~|~|0");
     EXPECT_EQ(fields(fixed[7]), "Three 2|46000|*99#|||cmwap||~|~|0");
@@ -121,8 +123,8 @@ TEST(AppConfig, ReadsThePredefinedProfilesAndThePlmnTable) {
     EXPECT_EQ(config.getOperatorNameByNumeric("2080"), "");
     EXPECT_EQ(config.getOperatorNameByNumeric(""), "");
     expectLogged(log, {"[-CNSLOG_ERROR-]: AppConfig.cpp:", "-->>: FixAPN list incorrect!! in 9 lien\n",
-                       "-->>: FixAPN list incorrect!! in 11 lien\n", "-->>: PLMN list incorrect!! in 2 lien\n",
-                       "-->>: PLMN list incorrect!! in 4 lien\n"});
+                       "-->>: FixAPN list incorrect!! in 11 lien\n",
+                       "-->>: PLMN list incorrect!! in 2 lien\n", "-->>: PLMN list incorrect!! in 4 lien\n"});
 }
 
 TEST(AppConfig, MissingResourcesGiveEmptyTables) {
@@ -157,7 +159,8 @@ TEST(AppConfig, ChoosesTheProfilesForASim) {
         TempHome home;
         home.useResources(kProfiles, kPlmn);
         AppConfig config;
-        EXPECT_EQ(accounts(config.getFixApnByIMSI(row.imsi, row.spn ? QString(row.spn) : QString())), row.chosen);
+        EXPECT_EQ(accounts(config.getFixApnByIMSI(row.imsi, row.spn ? QString(row.spn) : QString())),
+                  row.chosen);
         EXPECT_EQ(accounts(config.getUserIMSIApnList()), row.chosen);
         EXPECT_EQ(storedAccounts(home, row.imsi), row.chosen);
         EXPECT_EQ(config.currentIMSI(), row.imsi);
@@ -187,7 +190,8 @@ TEST(AppConfig, DefaultProfileFollowsItsSim) {
     const QString simA = "460001234567890";
     const QString simB = "208011234567890";
     const auto defaultName = [](const AppConfig& config) {
-        return config.getDefaultUserAPNItem() ? config.getDefaultUserAPNItem()->strAccount.toStdString() : "(none)";
+        return config.getDefaultUserAPNItem() ? config.getDefaultUserAPNItem()->strAccount.toStdString()
+                                              : "(none)";
     };
     {
         AppConfig config;
@@ -230,7 +234,9 @@ TEST(AppConfig, DefaultProfileFollowsItsSim) {
         EXPECT_TRUE(config.isSetDefaultUserApn());
         EXPECT_FALSE(config.isFromIMSI());
         EXPECT_EQ(defaultName(config), "Work");
-        EXPECT_EQ(PropertyList::readList(home.userFile("UserAPNList.plist")).value(0).toMap().value("ACCOUNT"), "Work");
+        EXPECT_EQ(
+            PropertyList::readList(home.userFile("UserAPNList.plist")).value(0).toMap().value("ACCOUNT"),
+            "Work");
 
         // A profile that is not in the list changes nothing.
         config.setDefaultUserApnItems(profile("Elsewhere", "x"));
@@ -268,7 +274,8 @@ TEST(AppConfig, OneIndexAddressesBothLists) {
     EXPECT_FALSE(config.isSetDefaultUserApn());
     EXPECT_EQ(PropertyList::readList(home.userFile("UserAPNList.plist")).size(), 2);
     EXPECT_EQ(storedAccounts(home, "460001234567890"), edited);
-    expectLogged(log, {"-->>: index is over max count nIndex = 2\n", "-->>: index is over max count nIndex = 90003\n"});
+    expectLogged(log, {"-->>: index is over max count nIndex = 2\n",
+                       "-->>: index is over max count nIndex = 90003\n"});
 
     config.deleteSingleUserApnItem(2);
     config.deleteSingleUserApnItem(0);
@@ -299,13 +306,15 @@ TEST(AppConfig, TwoWritersKeepEachOthersProfiles) {
 TEST(AppConfig, CorruptFilesReadAsEmpty) {
     TempHome home;
     QDir().mkpath(home.userData());
-    TempHome::writeFile(home.configFile("SystemConfig.plist"), "<?xml version=\"1.0\"?><plist><dict><key>SOUND_");
+    TempHome::writeFile(home.configFile("SystemConfig.plist"),
+                        "<?xml version=\"1.0\"?><plist><dict><key>SOUND_");
     TempHome::writeFile(home.userFile("UserAPNList.plist"), QByteArray("bplist00\x01\x02", 10));
     TempHome::writeFile(home.userFile("UserIMSIAPNList.plist"), "garbage");
     AppConfig config;
     EXPECT_TRUE(config.getUserApnList().isEmpty());
     EXPECT_FALSE(config.getSMSDeliveryReportEnable());
-    EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")).value("SOUND_SMS_DELIVERY_REPORT"), "FALSE");
+    EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")).value("SOUND_SMS_DELIVERY_REPORT"),
+              "FALSE");
     config.addUserAPNItem(profile("Home", "home.apn"));
     EXPECT_EQ(AppConfig().getUserApnList().size(), 1);
 }
@@ -330,9 +339,10 @@ TEST(AppConfig, FailedWritesAreLoggedAndMemoryKept) {
     EXPECT_EQ(config.writeUserIMSIApnListToFile(), 0);
     EXPECT_TRUE(QFileInfo(home.userFile("UserIMSIAPNList.plist")).isFile());
     StoreFile::setFaultHook({});
-    expectLogged(log, {"[-CNSLOG_ERROR-]: AppConfig.cpp:", "AppConfig::writeSystemConfigToFile VER:",
-                       "-->>: config file write error!!!\n", "AppConfig::changeUserList VER:",
-                       "UserIMSIAPNList.plist is not a regular file, kept as", "-->>: file write error!!!\n"});
+    expectLogged(log,
+                 {"[-CNSLOG_ERROR-]: AppConfig.cpp:", "AppConfig::writeSystemConfigToFile VER:",
+                  "-->>: config file write error!!!\n", "AppConfig::changeUserList VER:",
+                  "UserIMSIAPNList.plist is not a regular file, kept as", "-->>: file write error!!!\n"});
 }
 
 } // namespace
