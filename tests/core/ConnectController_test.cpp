@@ -119,7 +119,7 @@ TEST_F(ConnectControllerTest, OfferedListPutsTheSimsProfilesFirstAndSelectsTheUs
     for (const APNInfo& p : controller->offeredProfiles())
         names << p.strAccount;
     EXPECT_EQ(names, (QStringList{"X one", "X two", "Mine"}));
-    EXPECT_EQ(controller->defaultIndex() * 10 + controller->selectedIndex(), 22);
+    EXPECT_EQ(std::pair(controller->defaultIndex(), controller->selectedIndex()), std::pair(2, 2));
     EXPECT_TRUE(controller->choiceEnabled());
 }
 
