@@ -6,7 +6,6 @@
 #include "RecordingTransport.h"
 #include "Statistics/TrafficStatics.h"
 #include "TempHome.h"
-#include "WorkNotification.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -34,8 +33,6 @@ protected:
         ensureApplication();
         registerRecordMetaTypes();
         ConnectController::resetProcessState();
-        _oldConfigHome = qgetenv("XDG_CONFIG_HOME");
-        qunsetenv("XDG_CONFIG_HOME");
         home.useResources("X one\t26201\t*99#\t\t\tx1\t0\t\t\t\t\r\n"
                           "X two\t26201\t\t\t\tx2\t0\t\t\t\t\r\n",
                           "26201\tTelekom\r\n");
@@ -59,8 +56,6 @@ protected:
         modem.reset();
         qunsetenv("STUB_EXIT");
         qunsetenv("DIALTONE_PEERS_DIR");
-        if (!_oldConfigHome.isEmpty())
-            qputenv("XDG_CONFIG_HOME", _oldConfigHome);
     }
 
     QStringList toolCalls() const {
@@ -103,9 +98,6 @@ protected:
     std::unique_ptr<TrafficStatics> traffic;
     std::unique_ptr<ConnectController> controller;
     QStringList echoed;
-
-private:
-    QByteArray _oldConfigHome;
 };
 
 TEST_F(ConnectControllerTest, OfferedListPutsTheSimsProfilesFirstAndSelectsTheUsersDefault) {

@@ -190,9 +190,8 @@ TEST_F(DamagedFiles, ReaderTellsAbsentGoodAndDamagedApart) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         QFile::remove(path);
-        if (row.bytes) {
+        if (row.bytes)
             TempHome::writeFile(path, *row.bytes);
-        }
         QVariant content;
         EXPECT_EQ(DamagedFile::readPropertyList(path, row.root, content), row.state);
         EXPECT_EQ(content.isValid(), row.state == DamagedFile::State::Good);

@@ -242,22 +242,19 @@ TEST(STKCodec, OversizedAndBrokenListingsStayBounded) {
         const int teSet = round % 2 == 0 ? USSD_TE_UCS2 : USSD_TE_GSM;
         int type = 0;
         CSTKCodec::GetProactiveCommandType(text, type);
-        TSTKSetupMenuReq m;
-        TSTKSelectItemReq s;
-        TSTKGetInputReq gi;
-        TSTKSetupCallReq sc;
-        TSTKSetupEventListReq el;
-        TSTKLanguageNotificationReq ln;
-        TSTKSendDTMFReq dt;
-        CSTKCodec::DecodeSetupMenuReq(text, m, teSet);
-        CSTKCodec::DecodeSelectItemReq(text, s, teSet);
-        CSTKCodec::DecodeGetInputReq(text, gi, teSet);
-        CSTKCodec::DecodeSetupCallReq(text, sc, teSet);
-        CSTKCodec::DecodeSetupEventListReq(text, el, teSet);
-        CSTKCodec::DecodeLanguageNotificationReq(text, ln, teSet);
-        CSTKCodec::DecodeSendDTMFReq(text, dt, teSet);
-        EXPECT_LE(m.wstrTitle.size(), static_cast<std::size_t>(kSTKMaxTextChars));
-        EXPECT_LE(el.lstEvents.size(), static_cast<std::size_t>(kSTKMaxEvents));
+        const auto decode = [&](auto function, auto record) {
+            function(text, record, teSet);
+            return record;
+        };
+        decode(&CSTKCodec::DecodeSelectItemReq, TSTKSelectItemReq());
+        decode(&CSTKCodec::DecodeGetInputReq, TSTKGetInputReq());
+        decode(&CSTKCodec::DecodeSetupCallReq, TSTKSetupCallReq());
+        decode(&CSTKCodec::DecodeLanguageNotificationReq, TSTKLanguageNotificationReq());
+        decode(&CSTKCodec::DecodeSendDTMFReq, TSTKSendDTMFReq());
+        EXPECT_LE(decode(&CSTKCodec::DecodeSetupMenuReq, TSTKSetupMenuReq()).wstrTitle.size(),
+                  size_t(kSTKMaxTextChars));
+        EXPECT_LE(decode(&CSTKCodec::DecodeSetupEventListReq, TSTKSetupEventListReq()).lstEvents.size(),
+                  size_t(kSTKMaxEvents));
     }
 }
 

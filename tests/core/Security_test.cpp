@@ -27,16 +27,11 @@ namespace {
 
 // Arguments a shell would act on; the marker file exists only if one of them ran as a command.
 QStringList hostileArguments(const QString& marker) {
-    return {QStringLiteral("it's"),
-            QStringLiteral("say \"hi\""),
-            QStringLiteral("$(touch %1)").arg(marker),
-            QStringLiteral("`touch %1`").arg(marker),
-            QStringLiteral("x; touch %1").arg(marker),
-            QStringLiteral("x && touch %1 || touch %1").arg(marker),
-            QStringLiteral("x | touch %1").arg(marker),
-            QStringLiteral("line one\ntouch %1").arg(marker),
-            QStringLiteral("*"),
-            QString()};
+    // clang-format off
+    return {"it's", "say \"hi\"", QString("$(touch %1)").arg(marker), QString("`touch %1`").arg(marker), QString("x; touch %1").arg(marker),
+            QString("x && touch %1 || touch %1").arg(marker), QString("x | touch %1").arg(marker), QString("line one\ntouch %1").arg(marker),
+            "*", QString()};
+    // clang-format on
 }
 
 // A program that writes each argument it gets, NUL-terminated, to its output file.
