@@ -176,31 +176,30 @@ TEST_F(ConnectControllerTest, MissingServiceIsCreatedOnceThenRetriedNineteenTime
     EXPECT_TRUE(toolCalls().contains("VELMobileConnector1 VELMODEM2"));
 }
 
+// A service the tool cannot create ends the application.
 TEST_F(ConnectControllerTest, ModemInitCodes) {
     // clang-format off
-    const struct { int code; int initsSent; bool ready; } rows[] = {
-        {WORKER_OK, 0, true}, {WORKER_ERR_NO_DEV_NAME, 0, false} /* no retry */, {WORKER_ERR_NO_MODE_DEV, 1, false} /* tried again */,
-        {WORKER_ERR_GENERAL, 0, false} /* ignored */,
+    const struct { int code; bool toolFails; int initsSent; bool ready; } rows[] = {
+        {WORKER_OK, false, 0, true}, {WORKER_ERR_NO_DEV_NAME, false, 0, false} /* no retry */,
+        {WORKER_ERR_NO_MODE_DEV, false, 1, false} /* tried again */, {WORKER_ERR_GENERAL, false, 0, false} /* ignored */,
+        {WORKER_ERR_SERVICE_NOT_FOUND, true, 0, false},
     };
     // clang-format on
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.code);
         ConnectController::resetProcessState();
+        row.toolFails ? qputenv("STUB_EXIT", "1") : qunsetenv("STUB_EXIT");
         const int before = worker().count(MESSAGE_MODEM_INIT) + 1;
         ConnectController subject(modem->link, config.get(), nullptr);
+        subject.setEchoSink([](const QString&) {});
+        int failed = 0;
+        QObject::connect(&subject, &ConnectController::serviceCreationFailed, [&] { ++failed; });
         initAnswered(row.code, &subject);
-        EXPECT_EQ(worker().count(MESSAGE_MODEM_INIT) - before, row.initsSent) << row.code;
-        EXPECT_EQ(subject.connectorReady(), row.ready) << row.code;
+        EXPECT_EQ(worker().count(MESSAGE_MODEM_INIT) - before, row.initsSent);
+        EXPECT_EQ(subject.connectorReady(), row.ready);
+        EXPECT_EQ(failed, row.toolFails ? 1 : 0);
+        EXPECT_FALSE(subject.serviceCreated());
     }
-}
-
-TEST_F(ConnectControllerTest, FailedServiceCreationEndsTheApplication) {
-    qputenv("STUB_EXIT", "1");
-    int failed = 0;
-    QObject::connect(controller.get(), &ConnectController::serviceCreationFailed, [&] { ++failed; });
-    initAnswered(WORKER_ERR_SERVICE_NOT_FOUND);
-    EXPECT_EQ(failed, 1);
-    EXPECT_FALSE(controller->serviceCreated());
-    EXPECT_EQ(worker().count(MESSAGE_MODEM_INIT), 1);
 }
 
 TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOncePerDisconnection) {

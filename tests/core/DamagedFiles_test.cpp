@@ -28,13 +28,11 @@ const QByteArray kGarbage = QByteArray::fromHex("00ff13bfd8e7a1004c62706c6973743
 
 enum class Root { Dict, List, Ini };
 
-// One kept file: where it lives, what its sound content looks like, and the code that reads it.
-struct KeptFile {
-    const char* name;
-    Root root;
-    std::function<QString(const TempHome&)> path;
-    std::function<void(const TempHome&)> start; // builds the program object that reads the file
-};
+// One kept file: where it lives, what its sound content looks like, and the code that reads it (start
+// builds the program object that reads the file).
+// clang-format off
+struct KeptFile { const char* name; Root root; std::function<QString(const TempHome&)> path; std::function<void(const TempHome&)> start; };
+// clang-format on
 
 const QString kImsi = QStringLiteral("262011234567890");
 
@@ -142,7 +140,7 @@ TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
 // Entries of the wrong shape in a sound file are skipped, counted in a notice, and the file is kept as it
 // was.
 TEST_F(DamagedFiles, WrongEntriesAreCounted) {
-    const QString imsi = QStringLiteral("262011234567890");
+    const QString imsi = kImsi;
     const auto plist = [](const char* body) {
         return QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>") + body + "</dict></plist>";
     };
