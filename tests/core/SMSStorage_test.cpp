@@ -45,15 +45,6 @@ TEST(MessageItem, DefaultsOfMissingArguments) {
     // clang-format on
     EXPECT_EQ(item.getFristNumber(), "");
 
-    const MessageItem given =
-        MessageItem::createMessageItem({"+4917", "+4918"}, "hi", "UNREAD", "SIM", fixedTime(), 42, "SENDBOX");
-    EXPECT_EQ(given.getNumbers(), (QStringList{"+4917", "+4918"}));
-    EXPECT_EQ(QStringList({given.getFristNumber(), given.getTag(), given.getStorage(), given.getBoxType()})
-                  .join(' '),
-              "+4917 UNREAD SIM SENDBOX");
-    EXPECT_EQ(given.getCreateTime(), fixedTime());
-    EXPECT_EQ(given.getMsgRef(), 42);
-
     MessageItem byNumbers = MessageItem::createMessageItemByNumbers({"+4917"}, "text");
     EXPECT_EQ(QStringList({byNumbers.getStorage(), byNumbers.getBoxType(), byNumbers.getTag()}).join(' '),
               "LOCAL OUTBOX READ");

@@ -20,7 +20,8 @@ TEST(ConvertUtilty, ByteSizesAtTheThresholds) {
         EXPECT_EQ(ConvertUtilty::byte2String(row.bytes).toStdString(), row.text) << row.bytes;
         EXPECT_EQ(ConvertUtilty::byte2bString(row.bytes).toStdString(), row.text) << row.bytes;
     }
-    EXPECT_EQ(ConvertUtilty::byte2KB(2047) + ConvertUtilty::byte2KB(1048576), 1025.0);
+    EXPECT_EQ(ConvertUtilty::byte2KB(2047), 1.0);
+    EXPECT_EQ(ConvertUtilty::byte2KB(1048576), 1024.0);
 }
 
 TEST(ConvertUtilty, Durations) {
