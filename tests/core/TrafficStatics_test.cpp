@@ -19,15 +19,6 @@ QDateTime noonOf(int year, int month, int day) {
     return QDateTime(QDate(year, month, day), QTime(12, 0));
 }
 
-// One day entry as the file holds it.
-QByteArray dayXml(quint64 sent, quint64 received, quint64 roamingSent, quint64 roamingReceived) {
-    // clang-format off
-    return QStringLiteral("<dict><key>NOROAMING SENDBYTES</key><integer>%1</integer><key>NOROAMING RECEIVEBYTES</key><integer>%2</integer>"
-                          "<key>ROAMING SENDBYTES</key><integer>%3</integer><key>ROAMING RECEIVEBYTES</key><integer>%4</integer></dict>")
-        .arg(sent).arg(received).arg(roamingSent).arg(roamingReceived).toUtf8();
-    // clang-format on
-}
-
 // A day file with the keys in the order given.
 QByteArray dayFile(const std::vector<std::pair<std::string, QByteArray>>& days) {
     QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
@@ -81,33 +72,6 @@ TEST(TrafficStatics, DayKeyAndDayText) {
             row.texts);
 }
 
-TEST(TrafficStatics, RangeQuery) {
-    const QByteArray entry = dayXml(1, 2, 3, 4);
-    // clang-format off
-    struct Row { const char* name; std::vector<std::pair<std::string, QByteArray>> days; QDateTime from; QDateTime to; std::vector<std::string> expected; };
-    const Row rows[] = {
-        {"one day without entry", {{"2024/01/30", entry}}, noonOf(2024, 1, 31), noonOf(2024, 1, 31), {}},
-        {"one day with entry", {{"2024/01/31", entry}}, noonOf(2024, 1, 31), noonOf(2024, 1, 31), {"2024/01/31"}},
-        {"end of month, outside days left out", {{"2024/01/29", entry}, {"2024/01/31", entry}, {"2024/02/02", entry}, {"2024/02/03", entry}},
-         noonOf(2024, 1, 30), noonOf(2024, 2, 2), {"2024/01/31", "2024/02/02"}},
-        {"keys stored out of order", {{"2024/02/02", entry}, {"2024/02/01", entry}, {"2024/01/30", entry}, {"2024/01/31", entry}},
-         noonOf(2024, 1, 30), noonOf(2024, 2, 2), {"2024/01/30", "2024/01/31", "2024/02/01", "2024/02/02"}},
-        {"year boundary", {{"2024/01/01", entry}, {"2023/12/31", entry}, {"2023/12/30", entry}}, noonOf(2023, 12, 31), noonOf(2024, 1, 1), {"2023/12/31", "2024/01/01"}},
-        {"entries that are not dictionaries", {{"2024/01/30", "<string>x</string>"}, {"2024/01/31", "<array><integer>1</integer></array>"}, {"2024/02/01", entry}, {"2024/02/02", "<integer>7</integer>"}},
-         noonOf(2024, 1, 30), noonOf(2024, 2, 2), {"2024/02/01"}},
-        {"empty file", {}, noonOf(2024, 1, 1), noonOf(2024, 12, 31), {}},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        TempHome home;
-        AppConfig config;
-        TrafficStatics store(config);
-        TempHome::writeFile(store.dateTrafficsPath(), dayFile(row.days));
-        EXPECT_EQ(keysOf(store.arrayDateStatisticsFromDate(row.from, row.to)), row.expected);
-    }
-}
-
 TEST(TrafficStatics, AddingToADaySumsInUnsignedCounters) {
     TempHome home;
     AppConfig config;
@@ -152,29 +116,6 @@ TEST(TrafficStatics, BadCountersCountAsZero) {
                       store.searchADateDictionaryForKey("2024/03/01").value("NOROAMING SENDBYTES")),
                   row.afterAddingTen);
     }
-}
-
-TEST(TrafficStatics, ResetZeroesTheTotalsAndKeepsTheHistory) {
-    TempHome home;
-    AppConfig config;
-    TrafficStatics store(config);
-    EXPECT_FALSE(store.getLatestResetDate().isValid());
-    ASSERT_TRUE(store.saveStaticsRecord({1000, 2000, 5, 6, 3600}));
-    ASSERT_TRUE(store.updateDateStatisticsWithItem({1000, 2000, 0, 0, 0}, noonOf(2024, 1, 31)));
-    EXPECT_EQ(store.getTotalStatics(), (_TrafficStaticsItem{1000, 2000, 0, 0, 3600}));
-
-    const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
-    ASSERT_TRUE(store.saveResetDate());
-    const QDateTime after = QDateTime::currentDateTime();
-
-    AppConfig reloaded; // what the next start reads from the settings file
-    TrafficStatics again(reloaded);
-    EXPECT_EQ(again.getTotalStatics(), _TrafficStaticsItem());
-    const QDateTime reset = reloaded.getConfigObjectByKey("RESETTIME").toDateTime();
-    EXPECT_TRUE(reset >= before && reset <= after) << reset.toString().toStdString();
-    EXPECT_TRUE(again.getLatestResetDate() == reset && store.getLatestResetDate() == reset);
-    EXPECT_EQ(keysOf(again.arrayDateStatisticsFromDate(noonOf(2024, 1, 31), noonOf(2024, 1, 31))),
-              std::vector<std::string>{"2024/01/31"});
 }
 
 TEST(TrafficStatics, TotalsDictionary) {
