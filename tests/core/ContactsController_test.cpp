@@ -4,7 +4,6 @@
 #include "QtEventLoop.h"
 #include "TempHome.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSignalSpy>
@@ -28,10 +27,8 @@ struct ContactsWorld {
     QStringList arguments(const QByteArray& scenario) {
         if (scenario.isEmpty())
             return {};
-        const QString path = home.path() + "/scenario.json";
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(scenario) == scenario.size());
-        return {"--scenario", path};
+        TempHome::writeFile(home.path() + "/scenario.json", scenario);
+        return {"--scenario", home.path() + "/scenario.json"};
     }
     // The result of the spy's latest signal, once it came.
     Result result(QSignalSpy& spy) {
