@@ -4,16 +4,11 @@
 #include "BLRecords.h"
 #include "UssdRecords.h"
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QElapsedTimer>
-#include <QThread>
-
-#include <gtest/gtest.h>
-
-#include "QtEventLoop.h"
 #include "RecordingTransport.h"
 #include "SimulatedLink.h"
+
+#include <QDir>
+#include <QElapsedTimer>
 
 #include <optional>
 
@@ -42,37 +37,27 @@ BLUssdSendCmdInfo sentInfo(const RecordingTransport& transport) {
 } // namespace
 
 TEST(AccountController, DataFileChoiceByIMSIPrefix) {
-    struct Row {
-        QStringList files;
-        QString imsi;
-        QString chosen; // "" for none
-    };
-    const Row rows[] = {
-        {{"26201.dat", "Default.dat"}, "262011234567890", "26201.dat"},
-        {{"Default.dat"}, "262011234567890", "Default.dat"},
-        {{"26201.dat", "Default.dat"}, "262021234567890", "Default.dat"},
-        {{"26201.dat", "Default.dat"}, "", "Default.dat"},
+    // clang-format off
+    const struct { QStringList files; QString imsi; QString chosen; /* "" for none */ } rows[] = {
+        {{"26201.dat", "Default.dat"}, "262011234567890", "26201.dat"}, {{"Default.dat"}, "262011234567890", "Default.dat"},
+        {{"26201.dat", "Default.dat"}, "262021234567890", "Default.dat"}, {{"26201.dat", "Default.dat"}, "", "Default.dat"},
         {{"26201.dat", "Default.dat"}, QString(), "Default.dat"},
         {{"262.dat", "26201.dat"}, "262011234567890", "262.dat"}, // listed by name, first match wins
         {{"26201.v2.dat"}, "262011234567890", "26201.v2.dat"},    // the name up to its first "."
-        {{"26201.txt", ".dat", "Default.dat"}, "262011234567890", "Default.dat"},
-        {{"26201.dat"}, "262021234567890", ""},
+        {{"26201.txt", ".dat", "Default.dat"}, "262011234567890", "Default.dat"}, {{"26201.dat"}, "262021234567890", ""},
         {{}, "262011234567890", ""},
     };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.files.join(",").toStdString() + " / " + row.imsi.toStdString());
         TempHome home;
         const QString dir = home.path() + "/AccountData";
         QDir().mkpath(dir);
-        for (const QString& file : row.files) {
+        for (const QString& file : row.files)
             TempHome::writeFile(dir + "/" + file, "<ROOT/>");
-        }
         const QString chosen = AccountController::getUSSDDataFileNameByIMSI(row.imsi, dir);
-        if (row.chosen.isEmpty()) {
-            EXPECT_TRUE(chosen.isNull());
-        } else {
-            EXPECT_EQ(chosen, dir + "/" + row.chosen);
-        }
+        EXPECT_EQ(chosen, row.chosen.isEmpty() ? QString() : dir + "/" + row.chosen);
+        EXPECT_EQ(chosen.isNull(), row.chosen.isEmpty());
     }
 }
 
@@ -82,14 +67,13 @@ TEST(AccountController, LoadsTheSimsMenusFromTheResourceFolder) {
     RecordedLink modem;
     AccountController controller(modem.link);
     // The build tree's shipped files: the simulator's network has its own.
-    EXPECT_TRUE(
-        AccountController::getUSSDDataFileNameByIMSI("262021234567890").endsWith("/AccountData/26202.dat"));
-    EXPECT_TRUE(
-        AccountController::getUSSDDataFileNameByIMSI("310150123456789").endsWith("/AccountData/Default.dat"));
+    for (const auto& [imsi, file] : {std::pair{"262021234567890", "/AccountData/26202.dat"},
+                                     std::pair{"310150123456789", "/AccountData/Default.dat"}})
+        EXPECT_TRUE(AccountController::getUSSDDataFileNameByIMSI(imsi).endsWith(file)) << imsi;
     controller.setLanguageIndex(1);
     ASSERT_EQ(controller.loadAccountData("262021234567890"), 0);
-    EXPECT_EQ(controller.accountData().nLanguageID, 1);
-    EXPECT_EQ(controller.accountData().groups.size(), 3u);
+    EXPECT_EQ(std::pair(controller.accountData().nLanguageID, controller.accountData().groups.size()),
+              std::pair(1, size_t(3)));
 
     // DIALTONE_RESOURCE_DIR moves the account data with it; an empty folder means no menus.
     QDir().mkpath(home.path() + "/Resources");
@@ -202,9 +186,8 @@ TEST(AccountController, TimeOutUnblocksWithAMessage) {
 
 TEST(AccountController, PaidTypeFromInternalType) {
     const int rows[][2] = {{0, 2}, {1, 1}, {2, 0}, {-1, 0}, {99, 0}};
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(AccountController::paidTypeFromInternalType(row[0]), row[1]) << row[0];
-    }
 }
 
 // Against the simulated network, through the desktop app's kind of link: the answer reaches the view and
@@ -219,9 +202,8 @@ TEST(AccountController, UssdDialogueWithTheSimulatedNetwork) {
                      [&answer](const BLUssdReceive& received) { answer = received; });
 
     controller.sendUSSDCmd(QStringLiteral("*101#"));
-    ASSERT_TRUE(waitFor([&] { return answer.has_value(); }, std::chrono::seconds(20)))
+    ASSERT_TRUE(waitFor([&] { return answer.has_value(); }, std::chrono::seconds(20)));
+    EXPECT_TRUE(log.events.join('\n').contains("Your number is +491721234567.") &&
+                log.events.contains("unblock"))
         << log.events.join('\n').toStdString();
-    EXPECT_TRUE(log.events.join('\n').contains("Your number is +491721234567."))
-        << log.events.join('\n').toStdString();
-    EXPECT_TRUE(log.events.contains("unblock")) << log.events.join('\n').toStdString();
 }

@@ -16,28 +16,10 @@
 namespace {
 
 // Collects what the reader prints on the debug sink.
-class DebugCapture {
-public:
-    DebugCapture() : _file(std::tmpfile()), _old(GetDebugSink()) { SetDebugSink(_file); }
-    ~DebugCapture() {
-        SetDebugSink(_old);
-        std::fclose(_file);
-    }
-    std::string text() const {
-        std::fflush(_file);
-        std::rewind(_file);
-        std::string all;
-        char buffer[512];
-        size_t count;
-        while ((count = std::fread(buffer, 1, sizeof buffer, _file)) > 0) {
-            all.append(buffer, count);
-        }
-        return all;
-    }
-
-private:
-    std::FILE* _file;
-    std::FILE* _old;
+struct DebugCapture : ScratchStream {
+    DebugCapture() : old(GetDebugSink()) { SetDebugSink(file); }
+    ~DebugCapture() { SetDebugSink(old); }
+    std::FILE* old;
 };
 
 // UCS-2 hex of an ASCII text.
@@ -57,6 +39,26 @@ const std::string kInput = "<INPUT><INPUT_TITLE_STRING>" + hex("Voucher") +
                            "</INPUT_TITLE_STRING><INPUT_STRING>" + hex("0000") +
                            "</INPUT_STRING><INPUT_LIMITATION>0123456789</INPUT_LIMITATION>"
                            "<INPUT_MAXLEN>16</INPUT_MAXLEN><INPUT_MINLEN>12</INPUT_MINLEN></INPUT>";
+
+// The record as text: the language and tip, then a line per group with its items' fields.
+std::string Summary(const _TAccountData& data) {
+    const auto n = [](const std::wstring& text) { return QString::fromStdWString(text).toStdString(); };
+    const auto i = [](int number) { return std::to_string(number); };
+    std::string out = i(data.nLanguageID) + " " + n(data.strTip) + "\n";
+    for (const auto& group : data.groups) {
+        out += n(group.strName) + "/" + i(group.nType) + ":";
+        for (const auto& e : group.items) {
+            out += " " + n(e.strText) + "/" + i(e.nType) + " " + n(e.strTitle) + " " + n(e.strPrompt) + " ";
+            for (const auto& in : e.inputs)
+                out += "[" + n(in.strTitle) + " " + n(in.strText) + " " + n(in.strLimitation) + " " +
+                       i(in.nMaxLen) + " " + i(in.nMinLen) + "]";
+            for (const auto& b : e.buttons)
+                out += " [" + n(b.strName) + " " + n(b.strCode) + "]";
+        }
+        out += "\n";
+    }
+    return out;
+}
 
 std::string item(const std::string& inside) {
     return "<ITEM>" + inside + "</ITEM>";
@@ -93,24 +95,14 @@ QString writeData(const TempHome& home, const QByteArray& bytes) {
 } // namespace
 
 TEST(AccountData, TextEncodings) {
-    struct Row {
-        const char* hex;
-        std::wstring text;
+    // clang-format off
+    const struct { const char* hex; std::wstring text; } rows[] = {
+        {"0041", L"A"}, {"00410062", L"Ab"}, {"00e900E9", L"\u00e9\u00e9"} /* either case */, {"4E2D6587", L"\u4e2d\u6587"}, {"", L""},
+        {"004", L""} /* not whole units */, {"004100", L""} /* six digits */, {"00G1", L""}, {"+041", L""},
     };
-    const Row rows[] = {
-        {"0041", L"A"},
-        {"00410062", L"Ab"},
-        {"00e900E9", L"\u00e9\u00e9"}, // either case
-        {"4E2D6587", L"\u4e2d\u6587"},
-        {"", L""},
-        {"004", L""},    // not whole units
-        {"004100", L""}, // six digits
-        {"00G1", L""},
-        {"+041", L""},
-    };
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows)
         EXPECT_EQ(UnicodeHex2WString(row.hex), row.text) << row.hex;
-    }
     EXPECT_EQ(UnicodeHex2WString(nullptr), L"");
     EXPECT_EQ(ASCII2WString("*100#"), L"*100#");
     EXPECT_EQ(ASCII2WString("\xe9"), L"\u00e9");
@@ -131,37 +123,11 @@ TEST(AccountData, ReadsEveryFieldOfTheChosenLanguage) {
                  language(" LANGUAGE_ID=\"1\"", tip(hex("Hinweis")) + goodGroup("Guthaben") + secondGroup))));
     _TAccountData data;
     ASSERT_EQ(GetUSSDDataFromFile(path, data, 1), 0);
-    EXPECT_EQ(data.nLanguageID, 1);
-    EXPECT_EQ(data.strTip, L"Hinweis");
-    ASSERT_EQ(data.groups.size(), 2u);
-    const _TAccountGroupItem& first = data.groups.front();
-    EXPECT_EQ(first.strName, L"Guthaben");
-    EXPECT_EQ(first.nType, 1);
-    ASSERT_EQ(first.items.size(), 1u);
-    const _TAccountUSSDItem& entry = first.items.front();
-    EXPECT_EQ(entry.strText, L"Top up");
-    EXPECT_EQ(entry.nType, 3);
-    EXPECT_EQ(entry.strTitle, L"Top-up");
-    EXPECT_EQ(entry.strPrompt, L"Enter");
-    ASSERT_EQ(entry.inputs.size(), 1u);
-    EXPECT_EQ(entry.inputs.front().strTitle, L"Voucher");
-    EXPECT_EQ(entry.inputs.front().strText, L"0000");
-    EXPECT_EQ(entry.inputs.front().strLimitation, L"0123456789");
-    EXPECT_EQ(entry.inputs.front().nMaxLen, 16);
-    EXPECT_EQ(entry.inputs.front().nMinLen, 12);
-    ASSERT_EQ(entry.buttons.size(), 1u);
-    EXPECT_EQ(entry.buttons.front().strName, L"Check");
-    EXPECT_EQ(entry.buttons.front().strCode, L"*100#");
-
     // Optional parts left out: types 0, no inputs, no buttons.
-    const _TAccountGroupItem& second = data.groups.back();
-    EXPECT_EQ(second.nType, 0);
-    ASSERT_EQ(second.items.size(), 1u);
-    EXPECT_EQ(second.items.front().nType, 0);
-    EXPECT_TRUE(second.items.front().inputs.empty());
-    EXPECT_TRUE(second.items.front().buttons.empty());
-    EXPECT_EQ(second.items.front().strPrompt, L"");
-
+    EXPECT_EQ(Summary(data),
+              "1 Hinweis\n"
+              "Guthaben/1: Top up/3 Top-up Enter [Voucher 0000 0123456789 16 12] [Check *100#]\n"
+              "Number/0: Show/0 T  \n");
     // -1 takes the first language; reading again replaces what the record held.
     ASSERT_EQ(GetUSSDDataFromFile(path, data, -1), 0);
     EXPECT_EQ(data.nLanguageID, 0);
@@ -172,42 +138,26 @@ TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
     // clang-format off
     // printed: nullptr: nothing
     struct Row { const char* name; std::string xml; int language; int result; size_t groups; const char* printed; };
-    const std::string ok = tip() + goodGroup();
+    const std::string ok = tip() + goodGroup(), bare = "<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/>";
+    const char* const error = "data prase error:";
+    const auto first = [](const std::string& inside) { return root(language(" LANGUAGE_ID=\"0\"", inside)); };
+    const auto oneItem = [&](const std::string& inside) { return first(tip() + group("<GROUP_STRING>0041</GROUP_STRING>" + item(inside))); };
     const Row rows[] = {
         {"not XML", "garbage <<< >", 0, 0, 0, nullptr},
         {"no ROOT", "<OTHER>" + language(" LANGUAGE_ID=\"0\"", ok) + "</OTHER>", 0, 0, 0, nullptr},
         {"empty ROOT", root(""), -1, 0, 0, nullptr},
-        {"unknown language", root(language(" LANGUAGE_ID=\"0\"", ok)), 5, 0, 0, nullptr},
+        {"unknown language", first(ok), 5, 0, 0, nullptr},
         {"language without id skipped", root(language("", ok) + language(" LANGUAGE_ID=\"2\"", ok)), -1, 0, 1,
          "data prase error resume:\nFunction:GetUSSDDataFromFile \nLine:"},
-        {"six-digit tip", root(language(" LANGUAGE_ID=\"0\"", tip("004100") + goodGroup())), 0, 0, 1,
-         nullptr},
-        {"no TIP", root(language(" LANGUAGE_ID=\"0\"", goodGroup())), 0, -1, 0,
-         "data prase error:\nFunction:GetUSSDDataFromFile \nLine:"},
-        {"no GROUP", root(language(" LANGUAGE_ID=\"0\"", tip())), 0, -1, 0, "data prase error:"},
-        {"group without GROUP_STRING",
-         root(language(" LANGUAGE_ID=\"0\"", tip() + goodGroup() + group(fullItem()))), 0, -1, 0,
-         "data prase error:"},
-        {"item without TITLE_STRING",
-         root(language(" LANGUAGE_ID=\"0\"",
-                       tip() + group("<GROUP_STRING>0041</GROUP_STRING>" +
-                                     item("<ITEM_STRING>0041</ITEM_STRING><PROMPT_STRING/>")))),
-         0, -1, 0, "data prase error:"},
-        {"input without INPUT_MAXLEN",
-         root(language(" LANGUAGE_ID=\"0\"",
-                       tip() +
-                           group("<GROUP_STRING>0041</GROUP_STRING>" +
-                                 item("<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/><INPUT_SETTING><INPUT>"
-                                      "<INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/><INPUT_MINLEN>1"
-                                      "</INPUT_MINLEN></INPUT></INPUT_SETTING>")))),
-         0, -1, 0, "data prase error:"},
-        {"button without BUTTON_CODE",
-         root(language(" LANGUAGE_ID=\"0\"",
-                       tip() +
-                           group("<GROUP_STRING>0041</GROUP_STRING>" +
-                                 item("<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/><BUTTON_SETTING><BUTTON>"
-                                      "<BUTTON_NAME>0041</BUTTON_NAME></BUTTON></BUTTON_SETTING>")))),
-         0, -1, 0, "data prase error:"},
+        {"six-digit tip", first(tip("004100") + goodGroup()), 0, 0, 1, nullptr},
+        {"no TIP", first(goodGroup()), 0, -1, 0, "data prase error:\nFunction:GetUSSDDataFromFile \nLine:"},
+        {"no GROUP", first(tip()), 0, -1, 0, error},
+        {"group without GROUP_STRING", first(tip() + goodGroup() + group(fullItem())), 0, -1, 0, error},
+        {"item without TITLE_STRING", oneItem("<ITEM_STRING>0041</ITEM_STRING><PROMPT_STRING/>"), 0, -1, 0, error},
+        {"input without INPUT_MAXLEN", oneItem(bare + "<INPUT_SETTING><INPUT><INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/>"
+                                              "<INPUT_MINLEN>1</INPUT_MINLEN></INPUT></INPUT_SETTING>"), 0, -1, 0, error},
+        {"button without BUTTON_CODE", oneItem(bare + "<BUTTON_SETTING><BUTTON><BUTTON_NAME>0041</BUTTON_NAME></BUTTON></BUTTON_SETTING>"),
+         0, -1, 0, error},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -218,14 +168,9 @@ TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
         _TAccountData data;
         EXPECT_EQ(GetUSSDDataFromFile(path, data, row.language), row.result);
         EXPECT_EQ(data.groups.size(), row.groups);
-        if (row.printed) {
-            EXPECT_NE(capture.text().find(row.printed), std::string::npos) << capture.text();
-        } else {
-            EXPECT_EQ(capture.text(), "");
-        }
-        if (std::string(row.name) == "six-digit tip") {
-            EXPECT_EQ(data.strTip, L"");
-        }
+        EXPECT_TRUE(row.printed ? capture.text().contains(row.printed) : capture.text().isEmpty())
+            << capture.text().toStdString();
+        EXPECT_TRUE(row.name != std::string("six-digit tip") || data.strTip.empty());
     }
     _TAccountData data;
     EXPECT_EQ(GetUSSDDataFromFile("/nonexistent/account.dat", data, -1), 0);
@@ -233,28 +178,21 @@ TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
 }
 
 TEST(AccountData, OddNumbersAreBounded) {
-    struct Row {
-        const char* text;
-        int32_t value;
+    // clang-format off
+    const struct { const char* text; int32_t value; } rows[] = {
+        {"16", 16}, {" -3", -3}, {"abc", 0}, {"", 0}, {"12abc", 12}, {"99999999999999999999", INT32_MAX}, {"-99999999999999999999", INT32_MIN},
     };
-    const Row rows[] = {{"16", 16},
-                        {" -3", -3},
-                        {"abc", 0},
-                        {"", 0},
-                        {"12abc", 12},
-                        {"99999999999999999999", INT32_MAX},
-                        {"-99999999999999999999", INT32_MIN}};
-    for (const Row& row : rows) {
+    // clang-format on
+    for (const auto& row : rows) {
         TempHome home;
         const std::string input =
             "<INPUT><INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/><INPUT_MAXLEN>" +
             std::string(row.text) + "</INPUT_MAXLEN><INPUT_MINLEN/></INPUT>";
+        const std::string inside =
+            "<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/><INPUT_SETTING>" + input + "</INPUT_SETTING>";
         const QString path = writeData(
-            home, QByteArray::fromStdString(root(language(
-                      " LANGUAGE_ID=\"0\"",
-                      tip() + group("<GROUP_STRING/>" + item("<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/>"
-                                                             "<INPUT_SETTING>" +
-                                                             input + "</INPUT_SETTING>"))))));
+            home, QByteArray::fromStdString(
+                      root(language(" LANGUAGE_ID=\"0\"", tip() + group("<GROUP_STRING/>" + item(inside))))));
         _TAccountData data;
         ASSERT_EQ(GetUSSDDataFromFile(path, data, 0), 0) << row.text;
         EXPECT_EQ(data.groups.front().items.front().inputs.front().nMaxLen, row.value) << row.text;
@@ -289,9 +227,8 @@ TEST(AccountData, ShippedFilesAreValid) {
         for (const auto& group : data.groups) {
             for (const auto& entry : group.items) {
                 EXPECT_FALSE(entry.strText.empty());
-                for (const auto& button : entry.buttons) {
+                for (const auto& button : entry.buttons)
                     codes += button.strCode + L" ";
-                }
                 for (const auto& input : entry.inputs) {
                     EXPECT_LE(input.nMinLen, input.nMaxLen);
                     EXPECT_FALSE(input.strLimitation.empty());

@@ -2,8 +2,8 @@
 #include "AppConfig.h"
 #include "DamagedFile.h"
 #include "PropertyList.h"
-#include "SMSExt.h"
 #include "SMS/SMSStorage.h"
+#include "SMSExt.h"
 #include "Statistics/TrafficStatics.h"
 #include "TempHome.h"
 #include "UserDefaults.h"
@@ -13,7 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <functional>
 #include <string>
 
@@ -29,76 +28,54 @@ const QByteArray kGarbage = QByteArray::fromHex("00ff13bfd8e7a1004c62706c6973743
 
 enum class Root { Dict, List, Ini };
 
-// One kept file: where it lives, what its sound content looks like, and the code that reads it.
-struct KeptFile {
-    const char* name;
-    Root root;
-    std::function<QString(const TempHome&)> path;
-    std::function<void(const TempHome&)> start; // builds the program object that reads the file
-};
+// One kept file: where it lives, what its sound content looks like, and the code that reads it (start
+// builds the program object that reads the file).
+// clang-format off
+struct KeptFile { const char* name; Root root; std::function<QString(const TempHome&)> path; std::function<void(const TempHome&)> start; };
+// clang-format on
 
-QString userFile(const TempHome& home, const char* name) {
-    return home.userFile(name);
-}
+const QString kImsi = QStringLiteral("262011234567890");
 
+// clang-format off
 const KeptFile kFiles[] = {
-    {"SystemConfig.plist", Root::Dict, [](const TempHome& h) { return h.configFile("SystemConfig.plist"); },
-     [](const TempHome&) {
+    {"SystemConfig.plist", Root::Dict, [](const TempHome& h) { return h.configFile("SystemConfig.plist"); }, [](const TempHome&) {
          AppConfig config;
          EXPECT_EQ(config.getSMSValidityPeriod(), 0) << "defaults after a damaged file";
-         EXPECT_TRUE(config.getConnectSoundEnable());
-     }},
-    {"UserAPNList.plist", Root::List, [](const TempHome& h) { return userFile(h, "UserAPNList.plist"); },
+         EXPECT_TRUE(config.getConnectSoundEnable()); }},
+    {"UserAPNList.plist", Root::List, [](const TempHome& h) { return h.userFile("UserAPNList.plist"); },
      [](const TempHome&) { EXPECT_TRUE(AppConfig().getUserApnList().isEmpty()); }},
-    {"UserIMSIAPNList.plist", Root::Dict,
-     [](const TempHome& h) { return userFile(h, "UserIMSIAPNList.plist"); },
-     [](const TempHome& h) {
-         AppConfig().getFixApnByIMSI(QStringLiteral("262011234567890"), QString());
-         EXPECT_TRUE(PropertyList::readMap(userFile(h, "UserIMSIAPNList.plist")).contains("262011234567890"))
-             << "a new per-SIM file";
-     }},
-    {"LocalSMS.plist", Root::Dict, [](const TempHome& h) { return userFile(h, "LocalSMS.plist"); },
+    {"UserIMSIAPNList.plist", Root::Dict, [](const TempHome& h) { return h.userFile("UserIMSIAPNList.plist"); }, [](const TempHome& h) {
+         AppConfig().getFixApnByIMSI(kImsi, QString());
+         EXPECT_TRUE(PropertyList::readMap(h.userFile("UserIMSIAPNList.plist")).contains(kImsi)) << "a new per-SIM file"; }},
+    {"LocalSMS.plist", Root::Dict, [](const TempHome& h) { return h.userFile("LocalSMS.plist"); },
      [](const TempHome&) { EXPECT_TRUE(SMSStorage().getDarftList().isEmpty()); }},
-    {"SMSInBox_<IMSI>", Root::Dict, [](const TempHome& h) { return userFile(h, "SMSInBox_262011234567890"); },
-     [](const TempHome&) {
-         EXPECT_TRUE(SMSStorage(QStringLiteral("262011234567890")).getOutBoxList().isEmpty());
-     }},
-    {"SmsInBoxPC.plist", Root::Dict, [](const TempHome& h) { return userFile(h, "SmsInBoxPC.plist"); },
-     [](const TempHome&) {
+    {"SMSInBox_<IMSI>", Root::Dict, [](const TempHome& h) { return h.userFile("SMSInBox_" + kImsi); },
+     [](const TempHome&) { EXPECT_TRUE(SMSStorage(kImsi).getOutBoxList().isEmpty()); }},
+    {"SmsInBoxPC.plist", Root::Dict, [](const TempHome& h) { return h.userFile("SmsInBoxPC.plist"); }, [](const TempHome&) {
          std::list<TSMSRecordInPC> records;
-         SMSExt::shared().list(QStringLiteral("262011234567890"), records);
-         EXPECT_TRUE(records.empty());
-     }},
-    {"DateTraffics.plist", Root::Dict, [](const TempHome& h) { return userFile(h, "DateTraffics.plist"); },
-     [](const TempHome&) {
+         SMSExt::shared().list(kImsi, records);
+         EXPECT_TRUE(records.empty()); }},
+    {"DateTraffics.plist", Root::Dict, [](const TempHome& h) { return h.userFile("DateTraffics.plist"); }, [](const TempHome&) {
          AppConfig config;
-         TrafficStatics traffic(config);
-         const QVariantMap days = traffic.getDateTrafficsDictionary();
-         EXPECT_EQ(days.keys(), QStringList{QStringLiteral("CREATION_TIME")}) << "a new day file";
-     }},
-    {"defaults.ini", Root::Ini, [](const TempHome&) { return UserDefaults::filePath(); },
-     [](const TempHome&) {
+         EXPECT_EQ(TrafficStatics(config).getDateTrafficsDictionary().keys(), QStringList{"CREATION_TIME"}) << "a new day file"; }},
+    {"defaults.ini", Root::Ini, [](const TempHome&) { return UserDefaults::filePath(); }, [](const TempHome&) {
          EXPECT_EQ(UserDefaults::value(QStringLiteral("CreatedModemNumber"), 0).toInt(), 0);
-         EXPECT_TRUE(UserDefaults::setValue(QStringLiteral("CreatedModemNumber"), 1));
-     }},
+         EXPECT_TRUE(UserDefaults::setValue(QStringLiteral("CreatedModemNumber"), 1)); }},
 };
-
-struct Damage {
-    const char* name;
-    std::function<QByteArray(Root)> bytes;
-    bool damagesIni; // an empty settings file is a valid, empty one
-};
+// clang-format on
 
 QByteArray soundBytes(Root root) {
     return root == Root::Dict ? kDictFile : root == Root::List ? kListFile : kIniFile;
 }
 
-const Damage kDamages[] = {
+// clang-format off
+const struct Damage { const char* name; std::function<QByteArray(Root)> bytes; bool damagesIni; /* an empty settings file is a valid one */ } kDamages[] = {
     {"empty", [](Root) { return QByteArray(); }, false},
     {"truncated", [](Root root) { return soundBytes(root).left(soundBytes(root).size() * 2 / 3 - 3); }, true},
     {"garbage", [](Root) { return kGarbage; }, true},
     {"wrong root", [](Root root) { return root == Root::List ? kDictFile : kListFile; }, true},
 };
+// clang-format on
 
 QStringList keptCopies(const QString& path) {
     const QFileInfo info(path);
@@ -109,28 +86,15 @@ class DamagedFiles : public testing::Test {
 protected:
     void SetUp() override {
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(home.path() + "/.config"));
-        notices = std::tmpfile();
-        ASSERT_NE(notices, nullptr);
-        DamagedFile::setNoticeStream(notices);
+        DamagedFile::setNoticeStream(notices.file);
     }
     void TearDown() override {
         DamagedFile::setNoticeStream(stderr);
-        std::fclose(notices);
         qunsetenv("XDG_CONFIG_HOME");
-    }
-    QByteArray noticesText() const {
-        std::fflush(notices);
-        std::rewind(notices);
-        QByteArray text;
-        char buffer[512];
-        while (const size_t n = std::fread(buffer, 1, sizeof buffer, notices)) {
-            text.append(buffer, static_cast<qsizetype>(n));
-        }
-        return text;
     }
 
     TempHome home;
-    std::FILE* notices = nullptr;
+    ScratchStream notices;
 };
 
 TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
@@ -140,7 +104,7 @@ TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
             TempHome fresh;
             qputenv("XDG_CONFIG_HOME", QFile::encodeName(fresh.path() + "/.config"));
             const QString log = fresh.openLog();
-            std::rewind(notices);
+            std::rewind(notices.file);
             const QString path = file.path(fresh);
             QDir().mkpath(QFileInfo(path).path());
             const QByteArray bytes = damage.bytes(file.root);
@@ -158,7 +122,7 @@ TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
             EXPECT_EQ(TempHome::readFile(first), bytes) << "the copy holds the original bytes";
             EXPECT_TRUE(TempHome::readFile(log).contains("[-CNSLOG_ERROR-]"));
             EXPECT_TRUE(TempHome::readFile(log).contains(("kept as " + first).toUtf8()));
-            EXPECT_TRUE(noticesText().contains(first.toUtf8())) << "the notice names the copy";
+            EXPECT_TRUE(notices.text().contains(first.toUtf8())) << "the notice names the copy";
 
             // Damaged again within the same second: the earlier copy stays.
             TempHome::writeFile(path, bytes + "x");
@@ -173,9 +137,10 @@ TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
     }
 }
 
-// Entries of the wrong shape in a sound file are skipped, counted in a notice, and the file is kept as it was.
+// Entries of the wrong shape in a sound file are skipped, counted in a notice, and the file is kept as it
+// was.
 TEST_F(DamagedFiles, WrongEntriesAreCounted) {
-    const QString imsi = QStringLiteral("262011234567890");
+    const QString imsi = kImsi;
     const auto plist = [](const char* body) {
         return QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>") + body + "</dict></plist>";
     };
@@ -192,7 +157,7 @@ TEST_F(DamagedFiles, WrongEntriesAreCounted) {
         QDir().mkpath(QFileInfo(path).path());
         TempHome::writeFile(path, row.bytes);
         row.read();
-        EXPECT_TRUE(noticesText().contains(path.toUtf8() + row.notice)) << noticesText().toStdString();
+        EXPECT_TRUE(notices.text().contains(path.toUtf8() + row.notice)) << notices.text().toStdString();
         const QStringList kept = keptCopies(path);
         ASSERT_EQ(kept.size(), 1);
         EXPECT_EQ(TempHome::readFile(QFileInfo(path).dir().filePath(kept[0])), row.bytes);
@@ -206,7 +171,7 @@ TEST_F(DamagedFiles, AbsentFilesAreNotDamaged) {
         file.start(home);
         EXPECT_TRUE(keptCopies(file.path(home)).isEmpty());
     }
-    EXPECT_EQ(noticesText(), QByteArray());
+    EXPECT_EQ(notices.text(), QByteArray());
 }
 
 TEST_F(DamagedFiles, ReaderTellsAbsentGoodAndDamagedApart) {
@@ -223,9 +188,8 @@ TEST_F(DamagedFiles, ReaderTellsAbsentGoodAndDamagedApart) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         QFile::remove(path);
-        if (row.bytes) {
+        if (row.bytes)
             TempHome::writeFile(path, *row.bytes);
-        }
         QVariant content;
         EXPECT_EQ(DamagedFile::readPropertyList(path, row.root, content), row.state);
         EXPECT_EQ(content.isValid(), row.state == DamagedFile::State::Good);

@@ -57,24 +57,19 @@ TEST(NetworkController, ScanThenSelectReachTheModem) {
     ASSERT_TRUE(w.outcome(scanned).ok());
     EXPECT_EQ(scanned.count(), 1);
     ASSERT_EQ(scanning.count(), 2);
-    EXPECT_TRUE(scanning.first().first().toBool());
-    EXPECT_FALSE(scanning.last().first().toBool());
+    EXPECT_TRUE(scanning.first().first().toBool() && !scanning.last().first().toBool());
     const auto operators = scanned.last().at(1).value<QList<BLNetworkListItem>>();
     ASSERT_EQ(operators.size(), 4);
     EXPECT_EQ(operators.first().strNumericAlpha, "26202");
     EXPECT_EQ(operators.first().nState, BLNetworkListItem::kStateCurrent);
 
     // clang-format off
-    // plmn: empty: automatic
-    // selection: in the simulator afterwards
-    struct Row { const char* plmn; int code; int cause; int selection; };
-    const Row rows[] = {
-        {"26201", WORKER_OK,          0,      1},
-        {"26203", WORKER_ERR_GENERAL, 100032, 1}, // +CME ERROR: 32, emergency calls only
-        {"",      WORKER_OK,          0,      0},
+    // plmn: empty: automatic; selection: in the simulator afterwards
+    const struct { const char* plmn; int code; int cause; int selection; } rows[] = {
+        {"26201", WORKER_OK, 0, 1}, {"26203", WORKER_ERR_GENERAL, 100032, 1} /* +CME ERROR: 32, emergency calls only */, {"", WORKER_OK, 0, 0},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.plmn);
         QSignalSpy selected(&w.network, &NetworkController::selectFinished);
         if (*row.plmn == '\0')
@@ -82,8 +77,7 @@ TEST(NetworkController, ScanThenSelectReachTheModem) {
         else
             w.network.selectOperator(QString::fromLatin1(row.plmn));
         const Outcome outcome = w.outcome(selected);
-        EXPECT_EQ(outcome.code, row.code);
-        EXPECT_EQ(outcome.cause, row.cause);
+        EXPECT_EQ(std::pair(outcome.code, outcome.cause), std::pair(row.code, row.cause));
         EXPECT_EQ(selected.last().at(1).toString(), QString::fromLatin1(row.plmn));
         EXPECT_EQ(w.sim.control("dump").value("network").toObject().value("selection").toInt(),
                   row.selection);
@@ -98,13 +92,12 @@ TEST(NetworkController, ScanThenSelectReachTheModem) {
 // standard stick refuses both as not supported, which the controller says once.
 TEST(NetworkController, BandAndModeAndTheirAbsenceOnStandardSticks) {
     // clang-format off
-    struct Row { bool standard; int readCode; int applyCode; NetworkController::RadioStep stoppedAt; };
-    const Row rows[] = {
-        {false, WORKER_OK,                WORKER_OK,                NetworkController::RadioStep::Mode},
-        {true,  WORKER_ERR_NOT_SUPPORTED, WORKER_ERR_NOT_SUPPORTED, NetworkController::RadioStep::Band},
+    const struct { bool standard; int readCode; int applyCode; NetworkController::RadioStep stoppedAt; } rows[] = {
+        {false, WORKER_OK, WORKER_OK, NetworkController::RadioStep::Mode},
+        {true, WORKER_ERR_NOT_SUPPORTED, WORKER_ERR_NOT_SUPPORTED, NetworkController::RadioStep::Band},
     };
     // clang-format on
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.standard ? "standard" : "vendor");
         const DialectGuard dialect(row.standard);
         NetworkWorld w(row.standard ? QStringList{"--scenario", "standard"} : QStringList{});
@@ -114,11 +107,12 @@ TEST(NetworkController, BandAndModeAndTheirAbsenceOnStandardSticks) {
         QSignalSpy mode(&w.network, &NetworkController::modeRead);
         w.network.readBand();
         w.network.readMode();
-        EXPECT_EQ(w.outcome(band).code, row.readCode);
-        EXPECT_EQ(w.outcome(mode).code, row.readCode);
+        EXPECT_EQ(std::pair(w.outcome(band).code, w.outcome(mode).code),
+                  std::pair(row.readCode, row.readCode));
         if (row.readCode == WORKER_OK) {
-            EXPECT_EQ(band.last().at(1).value<NetworkBand>(), NetworkBand::Any);
-            EXPECT_EQ(mode.last().at(1).value<NetworkMode>(), NetworkMode::Automatic);
+            EXPECT_EQ(
+                std::pair(band.last().at(1).value<NetworkBand>(), mode.last().at(1).value<NetworkMode>()),
+                std::pair(NetworkBand::Any, NetworkMode::Automatic));
         }
         EXPECT_EQ(unsupported.count(), row.standard ? 1 : 0);
         EXPECT_EQ(w.network.radioSupported(), !row.standard);

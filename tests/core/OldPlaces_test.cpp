@@ -26,9 +26,8 @@ TEST(XdgPlaces, VariablesWhenAbsoluteElseHome) {
     };
     // clang-format on
     for (const auto& row : rows) {
-        for (const char* variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"}) {
+        for (const char* variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
             row.value ? qputenv(variable, row.value) : qunsetenv(variable);
-        }
         EXPECT_EQ(XdgPlaces::data(), row.data) << row.value;
         EXPECT_EQ(XdgPlaces::config(), row.config) << row.value;
         EXPECT_EQ(XdgPlaces::state(), row.state) << row.value;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <list>
+#include <vector>
 
 #include "PropertyList.h"
 #include "SMSExt.h"
@@ -25,21 +26,14 @@ QVariantList Refs(std::initializer_list<int> refs) {
 }
 
 TEST(SMSExt, NewIndexRule) {
-    struct Row {
-        QVariantList records;
-        int index;
-    };
-    const Row rows[] = {
-        {{}, 1},
-        {Refs({1}), 2},
-        {Refs({3, 1, 2}), 4},      // sorted first
-        {Refs({1, 29999}), 30000}, // below the limit: one past the highest
-        {Refs({1, 2, 30000}), 3},  // at the limit: the first gap
-        {Refs({29998, 30000, 5}), 6},
-        {Refs({29999, 30000}), -1}, // no gap
+    // clang-format off
+    const struct { QVariantList records; int index; } rows[] = {
+        {{}, 1}, {Refs({1}), 2}, {Refs({3, 1, 2}), 4} /* sorted first */, {Refs({1, 29999}), 30000} /* below the limit: one past the highest */,
+        {Refs({1, 2, 30000}), 3} /* at the limit: the first gap */, {Refs({29998, 30000, 5}), 6}, {Refs({29999, 30000}), -1} /* no gap */,
         {Refs({30000}), -1},
     };
-    for (const Row& row : rows)
+    // clang-format on
+    for (const auto& row : rows)
         EXPECT_EQ(SMSExt::newIndex(row.records), row.index) << row.records.size();
 }
 
@@ -51,11 +45,9 @@ TEST(SMSExt, SaveListDeleteThroughTheCallbacks) {
     int second = 0;
     ASSERT_EQ(SMSExt::SaveCallback(context, kImsi, kPdu, 28, first), 0);
     ASSERT_EQ(SMSExt::SaveCallback(context, kImsi, "0011", 1, second), 0);
-    EXPECT_EQ(first, 1);
-    EXPECT_EQ(second, 2);
     int other = 0;
     ASSERT_EQ(SMSExt::SaveCallback(context, "999990000000001", kPdu, 28, other), 0);
-    EXPECT_EQ(other, 1);
+    EXPECT_EQ(std::vector<int>({first, second, other}), std::vector<int>({1, 2, 1}));
 
     // The file as other versions of the program read it.
     const QString path = home.userFile("SmsInBoxPC.plist");
@@ -64,17 +56,14 @@ TEST(SMSExt, SaveListDeleteThroughTheCallbacks) {
     ASSERT_EQ(root.size(), 2);
     const QVariantList records = root.value(kImsi).toList();
     ASSERT_EQ(records.size(), 2);
-    const QVariantMap record = records.first().toMap();
-    EXPECT_EQ(record.value("SMS_REF").toInt(), 1);
-    EXPECT_EQ(record.value("SMS_PDU_LEN").toInt(), 28);
-    EXPECT_EQ(record.value("SMS_PDU").toString(), kPdu);
+    EXPECT_EQ(records.first().toMap(), (QVariantMap{{"SMS_REF", 1}, {"SMS_PDU_LEN", 28}, {"SMS_PDU", kPdu}}));
 
     std::list<TSMSRecordInPC> listed;
     ASSERT_EQ(SMSExt::ListCallback(context, kImsi, listed), 0);
     ASSERT_EQ(listed.size(), 2u);
-    EXPECT_EQ(listed.front().nIndex, 1);
-    EXPECT_EQ(listed.front().nPduLen, 28);
-    EXPECT_EQ(listed.front().strPdu, kPdu);
+    EXPECT_EQ(std::to_string(listed.front().nIndex) + " " + std::to_string(listed.front().nPduLen) + " " +
+                  listed.front().strPdu,
+              std::string("1 28 ") + kPdu);
 
     EXPECT_EQ(SMSExt::DeleteCallback(context, kImsi, 1), 0);
     EXPECT_NE(SMSExt::DeleteCallback(context, kImsi, 1), 0);

@@ -7,6 +7,7 @@
 #include "DeviceUtility.h"
 #include "PinUtility.h"
 #include "PtyPeer.h"
+#include "QtEventLoop.h"
 #include "ScriptedAtFake.h"
 #include "TempHome.h"
 #include "UserDataFolder.h"
@@ -17,42 +18,20 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <cstdio>
 #include <functional>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include <sys/stat.h>
 
 namespace {
 
-// Waits for the condition, polling, up to the deadline.
-bool waitFor(const std::function<bool()>& condition,
-             std::chrono::milliseconds timeout = std::chrono::seconds(10)) {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
-
 // Arguments a shell would act on; the marker file exists only if one of them ran as a command.
 QStringList hostileArguments(const QString& marker) {
-    return {QStringLiteral("it's"),
-            QStringLiteral("say \"hi\""),
-            QStringLiteral("$(touch %1)").arg(marker),
-            QStringLiteral("`touch %1`").arg(marker),
-            QStringLiteral("x; touch %1").arg(marker),
-            QStringLiteral("x && touch %1 || touch %1").arg(marker),
-            QStringLiteral("x | touch %1").arg(marker),
-            QStringLiteral("line one\ntouch %1").arg(marker),
-            QStringLiteral("*"),
-            QString()};
+    // clang-format off
+    return {"it's", "say \"hi\"", QString("$(touch %1)").arg(marker), QString("`touch %1`").arg(marker), QString("x; touch %1").arg(marker),
+            QString("x && touch %1 || touch %1").arg(marker), QString("x | touch %1").arg(marker), QString("line one\ntouch %1").arg(marker),
+            "*", QString()};
+    // clang-format on
 }
 
 // A program that writes each argument it gets, NUL-terminated, to its output file.
@@ -72,9 +51,8 @@ public:
     QStringList received() const {
         QStringList arguments;
         const QByteArray bytes = TempHome::readFile(output());
-        for (qsizetype at = 0, end; (end = bytes.indexOf('\0', at)) >= 0; at = end + 1) {
+        for (qsizetype at = 0, end; (end = bytes.indexOf('\0', at)) >= 0; at = end + 1)
             arguments << QString::fromUtf8(bytes.mid(at, end - at));
-        }
         return arguments;
     }
 
@@ -83,6 +61,7 @@ private:
 };
 
 TEST(Security, ChildProcessPassesHostileArgumentsWhole) {
+    ensureApplication();
     const struct {
         const char* name;
         std::function<bool(const QString&, const QStringList&)> start;
@@ -136,7 +115,6 @@ TEST(Security, PrivateFoldersAndFiles) {
 
     AppConfig config;
     APNInfo profile;
-    profile.strAccount = QStringLiteral("Office");
     profile.strPassword = QStringLiteral("s3cret");
     config.addUserAPNItem(profile);
     EXPECT_EQ(modeOf(home.userFile("UserAPNList.plist")), 0600u);
@@ -145,10 +123,8 @@ TEST(Security, PrivateFoldersAndFiles) {
 }
 
 TEST(Security, SecretsMasked) {
-    const struct {
-        std::string text;
-        std::string masked;
-    } rows[] = {
+    // clang-format off
+    const struct { std::string text; std::string masked; } rows[] = {
         {"AT+CPIN=\"1234\"\r", "AT+CPIN=\"****\"\r"},
         {"AT+CPIN=\"12345678\",\"4321\"\r", "AT+CPIN=\"****\",\"****\"\r"},
         {"at+cpin=1234\r", "at+cpin=****\r"},
@@ -165,26 +141,14 @@ TEST(Security, SecretsMasked) {
         {"AT+CPIN=", "AT+CPIN="},
         {"AT+CPIN=?\r", "AT+CPIN=?\r"},
         {"AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", "AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"},
-        {"SEND: >>\nAT+CPIN=\"1234\"\r then AT+CLCK=\"SC\",1,\"9876\";+CPIN=5555\r\nOK",
-         "SEND: >>\nAT+CPIN=\"****\"\r then AT+CLCK=\"SC\",1,\"****\";+CPIN=****\r\nOK"},
+        {"SEND: >>\nAT+CPIN=\"1234\"\r then AT+CLCK=\"SC\",1,\"9876\";+CPIN=5555\r\nOK", "SEND: >>\nAT+CPIN=\"****\"\r then AT+CLCK=\"SC\",1,\"****\";+CPIN=****\r\nOK"},
         {"AT+CSQ\r\r\n+CSQ: 20,99\r\n", "AT+CSQ\r\r\n+CSQ: 20,99\r\n"},
         {"", ""},
         {"+", "+"},
     };
-    for (const auto& row : rows) {
+    // clang-format on
+    for (const auto& row : rows)
         EXPECT_EQ(MaskSecrets(row.text), row.masked) << ScriptedAtFake::Printable(row.text);
-    }
-}
-
-QByteArray contentOf(std::FILE* stream) {
-    std::fflush(stream);
-    std::rewind(stream);
-    QByteArray text;
-    char buffer[512];
-    while (const size_t n = std::fread(buffer, 1, sizeof buffer, stream)) {
-        text.append(buffer, static_cast<qsizetype>(n));
-    }
-    return text;
 }
 
 // The PIN family on the worker's channel, with a modem that echoes every command and adds a report (the
@@ -194,10 +158,9 @@ TEST(Security, PinCommandsLeaveNoSecretInLogOrDebugTexts) {
     TempHome home;
     const QString log = home.openLog();
     ASSERT_FALSE(log.isEmpty());
-    std::FILE* debug = std::tmpfile();
-    ASSERT_NE(debug, nullptr);
+    ScratchStream debug;
     std::FILE* const oldSink = GetDebugSink();
-    SetDebugSink(debug);
+    SetDebugSink(debug.file);
 
     PtyPeer modem;
     modem.setHandler([](const std::string& command) {
@@ -215,14 +178,12 @@ TEST(Security, PinCommandsLeaveNoSecretInLogOrDebugTexts) {
     channel->closeCom();
     UnsolicitedReportList* reports = nullptr;
     channel->getUnsoliciteReportList(reports);
-    for (UnsolicitedReportDataType* report : *reports) {
+    for (UnsolicitedReportDataType* report : *reports)
         delete report;
-    }
     reports->clear();
 
     SetDebugSink(oldSink);
-    const QByteArray debugText = contentOf(debug);
-    std::fclose(debug);
+    const QByteArray debugText = debug.text();
     const QByteArray logText = TempHome::readFile(log);
     EXPECT_EQ(modem.received().size(), 5u);
     EXPECT_TRUE(logText.contains("AT+CPIN=\"****\",\"****\"")) << "the traffic is logged, masked";

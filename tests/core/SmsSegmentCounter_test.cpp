@@ -17,15 +17,9 @@ QString Repeat(const QString& piece, int times) {
 const QString kEmoji = QString::fromUcs4(U"\U0001F600");
 const QString kCyrillic = QString::fromUtf8("ж");
 
-struct Row {
-    const char* name;
-    QString text;
-    bool latin;
-    int packets;
-    int remain;
-    int maxLen;
-    int encodeType;
-};
+// clang-format off
+struct Row { const char* name; QString text; bool latin; int packets; int remain; int maxLen; int encodeType; };
+// clang-format on
 
 std::vector<Row> Rows() {
     QString loneSurrogate;
@@ -66,10 +60,8 @@ TEST(SmsSegmentCounter, CountsSegmentsAndRoom) {
         SCOPED_TRACE(row.name);
         TSmsSegmentInfo info;
         EXPECT_EQ(SmsSegmentCounter::GetMessageInfo(row.text, info, row.latin), 0);
-        EXPECT_EQ(info.nPackets, row.packets);
-        EXPECT_EQ(info.nRemain, row.remain);
-        EXPECT_EQ(info.nMaxLen, row.maxLen);
-        EXPECT_EQ(info.nEncodeType, row.encodeType);
+        EXPECT_EQ(std::vector<int>({info.nPackets, info.nRemain, info.nMaxLen, info.nEncodeType}),
+                  std::vector<int>({row.packets, row.remain, row.maxLen, row.encodeType}));
 
         int remain = -1;
         EXPECT_EQ(SmsSegmentCounter::getMsgPacketAndRemain(row.text, remain, row.latin), row.packets);
@@ -83,14 +75,9 @@ std::vector<std::pair<QString, bool>> CrossCheckTexts() {
     std::vector<std::pair<QString, bool>> texts;
     for (const Row& row : Rows())
         texts.emplace_back(row.text, row.latin);
-    const QString pieces[] = {"a",
-                              QString::fromUtf8("€"),
-                              "ab[",
-                              QString::fromUtf8("a€b"),
-                              kCyrillic,
-                              kEmoji + "a",
-                              QString::fromUtf8("ôa"),
-                              QString(QChar(0))};
+    // clang-format off
+    const QString pieces[] = {"a", QString::fromUtf8("€"), "ab[", QString::fromUtf8("a€b"), kCyrillic, kEmoji + "a", QString::fromUtf8("ôa"), QString(QChar(0))};
+    // clang-format on
     const int lengths[] = {1, 69, 70, 71, 77, 80, 134, 135, 152, 153, 154, 159, 160, 161, 305, 306, 307, 500};
     for (const QString& piece : pieces) {
         for (const int length : lengths) {

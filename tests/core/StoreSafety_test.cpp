@@ -2,8 +2,8 @@
 
 #include "AppConfig.h"
 #include "PropertyList.h"
-#include "SMSExt.h"
 #include "SMS/SMSStorage.h"
+#include "SMSExt.h"
 #include "StoreFile.h"
 
 #include <QDir>

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
@@ -20,24 +21,19 @@ class TempHome {
 public:
     TempHome() {
         EXPECT_TRUE(_home.isValid());
-        saveAndSet("HOME", _home.path().toLocal8Bit(), _oldHome);
-        saveAndSet("DIALTONE_RESOURCE_DIR", {}, _oldResources);
-        for (int i = 0; i < 3; ++i) {
-            saveAndSet(kXdg[i], {}, _oldXdg[i]);
+        for (int i = 0; i < kVariables; ++i) {
+            if (const char* current = std::getenv(kNames[i]))
+                _old[i] = QByteArray(current);
+            i == 0 ? setenv("HOME", _home.path().toLocal8Bit().constData(), 1) : unsetenv(kNames[i]);
         }
-        resetLogSwitches();
-        g_CNSLog.initialize();
+        restartLog();
     }
     ~TempHome() {
         // Switch the log off while $HOME is still this folder, so nothing reaches the real home.
         QFile::remove(configFile("OPENLOG"));
-        resetLogSwitches();
-        g_CNSLog.initialize();
-        restore("HOME", _oldHome);
-        restore("DIALTONE_RESOURCE_DIR", _oldResources);
-        for (int i = 0; i < 3; ++i) {
-            restore(kXdg[i], _oldXdg[i]);
-        }
+        restartLog();
+        for (int i = 0; i < kVariables; ++i)
+            _old[i] ? setenv(kNames[i], _old[i]->constData(), 1) : unsetenv(kNames[i]);
     }
     TempHome(const TempHome&) = delete;
     TempHome& operator=(const TempHome&) = delete;
@@ -75,34 +71,34 @@ public:
     }
 
 private:
-    static void saveAndSet(const char* name, const QByteArray& value, std::optional<QByteArray>& old) {
-        if (const char* current = std::getenv(name)) {
-            old = QByteArray(current);
-        }
-        if (value.isEmpty()) {
-            unsetenv(name);
-        } else {
-            setenv(name, value.constData(), 1);
-        }
-    }
-    static void restore(const char* name, const std::optional<QByteArray>& old) {
-        if (old) {
-            setenv(name, old->constData(), 1);
-        } else {
-            unsetenv(name);
-        }
-    }
-    static void resetLogSwitches() {
+    static void restartLog() {
         for (auto* flag : {&g_ST_LOG_NORMAL, &g_ST_LOG_WARNNING, &g_ST_LOG_ERROR, &g_ST_LOG_FATAL_ERROR,
                            &g_ST_LOG_FOR_TEST, &g_ST_LOG_TRACE_ENTER, &g_SHOW_LINE_NUMBER, &g_SHOW_FILE_NAME,
-                           &g_SHOW_FUNCTION}) {
+                           &g_SHOW_FUNCTION})
             *flag = 1;
-        }
+        g_CNSLog.initialize();
     }
 
+    static constexpr int kVariables = 5;
+    static constexpr const char* kNames[kVariables] = {"HOME", "DIALTONE_RESOURCE_DIR", "XDG_DATA_HOME",
+                                                       "XDG_CONFIG_HOME", "XDG_STATE_HOME"};
     QTemporaryDir _home;
-    std::optional<QByteArray> _oldHome;
-    std::optional<QByteArray> _oldResources;
-    static constexpr const char* kXdg[3] = {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"};
-    std::optional<QByteArray> _oldXdg[3];
+    std::optional<QByteArray> _old[kVariables];
+};
+
+// A scratch stream for the debug sink or the notices, whose text can be read back.
+struct ScratchStream {
+    std::FILE* file = std::tmpfile();
+    ScratchStream() { EXPECT_NE(file, nullptr); }
+    ~ScratchStream() { std::fclose(file); }
+    ScratchStream(const ScratchStream&) = delete;
+    QByteArray text() const {
+        std::fflush(file);
+        std::rewind(file);
+        QByteArray all;
+        char buffer[512];
+        while (const size_t n = std::fread(buffer, 1, sizeof buffer, file))
+            all.append(buffer, static_cast<qsizetype>(n));
+        return all;
+    }
 };

@@ -27,21 +27,41 @@ const QByteArray kProfiles = "Net A\t20801\t*99#\t\t\torange.fr\t0\t\t\t\t\r\n"
                              "Plain 2\t310260\t*99#\t\t\tslow\t0\t\t\t\t";
 const QByteArray kPlmn = "20801\tOrange\r\n26201\tTelekom\r\nno name here\r\n23415\tVodafone UK";
 
-std::vector<std::string> accounts(const QList<APNInfo>& list) {
-    std::vector<std::string> out;
-    for (const APNInfo& item : list) {
+using Names = std::vector<std::string>;
+
+Names accounts(const QList<APNInfo>& list) {
+    Names out;
+    for (const APNInfo& item : list)
         out.push_back(item.strAccount.toStdString());
-    }
     return out;
 }
 
-std::vector<std::string> storedAccounts(const TempHome& home, const QString& imsi) {
-    std::vector<std::string> out;
-    const QVariantMap perSim = PropertyList::readMap(home.userFile("UserIMSIAPNList.plist"));
-    for (const QVariant& item : perSim.value(imsi).toList()) {
+Names storedAccounts(const TempHome& home, const QString& imsi) {
+    Names out;
+    for (const QVariant& item :
+         PropertyList::readMap(home.userFile("UserIMSIAPNList.plist")).value(imsi).toList())
         out.push_back(item.toMap().value("ACCOUNT").toString().toStdString());
-    }
     return out;
+}
+
+// A profile's fields joined by '|', a null text as "~".
+std::string fields(const APNInfo& p) {
+    QStringList out;
+    for (const QString* text : {&p.strAccount, &p.strMCCMNC, &p.strDialNum, &p.strUserName, &p.strPassword,
+                                &p.strApn, &p.strSPN, &p.strDNS1, &p.strDNS2})
+        out << (text->isNull() ? QStringLiteral("~") : *text);
+    return (out.join('|') + "|" + QString::number(p.nAuthType)).toStdString();
+}
+
+// The log holds each of the lines.
+void expectLogged(const QString& log, std::initializer_list<const char*> lines) {
+    const QByteArray text = TempHome::readFile(log);
+    for (const char* line : lines)
+        EXPECT_TRUE(text.contains(line)) << line << " not in\n" << text.toStdString();
+}
+
+QVariant defaultInfo(const TempHome& home) {
+    return PropertyList::readMap(home.configFile("SystemConfig.plist")).value("default APN info");
 }
 
 APNInfo profile(const QString& account, const QString& apn) {
@@ -61,16 +81,13 @@ TEST(AppConfig, FirstRunWritesTheFlagDefaults) {
     EXPECT_EQ(config.getSMSValidityPeriod(), 0);
     EXPECT_FALSE(QFileInfo::exists(home.configFile("SystemConfig.plist")));
 
-    EXPECT_TRUE(config.getConnectSoundEnable());
-    EXPECT_TRUE(config.getDisconnectSoundEnable());
-    EXPECT_TRUE(config.getSMSIncomingSoundEnable());
+    EXPECT_TRUE(config.getConnectSoundEnable() && config.getDisconnectSoundEnable() &&
+                config.getSMSIncomingSoundEnable());
     EXPECT_FALSE(config.getSMSDeliveryReportEnable());
-    const QVariantMap stored = PropertyList::readMap(home.configFile("SystemConfig.plist"));
-    EXPECT_EQ(stored, (QVariantMap{{"SOUND_CONNECT", "TRUE"},
-                                   {"SOUND_DISCONNECT", "TRUE"},
-                                   {"SOUND_SMS_INCOMING", "TRUE"},
-                                   {"SOUND_SMS_DELIVERY_REPORT", "FALSE"}}));
-
+    // clang-format off
+    EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")),
+              (QVariantMap{{"SOUND_CONNECT", "TRUE"}, {"SOUND_DISCONNECT", "TRUE"}, {"SOUND_SMS_INCOMING", "TRUE"}, {"SOUND_SMS_DELIVERY_REPORT", "FALSE"}}));
+    // clang-format on
     config.setConnectSoundEnable(false);
     config.setSMSDeliveryReportEnable(true);
     config.setSMSValidityPeriod(167);
@@ -91,40 +108,23 @@ TEST(AppConfig, ReadsThePredefinedProfilesAndThePlmnTable) {
 
     // Short lines are skipped (the trailing "\r\n" makes an empty last line); lines of 7 to 10 columns
     // keep their later fields absent.
-    ASSERT_EQ(accounts(config.fixedApnList()),
-              (std::vector<std::string>{"Net A", "Reseller Y", "X one", "X two", "Solo", "Plain", "Three 1",
-                                        "Three 2", "Three 3", "Plain 2"}));
-    const APNInfo& solo = config.fixedApnList()[4];
-    EXPECT_EQ(solo.strMCCMNC, "23415");
-    EXPECT_EQ(solo.strDialNum, "*99#");
-    EXPECT_EQ(solo.strUserName, "web");
-    EXPECT_EQ(solo.strPassword, "secret");
-    EXPECT_EQ(solo.strApn, "solo.apn");
-    EXPECT_EQ(solo.nAuthType, 2);
-    EXPECT_EQ(solo.strSPN, "SOLO");
-    EXPECT_EQ(solo.strDNS1, "8.8.8.8");
-    EXPECT_EQ(solo.strDNS2, "8.8.4.4");
-    const APNInfo& seven = config.fixedApnList()[6];
-    EXPECT_TRUE(seven.strSPN.isNull());
-    EXPECT_TRUE(seven.strDNS1.isNull());
-    EXPECT_EQ(config.fixedApnList()[7].strSPN, "");
-    EXPECT_TRUE(config.fixedApnList()[7].strDNS2.isNull());
+    const QList<APNInfo> fixed = config.fixedApnList();
+    ASSERT_EQ(accounts(fixed), (Names{"Net A", "Reseller Y", "X one", "X two", "Solo", "Plain", "Three 1",
+                                      "Three 2", "Three 3", "Plain 2"}));
+    EXPECT_EQ(fields(fixed[4]), "Solo|23415|*99#|web|secret|solo.apn|SOLO|8.8.8.8|8.8.4.4|2");
+    EXPECT_EQ(fields(fixed[6]), "Three 1|46000|*99#|||cmnet|~|~|~|0");
+    EXPECT_EQ(fields(fixed[7]), "Three 2|46000|*99#|||cmwap||~|~|0");
 
     // The PLMN table keeps an empty entry for each bad line, the empty last line included.
     ASSERT_EQ(config.plmnList().size(), 5);
-    EXPECT_TRUE(config.plmnList()[2].toMap().isEmpty());
-    EXPECT_TRUE(config.plmnList()[4].toMap().isEmpty());
+    EXPECT_TRUE(config.plmnList()[2].toMap().isEmpty() && config.plmnList()[4].toMap().isEmpty());
     EXPECT_EQ(config.getOperatorNameByNumeric("23415"), "Vodafone UK");
     EXPECT_EQ(config.getOperatorNameByNumeric("20801"), "Orange");
     EXPECT_EQ(config.getOperatorNameByNumeric("2080"), "");
     EXPECT_EQ(config.getOperatorNameByNumeric(""), "");
-
-    const QString text = QString::fromUtf8(TempHome::readFile(log));
-    EXPECT_TRUE(text.contains("[-CNSLOG_ERROR-]: AppConfig.cpp:")) << text.toStdString();
-    EXPECT_TRUE(text.contains("-->>: FixAPN list incorrect!! in 9 lien\n"));
-    EXPECT_TRUE(text.contains("-->>: FixAPN list incorrect!! in 11 lien\n"));
-    EXPECT_TRUE(text.contains("-->>: PLMN list incorrect!! in 2 lien\n"));
-    EXPECT_TRUE(text.contains("-->>: PLMN list incorrect!! in 4 lien\n"));
+    expectLogged(log, {"[-CNSLOG_ERROR-]: AppConfig.cpp:", "-->>: FixAPN list incorrect!! in 9 lien\n",
+                       "-->>: FixAPN list incorrect!! in 11 lien\n",
+                       "-->>: PLMN list incorrect!! in 2 lien\n", "-->>: PLMN list incorrect!! in 4 lien\n"});
 }
 
 TEST(AppConfig, MissingResourcesGiveEmptyTables) {
@@ -137,34 +137,32 @@ TEST(AppConfig, MissingResourcesGiveEmptyTables) {
 }
 
 TEST(AppConfig, ChoosesTheProfilesForASim) {
-    const struct {
-        const char* imsi;
-        const char* spn; // nullptr: the SIM has none
-        std::vector<std::string> chosen;
-    } rows[] = {
-        {"208011234567890", "Y", {"Reseller Y"}}, // one SPN match, taken as it is
-        {"234151234567890", "Y", {"Reseller Y"}}, // ... even on another network
-        {"262021234567890", "X", {"X two"}},      // two SPN matches: the one of this network
-        {"234151234567890", "X", {}},             // two SPN matches, none of this network: nothing
-        {"208011234567890", "", {"Net A"}},       // prefix: the SPN profile is dropped
+    // clang-format off
+    const struct { const char* imsi; const char* spn /* nullptr: the SIM has none */; Names chosen; } rows[] = {
+        {"208011234567890", "Y", {"Reseller Y"}},          // one SPN match, taken as it is
+        {"234151234567890", "Y", {"Reseller Y"}},          // ... even on another network
+        {"262021234567890", "X", {"X two"}},               // two SPN matches: the one of this network
+        {"234151234567890", "X", {}},                      // two SPN matches, none of this network: nothing
+        {"208011234567890", "", {"Net A"}},                // prefix: the SPN profile is dropped
         {"208011234567890", nullptr, {"Net A"}},
-        {"208011234567890", "Unknown", {"Net A"}}, // an SPN not in the table: prefix matching
-        {"262011234567890", "", {"X one"}},        // a single prefix match keeps its SPN
+        {"208011234567890", "Unknown", {"Net A"}},         // an SPN not in the table: prefix matching
+        {"262011234567890", "", {"X one"}},                // a single prefix match keeps its SPN
         {"234151234567890", "", {"Solo"}},
         {"310260123456789", "", {"Plain", "Plain 2"}},
         {"460001234567890", "", {"Three 1", "Three 2", "Three 3"}},
-        {"404451234567890", "", {}}, // no profile for this network
-        {"2080", "", {}},            // shorter than the code
+        {"404451234567890", "", {}},                       // no profile for this network
+        {"2080", "", {}},                                  // shorter than the code
     };
+    // clang-format on
     for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.imsi) + " " + (row.spn ? row.spn : "(none)"));
         TempHome home;
         home.useResources(kProfiles, kPlmn);
         AppConfig config;
-        const QString spn = row.spn ? QString(row.spn) : QString();
-        const QList<APNInfo> chosen = config.getFixApnByIMSI(row.imsi, spn);
-        EXPECT_EQ(accounts(chosen), row.chosen) << row.imsi << " " << (row.spn ? row.spn : "(none)");
-        EXPECT_EQ(accounts(config.getUserIMSIApnList()), row.chosen) << row.imsi;
-        EXPECT_EQ(storedAccounts(home, row.imsi), row.chosen) << row.imsi;
+        EXPECT_EQ(accounts(config.getFixApnByIMSI(row.imsi, row.spn ? QString(row.spn) : QString())),
+                  row.chosen);
+        EXPECT_EQ(accounts(config.getUserIMSIApnList()), row.chosen);
+        EXPECT_EQ(storedAccounts(home, row.imsi), row.chosen);
         EXPECT_EQ(config.currentIMSI(), row.imsi);
     }
 }
@@ -179,15 +177,11 @@ TEST(AppConfig, PerSimListsAreStoredWithoutSpnAndDns) {
     }
     const QVariantMap perSim = PropertyList::readMap(home.userFile("UserIMSIAPNList.plist"));
     EXPECT_EQ(perSim.keys(), (QStringList{"208011234567890", "234151234567890"})); // both SIMs kept
-    const QVariantMap solo = perSim.value("234151234567890").toList().value(0).toMap();
-    EXPECT_EQ(solo, (QVariantMap{{"ACCOUNT", "Solo"},
-                                 {"MCCMNC", "23415"},
-                                 {"DIALNUM", "*99#"},
-                                 {"USER_NAME", "web"},
-                                 {"KEY_PASSWORD", "secret"},
-                                 {"APN", "solo.apn"},
-                                 {"AUTHTYPE", 2},
-                                 {"PROXY", ""}}));
+    // clang-format off
+    EXPECT_EQ(perSim.value("234151234567890").toList().value(0).toMap(),
+              (QVariantMap{{"ACCOUNT", "Solo"}, {"MCCMNC", "23415"}, {"DIALNUM", "*99#"}, {"USER_NAME", "web"}, {"KEY_PASSWORD", "secret"},
+                           {"APN", "solo.apn"}, {"AUTHTYPE", 2}, {"PROXY", ""}}));
+    // clang-format on
 }
 
 TEST(AppConfig, DefaultProfileFollowsItsSim) {
@@ -195,46 +189,38 @@ TEST(AppConfig, DefaultProfileFollowsItsSim) {
     home.useResources(kProfiles, kPlmn);
     const QString simA = "460001234567890";
     const QString simB = "208011234567890";
+    const auto defaultName = [](const AppConfig& config) {
+        return config.getDefaultUserAPNItem() ? config.getDefaultUserAPNItem()->strAccount.toStdString()
+                                              : "(none)";
+    };
     {
         AppConfig config;
         config.getFixApnByIMSI(simA, "");
         EXPECT_EQ(config.setDefaultUserApnItemsByIndex(90002), 0);
-        EXPECT_EQ(accounts(config.getUserIMSIApnList()),
-                  (std::vector<std::string>{"Three 3", "Three 2", "Three 1"}));
-        EXPECT_TRUE(config.isSetDefaultUserApn());
-        EXPECT_TRUE(config.isFromIMSI());
-        ASSERT_TRUE(config.getDefaultUserAPNItem());
-        EXPECT_EQ(config.getDefaultUserAPNItem()->strAccount, "Three 3");
-        EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")).value("default APN info"),
-                  (QVariantMap{{"if setDefault", "TRUE"}, {"default IMSI", simA}}));
+        EXPECT_EQ(accounts(config.getUserIMSIApnList()), (Names{"Three 3", "Three 2", "Three 1"}));
+        EXPECT_TRUE(config.isSetDefaultUserApn() && config.isFromIMSI());
+        EXPECT_EQ(defaultName(config), "Three 3");
+        EXPECT_EQ(defaultInfo(home), (QVariantMap{{"if setDefault", "TRUE"}, {"default IMSI", simA}}));
 
         // Another SIM: the default does not count.
         config.getFixApnByIMSI(simB, "");
-        EXPECT_FALSE(config.isSetDefaultUserApn());
-        EXPECT_FALSE(config.isFromIMSI());
-        EXPECT_FALSE(config.getDefaultUserAPNItem());
+        EXPECT_FALSE(config.isSetDefaultUserApn() || config.isFromIMSI());
+        EXPECT_EQ(defaultName(config), "(none)");
     }
     {
         // After a restart with SIM A: its stored list, default first.
         AppConfig config;
-        EXPECT_EQ(accounts(config.getFixApnByIMSI(simA, "")),
-                  (std::vector<std::string>{"Three 3", "Three 2", "Three 1"}));
-        ASSERT_TRUE(config.getDefaultUserAPNItem());
-        EXPECT_EQ(config.getDefaultUserAPNItem()->strAccount, "Three 3");
+        EXPECT_EQ(accounts(config.getFixApnByIMSI(simA, "")), (Names{"Three 3", "Three 2", "Three 1"}));
+        EXPECT_EQ(defaultName(config), "Three 3");
     }
     {
         // The per-SIM lists are gone: the default is forgotten in memory, the settings file keeps it.
         QFile::remove(home.userFile("UserIMSIAPNList.plist"));
         AppConfig config;
-        EXPECT_EQ(accounts(config.getFixApnByIMSI(simA, "")),
-                  (std::vector<std::string>{"Three 1", "Three 2", "Three 3"}));
+        EXPECT_EQ(accounts(config.getFixApnByIMSI(simA, "")), (Names{"Three 1", "Three 2", "Three 3"}));
         EXPECT_FALSE(config.isSetDefaultUserApn());
-        EXPECT_FALSE(config.getDefaultUserAPNItem());
-        EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist"))
-                      .value("default APN info")
-                      .toMap()
-                      .value("default IMSI"),
-                  simA);
+        EXPECT_EQ(defaultName(config), "(none)");
+        EXPECT_EQ(defaultInfo(home).toMap().value("default IMSI"), simA);
     }
     {
         // A default in the user list holds for every SIM, until it is removed.
@@ -243,24 +229,22 @@ TEST(AppConfig, DefaultProfileFollowsItsSim) {
         config.addUserAPNItem(profile("Work", "work.apn"));
         config.getFixApnByIMSI(simB, "");
         EXPECT_EQ(config.setDefaultUserApnItems(config.getUserApnList()[1]), 0);
-        EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Work", "Home"}));
+        EXPECT_EQ(accounts(config.getUserApnList()), (Names{"Work", "Home"}));
         config.getFixApnByIMSI(simA, "");
         EXPECT_TRUE(config.isSetDefaultUserApn());
         EXPECT_FALSE(config.isFromIMSI());
-        ASSERT_TRUE(config.getDefaultUserAPNItem());
-        EXPECT_EQ(config.getDefaultUserAPNItem()->strAccount, "Work");
+        EXPECT_EQ(defaultName(config), "Work");
         EXPECT_EQ(
             PropertyList::readList(home.userFile("UserAPNList.plist")).value(0).toMap().value("ACCOUNT"),
             "Work");
 
         // A profile that is not in the list changes nothing.
         config.setDefaultUserApnItems(profile("Elsewhere", "x"));
-        EXPECT_EQ(config.getDefaultUserAPNItem()->strAccount, "Work");
+        EXPECT_EQ(defaultName(config), "Work");
 
         config.removeDefaultApnItems();
-        EXPECT_FALSE(config.getDefaultUserAPNItem());
-        EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")).value("default APN info"),
-                  (QVariantMap{{"if setDefault", "FALSE"}, {"default IMSI", ""}}));
+        EXPECT_EQ(defaultName(config), "(none)");
+        EXPECT_EQ(defaultInfo(home), (QVariantMap{{"if setDefault", "FALSE"}, {"default IMSI", ""}}));
     }
 }
 
@@ -273,32 +257,29 @@ TEST(AppConfig, OneIndexAddressesBothLists) {
     config.addUserAPNItem(profile("Work", "work.apn"));
     config.getFixApnByIMSI("460001234567890", "");
 
+    const Names edited{"Three 1", "Three 2", "Edited"};
     config.saveUserAPNItem(90002, profile("Edited", "edited.apn"));
-    EXPECT_EQ(accounts(config.getUserIMSIApnList()),
-              (std::vector<std::string>{"Three 1", "Three 2", "Edited"}));
-    EXPECT_EQ(storedAccounts(home, "460001234567890"),
-              (std::vector<std::string>{"Three 1", "Three 2", "Edited"}));
+    EXPECT_EQ(accounts(config.getUserIMSIApnList()), edited);
+    EXPECT_EQ(storedAccounts(home, "460001234567890"), edited);
     config.saveUserAPNItem(1, profile("Office", "office.apn"));
-    EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Home", "Office"}));
+    EXPECT_EQ(accounts(config.getUserApnList()), (Names{"Home", "Office"}));
 
     // An index equal to the count (or beyond, or negative) addresses nothing.
     for (int index : {2, 3, -1, 90003, 90004}) {
         config.saveUserAPNItem(index, profile("Bad", "bad.apn"));
         EXPECT_EQ(config.setDefaultUserApnItemsByIndex(index), 0);
     }
-    EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Home", "Office"}));
-    EXPECT_EQ(accounts(config.getUserIMSIApnList()),
-              (std::vector<std::string>{"Three 1", "Three 2", "Edited"}));
+    EXPECT_EQ(accounts(config.getUserApnList()), (Names{"Home", "Office"}));
+    EXPECT_EQ(accounts(config.getUserIMSIApnList()), edited);
     EXPECT_FALSE(config.isSetDefaultUserApn());
     EXPECT_EQ(PropertyList::readList(home.userFile("UserAPNList.plist")).size(), 2);
-    EXPECT_EQ(storedAccounts(home, "460001234567890").size(), 3u);
-    const QString text = QString::fromUtf8(TempHome::readFile(log));
-    EXPECT_TRUE(text.contains("-->>: index is over max count nIndex = 2\n"));
-    EXPECT_TRUE(text.contains("-->>: index is over max count nIndex = 90003\n"));
+    EXPECT_EQ(storedAccounts(home, "460001234567890"), edited);
+    expectLogged(log, {"-->>: index is over max count nIndex = 2\n",
+                       "-->>: index is over max count nIndex = 90003\n"});
 
     config.deleteSingleUserApnItem(2);
     config.deleteSingleUserApnItem(0);
-    EXPECT_EQ(accounts(config.getUserApnList()), (std::vector<std::string>{"Office"}));
+    EXPECT_EQ(accounts(config.getUserApnList()), (Names{"Office"}));
     EXPECT_EQ(config.deleteUserApnItems(config.getUserApnList()), 0);
     EXPECT_EQ(AppConfig().getUserApnList().size(), 1);
 }
@@ -313,13 +294,13 @@ TEST(AppConfig, TwoWritersKeepEachOthersProfiles) {
     app.addUserAPNItem(profile("Home", "home.apn"));
     tool.addUserAPNItem(profile("Work", "work.apn"));
     app.addUserAPNItem(profile("Mobile", "mobile.apn"));
-    EXPECT_EQ(accounts(AppConfig().getUserApnList()), (std::vector<std::string>{"Home", "Work", "Mobile"}));
+    EXPECT_EQ(accounts(AppConfig().getUserApnList()), (Names{"Home", "Work", "Mobile"}));
 
-    tool.deleteSingleUserApnItem(1); // Work, in the tool's view [Home, Work]
+    tool.deleteSingleUserApnItem(1);                      // Work, in the tool's view [Home, Work]
     app.saveUserAPNItem(1, profile("Work2", "work.apn")); // Work was removed meanwhile: kept as new
-    EXPECT_EQ(accounts(AppConfig().getUserApnList()), (std::vector<std::string>{"Home", "Mobile", "Work2"}));
+    EXPECT_EQ(accounts(AppConfig().getUserApnList()), (Names{"Home", "Mobile", "Work2"}));
     tool.setDefaultUserApnItems(tool.getUserApnList()[1]); // Mobile, in the tool's view [Home, Mobile]
-    EXPECT_EQ(accounts(AppConfig().getUserApnList()), (std::vector<std::string>{"Mobile", "Home", "Work2"}));
+    EXPECT_EQ(accounts(AppConfig().getUserApnList()), (Names{"Mobile", "Home", "Work2"}));
 }
 
 TEST(AppConfig, CorruptFilesReadAsEmpty) {
@@ -358,14 +339,10 @@ TEST(AppConfig, FailedWritesAreLoggedAndMemoryKept) {
     EXPECT_EQ(config.writeUserIMSIApnListToFile(), 0);
     EXPECT_TRUE(QFileInfo(home.userFile("UserIMSIAPNList.plist")).isFile());
     StoreFile::setFaultHook({});
-
-    const QString text = QString::fromUtf8(TempHome::readFile(log));
-    EXPECT_TRUE(text.contains("[-CNSLOG_ERROR-]: AppConfig.cpp:"));
-    EXPECT_TRUE(text.contains("AppConfig::writeSystemConfigToFile VER:"));
-    EXPECT_TRUE(text.contains("-->>: config file write error!!!\n"));
-    EXPECT_TRUE(text.contains("AppConfig::changeUserList VER:"));
-    EXPECT_TRUE(text.contains("UserIMSIAPNList.plist is not a regular file, kept as"));
-    EXPECT_TRUE(text.contains("-->>: file write error!!!\n"));
+    expectLogged(log,
+                 {"[-CNSLOG_ERROR-]: AppConfig.cpp:", "AppConfig::writeSystemConfigToFile VER:",
+                  "-->>: config file write error!!!\n", "AppConfig::changeUserList VER:",
+                  "UserIMSIAPNList.plist is not a regular file, kept as", "-->>: file write error!!!\n"});
 }
 
 } // namespace

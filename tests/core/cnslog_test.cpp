@@ -26,8 +26,7 @@ TEST(CNSLog, NothingWithoutTheMarker) {
     CNSLOG(2, "parameter is null");
     CNSLOG_TRACE();
     g_CNSLog.MLog("text");
-    EXPECT_EQ(g_ST_LOG_ALL, 0);
-    EXPECT_TRUE(g_CNSLog.logFilePath().isEmpty());
+    EXPECT_TRUE(g_ST_LOG_ALL == 0 && g_CNSLog.logFilePath().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(home.path() + "/.local/state"));
 }
 
@@ -64,25 +63,19 @@ TEST(CNSLog, LevelsAndTheirSwitches) {
     TempHome home;
     const QString path = home.openLog();
     g_ST_LOG_FATAL_ERROR = 0; // never consulted: level 3 follows the error switch
-    const struct {
-        int level;
-        const char* tag; // nullptr: not written
-    } rows[] = {
-        {0, "[-CNSLOG-]:"},          {1, "[-CNSLOG_WARNNING-]:"},
-        {2, "[-CNSLOG_ERROR-]:"},    {3, "[-CNSLOG_FATAL_ERROR-]:"},
-        {4, "[-CNSLOG_FOR_TEST-]:"}, {5, nullptr},
-        {6, "[-CNSLOG-]:"},          {-1, nullptr},
+    // clang-format off
+    const struct { int level; const char* tag; /* nullptr: not written */ } rows[] = {
+        {0, "[-CNSLOG-]:"}, {1, "[-CNSLOG_WARNNING-]:"}, {2, "[-CNSLOG_ERROR-]:"}, {3, "[-CNSLOG_FATAL_ERROR-]:"},
+        {4, "[-CNSLOG_FOR_TEST-]:"}, {5, nullptr}, {6, "[-CNSLOG-]:"}, {-1, nullptr},
     };
+    // clang-format on
     for (const auto& row : rows) {
-        const int before = static_cast<int>(logLines(path).size());
+        const qsizetype before = logLines(path).size();
         Sample().log(row.level);
         const QStringList lines = logLines(path);
-        if (!row.tag) {
-            EXPECT_EQ(lines.size(), before) << row.level;
-            continue;
-        }
-        ASSERT_EQ(lines.size(), before + 1) << row.level;
-        EXPECT_TRUE(lines.last().contains(QString(" ") + row.tag + " ")) << lines.last().toStdString();
+        ASSERT_EQ(lines.size(), before + (row.tag ? 1 : 0)) << row.level;
+        EXPECT_TRUE(!row.tag || lines.last().contains(QString(" ") + row.tag + " "))
+            << lines.last().toStdString();
     }
 
     // Switching a level's flag off silences it; level 3 goes with level 2.
@@ -118,22 +111,18 @@ TEST(CNSLog, ThreadsAppendWholeLines) {
     constexpr int kThreads = 4;
     constexpr int kLines = 200;
     std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t) {
+    for (int t = 0; t < kThreads; ++t)
         threads.emplace_back([t] {
-            for (int i = 0; i < kLines; ++i) {
+            for (int i = 0; i < kLines; ++i)
                 CNSLOG(0, "thread %d line %d %s", t, i, "0123456789012345678901234567890123456789");
-            }
         });
-    }
-    for (auto& thread : threads) {
+    for (auto& thread : threads)
         thread.join();
-    }
     const QStringList lines = logLines(path);
     ASSERT_EQ(lines.size(), kThreads * kLines);
     const QRegularExpression whole(R"(-->>: thread \d line \d+ 0123456789012345678901234567890123456789$)");
-    for (const QString& line : lines) {
+    for (const QString& line : lines)
         ASSERT_TRUE(whole.match(line).hasMatch()) << line.toStdString();
-    }
 }
 
 } // namespace

@@ -39,9 +39,8 @@ void expectSameTree(const QVariant& expected, const QVariant& actual, const QStr
         const QVariantMap a = actual.toMap();
         ASSERT_EQ(actual.typeId(), QMetaType::QVariantMap) << where.toStdString();
         ASSERT_EQ(e.keys(), a.keys()) << where.toStdString();
-        for (auto it = e.cbegin(); it != e.cend(); ++it) {
+        for (auto it = e.cbegin(); it != e.cend(); ++it)
             expectSameTree(it.value(), a.value(it.key()), where + "/" + it.key());
-        }
         break;
     }
     case QMetaType::QVariantList: {
@@ -49,9 +48,8 @@ void expectSameTree(const QVariant& expected, const QVariant& actual, const QStr
         const QVariantList a = actual.toList();
         ASSERT_EQ(actual.typeId(), QMetaType::QVariantList) << where.toStdString();
         ASSERT_EQ(e.size(), a.size()) << where.toStdString();
-        for (qsizetype i = 0; i < e.size(); ++i) {
+        for (qsizetype i = 0; i < e.size(); ++i)
             expectSameTree(e[i], a[i], where + "/" + QString::number(i));
-        }
         break;
     }
     case QMetaType::ULongLong:
@@ -68,6 +66,22 @@ void expectSameTree(const QVariant& expected, const QVariant& actual, const QStr
     }
 }
 
+// The settings as a binary list, converted by libplist.
+QByteArray binarySettings() {
+    const QByteArray xml = PropertyList::toXml(sampleSettings());
+    plist_t root = nullptr;
+    plist_from_xml(xml.constData(), static_cast<uint32_t>(xml.size()), &root);
+    EXPECT_NE(root, nullptr);
+    char* bin = nullptr;
+    uint32_t length = 0;
+    plist_to_bin(root, &bin, &length);
+    plist_free(root);
+    const QByteArray binary(bin, length);
+    std::free(bin);
+    return binary;
+}
+
+// Written as XML and read back; the same settings in a binary list (as libplist writes them) read alike.
 TEST(PropertyList, EveryStoredTypeRoundTripsThroughAFile) {
     TempHome home;
     const QString path = home.path() + "/settings.plist";
@@ -77,65 +91,39 @@ TEST(PropertyList, EveryStoredTypeRoundTripsThroughAFile) {
 
     // Counters above 2^63 are written as unsigned XML integers, not as negative numbers.
     const QByteArray xml = TempHome::readFile(path);
-    EXPECT_TRUE(xml.contains("<integer>18446744073709551615</integer>"));
-    EXPECT_TRUE(xml.contains("<integer>9223372036854775808</integer>"));
-    EXPECT_TRUE(xml.contains("<integer>-5</integer>"));
-    EXPECT_TRUE(xml.contains("<date>2024-05-01T12:03:04Z</date>"));
-}
+    for (const char* text :
+         {"<integer>18446744073709551615</integer>", "<integer>9223372036854775808</integer>",
+          "<integer>-5</integer>", "<date>2024-05-01T12:03:04Z</date>"})
+        EXPECT_TRUE(xml.contains(text)) << text;
 
-TEST(PropertyList, ReadsBinaryPropertyLists) {
-    TempHome home;
-    const QByteArray xml = PropertyList::toXml(sampleSettings());
-    plist_t root = nullptr;
-    plist_from_xml(xml.constData(), static_cast<uint32_t>(xml.size()), &root);
-    ASSERT_NE(root, nullptr);
-    char* bin = nullptr;
-    uint32_t length = 0;
-    plist_to_bin(root, &bin, &length);
-    plist_free(root);
-    const QByteArray binary(bin, length);
-    std::free(bin);
+    const QByteArray binary = binarySettings();
     ASSERT_TRUE(binary.startsWith("bplist00"));
-
-    const QString path = home.path() + "/binary.plist";
     TempHome::writeFile(path, binary);
-    expectSameTree(sampleSettings(), PropertyList::readMap(path), "");
+    expectSameTree(settings, PropertyList::readMap(path), "binary");
 }
 
 TEST(PropertyList, BrokenFilesReadAsNothing) {
     TempHome home;
     const QByteArray xml = PropertyList::toXml(sampleSettings());
-    plist_t root = nullptr;
-    plist_from_xml(xml.constData(), static_cast<uint32_t>(xml.size()), &root);
-    char* bin = nullptr;
-    uint32_t length = 0;
-    plist_to_bin(root, &bin, &length);
-    plist_free(root);
-    const QByteArray binary(bin, length);
-    std::free(bin);
+    const QByteArray binary = binarySettings();
 
     const QString path = home.path() + "/broken.plist";
+    // clang-format off
     const QByteArray rows[] = {
-        "",
-        "   \n",
-        "not a property list",
-        "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>SMS_VP</key><integer>1",
-        "<plist><array><string>unterminated",
-        "bplist00",
-        "bplist00\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff",
+        "", "   \n", "not a property list", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>SMS_VP</key><integer>1",
+        "<plist><array><string>unterminated", "bplist00", "bplist00\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff",
         QByteArray(4096, '\0'),
     };
+    // clang-format on
     for (const QByteArray& bytes : rows) {
         TempHome::writeFile(path, bytes);
         EXPECT_TRUE(PropertyList::readMap(path).isEmpty()) << bytes.left(40).toStdString();
         EXPECT_TRUE(PropertyList::readList(path).isEmpty());
     }
     // Every cut of a valid file, XML or binary, either reads as nothing or reads without crashing.
-    for (const QByteArray* whole : {&xml, &binary}) {
-        for (qsizetype cut = 0; cut < whole->size(); cut += (whole == &binary ? 1 : 5)) {
+    for (const QByteArray* whole : {&xml, &binary})
+        for (qsizetype cut = 0; cut < whole->size(); cut += (whole == &binary ? 1 : 5))
             PropertyList::fromData(whole->left(cut));
-        }
-    }
     EXPECT_FALSE(PropertyList::read(home.path() + "/missing.plist").isValid());
     // A file of the other kind of root reads as an empty map or list.
     ASSERT_TRUE(PropertyList::write(path, QVariantList{1, 2}));
@@ -162,19 +150,16 @@ QByteArray binaryList(const QList<QByteArray>& objects) {
 
 TEST(PropertyList, HostileBinaryListsAreRefused) {
     // A key holding a NUL byte is an ordinary key here.
-    const QVariant nulKey = PropertyList::fromData(binaryList({QByteArray("\xD1\x01\x02", 3),
-                                                               QByteArray("\x53"
-                                                                          "a\0b",
-                                                                          4),
-                                                               QByteArray("\x10\x07", 2)}));
+    // clang-format off
+    const QVariant nulKey = PropertyList::fromData(binaryList({QByteArray("\xD1\x01\x02", 3), QByteArray("\x53" "a\0b", 4), QByteArray("\x10\x07", 2)}));
+    // clang-format on
     EXPECT_EQ(nulKey.toMap(), (QVariantMap{{QString::fromLatin1("a\0b", 3), 7}}));
 
     // An array that holds itself, and a chain of arrays that each hold the next one twice (2^40 visits).
     EXPECT_FALSE(PropertyList::fromData(binaryList({QByteArray("\xA1\x00", 2)})).isValid());
     QList<QByteArray> chain;
-    for (char i = 1; i <= 40; ++i) {
+    for (char i = 1; i <= 40; ++i)
         chain.append(QByteArray("\xA2") + i + i);
-    }
     chain.append("\x09");
     EXPECT_FALSE(PropertyList::fromData(binaryList(chain)).isValid());
 
