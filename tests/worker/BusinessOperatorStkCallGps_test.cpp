@@ -82,8 +82,6 @@ protected:
     std::unique_ptr<BusinessOperator> m_business;
 };
 
-namespace {
-
 QVariantMap valueOf(const QVariantMap& response) {
     return WorkNotification::GetValueObject(response).toMap();
 }
@@ -91,8 +89,6 @@ QVariantMap valueOf(const QVariantMap& response) {
 QVariantMap answerIn(const QString& command, int teSet = USSD_TE_IRA) {
     return request(QVariantMap{{SatKey::kCommand, command}, {SatKey::kCharSet, teSet}});
 }
-
-} // namespace
 
 TEST_F(BusinessStkCallGpsTest, MainMenuListingComesWithItsCharacterSet) {
     const std::string listing = answer("+STGI: 17,\"004D0065006E00FC\",1\r\n+STGI: 17,9,\"0053\"");
@@ -217,7 +213,6 @@ TEST_F(BusinessStkCallGpsTest, DialSendsOnlyDialStringsAndPassesTheCallResultsOn
 
 TEST_F(BusinessStkCallGpsTest, DtmfKeysAreCheckedBeforeAnyIsSent) {
     // clang-format off
-    // clang-format off
     const struct { const char* name; QVariantMap request; std::vector<std::string> sent; std::string lastReply; int result; } rows[] = {
         {"every key kind", request(QStringLiteral("1*#D")), {"AT+VTS=1\r", "AT+VTS=*\r", "AT+VTS=#\r", "AT+VTS=D\r"}, "\r\nOK\r\n", 0},
         {"a bad key at the end", request(QStringLiteral("12E")), {}, "", 1},
@@ -227,7 +222,6 @@ TEST_F(BusinessStkCallGpsTest, DtmfKeysAreCheckedBeforeAnyIsSent) {
         {"empty", request(QString("")), {}, "", 3},
         {"no argument", {}, {}, "", 3},
     };
-    // clang-format on
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

@@ -198,103 +198,66 @@ TEST_F(BusinessOperatorTest, EquipmentInfoStaysInsideUnterminatedFieldsAndPasses
     }
 }
 
-TEST_F(BusinessOperatorTest, PinCheckStateFetchesTheCountersTheStateNeeds) {
-    const std::string smpn = answer("+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8),PF(9,10)");
+// A family's exchange as the business layer turns it into a result and a stored value (invalid: none).
+TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
+    using Call = std::function<int(BusinessOperator&, QVariantMap&)>;
+    const Call pinState = [](BusinessOperator& b, QVariantMap& out) { return b.PINCheckState(out); };
+    const Call pinChange = [](BusinessOperator& b, QVariantMap& out) {
+        return b.PINChange(request(QVariant::fromValue(BLPINChangeInfo{"1234", "4321"})), out);
+    };
+    const Call setMode = [](BusinessOperator& b, QVariantMap&) { return b.NetworkSetMode(request(0)); };
+    const Call operators = [](BusinessOperator& b, QVariantMap& out) { return b.NetworkGetList(out); };
+    const auto pin = [](qint32 state, qint32 pins, qint32 puks) {
+        return QVariant::fromValue(BLPinCheckState{state, pins, puks});
+    };
+    const auto op = [](qint32 state, QString name, QString shortName, QString numeric, qint32 act) {
+        return QVariant::fromValue(BLNetworkListItem{0, state, name, shortName, numeric, act});
+    };
+    const std::string cpin = "AT+CPIN?\r", pnnm = "AT+PNNM?\r", cpwd = "AT+CPWD=\"SC\",\"1234\",\"4321\"\r";
+    const std::string syssel = "AT+SYSSEL=,0,0\r", cops = "AT+COPS=?\r", ok = "\r\nOK\r\n";
+    struct Step { std::string command; std::string answer; int failure = 0; };
+    struct Row { const char* name; Call call; std::vector<Step> steps; int result; QVariant stored; };
     // clang-format off
-    // infoCommand: nullptr: the counters are not asked for
-    // stored: compared only when result is 0
-    struct Row { std::string cpin; const char* infoCommand; std::string infoAnswer; int result; BLPinCheckState stored; };
     const Row rows[] = {
-        {answer("+CPIN: READY"), "AT+PNNM?\r", answer("+PNNM: 3, 10"), 0, {1, 3, 10}},
-        {answer("+CPIN: READY"), "AT+PNNM?\r", answer("+PNNM: 3, 0"), 0, {17, 3, 0}},
-        {answer("+CPIN: SIM PIN"), "AT+PNNM?\r", answer("+PNNM: 2, 10"), 0, {2, 2, 10}},
-        {answer("+CPIN: SIM PUK"), "AT+PNNM?\r", answer("+PNNM: 0, 9"), 0, {3, 0, 9}},
-        {answer("+CPIN: PH-NET PIN"), "AT+SMPN?\r", smpn, 0, {9, 1, 2}},
-        {"\r\n+CME ERROR: SIM not inserted\r\n", nullptr, "", 0, {0, 0, 0}},
-        {answer("+CPIN: READY"), "AT+PNNM?\r", "\r\nOK\r\n", 1, {}},
-        {answer("+CPIN: SIM PIN"), "AT+PNNM?\r", "\r\nERROR\r\n", 1, {}},
-        {"\r\n+CME ERROR: SIM busy\r\n", nullptr, "", 12, {}},
+        // The PIN state fetches the counters that state needs.
+        {"ready", pinState, {{cpin, answer("+CPIN: READY")}, {pnnm, answer("+PNNM: 3, 10")}}, 0, pin(1, 3, 10)},
+        {"ready, no PUK attempt left", pinState, {{cpin, answer("+CPIN: READY")}, {pnnm, answer("+PNNM: 3, 0")}}, 0, pin(17, 3, 0)},
+        {"PIN", pinState, {{cpin, answer("+CPIN: SIM PIN")}, {pnnm, answer("+PNNM: 2, 10")}}, 0, pin(2, 2, 10)},
+        {"PUK", pinState, {{cpin, answer("+CPIN: SIM PUK")}, {pnnm, answer("+PNNM: 0, 9")}}, 0, pin(3, 0, 9)},
+        {"network lock", pinState, {{cpin, answer("+CPIN: PH-NET PIN")}, {"AT+SMPN?\r", answer("+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8),PF(9,10)")}}, 0, pin(9, 1, 2)},
+        {"no SIM", pinState, {{cpin, "\r\n+CME ERROR: SIM not inserted\r\n"}}, 0, pin(0, 0, 0)},
+        {"counters missing", pinState, {{cpin, answer("+CPIN: READY")}, {pnnm, ok}}, 1, {}},
+        {"counters refused", pinState, {{cpin, answer("+CPIN: SIM PIN")}, {pnnm, "\r\nERROR\r\n"}}, 1, {}},
+        {"SIM busy", pinState, {{cpin, "\r\n+CME ERROR: SIM busy\r\n"}}, 12, {}},
+        // A PIN change stores the state even when the change fails.
+        {"change", pinChange, {{cpwd, ok}, {cpin, answer("+CPIN: READY")}}, 0, 1},
+        {"change refused", pinChange, {{cpwd, "\r\n+CME ERROR: incorrect password\r\n"}, {cpin, answer("+CPIN: SIM PIN")}}, 14, 2},
+        {"change and state time out", pinChange, {{cpwd, "", 2}, {cpin, "", 2}}, 2, 1}, // the preset 1 is stored
+        // Setting the mode turns every refusal into 33.
+        {"mode", setMode, {{syssel, ok}}, 0, {}},
+        {"mode refused", setMode, {{syssel, "\r\nERROR\r\n"}}, 33, {}},
+        {"mode timed out", setMode, {{syssel, "", 2}}, 33, {}},
+        {"mode cancelled", setMode, {{syssel, "", 30}}, 33, {}},
+        // The operator list keeps the modem's order and repeats; no operator is an empty list.
+        {"operators", operators, {{cops, answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\",0),(3,\"Acme\",\"ACME\",\"00101\",0),,(0,1,2,3,4),(0,1,2)")}}, 0,
+         QVariantList{op(2, "Acme", "ACME", "00101", 2), op(1, "Beta", "BETA", "00102", 0), op(3, "Acme", "ACME", "00101", 0)}},
+        {"no operator", operators, {{cops, answer("+COPS: ,,(0,1,2,3,4),(0,1,2)")}}, 0, QVariantList{}},
+        {"operators refused", operators, {{cops, "\r\n+CME ERROR: no network service\r\n"}}, 1, {}},
     };
     // clang-format on
     for (const Row& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.cpin + row.infoAnswer));
-        m_fake.Expect("AT+CPIN?\r", row.cpin);
-        if (row.infoCommand)
-            m_fake.Expect(row.infoCommand, row.infoAnswer);
+        SCOPED_TRACE(row.name);
+        for (const Step& step : row.steps)
+            m_fake.Expect(step.command, step.answer, step.failure);
         QVariantMap response;
-        EXPECT_EQ(m_business->PINCheckState(response), row.result);
-        m_fake.VerifyDone();
-        if (row.result != 0) {
-            EXPECT_FALSE(response.contains(VALUE_OBJECT));
-            continue;
-        }
-        const auto state = WorkNotification::GetValueObject(response).value<BLPinCheckState>();
-        EXPECT_EQ(state.nState, row.stored.nState);
-        EXPECT_EQ(state.nPinCnt, row.stored.nPinCnt);
-        EXPECT_EQ(state.nPukCnt, row.stored.nPukCnt);
-    }
-}
-
-TEST_F(BusinessOperatorTest, PinChangeStoresTheStateEvenWhenTheChangeFails) {
-    // clang-format off
-    struct Row { std::string change; int changeFailure; std::string cpin; int cpinFailure; int result; int state; };
-    const Row rows[] = {
-        {"\r\nOK\r\n", 0, answer("+CPIN: READY"), 0, 0, 1},
-        {"\r\n+CME ERROR: incorrect password\r\n", 0, answer("+CPIN: SIM PIN"), 0, 14, 2},
-        {"", 2, "", 2, 2, 1}, // the state query fails too: the preset 1 is stored
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.change));
-        m_fake.Expect("AT+CPWD=\"SC\",\"1234\",\"4321\"\r", row.change, row.changeFailure);
-        m_fake.Expect("AT+CPIN?\r", row.cpin, row.cpinFailure);
-        QVariantMap response;
-        EXPECT_EQ(
-            m_business->PINChange(request(QVariant::fromValue(BLPINChangeInfo{"1234", "4321"})), response),
-            row.result);
-        EXPECT_EQ(WorkNotification::GetValueObject(response), QVariant(row.state));
+        EXPECT_EQ(row.call(*m_business, response), row.result);
+        EXPECT_EQ(WorkNotification::GetValueObject(response), row.stored);
         m_fake.VerifyDone();
     }
 }
 
-TEST_F(BusinessOperatorTest, NetworkSetModeTurnsEveryRefusalInto33) {
-    // clang-format off
-    struct Row { std::string answer; int failure; int result; };
-    const Row rows[] = {{"\r\nOK\r\n", 0, 0}, {"\r\nERROR\r\n", 0, 33}, {"", 2, 33}, {"", 30, 33}};
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+SYSSEL=,0,0\r", row.answer, row.failure);
-        EXPECT_EQ(m_business->NetworkSetMode(request(0)), row.result);
-        m_fake.VerifyDone();
-    }
-}
-
-TEST_F(BusinessOperatorTest, NetworkListKeepsTheModemsOrderAndRepeats) {
-    m_fake.Expect("AT+COPS=?\r",
-                  answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\",0),"
-                         "(3,\"Acme\",\"ACME\",\"00101\",0),,(0,1,2,3,4),(0,1,2)"));
+TEST_F(BusinessOperatorTest, NetworkListNamesStayInsideTheirFields) {
     QVariantMap response;
-    ASSERT_EQ(m_business->NetworkGetList(response), 0);
-    const QVariantList list = WorkNotification::GetValueObject(response).toList();
-    ASSERT_EQ(list.size(), 3);
-    const auto first = list[0].value<BLNetworkListItem>();
-    EXPECT_EQ(first, (BLNetworkListItem{0, 2, "Acme", "ACME", "00101", 2}));
-    EXPECT_EQ(list[1].value<BLNetworkListItem>().strNumericAlpha, "00102");
-    EXPECT_EQ(list[2].value<BLNetworkListItem>(), (BLNetworkListItem{0, 3, "Acme", "ACME", "00101", 0}));
-
-    // No operator: an empty list is still stored. A failure stores nothing.
-    m_fake.Expect("AT+COPS=?\r", answer("+COPS: ,,(0,1,2,3,4),(0,1,2)"));
-    response.clear();
-    EXPECT_EQ(m_business->NetworkGetList(response), 0);
-    ASSERT_TRUE(response.contains(VALUE_OBJECT));
-    EXPECT_TRUE(WorkNotification::GetValueObject(response).toList().isEmpty());
-
-    m_fake.Expect("AT+COPS=?\r", "\r\n+CME ERROR: no network service\r\n");
-    response.clear();
-    EXPECT_EQ(m_business->NetworkGetList(response), 1);
-    EXPECT_FALSE(response.contains(VALUE_OBJECT));
-
     // Names that fill their fields to the last byte stay inside them.
     m_sublayer->getNetworkList = [](std::list<TNetworkListItem>& items) {
         TNetworkListItem item;
@@ -304,7 +267,6 @@ TEST_F(BusinessOperatorTest, NetworkListKeepsTheModemsOrderAndRepeats) {
         items.push_back(item);
         return 0;
     };
-    response.clear();
     EXPECT_EQ(m_business->NetworkGetList(response), 0);
     const auto capped =
         WorkNotification::GetValueObject(response).toList().value(0).value<BLNetworkListItem>();
