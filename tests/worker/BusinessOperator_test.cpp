@@ -1,6 +1,7 @@
 #include "ATSublayer.h"
 #include "BLRecords.h"
 #include "BusinessOperator.h"
+#include "ComOperation.h"
 #include "NetworkOperator.h"
 #include "ScriptedAtFake.h"
 #include "WorkNotification.h"
@@ -16,6 +17,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -141,20 +143,59 @@ std::string answer(const std::string& line) {
     return "\r\n" + line + "\r\n\r\nOK\r\n";
 }
 
+const std::string kCharSetIra = answer("+CSCS: \"IRA\"");
+const std::string kCharSetUcs2 = answer("+CSCS: \"UCS2\"");
+const std::string kCmeError = "\r\n+CME ERROR: 50\r\n";
+
+// The channel's report queue: the scripted modem's unsolicited lines go there, as a real modem's do.
+std::vector<std::string> takeReports(bool keep = false) {
+    UnsolicitedReportList* reports = nullptr;
+    ComOperation::GetInstance()->getUnsoliciteReportList(reports);
+    std::vector<std::string> lines;
+    for (const UnsolicitedReportDataType* report : *reports)
+        lines.push_back(report->strText);
+    if (!keep) {
+        for (UnsolicitedReportDataType* report : *reports)
+            delete report;
+        reports->clear();
+    }
+    return lines;
+}
+
+int execThroughChannel(const char* command, const char* expected, int timeoutMs,
+                       const std::list<std::string>& finals, std::string& response) {
+    const int result = ScriptedAtFake::ExecAT(command, expected, timeoutMs, finals, response);
+    if (result == 0)
+        ComOperation::GetInstance()->checkUnsolicitedReport(response, expected);
+    return result;
+}
+
+QVariantMap valueOf(const QVariantMap& response) {
+    return WorkNotification::GetValueObject(response).toMap();
+}
+
+// A toolkit answer as the client sends it, built for the character set teSet.
+QVariantMap answerIn(const QString& command, int teSet = USSD_TE_IRA) {
+    return request(QVariantMap{{SatKey::kCommand, command}, {SatKey::kCharSet, teSet}});
+}
+
 class BusinessOperatorTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        registerRecordMetaTypes();
+        takeReports();
         ASSERT_EQ(ATSubLayer_CreateInstance(m_real), 0);
         TInterfaceAtSublayerLower lower;
-        lower.pfnExecAT = ScriptedAtFake::Callback();
+        lower.pfnExecAT = &execThroughChannel;
         m_real->RegisterLowerCBs(lower);
         m_sublayer = std::make_unique<HookedSublayer>(m_real);
-        m_business = std::make_unique<BusinessOperator>(nullptr, m_sublayer.get(), nullptr);
+        m_business = std::make_unique<BusinessOperator>(ComOperation::GetInstance(), m_sublayer.get(), nullptr);
     }
     void TearDown() override {
         m_business.reset();
         m_sublayer.reset();
         ATSubLayer_DestroyInstance(m_real);
+        takeReports();
     }
 
     ScriptedAtFake m_fake;
@@ -198,51 +239,97 @@ TEST_F(BusinessOperatorTest, EquipmentInfoStaysInsideUnterminatedFieldsAndPasses
     }
 }
 
-// A family's exchange as the business layer turns it into a result and a stored value (invalid: none).
+// A family's exchange as the business layer turns it into a result and a stored value.
 TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
-    using Call = std::function<int(BusinessOperator&, QVariantMap&)>;
-    const Call pinState = [](BusinessOperator& b, QVariantMap& out) { return b.PINCheckState(out); };
-    const Call pinChange = [](BusinessOperator& b, QVariantMap& out) {
-        return b.PINChange(request(QVariant::fromValue(BLPINChangeInfo{"1234", "4321"})), out);
-    };
-    const Call setMode = [](BusinessOperator& b, QVariantMap&) { return b.NetworkSetMode(request(0)); };
-    const Call operators = [](BusinessOperator& b, QVariantMap& out) { return b.NetworkGetList(out); };
-    const auto pin = [](qint32 state, qint32 pins, qint32 puks) {
-        return QVariant::fromValue(BLPinCheckState{state, pins, puks});
-    };
+    using Call = std::function<int(BusinessOperator&, const QVariantMap&, QVariantMap&)>;
+    const Call pinState = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.PINCheckState(out); };
+    const Call pinChange = [](BusinessOperator& b, const QVariantMap& r, QVariantMap& out) { return b.PINChange(r, out); };
+    const Call setMode = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.NetworkSetMode(r); };
+    const Call operators = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.NetworkGetList(out); };
+    const Call menu = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.SatGetMenu(out); };
+    const Call select = [](BusinessOperator& b, const QVariantMap& r, QVariantMap& out) { return b.SatSelectItem(r, out); };
+    const Call dial = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.CallDial(r); };
+    const Call dtmf = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.CallSendDTMF(r); };
+    const Call callList = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.CallGetList(out); };
+    const auto pin = [](qint32 state, qint32 pins, qint32 puks) { return QVariant::fromValue(BLPinCheckState{state, pins, puks}); };
     const auto op = [](qint32 state, QString name, QString shortName, QString numeric, qint32 act) {
         return QVariant::fromValue(BLNetworkListItem{0, state, name, shortName, numeric, act});
     };
+    const std::string listing = answer("+STGI: 17,\"004D0065006E00FC\",1\r\n+STGI: 17,9,\"0053\"");
+    const auto menuIn = [&](int teSet) { return QVariantMap{{SatKey::kListing, QString::fromStdString(listing)}, {SatKey::kCharSet, teSet}}; };
+    const auto calls = [](QList<BLCallItem> items) { return QVariant::fromValue(items); };
+    const QVariantMap change = request(QVariant::fromValue(BLPINChangeInfo{"1234", "4321"}));
     const std::string cpin = "AT+CPIN?\r", pnnm = "AT+PNNM?\r", cpwd = "AT+CPWD=\"SC\",\"1234\",\"4321\"\r";
-    const std::string syssel = "AT+SYSSEL=,0,0\r", cops = "AT+COPS=?\r", ok = "\r\nOK\r\n";
+    const std::string syssel = "AT+SYSSEL=,0,0\r", cops = "AT+COPS=?\r", stgi = "AT+STGI=17\r", cscs = "AT+CSCS?\r";
+    const std::string clcc = "AT+CLCC\r", ok = "\r\nOK\r\n";
+    const QVariant none; // nothing stored
     struct Step { std::string command; std::string answer; int failure = 0; };
-    struct Row { const char* name; Call call; std::vector<Step> steps; int result; QVariant stored; };
+    // stored: nullopt when the test does not look at it
+    struct Row { const char* name; Call call; QVariantMap request; std::vector<Step> steps; int result; std::optional<QVariant> stored; };
     // clang-format off
     const Row rows[] = {
         // The PIN state fetches the counters that state needs.
-        {"ready", pinState, {{cpin, answer("+CPIN: READY")}, {pnnm, answer("+PNNM: 3, 10")}}, 0, pin(1, 3, 10)},
-        {"ready, no PUK attempt left", pinState, {{cpin, answer("+CPIN: READY")}, {pnnm, answer("+PNNM: 3, 0")}}, 0, pin(17, 3, 0)},
-        {"PIN", pinState, {{cpin, answer("+CPIN: SIM PIN")}, {pnnm, answer("+PNNM: 2, 10")}}, 0, pin(2, 2, 10)},
-        {"PUK", pinState, {{cpin, answer("+CPIN: SIM PUK")}, {pnnm, answer("+PNNM: 0, 9")}}, 0, pin(3, 0, 9)},
-        {"network lock", pinState, {{cpin, answer("+CPIN: PH-NET PIN")}, {"AT+SMPN?\r", answer("+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8),PF(9,10)")}}, 0, pin(9, 1, 2)},
-        {"no SIM", pinState, {{cpin, "\r\n+CME ERROR: SIM not inserted\r\n"}}, 0, pin(0, 0, 0)},
-        {"counters missing", pinState, {{cpin, answer("+CPIN: READY")}, {pnnm, ok}}, 1, {}},
-        {"counters refused", pinState, {{cpin, answer("+CPIN: SIM PIN")}, {pnnm, "\r\nERROR\r\n"}}, 1, {}},
-        {"SIM busy", pinState, {{cpin, "\r\n+CME ERROR: SIM busy\r\n"}}, 12, {}},
+        {"ready", pinState, {}, {{cpin, answer("+CPIN: READY")}, {pnnm, answer("+PNNM: 3, 10")}}, 0, pin(1, 3, 10)},
+        {"ready, no PUK attempt left", pinState, {}, {{cpin, answer("+CPIN: READY")}, {pnnm, answer("+PNNM: 3, 0")}}, 0, pin(17, 3, 0)},
+        {"PIN", pinState, {}, {{cpin, answer("+CPIN: SIM PIN")}, {pnnm, answer("+PNNM: 2, 10")}}, 0, pin(2, 2, 10)},
+        {"PUK", pinState, {}, {{cpin, answer("+CPIN: SIM PUK")}, {pnnm, answer("+PNNM: 0, 9")}}, 0, pin(3, 0, 9)},
+        {"network lock", pinState, {}, {{cpin, answer("+CPIN: PH-NET PIN")}, {"AT+SMPN?\r", answer("+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8),PF(9,10)")}}, 0, pin(9, 1, 2)},
+        {"no SIM", pinState, {}, {{cpin, "\r\n+CME ERROR: SIM not inserted\r\n"}}, 0, pin(0, 0, 0)},
+        {"counters missing", pinState, {}, {{cpin, answer("+CPIN: READY")}, {pnnm, ok}}, 1, none},
+        {"counters refused", pinState, {}, {{cpin, answer("+CPIN: SIM PIN")}, {pnnm, "\r\nERROR\r\n"}}, 1, none},
+        {"SIM busy", pinState, {}, {{cpin, "\r\n+CME ERROR: SIM busy\r\n"}}, 12, none},
         // A PIN change stores the state even when the change fails.
-        {"change", pinChange, {{cpwd, ok}, {cpin, answer("+CPIN: READY")}}, 0, 1},
-        {"change refused", pinChange, {{cpwd, "\r\n+CME ERROR: incorrect password\r\n"}, {cpin, answer("+CPIN: SIM PIN")}}, 14, 2},
-        {"change and state time out", pinChange, {{cpwd, "", 2}, {cpin, "", 2}}, 2, 1}, // the preset 1 is stored
+        {"change", pinChange, change, {{cpwd, ok}, {cpin, answer("+CPIN: READY")}}, 0, 1},
+        {"change refused", pinChange, change, {{cpwd, "\r\n+CME ERROR: incorrect password\r\n"}, {cpin, answer("+CPIN: SIM PIN")}}, 14, 2},
+        {"change and state time out", pinChange, change, {{cpwd, "", 2}, {cpin, "", 2}}, 2, 1}, // the preset 1 is stored
         // Setting the mode turns every refusal into 33.
-        {"mode", setMode, {{syssel, ok}}, 0, {}},
-        {"mode refused", setMode, {{syssel, "\r\nERROR\r\n"}}, 33, {}},
-        {"mode timed out", setMode, {{syssel, "", 2}}, 33, {}},
-        {"mode cancelled", setMode, {{syssel, "", 30}}, 33, {}},
+        {"mode", setMode, request(0), {{syssel, ok}}, 0, none},
+        {"mode refused", setMode, request(0), {{syssel, "\r\nERROR\r\n"}}, 33, none},
+        {"mode timed out", setMode, request(0), {{syssel, "", 2}}, 33, none},
+        {"mode cancelled", setMode, request(0), {{syssel, "", 30}}, 33, none},
         // The operator list keeps the modem's order and repeats; no operator is an empty list.
-        {"operators", operators, {{cops, answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\",0),(3,\"Acme\",\"ACME\",\"00101\",0),,(0,1,2,3,4),(0,1,2)")}}, 0,
+        {"operators", operators, {}, {{cops, answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\",0),(3,\"Acme\",\"ACME\",\"00101\",0),,(0,1,2,3,4),(0,1,2)")}}, 0,
          QVariantList{op(2, "Acme", "ACME", "00101", 2), op(1, "Beta", "BETA", "00102", 0), op(3, "Acme", "ACME", "00101", 0)}},
-        {"no operator", operators, {{cops, answer("+COPS: ,,(0,1,2,3,4),(0,1,2)")}}, 0, QVariantList{}},
-        {"operators refused", operators, {{cops, "\r\n+CME ERROR: no network service\r\n"}}, 1, {}},
+        {"no operator", operators, {}, {{cops, answer("+COPS: ,,(0,1,2,3,4),(0,1,2)")}}, 0, QVariantList{}},
+        {"operators refused", operators, {}, {{cops, "\r\n+CME ERROR: no network service\r\n"}}, 1, none},
+        // The toolkit's main menu comes with the modem's character set (any other than UCS2 reads as IRA).
+        {"menu in IRA", menu, {}, {{stgi, listing}, {cscs, kCharSetIra}}, 0, menuIn(USSD_TE_IRA)},
+        {"menu in UCS2", menu, {}, {{stgi, listing}, {cscs, kCharSetUcs2}}, 0, menuIn(USSD_TE_UCS2)},
+        {"menu in Latin-1", menu, {}, {{stgi, listing}, {cscs, answer("+CSCS: \"8859-1\"")}}, 0, menuIn(USSD_TE_IRA)},
+        {"menu refused", menu, {}, {{stgi, kCmeError}}, 1, none},
+        // Only toolkit answers are sent.
+        {"answer without argument", select, {}, {}, 3, {}},
+        {"another command", select, answerIn("AT+CFUN=0"), {}, 45, {}},
+        {"second command after it", select, answerIn("AT+STGR=0,0,1;+CFUN=0"), {}, 45, {}},
+        {"line break inside", select, answerIn("AT+STGR=0,0,1\rAT+CFUN=0"), {}, 45, {}},
+        {"open quote", select, answerIn("AT+STGR=3,0,,\"Paris"), {}, 45, {}},
+        {"semicolon quoted", select, answerIn("AT+STGR=3,0,,\"a;b\""), {{cscs, kCharSetIra}, {"AT+STGR=3,0,,\"a;b\"\r", ok}}, 0, {}},
+        {"card refuses", select, answerIn("AT+STGR=0,0,9"), {{cscs, kCharSetIra}, {"AT+STGR=0,0,9\r", kCmeError}}, 1, {}},
+        // Dialling sends only dial strings and passes the call's results on.
+        {"answered", dial, request(QStringLiteral("+491701234567")), {{"ATD+491701234567;\r", ok}}, 0, none},
+        {"service code", dial, request(QStringLiteral("*100#")), {{"ATD*100#;\r", ok}}, 0, none},
+        {"busy", dial, request(QStringLiteral("0301234")), {{"ATD0301234;\r", "\r\nBUSY\r\n"}}, 27, none},
+        {"no answer", dial, request(QStringLiteral("0301234")), {{"ATD0301234;\r", "\r\nNO ANSWER\r\n"}}, 26, none},
+        {"dial refused", dial, request(QStringLiteral("0301234")), {{"ATD0301234;\r", kCmeError}}, 1, none},
+        {"second command smuggled in", dial, request(QStringLiteral("12;AT+CFUN=0")), {}, 1, none},
+        {"plus inside", dial, request(QStringLiteral("49+1")), {}, 1, none},
+        {"only a plus", dial, request(QStringLiteral("+")), {}, 1, none},
+        {"empty number", dial, request(QString("")), {}, 1, none},
+        {"number too long", dial, request(QString(41, QChar('1'))), {}, 1, none},
+        {"dial without argument", dial, {}, {}, 3, none},
+        // Tones: every key is checked before any is sent.
+        {"every key kind", dtmf, request(QStringLiteral("1*#D")), {{"AT+VTS=1\r", ok}, {"AT+VTS=*\r", ok}, {"AT+VTS=#\r", ok}, {"AT+VTS=D\r", ok}}, 0, none},
+        {"a bad key at the end", dtmf, request(QStringLiteral("12E")), {}, 1, none},
+        {"lower case", dtmf, request(QStringLiteral("a")), {}, 1, none},
+        {"stops at the first refusal", dtmf, request(QStringLiteral("12")), {{"AT+VTS=1\r", kCmeError}}, 1, none},
+        {"too many keys", dtmf, request(QString(65, QChar('1'))), {}, 1, none},
+        {"no keys", dtmf, request(QString("")), {}, 3, none},
+        {"tones without argument", dtmf, {}, {}, 3, none},
+        // The call list becomes records with capped numbers; no call is an empty list.
+        {"calls", callList, {}, {{clcc, answer("+CLCC: 1,0,0,0,0,\"491701234567\",145\r\n+CLCC: 2,1,5,0,0,\"0301234\",129\r\n+CLCC: 3,1,4,0,0,\"1234567890123456789012345\",129")}}, 0,
+         calls({{1, 0, 0, 0, 0, 145, "+491701234567"}, {2, 1, 5, 0, 0, 129, "0301234"}, {3, 1, 4, 0, 0, 129, "123456789012345678901"}})},
+        {"no call", callList, {}, {{clcc, ok}}, 0, calls({})},
+        {"call list refused", callList, {}, {{clcc, kCmeError}}, 1, none},
     };
     // clang-format on
     for (const Row& row : rows) {
@@ -250,8 +337,10 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
         for (const Step& step : row.steps)
             m_fake.Expect(step.command, step.answer, step.failure);
         QVariantMap response;
-        EXPECT_EQ(row.call(*m_business, response), row.result);
-        EXPECT_EQ(WorkNotification::GetValueObject(response), row.stored);
+        EXPECT_EQ(row.call(*m_business, row.request, response), row.result);
+        if (row.stored) {
+            EXPECT_EQ(WorkNotification::GetValueObject(response), *row.stored);
+        }
         m_fake.VerifyDone();
     }
 }
@@ -668,6 +757,47 @@ TEST_F(BusinessOperatorTest, UssdReportsCarryTheirTypeAndText) {
     QVariantMap response;
     EXPECT_EQ(m_business->OnReceiveUSSD(request(QString("+CUSD: 2")), response), 1);
     EXPECT_TRUE(response.isEmpty());
+}
+
+// An answer goes out only in the set it was built for; the command the card announced by then (in the
+// answer itself, or by a later poll) is fetched, and stale announcements are dropped while other reports
+// stay queued.
+TEST_F(BusinessOperatorTest, AnswersAndPollsFetchTheAnnouncedCommand) {
+    const std::string gamesListing = answer("+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"");
+    std::string stale = "\r\n+STIN: 6\r\n\r\n+CMTI: \"SM\",3\r\n";
+    ComOperation::GetInstance()->checkUnsolicitedReport(stale, nullptr);
+
+    m_fake.Expect("AT+CSCS?\r", kCharSetUcs2);
+    QVariantMap otherSet;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=0,0,2"), otherSet), 0);
+    EXPECT_FALSE(valueOf(otherSet).value(SatKey::kSent).toBool());
+    EXPECT_EQ(valueOf(otherSet).value(SatKey::kCharSet).toInt(), USSD_TE_UCS2);
+
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
+    m_fake.Expect("AT+STGR=0,0,2\r", "\r\nOK\r\n");
+    QVariantMap sent;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=0,0,2"), sent), 0);
+    EXPECT_TRUE(valueOf(sent).value(SatKey::kSent).toBool());
+    EXPECT_EQ(valueOf(sent).value(SatKey::kListing).toString(), "");
+    EXPECT_EQ(takeReports(true), std::vector<std::string>{"\r\n+CMTI: \"SM\",3\r\n"});
+
+    m_fake.Expect("AT\r", "\r\nOK\r\n");
+    m_fake.Expect("AT\r", answer("+STIN: 11"));
+    m_fake.Expect("AT+STGI=11\r", gamesListing);
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
+    QVariantMap polled;
+    ASSERT_EQ(m_business->SatPoll(polled), 0);
+    EXPECT_EQ(valueOf(polled).value(SatKey::kListing).toString(), "");
+    ASSERT_EQ(m_business->SatPoll(polled), 0);
+    EXPECT_EQ(valueOf(polled).value(SatKey::kListing).toString().toStdString(), gamesListing);
+
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
+    m_fake.Expect("AT+STGR=11,0,,2\r", "\r\n+STIN: 1\r\n\r\nOK\r\n");
+    m_fake.Expect("AT+STGI=1\r", answer("+STGI: 1,\"Bye\",0,1"));
+    QVariantMap inside;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=11,0,,2"), inside), 0);
+    EXPECT_TRUE(valueOf(inside).value(SatKey::kListing).toString().contains("Bye"));
+    m_fake.VerifyDone();
 }
 
 TEST(BusinessOperatorDate, TimeStampIsReadAsLocalTimeWithTodaysOffset) {
