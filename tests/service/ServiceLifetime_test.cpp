@@ -6,7 +6,6 @@
 
 #include <QDBusMessage>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -31,15 +30,11 @@ int ModemSaw(const clitest::SimulatedModem& modem, const std::string& commandSta
 
 // Runs a shell command, returning its exit status and what it printed (both streams).
 std::pair<int, std::string> Shell(const std::string& command) {
-    std::string output;
-    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
-    if (pipe == nullptr)
-        return {-1, {}};
-    char buffer[1024];
-    for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-        output.append(buffer, n);
-    const int status = pclose(pipe);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
+    QProcess shell;
+    shell.setProcessChannelMode(QProcess::MergedChannels);
+    shell.start(QStringLiteral("sh"), {QStringLiteral("-c"), QString::fromStdString(command)});
+    const bool exited = shell.waitForFinished(60000) && shell.exitStatus() == QProcess::NormalExit;
+    return {exited ? shell.exitCode() : -1, shell.readAll().toStdString()};
 }
 
 } // namespace

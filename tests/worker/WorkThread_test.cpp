@@ -141,23 +141,18 @@ TEST_F(WorkerFixture, SynchronousDispatchByExactName) {
     EXPECT_TRUE(_responder.responses.empty());
 }
 
-TEST_F(WorkerFixture, InitWithoutAnyDeviceFailsTheModeSwitch) {
+TEST_F(WorkerFixture, RequestsAreDroppedUntilAnInitWithoutAnyDeviceFailsTheModeSwitch) {
     // The responder was told the worker on its own thread.
     EXPECT_EQ(_responder.servers, std::vector<QObject*>{_worker});
     EXPECT_EQ(WorkThread::GetRequestInterfaceImpObject(), _worker);
     EXPECT_EQ(_worker->thread(), &_thread);
-    const QVariantMap response = _worker->sysncRequest(MESSAGE_INIT_WORK_THREAD, {});
-    EXPECT_EQ(WorkNotification::GetErrorCode(response), 30);
-    EXPECT_FALSE(_worker->deviceFound());
-    EXPECT_FALSE(_worker->detectTimerActive());
-}
-
-TEST_F(WorkerFixture, AsynchronousRequestsAreDroppedWhileNoDeviceIsWatched) {
     ModuleStandIn module;
     _worker->asyncRequest(MESSAGE_SMS_GET_LIST, &module, {{VALUE_OBJECT, 1}});
     _worker->asyncRequest("NO_SUCH_REQUEST", &module, {});
     // Requests run in order: once this synchronous one is answered the others have been handled.
-    _worker->sysncRequest(NETWORK_GET_BAND, {});
+    EXPECT_EQ(WorkNotification::GetErrorCode(_worker->sysncRequest(MESSAGE_INIT_WORK_THREAD, {})), 30);
+    EXPECT_FALSE(_worker->deviceFound());
+    EXPECT_FALSE(_worker->detectTimerActive());
     QCoreApplication::processEvents();
     waitFor([] { return false; }, std::chrono::milliseconds(100));
     EXPECT_TRUE(_responder.responses.empty());
