@@ -244,6 +244,9 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
     using Call = std::function<int(BusinessOperator&, const QVariantMap&, QVariantMap&)>;
     const Call pinState = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.PINCheckState(out); };
     const Call pinChange = [](BusinessOperator& b, const QVariantMap& r, QVariantMap& out) { return b.PINChange(r, out); };
+    const Call pinEnable = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.PINEnable(r); };
+    const Call verify = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.PINVerify(r); };
+    const Call verifyPuk = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.PINVerifyPuk(r); };
     const Call setMode = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.NetworkSetMode(r); };
     const Call operators = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.NetworkGetList(out); };
     const Call menu = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.SatGetMenu(out); };
@@ -282,6 +285,12 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
         {"change", pinChange, change, {{cpwd, ok}, {cpin, answer("+CPIN: READY")}}, 0, 1},
         {"change refused", pinChange, change, {{cpwd, "\r\n+CME ERROR: incorrect password\r\n"}, {cpin, answer("+CPIN: SIM PIN")}}, 14, 2},
         {"change and state time out", pinChange, change, {{cpwd, "", 2}, {cpin, "", 2}}, 2, 1}, // the preset 1 is stored
+        // However the request came (a wrong record reads as empty codes), a malformed code costs no SIM attempt.
+        {"enable with a list", pinEnable, request(QVariantList{1, 2}), {}, WORKER_ERR_INVALID_ARGUMENT, {}},
+        {"enable with letters", pinEnable, request(QVariant::fromValue(BLPINEnableInfo{true, "12ab"})), {}, WORKER_ERR_INVALID_ARGUMENT, {}},
+        {"verify with a second command", verify, request("1234\";+CFUN=0"), {}, WORKER_ERR_INVALID_ARGUMENT, {}},
+        {"PUK too short", verifyPuk, request(QVariant::fromValue(BLPINVerifyPukInfo{"1234567", "1234"})), {}, WORKER_ERR_INVALID_ARGUMENT, {}},
+        {"change with another record", pinChange, request(QVariant::fromValue(BLSmsSendItem{})), {}, WORKER_ERR_INVALID_ARGUMENT, {}},
         // Setting the mode turns every refusal into 33.
         {"mode", setMode, request(0), {{syssel, ok}}, 0, none},
         {"mode refused", setMode, request(0), {{syssel, "\r\nERROR\r\n"}}, 33, none},
@@ -576,24 +585,6 @@ TEST_F(BusinessOperatorTest, MissingArgumentIsCode3WithoutTouchingTheModem) {
     EXPECT_TRUE(m_sublayer->calls.empty());
     EXPECT_EQ(m_business->SMSSetStatusReportFlag({}), 0);
     EXPECT_EQ(m_sublayer->calls, (std::vector<std::string>{"SMSEnableStatusReport 0"}));
-}
-
-// However the request came (a wrong record reads as empty codes), a malformed code costs no SIM attempt.
-TEST_F(BusinessOperatorTest, MalformedCodesAre45WithoutTouchingTheModem) {
-    QVariantMap out;
-    const auto record = [](auto value) { return request(QVariant::fromValue(value)); };
-    // clang-format off
-    const std::vector<std::function<int(BusinessOperator&)>> calls = {
-        [](BusinessOperator& b) { return b.PINEnable(request(QVariantList{1, 2})); },
-        [&](BusinessOperator& b) { return b.PINEnable(record(BLPINEnableInfo{true, "12ab"})); },
-        [](BusinessOperator& b) { return b.PINVerify(request("1234\";+CFUN=0")); },
-        [&](BusinessOperator& b) { return b.PINVerifyPuk(record(BLPINVerifyPukInfo{"1234567", "1234"})); },
-        [&](BusinessOperator& b) { return b.PINChange(record(BLSmsSendItem{}), out); },
-    };
-    // clang-format on
-    for (const auto& call : calls)
-        EXPECT_EQ(call(*m_business), WORKER_ERR_INVALID_ARGUMENT);
-    EXPECT_TRUE(m_fake.Calls().empty());
 }
 
 TEST_F(BusinessOperatorTest, ArgumentsAreConvertedAndCapped) {
