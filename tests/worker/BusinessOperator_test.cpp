@@ -372,10 +372,8 @@ TEST_F(BusinessOperatorTest, NetworkListNamesStayInsideTheirFields) {
 }
 
 TEST_F(BusinessOperatorTest, DiagInfoGathersWhatItCanAndClearsTheRegStateWhenAttachFails) {
-    struct Row {
-        bool equipmentFails, networkFails, pinFails, gprsFails, normalFails, attachFails;
-        qint32 pin, gprs, normal, attach;
-    };
+    // clang-format off
+    struct Row { bool equipmentFails, networkFails, pinFails, gprsFails, normalFails, attachFails; qint32 pin, gprs, normal, attach; };
     const Row rows[] = {
         {false, false, false, false, false, false, 2, 4, 1, 1},
         {true, true, false, false, false, false, 2, 4, 1, 1},
@@ -386,6 +384,7 @@ TEST_F(BusinessOperatorTest, DiagInfoGathersWhatItCanAndClearsTheRegStateWhenAtt
         {false, false, false, false, true, true, 2, 4, 0, 0},
         {true, true, true, true, true, true, 19, 5, 0, 0},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(testing::Message()
                      << "pin " << row.pin << " gprs " << row.gprs << " normal " << row.normal << " attach "
@@ -464,7 +463,7 @@ TEST_F(BusinessOperatorTest, NetworkInfoTakesTheProviderNameOnlyWhenPresent) {
     }
 }
 
-TEST_F(BusinessOperatorTest, IncomingMessagesFromFilteredNumbersGoToTheirClient) {
+TEST_F(BusinessOperatorTest, IncomingMessagesFromFilteredNumbersGoToTheirClientOnceItIsGiven) {
     QObject moduleA; // class name "QObject"
     QTimer moduleB;  // class name "QTimer"
     const auto configure = [&](QObject* target, bool on, const QStringList& numbers) {
@@ -528,18 +527,12 @@ TEST_F(BusinessOperatorTest, IncomingMessagesFromFilteredNumbersGoToTheirClient)
     QVariantMap response;
     EXPECT_EQ(m_business->OnReceiveSMS(request(QString("+CMTI: \"SM\",1")), response), 6);
     EXPECT_TRUE(response.isEmpty());
-}
 
-TEST_F(BusinessOperatorTest, FilterConfigWithoutTargetChangesNothing) {
-    QObject module;
+    // A configuration without an argument or without a target changes nothing.
     EXPECT_EQ(m_business->SMSConfigFilterSMS({}), 0);
-    EXPECT_EQ(
-        m_business->SMSConfigFilterSMS(request(QVariant::fromValue(BLSmsFilterConfig{true, nullptr, {"1"}}))),
-        0);
+    configure(nullptr, true, {"1"});
     EXPECT_TRUE(m_business->isFilterListNumber("1").isNull());
-    EXPECT_EQ(
-        m_business->SMSConfigFilterSMS(request(QVariant::fromValue(BLSmsFilterConfig{true, &module, {"1"}}))),
-        0);
+    configure(&moduleA, true, {"1"});
     EXPECT_EQ(m_business->isFilterListNumber("1"), "QObject");
 }
 
