@@ -175,7 +175,9 @@ TEST(ServiceLife, ALinkOutlivesTheServiceAndTheNextOneFindsItsCounters) {
     std::filesystem::create_directories(counters);
     std::ofstream(counters + "/tx_bytes") << "1000\n";
     std::ofstream(counters + "/rx_bytes") << "5000\n";
-    const auto received = [&] { return world.property(QStringLiteral("BytesReceived")).toULongLong() == 5000; };
+    const auto received = [&] {
+        return world.property(QStringLiteral("BytesReceived")).toULongLong() == 5000;
+    };
     ASSERT_TRUE(WaitFor(received, 10s));
     // Another process follows the link from the service's reports.
     const clitest::Outcome monitor = world.dialtone({"--json", "--wait", "2.5", "monitor"});
@@ -194,7 +196,8 @@ TEST(ServiceLife, ALinkOutlivesTheServiceAndTheNextOneFindsItsCounters) {
     const clitest::Outcome disconnected = world.dialtone({"--json", "disconnect"});
     EXPECT_EQ(disconnected.status, 0) << disconnected.err;
     EXPECT_EQ(clitest::Parse(disconnected.out).value("received_bytes", 0ull), 5000u) << disconnected.out;
-    EXPECT_TRUE(WaitFor([&] { return world.property(QStringLiteral("ConnectionState")) == "disconnected"; }, 10s));
+    EXPECT_TRUE(
+        WaitFor([&] { return world.property(QStringLiteral("ConnectionState")) == "disconnected"; }, 10s));
 }
 
 TEST(ServiceClients, ClientsAtOnceAndAWatchThatFollowsTheModemThroughUnplugAndReplug) {

@@ -30,7 +30,8 @@ std::string ReadFile(const std::string& path) {
 }
 
 // The environment of this process with the variables ("NAME=value") set and the names removed.
-QProcessEnvironment Environment(const std::vector<std::string>& variables, std::initializer_list<const char*> removed) {
+QProcessEnvironment Environment(const std::vector<std::string>& variables,
+                                std::initializer_list<const char*> removed) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : removed)
         environment.remove(name);
@@ -100,8 +101,9 @@ PrivateBus::PrivateBus(const std::string& servicesDir, const std::string& devDir
         variables, {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "DBUS_SESSION_BUS_ADDRESS"}));
     // Its log (activations, the fd limit it may not raise) stays with the bus's files.
     _daemon.setStandardErrorFile(QString::fromStdString(_files.path + "/bus.log"));
-    _daemon.start(QStringLiteral("dbus-daemon"), {QString::fromStdString("--config-file=" + config),
-                                                  QStringLiteral("--print-address"), QStringLiteral("--nofork")});
+    _daemon.start(QStringLiteral("dbus-daemon"),
+                  {QString::fromStdString("--config-file=" + config), QStringLiteral("--print-address"),
+                   QStringLiteral("--nofork")});
     while (_daemon.waitForStarted() && !_daemon.canReadLine() && _daemon.waitForReadyRead(10000)) {
     }
     address = _daemon.readLine().trimmed().toStdString();
@@ -125,7 +127,8 @@ void PrivateBus::leave() {
 }
 
 Child::Child(const std::vector<std::string>& arguments, const std::vector<std::string>& environment) {
-    _process.setProcessEnvironment(Environment(environment, {"DIALTONE_DEV_DIR", "DBUS_SESSION_BUS_ADDRESS"}));
+    _process.setProcessEnvironment(
+        Environment(environment, {"DIALTONE_DEV_DIR", "DBUS_SESSION_BUS_ADDRESS"}));
     _process.setStandardInputFile(QProcess::nullDevice());
     QStringList list;
     for (const std::string& argument : arguments)
@@ -146,7 +149,8 @@ clitest::Outcome Child::finish(std::chrono::milliseconds limit) {
         _process.kill();
         _process.waitForFinished();
     }
-    const bool exited = _process.exitStatus() == QProcess::NormalExit && _process.error() != QProcess::FailedToStart;
+    const bool exited =
+        _process.exitStatus() == QProcess::NormalExit && _process.error() != QProcess::FailedToStart;
     return {exited ? _process.exitCode() : -1, output(), _process.readAllStandardError().toStdString()};
 }
 

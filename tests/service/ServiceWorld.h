@@ -100,7 +100,9 @@ public:
     std::unique_ptr<Child> start(const std::vector<std::string>& arguments) {
         return std::make_unique<Child>(arguments, clientEnvironment());
     }
-    clitest::Outcome dialtone(const std::vector<std::string>& arguments) { return start(arguments)->finish(); }
+    clitest::Outcome dialtone(const std::vector<std::string>& arguments) {
+        return start(arguments)->finish();
+    }
 
     // The running dialtoned of this world (found by its executable and device folder), or -1.
     pid_t servicePid() const;

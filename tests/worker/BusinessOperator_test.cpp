@@ -189,7 +189,8 @@ protected:
         lower.pfnExecAT = &execThroughChannel;
         m_real->RegisterLowerCBs(lower);
         m_sublayer = std::make_unique<HookedSublayer>(m_real);
-        m_business = std::make_unique<BusinessOperator>(ComOperation::GetInstance(), m_sublayer.get(), nullptr);
+        m_business =
+            std::make_unique<BusinessOperator>(ComOperation::GetInstance(), m_sublayer.get(), nullptr);
     }
     void TearDown() override {
         m_business.reset();
@@ -241,35 +242,41 @@ TEST_F(BusinessOperatorTest, EquipmentInfoStaysInsideUnterminatedFieldsAndPasses
 
 // A family's exchange as the business layer turns it into a result and a stored value.
 TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
-    using Call = std::function<int(BusinessOperator&, const QVariantMap&, QVariantMap&)>;
-    const Call pinState = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.PINCheckState(out); };
-    const Call pinChange = [](BusinessOperator& b, const QVariantMap& r, QVariantMap& out) { return b.PINChange(r, out); };
-    const Call pinEnable = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.PINEnable(r); };
-    const Call verify = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.PINVerify(r); };
-    const Call verifyPuk = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.PINVerifyPuk(r); };
-    const Call setMode = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.NetworkSetMode(r); };
-    const Call operators = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.NetworkGetList(out); };
-    const Call menu = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.SatGetMenu(out); };
-    const Call select = [](BusinessOperator& b, const QVariantMap& r, QVariantMap& out) { return b.SatSelectItem(r, out); };
-    const Call dial = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.CallDial(r); };
-    const Call dtmf = [](BusinessOperator& b, const QVariantMap& r, QVariantMap&) { return b.CallSendDTMF(r); };
-    const Call callList = [](BusinessOperator& b, const QVariantMap&, QVariantMap& out) { return b.CallGetList(out); };
-    const auto pin = [](qint32 state, qint32 pins, qint32 puks) { return QVariant::fromValue(BLPinCheckState{state, pins, puks}); };
+    using B = BusinessOperator;
+    using Map = QVariantMap;
+    using Call = std::function<int(B&, const Map&, Map&)>;
+    const Call pinState = [](B& b, const Map&, Map& out) { return b.PINCheckState(out); };
+    const Call pinChange = [](B& b, const Map& r, Map& out) { return b.PINChange(r, out); };
+    const Call pinEnable = [](B& b, const Map& r, Map&) { return b.PINEnable(r); };
+    const Call verify = [](B& b, const Map& r, Map&) { return b.PINVerify(r); };
+    const Call verifyPuk = [](B& b, const Map& r, Map&) { return b.PINVerifyPuk(r); };
+    const Call setMode = [](B& b, const Map& r, Map&) { return b.NetworkSetMode(r); };
+    const Call operators = [](B& b, const Map&, Map& out) { return b.NetworkGetList(out); };
+    const Call menu = [](B& b, const Map&, Map& out) { return b.SatGetMenu(out); };
+    const Call select = [](B& b, const Map& r, Map& out) { return b.SatSelectItem(r, out); };
+    const Call dial = [](B& b, const Map& r, Map&) { return b.CallDial(r); };
+    const Call dtmf = [](B& b, const Map& r, Map&) { return b.CallSendDTMF(r); };
+    const Call callList = [](B& b, const Map&, Map& out) { return b.CallGetList(out); };
+    const auto pin = [](qint32 state, qint32 pins, qint32 puks) {
+        return QVariant::fromValue(BLPinCheckState{state, pins, puks});
+    };
     const auto op = [](qint32 state, QString name, QString shortName, QString numeric, qint32 act) {
         return QVariant::fromValue(BLNetworkListItem{0, state, name, shortName, numeric, act});
     };
     const std::string listing = answer("+STGI: 17,\"004D0065006E00FC\",1\r\n+STGI: 17,9,\"0053\"");
-    const auto menuIn = [&](int teSet) { return QVariantMap{{SatKey::kListing, QString::fromStdString(listing)}, {SatKey::kCharSet, teSet}}; };
+    const auto menuIn = [&](int teSet) {
+        return QVariantMap{{SatKey::kListing, QString::fromStdString(listing)}, {SatKey::kCharSet, teSet}};
+    };
     const auto calls = [](QList<BLCallItem> items) { return QVariant::fromValue(items); };
     const QVariantMap change = request(QVariant::fromValue(BLPINChangeInfo{"1234", "4321"}));
     const std::string cpin = "AT+CPIN?\r", pnnm = "AT+PNNM?\r", cpwd = "AT+CPWD=\"SC\",\"1234\",\"4321\"\r";
-    const std::string syssel = "AT+SYSSEL=,0,0\r", cops = "AT+COPS=?\r", stgi = "AT+STGI=17\r", cscs = "AT+CSCS?\r";
-    const std::string clcc = "AT+CLCC\r", ok = "\r\nOK\r\n";
+    const std::string syssel = "AT+SYSSEL=,0,0\r", cops = "AT+COPS=?\r", stgi = "AT+STGI=17\r";
+    const std::string cscs = "AT+CSCS?\r", clcc = "AT+CLCC\r", ok = "\r\nOK\r\n";
     const QVariant none; // nothing stored
+    // clang-format off
     struct Step { std::string command; std::string answer; int failure = 0; };
     // stored: nullopt when the test does not look at it
     struct Row { const char* name; Call call; QVariantMap request; std::vector<Step> steps; int result; std::optional<QVariant> stored; };
-    // clang-format off
     const Row rows[] = {
         // The PIN state fetches the counters that state needs.
         {"ready", pinState, {}, {{cpin, answer("+CPIN: READY")}, {pnnm, answer("+PNNM: 3, 10")}}, 0, pin(1, 3, 10)},
@@ -650,9 +657,11 @@ TEST_F(BusinessOperatorTest, MessageAndPhonebookListsAreStoredOnlyWhenNotEmpty) 
     EXPECT_EQ(m_business->SMSGetList(response), 0);
     const QVariantList list = WorkNotification::GetValueObject(response).toList();
     ASSERT_EQ(list.size(), 2);
-    EXPECT_EQ(list[0].value<BLSmsListItem>(), (BLSmsListItem{0, 3, SMS_STORAGE_MODEM, 1, 2, 4, 1, 255, QString(21, '9'),
-                                                             BusinessOperator::convertDateTimeType2NSDate(message.dateTime),
-                                                             QString::fromUtf8("\xc3\xbc" "ber")}));
+    EXPECT_EQ(list[0].value<BLSmsListItem>(),
+              (BLSmsListItem{0, 3, SMS_STORAGE_MODEM, 1, 2, 4, 1, 255, QString(21, '9'),
+                             BusinessOperator::convertDateTimeType2NSDate(message.dateTime),
+                             QString::fromUtf8("\xc3\xbc"
+                                               "ber")}));
     response.clear();
     EXPECT_EQ(m_business->PBInitList(response), 0);
     const auto entry = WorkNotification::GetValueObject(response).toList().value(0).value<BLPbItem>();

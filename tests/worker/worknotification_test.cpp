@@ -127,7 +127,8 @@ TEST(WorkNotification, SendWorkMessageNeitherChecksNorCountsSoTheQueueCountIsUnb
     const qint32 before = WorkNotification::getQueueItemCount();
 
     notification.sendASyncWorkMessage(MESSAGE_NETWORK_GET_INFO, {});
-    EXPECT_TRUE(WorkNotification(nullptr, &worker).sendworkMessage(MESSAGE_CONNECT_STATUS, {}, false).isEmpty());
+    EXPECT_TRUE(
+        WorkNotification(nullptr, &worker).sendworkMessage(MESSAGE_CONNECT_STATUS, {}, false).isEmpty());
     EXPECT_EQ(notification.sendworkMessage(MESSAGE_PIN_VERIFY, withValue("0000"), true), worker.syncResponse);
     ASSERT_EQ(worker.calls.size(), 3u);
     EXPECT_FALSE(worker.calls[1].sync);
