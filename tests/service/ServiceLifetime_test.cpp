@@ -65,22 +65,6 @@ TEST(ServiceClients, AClientKilledInTheMiddleLeavesTheServiceWorking) {
     }
 }
 
-// A USSD dialogue belongs to the modem: a script opens a menu, the tool ends it.
-TEST(ServiceClients, AnotherProcessEndsTheUssdDialogue) {
-    ServiceWorld world;
-    ASSERT_TRUE(world.ready());
-    ASSERT_EQ(world.dialtone({"status"}).status, 0);
-    const QVariantMap menu{{QStringLiteral("class"), QStringLiteral("BLUssdSendCmdInfo")},
-                           {QStringLiteral("strCmdString"), QStringLiteral("*135#")}};
-    world.call(QStringLiteral("Request"),
-               {QStringLiteral("MESSAGE_USSD_SENDCMD"), QVariantMap{{QStringLiteral("VALUE_OBJECT"), menu}}});
-    const auto open = [&] { return world.modem.dump()["ussd"].value("session", false); };
-    ASSERT_TRUE(WaitFor(open, 10s));
-    const clitest::Outcome cancelled = world.dialtone({"ussd", "--cancel"});
-    EXPECT_EQ(cancelled.status, 0) << cancelled.err;
-    EXPECT_FALSE(open());
-}
-
 TEST(ServiceLife, EndsByItselfOnceTheLastClientHasLeft) {
     ServiceWorld world("--idle-exit 2");
     ASSERT_TRUE(world.ready());

@@ -361,23 +361,6 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
     }
 }
 
-TEST_F(BusinessOperatorTest, NetworkListNamesStayInsideTheirFields) {
-    QVariantMap response;
-    // Names that fill their fields to the last byte stay inside them.
-    m_sublayer->getNetworkList = [](std::list<TNetworkListItem>& items) {
-        TNetworkListItem item;
-        std::memset(static_cast<void*>(&item), 'n', sizeof item);
-        item.nState = 1;
-        item.nAcT = 2;
-        items.push_back(item);
-        return 0;
-    };
-    EXPECT_EQ(m_business->NetworkGetList(response), 0);
-    const auto capped =
-        WorkNotification::GetValueObject(response).toList().value(0).value<BLNetworkListItem>();
-    EXPECT_EQ(capped, (BLNetworkListItem{0, 1, QString(16, 'n'), QString(8, 'n'), QString(6, 'n'), 2}));
-}
-
 TEST_F(BusinessOperatorTest, DiagInfoGathersWhatItCanAndClearsTheRegStateWhenAttachFails) {
     // clang-format off
     struct Row { bool equipmentFails, networkFails, pinFails, gprsFails, normalFails, attachFails; qint32 pin, gprs, normal, attach; };
@@ -446,13 +429,27 @@ TEST_F(BusinessOperatorTest, DiagInfoGathersWhatItCanAndClearsTheRegStateWhenAtt
     }
 }
 
-TEST_F(BusinessOperatorTest, NetworkInfoTakesTheProviderNameOnlyWhenPresent) {
+TEST_F(BusinessOperatorTest, NetworkNamesStayInsideTheirFieldsAndTheProviderNameComesOnlyWhenPresent) {
+    // Names that fill their fields to the last byte (no terminator) stay inside them.
+    m_sublayer->getNetworkList = [](std::list<TNetworkListItem>& items) {
+        TNetworkListItem item;
+        std::memset(static_cast<void*>(&item), 'n', sizeof item);
+        item.nState = 1;
+        item.nAcT = 2;
+        items.push_back(item);
+        return 0;
+    };
+    QVariantMap list;
+    EXPECT_EQ(m_business->NetworkGetList(list), 0);
+    EXPECT_EQ(WorkNotification::GetValueObject(list).toList().value(0).value<BLNetworkListItem>(),
+              (BLNetworkListItem{0, 1, QString(16, 'n'), QString(8, 'n'), QString(6, 'n'), 2}));
+
     for (const int present : {1, 0}) {
         m_sublayer->getNetworkInfo = [&](TNetworkInfo& info) {
             info.spInfo.nPresent = present;
             info.spInfo.nDisplay = 2;
             for (char16_t& unit : info.spInfo.wszSpName)
-                unit = u'\u00e9'; // no terminator: the field's end bounds the name
+                unit = u'\u00e9';
             std::memset(info.szOperator, 'o', sizeof info.szOperator);
             info.nPsRegState = 5;
             return 0;
