@@ -1,5 +1,6 @@
 // dialtoned's bus API as a client in another language would use it: the tool started by activation, the
-// generic Request, the typed properties and methods, and the Notification signal.
+// generic Request, the typed properties and methods, the Notification signal, and a USSD dialogue that one
+// client opens and another ends.
 
 #include <QDBusMessage>
 #include <QVariantMap>
@@ -11,7 +12,7 @@
 using namespace servicetest;
 using nlohmann::json;
 
-TEST(ServiceApi, StatusStartsTheServiceWhichAnswersRequestsAndProperties) {
+TEST(ServiceApi, StatusStartsTheServiceWhichAnswersRequestsPropertiesAndMessages) {
     ServiceWorld world;
     ASSERT_TRUE(world.ready());
     ASSERT_EQ(world.servicePid(), -1);
@@ -47,16 +48,10 @@ TEST(ServiceApi, StatusStartsTheServiceWhichAnswersRequestsAndProperties) {
         EXPECT_TRUE(WaitFor([&] { return (value = world.property(name)) == expected; }, 10s))
             << name.toStdString() << ": " << value.toString().toStdString();
     }
-}
 
-TEST(ServiceApi, SendSmsReachesTheModemAndIncomingMessagesAreSignalled) {
-    ServiceWorld world;
-    ASSERT_TRUE(world.ready());
+    // Messages: sent through the typed method, and signalled when they arrive.
     NotificationLog log;
     ASSERT_TRUE(world.listen(log));
-    // Activated by the first read; messages are ready once the modem is.
-    ASSERT_TRUE(WaitFor([&] { return world.property(QStringLiteral("ModemState")) == "ready"; }, 30s));
-
     // clang-format off
     struct Row { QString number; QString text; QString error; };
     const std::vector<Row> rows = {
@@ -96,4 +91,15 @@ TEST(ServiceApi, SendSmsReachesTheModemAndIncomingMessagesAreSignalled) {
         });
     };
     EXPECT_TRUE(WaitFor(arrived, 30s)) << log.count() << " notifications, none for the message";
+
+    // A USSD dialogue belongs to the modem: a script opens a menu, the tool ends it.
+    const QVariantMap menu{{QStringLiteral("class"), QStringLiteral("BLUssdSendCmdInfo")},
+                           {QStringLiteral("strCmdString"), QStringLiteral("*135#")}};
+    world.call(QStringLiteral("Request"),
+               {QStringLiteral("MESSAGE_USSD_SENDCMD"), QVariantMap{{QStringLiteral("VALUE_OBJECT"), menu}}});
+    const auto open = [&] { return world.modem.dump()["ussd"].value("session", false); };
+    ASSERT_TRUE(WaitFor(open, 10s));
+    const clitest::Outcome cancelled = world.dialtone({"ussd", "--cancel"});
+    EXPECT_EQ(cancelled.status, 0) << cancelled.err;
+    EXPECT_FALSE(open());
 }

@@ -1,11 +1,6 @@
 #include "ServiceWorld.h"
 
-#include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QDBusArgument>
@@ -18,8 +13,6 @@
 #include <thread>
 
 #include <gtest/gtest.h>
-
-extern char** environ;
 
 namespace servicetest {
 
@@ -36,15 +29,18 @@ std::string ReadFile(const std::string& path) {
     return text.str();
 }
 
-pid_t Spawn(std::vector<std::string> arguments, posix_spawn_file_actions_t* actions) {
-    std::vector<char*> argv;
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    pid_t pid = -1;
-    if (posix_spawn(&pid, argv[0], actions, nullptr, argv.data(), environ) != 0)
-        return -1;
-    return pid;
+// The environment of this process with the variables ("NAME=value") set and the names removed.
+QProcessEnvironment Environment(const std::vector<std::string>& variables,
+                                std::initializer_list<const char*> removed) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : removed)
+        environment.remove(name);
+    for (const std::string& variable : variables) {
+        const std::size_t equals = variable.find('=');
+        environment.insert(QString::fromStdString(variable.substr(0, equals)),
+                           QString::fromStdString(variable.substr(equals + 1)));
+    }
+    return environment;
 }
 
 } // namespace
@@ -72,11 +68,6 @@ void NotificationLog::take(const QString& name, const QDBusMessage& message) {
     _seen.emplace_back(name, Plain(message.arguments().value(1)));
 }
 
-const std::pair<const char*, const char*> kPppFolders[] = {{"DIALTONE_PEERS_DIR", "peers"},
-                                                          {"DIALTONE_PPP_RUN_DIR", "run"},
-                                                          {"DIALTONE_NET_DIR", "net"},
-                                                          {"DIALTONE_CHATSCRIPTS_DIR", "chatscripts"}};
-
 bool WaitFor(const std::function<bool()>& cond, std::chrono::milliseconds limit) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     while (std::chrono::steady_clock::now() < deadline) {
@@ -88,15 +79,7 @@ bool WaitFor(const std::function<bool()>& cond, std::chrono::milliseconds limit)
     return cond();
 }
 
-std::string WriteServicesDir(const std::string& dir, const std::string& arguments) {
-    std::ofstream(dir + "/org.dialtone.Modem1.service")
-        << "[D-BUS Service]\nName=org.dialtone.Modem1\nExec=" << DIALTONED << " " << arguments << "\n";
-    return dir;
-}
-
 PrivateBus::PrivateBus(const std::string& servicesDir, const std::string& devDir, const std::string& home) {
-    for (const auto& [variable, folder] : kPppFolders)
-        fs::create_directories(home + "/ppp/" + folder);
     const std::string config = _files.path + "/bus.conf";
     std::ofstream(config)
         << "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\"\n"
@@ -105,56 +88,26 @@ PrivateBus::PrivateBus(const std::string& servicesDir, const std::string& devDir
         << (servicesDir.empty() ? "" : "  <servicedir>" + servicesDir + "</servicedir>\n")
         << "  <policy context=\"default\"><allow send_destination=\"*\" eavesdrop=\"true\"/>"
            "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy>\n</busconfig>\n";
-    int out[2];
-    if (pipe2(out, O_CLOEXEC) != 0)
-        return;
-    _pid = fork();
-    if (_pid == 0) {
-        // What the activated service sees: the simulator's ports, a scratch HOME, and pppd's folders and
-        // the stand-in pppd under it (the service sets up the dial-up service once the modem is ready).
-        setenv("DIALTONE_DEV_DIR", devDir.c_str(), 1);
-        setenv("HOME", home.c_str(), 1);
-        for (const char* xdg : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
-            unsetenv(xdg);
-        for (const auto& [variable, folder] : kPppFolders)
-            setenv(variable, (home + "/ppp/" + folder).c_str(), 1);
-        setenv("DIALTONE_PPPD", DIALTONE_FAKE_PPPD, 1);
-        unsetenv("DBUS_SESSION_BUS_ADDRESS");
-        dup2(out[1], STDOUT_FILENO);
-        // Its log (activations, the fd limit it may not raise) stays with the bus's files.
-        const int log =
-            open((_files.path + "/bus.log").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-        if (log >= 0)
-            dup2(log, STDERR_FILENO);
-        execlp("dbus-daemon", "dbus-daemon", ("--config-file=" + config).c_str(), "--print-address",
-               "--nofork", static_cast<char*>(nullptr));
-        _exit(127);
+    // The service sets up the dial-up service once the modem is ready, with the stand-in pppd.
+    std::vector<std::string> variables{"DIALTONE_DEV_DIR=" + devDir, "HOME=" + home,
+                                       std::string("DIALTONE_PPPD=") + DIALTONE_FAKE_PPPD};
+    const std::pair<const char*, const char*> pppFolders[] = {
+        {"PEERS", "peers"}, {"PPP_RUN", "run"}, {"NET", "net"}, {"CHATSCRIPTS", "chatscripts"}};
+    for (const auto& [variable, folder] : pppFolders) {
+        fs::create_directories(home + "/ppp/" + folder);
+        variables.push_back("DIALTONE_" + std::string(variable) + "_DIR=" + home + "/ppp/" + folder);
     }
-    close(out[1]);
-    std::string line;
-    const auto deadline = std::chrono::steady_clock::now() + 10s;
-    while (_pid > 0 && line.find('\n') == std::string::npos && std::chrono::steady_clock::now() < deadline) {
-        pollfd poller{out[0], POLLIN, 0};
-        if (poll(&poller, 1, 100) <= 0)
-            continue;
-        char buffer[256];
-        const ssize_t n = read(out[0], buffer, sizeof buffer);
-        if (n <= 0)
-            break;
-        line.append(buffer, static_cast<std::size_t>(n));
+    _daemon.setProcessEnvironment(Environment(
+        variables, {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME", "DBUS_SESSION_BUS_ADDRESS"}));
+    // Its log (activations, the fd limit it may not raise) stays with the bus's files.
+    _daemon.setStandardErrorFile(QString::fromStdString(_files.path + "/bus.log"));
+    _daemon.start(QStringLiteral("dbus-daemon"),
+                  {QString::fromStdString("--config-file=" + config), QStringLiteral("--print-address"),
+                   QStringLiteral("--nofork")});
+    while (_daemon.waitForStarted() && !_daemon.canReadLine() && _daemon.waitForReadyRead(10000)) {
     }
-    close(out[0]);
-    if (line.find('\n') != std::string::npos)
-        address = line.substr(0, line.find('\n'));
+    address = _daemon.readLine().trimmed().toStdString();
     EXPECT_FALSE(address.empty()) << "dbus-daemon printed no address";
-}
-
-PrivateBus::~PrivateBus() {
-    leave();
-    if (_pid > 0) {
-        kill(_pid, SIGTERM);
-        waitpid(_pid, nullptr, 0);
-    }
 }
 
 QDBusConnection PrivateBus::connection() {
@@ -174,67 +127,44 @@ void PrivateBus::leave() {
 }
 
 Child::Child(const std::vector<std::string>& arguments, const std::vector<std::string>& environment) {
-    std::vector<std::string> command{"/usr/bin/env", "-u", "DIALTONE_DEV_DIR", "-u",
-                                     "DBUS_SESSION_BUS_ADDRESS"};
-    command.insert(command.end(), environment.begin(), environment.end());
-    command.push_back(DIALTONE_CLI);
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, (_files.path + "/out").c_str(),
-                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, (_files.path + "/err").c_str(),
-                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    _pid = Spawn(command, &actions);
-    posix_spawn_file_actions_destroy(&actions);
-    EXPECT_GT(_pid, 0);
+    _process.setProcessEnvironment(
+        Environment(environment, {"DIALTONE_DEV_DIR", "DBUS_SESSION_BUS_ADDRESS"}));
+    _process.setStandardInputFile(QProcess::nullDevice());
+    QStringList list;
+    for (const std::string& argument : arguments)
+        list << QString::fromStdString(argument);
+    _process.start(QStringLiteral(DIALTONE_CLI), list);
+    EXPECT_TRUE(_process.waitForStarted());
+    _pid = static_cast<pid_t>(_process.processId());
 }
 
-Child::~Child() {
-    if (_pid > 0 && !_reaped) {
-        kill(_pid, SIGKILL);
-        waitpid(_pid, nullptr, 0);
-    }
-}
-
-bool Child::running() {
-    if (_pid <= 0 || _reaped)
-        return false;
-    if (waitpid(_pid, &_status, WNOHANG) == _pid)
-        _reaped = true;
-    return !_reaped;
-}
-
-std::string Child::output() const {
-    return ReadFile(_files.path + "/out");
+std::string Child::output() {
+    _out += _process.readAllStandardOutput().toStdString();
+    return _out;
 }
 
 clitest::Outcome Child::finish(std::chrono::milliseconds limit) {
-    if (!WaitFor([this] { return !running(); }, limit) && _pid > 0) {
+    if (!WaitFor([this] { return _process.state() == QProcess::NotRunning; }, limit)) {
         ADD_FAILURE() << "the tool did not end within " << limit.count() << " ms";
-        kill(_pid, SIGKILL);
-        waitpid(_pid, &_status, 0);
-        _reaped = true;
+        _process.kill();
+        _process.waitForFinished();
     }
-    clitest::Outcome outcome;
-    outcome.status = _reaped && WIFEXITED(_status) ? WEXITSTATUS(_status) : -1;
-    outcome.out = ReadFile(_files.path + "/out");
-    outcome.err = ReadFile(_files.path + "/err");
-    return outcome;
+    const bool exited =
+        _process.exitStatus() == QProcess::NormalExit && _process.error() != QProcess::FailedToStart;
+    return {exited ? _process.exitCode() : -1, output(), _process.readAllStandardError().toStdString()};
 }
 
-namespace {
-
-std::string ServicesFor(const clitest::TempDir& dir, const std::string& serviceArguments) {
-    return serviceArguments.empty() ? std::string(DIALTONE_SERVICES_DIR)
-                                    : WriteServicesDir(dir.path, serviceArguments);
+// The build's own activation file, or one in dir that starts the service with the arguments.
+static std::string ServicesDir(const std::string& dir, const std::string& arguments) {
+    if (arguments.empty())
+        return DIALTONE_SERVICES_DIR;
+    std::ofstream(dir + "/org.dialtone.Modem1.service")
+        << "[D-BUS Service]\nName=org.dialtone.Modem1\nExec=" << DIALTONED << " " << arguments << "\n";
+    return dir;
 }
-
-} // namespace
 
 ServiceWorld::ServiceWorld(const std::string& serviceArguments)
-    : bus(ServicesFor(services, serviceArguments), modem.devDir.path, modem.home.path) {}
+    : bus(ServicesDir(services.path, serviceArguments), modem.devDir.path, modem.home.path) {}
 
 ServiceWorld::~ServiceWorld() {
     bus.leave();
@@ -248,14 +178,6 @@ ServiceWorld::~ServiceWorld() {
 
 std::vector<std::string> ServiceWorld::clientEnvironment() const {
     return {"HOME=" + modem.home.path, "DBUS_SESSION_BUS_ADDRESS=" + bus.address};
-}
-
-clitest::Outcome ServiceWorld::dialtone(const std::vector<std::string>& arguments) {
-    return Child(arguments, clientEnvironment()).finish();
-}
-
-std::unique_ptr<Child> ServiceWorld::start(const std::vector<std::string>& arguments) {
-    return std::make_unique<Child>(arguments, clientEnvironment());
 }
 
 pid_t ServiceWorld::servicePid() const {

@@ -8,8 +8,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
-#include <QString>
-#include <QVariant>
+#include <QProcess>
 #include <QVariantMap>
 
 #include <chrono>
@@ -24,14 +23,8 @@ namespace servicetest {
 
 using namespace std::chrono_literals;
 
-// pppd's folders as the service finds them under the world's HOME ("<home>/ppp/<folder>").
-extern const std::pair<const char*, const char*> kPppFolders[4];
-
 // Runs Qt's events (signals from the bus arrive that way) until cond holds or the limit passes.
 bool WaitFor(const std::function<bool()>& cond, std::chrono::milliseconds limit);
-
-// A services folder with one activation file for dialtoned started with the arguments.
-std::string WriteServicesDir(const std::string& dir, const std::string& arguments);
 
 // A dictionary from the bus with the dictionaries inside it made plain too.
 QVariantMap Plain(const QVariant& value);
@@ -51,14 +44,17 @@ private:
     std::vector<std::pair<QString, QVariantMap>> _seen;
 };
 
-// dbus-daemon as a child on a socket under /tmp, activating what servicesDir holds with devDir and home in
-// the activated services' environment. An empty servicesDir activates nothing.
+// dbus-daemon as a child on a socket under /tmp, activating what servicesDir holds (nothing when empty).
+// The activated services see the simulator's ports in devDir, home as HOME, pppd's folders under it
+// ("<home>/ppp/<folder>") and the stand-in pppd.
 class PrivateBus {
 public:
     PrivateBus(const std::string& servicesDir, const std::string& devDir, const std::string& home);
-    ~PrivateBus();
-    PrivateBus(const PrivateBus&) = delete;
-    PrivateBus& operator=(const PrivateBus&) = delete;
+    ~PrivateBus() {
+        leave();
+        _daemon.terminate();
+        _daemon.waitForFinished();
+    }
 
     // This test process's own connection to the bus (opened on first use, closed by leave()).
     QDBusConnection connection();
@@ -68,30 +64,25 @@ public:
 
 private:
     clitest::TempDir _files;
-    pid_t _pid = -1;
+    QProcess _daemon;
     QString _connectionName;
 };
 
-// A background run of the tool with its output in files.
+// A background run of the tool, with the variables ("NAME=value") added to this process's environment.
 class Child {
 public:
     Child(const std::vector<std::string>& arguments, const std::vector<std::string>& environment);
-    ~Child();
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
 
     // Waits for the exit (killing the child past the limit) and returns what it printed.
     clitest::Outcome finish(std::chrono::milliseconds limit = 60s);
-    bool running();
     pid_t pid() const { return _pid; }
     // What it has printed on standard output so far.
-    std::string output() const;
+    std::string output();
 
 private:
-    clitest::TempDir _files;
+    QProcess _process;
+    std::string _out;
     pid_t _pid = -1;
-    int _status = -1;
-    bool _reaped = false;
 };
 
 // The simulator, a bus whose activation file is the build's own (or one written with serviceArguments),
@@ -106,8 +97,12 @@ public:
     // The tool's environment: the private bus, a scratch HOME, and no device folder (which would make the
     // tool open the modem itself).
     std::vector<std::string> clientEnvironment() const;
-    clitest::Outcome dialtone(const std::vector<std::string>& arguments);
-    std::unique_ptr<Child> start(const std::vector<std::string>& arguments);
+    std::unique_ptr<Child> start(const std::vector<std::string>& arguments) {
+        return std::make_unique<Child>(arguments, clientEnvironment());
+    }
+    clitest::Outcome dialtone(const std::vector<std::string>& arguments) {
+        return start(arguments)->finish();
+    }
 
     // The running dialtoned of this world (found by its executable and device folder), or -1.
     pid_t servicePid() const;

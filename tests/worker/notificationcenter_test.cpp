@@ -56,18 +56,6 @@ TEST(NotificationCenter, DeliversByNameInSubscriptionOrder) {
     EXPECT_EQ(center.observerCount(), 1);
 }
 
-TEST(NotificationCenter, CarriesObjectAndUserInfo) {
-    NotificationCenter center;
-    QObject poster;
-    int receiver = 0;
-    Notification heard;
-    center.addObserver("MESSAGE_PIN_GET_INFO", &receiver, [&](const Notification& n) { heard = n; });
-    center.post("MESSAGE_PIN_GET_INFO", &poster, {{"ERROR_CODE", 14}});
-    EXPECT_EQ(heard.name, "MESSAGE_PIN_GET_INFO");
-    EXPECT_EQ(heard.object, &poster);
-    EXPECT_EQ(heard.userInfo, (QVariantMap{{"ERROR_CODE", 14}}));
-}
-
 TEST(NotificationCenter, ChangesDuringDeliveryAreSafe) {
     NotificationCenter center;
     Journal journal;

@@ -1,17 +1,12 @@
 #include "BLRecords.h"
-#include "WorkNotification.h"
 
 #include <QByteArray>
-#include <QCoreApplication>
 #include <QDataStream>
 #include <QIODevice>
-#include <QThread>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
-#include <future>
 #include <string>
 #include <vector>
 
@@ -88,17 +83,8 @@ template <typename Record> RecordRow row(std::string name, Record filled) {
 const QString kLong = QString(2048, QChar(u'\u00e9'));
 
 BLSmsListItem sampleMessage() {
-    return {3,
-            7,
-            1,
-            2,
-            4,
-            1,
-            1,
-            32,
-            "+8613912345678",
-            QDateTime(QDate(2024, 5, 1), QTime(14, 0, 5), Qt::OffsetFromUTC, 8 * 3600),
-            QString::fromUtf8("Grüße ✓ 你好")};
+    const QDateTime sent(QDate(2024, 5, 1), QTime(14, 0, 5), Qt::OffsetFromUTC, 8 * 3600);
+    return {3, 7, 1, 2, 4, 1, 1, 32, "+8613912345678", sent, QString::fromUtf8("Grüße ✓ 你好")};
 }
 
 } // namespace
@@ -146,24 +132,6 @@ TEST(Records, EveryRecordCodesAndDecodesToAnEqualOne) {
     }
 }
 
-// The integers go first, then the objects, each in declaration order.
-TEST(Records, IntegersAreCodedBeforeObjects) {
-    const BLNetworkInfo info{1, 2, "46000", 3, 4, "CMCC", 5, 6, 7, 8};
-    QByteArray bytes = encoded(info);
-    QDataStream in(bytes);
-    qint32 integers[8] = {};
-    QString first, second;
-    for (qint32& n : integers) {
-        in >> n;
-    }
-    in >> first >> second;
-    EXPECT_EQ(std::vector<qint32>(std::begin(integers), std::end(integers)),
-              (std::vector<qint32>{1, 2, 3, 4, 5, 6, 7, 8}));
-    EXPECT_EQ(first, "46000");
-    EXPECT_EQ(second, "CMCC");
-    EXPECT_TRUE(in.atEnd());
-}
-
 // A filter's target is a token only for a live object: once the object is gone it decodes as null.
 TEST(Records, FilterTargetDecodesAsNullOnceTheClientIsGone) {
     auto* client = new QObject;
@@ -175,47 +143,4 @@ TEST(Records, FilterTargetDecodesAsNullOnceTheClientIsGone) {
     EXPECT_EQ(in.status(), QDataStream::Ok);
     EXPECT_TRUE(back.target.isNull());
     EXPECT_EQ(back.filterList, QStringList{"10086"});
-}
-
-// What one thread puts under "VALUE_OBJECT" reaches the other as a copy: changes on either side stay
-// on that side.
-TEST(Records, ARecordReachesTheOtherThreadAsACopy) {
-    static int argc = 1;
-    static char name[] = "worker_tests";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) {
-        new QCoreApplication(argc, argv); // kept for the rest of the run
-    }
-    QThread worker;
-    worker.start();
-    QObject onWorker;
-    onWorker.moveToThread(&worker);
-
-    QVariantMap request;
-    WorkNotification::SetValueObject(request, QVariant::fromValue(BLPBNewItem{1, "Anna", "0123"}));
-    std::promise<BLPBNewItem> arrived;
-    std::promise<void> changedHere;
-    auto changed = changedHere.get_future().share();
-    QMetaObject::invokeMethod(
-        &onWorker,
-        [request, &arrived, changed]() mutable {
-            changed.wait();
-            auto item = qvariant_cast<BLPBNewItem>(WorkNotification::GetValueObject(request));
-            arrived.set_value(item);
-            item.strName = "changed on the worker";
-            WorkNotification::SetValueObject(request, QVariant::fromValue(item));
-        },
-        Qt::QueuedConnection);
-    auto mine = qvariant_cast<BLPBNewItem>(WorkNotification::GetValueObject(request));
-    mine.strNumber = "changed here";
-    WorkNotification::SetValueObject(request, QVariant::fromValue(mine));
-    changedHere.set_value();
-
-    auto future = arrived.get_future();
-    ASSERT_EQ(future.wait_for(std::chrono::seconds(10)), std::future_status::ready);
-    EXPECT_TRUE(future.get() == (BLPBNewItem{1, "Anna", "0123"}));
-    worker.quit();
-    ASSERT_TRUE(worker.wait(10000));
-    EXPECT_TRUE(qvariant_cast<BLPBNewItem>(WorkNotification::GetValueObject(request)) ==
-                (BLPBNewItem{1, "Anna", "changed here"}));
 }
