@@ -52,19 +52,13 @@ TEST(SimModemTest, EchoFramingAndErrorForms) {
     EXPECT_EQ(h.At("AT+CGMM"), "\r\nHSPA USB Modem SIM-3G\r\n\r\nOK\r\n");
     EXPECT_EQ(h.At("AT+NOSUCH"), "\r\nERROR\r\n");
     EXPECT_EQ(h.At("hello"), "");
-    struct Row {
-        const char* setup;
-        const char* answer;
-    };
-    const Row rows[] = {
-        {"AT+CMEE=0", "\r\nERROR\r\n"},
-        {"AT+CMEE=1", "\r\n+CME ERROR: 21\r\n"},
-        {"AT+CMEE=2", "\r\n+CME ERROR: invalid index\r\n"},
-    };
-    for (const Row& row : rows) {
-        ASSERT_EQ(h.At(row.setup), "\r\nOK\r\n");
-        EXPECT_EQ(h.At("AT+CPBR=999"), row.answer) << row.setup;
-    }
+    // clang-format off
+    h.ExpectAnswers({
+        {"AT+CMEE=0", "\r\nOK\r\n"}, {"AT+CPBR=999", "\r\nERROR\r\n"},
+        {"AT+CMEE=1", "\r\nOK\r\n"}, {"AT+CPBR=999", "\r\n+CME ERROR: 21\r\n"},
+        {"AT+CMEE=2", "\r\nOK\r\n"}, {"AT+CPBR=999", "\r\n+CME ERROR: invalid index\r\n"},
+    });
+    // clang-format on
     EXPECT_EQ(h.At("ATV0"), "0\r");
     EXPECT_EQ(h.At("AT+CSQ"), "+CSQ: 18,99\r\n0\r");
     EXPECT_EQ(h.At("AT&F"), "\r\nOK\r\n"); // back to verbose, echo on for what follows
@@ -209,8 +203,6 @@ TEST(SimModemTest, VoiceCallsAndGps) {
     ModemHarness h(ModemHarness::Builtin());
     h.At("ATE0");
     h.ExpectAnswers({
-        {"ATD+491111111111;", "\r\nBUSY\r\n"},
-        {"ATD+492222222222;", "\r\nNO ANSWER\r\n"},
         {"AT+COLP=1", "\r\nOK\r\n"},
         {"ATD+4930123;", "\r\n+COLP: \"+4930123\",145\r\n\r\nOK\r\n"},
         {"AT+CLCC", "\r\n+CLCC: 1,0,0,0,0,\"+4930123\",145\r\n\r\nOK\r\n"},
@@ -224,12 +216,6 @@ TEST(SimModemTest, VoiceCallsAndGps) {
     EXPECT_EQ(h.modem.State().voice.dtmf, std::vector<std::string>{"5"});
 }
 
-} // namespace
-} // namespace modemsim::test
-
-namespace modemsim::test {
-namespace {
-
 // Garbage, endless lines, broken quotes and prompts cut short: the modem keeps answering and stays bounded.
 TEST(SimModemTest, HostileInputStaysBounded) {
     ModemHarness h(ModemHarness::Builtin());
@@ -238,20 +224,10 @@ TEST(SimModemTest, HostileInputStaysBounded) {
         seed = seed * 1103515245u + 12345u;
         return (seed >> 16) & 0xFF;
     };
-    const std::string pieces[] = {"AT+CPBW=",
-                                  "\"",
-                                  ",",
-                                  "AT+CMGS=",
-                                  "\x1a",
-                                  "\x1b",
-                                  "\r",
-                                  "AT+CUSD=1,\"",
-                                  "AT+COPS=1,2,\"",
-                                  "AT+STGR=0,0,",
-                                  "ATD",
-                                  "AT+CPMS=",
-                                  "00",
-                                  "AT+CSCS=\"UCS2\"\r"};
+    // clang-format off
+    const std::string pieces[] = {"AT+CPBW=", "\"", ",", "AT+CMGS=", "\x1a", "\x1b", "\r", "AT+CUSD=1,\"", "AT+COPS=1,2,\"",
+                                  "AT+STGR=0,0,", "ATD", "AT+CPMS=", "00", "AT+CSCS=\"UCS2\"\r"};
+    // clang-format on
     for (int round = 0; round < 20000; ++round) {
         std::string bytes;
         if (next() % 2) {

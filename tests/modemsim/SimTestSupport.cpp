@@ -27,6 +27,33 @@ extern char** environ;
 
 namespace modemsim::test {
 
+namespace {
+
+// Reads fd until a whole line has come, it ends, or the limit passes; the first line parsed as JSON
+// (null when there is none).
+nlohmann::json ReadJsonLine(int fd, std::chrono::milliseconds limit) {
+    std::string text;
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (text.find('\n') == std::string::npos && std::chrono::steady_clock::now() < end) {
+        pollfd p{fd, POLLIN, 0};
+        if (poll(&p, 1, 100) > 0) {
+            char buf[4096];
+            const ssize_t n = read(fd, buf, sizeof buf);
+            if (n <= 0) {
+                break;
+            }
+            text.append(buf, static_cast<size_t>(n));
+        }
+    }
+    if (text.find('\n') == std::string::npos) {
+        return nullptr;
+    }
+    nlohmann::json j = nlohmann::json::parse(text.substr(0, text.find('\n')), nullptr, false);
+    return j.is_discarded() ? nlohmann::json(nullptr) : j;
+}
+
+} // namespace
+
 ModemHarness::ModemHarness(SimState state) : modem(std::move(state)) {
     modem.SetHostConnected(true, now);
 }
@@ -102,26 +129,10 @@ SimProcess::SimProcess(std::vector<std::string> args) {
     }
     posix_spawn_file_actions_destroy(&actions);
     close(out[1]);
-    std::string line;
-    auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (pid_ > 0 && line.find('\n') == std::string::npos && std::chrono::steady_clock::now() < end) {
-        pollfd p{out[0], POLLIN, 0};
-        if (poll(&p, 1, 100) > 0) {
-            char buf[512];
-            ssize_t n = read(out[0], buf, sizeof buf);
-            if (n <= 0) {
-                break;
-            }
-            line.append(buf, static_cast<size_t>(n));
-        }
+    if (pid_ > 0) {
+        ready_ = ReadJsonLine(out[0], std::chrono::seconds(10));
     }
     close(out[0]);
-    if (line.find('\n') != std::string::npos) {
-        ready_ = nlohmann::json::parse(line.substr(0, line.find('\n')), nullptr, false);
-        if (ready_.is_discarded()) {
-            ready_ = nullptr;
-        }
-    }
 }
 
 SimProcess::~SimProcess() {
@@ -147,22 +158,9 @@ nlohmann::json SimProcess::Control(const std::string& line) const {
         close(fd);
         return nullptr;
     }
-    std::string reply;
-    auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (reply.find('\n') == std::string::npos && std::chrono::steady_clock::now() < end) {
-        pollfd p{fd, POLLIN, 0};
-        if (poll(&p, 1, 100) > 0) {
-            char buf[4096];
-            ssize_t n = read(fd, buf, sizeof buf);
-            if (n <= 0) {
-                break;
-            }
-            reply.append(buf, static_cast<size_t>(n));
-        }
-    }
+    nlohmann::json reply = ReadJsonLine(fd, std::chrono::seconds(5));
     close(fd);
-    nlohmann::json j = nlohmann::json::parse(reply.substr(0, reply.find('\n')), nullptr, false);
-    return j.is_discarded() ? nlohmann::json(nullptr) : j;
+    return reply;
 }
 
 int SimProcess::WaitExit(std::chrono::milliseconds limit) {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <initializer_list>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -88,10 +89,7 @@ template <class Cond> bool WaitFor(Cond cond, std::chrono::milliseconds limit) {
         if (std::chrono::steady_clock::now() > end) {
             return false;
         }
-        struct timespec ts {
-            0, 5 * 1000 * 1000
-        };
-        nanosleep(&ts, nullptr);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return true;
 }

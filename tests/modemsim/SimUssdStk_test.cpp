@@ -20,47 +20,21 @@ std::string HostUssd(const std::string& text) {
     return out;
 }
 
-struct Cusd {
-    int m = -1;
-    std::string text;
-    int dcs = -1;
-};
-
-// "\r\n+CUSD: 1,\"<hex>\",72\r\n\r\nOK\r\n" (the poll's answer) -> its parts, the text decoded.
-Cusd ParseCusd(const std::string& answer) {
-    Cusd out;
-    size_t at = answer.find("+CUSD: ");
-    if (at == std::string::npos) {
-        return out;
+// What the poll brings for a network's answer: UCS2 hex (dcs 72), else one default-alphabet code per octet.
+std::string CusdPoll(int m, const std::string& text, int dcs) {
+    if (m == 4) {
+        return "\r\n+CUSD: 4\r\n\r\nOK\r\n";
     }
-    std::string line = answer.substr(at + 7, answer.find("\r\n", at) - at - 7);
-    out.m = line[0] - '0';
-    size_t q1 = line.find('"');
-    if (q1 == std::string::npos) {
-        return out;
-    }
-    size_t q2 = line.find('"', q1 + 1);
-    std::string hex = line.substr(q1 + 1, q2 - q1 - 1);
-    out.dcs = std::stoi(line.substr(q2 + 2));
-    if (out.dcs == 72) {
-        Ucs2HexToText(hex, &out.text);
-    } else {
-        Bytes septets;
-        FromHex(hex, &septets);
-        out.text = Utf32ToUtf8(Gsm7ToText(septets));
-    }
-    return out;
+    const std::string hex = dcs == 72 ? TextToUcs2Hex(text) : ToHex(TextToGsm7(Utf8ToUtf32(text)));
+    return "\r\n+CUSD: " + std::to_string(m) + ",\"" + hex + "\"," + std::to_string(dcs) + "\r\n\r\nOK\r\n";
 }
 
 TEST(SimUssdTest, MenuTreeAnswersInUcs2) {
     ModemHarness h(ModemHarness::Builtin());
     h.At("ATE0");
     h.At("AT+CSCS=\"UCS2\"");
-    struct Step {
-        const char* reply; // what the user sends
-        int m;
-        const char* text;
-    };
+    // clang-format off
+    struct Step { const char* reply; int m; const char* text; }; // reply: what the user sends
     const Step steps[] = {
         {"*135#", 1, "1 Balance\n2 Data options\n3 Tariff"},
         {"7", 1, "1 Balance\n2 Data options\n3 Tariff"}, // not offered: the same menu again
@@ -69,14 +43,12 @@ TEST(SimUssdTest, MenuTreeAnswersInUcs2) {
         {"*100#", 0, "Your balance is 12.34 EUR. Valid until 31.12.2025."},
         {"*999#", 4, ""},
     };
+    // clang-format on
     for (const Step& step : steps) {
         ASSERT_EQ(h.At("AT+CUSD=1,\"" + HostUssd(step.reply) + "\",15"), "\r\nOK\r\n") << step.reply;
         EXPECT_EQ(h.At("at"), "\r\nOK\r\n"); // the network takes its time
         h.Run(300);
-        Cusd cusd = ParseCusd(h.At("at"));
-        EXPECT_EQ(cusd.m, step.m) << step.reply;
-        EXPECT_EQ(cusd.text, step.text) << step.reply;
-        EXPECT_EQ(cusd.dcs, step.m == 4 ? -1 : 72) << step.reply;
+        EXPECT_EQ(h.At("at"), CusdPoll(step.m, step.text, 72)) << step.reply;
     }
     EXPECT_EQ(h.At("AT+CUSD?"), "\r\n+CUSD: 1\r\n\r\nOK\r\n");
     EXPECT_EQ(h.modem.State().ussd.requests.front(), "*135#");
@@ -87,10 +59,7 @@ TEST(SimUssdTest, CancelEndsTheDialogueAndGsmAnswersUseOneCodePerOctet) {
     h.At("ATE0");
     ASSERT_EQ(h.At("AT+CUSD=1,\"*135#\",15"), "\r\nOK\r\n"); // IRA: the text as it stands
     h.Run(300);
-    Cusd menu = ParseCusd(h.At("at"));
-    EXPECT_EQ(menu.m, 1);
-    EXPECT_EQ(menu.dcs, 15);
-    EXPECT_EQ(menu.text, "1 Balance\n2 Data options\n3 Tariff");
+    EXPECT_EQ(h.At("at"), CusdPoll(1, "1 Balance\n2 Data options\n3 Tariff", 15));
     EXPECT_EQ(h.At("AT+CUSD=2"), "\r\nOK\r\n");
     h.At("AT+CUSD=1,\"1\",15");
     h.Run(300);
@@ -108,16 +77,11 @@ TEST(SimToolkitTest, MenuSelectionLeadsThroughTheScenario) {
     EXPECT_EQ(h.At("AT+STGI=17"),
               "\r\n+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n+STGI: 17,2,\"Games\"\r\n"
               "+STGI: 17,3,\"Offers\"\r\n\r\nOK\r\n");
-    struct Step {
-        const char* command;
-        const char* answer;
-        const char* indication; // what the poll brings after the toolkit's delay
-    };
+    // clang-format off
+    struct Step { const char* command; const char* answer; const char* indication; }; // indication: the poll's, after a delay
     const Step steps[] = {
         {"AT+STGR=0,0,2", "\r\nOK\r\n", "+STIN: 11"},
-        {"AT+STGI=11",
-         "\r\n+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\"\r\n\r\nOK\r\n",
-         nullptr},
+        {"AT+STGI=11", "\r\n+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\"\r\n\r\nOK\r\n", nullptr},
         {"AT+STGR=11,0,,1", "\r\nOK\r\n", "+STIN: 3"},
         {"AT+STGI=3", "\r\n+STGI: 3,\"Capital of France?\",1,1,12,\"\",1\r\n\r\nOK\r\n", nullptr},
         {"AT+STGR=3,0,,Paris", "\r\nOK\r\n", "+STIN: 1"},
@@ -125,6 +89,7 @@ TEST(SimToolkitTest, MenuSelectionLeadsThroughTheScenario) {
         {"AT+STIN?", "\r\n+STIN: 20\r\n\r\nOK\r\n", nullptr},
         {"AT+STGR=1,0,", "\r\n+CME ERROR: 3\r\n", nullptr},
     };
+    // clang-format on
     for (const Step& step : steps) {
         EXPECT_EQ(h.At(step.command), step.answer) << step.command;
         if (step.indication) {
