@@ -60,11 +60,9 @@ TEST(SimSmsTest, SentMessageIsKeptAndItsStatusReportStored) {
 
 TEST(SimSmsTest, SendFailuresAndAborts) {
     Ready h;
-    struct Step {
-        std::string bytes;
-        std::string answer;
-    };
     h.modem.State().sms.failNextSend = true;
+    // clang-format off
+    struct Step { std::string bytes; std::string answer; };
     const Step steps[] = {
         {"AT+CMGS=23\r", "\r\n> "},
         {kSubmit + "\x1a", "\r\n+CMS ERROR: 500\r\n"}, // the switch fails one send ...
@@ -77,6 +75,7 @@ TEST(SimSmsTest, SendFailuresAndAborts) {
         {"AT+CMGF=1\r", "\r\nOK\r\n"},
         {"AT+CMGS=23\r", "\r\n+CMS ERROR: 302\r\n"},
     };
+    // clang-format on
     for (const Step& step : steps) {
         EXPECT_EQ(h.Send(step.bytes), step.answer) << step.bytes;
     }
@@ -157,8 +156,7 @@ TEST(SimSmsTest, FullStorageRejectsAMessage) {
 TEST(SimSmsTest, MessageToOwnNumberComesBack) {
     Ready h;
     // "hi" to +491721234567, the SIM's own number.
-    const std::string submit = "0001000C9194711232547600"
-                               "0002E834";
+    const std::string submit = "0001000C91947112325476000002E834";
     EXPECT_EQ(h.At("AT+CMGS=" + std::to_string(TpduLengthOfPdu(submit))), "\r\n> ");
     EXPECT_EQ(h.Send(submit + "\x1a"), "\r\n+CMGS: 1\r\n\r\nOK\r\n");
     h.Run(1000);
