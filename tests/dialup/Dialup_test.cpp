@@ -100,18 +100,16 @@ TEST_F(Dialup, Statistics) {
 
     world.connect();
     ASSERT_TRUE(waitFor([&] { return network.connectStatus() == 2; }));
-    const struct {
-        quint32 advance;
-        quint64 rx, tx;
-        ConnectStatisticsInfo expected; // duration is checked apart
-        bool zero;
-    } rows[] = {
+    // clang-format off
+    // expected: all but the duration, which is checked apart
+    const struct { quint32 advance; quint64 rx, tx; ConnectStatisticsInfo expected; bool zero; } rows[] = {
         {0, 5000, 1000, {0, 1000, 5000, 0, 0, 0, 0}, false}, // first sample: no rate yet
         {0, 6000, 1200, {}, true},                           // same second: all zero
         {2, 9000, 3000, {0, 3000, 9000, 1000, 2000, 1000, 2000}, false},
         {1, 9100, 3500, {0, 3500, 9100, 500, 100, 1000, 2000}, false},
         {2, 21100, 9500, {0, 9500, 21100, 3000, 6000, 3000, 6000}, false},
     };
+    // clang-format on
     quint32 firstDuration = 0;
     quint32 elapsed = 0;
     for (const auto& row : rows) {
