@@ -1,5 +1,5 @@
 // The dialtone-modemsim program on its ptys: the ready line and the links, AT over the port as the host
-// opens it, closing and reopening, the dial port, and the control socket's unplug, plug and quit.
+// opens it, closing and reopening, the dial port, and the control socket: events, unplug, plug and quit.
 
 #include <csignal>
 #include <sys/stat.h>
