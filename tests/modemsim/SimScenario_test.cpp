@@ -77,18 +77,5 @@ TEST(SimScenarioTest, MistakesAreNamed) {
     EXPECT_NE(error.find("not valid JSON"), std::string::npos);
 }
 
-TEST(SimScenarioTest, StoredMessagesComeFromTheScenario) {
-    SimState s;
-    std::string error;
-    ASSERT_TRUE(LoadScenario("", s, error)) << error;
-    ModemHarness h(s);
-    h.At("ATE0");
-    // The stored outgoing message in the modem memory lists as "stored sent".
-    h.At("AT+CPMS=\"ME\"");
-    std::string list = h.At("AT+CMGL=3");
-    EXPECT_EQ(list.rfind("\r\n+CMGL: 1,3,,", 0), 0u) << list;
-    EXPECT_EQ(h.At("AT+CMGL=0"), "\r\nOK\r\n");
-}
-
 } // namespace
 } // namespace modemsim::test
