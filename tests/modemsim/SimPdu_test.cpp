@@ -397,7 +397,7 @@ std::string Fields(const SubmitInfo& s) {
     return out.str();
 }
 
-// The expected records name only what differs from the defaults.
+// The expected records and parameters name only what differs from the defaults.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wmissing-field-initializers"
 
@@ -520,21 +520,14 @@ TEST(SimPdu, MutatedPdusStayInBounds) {
 }
 
 TEST(SimPdu, StoredSubmitsDecodeAsSent) {
-    StoredSubmitParams classic;
-    classic.destination = "+46708251358";
-    classic.textUtf8 = "hellohello";
-    classic.validity = 0xAA;
     int length = 0;
+    const StoredSubmitParams classic{.destination = "+46708251358", .textUtf8 = "hellohello", .validity = 0xAA};
     EXPECT_EQ(EncodeSubmitPduForStorage(classic, &length), "0011000B916407281553F80000AA0AE8329BFD4697D9EC37");
     EXPECT_EQ(length, 23);
 
-    StoredSubmitParams part;
-    part.destination = "+4917612345678";
-    part.textUtf8 = "\xD0\x96 \xF0\x9F\x98\x80";
-    part.mr = 200;
-    part.statusReportRequest = true;
-    part.concatRef = 9, part.concatTotal = 3, part.concatSeq = 3;
-    part.smsc = kDefaultSmsc;
+    StoredSubmitParams part{.destination = "+4917612345678", .textUtf8 = "\xD0\x96 \xF0\x9F\x98\x80", .mr = 200,
+                            .statusReportRequest = true, .concatRef = 9, .concatTotal = 3, .concatSeq = 3,
+                            .smsc = kDefaultSmsc};
     const std::string hex = EncodeSubmitPduForStorage(part, &length);
     const SubmitInfo got = DecodeSubmitPdu(hex, length);
     ASSERT_TRUE(got.ok) << got.error;
@@ -544,8 +537,6 @@ TEST(SimPdu, StoredSubmitsDecodeAsSent) {
     part.textUtf8 = Repeat("\xD0\x96", 68);
     EXPECT_EQ(EncodeSubmitPduForStorage(part, &length), "");
 }
-
-#pragma GCC diagnostic pop
 
 // ---- independent decoder ------------------------------------------------------------------------------
 
@@ -605,19 +596,15 @@ TEST(SimPduGammu, IndependentDecoderAgrees) {
     int length = 0;
     samples.push_back({EncodeStatusReportPdu(42, "+4917612345678", "24/03/01,12:00:00+04", "", 0, &length),
                        "Status_Report", "+4917612345678", "Delivered", -1, -1, -1, 0, 42, false});
-    StoredSubmitParams stored;
-    stored.destination = "+46708251358";
-    stored.textUtf8 = "Unsent draft";
-    stored.validity = 0xA7;
+    const StoredSubmitParams stored{.destination = "+46708251358", .textUtf8 = "Unsent draft", .validity = 0xA7};
     samples.push_back({EncodeSubmitPduForStorage(stored, &length), "Submit", "+46708251358", "Unsent draft"});
 
     std::ofstream(dir.Path() + "/decode.py") << kGammuScript;
-    {
-        std::ofstream in(dir.Path() + "/pdus");
-        for (const auto& s : samples) {
-            in << s.hex << "\n";
-        }
+    std::ofstream pdus(dir.Path() + "/pdus");
+    for (const auto& s : samples) {
+        pdus << s.hex << "\n";
     }
+    pdus.close();
     const std::string& at = dir.Path();
     const std::string run = python + " " + at + "/decode.py " + at + "/pdus > " + at + "/out 2>/dev/null";
     ASSERT_EQ(std::system(run.c_str()), 0);
@@ -647,6 +634,8 @@ TEST(SimPduGammu, IndependentDecoderAgrees) {
         }
     }
 }
+
+#pragma GCC diagnostic pop
 
 } // namespace
 } // namespace modemsim
