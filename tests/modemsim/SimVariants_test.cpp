@@ -61,6 +61,7 @@ TEST(SimVariantsTest, AnswersAsTheKnobsSay) {
         {{"AT+COLP=1"}, "ATD+4930123;", 0, true, "\r\n+COLP: \"+4930123\",145\r\n\r\nOK\r\n"},
         {{"ring +4930123456"}, "AT", 0, true, "\r\nRING\r\n\r\nOK\r\n"},
         {{"signal 7"}, "AT+CSQ", 0, true, "\r\n+CSQ: 7,99\r\n\r\nOK\r\n"},
+        {{"AT+CUSD=1", "ussd 1 Reply 1 to confirm"}, "AT", 0, true, "\r\n+CUSD: 1,\"5265706C79203120746F20636F6E6669726D\",15\r\n\r\nOK\r\n"},
     };
     // clang-format on
     for (const Row& row : rows) {
