@@ -5,44 +5,6 @@
 
 namespace {
 
-using namespace PPPOption;
-
-// The options dictionary: 7 PPP entries, 8 with PAP or CHAP; a DNS entry only with a name server.
-TEST(DialOptions, Dictionary) {
-    const struct {
-        int authType;
-        QString dns1, dns2;
-        int pppEntries;
-        QStringList protocols;
-        QStringList dns; // empty: no DNS entry
-    } rows[] = {
-        {0, {}, {}, 7, {}, {}},
-        {1, {}, {}, 8, {kAuthProtocolPAP}, {}},
-        {2, {}, {}, 8, {kAuthProtocolCHAP}, {}},
-        {3, {}, {}, 7, {}, {}},
-        {0, "", "10.0.0.1", 7, {}, {"10.0.0.1"}},
-        {0, "8.8.8.8", "", 7, {}, {"8.8.8.8"}},
-        {1, "8.8.8.8", "8.8.4.4", 8, {kAuthProtocolPAP}, {"8.8.8.8", "8.8.4.4"}},
-        {0, "", "", 7, {}, {}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message()
-                     << "auth " << row.authType << " dns " << row.dns.join(',').toStdString());
-        const QVariantMap options = ModemOperator::dialOptions(dialInfo(row.authType, row.dns1, row.dns2));
-        EXPECT_EQ(options.size(), row.dns.isEmpty() ? 2 : 3);
-        const QVariantMap ppp = options.value(kPPP).toMap();
-        EXPECT_EQ(ppp.size(), row.pppEntries);
-        EXPECT_EQ(ppp.value(kAuthProtocol).toStringList(), row.protocols);
-        EXPECT_EQ(ppp.value(kCommRemoteAddress), "*99#");
-        EXPECT_EQ(ppp.value(kDisconnectOnIdle), 0);
-        EXPECT_EQ(ppp.value(kDisconnectOnIdleTimer), 5400);
-        EXPECT_EQ(ppp.value(kLCPEchoInterval), 20);
-        EXPECT_EQ(ppp.value(kLCPEchoFailure), 15);
-        EXPECT_EQ(options.value(kModem).toMap(), (QVariantMap{{kConnectionScript, "VEL_HSPA_Modem"}}));
-        EXPECT_EQ(options.value(kDNS).toMap().value(kServerAddresses).toStringList(), row.dns);
-    }
-}
-
 // What pppd gets for each authentication type and name-server case.
 TEST(DialOptions, PppdOptionsText) {
     TempWorld world;
@@ -52,21 +14,22 @@ TEST(DialOptions, PppdOptionsText) {
         "user \"web\"\npassword \"s3cret-Pa55\"\n"
         "# no idle disconnect; its timer (5400 s) stays unused\n"
         "lcp-echo-interval 20\nlcp-echo-failure 15\n";
-    const struct {
-        int authType;
-        QString dns1, dns2;
-        QByteArray tail;
-    } rows[] = {
+    // clang-format off
+    const struct { int authType; QString dns1, dns2; QByteArray tail; } rows[] = {
         {0, {}, {}, "usepeerdns\n"},
         {1, {}, {}, "refuse-chap\nrefuse-mschap\nrefuse-mschap-v2\nrefuse-eap\nusepeerdns\n"},
         {2, {}, {}, "refuse-pap\nrefuse-eap\nusepeerdns\n"},
         {3, {}, {}, "usepeerdns\n"},
+        {0, "", "", "usepeerdns\n"},
         {0, "", "10.0.0.1", "ipparam \"DNS=10.0.0.1\"\n"},
-        {2, "8.8.8.8", "2001:4860::8888",
-         "refuse-pap\nrefuse-eap\nipparam \"DNS=8.8.8.8,2001:4860::8888\"\n"},
+        {0, "8.8.8.8", "", "ipparam \"DNS=8.8.8.8\"\n"},
+        {1, "8.8.8.8", "8.8.4.4", "refuse-chap\nrefuse-mschap\nrefuse-mschap-v2\nrefuse-eap\nipparam \"DNS=8.8.8.8,8.8.4.4\"\n"},
+        {2, "8.8.8.8", "2001:4860::8888", "refuse-pap\nrefuse-eap\nipparam \"DNS=8.8.8.8,2001:4860::8888\"\n"},
     };
+    // clang-format on
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.authType);
+        SCOPED_TRACE(testing::Message() << "auth " << row.authType << " dns " << row.dns1.toStdString() << ","
+                                        << row.dns2.toStdString());
         QByteArray text;
         ASSERT_TRUE(PPPConnection::optionsText(
             ModemOperator::dialOptions(dialInfo(row.authType, row.dns1, row.dns2)), text));
@@ -85,13 +48,12 @@ TEST(DialOptions, UntrustedFields) {
     EXPECT_EQ(words.at(words.indexOf("user") + 1), info.strAccountName);
     EXPECT_EQ(words.at(words.indexOf("password") + 1), info.strPassword);
 
-    const struct {
-        const char* field;
-        QString value;
-    } refused[] = {
-        {"number", "*99#'; reboot; '"},     {"number", "*99# $(id)"}, {"number", ""},
-        {"account", "web\nplugin evil.so"}, {"password", "x\ry"},     {"dns", "8.8.8.8\"; x"},
+    // clang-format off
+    const struct { const char* field; QString value; } refused[] = {
+        {"number", "*99#'; reboot; '"}, {"number", "*99# $(id)"}, {"number", ""},
+        {"account", "web\nplugin evil.so"}, {"password", "x\ry"}, {"dns", "8.8.8.8\"; x"},
     };
+    // clang-format on
     for (const auto& row : refused) {
         SCOPED_TRACE(row.field);
         BLConnectDialinfo bad = dialInfo();

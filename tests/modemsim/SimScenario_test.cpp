@@ -1,4 +1,4 @@
-// Scenario files: the shipped ones load, the built-in one is scenarios/default.json, mistakes are named.
+// Scenario files: the built-in one is scenarios/default.json, mistakes are named.
 
 #include <filesystem>
 #include <fstream>
@@ -20,41 +20,16 @@ TEST(SimScenarioTest, BuiltinIsTheShippedDefault) {
     EXPECT_EQ(nlohmann::json::parse(in), BuiltinScenario());
 }
 
-TEST(SimScenarioTest, ShippedScenariosLoad) {
-    // clang-format off
-    struct Row { const char* file; PinState pin; int smsUsed; int smsCapacity; size_t contacts; };
-    const Row rows[] = {
-        {"default.json", PinState::Ready, 3, 30, 3},
-        {"pin-locked.json", PinState::SimPin, 3, 30, 3},
-        {"full-sim.json", PinState::Ready, 10, 10, 10},
-        {"standard.json", PinState::Ready, 3, 30, 3},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SimState s;
-        std::string error;
-        ASSERT_TRUE(LoadScenario((kScenarios / row.file).string(), s, error)) << error;
-        EXPECT_EQ(s.sim.state, row.pin) << row.file;
-        EXPECT_EQ(s.sms.storages["SM"].Used(), row.smsUsed) << row.file;
-        EXPECT_EQ(s.sms.storages["SM"].capacity, row.smsCapacity) << row.file;
-        EXPECT_EQ(s.phonebooks["SM"].entries.size(), row.contacts) << row.file;
-    }
-}
-
 TEST(SimScenarioTest, MistakesAreNamed) {
-    struct Row {
-        const char* patch;
-        const char* error;
-    };
+    // clang-format off
+    struct Row { const char* patch; const char* error; };
     const Row rows[] = {
         {R"({"sim":{"pin":"12"}})", "pin and pin2 must be 4-8 digits"},
         {R"({"sim":{"pin_attempts":4}})", "pin_attempts must be 0-3"},
         {R"({"network":{"signal":40}})", "signal must be 0-31 or 99"},
-        {R"({"network":{"operators":[{"long":"X","numeric":"1"}]}})",
-         "operator numeric must be 5 or 6 digits"},
+        {R"({"network":{"operators":[{"long":"X","numeric":"1"}]}})", "operator numeric must be 5 or 6 digits"},
         {R"({"sms":{"cpms":["XX","SM","SM"]}})", "cpms names storage XX that sms.storages lacks"},
-        {R"({"sms":{"messages":[{"storage":"SM","index":99,"from":"+49","text":"x"}]}})",
-         "bad or repeated index"},
+        {R"({"sms":{"messages":[{"storage":"SM","index":99,"from":"+49","text":"x"}]}})", "bad or repeated index"},
         {R"({"sms":{"messages":[{"storage":"SM"}]}})", "a message needs pdu, from or to"},
         {R"({"knobs":{"urc_mode":"sometimes"}})", "urc_mode must be poll, immediate, mixed or ahead"},
         {R"({"dialect":"other"})", "dialect must be vel or standard"},
@@ -64,6 +39,7 @@ TEST(SimScenarioTest, MistakesAreNamed) {
         {R"({"ussd":{"menus":{"*1#":"text"}}})", "a USSD menu entry must be an object"},
         {R"({"sim":{"imsi":5}})", "type must be string"},
     };
+    // clang-format on
     for (const Row& row : rows) {
         nlohmann::json scenario = BuiltinScenario();
         scenario.merge_patch(nlohmann::json::parse(row.patch));
@@ -78,22 +54,6 @@ TEST(SimScenarioTest, MistakesAreNamed) {
     std::ofstream(dir.Path() + "/broken.json") << "{ not json";
     EXPECT_FALSE(LoadScenario(dir.Path() + "/broken.json", s, error));
     EXPECT_NE(error.find("not valid JSON"), std::string::npos);
-}
-
-TEST(SimScenarioTest, StoredMessagesAndMenusComeFromTheScenario) {
-    SimState s;
-    std::string error;
-    ASSERT_TRUE(LoadScenario("", s, error)) << error;
-    ModemHarness h(s);
-    h.At("ATE0");
-    // The stored outgoing message in the modem memory lists as "stored sent".
-    h.At("AT+CPMS=\"ME\"");
-    std::string list = h.At("AT+CMGL=3");
-    EXPECT_EQ(list.rfind("\r\n+CMGL: 1,3,,", 0), 0u) << list;
-    EXPECT_EQ(h.At("AT+CMGL=0"), "\r\nOK\r\n");
-    EXPECT_EQ(s.ussd.roots.size(), 3u);
-    EXPECT_EQ(s.stk.menu.size(), 3u);
-    EXPECT_EQ(s.network.operators[3].forbidden, true);
 }
 
 } // namespace

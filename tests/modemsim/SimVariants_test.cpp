@@ -1,4 +1,5 @@
-// The standard dialect and the answer variants of other makers' sticks, byte for byte.
+// The standard dialect, the answer variants of other makers' sticks and the control socket's events, byte
+// for byte.
 
 #include <gtest/gtest.h>
 
@@ -57,6 +58,10 @@ TEST(SimVariantsTest, AnswersAsTheKnobsSay) {
         {{}, "ATD+491111111111;", 0, true, "\r\nBUSY\r\n"},
         {{}, "ATD+492222222222;", 0, true, "\r\nNO ANSWER\r\n"},
         {{"ATD+4930123456;", "hangup"}, "AT", 0, true, "\r\nNO CARRIER\r\n\r\nOK\r\n"},
+        {{"AT+COLP=1"}, "ATD+4930123;", 0, true, "\r\n+COLP: \"+4930123\",145\r\n\r\nOK\r\n"},
+        {{"ring +4930123456"}, "AT", 0, true, "\r\nRING\r\n\r\nOK\r\n"},
+        {{"signal 7"}, "AT+CSQ", 0, true, "\r\n+CSQ: 7,99\r\n\r\nOK\r\n"},
+        {{"AT+CUSD=1", "ussd 1 Reply 1 to confirm"}, "AT", 0, true, "\r\n+CUSD: 1,\"5265706C79203120746F20636F6E6669726D\",15\r\n\r\nOK\r\n"},
     };
     // clang-format on
     for (const Row& row : rows) {
