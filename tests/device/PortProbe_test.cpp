@@ -4,8 +4,6 @@
 #include "PortProbe.h"
 #include "PropertyList.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <poll.h>
 #include <thread>
@@ -46,20 +44,14 @@ struct AtPeer {
     std::thread thread;
 };
 
-class Probe : public testing::Test {
+class Probe : public UdevTest {
 protected:
     void SetUp() override {
-        if (!underUmockdev()) {
-            GTEST_SKIP() << "needs umockdev-wrapper (Debian package umockdev)";
-        }
-        testbed.emplace();
+        UdevTest::SetUp();
         world.env.set("XDG_CONFIG_HOME", world.path("config"));
         ResetModemDialect();
     }
     void TearDown() override { ResetModemDialect(); }
-
-    TempWorld world;
-    std::optional<Testbed> testbed;
 };
 
 // Sticks of the table with a known layout need no probe: the interface numbers pick the ports.
