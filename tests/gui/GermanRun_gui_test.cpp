@@ -9,8 +9,6 @@
 #include <QTabBar>
 #include <QXmlStreamReader>
 
-#include <gtest/gtest.h>
-
 #include "GuiTestSupport.h"
 #include "ModulePlugin.h"
 #include "Translations.h"
