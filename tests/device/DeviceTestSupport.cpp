@@ -7,6 +7,17 @@
 
 #include <cstring>
 
+namespace {
+
+// The syspath umockdev hands over, its string freed.
+QString Take(gchar* path) {
+    const QString syspath = QString::fromLocal8Bit(path);
+    g_free(path);
+    return syspath;
+}
+
+} // namespace
+
 bool underUmockdev() {
     const char* preload = std::getenv("LD_PRELOAD");
     return preload != nullptr && std::strstr(preload, "umockdev-preload") != nullptr;
@@ -32,13 +43,10 @@ Testbed::~Testbed() {
 QString Testbed::addUsbDevice(const QString& name, const char* vendor, const char* product, int devnum) {
     const QByteArray number = QByteArray::number(devnum);
     const QByteArray port = name.section('-', 1).toLatin1();
-    gchar* path = umockdev_testbed_add_device(
-        _testbed, "usb", name.toLatin1().constData(), nullptr, "idVendor", vendor, "idProduct", product,
-        "busnum", "1", "devnum", number.constData(), "devpath", port.constData(), "product", "HSPA Data Card",
-        nullptr, "DEVTYPE", "usb_device", nullptr);
-    const QString syspath = QString::fromLocal8Bit(path);
-    g_free(path);
-    return syspath;
+    return Take(umockdev_testbed_add_device(_testbed, "usb", name.toLatin1().constData(), nullptr, "idVendor",
+                                            vendor, "idProduct", product, "busnum", "1", "devnum",
+                                            number.constData(), "devpath", port.constData(), "product",
+                                            "HSPA Data Card", nullptr, "DEVTYPE", "usb_device", nullptr));
 }
 
 QString Testbed::addScsiDevice(const QString& usbDevice, const QString& lun, const char* vendor,
@@ -46,33 +54,23 @@ QString Testbed::addScsiDevice(const QString& usbDevice, const QString& lun, con
     const QString usbName = usbDevice.section('/', -1);
     const QByteArray interfaceName = (usbName + ":1.0").toLatin1();
     QString interface = usbDevice + "/" + usbName + ":1.0";
-    if (!QFile::exists(interface)) {
-        gchar* path = umockdev_testbed_add_device(_testbed, "usb", interfaceName.constData(),
-                                                  usbDevice.toLocal8Bit().constData(), "bInterfaceClass",
-                                                  "08", nullptr, "DEVTYPE", "usb_interface", nullptr);
-        interface = QString::fromLocal8Bit(path);
-        g_free(path);
-    }
-    gchar* host = umockdev_testbed_add_device(_testbed, "scsi", ("host" + lun).toLatin1().constData(),
-                                              interface.toLocal8Bit().constData(), nullptr, "DEVTYPE",
-                                              "scsi_host", nullptr);
-    gchar* scsi =
-        umockdev_testbed_add_device(_testbed, "scsi", (lun + ":0:0:0").toLatin1().constData(), host, "vendor",
-                                    vendor, "model", model, nullptr, "DEVTYPE", "scsi_device", nullptr);
-    const QString syspath = QString::fromLocal8Bit(scsi);
-    g_free(host);
-    g_free(scsi);
-    return syspath;
+    if (!QFile::exists(interface))
+        interface = Take(umockdev_testbed_add_device(_testbed, "usb", interfaceName.constData(),
+                                                     usbDevice.toLocal8Bit().constData(), "bInterfaceClass",
+                                                     "08", nullptr, "DEVTYPE", "usb_interface", nullptr));
+    const QString host = Take(umockdev_testbed_add_device(
+        _testbed, "scsi", ("host" + lun).toLatin1().constData(), interface.toLocal8Bit().constData(), nullptr,
+        "DEVTYPE", "scsi_host", nullptr));
+    return Take(umockdev_testbed_add_device(_testbed, "scsi", (lun + ":0:0:0").toLatin1().constData(),
+                                            host.toLocal8Bit().constData(), "vendor", vendor, "model", model,
+                                            nullptr, "DEVTYPE", "scsi_device", nullptr));
 }
 
 QString Testbed::addBlock(const QString& parent, const QString& name, const char* devtype, bool cdrom) {
-    gchar* path = umockdev_testbed_add_device(_testbed, "block", name.toLatin1().constData(),
-                                              parent.toLocal8Bit().constData(), "size", "1024", nullptr,
-                                              "DEVTYPE", devtype, "ID_TYPE", cdrom ? "cd" : "disk",
-                                              cdrom ? "ID_CDROM" : nullptr, "1", nullptr);
-    const QString syspath = QString::fromLocal8Bit(path);
-    g_free(path);
-    return syspath;
+    return Take(umockdev_testbed_add_device(_testbed, "block", name.toLatin1().constData(),
+                                            parent.toLocal8Bit().constData(), "size", "1024", nullptr,
+                                            "DEVTYPE", devtype, "ID_TYPE", cdrom ? "cd" : "disk",
+                                            cdrom ? "ID_CDROM" : nullptr, "1", nullptr));
 }
 
 QString Testbed::addRecord(const QByteArray& base, const QByteArray& record) {

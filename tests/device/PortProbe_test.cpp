@@ -57,9 +57,7 @@ protected:
 // Sticks of the table with a known layout need no probe: the interface numbers pick the ports.
 TEST_F(Probe, TableLayouts) {
     // clang-format off
-    const struct {
-        const char* vendor; const char* product; QList<int> interfaces; const char* at; const char* dial; ModemDialect dialect;
-    } rows[] = {
+    const struct { const char *vendor, *product; QList<int> interfaces; const char *at, *dial; ModemDialect dialect; } rows[] = {
         {"1bbb", "0017", {0, 1, 2}, "/dev/ttyUSB2", "/dev/ttyUSB0", ModemDialect::Vel},
         {"12d1", "1001", {0, 1, 2}, "/dev/ttyUSB2", "/dev/ttyUSB0", ModemDialect::Standard},
         {"12d1", "1003", {0, 1}, "/dev/ttyUSB1", "/dev/ttyUSB0", ModemDialect::Standard},

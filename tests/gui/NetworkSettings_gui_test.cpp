@@ -111,13 +111,37 @@ TEST(NetworkSettingsGui, StandardStickHasNoToolkitTabAndNoBandOrMode) {
     EXPECT_TRUE(tabs->isTabVisible(toolkit));
 }
 
-// A profile added through the dialog reaches the controller's offered list and the saved user list, so it
-// is still there for a new configuration read from the files; one without a name is refused in the dialog.
-TEST(NetworkSettingsGui, AddedProfileIsOfferedAndSaved) {
+// Switching the PIN request on with the SIM's PIN reaches the SIM; a wrong PIN is reported in words with
+// the attempts left, and the code never stays in a field. A profile added through the dialog reaches the
+// controller's offered list and the saved user list, so it is still there for a new configuration read
+// from the files; one without a name is refused in the dialog.
+TEST(NetworkSettingsGui, PinCheckAndAddedProfile) {
     GuiWorld world;
     ASSERT_TRUE(world.ready());
+    ASSERT_FALSE(world.dump("pin/enabled").toBool());
     auto* settings = world.show<SettingsPlugin>(QStringLiteral("settings"));
     ASSERT_NE(settings, nullptr);
+    settings->showSection(QStringLiteral("pin"));
+    auto* pin = Child<QLineEdit>(settings, "currentPin");
+    auto* toggle = Child<QPushButton>(settings, "togglePin");
+    auto* status = Child<QLabel>(settings, "pinStatus");
+    auto* attempts = Child<QLabel>(settings, "pinAttempts");
+    ASSERT_TRUE(waitForGui([&] { return pin->isEnabled() && attempts->text().startsWith("PIN 3"); }));
+
+    QTest::keyClicks(pin, "4321");
+    toggle->click();
+    EXPECT_TRUE(pin->text().isEmpty());
+    ASSERT_TRUE(waitForGui([&] { return status->text().contains("wrong"); })) << status->text().toStdString();
+    EXPECT_TRUE(waitForGui([&] { return attempts->text().startsWith("PIN 2"); }))
+        << attempts->text().toStdString();
+    EXPECT_FALSE(world.dump("pin/enabled").toBool());
+
+    QTest::keyClicks(pin, "1234");
+    toggle->click();
+    ASSERT_TRUE(waitForGui([&] { return world.dump("pin/enabled").toBool(); }));
+    EXPECT_TRUE(waitForGui([&] { return toggle->text().contains("Stop"); }));
+    EXPECT_FALSE(status->text().contains("1234"));
+
     settings->showSection(QStringLiteral("profiles"));
     auto* list = Child<QTreeWidget>(settings, "profileList");
     const int before = list->topLevelItemCount();
@@ -149,36 +173,6 @@ TEST(NetworkSettingsGui, AddedProfileIsOfferedAndSaved) {
         QStringList({saved.strAccount, saved.strApn, saved.strDialNum, saved.strUserName, saved.strPassword}),
         QStringList({"Work <b>APN</b>", "web.example", "*99#", "anna", "secret"}));
     EXPECT_EQ(saved.nAuthType, 2);
-}
-
-// Switching the PIN request on with the SIM's PIN reaches the SIM; a wrong PIN is reported in words with
-// the attempts left, and the code never stays in a field.
-TEST(NetworkSettingsGui, PinCheckIsSwitchedOnTheSim) {
-    GuiWorld world;
-    ASSERT_TRUE(world.ready());
-    ASSERT_FALSE(world.dump("pin/enabled").toBool());
-    auto* settings = world.show<SettingsPlugin>(QStringLiteral("settings"));
-    ASSERT_NE(settings, nullptr);
-    settings->showSection(QStringLiteral("pin"));
-    auto* pin = Child<QLineEdit>(settings, "currentPin");
-    auto* toggle = Child<QPushButton>(settings, "togglePin");
-    auto* status = Child<QLabel>(settings, "pinStatus");
-    auto* attempts = Child<QLabel>(settings, "pinAttempts");
-    ASSERT_TRUE(waitForGui([&] { return pin->isEnabled() && attempts->text().startsWith("PIN 3"); }));
-
-    QTest::keyClicks(pin, "4321");
-    toggle->click();
-    EXPECT_TRUE(pin->text().isEmpty());
-    ASSERT_TRUE(waitForGui([&] { return status->text().contains("wrong"); })) << status->text().toStdString();
-    EXPECT_TRUE(waitForGui([&] { return attempts->text().startsWith("PIN 2"); }))
-        << attempts->text().toStdString();
-    EXPECT_FALSE(world.dump("pin/enabled").toBool());
-
-    QTest::keyClicks(pin, "1234");
-    toggle->click();
-    ASSERT_TRUE(waitForGui([&] { return world.dump("pin/enabled").toBool(); }));
-    EXPECT_TRUE(waitForGui([&] { return toggle->text().contains("Stop"); }));
-    EXPECT_FALSE(status->text().contains("1234"));
 }
 
 // The validity choices reach the modem as weeks, days and hours; codes and PINs typed in are checked
