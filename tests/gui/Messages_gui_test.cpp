@@ -340,6 +340,7 @@ TEST(ContactsGui, AddEditDeleteAndSendMessage) {
     EXPECT_EQ(entry["number"].toString(), "+4915112345#");
     ASSERT_TRUE(usageIs("4 of 250 used")) << usage->text().toStdString();
     EXPECT_TRUE(Column(view, 0).contains("Zoe Test"));
+    EXPECT_TRUE(Column(view, 0).contains("Anna Schmidt"));
 
     // Editing overwrites the same index.
     ASSERT_TRUE(ClickRow(view, 0, "Zoe Test"));
