@@ -25,12 +25,11 @@ public:
                           const char* model);
     // A block device under a parent (a SCSI device, or a disk for a partition).
     QString addBlock(const QString& parent, const QString& name, const char* devtype, bool cdrom);
-    // The modem personality from umockdev's record format, with an interface and a tty child; no "add".
-    QString addModemRecord(const QString& name);
     // A stick from the record format: one interface per number, each with a tty ttyUSB<first + i>
-    // (a pty: ttyMaster gives its other end); no "add".
+    // (a pty: ttyMaster gives its other end) at the USB port path devpath; no "add".
     QString addStickRecord(const QString& name, const char* vendor, const char* product,
-                           const QList<int>& interfaces, int firstTty, const QByteArray& ttyProperties = {});
+                           const QList<int>& interfaces, int firstTty, const QByteArray& ttyProperties = {},
+                           const QByteArray& devpath = "3");
     int ttyMaster(const QString& devnode);
     void uevent(const QString& syspath, const char* action);
     void remove(const QString& syspath);
@@ -40,4 +39,17 @@ private:
     QString addRecord(const QByteArray& base, const QByteArray& record);
 
     UMockdevTestbed* _testbed;
+};
+
+// A test on a umockdev test bed in its own temporary world; skipped where umockdev is not at hand.
+class UdevTest : public testing::Test {
+public:
+    void SetUp() override {
+        if (!underUmockdev())
+            GTEST_SKIP() << "needs umockdev-wrapper (Debian package umockdev)";
+        testbed.emplace();
+    }
+
+    TempWorld world;
+    std::optional<Testbed> testbed;
 };

@@ -1,22 +1,26 @@
 #include "DeviceTestSupport.h"
 #include "DeviceUtility.h"
 
-#include <gtest/gtest.h>
-
 #include <libudev.h>
 
 #include <QRegularExpression>
+
+#include <functional>
 
 namespace {
 
 // The stick and its neighbours as udev shows them, with stand-ins for the eject, switch and open programs
 // that log their arguments.
-class ModeSwitch : public testing::Test {
-protected:
+class ModeSwitch : public UdevTest {
+public: // for the rows' setups
     void SetUp() override {
-        if (!underUmockdev()) {
-            GTEST_SKIP() << "needs umockdev-wrapper (Debian package umockdev)";
-        }
+        UdevTest::SetUp();
+        if (!IsSkipped())
+            prepare();
+    }
+    // A bed without devices, the stand-ins in place and their log empty.
+    void prepare() {
+        testbed.reset();
         testbed.emplace();
         world.env.set("DIALTONE_MOUNTS", world.path("mounts"));
         world.env.set("DIALTONE_EJECT", world.standIn("eject"));
@@ -25,20 +29,22 @@ protected:
         world.env.set("DIALTONE_MODESWITCH_DATA",
                       makeSwitchPack(world, {"1bbb:f000", "1bbb:f017", "1bbb:f017:uMa=Other"}));
         TempWorld::writeFile(world.path("mounts"), "proc /proc proc rw 0 0\n");
+        TempWorld::writeFile(world.log(), {});
     }
 
-    // The storage personality: a CD-ROM and, optionally, a memory card with one partition.
-    QString addStorageStick(const QString& name, const char* product, int devnum, bool card) {
-        const QString usb = testbed->addUsbDevice(name, "1bbb", product, devnum);
-        const QString cd = testbed->addScsiDevice(usb, QString::number(devnum) + "0", "USBModem", "CD-ROM");
-        testbed->addBlock(cd, "sr" + QString::number(devnum), "disk", true);
+    // A USB drive with its CD-ROM (by default the stick's storage personality) and, optionally, a memory
+    // card with one partition.
+    void addDrive(const QString& name, const char* product, int devnum, bool card = false,
+                  const char* vendor = "1bbb", const char* scsiVendor = "USBModem",
+                  const char* model = "CD-ROM") {
+        const QString usb = testbed->addUsbDevice(name, vendor, product, devnum);
+        const QString number = QString::number(devnum);
+        testbed->addBlock(testbed->addScsiDevice(usb, number + "0", scsiVendor, model), "sr" + number, "disk",
+                          true);
         if (card) {
-            const QString mmc =
-                testbed->addScsiDevice(usb, QString::number(devnum) + "1", "USBModem", "MMC Storage");
-            const QString disk = testbed->addBlock(mmc, "sdb", "disk", false);
-            testbed->addBlock(disk, "sdb1", "partition", false);
+            const QString mmc = testbed->addScsiDevice(usb, number + "1", "USBModem", "MMC Storage");
+            testbed->addBlock(testbed->addBlock(mmc, "sdb", "disk", false), "sdb1", "partition", false);
         }
-        return usb;
     }
     // usb_modeswitch's configuration file by its name: it lies in a temporary folder.
     QStringList programLog() const {
@@ -46,73 +52,51 @@ protected:
             .replace(QRegularExpression("-c \\S*/"), "-c ")
             .split('\n', Qt::SkipEmptyParts);
     }
-
-    TempWorld world;
-    std::optional<Testbed> testbed;
 };
 
 QString switchLine(const char* product, int devnum) {
     return QStringLiteral("switch -v 0x1bbb -p 0x%1 -b 1 -g %2 -c 1bbb:%1").arg(product).arg(devnum);
 }
 
-TEST_F(ModeSwitch, NothingToSwitch) {
-    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
-    EXPECT_TRUE(programLog().isEmpty());
-}
-
-TEST_F(ModeSwitch, SwitchesTheStorageCdRom) {
-    addStorageStick("1-2", "f000", 5, false);
-    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 1);
-    EXPECT_EQ(programLog(), QStringList{switchLine("f000", 5)});
-}
-
-// The memory card's volume is ejected, by its mount folder, before the stick switches.
-TEST_F(ModeSwitch, EjectsTheCardFirst) {
-    addStorageStick("1-2", "f000", 5, true);
-    TempWorld::writeFile(world.path("mounts"), "/dev/sdb1 /media/me/MY\\040CARD vfat rw,nosuid 0 0\n");
-    EXPECT_EQ(DeviceUtility::getMMCVolumePath(), "file:///media/me/MY%20CARD/");
-    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 1);
-    EXPECT_EQ(programLog(), (QStringList{"eject /media/me/MY CARD", switchLine("f000", 5)}));
-}
-
-// Only the modem's own storage personality is switched: not the modem personality, not another
-// vendor's drive. A failed switch is not counted. Two sticks count two.
-TEST_F(ModeSwitch, PicksOnlyTheStoragePersonality) {
-    const QString other = testbed->addUsbDevice("1-5", "0bda", "0138", 7);
-    testbed->addBlock(testbed->addScsiDevice(other, "70", "Generic", "DVD-RW"), "sr7", "disk", true);
-    const QString modem = testbed->addUsbDevice("1-6", "1bbb", "0017", 8);
-    testbed->addBlock(testbed->addScsiDevice(modem, "80", "USBModem", "CD-ROM"), "sr8", "disk", true);
-    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
-    EXPECT_TRUE(programLog().isEmpty());
-
-    addStorageStick("1-2", "f000", 5, false);
-    addStorageStick("1-3", "f017", 6, false);
-    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 2);
-    EXPECT_EQ(programLog(), (QStringList{switchLine("f000", 5), switchLine("f017", 6)}));
-
-    world.env.set("DIALTONE_MODESWITCH", world.standIn("failing-switch", 1));
-    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
-}
-
-// A table stick whose storage id the switch data lacks is not switched; usb_modeswitch is not run.
-TEST_F(ModeSwitch, NoSwitchDataNoSwitch) {
-    const QString usb = testbed->addUsbDevice("1-2", "12d1", "1446", 5);
-    testbed->addBlock(testbed->addScsiDevice(usb, "50", "HUAWEI", "Mass Storage"), "sr5", "disk", true);
-    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
-    world.env.set("DIALTONE_MODESWITCH_DATA", world.path("missing.tar.gz"));
-    addStorageStick("1-3", "f000", 6, false);
-    EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), 0);
-    EXPECT_TRUE(programLog().isEmpty());
+// Only the modem's own storage personality is switched, after its memory card's volume is ejected by its
+// mount folder: not the modem personality, not another vendor's drive, not a table stick whose storage id
+// the switch data lacks, nothing without switch data. A failed switch is not counted; two sticks count two.
+TEST_F(ModeSwitch, SwitchesOnlyTheStoragePersonality) {
+    using Setup = std::function<void(ModeSwitch&)>;
+    // clang-format off
+    const struct { const char* name; Setup setup; int switched; QStringList log; } rows[] = {
+        {"nothing to switch", [](ModeSwitch&) {}, 0, {}},
+        {"the storage CD-ROM", [](ModeSwitch& t) { t.addDrive("1-2", "f000", 5); }, 1, {switchLine("f000", 5)}},
+        {"the card first", [](ModeSwitch& t) {
+            t.addDrive("1-2", "f000", 5, true);
+            TempWorld::writeFile(t.world.path("mounts"), "/dev/sdb1 /media/me/MY\\040CARD vfat rw,nosuid 0 0\n");
+            EXPECT_EQ(DeviceUtility::getMMCVolumePath(), "file:///media/me/MY%20CARD/"); }, 1, {"eject /media/me/MY CARD", switchLine("f000", 5)}},
+        {"other vendor, modem personality", [](ModeSwitch& t) {
+            t.addDrive("1-5", "0138", 7, false, "0bda", "Generic", "DVD-RW"); t.addDrive("1-6", "0017", 8); }, 0, {}},
+        {"two sticks", [](ModeSwitch& t) {
+            t.addDrive("1-2", "f000", 5); t.addDrive("1-3", "f017", 6); }, 2, {switchLine("f000", 5), switchLine("f017", 6)}},
+        {"failing switch", [](ModeSwitch& t) {
+            t.addDrive("1-2", "f000", 5); t.world.env.set("DIALTONE_MODESWITCH", t.world.standIn("failing-switch", 1)); }, 0, {"failing-switch -v 0x1bbb -p 0xf000 -b 1 -g 5 -c 1bbb:f000"}},
+        {"no switch data for the id", [](ModeSwitch& t) { t.addDrive("1-2", "1446", 5, false, "12d1", "HUAWEI", "Mass Storage"); }, 0, {}},
+        {"no switch data at all", [](ModeSwitch& t) {
+            t.world.env.set("DIALTONE_MODESWITCH_DATA", t.world.path("missing.tar.gz")); t.addDrive("1-3", "f000", 6); }, 0, {}},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        prepare();
+        row.setup(*this);
+        EXPECT_EQ(DeviceUtility::switchDiskToUSBModem(), row.switched);
+        EXPECT_EQ(programLog(), row.log);
+    }
 }
 
 // The card volume: found by its media name on a mounted leaf, never on a CD-ROM, whatever its name.
 TEST_F(ModeSwitch, CardVolumeLookup) {
     const QString usb = testbed->addUsbDevice("1-2", "1bbb", "f000", 5);
-    const QString cd = testbed->addScsiDevice(usb, "50", "USBModem", "MMC Storage");
-    testbed->addBlock(cd, "sr0", "disk", true);
+    testbed->addBlock(testbed->addScsiDevice(usb, "50", "USBModem", "MMC Storage"), "sr0", "disk", true);
     const QString card = testbed->addScsiDevice(usb, "51", "ZENTRAK", "Mass Storage");
-    const QString disk = testbed->addBlock(card, "sdc", "disk", false);
-    testbed->addBlock(disk, "sdc1", "partition", false);
+    testbed->addBlock(testbed->addBlock(card, "sdc", "disk", false), "sdc1", "partition", false);
 
     TempWorld::writeFile(world.path("mounts"), "/dev/sr0 /media/me/INSTALLER iso9660 ro 0 0\n"
                                                "/dev/sdc /media/me/WHOLE vfat rw 0 0\n");
@@ -131,40 +115,22 @@ TEST_F(ModeSwitch, CardVolumeLookup) {
     EXPECT_FALSE(DeviceUtility::OpenMMCDisk());
 }
 
+// The card's node name goes into a fixed buffer: one too small is refused. (Which nodes are leaves and
+// CD-ROMs, CardVolumeLookup shows.)
 TEST_F(ModeSwitch, RegistryEntryQueries) {
     const QString usb = testbed->addUsbDevice("1-2", "1bbb", "f000", 5);
     const QString scsi = testbed->addScsiDevice(usb, "50", "USBModem", "MMC Storage");
-    const QString disk = testbed->addBlock(scsi, "sdb", "disk", false);
-    const QString partition = testbed->addBlock(disk, "sdb1", "partition", false);
-    const QString cd =
-        testbed->addBlock(testbed->addScsiDevice(usb, "51", "USBModem", "CD-ROM"), "sr0", "disk", true);
-
+    const QString partition =
+        testbed->addBlock(testbed->addBlock(scsi, "sdb", "disk", false), "sdb1", "partition", false);
     udev* context = udev_new();
-    auto device = [&](const QString& path) {
-        return udev_device_new_from_syspath(context, path.toLocal8Bit());
-    };
-    udev_device* diskDevice = device(disk);
-    udev_device* partitionDevice = device(partition);
-    udev_device* cdDevice = device(cd);
-    ASSERT_TRUE(diskDevice && partitionDevice && cdDevice);
-
-    EXPECT_FALSE(DeviceUtility::isLeafNode(diskDevice));
-    EXPECT_TRUE(DeviceUtility::isLeafNode(partitionDevice));
-    EXPECT_TRUE(DeviceUtility::isLeafNode(cdDevice));
-    EXPECT_TRUE(DeviceUtility::isCdRom(cdDevice));
-    EXPECT_FALSE(DeviceUtility::isCdRom(partitionDevice));
-    EXPECT_TRUE(DeviceUtility::registryPath(partitionDevice).endsWith("/USBModem MMC Storage Media/sdb1"));
-
-    char name[16];
-    EXPECT_TRUE(DeviceUtility::getBSDNameFromDeviceRef(partitionDevice, name, sizeof name));
+    udev_device* device = udev_device_new_from_syspath(context, partition.toLocal8Bit());
+    ASSERT_NE(device, nullptr);
+    EXPECT_TRUE(DeviceUtility::registryPath(device).endsWith("/USBModem MMC Storage Media/sdb1"));
+    char name[16], tiny[8];
+    EXPECT_TRUE(DeviceUtility::getBSDNameFromDeviceRef(device, name, sizeof name));
     EXPECT_STREQ(name, "/dev/sdb1");
-    char tiny[8];
-    EXPECT_FALSE(DeviceUtility::getBSDNameFromDeviceRef(partitionDevice, tiny, sizeof tiny))
-        << "does not fit";
-
-    udev_device_unref(diskDevice);
-    udev_device_unref(partitionDevice);
-    udev_device_unref(cdDevice);
+    EXPECT_FALSE(DeviceUtility::getBSDNameFromDeviceRef(device, tiny, sizeof tiny)) << "does not fit";
+    udev_device_unref(device);
     udev_unref(context);
 }
 

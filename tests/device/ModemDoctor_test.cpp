@@ -6,8 +6,6 @@
 #include <QJsonObject>
 #include <QProcess>
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <unistd.h>
 
@@ -45,18 +43,15 @@ struct DoctorWorld {
 class Doctor : public testing::Test {
 protected:
     void SetUp() override {
-        if (!underUmockdev() || geteuid() != 0) {
+        if (!underUmockdev() || geteuid() != 0)
             GTEST_SKIP() << "needs umockdev-wrapper and root (for a setuid-root pppd stand-in)";
-        }
     }
 };
 
 DoctorFinding finding(const QString& check) {
-    for (const DoctorFinding& found : ModemDoctor::examine()) {
-        if (found.check == check) {
+    for (const DoctorFinding& found : ModemDoctor::examine())
+        if (found.check == check)
             return found;
-        }
-    }
     ADD_FAILURE() << "no finding for " << check.toStdString();
     return {};
 }
@@ -105,9 +100,8 @@ TEST_F(Doctor, ToolExitStatus) {
     DoctorWorld doctor;
     doctor.addStick();
     for (const bool broken : {false, true}) {
-        if (broken) {
+        if (broken)
             doctor.world.env.set("DIALTONE_PPPD", doctor.world.path("none"));
-        }
         QProcess tool;
         tool.start(DIALTONE_CLI, {"--json", "doctor"});
         ASSERT_TRUE(tool.waitForFinished(20000));

@@ -6,15 +6,9 @@ namespace {
 
 // One line of the device table in, the row or the reason it is skipped out.
 TEST(ModemTable, Rows) {
+    // problem: empty when the row is read
     // clang-format off
-    const struct {
-        const char* line;
-        const char* problem; // empty: the row is read
-        const char* storage;
-        int at, dial;
-        ModemDialect dialect;
-        const char* name;
-    } rows[] = {
+    const struct { const char* line; const char* problem; const char* storage; int at, dial; ModemDialect dialect; const char* name; } rows[] = {
         {"1bbb:0017  1bbb:f000,1bbb:f017  02  00  vel  VEL HSPA USB Modem", "", "1bbb:f000 1bbb:f017", 2, 0, ModemDialect::Vel, "VEL HSPA USB Modem"},
         {"12d1:1506\t12d1:14fe -  -  standard  Huawei   E3131", "", "12d1:14fe", -1, -1, ModemDialect::Standard, "Huawei E3131"},
         {"0bdb:1900 - 0a 0b standard Ericsson F3507g", "", "", 10, 11, ModemDialect::Standard, "Ericsson F3507g"},
@@ -41,13 +35,11 @@ TEST(ModemTable, Rows) {
         ASSERT_EQ(table.models().size(), 1);
         const ModemModel& model = table.models()[0];
         QStringList storage;
-        for (const UsbId& id : model.storageIds) {
+        for (const UsbId& id : model.storageIds)
             storage << id.text();
-        }
         EXPECT_EQ(storage.join(' '), row.storage);
-        EXPECT_EQ(model.atInterface, row.at);
-        EXPECT_EQ(model.dialInterface, row.dial);
-        EXPECT_EQ(model.dialect, row.dialect);
+        EXPECT_EQ(std::tuple(model.atInterface, model.dialInterface, model.dialect),
+                  std::tuple(row.at, row.dial, row.dialect));
         EXPECT_EQ(model.name, row.name);
     }
 }

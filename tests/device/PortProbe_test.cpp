@@ -4,8 +4,6 @@
 #include "PortProbe.h"
 #include "PropertyList.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <poll.h>
 #include <thread>
@@ -46,28 +44,20 @@ struct AtPeer {
     std::thread thread;
 };
 
-class Probe : public testing::Test {
+class Probe : public UdevTest {
 protected:
     void SetUp() override {
-        if (!underUmockdev()) {
-            GTEST_SKIP() << "needs umockdev-wrapper (Debian package umockdev)";
-        }
-        testbed.emplace();
+        UdevTest::SetUp();
         world.env.set("XDG_CONFIG_HOME", world.path("config"));
         ResetModemDialect();
     }
     void TearDown() override { ResetModemDialect(); }
-
-    TempWorld world;
-    std::optional<Testbed> testbed;
 };
 
 // Sticks of the table with a known layout need no probe: the interface numbers pick the ports.
 TEST_F(Probe, TableLayouts) {
     // clang-format off
-    const struct {
-        const char* vendor; const char* product; QList<int> interfaces; const char* at; const char* dial; ModemDialect dialect;
-    } rows[] = {
+    const struct { const char *vendor, *product; QList<int> interfaces; const char *at, *dial; ModemDialect dialect; } rows[] = {
         {"1bbb", "0017", {0, 1, 2}, "/dev/ttyUSB2", "/dev/ttyUSB0", ModemDialect::Vel},
         {"12d1", "1001", {0, 1, 2}, "/dev/ttyUSB2", "/dev/ttyUSB0", ModemDialect::Standard},
         {"12d1", "1003", {0, 1}, "/dev/ttyUSB1", "/dev/ttyUSB0", ModemDialect::Standard},

@@ -2,8 +2,6 @@
 
 #include <QCoreApplication>
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <unistd.h>
 #include <vector>

@@ -1,13 +1,8 @@
-#include <gtest/gtest.h>
-
+// Desktop notifications through a notification server of our own, the tray icon and the signal bars.
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QJsonArray>
-#include <QJsonObject>
-#include <QPlainTextEdit>
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include "CNSSignalBars.h"
 #include "DesktopNotifier.h"
@@ -16,6 +11,8 @@
 #include "ModulePlugin.h"
 #include "StatusBarView.h"
 #include "TrayStatus.h"
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -48,8 +45,7 @@ public:
         _server.setProcessEnvironment(environment);
         _server.start("/usr/bin/python3", {"-m", "dbusmock", "--template", "notification_daemon", "-p",
                                            QStringLiteral(R"({"capabilities": "%1"})").arg(capabilities)});
-        waitForGui([this] { return bus.interface()->isServiceRegistered(kService).value(); },
-                   std::chrono::seconds(20));
+        waitForGui([this] { return bus.interface()->isServiceRegistered(kService).value(); }, 20s);
     }
     ~NotificationBus() {
         QDBusConnection::disconnectFromBus(_dir.path());
@@ -80,7 +76,8 @@ public:
     }
     QDBusMessage mock(const QString& method, const QVariantList& arguments) const {
         // A plain call: a QDBusInterface would introspect, and the connection keeps what it learns.
-        QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, "org.freedesktop.DBus.Mock", method);
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(kService, kPath, "org.freedesktop.DBus.Mock", method);
         call.setArguments(arguments);
         return bus.call(call);
     }
@@ -139,17 +136,17 @@ TEST(DesktopGui, MessageNotificationsFollowTheServer) {
 TEST(DesktopGui, SignalBarsAndNotificationActionsOnTheModem) {
     NotificationBus server("body actions inline-reply");
     GuiWorld world;
-    ASSERT_TRUE(world.started() && world.waitForState(ModemLink::State::Ready));
+    ASSERT_TRUE(world.ready());
     world.window().notifier().setBus(server.bus);
     auto* messages = world.window().showModule("messages");
     ASSERT_TRUE(waitForGui([&] { return messages->findChild<QWidget*>("busy")->isHidden(); }));
     world.window().showModule("network");
     // The simulator's +CSQ: 18, in the Network tab and the status bar.
     auto* bars = world.window().module("network")->findChild<CNSSignalBars*>("signal");
-    EXPECT_TRUE(waitForGui([&] { return bars->toolTip().contains("-78 dBm"); }, std::chrono::seconds(20)));
+    EXPECT_TRUE(waitForGui([&] { return bars->toolTip().contains("-78 dBm"); }, 20s));
     EXPECT_EQ(world.window().statusView()->signalText(), bars->toolTip());
     ASSERT_TRUE(world.sim().control("sms 030123456 Dinner at eight?")["ok"].toBool());
-    ASSERT_TRUE(waitForGui([&] { return !server.notifies().isEmpty(); }, std::chrono::seconds(20)));
+    ASSERT_TRUE(waitForGui([&] { return !server.notifies().isEmpty(); }, 20s));
     // A national sender is named after the contact stored with its country code.
     EXPECT_EQ(server.notifies().first().value(4).toString(),
               QString::fromUtf8("J\xC3\xBCrgen: Dinner at eight?"));
@@ -163,12 +160,11 @@ TEST(DesktopGui, SignalBarsAndNotificationActionsOnTheModem) {
 
     // A reply typed into the notification goes out to the sender.
     server.emitSignal("NotificationReplied", "us", {1u, "Yes, at eight"});
-    EXPECT_TRUE(waitForGui(
-        [&] {
-            const QJsonArray sent = world.sim().control("dump")["sms"].toObject()["sent"].toArray();
-            return !sent.isEmpty() && sent.last()["text"].toString() == "Yes, at eight";
-        },
-        std::chrono::seconds(20)));
+    const auto replied = [&] {
+        const QJsonArray sent = world.dump("sms/sent").toArray();
+        return !sent.isEmpty() && sent.last()["text"].toString() == "Yes, at eight";
+    };
+    EXPECT_TRUE(waitForGui(replied, 20s));
 }
 
 TEST(DesktopGui, TrayIconShowsTheState) {
@@ -196,16 +192,10 @@ TEST(DesktopGui, TrayIconShowsTheState) {
 }
 
 TEST(DesktopGui, SizesAndDurationsFollowTheLocale) {
-    // clang-format off
-    const struct { QLocale::Language language; quint64 bytes; const char* size; const char* rate; } rows[] = {
-        {QLocale::English, 123456789, "117.7 MiB", "117.7 MiB/s"},
-        {QLocale::German, 123456789, "117,7 MiB", "117,7 MiB/s"},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        const QLocale locale(row.language);
-        EXPECT_EQ(LocaleFormat::dataSize(row.bytes, locale), row.size);
-        EXPECT_EQ(LocaleFormat::rate(row.bytes, locale), row.rate);
-    }
-    EXPECT_EQ(LocaleFormat::duration(1234567, QLocale(QLocale::English)), "342:56:07");
+    const QLocale english(QLocale::English), german(QLocale::German);
+    EXPECT_EQ(LocaleFormat::dataSize(123456789, english), "117.7 MiB");
+    EXPECT_EQ(LocaleFormat::rate(123456789, english), "117.7 MiB/s");
+    EXPECT_EQ(LocaleFormat::dataSize(123456789, german), "117,7 MiB");
+    EXPECT_EQ(LocaleFormat::rate(123456789, german), "117,7 MiB/s");
+    EXPECT_EQ(LocaleFormat::duration(1234567, english), "342:56:07");
 }

@@ -9,8 +9,6 @@
 #include <QTabBar>
 #include <QXmlStreamReader>
 
-#include <gtest/gtest.h>
-
 #include "GuiTestSupport.h"
 #include "ModulePlugin.h"
 #include "Translations.h"
@@ -43,18 +41,15 @@ QStringList TextsOf(QWidget* widget) {
     QStringList texts{widget->toolTip(), widget->windowTitle()};
     for (const char* property : {"text", "title", "placeholderText"}) // labels, buttons, group boxes, fields
         texts << widget->property(property).toString();
-    if (auto* tabs = qobject_cast<QTabBar*>(widget)) {
+    if (auto* tabs = qobject_cast<QTabBar*>(widget))
         for (int i = 0; i < tabs->count(); ++i)
             texts << tabs->tabText(i);
-    }
-    if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+    if (auto* combo = qobject_cast<QComboBox*>(widget))
         for (int i = 0; i < combo->count(); ++i)
             texts << combo->itemText(i);
-    }
-    if (auto* view = qobject_cast<QAbstractItemView*>(widget); view && view->model()) {
+    if (auto* view = qobject_cast<QAbstractItemView*>(widget); view && view->model())
         for (int column = 0; column < view->model()->columnCount(); ++column)
             texts << view->model()->headerData(column, Qt::Horizontal).toString();
-    }
     for (QAction* action : widget->actions())
         texts << action->text() << action->toolTip();
     return texts;
@@ -64,14 +59,12 @@ QStringList EnglishLeft(QWidget& window, const QHash<QString, QString>& german) 
     QStringList left;
     QList<QWidget*> widgets = window.findChildren<QWidget*>();
     widgets.prepend(&window);
-    for (QWidget* widget : widgets) {
-        for (const QString& text : TextsOf(widget)) {
+    for (QWidget* widget : widgets)
+        for (const QString& text : TextsOf(widget))
             if (german.contains(text))
                 left << QStringLiteral("%1 %2: \"%3\"")
                             .arg(QLatin1String(widget->metaObject()->className()), widget->objectName(),
                                  text);
-        }
-    }
     left.removeDuplicates();
     return left;
 }
@@ -89,8 +82,7 @@ TEST(GermanRunGui, EveryTabShowsGermanTexts) {
     ASSERT_GT(german.size(), 100) << DIALTONE_TS_DE;
 
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    ASSERT_TRUE(world.ready());
     QStringList left;
     for (ModulePlugin* module : world.window().modules()) {
         if (!world.window().isModuleShown(module))

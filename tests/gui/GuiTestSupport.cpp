@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QThread>
+#include <QTimer>
 
 #include <cstdlib>
 
@@ -36,6 +37,10 @@ bool waitForGui(const std::function<bool()>& cond, std::chrono::milliseconds lim
 
 GuiWorld::GuiWorld(const QStringList& simulatorArguments) {
     ensureGuiApplication();
+    // A quit left over from an earlier world would end every dialog's event loop at once: the application's
+    // own loop, run once, takes it.
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
+    QCoreApplication::exec();
     const QByteArray home = _home.path().toLocal8Bit();
     setenv("HOME", home.constData(), 1);
     for (const char* xdg : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
@@ -61,4 +66,11 @@ GuiWorld::~GuiWorld() {
 
 bool GuiWorld::waitForState(ModemLink::State state, std::chrono::milliseconds limit) {
     return _window && waitForGui([&] { return _window->link().state() == state; }, limit);
+}
+
+QJsonValue GuiWorld::dump(const QString& path) {
+    QJsonValue value = _sim->control("dump");
+    for (const QString& key : path.split('/'))
+        value = value.toObject().value(key);
+    return value;
 }

@@ -3,9 +3,19 @@
 // The desktop app's main window on a simulated modem, offscreen, with a HOME, a device folder and pppd
 // folders of its own (the stand-in pppd dials).
 
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QTreeView>
+
+#include <gtest/gtest.h>
 
 #include <chrono>
 #include <functional>
@@ -29,6 +39,10 @@ public:
     GuiWorld& operator=(const GuiWorld&) = delete;
 
     bool started() const { return _sim && _sim->started(); }
+    // Started, and the modem ready.
+    bool ready() { return started() && waitForState(ModemLink::State::Ready); }
+    // What the simulated modem holds at the path ("sms/sent", "pin/enabled"), from its control socket.
+    QJsonValue dump(const QString& path);
     SimulatedModem& sim() { return *_sim; }
     MainWindow& window() { return *_window; }
     ModemLink& link() { return _window->link(); }
@@ -52,6 +66,13 @@ private:
     std::unique_ptr<SimulatedModem> _sim;
     std::unique_ptr<MainWindow> _window;
 };
+
+// The named child widget; a test failure when there is none.
+template <class Widget> Widget* Child(QObject* parent, const char* name) {
+    auto* widget = parent->findChild<Widget*>(QLatin1String(name));
+    EXPECT_NE(widget, nullptr) << name;
+    return widget;
+}
 
 // Runs events until cond holds or the limit passes.
 bool waitForGui(const std::function<bool()>& cond,

@@ -1,78 +1,127 @@
-#include <gtest/gtest.h>
+// The Messages and Contacts tabs against the simulated modem: what the user types, what the tab lists, and
+// what reaches the SIM.
 
-#include <utility>
+#include <QAction>
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
 
-#include <QJsonArray>
-#include <QJsonObject>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTreeView>
-
+#include "Contacts/ContactDialog.h"
+#include "Contacts/ContactsPlugin.h"
 #include "GuiTestSupport.h"
 #include "Messages/ComposeDialog.h"
 #include "Messages/MessageText.h"
 #include "Messages/MessagesPlugin.h"
 #include "WorkNotification.h"
 
+using namespace std::chrono_literals;
+
 namespace {
 
-QJsonArray SentParts(GuiWorld& world) {
-    return world.sim().control("dump").value("sms").toObject().value("sent").toArray();
-}
-
-// The texts of one column of the listed messages.
-QStringList Column(MessagesPlugin* messages, int column) {
-    auto* view = messages->findChild<QTreeView*>("messages");
+QStringList Column(QTreeView* view, int column) {
     QStringList texts;
     for (int row = 0; row < view->model()->rowCount(); ++row)
         texts << view->model()->index(row, column).data().toString();
     return texts;
 }
 
-struct Opened {
+// Clicks, as a user would, the row whose column reads text; false when there is none.
+bool ClickRow(QTreeView* view, int column, const QString& text) {
+    const int row = Column(view, column).indexOf(text);
+    if (row < 0)
+        return false;
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
+                      view->visualRect(view->model()->index(row, 0)).center());
+    return view->currentIndex().row() == row;
+}
+
+QTreeView* List(MessagesPlugin* messages) {
+    return messages->findChild<QTreeView*>("messages");
+}
+
+bool Listed(MessagesPlugin* messages, const QString& text) {
+    return Column(List(messages), 2).contains(text);
+}
+
+// The indexes the simulated SIM's message storage holds.
+QList<int> SimIndexes(GuiWorld& world) {
+    QList<int> indexes;
+    for (const QJsonValue& message : world.dump("sms/storages/SM/messages").toArray())
+        indexes << message["index"].toInt();
+    return indexes;
+}
+
+// Answers the next modal message box with the button, from inside its own event loop.
+void AnswerNextQuestion(QMessageBox::StandardButton answer, QString* askedText) {
+    auto* poll = new QTimer(qApp);
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, answer, askedText] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        poll->deleteLater();
+        poll->stop();
+        *askedText = box->text();
+        if (QAbstractButton* button = box->button(answer))
+            button->click();
+        else
+            box->reject();
+    });
+    poll->start(20);
+}
+
+// The Messages tab on a ready modem; compose() opens a new message to the recipients with the text.
+struct MessagesTab {
+    GuiWorld world;
     MessagesPlugin* messages = nullptr;
     ComposeDialog* compose = nullptr;
+
+    bool open() { return world.ready() && (messages = world.show<MessagesPlugin>("messages")); }
+    bool openCompose(const QString& to, const QString& text) {
+        if (!open())
+            return false;
+        button("new")->click();
+        if (!(compose = messages->composeWindow()))
+            return false;
+        QTest::keyClicks(Child<QLineEdit>(compose, "recipients"), to);
+        // Typing 200 characters one by one is slow and adds nothing: the counter follows textChanged.
+        Child<QPlainTextEdit>(compose, "text")->setPlainText(text);
+        return true;
+    }
+    // The SIM folder, read.
+    bool openSim() {
+        if (!open())
+            return false;
+        messages->showFolder(MessagesPlugin::Sim);
+        return waitForGui([&] { return busy()->isHidden() && messages->listedCount() > 0; }, 20s);
+    }
+    // The network delivers a message to the SIM; returns its index there (-1 when it went elsewhere).
+    int deliver(const QString& from, const QString& text) {
+        const QJsonObject reply = world.sim().control(QStringLiteral("sms %1 %2").arg(from, text));
+        if (!reply["ok"].toBool() || reply["storage"].toString() != "SM" ||
+            !waitForGui([&] { return Listed(messages, text); }, 20s))
+            return -1;
+        return reply["indexes"].toArray().first().toInt();
+    }
+    // Selects the message, and waits for the tab to offer its actions.
+    bool select(const QString& text) {
+        return ClickRow(List(messages), 2, text) && waitForGui([&] { return button("delete")->isEnabled(); });
+    }
+    QPushButton* button(const char* name) { return Child<QPushButton>(messages, name); }
+    QWidget* busy() { return Child<QWidget>(messages, "busy"); }
+    QJsonArray sent() { return world.dump("sms/sent").toArray(); }
 };
-
-// The Messages tab once the simulated modem is ready; nullptr when it does not come up.
-MessagesPlugin* ReadyMessages(GuiWorld& world) {
-    if (!world.started() || !world.waitForState(ModemLink::State::Ready))
-        return nullptr;
-    return world.show<MessagesPlugin>("messages");
-}
-
-Opened OpenCompose(GuiWorld& world, const QString& to, const QString& text) {
-    Opened opened;
-    opened.messages = ReadyMessages(world);
-    if (!opened.messages)
-        return opened;
-    opened.messages->findChild<QPushButton*>("new")->click();
-    opened.compose = opened.messages->composeWindow();
-    if (!opened.compose)
-        return opened;
-    QTest::keyClicks(opened.compose->findChild<QLineEdit*>("recipients"), to);
-    // Typing 200 characters one by one is slow and adds nothing: the counter follows textChanged.
-    opened.compose->findChild<QPlainTextEdit*>("text")->setPlainText(text);
-    return opened;
-}
 
 } // namespace
 
 TEST(MessagesGui, RecipientIsCheckedAndALongMessageGoesOutInTwoSegments) {
-    GuiWorld world;
+    MessagesTab t;
     const QString text = QString(200, QLatin1Char('a'));
-    const Opened opened = OpenCompose(world, "", text);
-    ASSERT_TRUE(opened.compose);
-    auto* recipients = opened.compose->findChild<QLineEdit*>("recipients");
-    auto* send = opened.compose->findChild<QPushButton*>("send");
+    ASSERT_TRUE(t.openCompose("", text));
+    auto* recipients = Child<QLineEdit>(t.compose, "recipients");
+    auto* send = Child<QPushButton>(t.compose, "send");
 
     // What is not a number is refused under the field, and nothing goes out.
-    auto* error = opened.compose->findChild<QLabel*>("numberError");
-    ASSERT_TRUE(error);
+    auto* error = Child<QLabel>(t.compose, "numberError");
     const std::pair<QString, QString> refused[] = {{"abc", "letters are not allowed"},
                                                    {"+491701234567; *100#", "service code"},
                                                    {"0170 \U0001F600", "is not a phone number"}};
@@ -82,129 +131,283 @@ TEST(MessagesGui, RecipientIsCheckedAndALongMessageGoesOutInTwoSegments) {
         EXPECT_FALSE(error->isHidden()) << typed.toStdString();
         EXPECT_TRUE(error->text().contains(reason)) << error->text().toStdString();
     }
-    EXPECT_EQ(opened.messages->composeWindow(), opened.compose);
-    EXPECT_TRUE(SentParts(world).isEmpty());
+    EXPECT_EQ(t.messages->composeWindow(), t.compose);
+    EXPECT_TRUE(t.sent().isEmpty());
 
     // Typed nationally with brackets and a dash, sent in E.164 form, listed under the contact's name.
     recipients->setText("(0170) 123-4567");
-
     // 200 septets: two parts of 153, 106 left in the second.
-    EXPECT_EQ(opened.compose->findChild<QLabel*>("counter")->text(), "106 characters left · 2 parts");
-
+    EXPECT_EQ(Child<QLabel>(t.compose, "counter")->text(), "106 characters left · 2 parts");
     send->click();
-    ASSERT_TRUE(waitForGui([&] { return SentParts(world).size() >= 2 && !opened.messages->composeWindow(); },
-                           std::chrono::seconds(20)));
-    const QJsonArray parts = SentParts(world);
+    ASSERT_TRUE(waitForGui([&] { return t.sent().size() >= 2 && !t.messages->composeWindow(); }, 20s));
+    const QJsonArray parts = t.sent();
     ASSERT_EQ(parts.size(), 2);
-    QString joined;
-    for (const QJsonValue& part : parts) {
-        EXPECT_EQ(part["to"].toString(), "+491701234567");
-        joined += part["text"].toString();
-    }
-    EXPECT_EQ(joined, text);
-
-    opened.messages->showFolder(MessagesPlugin::Sent);
-    ASSERT_EQ(opened.messages->listedCount(), 1);
-    EXPECT_EQ(Column(opened.messages, 0), QStringList{"Anna Schmidt"});
+    EXPECT_EQ(parts[0]["to"].toString(), "+491701234567");
+    EXPECT_EQ(parts[1]["to"].toString(), "+491701234567");
+    EXPECT_EQ(parts[0]["text"].toString() + parts[1]["text"].toString(), text);
+    t.messages->showFolder(MessagesPlugin::Sent);
+    EXPECT_EQ(Column(List(t.messages), 0), QStringList{"Anna Schmidt"});
 }
 
+// A send that fails keeps the text in the window and a copy in the outbox; sent on the second try, the
+// outbox copy moves to the sent box rather than staying twice.
 TEST(MessagesGui, FailedSendKeepsTextAndGoesToOutbox) {
-    GuiWorld world;
-    const Opened opened = OpenCompose(world, "+491701234567", "Will not go");
-    ASSERT_TRUE(opened.compose);
+    MessagesTab t;
+    ASSERT_TRUE(t.openCompose("+491701234567", "Will not go"));
     // The modem tries once more itself; both tries fail.
-    ASSERT_TRUE(world.sim().control("set fail_sends 2")["ok"].toBool());
-
-    auto* send = opened.compose->findChild<QPushButton*>("send");
+    ASSERT_TRUE(t.world.sim().control("set fail_sends 2")["ok"].toBool());
+    auto* send = Child<QPushButton>(t.compose, "send");
     send->click();
-    auto* status = opened.compose->findChild<QLabel*>("status");
+    auto* status = Child<QLabel>(t.compose, "status");
     ASSERT_TRUE(waitForGui(
-        [&] { return !opened.messages->composeWindow() || (send->isEnabled() && !status->isHidden()); },
-        std::chrono::seconds(20)));
-    ASSERT_TRUE(opened.messages->composeWindow()) << "the failed message was reported as sent";
-    EXPECT_EQ(opened.compose->text(), "Will not go");
+        [&] { return !t.messages->composeWindow() || (send->isEnabled() && !status->isHidden()); }, 20s));
+    ASSERT_TRUE(t.messages->composeWindow()) << "the failed message was reported as sent";
+    EXPECT_EQ(t.compose->text(), "Will not go");
     EXPECT_TRUE(status->text().contains("+491701234567")) << status->text().toStdString();
-    opened.messages->showFolder(MessagesPlugin::Outbox);
-    EXPECT_EQ(Column(opened.messages, 2), QStringList{"Will not go"});
+    t.messages->showFolder(MessagesPlugin::Outbox);
+    EXPECT_EQ(Column(List(t.messages), 2), QStringList{"Will not go"});
 
-    // Sent on the second try, the outbox copy moves to the sent box rather than staying twice.
     send->click();
-    ASSERT_TRUE(waitForGui([&] { return !opened.messages->composeWindow(); }, std::chrono::seconds(20)));
-    EXPECT_EQ(opened.messages->listedCount(), 0);
-    opened.messages->showFolder(MessagesPlugin::Sent);
-    EXPECT_EQ(opened.messages->listedCount(), 1);
+    ASSERT_TRUE(waitForGui([&] { return !t.messages->composeWindow(); }, 20s));
+    EXPECT_EQ(t.messages->listedCount(), 0);
+    t.messages->showFolder(MessagesPlugin::Sent);
+    EXPECT_EQ(t.messages->listedCount(), 1);
 }
 
 TEST(MessagesGui, DeliveryReportIsShownOnTheSentMessage) {
-    GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
-    world.sim().control("set status_report_delay_ms 300");
+    MessagesTab t;
+    ASSERT_TRUE(t.world.ready());
+    t.world.sim().control("set status_report_delay_ms 300");
     // What the settings tab does when the user asks for delivery reports.
     bool asked = false;
-    world.link().request(MESSAGE_SMS_SET_STATUS_REPORT, QStringLiteral("TRUE"),
-                         [&](const QVariantMap&) { asked = true; });
+    t.world.link().request(MESSAGE_SMS_SET_STATUS_REPORT, QStringLiteral("TRUE"),
+                           [&](const QVariantMap&) { asked = true; });
     ASSERT_TRUE(waitForGui([&] { return asked; }));
-    const Opened opened = OpenCompose(world, "+491701234567", "Did it arrive?");
-    ASSERT_TRUE(opened.compose);
-    opened.compose->findChild<QPushButton*>("send")->click();
-
-    opened.messages->showFolder(MessagesPlugin::Sent);
-    ASSERT_TRUE(waitForGui([&] { return Column(opened.messages, 3) == QStringList{"Delivered"}; },
-                           std::chrono::seconds(20)));
-    opened.messages->findChild<QTreeView*>("messages")
-        ->setCurrentIndex(opened.messages->findChild<QTreeView*>("messages")->model()->index(0, 0));
-    EXPECT_TRUE(
-        opened.messages->findChild<QLabel*>("readerHeader")->text().contains("Delivery report: Delivered"));
+    ASSERT_TRUE(t.openCompose("+491701234567", "Did it arrive?"));
+    Child<QPushButton>(t.compose, "send")->click();
+    t.messages->showFolder(MessagesPlugin::Sent);
+    ASSERT_TRUE(waitForGui([&] { return Column(List(t.messages), 3) == QStringList{"Delivered"}; }, 20s));
+    List(t.messages)->setCurrentIndex(List(t.messages)->model()->index(0, 0));
+    EXPECT_TRUE(Child<QLabel>(t.messages, "readerHeader")->text().contains("Delivery report: Delivered"));
 }
 
-TEST(MessagesGui, UnpluggingEmptiesTheModemFoldersAndReplugReadsThemAgain) {
-    GuiWorld world;
-    const Opened opened = OpenCompose(world, "+491701234567", "For later");
-    ASSERT_TRUE(opened.compose);
-    opened.compose->findChild<QPushButton*>("saveDraft")->click();
-    MessagesPlugin* messages = opened.messages;
-    messages->showFolder(MessagesPlugin::Sim);
-    ASSERT_TRUE(waitForGui([&] { return messages->listedCount() > 0; }, std::chrono::seconds(20)));
-    const int onSim = messages->listedCount();
+// Delete asks first and removes the message from the SIM; "Move to Archive" keeps a copy on the computer
+// and removes it from the SIM; the other SIM messages stay.
+TEST(MessageActionsGui, DeleteAndArchiveRemoveFromTheSim) {
+    MessagesTab t;
+    ASSERT_TRUE(t.openSim());
+    const int doomed = t.deliver("+4917099990001", "Delete me");
+    const int kept = t.deliver("+4917099990002", "Archive me");
+    ASSERT_GE(doomed, 0);
+    ASSERT_GE(kept, 0);
+    QList<int> expected = SimIndexes(t.world);
+    const int listed = t.messages->listedCount();
 
-    ASSERT_TRUE(world.sim().control("unplug")["ok"].toBool());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Absent));
-    EXPECT_EQ(messages->listedCount(), 0);
-    messages->showFolder(MessagesPlugin::Drafts);
-    EXPECT_EQ(Column(messages, 2), QStringList{"For later"});
+    // Answering No leaves everything in place.
+    ASSERT_TRUE(t.select("Delete me"));
+    QString asked;
+    AnswerNextQuestion(QMessageBox::No, &asked);
+    t.button("delete")->click();
+    EXPECT_FALSE(asked.isEmpty());
+    EXPECT_EQ(SimIndexes(t.world), expected);
+    EXPECT_EQ(t.messages->listedCount(), listed);
 
-    ASSERT_TRUE(world.sim().control("plug")["ok"].toBool());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready, std::chrono::seconds(30)));
-    messages->showFolder(MessagesPlugin::Sim);
-    EXPECT_TRUE(waitForGui([&] { return messages->listedCount() == onSim; }, std::chrono::seconds(20)));
+    asked.clear();
+    AnswerNextQuestion(QMessageBox::Yes, &asked);
+    t.button("delete")->click();
+    EXPECT_FALSE(asked.isEmpty());
+    ASSERT_TRUE(waitForGui([&] { return !Listed(t.messages, "Delete me"); }, 20s));
+    expected.removeOne(doomed);
+    EXPECT_EQ(SimIndexes(t.world), expected);
+    EXPECT_EQ(t.messages->listedCount(), listed - 1);
+
+    ASSERT_TRUE(t.select("Archive me"));
+    auto* archive = Child<QAction>(t.messages, "moveArchive");
+    ASSERT_TRUE(archive->isVisible() && archive->isEnabled());
+    // A modem message goes only to the archive.
+    for (const char* other : {"moveDrafts", "moveOutbox", "moveSent"})
+        EXPECT_FALSE(Child<QAction>(t.messages, other)->isVisible()) << other;
+    archive->trigger();
+    ASSERT_TRUE(waitForGui([&] { return !Listed(t.messages, "Archive me"); }, 20s));
+    expected.removeOne(kept);
+    EXPECT_EQ(SimIndexes(t.world), expected);
+    EXPECT_EQ(t.messages->listedCount(), listed - 2);
+    t.messages->showFolder(MessagesPlugin::Archive);
+    // Shown in the form of the SIM's country.
+    EXPECT_EQ(Column(List(t.messages), 0), QStringList{"0170 99990002"});
+    EXPECT_EQ(Column(List(t.messages), 2), QStringList{"Archive me"});
 }
 
-// The counter follows the send path's rules: accented letters are replaced where that keeps 7-bit.
+// Reply addresses the sender, Forward carries the text to nobody yet; cancelling either sends nothing and
+// keeps nothing.
+TEST(MessageActionsGui, ReplyAndForwardOpenComposeAndCancelSendsNothing) {
+    MessagesTab t;
+    ASSERT_TRUE(t.openSim());
+    ASSERT_GE(t.deliver("+4917099990003", "Call me back"), 0);
+    const int sentBefore = t.sent().size();
+    // clang-format off
+    const struct { const char* button; const char* recipients; const char* text; bool cancelButton; } rows[] = {
+        {"reply", "+4917099990003", "", true},
+        {"forward", "", "Call me back", false}, // the window is closed
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.button);
+        ASSERT_TRUE(t.select("Call me back"));
+        ASSERT_TRUE(t.button(row.button)->isEnabled());
+        t.button(row.button)->click();
+        ComposeDialog* compose = t.messages->composeWindow();
+        ASSERT_TRUE(compose && waitForGui([&] { return compose->isVisible(); }));
+        EXPECT_EQ(Child<QLineEdit>(compose, "recipients")->text(), row.recipients);
+        EXPECT_EQ(Child<QPlainTextEdit>(compose, "text")->toPlainText(), row.text);
+        if (row.cancelButton)
+            Child<QPushButton>(compose, "cancel")->click();
+        else
+            compose->close();
+        ASSERT_TRUE(waitForGui([&] { return !t.messages->composeWindow(); }));
+    }
+    EXPECT_EQ(t.sent().size(), sentBefore);
+    for (MessagesPlugin::Folder folder :
+         {MessagesPlugin::Outbox, MessagesPlugin::Sent, MessagesPlugin::Drafts}) {
+        t.messages->showFolder(folder);
+        EXPECT_EQ(t.messages->listedCount(), 0) << folder;
+    }
+}
+
+// The counter follows the send path's rules: accented letters are replaced where that keeps 7-bit. (How
+// texts count, SmsSegmentCounter's tests show.)
 TEST(MessagesGui, ComposeCounterUsesTheSendPathsCoding) {
     ensureGuiApplication();
     ModemLink link;
     MessagesController messages(link);
     ComposeDialog compose(link, messages);
-    struct Row {
-        QString text;
-        const char* counter;
-    };
-    const Row rows[] = {
-        {QString(160, 'a'), "0 characters left · 1 part"},
-        {QString::fromUtf8("À bientôt"), "151 characters left · 1 part"},
-        {QString::fromUtf8("€").repeated(80), "0 characters left · 1 part"},
-        {QString::fromUtf8("ж").repeated(71), "63 characters left · 2 parts"},
-    };
-    for (const Row& row : rows) {
-        compose.setText(row.text);
-        EXPECT_EQ(compose.findChild<QLabel*>("counter")->text(), QString::fromUtf8(row.counter))
-            << row.text.toStdString();
-    }
+    compose.setText(QString::fromUtf8("À bientôt"));
+    EXPECT_EQ(Child<QLabel>(&compose, "counter")->text(), QString::fromUtf8("151 characters left · 1 part"));
 }
 
 TEST(MessageText, Recipients) {
     EXPECT_EQ(MessageText::splitRecipients(" +4917 ; 0170,,+4917; "), (QStringList{"+4917", "0170"}));
     EXPECT_EQ(MessageText::firstLine("  Hi there\nsecond line"), "Hi there");
     EXPECT_EQ(MessageText::firstLine(QString(100, 'x'), 10).size(), 10);
+}
+
+// Add, edit and delete from the app reach the SIM, and the list and its count follow; names are cut to the
+// SIM's limit, numbers are read as people type them, and what cannot be stored is said under the field
+// while Save waits. "Send message" on a contact brings the Messages tab forward, addressed to the contact.
+TEST(ContactsGui, AddEditDeleteAndSendMessage) {
+    GuiWorld world;
+    ASSERT_TRUE(world.ready());
+    auto* tab = world.show<ContactsPlugin>("contacts");
+    auto* view = Child<QTreeView>(tab, "list");
+    auto* usage = Child<QLabel>(tab, "usage");
+    auto usageIs = [&](const char* text) {
+        return waitForGui([&] { return usage->text().startsWith(text); });
+    };
+    ASSERT_TRUE(usageIs("3 of 250 used")) << usage->text().toStdString(); // names up to 14
+    auto* send = Child<QPushButton>(tab, "sendMessage");
+    EXPECT_FALSE(send->isEnabled()); // nobody chosen yet
+    auto simEntry = [&](const QString& name) {
+        for (const QJsonValue& entry : world.dump("phonebooks/SM/entries").toArray())
+            if (entry["name"].toString() == name)
+                return entry.toObject();
+        return QJsonObject();
+    };
+    // Presses the button ("add", "edit") and returns the edit dialog it opens.
+    auto openDialog = [&](const char* buttonName) {
+        auto* button = Child<QPushButton>(tab, buttonName);
+        ContactDialog* dialog = nullptr;
+        if (!waitForGui([&] { return button->isEnabled(); }))
+            return dialog;
+        button->click();
+        waitForGui([&] {
+            for (auto* candidate : tab->findChildren<ContactDialog*>())
+                if (candidate->isVisible())
+                    dialog = candidate;
+            return dialog != nullptr;
+        });
+        return dialog;
+    };
+
+    ContactDialog* dialog = openDialog("add");
+    ASSERT_NE(dialog, nullptr);
+    QTest::keyClicks(Child<QLineEdit>(dialog, "name"), "Zoe Test");
+    QTest::keyClicks(Child<QLineEdit>(dialog, "number"), "+4915112345#");
+    auto* save = Child<QPushButton>(dialog, "save");
+    ASSERT_TRUE(save->isEnabled());
+    save->click();
+    QJsonObject entry;
+    ASSERT_TRUE(waitForGui([&] { return !(entry = simEntry("Zoe Test")).isEmpty(); }));
+    EXPECT_EQ(entry["number"].toString(), "+4915112345#");
+    ASSERT_TRUE(usageIs("4 of 250 used")) << usage->text().toStdString();
+    EXPECT_TRUE(Column(view, 0).contains("Zoe Test"));
+    EXPECT_TRUE(Column(view, 0).contains("Anna Schmidt"));
+
+    // Editing overwrites the same index.
+    ASSERT_TRUE(ClickRow(view, 0, "Zoe Test"));
+    dialog = openDialog("edit");
+    ASSERT_NE(dialog, nullptr);
+    auto* number = Child<QLineEdit>(dialog, "number");
+    EXPECT_EQ(number->text(), "+4915112345#");
+    number->clear();
+    QTest::keyClicks(number, "+4915199999");
+    Child<QPushButton>(dialog, "save")->click();
+    ASSERT_TRUE(waitForGui([&] { return simEntry("Zoe Test")["number"].toString() == "+4915199999"; }));
+    EXPECT_EQ(simEntry("Zoe Test").value("index"), entry.value("index"));
+
+    // Deleting asks first.
+    ASSERT_TRUE(waitForGui([&] { return Child<QPushButton>(tab, "delete")->isEnabled(); }));
+    ASSERT_TRUE(ClickRow(view, 0, "Zoe Test"));
+    Child<QPushButton>(tab, "delete")->click();
+    QMessageBox* confirm = nullptr;
+    ASSERT_TRUE(waitForGui([&] { return (confirm = tab->findChild<QMessageBox*>("confirmDelete")); }));
+    confirm->button(QMessageBox::Yes)->click();
+    ASSERT_TRUE(usageIs("3 of 250 used")) << usage->text().toStdString();
+    EXPECT_TRUE(simEntry("Zoe Test").isEmpty());
+    EXPECT_FALSE(Column(view, 0).contains("Zoe Test"));
+
+    dialog = openDialog("add");
+    ASSERT_NE(dialog, nullptr);
+    auto* name = Child<QLineEdit>(dialog, "name");
+    number = Child<QLineEdit>(dialog, "number");
+    save = Child<QPushButton>(dialog, "save");
+    auto* error = Child<QLabel>(dialog, "numberError");
+    // stored: what Save stores, empty when refused; reason: shown under the number
+    // clang-format off
+    const struct { const char *name, *number, *storedName, *stored, *reason; } rows[] = {
+        {"A name far longer than the SIM", "+49 170 1234567", "A name far lon", "+491701234567", ""},
+        {"Shop",    "(0170) 123-4567",           "Shop",    "+491701234567", ""},
+        {"Shop",    "*100#",                     "Shop",    "*100#",         ""},
+        {"Shop",    "0301 55-77 ab",             "Shop",    "",              "letters are not allowed"},
+        {"Shop",    "49+30",                     "Shop",    "",              "is not a phone number"},
+        {"Shop",    "+",                         "Shop",    "",              "empty"},
+        {"",        "0170 1234567",              "",        "+491701234567", ""},
+        {"Mailbox", "1234567890123456789012345", "Mailbox", "",              "has 25 digits"},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.number);
+        name->clear();
+        number->clear();
+        QTest::keyClicks(name, row.name);
+        QTest::keyClicks(number, row.number);
+        EXPECT_EQ(name->text(), row.storedName);
+        EXPECT_EQ(dialog->number(), row.stored);
+        EXPECT_EQ(error->isHidden(), *row.reason == '\0');
+        EXPECT_TRUE(error->text().contains(row.reason)) << error->text().toStdString();
+        EXPECT_EQ(save->isEnabled(), *row.name != '\0' && *row.stored != '\0');
+    }
+    dialog->close();
+
+    ASSERT_TRUE(ClickRow(view, 0, "Jürgen"));
+    ASSERT_TRUE(send->isEnabled());
+    send->click();
+    auto* messages = qobject_cast<MessagesPlugin*>(world.window().module("messages"));
+    ASSERT_TRUE(messages);
+    EXPECT_TRUE(messages->isVisible());
+    EXPECT_FALSE(tab->isVisible());
+    ComposeDialog* compose = messages->composeWindow();
+    ASSERT_TRUE(compose);
+    EXPECT_EQ(compose->recipients(), QStringList{"+4930123456"});
+    EXPECT_TRUE(compose->windowTitle().contains("Jürgen")) << compose->windowTitle().toStdString();
+    EXPECT_TRUE(Child<QPlainTextEdit>(compose, "text")->toPlainText().isEmpty());
 }

@@ -1,54 +1,43 @@
-#include <gtest/gtest.h>
+// The Network, Settings, Account and Toolkit tabs against the simulated modem, and the checks their fields
+// make before anything is sent.
 
-#include <QApplication>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QJsonObject>
-#include <QLabel>
-#include <QLineEdit>
+#include <QFile>
+#include <QJsonDocument>
+#include <QListWidget>
 #include <QProgressBar>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
-#include <QTest>
 #include <QTreeWidget>
 
+#include "Account/AccountPlugin.h"
 #include "AppConfig.h"
 #include "Connector/ProfileSettingsController.h"
 #include "GuiTestSupport.h"
-#include "MainWindow.h"
 #include "ModemDialect.h"
 #include "Network/NetworkPlugin.h"
 #include "Settings/PinSettingsPage.h"
 #include "Settings/ProfileDialog.h"
 #include "Settings/SettingsPlugin.h"
 #include "Settings/SmsSettingsPage.h"
+#include "Toolkit/ToolkitPlugin.h"
+
+using namespace std::chrono_literals;
 
 namespace {
 
-template <class Widget> Widget* Child(QObject* parent, const char* name) {
-    auto* widget = parent->findChild<Widget*>(QLatin1String(name));
-    EXPECT_NE(widget, nullptr) << name;
-    return widget;
-}
-
-QJsonObject Dump(GuiWorld& world, const char* part) {
-    return world.sim().control(QStringLiteral("dump")).value(QLatin1String(part)).toObject();
-}
-
 QTreeWidgetItem* Row(QTreeWidget* list, int column, const QString& text) {
-    for (int i = 0; i < list->topLevelItemCount(); ++i) {
-        if (list->topLevelItem(i)->text(column) == text)
-            return list->topLevelItem(i);
-    }
-    return nullptr;
+    const auto found = list->findItems(text, Qt::MatchExactly, column);
+    return found.isEmpty() ? nullptr : found.front();
 }
 
-// The modem's dialect is Standard while it lives.
-struct StandardStick {
-    StandardStick() { SetModemDialect(ModemDialect::Standard); }
-    ~StandardStick() { ResetModemDialect(); }
-};
+QStringList Texts(const QListWidget* list) {
+    QStringList texts;
+    for (int row = 0; row < list->count(); ++row)
+        texts << list->item(row)->text();
+    return texts;
+}
 
 } // namespace
 
@@ -56,30 +45,23 @@ struct StandardStick {
 // manual choice then registers with that operator and the tab shows it.
 TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    ASSERT_TRUE(world.ready());
     auto* network = world.show<NetworkPlugin>(QStringLiteral("network"));
     ASSERT_NE(network, nullptr);
     auto* search = Child<QPushButton>(network, "search");
     auto* progress = Child<QProgressBar>(network, "searchProgress");
     auto* list = Child<QTreeWidget>(network, "networks");
     ASSERT_TRUE(waitForGui([&] { return search->isEnabled(); }));
-
     search->click();
     EXPECT_TRUE(progress->isVisible());
     EXPECT_FALSE(search->isEnabled());
-    ASSERT_TRUE(waitForGui([&] { return list->topLevelItemCount() > 0; }, std::chrono::seconds(30)));
+    ASSERT_TRUE(waitForGui([&] { return list->topLevelItemCount() > 0; }, 30s));
     EXPECT_FALSE(progress->isVisible());
     EXPECT_TRUE(search->isEnabled());
-
-    const struct {
-        const char* code;
-        const char* name;
-        const char* state;
-    } expected[] = {{"26202", "Vodafone.de", "current"},
-                    {"26201", "Telekom.de", "available"},
-                    {"26207", "o2 - de", "available"},
-                    {"26203", "E-Plus", "forbidden"}};
+    // clang-format off
+    const struct { const char *code, *name, *state; } expected[] = {
+        {"26202", "Vodafone.de", "current"}, {"26201", "Telekom.de", "available"}, {"26207", "o2 - de", "available"}, {"26203", "E-Plus", "forbidden"}};
+    // clang-format on
     EXPECT_EQ(list->topLevelItemCount(), 4);
     for (const auto& row : expected) {
         QTreeWidgetItem* item = Row(list, 2, QLatin1String(row.code));
@@ -94,11 +76,11 @@ TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
     ASSERT_TRUE(registerButton->isEnabled());
     registerButton->click();
     ASSERT_TRUE(waitForGui([&] {
-        const QJsonObject reg = Dump(world, "network");
+        const QJsonObject reg = world.dump("network").toObject();
         return reg.value("selection").toInt() == 1 && reg.value("operator").toString() == "26201";
     }));
     auto* operatorLabel = Child<QLabel>(network, "operator");
-    EXPECT_TRUE(waitForGui([&] { return operatorLabel->text().contains("26201"); }, std::chrono::seconds(15)))
+    EXPECT_TRUE(waitForGui([&] { return operatorLabel->text().contains("26201"); }, 15s))
         << operatorLabel->text().toStdString();
     EXPECT_TRUE(waitForGui([&] { return Child<QLabel>(network, "selection")->text() == "manual"; }));
     EXPECT_EQ(Row(list, 2, "26201")->text(4), "current");
@@ -108,10 +90,12 @@ TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
 // A stick of the standard dialect has no toolkit and no band or mode selection: the toolkit tab goes, and
 // the band and mode controls are disabled with the reason; a stick with them gets the tab back.
 TEST(NetworkSettingsGui, StandardStickHasNoToolkitTabAndNoBandOrMode) {
-    StandardStick stick;
+    struct StandardStick {
+        StandardStick() { SetModemDialect(ModemDialect::Standard); }
+        ~StandardStick() { ResetModemDialect(); }
+    } stick;
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
+    ASSERT_TRUE(world.ready());
     auto* tabs = Child<QTabWidget>(&world.window(), "modules");
     const int toolkit = tabs->indexOf(world.window().module(QStringLiteral("toolkit")));
     EXPECT_TRUE(waitForGui([&] { return !tabs->isTabVisible(toolkit); }));
@@ -127,61 +111,14 @@ TEST(NetworkSettingsGui, StandardStickHasNoToolkitTabAndNoBandOrMode) {
     EXPECT_TRUE(tabs->isTabVisible(toolkit));
 }
 
-// A profile added through the dialog reaches the controller's offered list and the saved user list, so it
-// is still there for a new configuration read from the files.
-TEST(NetworkSettingsGui, AddedProfileIsOfferedAndSaved) {
-    GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
-    auto* settings = world.show<SettingsPlugin>(QStringLiteral("settings"));
-    ASSERT_NE(settings, nullptr);
-    settings->showSection(QStringLiteral("profiles"));
-    auto* list = Child<QTreeWidget>(settings, "profileList");
-    const int before = list->topLevelItemCount();
-
-    Child<QPushButton>(settings, "addProfile")->click();
-    auto* dialog = settings->findChild<ProfileDialog*>();
-    ASSERT_NE(dialog, nullptr);
-    ASSERT_TRUE(waitForGui([&] { return dialog->isVisible(); }));
-    auto* save = Child<QDialogButtonBox>(dialog, "profileButtons")->button(QDialogButtonBox::Save);
-
-    // A profile without a name is refused in the dialog, which stays open.
-    QTest::keyClicks(Child<QLineEdit>(dialog, "profileApn"), "web.example");
-    save->click();
-    EXPECT_TRUE(dialog->isVisible());
-    EXPECT_FALSE(Child<QLabel>(dialog, "profileError")->isHidden());
-
-    QTest::keyClicks(Child<QLineEdit>(dialog, "profileName"), "Work <b>APN</b>");
-    QTest::keyClicks(Child<QLineEdit>(dialog, "profileUser"), "anna");
-    QTest::keyClicks(Child<QLineEdit>(dialog, "profilePassword"), "secret");
-    auto* auth = Child<QComboBox>(dialog, "profileAuth");
-    auth->setCurrentIndex(auth->findData(2));
-    save->click();
-    ASSERT_TRUE(waitForGui([&] { return list->topLevelItemCount() == before + 1; }));
-
-    bool offered = false;
-    for (const APNInfo& p : settings->profileSettings().offeredProfiles())
-        offered = offered || (p.strAccount == "Work <b>APN</b>" && p.strApn == "web.example");
-    EXPECT_TRUE(offered);
-    AppConfig reread; // reads the files again
-    ASSERT_FALSE(reread.getUserApnList().isEmpty());
-    const APNInfo& saved = reread.getUserApnList().last();
-    EXPECT_EQ(saved.strAccount, "Work <b>APN</b>");
-    EXPECT_EQ(saved.strApn, "web.example");
-    EXPECT_EQ(saved.strDialNum, "*99#");
-    EXPECT_EQ(saved.strUserName, "anna");
-    EXPECT_EQ(saved.strPassword, "secret");
-    EXPECT_EQ(saved.nAuthType, 2);
-    EXPECT_NE(Row(list, 0, "Work <b>APN</b>"), nullptr);
-}
-
 // Switching the PIN request on with the SIM's PIN reaches the SIM; a wrong PIN is reported in words with
-// the attempts left, and the code never stays in a field.
-TEST(NetworkSettingsGui, PinCheckIsSwitchedOnTheSim) {
+// the attempts left, and the code never stays in a field. A profile added through the dialog reaches the
+// controller's offered list and the saved user list, so it is still there for a new configuration read
+// from the files; one without a name is refused in the dialog.
+TEST(NetworkSettingsGui, PinCheckAndAddedProfile) {
     GuiWorld world;
-    ASSERT_TRUE(world.started());
-    ASSERT_TRUE(world.waitForState(ModemLink::State::Ready));
-    ASSERT_FALSE(Dump(world, "pin").value("enabled").toBool());
+    ASSERT_TRUE(world.ready());
+    ASSERT_FALSE(world.dump("pin/enabled").toBool());
     auto* settings = world.show<SettingsPlugin>(QStringLiteral("settings"));
     ASSERT_NE(settings, nullptr);
     settings->showSection(QStringLiteral("pin"));
@@ -197,39 +134,65 @@ TEST(NetworkSettingsGui, PinCheckIsSwitchedOnTheSim) {
     ASSERT_TRUE(waitForGui([&] { return status->text().contains("wrong"); })) << status->text().toStdString();
     EXPECT_TRUE(waitForGui([&] { return attempts->text().startsWith("PIN 2"); }))
         << attempts->text().toStdString();
-    EXPECT_FALSE(Dump(world, "pin").value("enabled").toBool());
+    EXPECT_FALSE(world.dump("pin/enabled").toBool());
 
     QTest::keyClicks(pin, "1234");
     toggle->click();
-    ASSERT_TRUE(waitForGui([&] { return Dump(world, "pin").value("enabled").toBool(); }));
-    EXPECT_TRUE(waitForGui([&] { return toggle->isEnabled() || toggle->text().contains("Stop"); }));
+    ASSERT_TRUE(waitForGui([&] { return world.dump("pin/enabled").toBool(); }));
     EXPECT_TRUE(waitForGui([&] { return toggle->text().contains("Stop"); }));
     EXPECT_FALSE(status->text().contains("1234"));
+
+    settings->showSection(QStringLiteral("profiles"));
+    auto* list = Child<QTreeWidget>(settings, "profileList");
+    const int before = list->topLevelItemCount();
+    Child<QPushButton>(settings, "addProfile")->click();
+    auto* dialog = settings->findChild<ProfileDialog*>();
+    ASSERT_TRUE(dialog && waitForGui([&] { return dialog->isVisible(); }));
+    auto* save = Child<QDialogButtonBox>(dialog, "profileButtons")->button(QDialogButtonBox::Save);
+    QTest::keyClicks(Child<QLineEdit>(dialog, "profileApn"), "web.example");
+    save->click();
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_FALSE(Child<QLabel>(dialog, "profileError")->isHidden());
+
+    QTest::keyClicks(Child<QLineEdit>(dialog, "profileName"), "Work <b>APN</b>");
+    QTest::keyClicks(Child<QLineEdit>(dialog, "profileUser"), "anna");
+    QTest::keyClicks(Child<QLineEdit>(dialog, "profilePassword"), "secret");
+    auto* auth = Child<QComboBox>(dialog, "profileAuth");
+    auth->setCurrentIndex(auth->findData(2));
+    save->click();
+    ASSERT_TRUE(waitForGui([&] { return list->topLevelItemCount() == before + 1; }));
+    EXPECT_NE(Row(list, 0, "Work <b>APN</b>"), nullptr);
+    bool offered = false;
+    for (const APNInfo& p : settings->profileSettings().offeredProfiles())
+        offered = offered || (p.strAccount == "Work <b>APN</b>" && p.strApn == "web.example");
+    EXPECT_TRUE(offered);
+    AppConfig reread; // reads the files again
+    ASSERT_FALSE(reread.getUserApnList().isEmpty());
+    const APNInfo& saved = reread.getUserApnList().last();
+    EXPECT_EQ(
+        QStringList({saved.strAccount, saved.strApn, saved.strDialNum, saved.strUserName, saved.strPassword}),
+        QStringList({"Work <b>APN</b>", "web.example", "*99#", "anna", "secret"}));
+    EXPECT_EQ(saved.nAuthType, 2);
 }
 
 // The validity choices reach the modem as weeks, days and hours; codes and PINs typed in are checked
 // before anything is sent.
 TEST(NetworkSettingsGui, ValidityChoicesAndInputChecks) {
-    const struct {
-        const char* code;
-        int weeks, days, hours;
-    } validities[] = {{"1h", 0, 0, 1}, {"12h", 0, 0, 12}, {"1d", 0, 1, 0},
-                      {"2d", 0, 2, 0}, {"1w", 1, 0, 0},   {"max", 255, 0, 0}};
+    // weeks < 0: no such choice
+    // clang-format off
+    const struct { const char* code; int weeks, days, hours; } validities[] = {
+        {"1h", 0, 0, 1}, {"12h", 0, 0, 12}, {"1d", 0, 1, 0}, {"2d", 0, 2, 0}, {"1w", 1, 0, 0}, {"max", 255, 0, 0},
+        {"", -1, 0, 0}, {"3h", -1, 0, 0}, {"MAX", -1, 0, 0}, {"1w3d", -1, 0, 0}};
+    const struct { const char* pin; bool good; } pins[] = {
+        {"1234", true}, {"12345678", true}, {"123", false}, {"123456789", false}, {"12a4", false}, {"", false}, {" 1234", false},
+        {"\u0661\u0662\u0663\u0664", false}};
+    // clang-format on
     for (const auto& row : validities) {
-        const auto period = SmsSettingsPage::validityPeriod(QLatin1String(row.code));
-        ASSERT_TRUE(period.has_value()) << row.code;
-        EXPECT_EQ(period->bWeek, row.weeks) << row.code;
-        EXPECT_EQ(period->bDay, row.days) << row.code;
-        EXPECT_EQ(period->bHour, row.hours) << row.code;
+        SCOPED_TRACE(row.code);
+        const auto p = SmsSettingsPage::validityPeriod(QLatin1String(row.code));
+        EXPECT_EQ(p ? std::tuple(int(p->bWeek), int(p->bDay), int(p->bHour)) : std::tuple(-1, 0, 0),
+                  std::tuple(row.weeks, row.days, row.hours));
     }
-    for (const char* code : {"", "3h", "MAX", "1w3d"})
-        EXPECT_FALSE(SmsSettingsPage::validityPeriod(QLatin1String(code)).has_value()) << code;
-
-    const struct {
-        const char* pin;
-        bool good;
-    } pins[] = {{"1234", true},  {"12345678", true}, {"123", false},   {"123456789", false},
-                {"12a4", false}, {"", false},        {" 1234", false}, {"\u0661\u0662\u0663\u0664", false}};
     for (const auto& row : pins)
         EXPECT_EQ(PinSettingsPage::pinProblem(QString::fromUtf8(row.pin)).isEmpty(), row.good) << row.pin;
 
@@ -254,4 +217,142 @@ TEST(NetworkSettingsGui, ValidityChoicesAndInputChecks) {
     good.strApn += QStringLiteral("\";+CMGD=1,4;\"");
     EXPECT_EQ(ProfileDialog::problem(good),
               "The APN holds a double quote (\"), which cannot be sent to the modem.");
+}
+
+// A SIM of another operator gets the general menus. A free code gets the network's answer; a menu code
+// keeps the reply field open until the dialogue ends. An entry's input is checked against its limits
+// before anything is sent, then goes out after the entry's code; a code the network does not offer says so.
+TEST(AccountGui, CodesMenusAndEntryInputs) {
+    QTemporaryDir dir;
+    QFile scenario(dir.filePath("other-operator.json"));
+    ASSERT_TRUE(scenario.open(QIODevice::WriteOnly));
+    scenario.write(R"({"sim": {"imsi": "001019876543210"}})");
+    scenario.close();
+    GuiWorld world({"--scenario", scenario.fileName()});
+    ASSERT_TRUE(world.ready());
+    auto* tab = world.show<AccountPlugin>("account");
+    ASSERT_NE(tab, nullptr);
+    auto* code = Child<QLineEdit>(tab, "code");
+    auto* send = Child<QPushButton>(tab, "sendCode");
+    auto* answer = Child<QPlainTextEdit>(tab, "answer");
+    QTest::keyClicks(code, "*100#");
+    send->click();
+    ASSERT_TRUE(waitForGui([&] { return answer->toPlainText().contains("Your balance is 12.34 EUR."); }))
+        << answer->toPlainText().toStdString();
+    EXPECT_FALSE(tab->sessionOpen());
+
+    code->clear();
+    QTest::keyClicks(code, "*135#");
+    send->click();
+    ASSERT_TRUE(waitForGui([&] { return tab->sessionOpen(); }));
+    EXPECT_TRUE(answer->toPlainText().contains("2 Data options"));
+    EXPECT_FALSE(send->isEnabled()); // one dialogue at a time
+    QTest::keyClicks(Child<QLineEdit>(tab, "reply"), "2");
+    Child<QPushButton>(tab, "sendReply")->click();
+    ASSERT_TRUE(waitForGui([&] { return answer->toPlainText().contains("Week pass 5 GB"); }));
+    EXPECT_TRUE(tab->sessionOpen());
+    Child<QPushButton>(tab, "cancelSession")->click();
+    EXPECT_FALSE(tab->sessionOpen());
+    EXPECT_TRUE(waitForGui([&] { return send->isEnabled(); }));
+
+    auto* menu = Child<QTreeWidget>(tab, "menu");
+    const auto found = menu->findItems("Top up with a voucher", Qt::MatchExactly | Qt::MatchRecursive);
+    ASSERT_EQ(found.size(), 1);
+    menu->setCurrentItem(found.front());
+    auto* voucher = Child<QLineEdit>(tab, "input0");
+    auto* topUp = Child<QPushButton>(tab, "button0");
+    ASSERT_TRUE(voucher && topUp);
+    auto* inputError = Child<QLabel>(tab, "inputError");
+    QTest::keyClicks(voucher, "12345x67");
+    EXPECT_EQ(voucher->text(), "1234567"); // digits only
+    topUp->click();
+    EXPECT_TRUE(inputError->isVisibleTo(tab));
+    EXPECT_TRUE(inputError->text().contains("12 to 16")) << inputError->text().toStdString();
+
+    QTest::keyClicks(voucher, "8901234567"); // 17 digits typed, 16 kept
+    EXPECT_EQ(voucher->text(), "1234567890123456");
+    topUp->click();
+    EXPECT_FALSE(inputError->isVisibleTo(tab));
+    ASSERT_TRUE(waitForGui([&] { return answer->toPlainText().contains("does not offer"); }));
+    const QJsonArray requests = world.dump("ussd/requests").toArray();
+    ASSERT_FALSE(requests.isEmpty());
+    EXPECT_TRUE(requests.last().toString().contains("*102*1234567890123456#"))
+        << QJsonDocument(requests).toJson().toStdString();
+}
+
+TEST(AccountInput, FieldLimits) {
+    const _TAccountInputItem voucher{L"Voucher code", L"", L"0123456789", 16, 12};
+    const _TAccountInputItem pin{L"PIN", L"", L"", 4, 4};
+    const _TAccountInputItem note{L"Note", L"", L"", 0, 2};
+    // problem: empty when accepted
+    // clang-format off
+    const struct { const _TAccountInputItem& field; QString text; QString problem; } rows[] = {
+        {voucher, "123456789012", ""},
+        {voucher, "1234567890123456", ""},
+        {voucher, "12345678901", "Voucher code needs 12 to 16 characters."},
+        {voucher, "12345678901234567", "Voucher code needs 12 to 16 characters."},
+        {voucher, "12345678901a", "Voucher code takes only the characters 0123456789."},
+        {pin, "123", "PIN needs 4 characters."},
+        {pin, "12ab", ""},
+        {note, "x", "Note needs at least 2 characters."},
+        {note, QString(500, 'x'), ""},
+    };
+    // clang-format on
+    for (const auto& row : rows)
+        EXPECT_EQ(AccountPlugin::checkInput(row.field, row.text), row.problem) << row.text.toStdString();
+}
+
+// The card's main menu is listed; each path through the card's dialogues ends back at the main menu.
+// Steps: "#N" chooses row N of the list on screen, "text:T" waits for the card to show T, "list:A,B" for
+// the list to read so, "type:X" types into the answer field, a button's objectName presses it.
+TEST(ToolkitGui, MenuChoicesShowTheCardsDialogues) {
+    GuiWorld world;
+    ASSERT_TRUE(world.ready());
+    auto* tab = world.show<ToolkitPlugin>("toolkit");
+    ASSERT_NE(tab, nullptr);
+    auto* items = Child<QListWidget>(tab, "items");
+    auto* text = Child<QLabel>(tab, "text");
+    auto atMainMenu = [&] {
+        return Texts(items) == QStringList{"News", "Games", "Offers"} &&
+               tab->current().nCommand == ToolkitPlugin::kMainMenu;
+    };
+    ASSERT_TRUE(waitForGui(atMainMenu)) << Texts(items).join(',').toStdString();
+    // clang-format off
+    const std::vector<std::vector<QString>> paths = {
+        {"#0", "text:Today: sunny, 24 C", "ok"},
+        {"#1", "list:Quiz,About", "back"},
+        {"#1", "list:Quiz,About", "#0", "text:Capital of France?", "type:Paris", "ok", "text:Thank you!", "ok"},
+        {"#2", "text:Receive offers? (Y/N)", "yes"},
+        {"#1", "list:Quiz,About", "#1", "text:Games by your operator", "endSession"},
+    };
+    // clang-format on
+    for (const auto& path : paths) {
+        SCOPED_TRACE(path.front().toStdString() + " ... " + path.back().toStdString());
+        for (const QString& step : path) {
+            SCOPED_TRACE(step.toStdString());
+            if (step.startsWith('#')) {
+                items->setCurrentRow(step.mid(1).toInt());
+                Child<QPushButton>(tab, "select")->click();
+            } else if (step.startsWith("text:")) {
+                ASSERT_TRUE(waitForGui([&] { return text->text() == step.mid(5); }))
+                    << text->text().toStdString();
+            } else if (step.startsWith("list:")) {
+                ASSERT_TRUE(waitForGui([&] { return Texts(items).join(',') == step.mid(5); }));
+            } else if (step.startsWith("type:")) {
+                QTest::keyClicks(Child<QLineEdit>(tab, "input"), step.mid(5));
+            } else {
+                auto* button = Child<QPushButton>(tab, step.toLatin1().constData());
+                ASSERT_TRUE(button->isVisibleTo(tab));
+                ASSERT_TRUE(waitForGui([&] { return button->isEnabled(); }));
+                button->click();
+            }
+        }
+        ASSERT_TRUE(waitForGui(atMainMenu)) << Texts(items).join(',').toStdString();
+    }
+    // What the card heard: the back step, the typed answer, the yes and the user's end of the session.
+    QStringList heard;
+    for (const QJsonValue& response : world.dump("stk/responses").toArray())
+        heard << response.toString();
+    for (const char* expected : {"11,17,,0", "3,0,,\"Paris\"", "2,0,,2,1,", "1,16,"})
+        EXPECT_TRUE(heard.contains(expected)) << expected << " not in " << heard.join(' ').toStdString();
 }
