@@ -31,8 +31,13 @@ TEST(DialtoneConnect, ConnectDisconnectAndTheDaysTraffic) {
     ASSERT_TRUE(world.modem.ready());
 
     // The first connect creates the dial-up service, then dials the SIM's profile; the link stays up.
-    world.expect({{{"--wait", "20", "connect"}, 0, {"Connected with"}},
-                  {{"--json", "status"}, 0, {"\"connection\": \"connected\""}}});
+    // clang-format off
+    world.expect({
+        {{"--wait", "20", "connect"}, 0, {"Connected with"}},
+        {{"--json", "status"}, 0, {"\"connection\": \"connected\""}},
+        {{"--wait", "0.5", "monitor"}, 0},
+    });
+    // clang-format on
     EXPECT_TRUE(std::filesystem::exists(world.ppp.path + "/peers/VELMODEM1"));
     ASSERT_TRUE(world.linkRunning());
 
