@@ -74,20 +74,24 @@ Outcome RunDialtone(const std::vector<std::string>& args, const std::string& hom
     for (const std::string& argument : args)
         command += " " + Quote(argument);
     command += " 2>" + Quote(errPath) + " <" + Quote(inputPath);
+    Outcome run = Shell(command);
+    std::stringstream text;
+    text << std::ifstream(errPath).rdbuf();
+    run.err = text.str();
+    return run;
+}
+
+Outcome Shell(const std::string& command) {
     Outcome run;
     FILE* pipe = popen(command.c_str(), "r");
     EXPECT_NE(pipe, nullptr);
     if (!pipe)
         return run;
     char buffer[4096];
-    std::size_t n = 0;
-    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0)
+    for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
         run.out.append(buffer, n);
     const int status = pclose(pipe);
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    std::stringstream text;
-    text << std::ifstream(errPath).rdbuf();
-    run.err = text.str();
     return run;
 }
 
@@ -112,13 +116,28 @@ SimulatedModem::SimulatedModem(const ScenarioPatch& scenario,
     start(scenarioPath, extraArguments);
 }
 
+// The first line fd gives within 10 s, without its line feed.
+static std::string ReadLine(int fd) {
+    std::string text;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (text.find('\n') == std::string::npos && std::chrono::steady_clock::now() < deadline) {
+        pollfd poller{fd, POLLIN, 0};
+        if (poll(&poller, 1, 100) <= 0)
+            continue;
+        char buffer[8192];
+        const ssize_t n = read(fd, buffer, sizeof buffer);
+        if (n <= 0)
+            break;
+        text.append(buffer, static_cast<std::size_t>(n));
+    }
+    return text.substr(0, text.find('\n'));
+}
+
 void SimulatedModem::start(const std::string& scenario, const std::vector<std::string>& extraArguments) {
     std::string program = SimulatorPath();
     std::vector<std::string> arguments{program, "--dev-dir", devDir.path};
-    if (!scenario.empty()) {
-        arguments.push_back("--scenario");
-        arguments.push_back(scenario);
-    }
+    if (!scenario.empty())
+        arguments.insert(arguments.end(), {"--scenario", scenario});
     arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
     std::vector<char*> argv;
     for (std::string& argument : arguments)
@@ -137,25 +156,11 @@ void SimulatedModem::start(const std::string& scenario, const std::vector<std::s
     close(fds[1]);
     _out = fds[0];
     // {"at":"/dev/pts/0","at_link":"<dev>/cu.VELDeviceInterface3","control":"<dev>/modemsim.sock",...}
-    std::string line;
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (_pid > 0 && line.find('\n') == std::string::npos && std::chrono::steady_clock::now() < deadline) {
-        pollfd poller{_out, POLLIN, 0};
-        if (poll(&poller, 1, 100) <= 0)
-            continue;
-        char buffer[512];
-        const ssize_t n = read(_out, buffer, sizeof buffer);
-        if (n <= 0)
-            break;
-        line.append(buffer, static_cast<std::size_t>(n));
-    }
-    const json readyLine = Parse(line.substr(0, line.find('\n')));
+    const json readyLine = _pid > 0 ? Parse(ReadLine(_out)) : json();
     if (!readyLine.is_object())
         return;
-    if (readyLine.contains("at_link") && readyLine["at_link"].is_string())
-        atLink = readyLine["at_link"].get<std::string>();
-    if (readyLine.contains("control") && readyLine["control"].is_string())
-        control = readyLine["control"].get<std::string>();
+    atLink = readyLine.value("at_link", "");
+    control = readyLine.value("control", "");
 }
 
 SimulatedModem::~SimulatedModem() {
@@ -175,30 +180,12 @@ json SimulatedModem::command(const std::string& line) const {
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, control.c_str(), sizeof address.sun_path - 1);
     std::string answer;
-    if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
-        const std::string request = line + "\n";
-        if (write(fd, request.data(), request.size()) == static_cast<ssize_t>(request.size())) {
-            const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-            while (answer.find('\n') == std::string::npos && std::chrono::steady_clock::now() < deadline) {
-                pollfd poller{fd, POLLIN, 0};
-                if (poll(&poller, 1, 100) <= 0)
-                    continue;
-                char buffer[8192];
-                const ssize_t n = read(fd, buffer, sizeof buffer);
-                if (n <= 0)
-                    break;
-                answer.append(buffer, static_cast<std::size_t>(n));
-            }
-        }
-    }
+    const std::string request = line + "\n";
+    if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+        write(fd, request.data(), request.size()) == static_cast<ssize_t>(request.size()))
+        answer = ReadLine(fd);
     close(fd);
-    return Parse(answer.substr(0, answer.find('\n')));
-}
-
-Outcome SimulatedModem::run(const std::vector<std::string>& arguments) const {
-    std::vector<std::string> all{"--dev-dir", devDir.path};
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    return RunDialtone(all, home.path);
+    return Parse(answer);
 }
 
 Outcome SimulatedModem::run(const std::vector<std::string>& arguments, const std::string& input) const {
@@ -207,6 +194,22 @@ Outcome SimulatedModem::run(const std::vector<std::string>& arguments, const std
     std::vector<std::string> all{"--dev-dir", devDir.path};
     all.insert(all.end(), arguments.begin(), arguments.end());
     return RunDialtone(all, home.path, {}, inputPath);
+}
+
+void ExpectStep(const Step& step, const Outcome& run) {
+    SCOPED_TRACE(testing::PrintToString(step.args));
+    EXPECT_EQ(run.status, step.status) << run.out << run.err;
+    if (step.exact || (step.out.empty() && step.status != 0)) {
+        EXPECT_EQ(run.out, step.out.empty() ? "" : step.out[0]);
+    }
+    for (const std::string& text : step.out)
+        EXPECT_NE(run.out.find(text), std::string::npos) << text << " in\n" << run.out;
+    EXPECT_NE(run.err.find(step.err), std::string::npos) << step.err << " in\n" << run.err;
+}
+
+void RunSteps(const SimulatedModem& modem, const std::vector<Step>& steps) {
+    for (const Step& step : steps)
+        ExpectStep(step, modem.run(step.args, step.input));
 }
 
 } // namespace clitest

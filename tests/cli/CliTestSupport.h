@@ -33,11 +33,15 @@ struct TempDir {
 };
 
 // Runs the tool at DIALTONE_CLI with the arguments, standard input from inputPath. HOME is set to home
-// unless it is empty, and then the XDG variables are removed so that the tool's folders follow it. extraEnv sets further variables; a pair with an empty value removes that variable.
+// unless it is empty, and then the XDG variables are removed so that the tool's folders follow it. extraEnv
+// sets further variables; a pair with an empty value removes that variable.
 Outcome RunDialtone(const std::vector<std::string>& args, const std::string& home,
                     const std::vector<std::pair<std::string, std::string>>& extraEnv = {},
                     const std::string& inputPath = "/dev/null",
                     const std::vector<std::string>& commandPrefix = {});
+
+// A shell command line: its standard output and exit status.
+Outcome Shell(const std::string& command);
 
 // JSON without exceptions: a discarded value when the text is not JSON.
 nlohmann::json Parse(const std::string& text);
@@ -69,10 +73,9 @@ public:
     // The simulator's state ("dump").
     nlohmann::json dump() const { return command("dump"); }
 
-    // The tool against this modem ("--dev-dir" first), with home as its HOME.
-    Outcome run(const std::vector<std::string>& arguments) const;
-    // The same with the text on its standard input.
-    Outcome run(const std::vector<std::string>& arguments, const std::string& input) const;
+    // The tool against this modem ("--dev-dir" first), with home as its HOME and the text on its standard
+    // input.
+    Outcome run(const std::vector<std::string>& arguments, const std::string& input = {}) const;
 
     TempDir files;
     TempDir devDir;
@@ -86,5 +89,21 @@ private:
     pid_t _pid = -1;
     int _out = -1;
 };
+
+// One run of the tool in a table: its arguments, exit status, the texts its standard output holds (all of it
+// when exact; nothing at all on a failure that names none) and a text its standard error holds.
+struct Step {
+    std::vector<std::string> args;
+    int status = 0;
+    std::vector<std::string> out = {};
+    std::string err = {};
+    bool exact = false;
+    std::string input = {};
+};
+
+// Checks one run against its row; failures name the row by its arguments.
+void ExpectStep(const Step& step, const Outcome& run);
+// Runs the steps in order against the modem (later rows see what earlier ones changed).
+void RunSteps(const SimulatedModem& modem, const std::vector<Step>& steps);
 
 } // namespace clitest

@@ -30,6 +30,12 @@ public:
         return clitest::RunDialtone(all, modem.home.path, extraEnv, "/dev/null", commandPrefix);
     }
 
+    // Runs the steps in order against this modem and these folders.
+    void expect(const std::vector<clitest::Step>& steps) const {
+        for (const clitest::Step& step : steps)
+            clitest::ExpectStep(step, run(step.args));
+    }
+
     // What the stand-in's interface has moved, as the kernel would count it.
     void setCounters(unsigned long long sent, unsigned long long received) const {
         std::ofstream(ppp.path + "/net/ppp0/statistics/tx_bytes") << sent << "\n";

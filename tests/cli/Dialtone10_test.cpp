@@ -1,8 +1,7 @@
-// The phonebook and USSD commands of the dialtone tool against one simulated modem per test, so that what
-// a run changes is there for the next run and can be read back from the simulator's state.
+// The phonebook, USSD, account, toolkit, call and GPS commands against the simulated modem: what a run
+// changes is there for the next run and can be read back from the simulator's state.
 
-#include <string>
-#include <vector>
+#include <fstream>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -11,122 +10,156 @@
 
 namespace {
 
-using clitest::Outcome;
 using clitest::SimulatedModem;
+using clitest::Step;
 using nlohmann::json;
-
-// The tool against the modem, waiting up to 10 s for it.
-Outcome RunWaiting(const SimulatedModem& modem, std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--wait", "10"});
-    return modem.run(arguments);
-}
-
-// The entry at index in the tool's JSON list of contacts, or null.
-json Entry(const json& document, const std::string& store, int index) {
-    for (const json& item : document["contacts"]) {
-        if (item.value("storage", "") == store && item.value("index", -1) == index)
-            return item;
-    }
-    return nullptr;
-}
 
 TEST(Dialtone10, ContactsAddUpdateDeleteOnBothPhonebooks) {
     SimulatedModem modem;
     ASSERT_TRUE(modem.ready());
-    struct Row {
-        const char* store;
-        int firstFree; // of the scenario's phonebooks: SIM 1, 2, 4 in use; modem 1
-    };
-    for (const Row& row : {Row{"sim", 3}, Row{"modem", 2}}) {
-        SCOPED_TRACE(row.store);
-        const Outcome added =
-            RunWaiting(modem, {"--json", "contacts", "add", "Carla", "+491761112233", "--store", row.store});
-        ASSERT_EQ(added.status, 0) << added.err;
-        EXPECT_EQ(json::parse(added.out, nullptr, false).value("index", -1), row.firstFree) << added.out;
-
-        Outcome list = RunWaiting(modem, {"--json", "contacts", "list"});
-        ASSERT_EQ(list.status, 0) << list.err;
-        json entry = Entry(json::parse(list.out, nullptr, false), row.store, row.firstFree);
-        ASSERT_TRUE(entry.is_object()) << list.out;
-        EXPECT_EQ(entry["name"], "Carla");
-        EXPECT_EQ(entry["number"], "+491761112233");
-
-        const std::string index = std::to_string(row.firstFree);
-        const Outcome updated =
-            RunWaiting(modem, {"contacts", "update", row.store, index, "Dora", "030445566"});
-        ASSERT_EQ(updated.status, 0) << updated.err;
-        list = RunWaiting(modem, {"contacts", "list"});
-        ASSERT_EQ(list.status, 0) << list.err;
-        EXPECT_NE(list.out.find("Dora"), std::string::npos) << list.out;
-        // Stored as +4930445566, listed in the SIM country's layout.
-        EXPECT_NE(list.out.find("030 445566"), std::string::npos) << list.out;
-
-        const Outcome deleted = RunWaiting(modem, {"contacts", "delete", row.store, index});
-        ASSERT_EQ(deleted.status, 0) << deleted.err;
-        list = RunWaiting(modem, {"--json", "contacts", "list"});
-        ASSERT_EQ(list.status, 0) << list.err;
-        EXPECT_TRUE(Entry(json::parse(list.out, nullptr, false), row.store, row.firstFree).is_null())
-            << list.out;
+    // The scenario's phonebooks: SIM 1, 2, 4 in use, so 3 is the first free; modem 1, so 2.
+    for (const auto& [store, index] : {std::pair{"sim", "3"}, std::pair{"modem", "2"}}) {
+        // clang-format off
+        clitest::RunSteps(modem, {
+            {{"--json", "contacts", "add", "Carla", "+491761112233", "--store", store}, 0, {std::string("\"index\": ") + index}},
+            {{"--json", "contacts", "list"}, 0, {"\"name\": \"Carla\"", "\"number\": \"+491761112233\""}},
+            {{"contacts", "update", store, index, "Dora", "030445566"}, 0},
+            {{"contacts", "list"}, 0, {"Dora", "030 445566"}}, // stored as +4930445566, shown in the SIM country's layout
+            {{"contacts", "delete", store, index}, 0},
+        });
+        // clang-format on
+        EXPECT_EQ(modem.run({"contacts", "list"}).out.find("Dora"), std::string::npos);
     }
-    // The simulator's phonebooks hold the scenario's entries again.
-    const json books = modem.dump()["phonebooks"];
-    EXPECT_EQ(books["SM"]["used"], 3) << books.dump();
-    EXPECT_EQ(books["ME"]["used"], 1) << books.dump();
-
-    const Outcome info = RunWaiting(modem, {"--json", "contacts", "info"});
-    ASSERT_EQ(info.status, 0) << info.err;
-    const json document = json::parse(info.out, nullptr, false);
-    EXPECT_EQ(document["sim"]["total"], 250) << info.out;
-    EXPECT_EQ(document["sim"]["max_name_length"], 14) << info.out;
+    clitest::RunSteps(modem,
+                      {{{"--json", "contacts", "info"}, 0, {"\"total\": 250", "\"max_name_length\": 14"}}});
 }
 
-TEST(Dialtone10, ContactsUsageErrors) {
-    SimulatedModem modem;
-    for (const std::vector<std::string>& row : std::vector<std::vector<std::string>>{
-             {"contacts", "add", "Carla", "123", "--store", "card"},
-             {"contacts", "delete", "sim", "x"},
-             {"contacts", "update", "sim", "1", "Dora"},
-             {"ussd"},
-             {"ussd", "*100#", "--cancel"},
-         }) {
-        SCOPED_TRACE(row.back());
-        const Outcome run = RunWaiting(modem, row);
-        EXPECT_EQ(run.status, 2) << run.err;
-        EXPECT_EQ(run.out, "");
-    }
-}
-
-TEST(Dialtone10, UssdMenuDialogueOfTwoStepsThenCancel) {
+// The USSD dialogue, then what the phonebook and USSD commands refuse.
+TEST(Dialtone10, UssdDialogueAndUsageErrors) {
     SimulatedModem modem;
     ASSERT_TRUE(modem.ready());
-    const Outcome dialogue = RunWaiting(modem, {"ussd", "*135#", "--reply", "2", "--reply", "1"});
-    ASSERT_EQ(dialogue.status, 0) << dialogue.err;
-    EXPECT_EQ(dialogue.out, "1 Balance\n2 Data options\n3 Tariff\n"
-                            "1 Day pass 1 GB (1.99 EUR)\n2 Week pass 5 GB (4.99 EUR)\n"
-                            "Day pass booked. Enjoy!\n");
-
     // Without a reply (and no terminal) the dialogue is cancelled; one JSON line per answer.
-    const Outcome open = RunWaiting(modem, {"--json", "ussd", "*135#"});
-    ASSERT_EQ(open.status, 0) << open.err;
-    EXPECT_EQ(open.out.find('\n'), open.out.size() - 1) << open.out;
-    const json answer = json::parse(open.out, nullptr, false);
-    EXPECT_EQ(answer["result"], "reply-wanted") << open.out;
-    EXPECT_EQ(answer["text"], "1 Balance\n2 Data options\n3 Tariff");
+    // clang-format off
+    clitest::RunSteps(modem, {
+        {{"ussd", "*135#", "--reply", "2", "--reply", "1"}, 0, {"1 Balance\n2 Data options\n3 Tariff\n1 Day pass 1 GB (1.99 EUR)\n2 Week pass 5 GB (4.99 EUR)\nDay pass booked. Enjoy!\n"}, "", true},
+        {{"--json", "ussd", "*135#"}, 0, {R"({"result":"reply-wanted","result_code":1,"text":"1 Balance\n2 Data options\n3 Tariff"})" "\n"}, "", true},
+        {{"ussd", "--cancel"}, 0},
+        {{"ussd", "*999#"}, 1, {}, "*999#"}, // an unknown service is a failure
+        {{"contacts", "add", "Carla", "123", "--store", "card"}, 2},
+        {{"contacts", "delete", "sim", "x"}, 2},
+        {{"contacts", "update", "sim", "1", "Dora"}, 2},
+        {{"ussd"}, 2},
+        {{"ussd", "*100#", "--cancel"}, 2},
+    });
+    // clang-format on
     const json ussd = modem.dump()["ussd"];
-    EXPECT_EQ(ussd["requests"], json({"*135#", "2", "1", "*135#"})) << ussd.dump();
+    EXPECT_EQ(ussd["requests"], json({"*135#", "2", "1", "*135#", "*999#"})) << ussd.dump();
     EXPECT_EQ(ussd["session"], false) << ussd.dump();
-
-    const Outcome cancel = RunWaiting(modem, {"ussd", "--cancel"});
-    EXPECT_EQ(cancel.status, 0) << cancel.err;
 }
 
-TEST(Dialtone10, UssdUnknownServiceIsAFailure) {
+// The toolkit's menu and selections by identifier, text and position.
+TEST(DialtoneStkCallGps, ToolkitMenuAndSelections) {
     SimulatedModem modem;
     ASSERT_TRUE(modem.ready());
-    const Outcome run = RunWaiting(modem, {"ussd", "*999#"});
-    EXPECT_EQ(run.status, 1) << run.err;
-    EXPECT_EQ(run.out, "");
-    EXPECT_NE(run.err.find("*999#"), std::string::npos) << run.err;
+    // clang-format off
+    clitest::RunSteps(modem, {
+        {{"stk", "menu"}, 0, {"SIM Services\n   1  News\n   2  Games\n   3  Offers\n"}, "", true},
+        {{"--json", "stk", "menu"}, 0, {"\"command\": 17", "\"item_id\": 2,\n      \"text\": \"Games\""}},
+        {{"--json", "stk", "select", "2"}, 0, {"\"command\": 11", "\"text\": \"Games\""}},
+        {{"--json", "stk", "select", "games", "2"}, 0, {"\"command\": 1", "\"text\": \"Games by your operator\"", "\"command\": 20"}},
+        {{"--json", "stk", "select", "1"}, 0, {"\"text\": \"Today: sunny, 24 C\"", "\"command\": 20"}},
+        {{"--json", "stk", "select", "2", "1"}, 0, {"\"command\": 3", "\"text\": \"Capital of France?\""}}, // a question stays open
+    });
+    // clang-format on
+    // An item the menu does not hold is the user's slip: nothing is chosen on the card.
+    const std::size_t answered = modem.dump()["stk"]["responses"].size();
+    clitest::RunSteps(modem, {{{"stk", "select", "7"}, 2, {}, "has no item \"7\""}});
+    EXPECT_EQ(modem.dump()["stk"]["responses"].size(), answered);
+}
+
+// A bad key is a usage error and no key reaches the modem; good keys go one by one.
+TEST(DialtoneStkCallGps, DialListDtmfAndHangUp) {
+    SimulatedModem modem;
+    ASSERT_TRUE(modem.ready());
+    // clang-format off
+    clitest::RunSteps(modem, {
+        {{"call", "dial", "+491701234567"}, 0, {"+491701234567: active\n"}, "", true},
+        {{"--json", "call", "list"}, 0, {"\"number\": \"+491701234567\"", "\"direction\": \"outgoing\"", "\"state\": \"active\""}},
+        {{"call", "dtmf", "12E4"}, 2, {}, "'E'"},
+        {{"call", "dtmf", "1x"}, 2, {}, "'x'"},
+    });
+    EXPECT_EQ(modem.dump()["dtmf"], json::array());
+    clitest::RunSteps(modem, {
+        {{"call", "dtmf", "9*#A"}, 0},
+        {{"call", "hangup"}, 0},
+        {{"call", "list"}, 0, {"No calls\n"}, "", true},
+        {{"call", "dial", "12;AT+CFUN=0"}, 2},
+        {{"--json", "gps", "on"}, 0, {"{\n  \"gps\": true\n}\n"}, "", true},
+    });
+    // clang-format on
+    const json dump = modem.dump();
+    EXPECT_EQ(dump["dtmf"], json({"9", "*", "#", "A"}));
+    EXPECT_TRUE(dump["calls"].empty());
+    EXPECT_EQ(dump["gps"], true);
+    clitest::RunSteps(modem, {{{"--json", "gps", "off"}, 0, {"{\n  \"gps\": false\n}\n"}, "", true}});
+    EXPECT_EQ(modem.dump()["gps"], false);
+}
+
+// dialtone account against the simulated modem: the menu of its SIM (network 262 02), an entry with the
+// network's answer, and the simulator's USSD menu tree walked with --reply.
+// The tool with its own HOME, English unless lang says otherwise, standard input not a terminal.
+clitest::Outcome Dialtone(const std::vector<std::string>& arguments, const std::string& lang = "C") {
+    const clitest::TempDir home;
+    return clitest::RunDialtone(arguments, home.path, {{"LC_ALL", ""}, {"LC_MESSAGES", ""}, {"LANG", lang}});
+}
+
+void Expect(const std::vector<Step>& steps) {
+    for (const Step& step : steps)
+        clitest::ExpectStep(step, Dialtone(step.args));
+}
+
+TEST(DialtoneAccount, ListsTheMenuOfTheSimsNetworkInTheLanguageOfTheEnvironment) {
+    // clang-format off
+    Expect({
+        {{"--simulate", "account"}, 0, {"1 Balance\n", "  1.1 Check balance  [*100#]\n", "2 My number\n", "3 Service menu\n", "  3.1 Balance, data options and tariff  [*135#]\n"}},
+        {{"--simulate", "--json", "account"}, 0, {"\"imsi\": \"26202", "\"language_id\": 0", "\"code\": \"*100#\""}},
+    });
+    // clang-format on
+    clitest::ExpectStep({{"--simulate", "account"}, 0, {"3 Dienstmenü\n"}},
+                        Dialtone({"--simulate", "account"}, "de_DE.UTF-8"));
+}
+
+// Entries by number and by name; the network's questions answered with replies, or shown and ended.
+TEST(DialtoneAccount, RunsAnEntryAndAnswersTheNetworksQuestions) {
+    // clang-format off
+    Expect({
+        {{"--simulate", "account", "1", "1"}, 0, {"Your balance is 12.34 EUR. Valid until 31.12.2025.\n"}, "", true},
+        {{"--simulate", "account", "my number", "Show my number"}, 0, {"Your number is +491721234567.\n"}, "", true},
+        {{"--simulate", "--json", "account", "3", "1", "--reply", "2", "--reply", "1"}, 0, {"\"command\": \"*135#\"", "\"answer\": \"1 Balance\\n2 Data options\\n3 Tariff\",\n      \"reply_wanted\": true", "\"sent\": \"2\"", "\"answer\": \"Day pass booked. Enjoy!\",\n      \"reply_wanted\": false,\n      \"sent\": \"1\""}},
+        {{"--simulate", "account", "3", "1"}, 0, {"1 Balance\n2 Data options\n3 Tariff\n"}, "", true},
+        {{"--simulate", "account", "9", "1"}, 2, {}, "no group 9"},
+        {{"--simulate", "account", "1", "4"}, 2, {}, "no entry 4"},
+        {{"--simulate", "account", "1"}, 2, {}, "GROUP and ITEM"},
+        {{"--simulate", "account", "1", "1", "123"}, 2, {}, "takes 0 input(s), 1 given"},
+    });
+    // clang-format on
+}
+
+TEST(DialtoneAccount, ASimWithoutAFileOfItsOwnGetsTheDefaultMenuAndItsInputs) {
+    // Another network's SIM, and a network that knows the voucher code the default menu's top-up sends.
+    clitest::TempDir scenario;
+    const std::string sim = "--simulate=" + scenario.path + "/other-sim.json";
+    std::ofstream(scenario.path + "/other-sim.json") << R"({"sim": {"imsi": "001019876543210"},
+        "ussd": {"menus": {"*102*123456789012#": {"text": "Voucher accepted. New balance 22.34 EUR."}}}})";
+    // clang-format off
+    Expect({
+        {{sim, "account"}, 0, {"  2.1 Top up with a voucher  [*102*]\n        input: Voucher code (12 to 16 characters of 0123456789)\n"}},
+        {{sim, "account", "top-up", "1", "123456789012"}, 0, {"Voucher accepted. New balance 22.34 EUR.\n"}, "", true},
+        {{sim, "account", "2", "1", "12345678901"}, 2, {}, "Voucher code"},
+        {{sim, "account", "2", "1", "12345678901a"}, 2, {}, "Voucher code"},
+        {{sim, "account", "2", "1", "12345678901234567"}, 2, {}, "Voucher code"},
+    });
+    // clang-format on
 }
 
 } // namespace

@@ -98,16 +98,8 @@ TEST(DialtoneCommandLine, UssdOnATerminalAsksForEachReplyUntilAnEmptyLine) {
     EXPECT_EQ(ussd["session"], false) << ussd.dump();
 }
 
-// The standard output of a shell command line.
 std::string Shell(const std::string& command) {
-    std::string out;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[4096];
-        while (const std::size_t n = fread(buffer, 1, sizeof buffer, pipe))
-            out.append(buffer, n);
-        pclose(pipe);
-    }
-    return out;
+    return clitest::Shell(command).out;
 }
 
 TEST(DialtoneCommandLine, CompletionScriptsLoadAndOfferTheCommands) {

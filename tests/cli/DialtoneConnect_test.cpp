@@ -1,12 +1,15 @@
-// The dialtone tool's connection commands against the simulated modem and the stand-in pppd: profiles,
-// connect, monitor, disconnect, and the traffic history they leave.
+// The connection commands against the simulated modem and the stand-in pppd: profiles, connect, monitor,
+// disconnect and the traffic history they leave; the files they write; and connecting as a user who is not
+// root.
 
-#include <atomic>
+#include <grp.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -23,110 +26,58 @@ using clitest::RunDialtone;
 using clitest::TempDir;
 using nlohmann::json;
 
-TEST(DialtoneConnect, ConnectMonitorDisconnectAndTheDaysTraffic) {
+TEST(DialtoneConnect, ConnectDisconnectAndTheDaysTraffic) {
     ConnectWorld world;
     ASSERT_TRUE(world.modem.ready());
 
     // The first connect creates the dial-up service, then dials the SIM's profile; the link stays up.
-    const Outcome connected = world.run({"--wait", "20", "connect"});
-    ASSERT_EQ(connected.status, 0) << connected.err;
-    EXPECT_NE(connected.out.find("Connected with"), std::string::npos) << connected.out;
+    // clang-format off
+    world.expect({
+        {{"--wait", "20", "connect"}, 0, {"Connected with"}},
+        {{"--json", "status"}, 0, {"\"connection\": \"connected\""}},
+        {{"--wait", "0.5", "monitor"}, 0},
+    });
+    // clang-format on
     EXPECT_TRUE(std::filesystem::exists(world.ppp.path + "/peers/VELMODEM1"));
     ASSERT_TRUE(world.linkRunning());
 
-    const Outcome status = world.run({"--json", "status"});
-    ASSERT_EQ(status.status, 0) << status.err;
-    EXPECT_EQ(Parse(status.out).value("connection", ""), "connected") << status.out;
-
-    // monitor shows the counters moving while the link carries data.
-    std::atomic<bool> done{false};
-    std::thread traffic([&] {
-        for (unsigned long long i = 1; !done; ++i) {
-            world.setCounters(1000 * i, 5000 * i);
-            std::this_thread::sleep_for(std::chrono::milliseconds(400));
-        }
-    });
-    const Outcome monitor = world.run({"--json", "--wait", "3.5", "monitor"});
-    done = true;
-    traffic.join();
-    ASSERT_EQ(monitor.status, 0) << monitor.err;
-    std::vector<json> samples;
-    std::istringstream lines(monitor.out);
-    for (std::string line; std::getline(lines, line);)
-        samples.push_back(Parse(line));
-    ASSERT_GE(samples.size(), 2u) << monitor.out;
-    EXPECT_EQ(samples.front().value("connection", ""), "connected");
-    EXPECT_GT(samples.back().value("received_bytes", 0ull), samples.front().value("received_bytes", 0ull))
-        << monitor.out;
-    EXPECT_GT(samples.back().value("duration", 0), 0);
-
+    // The disconnect tells the link's traffic; then nothing is left to end, and nothing more is recorded.
     world.setCounters(4321, 98765);
-    const Outcome disconnected = world.run({"--json", "disconnect"});
-    ASSERT_EQ(disconnected.status, 0) << disconnected.err;
-    EXPECT_EQ(Parse(disconnected.out).value("received_bytes", 0ull), 98765u) << disconnected.out;
+    // clang-format off
+    world.expect({
+        {{"--json", "disconnect"}, 0, {"\"received_bytes\": 98765"}},
+        {{"disconnect"}, 0, {"Not connected"}},
+        {{"--json", "stats"}, 0, {"98765", "4321"}},
+    });
+    // clang-format on
     EXPECT_FALSE(world.linkRunning());
-
-    // Nothing is left to end, and nothing more is recorded.
-    const Outcome again = world.run({"disconnect"});
-    EXPECT_EQ(again.status, 0) << again.err;
-    EXPECT_NE(again.out.find("Not connected"), std::string::npos) << again.out;
-
-    const Outcome stats = world.run({"--json", "stats"});
-    ASSERT_EQ(stats.status, 0) << stats.err;
-    EXPECT_NE(stats.out.find("98765"), std::string::npos) << stats.out;
-    EXPECT_NE(stats.out.find("4321"), std::string::npos) << stats.out;
 }
 
+// The SIM's own profiles come first, the first of them the default; the user's follow.
 TEST(DialtoneConnect, ProfilesListAddDefaultDelete) {
     ConnectWorld world;
     ASSERT_TRUE(world.modem.ready());
-
-    const Outcome added =
-        world.run({"profiles", "add", "Office", "office.apn", "--user", "me", "--auth", "pap"});
-    ASSERT_EQ(added.status, 0) << added.err;
-
-    const auto listed = [&] {
-        const Outcome list = world.run({"--json", "profiles", "list"});
-        EXPECT_EQ(list.status, 0) << list.err;
-        return Parse(list.out);
-    };
-    json list = listed();
-    ASSERT_TRUE(list.contains("profiles")) << list.dump();
-    const json& rows = list["profiles"];
-    ASSERT_GE(rows.size(), 2u);
-    // The SIM's own profiles come first, the first of them the default; the user's follow.
-    EXPECT_TRUE(rows.front()["from_sim"].get<bool>());
-    EXPECT_TRUE(rows.front()["default"].get<bool>());
-    const json& office = rows.back();
-    EXPECT_EQ(office["name"], "Office");
-    EXPECT_FALSE(office["from_sim"].get<bool>());
-    const int officeNumber = office["number"].get<int>();
-
-    const Outcome chosen = world.run({"profiles", "default", std::to_string(officeNumber)});
-    ASSERT_EQ(chosen.status, 0) << chosen.err;
-    list = listed();
-    EXPECT_TRUE(list["profiles"].back()["default"].get<bool>()) << list.dump();
-    EXPECT_FALSE(list["profiles"].front()["default"].get<bool>()) << list.dump();
-
-    const struct {
-        std::vector<std::string> args;
-        int status;
-    } refused[] = {
+    world.expect({{{"profiles", "add", "Office", "office.apn", "--user", "me", "--auth", "pap"}, 0}});
+    const json rows = Parse(world.run({"--json", "profiles", "list"}).out)["profiles"];
+    ASSERT_GE(rows.size(), 2u) << rows.dump();
+    EXPECT_TRUE(rows.front()["from_sim"].get<bool>() && rows.front()["default"].get<bool>());
+    EXPECT_EQ(rows.back()["name"], "Office");
+    EXPECT_FALSE(rows.back()["from_sim"].get<bool>());
+    const std::string office = std::to_string(rows.back()["number"].get<int>());
+    // clang-format off
+    world.expect({
+        {{"profiles", "default", office}, 0},
         {{"profiles", "delete", "1"}, 2},  // comes with the SIM
         {{"profiles", "delete", "99"}, 2}, // no such profile
         {{"profiles", "default", "0"}, 2},
         {{"profiles", "add", "Bad", "apn", "--auth", "kerberos"}, 2},
-    };
-    for (const auto& row : refused) {
-        const Outcome run = world.run(row.args);
-        EXPECT_EQ(run.status, row.status) << row.args.back() << ": " << run.err;
-    }
-
-    const Outcome deleted = world.run({"profiles", "delete", std::to_string(officeNumber)});
-    ASSERT_EQ(deleted.status, 0) << deleted.err;
-    list = listed();
-    for (const json& row : list["profiles"])
-        EXPECT_NE(row["name"], "Office");
+    });
+    // clang-format on
+    const json chosen = Parse(world.run({"--json", "profiles", "list"}).out)["profiles"];
+    EXPECT_TRUE(chosen.back()["default"].get<bool>() && !chosen.front()["default"].get<bool>())
+        << chosen.dump();
+    world.expect({{{"profiles", "delete", office}, 0}});
+    EXPECT_EQ(world.run({"profiles", "list"}).out.find("Office"), std::string::npos);
 }
 
 TEST(DialtoneConnect, PasswordIsReadFromStandardInputNotTheCommandLine) {
@@ -175,6 +126,100 @@ TEST(DialtoneConnect, EveryFileAndFolderWrittenIsTheOwnersAlone) {
         ++seen;
     }
     EXPECT_GE(seen, 12);
+}
+
+// Connecting as a user who is not root: the first connect sets up the dial-up service through pkexec (a
+// stand-in that notes its arguments), the peer belongs to that user, and a user outside the group dip is
+// told how to get in. --simulate leaves the system's dial-up folders alone.
+namespace fs = std::filesystem;
+
+constexpr uid_t kUser = 65534; // nobody
+const std::string kDip = std::to_string(getgrnam("dip") ? getgrnam("dip")->gr_gid : 30);
+
+std::string readAll(const std::string& path) {
+    std::ifstream file(path);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+// The simulated stick and pppd's folders, opened up so that another user can dial: the peers folder
+// stays root's, as /etc/ppp/peers is.
+class UserWorld : public ConnectWorld {
+public:
+    UserWorld() {
+        for (const std::string& folder : {ppp.path, ppp.path + "/peers", modem.devDir.path})
+            chmod(folder.c_str(), 0755);
+        for (const std::string& folder : {ppp.path + "/run", ppp.path + "/net"})
+            chmod(folder.c_str(), 0777);
+        for (const auto& entry : fs::directory_iterator(modem.devDir.path))
+            if (entry.is_symlink())
+                chmod(fs::canonical(entry.path()).c_str(), 0666);
+        chown(modem.home.path.c_str(), kUser, kUser);
+        // pkexec is setuid root; so is its stand-in.
+        fs::copy_file(DIALTONE_FAKE_PKEXEC, pkexec());
+        chown(pkexec().c_str(), 0, 0);
+        chmod(pkexec().c_str(), 04755);
+    }
+
+    // As the user, in the group given ("" for none).
+    Outcome runAs(const std::string& group, const std::vector<std::string>& arguments) const {
+        return run(arguments,
+                   {{"DIALTONE_PKEXEC", pkexec()}, {"DIALTONE_FAKE_PKEXEC_LOG", ppp.path + "/pkexec.log"}},
+                   {"setpriv", "--reuid=" + std::to_string(kUser), "--regid=" + std::to_string(kUser),
+                    group.empty() ? "--clear-groups" : "--groups=" + group, "--"});
+    }
+
+    std::string pkexec() const { return ppp.path + "/pkexec"; }
+    std::string pkexecLog() const { return readAll(ppp.path + "/pkexec.log"); }
+};
+
+TEST(DialtoneConnectAsUser, FirstConnectSetsUpTheServiceThroughPkexecOnce) {
+    if (getuid() != 0)
+        GTEST_SKIP() << "needs root to run the tool as another user";
+    UserWorld world;
+    ASSERT_TRUE(world.modem.ready());
+
+    const Outcome outsider = world.runAs("", {"--wait", "20", "connect"});
+    EXPECT_EQ(outsider.status, 1);
+    EXPECT_NE(outsider.err.find("sudo adduser $USER dip"), std::string::npos) << outsider.err;
+    EXPECT_EQ(world.pkexecLog(), "") << "nothing set up for a user who cannot dial";
+
+    const Outcome connected = world.runAs(kDip, {"--wait", "20", "connect"});
+    ASSERT_EQ(connected.status, 0) << connected.err;
+    EXPECT_NE(connected.err.find("asks for a password once"), std::string::npos) << connected.err;
+    const std::string log = world.pkexecLog();
+    EXPECT_NE(log.find("/VELModemService VELMobileConnector"), std::string::npos) << log;
+    EXPECT_NE(log.find(" VELMODEM1\n"), std::string::npos) << log;
+    const std::string peer = readAll(world.ppp.path + "/peers/VELMODEM1");
+    EXPECT_NE(peer.find("# owner uid 65534\n"), std::string::npos) << peer;
+
+    const Outcome disconnected = world.runAs(kDip, {"--wait", "20", "disconnect"});
+    EXPECT_EQ(disconnected.status, 0) << disconnected.err;
+    const Outcome again = world.runAs(kDip, {"--wait", "20", "connect"});
+    EXPECT_EQ(again.status, 0) << again.err;
+    EXPECT_EQ(world.pkexecLog(), log) << "the password is asked once";
+    world.runAs(kDip, {"--wait", "20", "disconnect"});
+}
+
+TEST(DialtoneConnectAsUser, SimulateWritesNothingOfTheSystems) {
+    TempDir home;
+    // Peers and chat scripts are written through a rename: a write shows in the folder's time.
+    const auto changed = [] {
+        std::vector<fs::file_time_type> times;
+        for (const char* folder : {"/etc/ppp", "/etc/ppp/peers", "/etc/chatscripts"})
+            times.push_back(fs::exists(folder) ? fs::last_write_time(folder) : fs::file_time_type{});
+        return times;
+    };
+    const auto before = changed();
+    const std::vector<std::pair<std::string, std::string>> environment{
+        {"DIALTONE_PPPD", DIALTONE_FAKE_PPPD}, {"DIALTONE_PEERS_DIR", ""},
+        {"DIALTONE_PPP_RUN_DIR", ""},          {"DIALTONE_NET_DIR", ""},
+        {"DIALTONE_CHATSCRIPTS_DIR", ""},      {"XDG_CONFIG_HOME", ""}};
+    // The stand-in pppd dials the simulated port; its interface never comes up without a test to raise it.
+    const Outcome connected = RunDialtone({"--simulate", "--wait", "5", "connect"}, home.path, environment);
+    EXPECT_NE(connected.err.find("did not come up"), std::string::npos) << connected.err;
+    for (const char* command : {"monitor", "disconnect"})
+        RunDialtone({"--simulate", "--wait", "3", command}, home.path, environment);
+    EXPECT_EQ(changed(), before);
 }
 
 } // namespace

@@ -28,17 +28,14 @@ std::string readLine(int fd, std::chrono::milliseconds limit) {
     clock.start();
     while (clock.elapsed() < limit.count()) {
         pollfd pfd{fd, POLLIN, 0};
-        if (poll(&pfd, 1, 50) <= 0) {
+        if (poll(&pfd, 1, 50) <= 0)
             continue;
-        }
         char c = 0;
         const ssize_t n = read(fd, &c, 1);
-        if (n <= 0) {
+        if (n <= 0)
             break;
-        }
-        if (c == '\n') {
+        if (c == '\n')
             return line;
-        }
         line.push_back(c);
     }
     return line;
@@ -47,24 +44,20 @@ std::string readLine(int fd, std::chrono::milliseconds limit) {
 } // namespace
 
 SimulatedModem::SimulatedModem(const QStringList& args) {
-    if (!_dir.isValid()) {
+    if (!_dir.isValid())
         return;
-    }
     int out[2];
-    if (pipe(out) != 0) {
+    if (pipe(out) != 0)
         return;
-    }
     std::vector<std::string> argv{DIALTONE_MODEMSIM, "--dev-dir", _dir.path().toStdString()};
     if (std::getenv("DIALTONE_SIM_TRACE") != nullptr) {
         argv.push_back("--trace"); // the modem's traffic on standard error
     }
-    for (const QString& arg : args) {
+    for (const QString& arg : args)
         argv.push_back(arg.toStdString());
-    }
     std::vector<char*> cargv;
-    for (std::string& arg : argv) {
+    for (std::string& arg : argv)
         cargv.push_back(arg.data());
-    }
     cargv.push_back(nullptr);
     _pid = fork();
     if (_pid == 0) {
@@ -83,14 +76,12 @@ SimulatedModem::SimulatedModem(const QStringList& args) {
 
 SimulatedModem::~SimulatedModem() {
     unsetenv("DIALTONE_DEV_DIR");
-    if (_pid <= 0) {
+    if (_pid <= 0)
         return;
-    }
     kill(_pid, SIGTERM);
     for (int i = 0; i < 500; ++i) {
-        if (waitpid(_pid, nullptr, WNOHANG) == _pid) {
+        if (waitpid(_pid, nullptr, WNOHANG) == _pid)
             return;
-        }
         usleep(10000);
     }
     kill(_pid, SIGKILL);
@@ -128,9 +119,8 @@ QStringList SimulatedModem::commands() const {
     QStringList result;
     for (const QJsonValue& value : control("dump").value("commands").toArray()) {
         const QString command = value.toString();
-        if (command.compare("at", Qt::CaseSensitive) != 0) {
+        if (command.compare("at", Qt::CaseSensitive) != 0)
             result << command;
-        }
     }
     return result;
 }
@@ -139,9 +129,8 @@ bool waitUntil(const std::function<bool()>& cond, std::chrono::milliseconds limi
     QElapsedTimer clock;
     clock.start();
     while (!cond()) {
-        if (clock.elapsed() > limit.count()) {
+        if (clock.elapsed() > limit.count())
             return false;
-        }
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         QThread::msleep(2);
     }

@@ -2,103 +2,32 @@
 // nonsense, dribbles or floods, and against full message storages and a computer-side inbox that cannot
 // be written.
 
-#include "../core/TempHome.h"
-#include "E2ESupport.h"
+#include "WorkerWorld.h"
 
 #include "AtSublayerInterface.h"
 #include "BLRecords.h"
-#include "ComOperation.h"
-#include "GUIThreadAgent.h"
 #include "SMSExt.h"
 #include "SmsTypes.h"
 #include "UserDataFolder.h"
-#include "WorkMessageNames.h"
-#include "WorkNotification.h"
-#include "WorkThread.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
-#include <QTimer>
 
-#include <gtest/gtest.h>
-
-#include <chrono>
 #include <list>
-#include <memory>
-#include <vector>
 
 #include <csignal>
 
 #include <sys/resource.h>
 #include <unistd.h>
 
-using namespace std::chrono_literals;
-
 namespace {
 
 const QString kImsi = QStringLiteral("262021234567890");
 
-class FaultsE2E : public ::testing::Test {
+class FaultsE2E : public WorkerWorld {
 protected:
-    // The simulator first, so that knobs can be set before the worker opens the port.
-    void plug(const QStringList& args = {}) {
-        _sim = std::make_unique<SimulatedModem>(args);
-        ASSERT_TRUE(_sim->started());
-    }
-    void set(const QString& knob) {
-        ASSERT_TRUE(_sim->control("set " + knob).value("ok").toBool()) << knob.toStdString();
-    }
-    void startWorker() {
-        _agent = std::make_unique<GUIThreadAgent>(nullptr, &_module);
-        _agent->setServerSetupCompleteTargetCallBack([this](WorkNotification* wn) { _wn = wn; });
-        ASSERT_TRUE(waitUntil([this] { return _wn != nullptr; }, 15s));
-    }
-    void start(const QStringList& args = {}) {
-        plug(args);
-        startWorker();
-        ASSERT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
-    }
-    void stop() {
-        NotificationCenter::defaultCenter().removeObserver(&_module);
-        _agent.reset();
-        _wn = nullptr;
-        _sim.reset();
-    }
-    void TearDown() override { stop(); }
-
-    QVariantMap sync(const QString& name, const QVariant& value = {}) {
-        QVariantMap userInfo;
-        if (value.isValid()) {
-            WorkNotification::SetValueObject(userInfo, value);
-        }
-        return _wn->sendworkMessage(name, userInfo, true);
-    }
-    static int error(const QVariantMap& response) { return WorkNotification::GetErrorCode(response); }
-
-    std::shared_ptr<std::vector<Notification>> listen(const QString& name) {
-        auto posted = std::make_shared<std::vector<Notification>>();
-        NotificationCenter::defaultCenter().addObserver(
-            name, &_module, [posted](const Notification& n) { posted->push_back(n); });
-        return posted;
-    }
-
-    // Runs fn on the worker's thread, between its requests and timer ticks.
-    template <class Fn> void onWorker(Fn fn) {
-        WorkThread* const worker = WorkThread::GetRequestInterfaceImpObject();
-        ASSERT_NE(worker, nullptr);
-        QMetaObject::invokeMethod(worker, fn, Qt::BlockingQueuedConnection);
-    }
-    size_t queuedReports() {
-        size_t size = 0;
-        onWorker([&size] {
-            UnsolicitedReportList* reports = nullptr;
-            ComOperation::GetInstance()->getUnsoliciteReportList(reports);
-            size = reports->size();
-        });
-        return size;
-    }
     int timeOuts() {
         int count = 0;
         onWorker([&count] { count = ComOperation::GetTimeOutCount(); });
@@ -118,31 +47,15 @@ protected:
         return WorkNotification::GetValueObject(response).toList();
     }
     QJsonArray stored(const QString& storage) const {
-        return _sim->control("dump")
-            .value("sms")
-            .toObject()
-            .value("storages")
-            .toObject()
-            .value(storage)
-            .toObject()
-            .value("messages")
-            .toArray();
+        const QJsonObject storages =
+            _sim->control("dump").value("sms").toObject().value("storages").toObject();
+        return storages.value(storage).toObject().value("messages").toArray();
     }
-    QVariantList inboxOnComputer() const {
+    size_t inboxOnComputer() const {
         std::list<TSMSRecordInPC> records;
         SMSExt::shared().list(kImsi, records);
-        QVariantList out;
-        for (const TSMSRecordInPC& record : records) {
-            out << QString::fromStdString(record.strPdu);
-        }
-        return out;
+        return records.size();
     }
-
-    TempHome _home;
-    QTimer _module; // stands in for a feature module: the requests' sender
-    std::unique_ptr<SimulatedModem> _sim;
-    std::unique_ptr<GUIThreadAgent> _agent;
-    WorkNotification* _wn = nullptr;
 };
 
 // The start-up sequence is ATE1, ATE1, ATE0, AT&F, ATE0Q0V1, AT+CMEE=2; the stick goes at each of them.
@@ -170,23 +83,21 @@ TEST_F(FaultsE2E, StickPulledAtEachStepOfStartUp) {
         EXPECT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
         const QVariantMap info = sync(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
         EXPECT_EQ(error(info), 0);
-        EXPECT_EQ(WorkNotification::GetValueObject(info).value<BLEquipmentInfo>().strImsi, kImsi);
+        EXPECT_EQ(value<BLEquipmentInfo>(info).strImsi, kImsi);
         stop();
     }
 }
 
 // Pulled just as a long command goes out: it ends at once, the poll tells the unplug, a replug recovers.
 TEST_F(FaultsE2E, StickPulledInTheMiddleOfLongCommands) {
-    struct Row {
-        const char* request;
-        QVariant value;
-        const char* pulledAt;
-    };
+    // clang-format off
+    struct Row { const char* request; QVariant value; const char* pulledAt; };
     const Row rows[] = {
         {"MESSAGE_NETWORK_GET_LIST", {}, "AT+COPS=?"},
         {"MESSAGE_SMS_GET_LIST", {}, "AT+CMGL"},
         {"MESSAGE_SMS_SEND", QVariant::fromValue(BLSmsSendItem{"+491701234567", "Hello"}), "AT+CMGS="},
     };
+    // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.request);
         start();
@@ -228,8 +139,7 @@ TEST_F(FaultsE2E, SilentOrGarbledModemTimesOutAndRecovers) {
         set(QStringLiteral("%1 0").arg(knob));
         const QVariantMap info = sync(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
         EXPECT_EQ(error(info), 0);
-        EXPECT_EQ(WorkNotification::GetValueObject(info).value<BLEquipmentInfo>().strManufacturer,
-                  "SIMULATED");
+        EXPECT_EQ(value<BLEquipmentInfo>(info).strManufacturer, "SIMULATED");
         stop();
     }
 }
@@ -243,13 +153,12 @@ TEST_F(FaultsE2E, AnswersInOneBytePieces) {
     ASSERT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
     const QVariantMap info = sync(MESSAGE_SYSTEM_GET_EQUIPMENT_INFO);
     EXPECT_EQ(error(info), 0);
-    EXPECT_EQ(WorkNotification::GetValueObject(info).value<BLEquipmentInfo>().strImsi, kImsi);
+    EXPECT_EQ(value<BLEquipmentInfo>(info).strImsi, kImsi);
     ASSERT_EQ(error(sync(MESSAGE_SMS_INIT)), 0);
     const auto texts = [this] {
         QStringList out;
-        for (const QVariant& entry : list()) {
+        for (const QVariant& entry : list())
             out << entry.value<BLSmsListItem>().strContent;
-        }
         return out;
     };
     const QStringList inPieces = texts();
@@ -291,21 +200,20 @@ TEST_F(FaultsE2E, FullSimAndFullModemMemoryWhileMessagesArrive) {
         ++arrived;
         ASSERT_LE(arrived, 2);
         ASSERT_TRUE(waitUntil([&] { return static_cast<int>(received->size()) == arrived; }, 6s));
-        const auto item = WorkNotification::GetValueObject(received->back().userInfo).value<BLSmsListItem>();
+        const auto item = value<BLSmsListItem>(received->back().userInfo);
         EXPECT_EQ(item.nStoreIn, SMS_STORAGE_MODEM);
     }
     EXPECT_GE(arrived, 1);
     EXPECT_EQ(stored("ME").size(), 2);
     EXPECT_EQ(list().size(), before + arrived);
 
-    const auto newest = WorkNotification::GetValueObject(received->back().userInfo).value<BLSmsListItem>();
+    const auto newest = value<BLSmsListItem>(received->back().userInfo);
     // Message IDs are those of the last listing.
     int newestId = -1;
     for (const QVariant& entry : list()) {
         const auto item = entry.value<BLSmsListItem>();
-        if (item.strContent == newest.strContent && item.nStoreIn == SMS_STORAGE_MODEM) {
+        if (item.strContent == newest.strContent && item.nStoreIn == SMS_STORAGE_MODEM)
             newestId = item.nRef;
-        }
     }
     ASSERT_EQ(error(sync(MESSAGE_SMS_DELETE, newestId)), 0);
     ASSERT_TRUE(_sim->control("sms +491701234567 Room again").value("ok").toBool());
@@ -316,20 +224,16 @@ TEST_F(FaultsE2E, FullSimAndFullModemMemoryWhileMessagesArrive) {
 // The network refuses a send with +CMS ERROR: 500; one refusal is tried again, two end the send, also
 // after the first part of a long message went out. The next send goes.
 TEST_F(FaultsE2E, SendRefusedMidWay) {
-    struct Row {
-        const char* what;
-        int length;
-        int refusals;
-        int after; // parts that go through first
-        bool sent;
-        int partsSent;
-    };
+    // clang-format off
+    // after: parts that go through first
+    struct Row { const char* what; int length; int refusals; int after; bool sent; int partsSent; };
     const Row rows[] = {
         {"refused once, tried again", 5, 1, 0, true, 1},
         {"refused twice", 5, 2, 0, false, 0},
         {"long message refused at its second part", 200, 2, 1, false, 1},
         {"long message refused once at its second part", 200, 1, 1, true, 2},
     };
+    // clang-format on
     start();
     ASSERT_EQ(error(sync(MESSAGE_SMS_INIT)), 0);
     const auto sentCount = [this] {
@@ -351,23 +255,23 @@ TEST_F(FaultsE2E, SendRefusedMidWay) {
 // A message taken out of the modem memory while the computer-side inbox cannot be written stays in the
 // modem (no AT+CMGD) and is moved once the inbox can be written again.
 TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
+    // needsPermissions: root writes through a read-only folder
     struct Row {
         const char* how;
-        bool needsPermissions; // root writes through a read-only folder
+        bool needsPermissions;
     };
     const Row rows[] = {{"read-only folder", true}, {"no room for the file (a file size limit)", false}};
     rlimit fileSize{};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &fileSize), 0);
     for (const Row& row : rows) {
         SCOPED_TRACE(row.how);
-        if (row.needsPermissions && geteuid() == 0) {
+        if (row.needsPermissions && geteuid() == 0)
             continue;
-        }
         start();
         const QString folder = UserDataFolder::dataPath();
         const QString inbox = SMSExt::shared().filePath();
         prepareMessages(SMS_STORAGE_PC); // moves the scenario's message out of the modem memory
-        const qsizetype pcBefore = inboxOnComputer().size();
+        const size_t pcBefore = inboxOnComputer();
         auto received = listen(MESSAGE_RPT_RECEIVE_SMS);
         if (row.needsPermissions) {
             ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
@@ -381,7 +285,7 @@ TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
         const qsizetype sentBefore = _sim->commands().size();
         ASSERT_TRUE(_sim->control("sms +491701234567 Keep me").value("ok").toBool());
         ASSERT_TRUE(waitUntil([&] { return received->size() == 1; }, 6s));
-        const auto item = WorkNotification::GetValueObject(received->front().userInfo).value<BLSmsListItem>();
+        const auto item = value<BLSmsListItem>(received->front().userInfo);
         EXPECT_EQ(item.strContent, "Keep me");
         EXPECT_EQ(item.nStoreIn, SMS_STORAGE_MODEM);
         EXPECT_EQ(stored("ME").size(), 1);
@@ -396,11 +300,10 @@ TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
         }
         const QVariantList items = list();
         EXPECT_EQ(stored("ME").size(), 0);
-        EXPECT_EQ(inboxOnComputer().size(), pcBefore + 1);
+        EXPECT_EQ(inboxOnComputer(), pcBefore + 1);
         int kept = 0;
-        for (const QVariant& entry : items) {
+        for (const QVariant& entry : items)
             kept += entry.value<BLSmsListItem>().strContent == "Keep me" ? 1 : 0;
-        }
         EXPECT_EQ(kept, 1);
         stop();
         QFile::remove(inbox);

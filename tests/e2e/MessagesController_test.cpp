@@ -54,16 +54,19 @@ protected:
         EXPECT_TRUE(waitUntil([&outcome] { return outcome.has_value(); }, 60s));
         return outcome.value_or(Outcome{-1, 0});
     }
-    QList<BLSmsListItem> listed() {
-        QList<BLSmsListItem> items;
+    // One step that answers with a value, waited for; the value.
+    template <class T, class Step> T read(Step step) {
+        T value{};
         EXPECT_TRUE(run([&](auto done) {
-                        _messages->list(
-                            [&items, done](const Outcome& outcome, const QList<BLSmsListItem>& all) {
-                                items = all;
-                                done(outcome);
-                            });
+                        step([&value, done](const Outcome& outcome, const T& read) {
+                            value = read;
+                            done(outcome);
+                        });
                     }).ok());
-        return items;
+        return value;
+    }
+    QList<BLSmsListItem> listed() {
+        return read<QList<BLSmsListItem>>([this](auto done) { _messages->list(done); });
     }
     static bool holds(const QList<BLSmsListItem>& items, const QString& text) {
         return std::any_of(items.begin(), items.end(),
@@ -108,24 +111,10 @@ TEST_F(MessagesControllerTest, ToolStepsListSendDeleteAndArchive) {
 
     // The settings page's and "dialtone sms sc" steps; the service centre reads back as written.
     ASSERT_TRUE(run([&](auto done) { _messages->setServiceCentre("+491722270333", done); }).ok());
-    QString centre;
-    ASSERT_TRUE(run([&](auto done) {
-                    _messages->serviceCentre([&centre, done](const Outcome& outcome, const QString& number) {
-                        centre = number;
-                        done(outcome);
-                    });
-                }).ok());
-    EXPECT_EQ(centre, "+491722270333");
+    EXPECT_EQ(read<QString>([this](auto done) { _messages->serviceCentre(done); }), "+491722270333");
     EXPECT_TRUE(run([&](auto done) { _messages->setValidity({0, 2, 0}, done); }).ok());
     EXPECT_TRUE(run([&](auto done) { _messages->setPreferredStorage(SmsStorage::kSim, done); }).ok());
-    BLSmsStorageState state;
-    EXPECT_TRUE(run([&](auto done) {
-                    _messages->storageState(
-                        [&state, done](const Outcome& outcome, const BLSmsStorageState& read) {
-                            state = read;
-                            done(outcome);
-                        });
-                }).ok());
+    const auto state = read<BLSmsStorageState>([this](auto done) { _messages->storageState(done); });
     EXPECT_EQ(state.nSimUsed, std::count_if(after.begin(), after.end(), [](const BLSmsListItem& item) {
                   return item.nStoreIn == SmsStorage::kSim;
               }));

@@ -1,0 +1,263 @@
+// The commands that need no modem: SMS PDUs decoded and encoded, the traffic history, and the data files
+// when damaged (the tool says on standard error where the damaged file was kept, and works).
+
+#include <sys/stat.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "CliTestSupport.h"
+
+namespace {
+
+using clitest::Outcome;
+using clitest::Parse;
+using clitest::RunDialtone;
+using clitest::TempDir;
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+TEST(DialtonePdu, DecodesWhatAModemPrints) {
+    // clang-format off
+    struct Row { std::vector<std::string> arguments; std::vector<std::string> shown; };
+    const Row rows[] = {
+        {{"pdu", "decode", "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37"},
+         {"SMS-DELIVER", "+18005551212", "2011-01-01T12:34:56+00:00", "text:           hellohello"}},
+        {{"--json", "pdu", "decode", "0791947101670000040D91945111325476F80008323041906235400A004800690020D83DDE00", "--tpdu-len", "30"},
+         {"\"content\": \"Hi \xF0\x9F\x98\x80\"", "\"number\": \"+4915112345678\"", "\"tpdu_type\": 0", "\"time_stamp\": \"2023-03-14T09:26:53+01:00\"", "\"dcs\": 8"}},
+        {{"pdu", "decode", "07919730071111F10414D04937BD2C7797E9D3E614000811309291024061080442043504410442"},
+         {"from:           InternetSMS", "text:           \xD1\x82\xD0\xB5\xD1\x81\xD1\x82"}},
+        {{"pdu", "decode", "07914356060013F1065A098136397339F7219011700463802190117004638030"}, {"SMS-STATUS-REPORT", "0x30 (still trying)", "639337937"}},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.arguments.back());
+        const Outcome run = RunDialtone(row.arguments, "");
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(run.err, "");
+        for (const std::string& shown : row.shown)
+            EXPECT_NE(run.out.find(shown), std::string::npos) << shown << "\n" << run.out;
+    }
+}
+
+// What encode prints is what the send path writes after AT+CMGS, and decodes back to the text.
+TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
+    const std::string text = std::string(160, 'a') + "{ok}";
+    const Outcome encoded =
+        RunDialtone({"pdu", "encode", "+4917012345678", text, "--report", "--validity", "1w"}, "");
+    ASSERT_EQ(encoded.status, 0) << encoded.err;
+    const std::vector<std::string> segments = Lines(encoded.out);
+    ASSERT_EQ(segments.size(), 2u);
+    std::string joined;
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        const Outcome decoded = RunDialtone({"--json", "pdu", "decode", segments[i]}, "");
+        ASSERT_EQ(decoded.status, 0) << decoded.err;
+        EXPECT_NE(decoded.out.find("\"day\": 7"), std::string::npos) << decoded.out;
+        const std::string key = "\"content\": \"";
+        const std::size_t at = decoded.out.find(key);
+        ASSERT_NE(at, std::string::npos);
+        joined +=
+            decoded.out.substr(at + key.size(), decoded.out.find('"', at + key.size()) - at - key.size());
+    }
+    EXPECT_EQ(joined, text);
+    // No service centre; then RD, VPF 2 and UDHI, with the status report asked for on the next-to-last part.
+    EXPECT_EQ(segments[0].substr(0, 4), "0075");
+    EXPECT_EQ(segments[1].substr(0, 4), "0055");
+
+    const Outcome json = RunDialtone({"--json", "pdu", "encode", "0170", "\xD0\xB6"}, "");
+    ASSERT_EQ(json.status, 0);
+    EXPECT_NE(json.out.find("\"encoding_code\": 1"), std::string::npos) << json.out;
+    EXPECT_NE(json.out.find("\"pdu\": \"00"), std::string::npos) << json.out;
+}
+
+TEST(DialtonePdu, FailuresAndUsageErrors) {
+    // clang-format off
+    const clitest::Step rows[] = {
+        {{"pdu", "decode", "07912143658709F1XX"}, 1, {}, "the PDU could not be decoded (result 1)"},
+        {{"--json", "pdu", "decode", "0791"}, 1, {"{\n  \"error\": {\n    \"code\": 1,\n    \"message\": \"the PDU could not be decoded\"\n  }\n}\n"}, "could not be decoded", true},
+        {{"pdu", "encode", "*100#", "hi"}, 2, {}, "'*100#' is a service code, not a phone number: use dialtone ussd '*100#'"},
+        {{"pdu", "encode", "abc", "hi"}, 2, {}, "letters are not allowed in a phone number"},
+        {{"pdu", "encode", "0170 \xF0\x9F\x98\x80", "hi"}, 2, {}, "is not a phone number"},
+        {{"pdu", "encode", "", "hi"}, 2, {}, "the phone number is empty"},
+        {{"pdu", "encode", "+999 1234", "hi"}, 2, {}, "country code that does not exist"},
+        {{"pdu", "encode", "1234567890123456789012345", "hi"}, 2, {}, "has 25 digits"},
+        {{"pdu", "encode", "123", "hi", "--validity", "3x"}, 2, {}, "--validity"},
+        {{"pdu", "decode"}, 2, {}, "HEX"},
+        {{"pdu"}, 2, {}, "'pdu' needs a command: decode, encode."},
+        {{"pdu", "decode", "00", "--tpdu-len", "x"}, 2, {}, "--tpdu-len"},
+        {{}, 2, {}, "a command is needed: status, info"},
+        {{"--version"}, 0, {"dialtone "}},
+        {{"pdu", "encode", "--help"}, 0, {"--validity"}},
+    };
+    // clang-format on
+    for (const clitest::Step& row : rows)
+        clitest::ExpectStep(row, RunDialtone(row.args, ""));
+}
+
+void WriteFile(const std::string& path, const std::string& text) {
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream(path) << text;
+}
+
+std::string Plist(const std::string& dictBody) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>" + dictBody +
+           "</dict></plist>\n";
+}
+
+std::string Day(const std::string& key, int sent, int received, int roamingSent, int roamingReceived) {
+    return "<key>" + key + "</key><dict><key>NOROAMING SENDBYTES</key><integer>" + std::to_string(sent) +
+           "</integer><key>NOROAMING RECEIVEBYTES</key><integer>" + std::to_string(received) +
+           "</integer><key>ROAMING SENDBYTES</key><integer>" + std::to_string(roamingSent) +
+           "</integer><key>ROAMING RECEIVEBYTES</key><integer>" + std::to_string(roamingReceived) +
+           "</integer></dict>";
+}
+
+// A home with three days of history (one outside 30 Jan..2 Feb) and totals since a reset.
+void Seed(const std::string& home) {
+    WriteFile(home + "/.local/share/dialtone/DateTraffics.plist",
+              Plist("<key>CREATION_TIME</key><date>2024-01-01T00:00:00Z</date>" +
+                    Day("2024/02/02", 2048, 1536, 0, 0) + Day("2024/01/31", 100, 200, 300, 400) +
+                    Day("2024/02/05", 1, 1, 1, 1)));
+    WriteFile(home + "/.config/dialtone/SystemConfig.plist",
+              Plist("<key>SIMPLE_STATICS</key><dict><key>NOROAMING SENDBYTES</key><integer>5000</integer>"
+                    "<key>NOROAMING RECEIVEBYTES</key><integer>1048576</integer>"
+                    "<key>CONNECTTIME</key><integer>3661</integer></dict>"
+                    "<key>RESETTIME</key><date>2024-01-15T08:00:00Z</date>"));
+}
+
+TEST(DialtoneStats, Runs) {
+    // clang-format off
+    const struct { bool seeded; clitest::Step step; } rows[] = {
+        {false, {{"stats"}, 0, {"(no traffic recorded", "Total", "never reset", "0:00:00"}}},
+        {true, {{"stats", "--from", "2024-01-30", "--to", "2024-02-02"}, 0, {"2024/01/31", "100 bytes", "400 bytes", "2024/02/02", "2.0 KiB", "1.5 KiB", "Since the last reset on 2024-01-1", "sent 4.9 KiB, received 1.0 MiB, connection time 1:01:01"}}},
+        {false, {{"stats", "--from", "2024-02-30"}, 2, {}, "--from: \"2024-02-30\" is not a valid date"}},
+        {false, {{"stats", "--to", "31-01-2024"}, 2, {}, "--to: \"31-01-2024\" is not a valid date"}},
+        {false, {{"stats", "--from", "2024-02-03", "--to", "2024-02-02"}, 2, {}, "is after --to"}},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        TempDir home;
+        if (row.seeded)
+            Seed(home.path);
+        clitest::ExpectStep(row.step, RunDialtone(row.step.args, home.path));
+    }
+}
+
+TEST(DialtoneStats, JsonRangeThenResetThenDeleteHistory) {
+    TempDir home;
+    Seed(home.path);
+    const std::vector<std::string> query{"--json", "stats", "--from", "2024-01-30", "--to", "2024-02-02"};
+    // clang-format off
+    const clitest::Step steps[] = {
+        {query, 0, {R"("day": "2024-01-31")", R"("roaming_received_bytes": 400)", R"("day": "2024-02-02")", "\"total\": {\n    \"received_bytes\": 1736", "\"sent_bytes\": 2148",
+                    "\"since_reset\": {\n    \"connection_time\": 3661,\n    \"received_bytes\": 1048576,\n    \"reset_time\": \"2024-01-15T08:00:00+00:00\""}},
+        {{"stats", "reset"}, 0, {"day history was kept"}},
+        {query, 0, {"\"since_reset\": {\n    \"connection_time\": 0,\n    \"received_bytes\": 0,\n    \"reset_time\": \"20", R"("day": "2024-02-02")"}},
+        {{"--json", "stats", "reset", "--history"}, 0, {"\"history_deleted\": true"}},
+        {query, 0, {"\"days\": []"}},
+    };
+    // clang-format on
+    for (const clitest::Step& step : steps)
+        clitest::ExpectStep(step, RunDialtone(step.args, home.path));
+    EXPECT_EQ(RunDialtone(query, home.path).out.find("2024-01-15T08:00:00"), std::string::npos);
+}
+
+// The tool with damaged data files: it says on standard error where the damaged file was kept, and works.
+namespace fs = std::filesystem;
+
+std::string ReadAll(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+std::vector<fs::path> KeptCopies(const fs::path& file) {
+    std::vector<fs::path> kept;
+    for (const auto& entry : fs::directory_iterator(file.parent_path())) {
+        if (entry.path().filename().string().rfind(file.filename().string() + ".damaged-", 0) == 0) {
+            kept.push_back(entry.path());
+        }
+    }
+    return kept;
+}
+
+// A damaged file, or a folder or named pipe (a plain read would block on it) in the file's place.
+TEST(DialtoneDamagedFiles, StatsGoesOnAndSaysWhereTheCopyIs) {
+    enum Kind { File, Folder, Pipe };
+    // clang-format off
+    const struct { const char* file; std::string bytes; Kind kind = File; } rows[] = {
+        {"DateTraffics.plist", std::string("bplist00\xd1\x01\x02", 10)},
+        {"DateTraffics.plist", ""},
+        {"SystemConfig.plist", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>SMS_VP</key>"},
+        {"SystemConfig.plist", "<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>"},
+        {"DateTraffics.plist", "", Folder},
+        {"SystemConfig.plist", "", Pipe},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.file) + " holding " + std::to_string(row.bytes.size()) +
+                     " bytes, kind " + std::to_string(row.kind));
+        TempDir home;
+        const bool setting = std::string(row.file) == "SystemConfig.plist";
+        const fs::path data = fs::path(home.path) / (setting ? ".config" : ".local/share") / "dialtone";
+        fs::create_directories(data);
+        if (row.kind == Folder)
+            fs::create_directories(data / row.file / "inside");
+        else if (row.kind == Pipe)
+            ASSERT_EQ(mkfifo((data / row.file).c_str(), 0600), 0);
+        else
+            std::ofstream(data / row.file, std::ios::binary) << row.bytes;
+
+        const Outcome run = RunDialtone({"stats"}, home.path);
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_NE(run.out.find("Total"), std::string::npos) << run.out;
+        const std::vector<fs::path> kept = KeptCopies(data / row.file);
+        ASSERT_EQ(kept.size(), 1u);
+        EXPECT_EQ(fs::is_directory(kept[0]), row.kind == Folder);
+        EXPECT_EQ(fs::is_fifo(kept[0]), row.kind == Pipe);
+        if (row.kind == File) {
+            EXPECT_EQ(ReadAll(kept[0]), row.bytes);
+        }
+        EXPECT_NE(run.err.find("dialtone: "), std::string::npos) << run.err;
+        EXPECT_NE(run.err.find(kept[0].string()), std::string::npos) << run.err;
+    }
+}
+
+TEST(DialtoneDamagedFiles, WrongProfileEntriesAreCountedAndTheGoodOnesKept) {
+    TempDir home;
+    const fs::path data = fs::path(home.path) / ".local/share/dialtone";
+    fs::create_directories(data);
+    std::ofstream(data / "UserAPNList.plist")
+        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><array>"
+           "<dict><key>ACCOUNT</key><string>Home</string><key>APN</key><string>home.example</string></dict>"
+           "<dict><key>ACCOUNT</key><string>No APN</string></dict>"
+           "<dict><key>ACCOUNT</key><array/><key>APN</key><string>x</string></dict>"
+           "<string>not a profile</string></array></plist>";
+
+    const Outcome run = RunDialtone({"profiles", "add", "Office", "office.example"}, home.path);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(
+        run.err.find("UserAPNList.plist holds 3 wrong entries; they are skipped and the file is kept as"),
+        std::string::npos)
+        << run.err;
+    const std::vector<fs::path> kept = KeptCopies(data / "UserAPNList.plist");
+    ASSERT_EQ(kept.size(), 1u);
+    EXPECT_NE(ReadAll(kept[0]).find("No APN"), std::string::npos);
+    const std::string stored = ReadAll(data / "UserAPNList.plist");
+    EXPECT_NE(stored.find("home.example"), std::string::npos);
+    EXPECT_NE(stored.find("office.example"), std::string::npos);
+}
+
+} // namespace
