@@ -52,7 +52,7 @@ TEST(DialtoneReplay, ShippedRecordingsGiveTheRecordedOutput) {
         EXPECT_NE(refused.err.find("exists already"), std::string::npos) << refused.err;
         ++played;
     }
-    EXPECT_EQ(played, 2);
+    EXPECT_GE(played, 2);
 }
 
 } // namespace
