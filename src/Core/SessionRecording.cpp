@@ -119,8 +119,10 @@ public:
 
 private:
     void maskAllDigits(std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i < end; ++i)
-            _hex[i] = kMaskDigit;
+        for (std::size_t i = begin; i < end; ++i) {
+            if (std::isxdigit(static_cast<unsigned char>(_hex[i])))
+                _hex[i] = kMaskDigit;
+        }
     }
     bool has(std::size_t octet) const { return octet < _octets; }
     uint8_t octet(std::size_t index) const {
@@ -242,8 +244,12 @@ bool FinalOrReport(std::string_view line) {
 
 std::string PrivateDataMask::mask(char direction, std::string_view text) {
     std::string line(text);
-    // A message body typed after the "> " prompt (its echo too), up to Ctrl-Z or ESC.
-    if (_sentBody != Next::Nothing && !FinalOrReport(line) && !StartsWithNoCase(line, "AT")) {
+    // A message body typed after the "> " prompt (its echo too), up to Ctrl-Z or ESC; the modem's answer
+    // or the next command ends it.
+    if (_sentBody != Next::Nothing &&
+        (StartsWithNoCase(line, "AT") || (direction == '<' && FinalOrReport(line))))
+        _sentBody = Next::Nothing;
+    if (_sentBody != Next::Nothing) {
         std::size_t begin = line.compare(0, 2, "> ") == 0 ? 2 : 0;
         std::size_t end = line.find_first_of("\x1A\x1B", begin);
         const bool ends = end != std::string::npos;

@@ -1,3 +1,4 @@
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -13,7 +14,8 @@ std::string Recorded(PrivateDataMask& mask, char direction, const std::string& l
     return MaskSecrets(mask.mask(direction, line));
 }
 
-// Each row is a line as it went over the port, after the line before it in the session (same direction).
+// Each row is a line as it went over the port, after the lines before it in the session (each with its
+// direction first).
 // A PDU row gives what the product's own decoder must read from the masked PDU instead of its hex.
 TEST(SessionRecording, MaskingHidesPeopleAndKeepsTheLineReadable) {
     // clang-format off
@@ -29,23 +31,25 @@ TEST(SessionRecording, MaskingHidesPeopleAndKeepsTheLineReadable) {
         {"USSD code as UCS2 units", '>', nullptr, "AT+CUSD=1,\"002A0031003000300023\",15", "AT+CUSD=1,\"00780078007800780078\",15", nullptr, nullptr},
         {"USSD answer", '<', nullptr, "+CUSD: 0,\"Balance: 5.00 EUR\",15", "+CUSD: 0,\"xxxxxxxxxxxxxxxxx\",15", nullptr, nullptr},
         {"text-mode send", '>', nullptr, "AT+CMGS=\"+491701234567\",145", "AT+CMGS=\"+000000000000\",145", nullptr, nullptr},
-        {"text-mode body", '>', "AT+CMGS=\"+4917\"", "Meet at 8\x1A", "xxxxxxxxx\x1A", nullptr, nullptr},
+        {"text-mode body", '>', ">AT+CMGS=\"+4917\"", "Meet at 8\x1A", "xxxxxxxxx\x1A", nullptr, nullptr},
         {"text-mode read", '<', nullptr, "+CMGR: \"REC READ\",\"+491701234567\",,\"26/11/24,10:00:00+04\"", "+CMGR: \"REC READ\",\"+000000000000\",,\"26/11/24,10:00:00+04\"", nullptr, nullptr},
-        {"text-mode read body", '<', "+CMGR: \"REC READ\",\"+4917\",,\"26/11/24,10:00:00+04\"", "Meet at 8", "xxxxxxxxx", nullptr, nullptr},
+        {"text-mode read body", '<', "<+CMGR: \"REC READ\",\"+4917\",,\"26/11/24,10:00:00+04\"", "Meet at 8", "xxxxxxxxx", nullptr, nullptr},
+        {"answer after a refused send", '<', ">AT+CMGS=23\n<ERROR", "SIMULATED", "SIMULATED", nullptr, nullptr},
         {"PDU length is no number", '>', nullptr, "AT+CMGS=23", "AT+CMGS=23", nullptr, nullptr},
-        {"7-bit SUBMIT", '>', "AT+CMGS=24", "0005010C9194711032547600000BC8329BFD668182EE7008\x1A", nullptr, "+000000000000", L"xxxxxxxxxxx"},
-        {"UCS2 SUBMIT", '>', "AT+CMGS=25", "0005010C9194711032547600080C041F04400438043204350442\x1A", nullptr, "+000000000000", L"xxxxxx"},
-        {"SUBMIT with a header", '>', "AT+CMGS=29", "0045020C91947110325476000011050003000202C865F3199D56E3F37A\x1A", nullptr, "+000000000000", L"xxxxxxxxxx"},
-        {"short number, odd digits", '>', "AT+CMGS=12", "00050105812252F5000002C834\x1A", nullptr, "00000", L"xx"},
-        {"UCS2 DELIVER read", '<', "+CMGR: 0,,30", "0791947101670000040D91945111325476F80008323041906235400A004800690020D83DDE00", nullptr, "+0000000000000", L"xxxxx"},
-        {"DELIVER from a name", '<', "+CMT: ,30", "07919730071111F10414D04937BD2C7797E9D3E614000811309291024061080442043504410442", nullptr, "InternetSMS", L"xxxx"},
+        {"7-bit SUBMIT", '>', ">AT+CMGS=24", "0005010C9194711032547600000BC8329BFD668182EE7008\x1A", nullptr, "+000000000000", L"xxxxxxxxxxx"},
+        {"UCS2 SUBMIT", '>', ">AT+CMGS=25", "0005010C9194711032547600080C041F04400438043204350442\x1A", nullptr, "+000000000000", L"xxxxxx"},
+        {"SUBMIT with a header", '>', ">AT+CMGS=29", "0045020C91947110325476000011050003000202C865F3199D56E3F37A\x1A", nullptr, "+000000000000", L"xxxxxxxxxx"},
+        {"short number, odd digits", '>', ">AT+CMGS=12", "00050105812252F5000002C834\x1A", nullptr, "00000", L"xx"},
+        {"UCS2 DELIVER read", '<', "<+CMGR: 0,,30", "0791947101670000040D91945111325476F80008323041906235400A004800690020D83DDE00", nullptr, "+0000000000000", L"xxxxx"},
+        {"DELIVER from a name", '<', "<+CMT: ,30", "07919730071111F10414D04937BD2C7797E9D3E614000811309291024061080442043504410442", nullptr, "InternetSMS", L"xxxx"},
     };
     // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         PrivateDataMask mask;
-        if (row.before != nullptr)
-            Recorded(mask, row.direction, row.before);
+        std::istringstream before(row.before != nullptr ? row.before : "");
+        for (std::string line; std::getline(before, line);)
+            Recorded(mask, line[0], line.substr(1));
         std::string masked = Recorded(mask, row.direction, row.line);
         if (row.masked != nullptr) {
             EXPECT_EQ(masked, row.masked);
