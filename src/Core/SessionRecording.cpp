@@ -96,11 +96,25 @@ void MaskText(std::string& line, std::size_t begin, std::size_t end) {
 // The argument's inside without its quotes; false when it is not a quoted string.
 bool QuotedInside(const std::string& line, std::pair<std::size_t, std::size_t> argument, std::size_t& begin,
                   std::size_t& end) {
-    if (argument.second - argument.first < 2 || line[argument.first] != '"' || line[argument.second - 1] != '"')
+    if (argument.second - argument.first < 2 || line[argument.first] != '"' ||
+        line[argument.second - 1] != '"')
         return false;
     begin = argument.first + 1;
     end = argument.second - 1;
     return true;
+}
+
+enum class Coding { Gsm7, Octets, Ucs2 };
+
+// The alphabet of a data coding scheme (3GPP TS 23.038 4); compressed text counts as octets.
+Coding CodingOf(uint8_t dcs) {
+    if ((dcs & 0xC0) == 0) {
+        const unsigned alphabet = dcs >> 2 & 3;
+        return (dcs & 0x20) || alphabet == 1 ? Coding::Octets : alphabet == 2 ? Coding::Ucs2 : Coding::Gsm7;
+    }
+    if ((dcs & 0xF0) == 0xF0)
+        return (dcs & 0x04) ? Coding::Octets : Coding::Gsm7;
+    return (dcs & 0xF0) == 0xE0 ? Coding::Ucs2 : Coding::Gsm7;
 }
 
 // The SMS PDU in hex (service centre address first, as AT+CMGS takes it and AT+CMGR prints it) with the
@@ -126,7 +140,8 @@ private:
     }
     bool has(std::size_t octet) const { return octet < _octets; }
     uint8_t octet(std::size_t index) const {
-        return static_cast<uint8_t>(HexValue(_hex[_begin + 2 * index]) << 4 | HexValue(_hex[_begin + 2 * index + 1]));
+        return static_cast<uint8_t>(HexValue(_hex[_begin + 2 * index]) << 4 |
+                                    HexValue(_hex[_begin + 2 * index + 1]));
     }
     void setOctet(std::size_t index, uint8_t value) {
         static constexpr char kDigits[] = "0123456789ABCDEF";
@@ -137,7 +152,8 @@ private:
     void maskDigits(std::size_t first, std::size_t count) {
         for (std::size_t i = first; i < first + count; ++i) {
             const uint8_t value = octet(i);
-            setOctet(i, static_cast<uint8_t>(((value >> 4) <= 9 ? 0 : value & 0xF0) | ((value & 15) <= 9 ? 0 : value & 15)));
+            setOctet(i, static_cast<uint8_t>(((value >> 4) <= 9 ? 0 : value & 0xF0) |
+                                             ((value & 15) <= 9 ? 0 : value & 15)));
         }
     }
     // An address field: digit count, type, semi-octets; an alphanumeric sender ("Vodafone") stays.
@@ -181,22 +197,15 @@ private:
             return false;
         }
     }
-    // The user data after its length octet at udl; the DCS octet is two before the PID's successor.
+    // The user data after its length octet at udl, in the coding of the DCS octet just before dcsEnd.
     bool userData(uint8_t first, std::size_t dcsEnd, std::size_t udl) {
         if (!has(udl) || !has(dcsEnd - 1))
             return false;
-        const uint8_t dcs = octet(dcsEnd - 1);
-        enum { Gsm7, Octets, Ucs2 } coding = Gsm7;
-        if ((dcs & 0xC0) == 0)
-            coding = (dcs & 0x20) ? Octets : ((dcs >> 2 & 3) == 1 ? Octets : (dcs >> 2 & 3) == 2 ? Ucs2 : Gsm7);
-        else if ((dcs & 0xF0) == 0xF0)
-            coding = (dcs & 0x04) ? Octets : Gsm7;
-        else if ((dcs & 0xF0) == 0xE0)
-            coding = Ucs2;
+        const Coding coding = CodingOf(octet(dcsEnd - 1));
         const std::size_t length = octet(udl);
         const std::size_t data = udl + 1;
         const std::size_t header = (first & 0x40) && has(data) ? octet(data) + 1u : 0;
-        if (coding == Gsm7) {
+        if (coding == Coding::Gsm7) {
             if ((length * 7 + 7) / 8 > _octets - data)
                 return false;
             for (std::size_t septet = (header * 8 + 6) / 7; septet < length; ++septet) {
@@ -213,7 +222,7 @@ private:
         if (length > _octets - data)
             return false;
         for (std::size_t i = header; i < length; ++i)
-            setOctet(data + i, coding == Ucs2 && (i - header) % 2 == 0 ? 0 : kMaskChar);
+            setOctet(data + i, coding == Coding::Ucs2 && (i - header) % 2 == 0 ? 0 : kMaskChar);
         return true;
     }
 
@@ -231,8 +240,8 @@ struct NumberField {
 constexpr NumberField kNumberFields[] = {
     {"+CMGS=", 0, -1}, {"+CMGW=", 0, -1}, {"+CPBW=", 1, -1}, {"+CSCA=", 0, -1}, {"+CUSD=", -1, 1},
     {"+CPBR:", 1, -1}, {"+CPBF:", 1, -1}, {"+CLIP:", 0, -1}, {"+CLCC:", 5, -1}, {"+CCWA:", 0, -1},
-    {"+COLP:", 0, -1}, {"+CNUM:", 1, -1}, {"+CSCA:", 0, -1}, {"+CMGR:", 1, -1}, {"+CMGL:", 2, -1}, {"+CMT:", 0, -1},
-    {"+CDS:", 2, -1},  {"+CUSD:", -1, 1},
+    {"+COLP:", 0, -1}, {"+CNUM:", 1, -1}, {"+CSCA:", 0, -1}, {"+CMGR:", 1, -1}, {"+CMGL:", 2, -1},
+    {"+CMT:", 0, -1},  {"+CDS:", 2, -1},  {"+CUSD:", -1, 1},
 };
 // clang-format on
 
@@ -309,7 +318,7 @@ std::string PrivateDataMask::mask(char direction, std::string_view text) {
             QuotedInside(line, arguments[field.text], begin, end))
             MaskText(line, begin, end);
         if (prefix == "+CMGS=" || prefix == "+CMGW=")
-            _sentBody = quotedNumber || (arguments.empty() && _textMode) ? Next::Text : Next::Pdu;
+            _sentBody = quotedNumber ? Next::Text : Next::Pdu;
         else if (prefix == "+CMGR:" || prefix == "+CMGL:" || prefix == "+CMT:")
             _readBody = quotedNumber ? Next::Text : Next::Pdu;
         else if (prefix == "+CDS:" && arguments.size() == 1)
@@ -356,7 +365,8 @@ bool Fail(std::string& error, std::size_t number, const std::string& what) {
 
 bool ParseHeader(std::string_view line, Recording& recording, std::string& error) {
     static constexpr std::string_view kMagic = "#dialtone-recording 1";
-    if (line.substr(0, kMagic.size()) != kMagic || (line.size() > kMagic.size() && line[kMagic.size()] != ' ')) {
+    if (line.substr(0, kMagic.size()) != kMagic ||
+        (line.size() > kMagic.size() && line[kMagic.size()] != ' ')) {
         error = "not a dialtone recording (its first line must begin with \"#dialtone-recording 1\")";
         return false;
     }
@@ -365,7 +375,8 @@ bool ParseHeader(std::string_view line, Recording& recording, std::string& error
         const std::size_t end = std::min(line.find(' ', at + 1), line.size());
         const std::string_view field = line.substr(at + 1, end - at - 1);
         const std::size_t equals = field.find('=');
-        const std::string value(equals == std::string_view::npos ? std::string_view() : field.substr(equals + 1));
+        const std::string value(equals == std::string_view::npos ? std::string_view()
+                                                                 : field.substr(equals + 1));
         const std::string_view key = field.substr(0, equals);
         if (key == "version")
             recording.version = value;
@@ -414,7 +425,8 @@ bool ParseRecording(std::string_view text, Recording& recording, std::string& er
         const std::size_t digits = line.find_first_not_of("0123456789");
         if (digits == 0 || digits > 12 || digits == std::string_view::npos)
             return Fail(error, number, "no time (milliseconds since the start) at the beginning");
-        if (line.size() < digits + 3 || line[digits] != ' ' || (line[digits + 1] != '>' && line[digits + 1] != '<') ||
+        if (line.size() < digits + 3 || line[digits] != ' ' ||
+            (line[digits + 1] != '>' && line[digits + 1] != '<') ||
             (line.size() > digits + 2 && line[digits + 2] != ' '))
             return Fail(error, number, "no direction ('>' or '<') after the time");
         RecordedLine recorded;

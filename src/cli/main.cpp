@@ -62,7 +62,8 @@ int main(int argc, char** argv) {
     std::string record;
     bool recordPrivate = false;
     CLI::Option* recordOption =
-        app.add_option("--record", record, "Save the AT exchange with the modem to a new file (doc/recording.md)")
+        app.add_option("--record", record,
+                       "Save the AT exchange with the modem to a new file (doc/recording.md)")
             ->type_name("FILE");
     app.add_flag("--record-private", recordPrivate,
                  "Keep numbers, message texts, PINs and passwords in the recording instead of masking them")

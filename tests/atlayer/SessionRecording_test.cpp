@@ -60,7 +60,10 @@ TEST(SessionRecording, MaskingHidesPeopleAndKeepsTheLineReadable) {
             masked.pop_back();
         const int serviceCentre = 1 + std::stoi(masked.substr(0, 2), nullptr, 16);
         TPduData pdu;
-        ASSERT_EQ(CSmsUtility::DecodePduData(masked.c_str(), static_cast<int>(masked.size() / 2) - serviceCentre, pdu), 0) << masked;
+        ASSERT_EQ(CSmsUtility::DecodePduData(masked.c_str(),
+                                             static_cast<int>(masked.size() / 2) - serviceCentre, pdu),
+                  0)
+            << masked;
         TMessageListItem item;
         item.pduData = pdu;
         TMsgPacket packet;
@@ -71,7 +74,8 @@ TEST(SessionRecording, MaskingHidesPeopleAndKeepsTheLineReadable) {
 }
 
 TEST(SessionRecording, DamagedFilesAreRefusedWithTheLine) {
-    const std::string header = "#dialtone-recording 1 version=1 date=2026-11-24T10:00:00Z dialect=vel masked=yes\n";
+    const std::string header =
+        "#dialtone-recording 1 version=1 date=2026-11-24T10:00:00Z dialect=vel masked=yes\n";
     // clang-format off
     struct Row { const char* name; std::string text; const char* error; };
     const Row rows[] = {

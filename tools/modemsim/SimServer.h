@@ -15,7 +15,7 @@ struct ServerOptions {
     std::string devDir;
     std::string controlPath; // empty: <devDir>/modemsim.sock
     std::string suffix = "1";
-    bool trace = false;           // AT traffic on standard error
+    bool trace = false;          // AT traffic on standard error
     SimReplay* replay = nullptr; // a recorded session answers on the AT port instead of the modem
 };
 

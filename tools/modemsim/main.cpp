@@ -9,10 +9,10 @@
 // recorded session did (dialtone --record).
 
 #include <csignal>
-#include <optional>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
