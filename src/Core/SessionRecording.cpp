@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <mutex>
@@ -507,6 +508,23 @@ Recorder& TheRecorder() {
 
 std::atomic<bool> g_recording{false};
 
+void WriteHeaderOnce(Recorder& recorder) {
+    if (recorder.headerWritten)
+        return;
+    const std::string dialect = recorder.dialect ? recorder.dialect() : "vel";
+    std::fputs(RecordingHeader(recorder.version, recorder.date, dialect, !recorder.keepPrivate).c_str(),
+               recorder.file);
+    recorder.headerWritten = true;
+}
+
+// A run that never spoke to the modem still leaves a recording that says what it is.
+void FinishRecording() {
+    Recorder& recorder = TheRecorder();
+    std::lock_guard lock(recorder.mutex);
+    WriteHeaderOnce(recorder);
+    std::fflush(recorder.file);
+}
+
 } // namespace
 
 bool StartRecording(const std::string& path, bool keepPrivate, const std::string& version,
@@ -540,6 +558,7 @@ bool StartRecording(const std::string& path, bool keepPrivate, const std::string
     recorder.dialect = std::move(dialect);
     recorder.start = std::chrono::steady_clock::now();
     g_recording.store(true);
+    std::atexit(FinishRecording);
     return true;
 }
 
@@ -552,12 +571,7 @@ void RecordTraffic(char direction, std::string_view text) {
         return;
     Recorder& recorder = TheRecorder();
     std::lock_guard lock(recorder.mutex);
-    if (!recorder.headerWritten) {
-        const std::string dialect = recorder.dialect ? recorder.dialect() : "vel";
-        std::fputs(RecordingHeader(recorder.version, recorder.date, dialect, !recorder.keepPrivate).c_str(),
-                   recorder.file);
-        recorder.headerWritten = true;
-    }
+    WriteHeaderOnce(recorder);
     const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(
                                   std::chrono::steady_clock::now() - recorder.start)
                                   .count();

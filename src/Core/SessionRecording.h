@@ -65,7 +65,8 @@ bool LoadRecording(const std::string& path, Recording& recording, std::string& e
 
 // Recording this process's modem traffic (TrafficTap feeds it). The file is created for the user only
 // and never replaces one that exists. The header is written with the first line, once the dialect
-// (asked of dialect()) is known. False with the reason in error.
+// (asked of dialect()) is known, or at exit when the run never spoke to the modem. False with the reason
+// in error.
 bool StartRecording(const std::string& path, bool keepPrivate, const std::string& version,
                     std::function<std::string()> dialect, std::string& error);
 bool RecordingOn();
