@@ -8,6 +8,8 @@
 #include <mutex>
 #include <string>
 
+#include "SessionRecording.h"
+
 namespace {
 std::atomic<std::FILE*> g_sink{stdout};
 std::atomic<std::FILE*> g_trafficSink{nullptr};
@@ -159,7 +161,7 @@ void SetTrafficSink(std::FILE* stream) {
 }
 
 bool TrafficTapOn() {
-    return g_trafficSink.load(std::memory_order_relaxed) != nullptr;
+    return g_trafficSink.load(std::memory_order_relaxed) != nullptr || RecordingOn();
 }
 
 std::string TrafficLines(std::string_view timeOfDay, char direction, std::string_view text) {
@@ -193,6 +195,7 @@ std::string TrafficLines(std::string_view timeOfDay, char direction, std::string
 }
 
 void TrafficTap(char direction, std::string_view text) {
+    RecordTraffic(direction, text);
     std::FILE* sink = g_trafficSink.load();
     if (sink == nullptr || text.empty())
         return;

@@ -25,7 +25,8 @@ std::string MaskSecrets(std::string_view text);
 
 // The modem traffic: what the channel writes to the port and reads from it, one line per AT line, with the
 // local time of day, secrets masked. Off (nullptr) by default; the command-line tool's --debug points it at
-// standard error. When off, a tap costs one atomic load.
+// standard error. When off, a tap costs one atomic load. The tap also feeds a recording (SessionRecording.h)
+// when one is under way.
 void SetTrafficSink(std::FILE* stream);
 bool TrafficTapOn();
 // direction '>' for text written to the modem, '<' for text read from it. The text may hold several lines

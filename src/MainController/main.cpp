@@ -13,6 +13,7 @@
 #include "MainWindow.h"
 #include "QuitOnSignals.h"
 #include "ScreenshotRun.h"
+#include "SessionRecorder.h"
 #include "Simulator.h"
 #include "Translations.h"
 
@@ -47,9 +48,18 @@ int main(int argc, char** argv) {
     const QCommandLineOption noService(
         QStringLiteral("no-service"),
         QStringLiteral("Open the modem in this program even when the modem service (dialtoned) is there."));
-    parser.addOptions({simulate, scenario, devDir, screenshots, debug, noService});
+    const QCommandLineOption record(QStringLiteral("record"),
+                                    QStringLiteral("Save the AT exchange with the modem to a new file."),
+                                    QStringLiteral("file"));
+    const QCommandLineOption recordPrivate(
+        QStringLiteral("record-private"),
+        QStringLiteral("Keep numbers, message texts, PINs and passwords in the recording."));
+    parser.addOptions({simulate, scenario, devDir, screenshots, debug, noService, record, recordPrivate});
     parser.process(application);
     SetDebugSink(parser.isSet(debug) ? stderr : nullptr);
+    if (parser.isSet(record) && !StartRecordingOrSay("dialtone-gui", parser.value(record).toStdString(),
+                                                     parser.isSet(recordPrivate), DIALTONE_VERSION))
+        return 1;
 
     Simulator simulator;
     if (parser.isSet(simulate) || parser.isSet(scenario)) {

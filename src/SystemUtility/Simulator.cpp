@@ -96,7 +96,10 @@ bool Simulator::start(const std::string& scenario, bool trace, std::string& erro
 
     const std::string program = programPath();
     std::vector<std::string> arguments{program, "--dev-dir", _devDir};
-    if (!scenario.empty())
+    // "replay:FILE" plays a recorded session back instead of simulating a modem.
+    if (scenario.starts_with("replay:"))
+        arguments.insert(arguments.end(), {"--replay", scenario.substr(7)});
+    else if (!scenario.empty())
         arguments.insert(arguments.end(), {"--scenario", scenario});
     if (trace)
         arguments.emplace_back("--trace");

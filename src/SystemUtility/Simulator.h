@@ -17,8 +17,9 @@ public:
     // installed one.
     static std::string programPath();
 
-    // Starts the simulator with the scenario (empty: the built-in one) and waits, up to the deadline, for
-    // the line saying its ports are ready. False with the reason in error.
+    // Starts the simulator with the scenario (empty: the built-in one; "replay:FILE" plays back a recorded
+    // session) and waits, up to the deadline, for the line saying its ports are ready. False with the
+    // reason in error.
     // With trace, the simulator shows the AT and dial-port traffic on standard error.
     bool start(const std::string& scenario, bool trace, std::string& error, int deadlineMs = 5000);
     // Ends it (SIGTERM, then SIGKILL after two seconds) and removes its device folder. Safe to repeat.

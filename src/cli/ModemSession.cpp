@@ -29,6 +29,7 @@
 #include "ModemLink.h"
 #include "Pin/PinController.h"
 #include "ScriptJson.h"
+#include "SessionRecording.h"
 #include "ToolText.h"
 #include "WorkNotification.h"
 
@@ -172,6 +173,9 @@ bool ModemSession::open() {
     if (_context.viaService && _context.debug)
         std::fprintf(stderr, "dialtone: the modem service (dialtoned) talks to the modem; --debug shows the "
                              "traffic of this process only\n");
+    if (_context.viaService && RecordingOn())
+        std::fprintf(stderr, "dialtone: the modem service (dialtoned) talks to the modem; --record saves the "
+                             "traffic of this process only: record with --no-service, --simulate or --dev-dir\n");
     _link = std::make_unique<ModemLink>(nullptr, std::move(transport));
     TheWatchdog().arm(kOpenDeadlineSeconds + 10, QT_TRANSLATE_NOOP("dialtone", "starting the modem"),
                       _context.json, _simulator.pid(), _simulator.devDir());

@@ -25,6 +25,7 @@
 #include "PinCommand.h"
 #include "ProfilesCommand.h"
 #include "RequestCommand.h"
+#include "SessionRecorder.h"
 #include "SmsCommand.h"
 #include "StatsCommand.h"
 #include "StatusCommand.h"
@@ -58,6 +59,15 @@ int main(int argc, char** argv) {
                     ->check(CLI::IsMember({"json", "key=value"})),
                 {"json", "key=value"});
     app.add_flag("--debug", context.debug, "Show the AT traffic with the modem on standard error");
+    std::string record;
+    bool recordPrivate = false;
+    CLI::Option* recordOption =
+        app.add_option("--record", record,
+                       "Save the AT exchange with the modem to a new file (doc/recording.md)")
+            ->type_name("FILE");
+    app.add_flag("--record-private", recordPrivate,
+                 "Keep numbers, message texts, PINs and passwords in the recording instead of masking them")
+        ->needs(recordOption);
     app.add_option("--wait", context.waitSeconds, "How long event commands wait, in seconds")
         ->check(Seconds(kMinWaitSeconds, kMaxWaitSeconds))
         ->type_name("SECONDS");
@@ -81,10 +91,12 @@ int main(int argc, char** argv) {
     AddDoctorCommand(app, context);
 
     // The debug sink must point where it belongs before any command runs.
-    app.parse_complete_callback([&context, &app] {
+    app.parse_complete_callback([&context, &app, &record, &recordPrivate] {
         // --debug shows the modem traffic; the internal debug texts stay out of the way.
         SetDebugSink(nullptr);
         SetTrafficSink(context.debug ? stderr : nullptr);
+        if (!record.empty() && !StartRecordingOrSay("dialtone", record, recordPrivate, DIALTONE_CLI_VERSION))
+            std::exit(EXIT_FAILED);
         context.simulate = app.count("--simulate") > 0;
         context.waitGiven = app.count("--wait") > 0;
         if (!context.output.empty())

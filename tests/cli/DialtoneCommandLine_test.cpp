@@ -121,7 +121,7 @@ TEST(DialtoneCommandLine, CompletionScriptsLoadAndOfferTheCommands) {
         {"dialtone --json network b", "band"},
         {"dialtone network band gsm900,umts2", "gsm900,umts2100"},
         {"dialtone --wait 5 sms li", "list"},
-        {"dialtone ussd --re", "--reply"},
+        {"dialtone ussd --re", "--reply --record --record-private"},
         {"dialtone status --output k", "key=value"},
     };
     // clang-format on

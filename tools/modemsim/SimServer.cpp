@@ -157,7 +157,17 @@ void SimServer::Probe(PtyPort& port, bool at, TimePoint now) {
 void SimServer::ReadPort(PtyPort& port, bool at, TimePoint now) {
     std::string bytes = port.Read();
     Trace(at ? "AT  <<" : "DIAL<<", bytes);
-    if (at) {
+    if (at && options_.replay != nullptr) {
+        std::vector<std::string> unknown;
+        std::string answer = options_.replay->Receive(bytes, unknown);
+        for (const std::string& command : unknown) {
+            const std::string shown = RecordingLine(0, '>', command); // "0 > COMMAND\n", escaped
+            std::fprintf(stderr, "dialtone-modemsim: the recording has no command %s; answered ERROR\n",
+                         shown.substr(4, shown.size() - 5).c_str());
+        }
+        Trace("AT  >>", answer);
+        at_.Queue(answer);
+    } else if (at) {
         if (!bytes.empty()) {
             modem_.Receive(bytes, now);
         }
@@ -177,8 +187,10 @@ void SimServer::ReadPort(PtyPort& port, bool at, TimePoint now) {
 void SimServer::Pump(TimePoint now) {
     modem_.Advance(now);
     std::string out = modem_.TakeOutput();
-    Trace("AT  >>", out);
-    at_.Queue(out);
+    if (options_.replay == nullptr) {
+        Trace("AT  >>", out);
+        at_.Queue(out);
+    }
     std::string dialOut = modem_.TakeDialOutput();
     Trace("DIAL>>", dialOut);
     dial_.Queue(dialOut);

@@ -7,6 +7,7 @@
 #include "SimControl.h"
 #include "SimModem.h"
 #include "SimPorts.h"
+#include "SimReplay.h"
 
 namespace modemsim {
 
@@ -14,7 +15,8 @@ struct ServerOptions {
     std::string devDir;
     std::string controlPath; // empty: <devDir>/modemsim.sock
     std::string suffix = "1";
-    bool trace = false; // AT traffic on standard error
+    bool trace = false;          // AT traffic on standard error
+    SimReplay* replay = nullptr; // a recorded session answers on the AT port instead of the modem
 };
 
 // The simulator's one thread: a poll loop over the two ports, the control socket and a stop descriptor,

@@ -1,20 +1,24 @@
 // dialtone-modemsim: a simulated USB 3G/HSPA modem on two pseudo-terminals.
 //
-//   dialtone-modemsim --dev-dir DIR [--scenario FILE] [--control PATH] [--suffix N] [--trace]
+//   dialtone-modemsim --dev-dir DIR [--scenario FILE | --replay RECORDING] [--control PATH] [--suffix N]
+//                     [--trace]
 //
 // Creates the AT port and the dial port, links them into DIR under the names the device discovery looks
 // for, prints one JSON line with the paths once it is ready, and runs until "quit" on the control socket,
-// SIGTERM or SIGINT. The links and the socket are removed on exit.
+// SIGTERM or SIGINT. The links and the socket are removed on exit. With --replay the AT port answers as a
+// recorded session did (dialtone --record).
 
 #include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "SimModem.h"
+#include "SimReplay.h"
 #include "SimScenario.h"
 #include "SimServer.h"
 
@@ -35,8 +39,8 @@ void OnSignal(int) {
 int Usage(int code) {
     std::fprintf(
         code ? stderr : stdout,
-        "usage: dialtone-modemsim --dev-dir DIR [--scenario FILE|NAME] [--control PATH] [--suffix N] "
-        "[--trace]\n"
+        "usage: dialtone-modemsim --dev-dir DIR [--scenario FILE|NAME | --replay RECORDING] [--control PATH] "
+        "[--suffix N] [--trace]\n"
         "       dialtone-modemsim --check-scenario FILE|NAME\n"
         "Scenario names are looked up in %s.\n",
         MODEMSIM_SCENARIO_DIR);
@@ -67,6 +71,7 @@ std::string FindScenario(const std::string& name) {
 int main(int argc, char** argv) {
     modemsim::ServerOptions options;
     std::string scenario;
+    std::string replayPath;
     bool checkOnly = false;
     for (int i = 1; i < argc; ++i) {
         std::string arg = argv[i];
@@ -82,6 +87,8 @@ int main(int argc, char** argv) {
             ok = value(options.devDir);
         } else if (arg == "--scenario") {
             ok = value(scenario);
+        } else if (arg == "--replay") {
+            ok = value(replayPath);
         } else if (arg == "--check-scenario") {
             ok = value(scenario);
             checkOnly = true;
@@ -106,6 +113,17 @@ int main(int argc, char** argv) {
     if (!modemsim::LoadScenario(FindScenario(scenario), state, error)) {
         std::fprintf(stderr, "dialtone-modemsim: %s\n", error.c_str());
         return 1;
+    }
+    std::optional<modemsim::SimReplay> replay;
+    if (!replayPath.empty()) {
+        Recording recording;
+        if (!LoadRecording(replayPath, recording, error)) {
+            std::fprintf(stderr, "dialtone-modemsim: cannot replay %s\n", error.c_str());
+            return 1;
+        }
+        replay.emplace(std::move(recording));
+        state.dialect = replay->Standard() ? modemsim::Dialect::Standard : modemsim::Dialect::Vel;
+        options.replay = &*replay;
     }
     if (checkOnly) {
         std::printf("{\"ok\":true}\n");
