@@ -130,28 +130,6 @@ TEST(CallListParse, ClccLines) {
     }
 }
 
-TEST_F(CallUtilityTest, CallListKeepsEveryCallInOrder) {
-    m_fake
-        .Expect("AT+CLCC\r", "AT+CLCC\r\r\n+CLCC: 1,0,0,0,0,\"10086\",129\r\n+CLCC: 2,1,5,0,0,\"123\",145\r\n"
-                             "+CLCC: 3,1,4,1,0\r\n\r\nOK\r\n")
-        .WithTimeout(3000)
-        .WithoutPrefix()
-        .WithFinals(kFinals);
-    std::list<TCallItemState> calls(2);
-    ASSERT_EQ(m_call.CheckCallState(calls), 0);
-    ASSERT_EQ(calls.size(), 3u);
-    std::vector<std::string> numbers;
-    for (const TCallItemState& call : calls)
-        numbers.push_back(std::to_string(call.nIndex) + ":" + call.strNumber);
-    EXPECT_EQ(numbers, (std::vector<std::string>{"1:10086", "2:+123", "3:"}));
-
-    m_fake.Expect("AT+CLCC\r", "\r\n+CLCC: 1,0,0,0,0,\"10086\",129\r\n");
-    EXPECT_EQ(m_call.CheckCallState(calls), 1);
-    EXPECT_TRUE(calls.empty());
-    m_fake.ExpectFailure("AT+CLCC\r", 30);
-    EXPECT_EQ(m_call.CheckCallState(calls), 30);
-}
-
 TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
     // clang-format off
     const struct { std::string lines; int ring; const char* number; bool allEnded; } rows[] = {

@@ -62,24 +62,6 @@ TEST_F(PinUtilityTest, CheckStateSearchesTheStateTableInOrder) {
     EXPECT_EQ(read(), "30|-1");
 }
 
-TEST(PinUtilityErrors, CmeErrorTextsMapByPrefixInOrder) {
-    // clang-format off
-    const struct { const char* answer; int code; } rows[] = {
-        {"\r\n+CME ERROR: PH-SIM PIN required\r\n", 5}, {"\r\n+CME ERROR: PH-FSIM PIN required\r\n", 6}, {"\r\n+CME ERROR: SIM not inserted\r\n", 8},
-        {"\r\n+CME ERROR: SIM PIN required\r\n", 9}, {"\r\n+CME ERROR: SIM busy\r\n", 12}, {"\r\n+CME ERROR: incorrect password\r\n", 14},
-        {"\r\n+CME ERROR: SIM PIN2 required\r\n", 15}, {"\r\n+CME ERROR: network personalization PUK required\r\n", 18},
-        {"\r\n+CME ERROR: network subset personalization PIN required\r\n", 19},
-        {"\r\n+CME ERROR: service provider personalization PUK required\r\n", 22}, {"\r\n+CME ERROR: corporate personalization PUK required\r\n", 24},
-        {"+CME ERROR: SIM busy", 12}, {"\r\n+CME ERROR: sim busy\r\n", 1}, {"\r\n+CME ERROR:SIM busy\r\n", 1}, {"\r\n+CME ERROR: 16\r\n", 1},
-        {"\r\n+CME ERROR: SIM\r\n", 1}, {"\r\n+CME ERROR: \r\n", 1}, {"\r\nERROR\r\n", 1}, {"", 2},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        EXPECT_EQ(CPinUtility::GetErrorCode(row.answer), row.code);
-    }
-}
-
 // Each command's text, time limit and result: the SIM's codes, then the modem's settings.
 TEST_F(PinSystemTest, CommandsSendTheirTextAndMapErrors) {
     const char* ok = "\r\nOK\r\n";
