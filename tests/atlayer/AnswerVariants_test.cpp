@@ -157,15 +157,4 @@ TEST_F(AnswerVariants, CountersTechnologyAndProviderName) {
         EXPECT_EQ(row.parse(row.answer), row.read) << row.kind;
 }
 
-TEST_F(AnswerVariants, MessageListSkipsAnEntryItCannotRead) {
-    const std::string hello = "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37\r\n";
-    const std::string answer = "\r\n+CMGL: 1,1,,28\r\n" + hello +
-                               "+CMGL: 2,1,,28\r\n0791ZZ\r\n+CMGL: 3,1\r\n" + hello + "+CMGL: 4,1,,28\r\n" +
-                               hello + "\r\nOK\r\n";
-    std::list<TMessageListBaseItem> messages;
-    EXPECT_EQ(CSmsUtility::DecodePduModeCMGL(answer, messages), 0);
-    ASSERT_EQ(messages.size(), 2u);
-    EXPECT_EQ(messages.back().nIndex, 4u);
-}
-
 } // namespace

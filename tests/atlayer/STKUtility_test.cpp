@@ -11,8 +11,6 @@ namespace {
 const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
 
 // The main menu as the modem lists it, echo and all.
-const char* const kMainMenu = "\r\n+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n"
-                              "+STGI: 17,2,\"Games\"\r\n+STGI: 17,3,\"Offers\"\r\n\r\nOK\r\n";
 const char* const kUntouched = "untouched";
 
 class STKUtilityTest : public ::testing::Test {

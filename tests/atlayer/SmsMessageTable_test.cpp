@@ -164,15 +164,6 @@ TEST(SmsMessageTable, GroupsOfTen) {
     }
 }
 
-TEST(SmsMessageTable, UnreadOrUnsentStatusWins) {
-    CSmsUtility sms;
-    Add(sms, {.index = 1, .status = SMS_STATUS_READ, .reference = 1, .total = 3, .sequence = 1});
-    Add(sms, {.index = 2, .status = SMS_STATUS_UNREAD, .reference = 1, .total = 3, .sequence = 2});
-    EXPECT_EQ(sms.MessageTable().front().nStatus, SMS_STATUS_UNREAD);
-    Add(sms, {.index = 3, .status = SMS_STATUS_SENT, .reference = 1, .total = 3, .sequence = 3});
-    EXPECT_EQ(sms.MessageTable().front().nStatus, SMS_STATUS_UNREAD);
-}
-
 // A replace message (TP-PID 0x41-0x47) takes the place of an older one from the same sender.
 TEST(SmsMessageTable, ReplaceMessages) {
     const Stored old{.index = 3, .text = L"old", .pid = 0x41, .time = "120102100000"};
