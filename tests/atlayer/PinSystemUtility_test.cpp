@@ -47,7 +47,7 @@ TEST_F(PinUtilityTest, CheckStateSearchesTheStateTableInOrder) {
     const struct { const char* answer; int result; int state; } rows[] = {
         {"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0, 1}, {"AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", 0, 2}, {"\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n", 0, 3},
         {"\r\n+CPIN: PH-SIM PIN\r\n\r\nOK\r\n", 0, 2}, // found as "SIM PIN" first: kept
-        {"\r\n+CPIN: PH-NETSUB PUK\r\n\r\nOK\r\n", 0, 12}, {"\r\n+CPIN: PH-SP PIN\r\n\r\nOK\r\n", 0, 13},
+        {"\r\n+CPIN: PH-NETSUB PUK\r\n\r\nOK\r\n", 0, 12}, {"\r\n+CPIN:READY\r\n\r\nOK\r\n", 0, 1},
         {"\r\n+CREG: 1\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", 0, 2}, {"\r\n+CPIN: BLOCKED\r\n\r\nOK\r\n", 1, -1},
         {"\r\n+CME ERROR: SIM not inserted\r\n", 0, 0}, {"\r\n+CME ERROR: SIM failure\r\n", 11, -1}, {"\r\n+CME ERROR: SIM busy\r\n", 12, -1},
         {"\r\n+CME ERROR: 10\r\n", 1, -1}, {"\r\nERROR\r\n", 1, -1}, {"", 2, -1},

@@ -10,7 +10,7 @@ namespace {
 
 const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
 
-// The main menu as the modem lists it, echo and all.
+
 const char* const kUntouched = "untouched";
 
 class STKUtilityTest : public ::testing::Test {
