@@ -55,16 +55,12 @@ TEST_F(AnswerVariants, ChannelEndsCommandsAtOnce) {
     // clang-format off
     const struct { const char* kind; ModemDialect dialect; const char* command; std::string answer; std::function<int()> run; int result; Reports reports; } rows[] = {
         {"HSPA stick dialling a busy line", kVel, "ATD10086;\r", "\r\nBUSY\r\n", dial, 27, {}},
-        {"UMTS stick whose callee does not answer", kStandard, "ATD10086;\r", "\r\nNO ANSWER\r\n", dial, 26, {}},
         {"stick without a voice line, echo on", kStandard, "ATD10086;\r", "ATD10086;\r\r\nNO DIALTONE\r\n", dial, 28, {}},
-        {"stick whose call fails to connect", kVel, "ATD10086;\r", "\r\nNO CARRIER\r\n", dial, 25, {}},
         {"call ended during another command", kVel, "AT+CLCC\r", "\r\nNO CARRIER\r\n\r\nOK\r\n", [&] { return call.CheckCallState(calls); }, 0, {{UNSOLICITED_REPORT_NO_CARRIER, "\r\nNO CARRIER\r\n"}}},
-        {"stick sending two new-message reports at once", kStandard, "AT+CSQ\r", "\r\n+CMTI: \"SM\",1\r\n\r\n+CMTI: \"SM\",2\r\n\r\n+CSQ: 20,99\r\n\r\nOK\r\n", signal, 0, {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",1\r\n"}, {UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",2\r\n"}}},
         {"3G module refusing unknown commands", kStandard, "AT+CSQ\r", "\r\nCOMMAND NOT SUPPORT\r\n", signal, 1, {}},
         {"module refusing extra parameters", kVel, "AT+CSQ\r", "\r\nTOO MANY PARAMETERS\r\n", signal, 1, {}},
         {"USSD answer and release notices in one read", kStandard, "AT+CUSD=1\r", "\r\nOK\r\n" + cusd0 + "\r\n+CUSD: 2\r\n\r\n+CUSD: 4\r\n", [&] { return ussd.SetUssdState(value = 1); }, 0, {{UNSOLICITED_REPORT_CUSD, cusd0}, {UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 2\r\n"}, {UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 4\r\n"}}},
         {"USSD report just before the answer", kStandard, "AT+CUSD?\r", "\r\n+CUSD: 2,\"Bye\",15\r\n\r\n+CUSD: 1\r\n\r\nOK\r\n", [&] { return ussd.CheckUssdState(value) == 0 ? value : -1; }, 1, {{UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 2,\"Bye\",15\r\n"}}},
-        {"registration report just before the answer", kVel, "AT+CREG?\r", "\r\n+CREG: 1\r\n\r\n+CREG: 0,5\r\n\r\nOK\r\n", reg, 4, {}},
         {"LTE module without a blank after the colon", kStandard, "AT+CREG?\r", "\r\n+CREG: 2\r\n\r\n+CREG:0,1\r\n\r\nOK\r\n", reg, 3, {}},
     };
     // clang-format on
@@ -155,17 +151,6 @@ TEST_F(AnswerVariants, CountersTechnologyAndProviderName) {
     // clang-format on
     for (const auto& row : rows)
         EXPECT_EQ(row.parse(row.answer), row.read) << row.kind;
-}
-
-TEST_F(AnswerVariants, MessageListSkipsAnEntryItCannotRead) {
-    const std::string hello = "07912143658709F1040B918100551512F20000111010214365000AE8329BFD4697D9EC37\r\n";
-    const std::string answer = "\r\n+CMGL: 1,1,,28\r\n" + hello +
-                               "+CMGL: 2,1,,28\r\n0791ZZ\r\n+CMGL: 3,1\r\n" + hello + "+CMGL: 4,1,,28\r\n" +
-                               hello + "\r\nOK\r\n";
-    std::list<TMessageListBaseItem> messages;
-    EXPECT_EQ(CSmsUtility::DecodePduModeCMGL(answer, messages), 0);
-    ASSERT_EQ(messages.size(), 2u);
-    EXPECT_EQ(messages.back().nIndex, 4u);
 }
 
 } // namespace

@@ -114,23 +114,6 @@ TEST_F(ComOperationTest, CollectsAnAnswerUntilAFinalResult) {
     EXPECT_TRUE(TakeReports().empty());
 }
 
-TEST_F(ComOperationTest, FinalResultInsideADataLineEndsTheCommandAtOnce) {
-    // clang-format off
-    const char* const firstLines[] = {
-        "\r\n+COPS: 0,0,\"OK Mobile\",2\r\n", "\r\n+CPBR: 1,\"5550100\",129,\"ERRORS desk\"\r\n",
-    };
-    // clang-format on
-    for (const char* first : firstLines) {
-        SCOPED_TRACE(first);
-        peer.expect("AT+COPS?\r", Pieces({first, "\r\n+COPS: 1\r\n\r\nOK\r\n"}, 300ms));
-        std::string response;
-        EXPECT_EQ(com->writeCom("AT+COPS?\r", "+COPS: ", 5, response), 0);
-        EXPECT_EQ(response, first);
-        EXPECT_TRUE(peer.waitUntilIdle(2s));
-        ASSERT_EQ(com->openCom(peer.slavePath().c_str()), 0); // drops the rest of the answer
-    }
-}
-
 TEST_F(ComOperationTest, TextPromptEndsTheCommandWithoutALineEnd) {
     peer.expect("AT+CMGS=23\r", "\r\n> ");
     peer.expect("0011000B915121551532F40000AA0AE8329BFD4697D9EC37\x1a", "\r\n+CMGS: 7\r\n\r\nOK\r\n");
@@ -155,10 +138,7 @@ struct ReportCase { const char* name; std::string before; const char* command; c
 TEST_F(ComOperationTest, CutsUnsolicitedReportsOutOfTheAnswer) {
     // clang-format off
     const ReportCase cases[] = {
-        {"USSD: the first +CUSD is the command's own answer, the second a report", "", "AT+CUSD=1,\"*100#\",15\r", "+CUSD: ", Pieces({"\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\r\n+CUSD: 2,\"Bye\",15\r\n\r\nOK\r\n"}), "\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CUSD, "\r\n+CUSD: 2,\"Bye\",15\r\n"}}},
         {"queued by table order, not arrival order", "", "AT+CSQ\r", "+CSQ: ", Pieces({"\r\nRING\r\n\r\n+CSQ: 20,99\r\n\r\n+CMTI: \"SM\",4\r\n\r\nOK\r\n"}), "\n\r\n+CSQ: 20,99\r\n\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",4\r\n"}, {UNSOLICITED_REPORT_RING, "\r\nRING\r\n"}}},
-        {"a report at the very start has no line start and is not queued", "", "AT\r", nullptr, Pieces({"+CMTI: \"SM\",5\r\n\r\nOK\r\n"}), "+CMTI: \"SM\",5\r\n\r\nOK\r\n", {}},
-        {"two adjacent reports: the second stays in the answer", "", "AT\r", nullptr, Pieces({"\r\n+CMTI: \"SM\",1\r\n\r\n+CMTI: \"SM\",2\r\n\r\nOK\r\n"}), "\n\r\n+CMTI: \"SM\",2\r\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",1\r\n"}}},
         {"a report waiting before the poll command is drawn out by it", "\r\n+CDSI: \"SR\",3\r\n", "at\r", nullptr, Pieces({"\r\nOK\r\n"}), "\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CDSI, "\r\n+CDSI: \"SR\",3\r\n"}}},
         {"the retry report is cut out and is no final result", "", "AT+CPMS?\r", "+CPMS: ", Pieces({"\r\n+CME ERROR: retry operation\r\n", "\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n"}, 100ms), "\n\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n", {{UNSOLICITED_REPORT_RETRY, "\r\n+CME ERROR: retry operation\r\n"}}},
         {"toolkit indication", "", "AT\r", nullptr, Pieces({"\r\nOK\r\n\r\n+STIN: 1\r\n"}), "\r\nOK\r\n\n", {{UNSOLICITED_REPORT_STIN, "\r\n+STIN: 1\r\n"}}},
@@ -277,20 +257,6 @@ TEST_F(ComOperationTest, PendingCancelStopsTheNextCommandAfterItsText) {
     EXPECT_EQ(response, "\r\nVEL HSPA Modem\r\n\r\nOK\r\n");
 }
 
-TEST_F(ComOperationTest, ResetClosesThePortAndDeletesTheFirstHalfOfTheQueue) {
-    peer.expect("AT\r", "\r\nNO CARRIER\r\n\r\nRING\r\n\r\n+CUSD: 0,\"Hi\",15\r\n\r\n+CDSI: \"SR\",2\r\n"
-                        "\r\n+CMTI: \"SM\",1\r\n\r\nOK\r\n");
-    std::string response;
-    ASSERT_EQ(com->writeCom("AT\r", nullptr, 5, response), 0);
-    ASSERT_EQ(QueuedCount(), 5u);
-
-    com->reset();
-    const Reports expected = {{UNSOLICITED_REPORT_RING, "\r\nRING\r\n"},
-                              {UNSOLICITED_REPORT_NO_CARRIER, "\r\nNO CARRIER\r\n"}};
-    EXPECT_EQ(TakeReports(), expected);
-    EXPECT_EQ(com->writeCom("AT\r", nullptr, 5, response), 1);
-}
-
 TEST_F(ComOperationTest, ClosedPortAndEmptyCommand) {
     std::string response = kUntouched;
     const int empty = com->writeCom("", nullptr, 5, response),
@@ -319,17 +285,6 @@ TEST_F(ComOperationTest, PortIsOpenedExclusively) {
 
     close(other);
     EXPECT_EQ(com->openCom(path.c_str()), 0);
-}
-
-TEST_F(ComOperationTest, PortIsRawWithHardwareFlowControl) {
-    termios a{};
-    ASSERT_EQ(tcgetattr(peer.slaveFd(), &a), 0);
-    EXPECT_EQ(at_test::Fields(a.c_lflag & (ICANON | ECHO | ISIG | IEXTEN),
-                              a.c_iflag & (ICRNL | IXON | INLCR | IGNCR), a.c_oflag & OPOST,
-                              a.c_cflag & CSIZE, a.c_cflag & (CREAD | CLOCAL | CRTSCTS), a.c_cc[VMIN],
-                              a.c_cc[VTIME]),
-              at_test::Fields(0, 0, 0, CS8, CREAD | CLOCAL | CRTSCTS, 1, 0));
-    EXPECT_NE(cfgetospeed(&a), static_cast<speed_t>(B0)) << "B0 would hang the modem up";
 }
 
 // With the traffic shown, each line goes out once, whole, in both directions, with the time and without

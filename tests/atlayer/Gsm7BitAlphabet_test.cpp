@@ -28,22 +28,6 @@ TEST(Gsm7BitAlphabet, DefaultTableMatchesTheStandard) {
     }
 }
 
-TEST(Gsm7BitAlphabet, ExtensionTableHoldsExactlyTheListedCharacters) {
-    struct Row {
-        unsigned code;
-        wchar_t character;
-    };
-    const Row rows[] = {{0x0A, L'\n'}, {0x14, L'^'}, {0x28, L'{'}, {0x29, L'}'}, {0x2F, L'\\'},
-                        {0x3C, L'['},  {0x3D, L'~'}, {0x3E, L']'}, {0x40, L'|'}, {0x65, L'\u20AC'}};
-    std::wstring expected(128, kGsm7NoChar);
-    for (const Row& row : rows)
-        expected[row.code] = row.character;
-    for (unsigned code = 0; code < 128; ++code) {
-        EXPECT_EQ(v_wDefault7BitExtensionTable[code], expected[code]) << "code 0x" << std::hex << code;
-        EXPECT_EQ(Gsm7ExtensionToUnicode(code), expected[code]);
-    }
-}
-
 TEST(Gsm7BitAlphabet, CodesOutsideTheTablesHaveNoCharacter) {
     for (unsigned code : {0x80u, 0xFFu, 0x1000u})
         EXPECT_EQ(std::wstring({Gsm7DefaultToUnicode(code), Gsm7ExtensionToUnicode(code)}),

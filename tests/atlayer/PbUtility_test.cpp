@@ -65,12 +65,8 @@ TEST(PbDecodeItem, EntryLines) {
     // clang-format off
     const struct { const char* line; int result; int index; const char* number; std::wstring name; } rows[] = {
         {R"(5,"12345",145,"00480069")", 0, 5, "+12345", L"Hi"}, {R"(5,"12345",129,"00480069")", 0, 5, "12345", L"Hi"},
-        {R"(5,"+12345",145,"0048")", 0, 5, "+12345", L"H"},
         {R"(9,"12345",17,"0048")", 0, 9, "+12345", L"H"}, // 0x11: international as well
-        {R"(9,"12345",161,"0048")", 0, 9, "12345", L"H"}, // 0xA1: national
-        {R"(1,"13800138000",129,"5F204E09")", 0, 1, "13800138000", L"\u5F20\u4E09"},
         {R"(7,"12345",129,"004")", 0, 7, "12345", L""}, // fewer than four digits
-        {R"(7,"12345",129,"0048006")", 0, 7, "12345", L"H"}, // trailing digits dropped
         {R"(7,"12345",129,"00480G690041")", 0, 7, "12345", L"H"}, // a bad digit keeps what came before
         {R"(7,"12345",129,"0048ffe5")", 0, 7, "12345", L"H\uFFE5"}, {R"(8,"",129,"")", 0, 8, "", L""}, {R"(8,"*99#",129,"0041")", 0, 8, "*99#", L"A"},
         {R"(abc,"1",129,"0041")", 1, -1, "", L"x"},
@@ -114,14 +110,6 @@ TEST(PbHexText, DigitsAndUcs2Text) {
     }
     wchar_t text[4];
     EXPECT_EQ(CPbUtility::BcdToWString(nullptr, text, 4), 1);
-}
-
-TEST_F(PbUtilityTest, StorageUseReadsModemThenSim) {
-    ExpectUse(PB_STORAGE_MODEM, 3, 100);
-    ExpectUse(PB_STORAGE_SIM, 12, 250);
-    TPbStorageInfo info;
-    ASSERT_EQ(m_pb.GetStorageInfo(info), 0);
-    EXPECT_EQ(Fields(info.nSimTotal, info.nSimUsed, info.nMeTotal, info.nMeUsed), "250|12|100|3");
 }
 
 TEST_F(PbUtilityTest, StorageUseFailures) {
@@ -201,26 +189,6 @@ TEST_F(PbUtilityTest, ConstraintFromBothStoragesWithoutNeedingTheSim) {
                       Fields(row.mask, row.meNumber, row.meName, row.simNumber, row.simName));
         }
     }
-}
-
-TEST_F(PbUtilityTest, ListDecodesEveryEntryAndSortsTheIndexes) {
-    // An empty storage sends no read.
-    ExpectUse(PB_STORAGE_MODEM, 0, 100);
-    std::list<TPbBaseItem> items(1);
-    ASSERT_EQ(m_pb.GetList(PB_STORAGE_MODEM, items), 0);
-    EXPECT_TRUE(items.empty());
-
-    ExpectUse(PB_STORAGE_SIM, 3, 250);
-    ExpectUcs2();
-    m_fake.Expect("AT+CPBR=1,250\r", "AT+CPBR=1,250\r\r\n+CPBR: 4,\"8613800138000\",145,\"5F204E09\"\r\n"
-                                     "+CPBR: 1,\"10086\",129,\"004D0042\"\r\n"
-                                     "+CPBR: 2,\"123\",129,\"004\"\r\n\r\nOK\r\n");
-    ASSERT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 0);
-    ASSERT_EQ(items.size(), 3u);
-    EXPECT_EQ(Fields(items.front().nIndex, items.front().strNumber, items.front().wstrName,
-                     std::next(items.begin())->wstrName, items.back().wstrName),
-              Fields(4, "+8613800138000", L"\u5F20\u4E09", L"MB", L""));
-    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), (std::list<int>{1, 2, 4}));
 }
 
 TEST_F(PbUtilityTest, ListFailures) {

@@ -10,9 +10,7 @@ namespace {
 
 const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
 
-// The main menu as the modem lists it, echo and all.
-const char* const kMainMenu = "\r\n+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n"
-                              "+STGI: 17,2,\"Games\"\r\n+STGI: 17,3,\"Offers\"\r\n\r\nOK\r\n";
+
 const char* const kUntouched = "untouched";
 
 class STKUtilityTest : public ::testing::Test {
@@ -63,50 +61,6 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
     }
     std::string text = kUntouched;
     EXPECT_EQ(m_stk.HandleReport(nullptr, text), 1);
-}
-
-// Init fetches the main menu and needs OK; a sent command keeps only an answer with OK. nullptr: the exchange
-// fails.
-TEST_F(STKUtilityTest, InitAndSendCommandNeedOk) {
-    // clang-format off
-    const struct { bool init; const char* answer; int failure; int result; const char* text; } rows[] = {
-        {true, kMainMenu, 0, 0, kMainMenu},
-        // The echo is cut off.
-        {true, "AT+STGI=17\r\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n", 0, 0, "\r\n+STGI: 17,\"SIM\"\r\n\r\nOK\r\n"},
-        {true, "\r\n+CME ERROR: SIM busy\r\n", 0, 1, kUntouched}, {true, "\r\nERROR\r\n", 0, 1, kUntouched}, {true, nullptr, 2, 2, kUntouched},
-        {false, "\r\nOK\r\n", 0, 0, "\r\nOK\r\n"}, {false, "AT+STGR=0,0,2\r\r\nOK\r\n", 0, 0, "\r\nOK\r\n"},
-        // An error answer to a sent command is no failure of the call: the text stays unset and callers check it.
-        {false, "\r\n+CME ERROR: 4\r\n", 0, 0, kUntouched}, {false, "\r\nERROR\r\n", 0, 0, kUntouched}, {false, nullptr, 2, 2, kUntouched},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        const char* command = row.init ? "AT+STGI=17\r" : "AT+STGR=0,0,2\r";
-        SCOPED_TRACE(ScriptedAtFake::Printable(command) + std::to_string(row.result));
-        if (row.failure != 0)
-            m_fake.ExpectFailure(command, row.failure);
-        else if (row.init)
-            ExpectFetch(command, row.answer);
-        else
-            m_fake.Expect(command, row.answer).WithTimeout(3000).WithoutPrefix().WithFinals(kFinals);
-        std::string text = kUntouched;
-        const int result = row.init ? m_stk.Init(text) : m_stk.SendCommand(command, text, 3000);
-        EXPECT_EQ(at_test::Fields(result, text), at_test::Fields(row.result, row.text));
-        m_fake.VerifyDone();
-    }
-}
-
-TEST_F(STKUtilityTest, CurrentProactiveCommandIsAskedButNotReported) {
-    m_fake.Expect("AT+STIN?\r", "\r\n+STIN: 11\r\n\r\nOK\r\n")
-        .WithTimeout(1000)
-        .WithPrefix("+STIN:")
-        .WithFinals(kFinals);
-    int type = -7;
-    std::string text = kUntouched;
-    const int result = m_stk.GetCurrentProactiveCommand(type, text);
-    EXPECT_EQ(at_test::Fields(result, type, text), "0|-7|untouched");
-
-    m_fake.ExpectFailure("AT+STIN?\r", 2);
-    EXPECT_EQ(m_stk.GetCurrentProactiveCommand(type, text), 2);
 }
 
 } // namespace

@@ -23,43 +23,6 @@ Sent Send(const char* command, const char* prefix = nullptr, int timeoutMs = 100
     return sent;
 }
 
-TEST(ScriptedAtFake, AnswersTheScriptInOrderAndRecordsEveryCall) {
-    ScriptedAtFake fake;
-    fake.Expect("AT+CSQ\r", "\r\n+CSQ: 20,99\r\n\r\nOK\r\n")
-        .WithTimeout(1000)
-        .WithPrefix("+CSQ: ")
-        .WithFinals(kFinals);
-    fake.Expect("AT+CFUN=1\r").WithoutPrefix().WithTimeout(20000);
-    fake.ExpectFailure("AT+COPS=?\r", 2);
-
-    const Sent csq = Send("AT+CSQ\r", "+CSQ: ");
-    EXPECT_EQ(fake.Remaining(), 2u);
-    const Sent cfun = Send("AT+CFUN=1\r", nullptr, 20000);
-    const Sent cops = Send("AT+COPS=?\r", "+COPS: ", 180000); // a failed exchange hands back nothing
-    EXPECT_EQ(
-        at_test::Fields(csq.result, csq.response, cfun.result, cfun.response, cops.result, cops.response),
-        at_test::Fields(0, "\r\n+CSQ: 20,99\r\n\r\nOK\r\n", 0, ScriptedAtFake::kOk, 2, "untouched"));
-
-    EXPECT_TRUE(fake.Done());
-    EXPECT_EQ(fake.Commands(), (std::vector<std::string>{"AT+CSQ\r", "AT+CFUN=1\r", "AT+COPS=?\r"}));
-    ASSERT_EQ(fake.Calls().size(), 3u);
-    EXPECT_EQ(fake.Calls()[0].prefix, std::optional<std::string>("+CSQ: "));
-    EXPECT_EQ(fake.Calls()[1].prefix, std::nullopt);
-    EXPECT_EQ(fake.Calls()[2].timeoutMs, 180000);
-    EXPECT_EQ(fake.Calls()[2].finalResults, kFinals);
-}
-
-TEST(ScriptedAtFake, NewestFakeIsCurrentUntilItGoes) {
-    ScriptedAtFake outer;
-    outer.Expect("AT\r");
-    {
-        ScriptedAtFake inner;
-        inner.Expect("ATE0\r");
-        EXPECT_EQ(Send("ATE0\r").result, 0);
-    }
-    EXPECT_EQ(Send("AT\r").result, 0);
-}
-
 TEST(ScriptedAtFake, DeviationsFailTheTest) {
     // clang-format off
     const struct { const char* name; std::function<void(ScriptedAtFake&)> script; std::function<void()> run; const char* message; } rows[] = {
@@ -96,11 +59,6 @@ TEST(ScriptedAtFake, LeftoverStepsFailOnDestruction) {
 
 TEST(ScriptedAtFake, CallWithoutFakeFails) {
     EXPECT_NONFATAL_FAILURE(EXPECT_EQ(Send("AT\r").result, 1), "no ScriptedAtFake alive");
-}
-
-TEST(ScriptedAtFake, PrintableShowsControlBytes) {
-    EXPECT_EQ(ScriptedAtFake::Printable(std::string("0011\x1A\x1B\r\n\"\\", 10)),
-              "0011\\x1A\\x1B\\r\\n\\\"\\\\");
 }
 
 } // namespace

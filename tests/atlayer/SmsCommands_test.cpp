@@ -275,17 +275,6 @@ protected:
     }
 };
 
-TEST_F(SmsSendTest, PduModeSendsPromptThenPduWithCtrlZ) {
-    const std::string pdu = ExpectedPdu();
-    ExpectFormat("0");
-    ExpectPrompt();
-    m_fake.Expect(pdu, "\r\n+CMGS: 12\r\n\r\nOK\r\n")
-        .WithTimeout(60000)
-        .WithPrefix("+CMGS: ")
-        .WithFinals(kCms);
-    EXPECT_EQ(m_sms.Send(Hello()), 0);
-}
-
 TEST_F(SmsSendTest, TextModeSendsNothingAndSucceeds) {
     ExpectFormat("1");
     EXPECT_EQ(m_sms.Send(Hello()), 0);

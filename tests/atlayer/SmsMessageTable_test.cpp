@@ -85,31 +85,6 @@ void ExpectDeletion(ScriptedAtFake& fake, const char* storage, int index,
         .WithFinals({"OK", "+CMS ERROR", "ERROR"});
 }
 
-TEST(SmsMessageTable, SegmentsMergeInSequenceOrder) {
-    CSmsUtility sms;
-    std::vector<uint32_t> ids;
-    for (int sequence : {2, 1, 3}) {
-        const auto [result, id] = Add(sms, {.index = static_cast<uint32_t>(10 + sequence),
-                                            .text = Part(sequence),
-                                            .reference = 7,
-                                            .total = 3,
-                                            .sequence = sequence});
-        EXPECT_EQ(result, 0);
-        ids.push_back(id);
-        if (sequence == 2) {
-            const TSmsListItem first = Merged(sms.MessageTable()).at(0);
-            EXPECT_EQ(Fields(first.nCompleted, first.nExpected, first.nReceived), "0|3|1");
-        }
-    }
-    EXPECT_EQ(ids, std::vector<uint32_t>(3, ids[0]));
-    const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
-    ASSERT_EQ(merged.size(), 1u);
-    const TSmsListItem& m = merged[0];
-    EXPECT_EQ(Fields(m.wstrContent, m.nCompleted, m.nReceived, m.nTotal, m.nReference, m.nRef, m.szNumber,
-                     m.dateTime.nYear, m.dateTime.nHour),
-              Fields(L"1,2,3,", 1, 3, 3, 7, ids[0], "+4917012345678", 2012, 11));
-}
-
 // Which segments join an existing message, which open another, and which are refused as duplicates.
 TEST(SmsMessageTable, DuplicatesAndLookalikes) {
     const Stored first{.index = 1, .reference = 9, .total = 2, .sequence = 1};
@@ -187,15 +162,6 @@ TEST(SmsMessageTable, GroupsOfTen) {
             EXPECT_EQ(merged[group].wstrContent, text);
         }
     }
-}
-
-TEST(SmsMessageTable, UnreadOrUnsentStatusWins) {
-    CSmsUtility sms;
-    Add(sms, {.index = 1, .status = SMS_STATUS_READ, .reference = 1, .total = 3, .sequence = 1});
-    Add(sms, {.index = 2, .status = SMS_STATUS_UNREAD, .reference = 1, .total = 3, .sequence = 2});
-    EXPECT_EQ(sms.MessageTable().front().nStatus, SMS_STATUS_UNREAD);
-    Add(sms, {.index = 3, .status = SMS_STATUS_SENT, .reference = 1, .total = 3, .sequence = 3});
-    EXPECT_EQ(sms.MessageTable().front().nStatus, SMS_STATUS_UNREAD);
 }
 
 // A replace message (TP-PID 0x41-0x47) takes the place of an older one from the same sender.
@@ -314,44 +280,6 @@ TEST(SmsMessageTable, DataMessagesAreDeletedNotListed) {
               0);
     EXPECT_EQ(Fields(added, pc.imsi, pc.indexes, sms.MessageTable().size(), sms.DeletedTable().size()),
               Fields(false, "262011234567890", std::vector<int>{9}, 0, 0));
-}
-
-// Two parts of a real message, read out of order, make one text.
-TEST(SmsMessageTable, RealConcatenatedPdus) {
-    CSmsUtility sms;
-    for (int row : {6, 5}) {
-        const sms_test::PduRow& pdu = sms_test::kDecodeRows[row];
-        TMessageListItem item;
-        item.nStorage = SMS_STORAGE_SIM;
-        item.nIndex = static_cast<uint32_t>(row);
-        ASSERT_EQ(CSmsUtility::DecodePduData(pdu.hex, pdu.tpduLength, item.pduData), 0);
-        bool added = false, deleted = false, replaced = false;
-        uint32_t id = 0;
-        ASSERT_EQ(sms.AddMsgItemToListTable(item, added, id, deleted, replaced, false), 0);
-    }
-    const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
-    ASSERT_EQ(merged.size(), 1u);
-    EXPECT_EQ(Fields(merged[0].wstrContent, merged[0].nCompleted, merged[0].szNumber),
-              Fields(sms_test::kDecodeRows[5].text + sms_test::kDecodeRows[6].text, 1, "+16175046925"));
-}
-
-TEST(SmsMessageTable, StatusReportsAndSubmitsAsPackets) {
-    TMessageListItem item;
-    item.nIndex = 5;
-    item.nStorage = SMS_STORAGE_MODEM;
-    const sms_test::PduRow& report = sms_test::kDecodeRows[9];
-    ASSERT_EQ(CSmsUtility::DecodePduData(report.hex, report.tpduLength, item.pduData), 0);
-    TMsgPacket packet;
-    CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
-    EXPECT_EQ(Fields(packet.nTpduType, packet.nStatusReportStatus, packet.nClass, packet.dateTime.nMinute),
-              Fields(SMS_TPDU_STATUS_REPORT, 0x30, kSmsNoClass, 40));
-
-    const sms_test::PduRow& submit = sms_test::kDecodeRows[8];
-    ASSERT_EQ(CSmsUtility::DecodePduData(submit.hex, submit.tpduLength, item.pduData), 0);
-    CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
-    EXPECT_EQ(Fields(packet.nTpduType, packet.nStatusReportStatus, packet.dateTime.bValid, packet.nIndex,
-                     packet.nStorage),
-              Fields(SMS_TPDU_SUBMIT, kSmsNoReportStatus, 0, 5, SMS_STORAGE_MODEM));
 }
 
 } // namespace

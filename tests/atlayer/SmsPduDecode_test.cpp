@@ -39,35 +39,6 @@ TEST(SmsPduDecode, RealPdusDecodeToTheirFields) {
     }
 }
 
-TEST(SmsPduDecode, FieldsOfEachTpduType) {
-    TPduData pdu;
-    // Status report of the "not stored" kind: TP-MR 0x5A, TP-ST 0x30, no parameter indicator.
-    ASSERT_EQ(CSmsUtility::DecodePduData("07914356060013F1065A098136397339F7219011700463802190117004638030",
-                                         24, pdu),
-              0);
-    const TTpduStatusReport& r = pdu.tpdu.statusReport;
-    EXPECT_EQ(Fields(r.nMti, r.bMoreMessagesToSend, r.nMessageRef, r.nStatus, r.recipient.nType,
-                     r.timeStamp.nTimeZone, r.dischargeTime.nMinute, r.nParameterIndicator,
-                     r.userData.nLength),
-              Fields(2, 1, 0x5A, 0x30, 1, 8, 0x40, 0, 0));
-
-    // A submit stored by a phone: status report requested, no validity period, UCS2.
-    ASSERT_EQ(
-        CSmsUtility::DecodePduData(
-            "002100098136397339F70008224F60597D4F60597D4F60597D4F60597D4F60597D4F60597D4F60597D4F60597D4F60",
-            46, pdu),
-        0);
-    const TTpduSubmit& s = pdu.tpdu.submit;
-    EXPECT_EQ(Fields(s.bStatusReportRequest, s.nVpf, s.nMessageRef, s.nDcs, s.nUdl, s.userData.nLength),
-              "1|0|0|8|34|34");
-
-    // A deliver with reply path, status report indication and a 16-bit concatenation element.
-    ASSERT_EQ(CSmsUtility::DecodePduData(sms_test::kKpnWelcome, 155, pdu), 0);
-    // 160 septets less the 7-octet header, no fill bits
-    const TTpduDeliver& d = pdu.tpdu.deliver;
-    EXPECT_EQ(Fields(d.bUdhi, d.nUdl, d.userData.nLength, d.originating.nType), "1|160|152|5");
-}
-
 // The submit's validity period in each format: none, relative, absolute, enhanced (not interpreted).
 TEST(SmsPduDecode, SubmitValidityPeriodFormats) {
     // clang-format off

@@ -169,24 +169,6 @@ TEST(SmsReadingDecode, ListingBlocks) {
         Fields(1, 28, kHello, "18005551212"));
 }
 
-TEST(SmsReadingDecode, ReadBlocks) {
-    // clang-format off
-    const struct { std::string text; int result; uint32_t status; } rows[] = {
-        {"+CMGR: 0,,28\r\n" + std::string(kHello), 0, 0}, {"+CMGR: 1,\"Bob\",28\r\n" + std::string(kHello), 0, 1},
-        {"+CMGR: ,,28\r\n" + std::string(kHello), 0, 4}, {"+CMGR: 0,28\r\n" + std::string(kHello), 1, 0},
-        {"+CMGR: 0,,\r\n" + std::string(kHello), 1, 0}, {"+CMGR: 0,,28\r\n", 1, 0},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.text));
-        TMessageListBaseItem item;
-        EXPECT_EQ(CSmsUtility::DecodePduModeCMGR(row.text, item), row.result);
-        if (row.result == 0) {
-            EXPECT_EQ(item.nStatus, row.status);
-        }
-    }
-}
-
 TEST_F(SmsReadingTest, ListsSimThenModemMemoryAndMergesSegments) {
     ExpectList("SM", CmglBlock(1, 1, 28, kHello));
     ExpectList("ME", CmglBlock(3, 1, 63, kPart2) + CmglBlock(2, 0, 159, kPart1));

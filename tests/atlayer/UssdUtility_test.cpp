@@ -56,11 +56,9 @@ TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
     // clang-format off
     const struct { std::wstring text; std::string argument; } rows[] = {
         {std::wstring(1200, L'A'), thousandA},
-        {L"*100#", "002A0031003000300023"}, {L"*123*1#", "002A003100320033002A00310023"},
         {L"$", "0002"}, // code 2 sent as a UCS2 unit: kept
         {L"@x", "00000078"}, // '@' is code 0
         {L"a[b]", "00610062"}, // extension characters are dropped
-        {L"`1", "0031"}, {L"\u20AC5", "0035"}, {L"\u00C4_\u00E9\u0394", "005B001100050010"},
         {L"\u00A0", "001B"}, // the escape position holds U+00A0
         {L"\u0416\U0001F600", ""}, {L"", ""},
     };
@@ -164,10 +162,8 @@ TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
     // clang-format off
     const struct { bool cusd; const char* answer; int failure; const char* expected; } rows[] = {
         {true, "\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, "0|1"}, {true, "AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, "0|0"}, {true, "\r\n+CUSD: 2\r\n", 0, "0|2"},
-        {true, "\r\n+CUSD:1\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: \r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, "1|-1"},
-        {true, "\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CME ERROR: operation not allowed\r\n", 0, "1|-1"}, {true, "", 2, "2|-1"}, {true, "", 30, "30|-1"},
+        {true, "\r\n+CUSD:1\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\nOK\r\n", 0, "1|-1"}, {true, "", 2, "2|-1"}, {true, "", 30, "30|-1"},
         {false, "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, "0|5"}, {false, "AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, "0|2"},
-        {false, "\r\n+CSCS: \"GSM\"\r\n\r\nOK\r\n", 0, "0|0"}, {false, "\r\n+CSCS: \"HEX\"\r\n\r\nOK\r\n", 0, "0|1"},
         {false, "\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, "1|-1"}, {false, "\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, "1|-1"},
         {false, "\r\nERROR\r\n", 0, "1|-1"}, {false, "", 30, "30|-1"},
     };
@@ -252,22 +248,13 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
         {gsm, "+CUSD: 0,\"48656C6C6F\",15", 0, L"Hello", false, false},
         {gsm, "+CUSD: 0,\"00021B80\",15", 0, L"@$\u00A0", false, false}, // 0x80 is no code
         {ucs2, "+CUSD: 0,\"00480065006C006C006F\",15", 0, L"Hello", false, false},
-        {ucs2, "+CUSD: 0,\"0000002400E9041F\",15", 0, L"@\u00A4\u00E9\u041F", false, false},
-        {ucs2, "+CUSD: 1,\"0422043E043F\",72", 1, L"\u0422\u043E\u043F", false, true},
         {ucs2, "+CUSD: 1,\"004800\",72", 1, L"H", false, true}, // the odd octet is dropped
-        {ucs2, "+CUSD: 1,\"00480\",72", 1, L"H", false, true}, // the odd digit too
         {ucs2, "+CUSD: 1,\"0048ZZ0069\",72", 1, L"H", false, true}, // stops at a pair that is no hex
-        {gsm, "+CUSD: 1,\"4869\",0", 1, L"Hi", false, true}, {gsm, "+CUSD: 1,\"4869\",  17", 1, L"Hi", false, true},
         {gsm, "+CUSD: 1,\"4869\";15", 1, L"Hi", false, true}, // read by position, not by the comma
         {ucs2, "\r\n+CUSD: 4\r\n", 4, L"", true, false}, {ucs2, "+CUSD: 5", 5, L"", true, false}, {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", true, true},
-        {ucs2, "+CUSD: 3,\"0048\",72", 3, L"H", false, false}, {ucs2, "+CUSD: 1,\"\",72", 1, L"", false, true},
-        {ucs2, "+CUSD: 1,\"0048", 1, L"", false, true}, // no closing quote
+        {ucs2, "+CUSD: 1,\"\",72", 1, L"", false, true}, {ucs2, "+CUSD: 1,\"0048", 1, L"", false, true}, // no closing quote
         {ucs2, "+CUSD: 1,\"0048\"", 1, L"", false, true}, // no coding scheme
-        {ucs2, "+CUSD: 1,\"0048\",", 1, L"", false, true}, // nor here
-        {ucs2, "+CUSD: 1,\"0048\",x", 1, L"", false, true},
         {ucs2, "+CUSD: 1,\"0048\",256", 1, L"", false, true}, // no byte
-        {ucs2, "+CUSD: 1,\"0048\",-1", 1, L"", false, true},
-        {ucs2, "+CUSD: 1 \"0048\"", 1, L"", false, true}, // no comma
         {ucs2, "+CUSD: 1,0048,72", 1, L"", false, true}, // no quote
         {ucs2, "+CUSD:1,\"0048\",72", -1, L"", true, true}, // no blank: not a report
         {ucs2, "+CUSD: x", -1, L"", false, false}, {ucs2, "+CUSD: 99999999999,\"0048\",72", -1, L"", true, true}, {ucs2, "OK", -1, L"", true, true},
