@@ -106,8 +106,6 @@ TEST_F(Detector, WatchesTableAndProbedSticks) {
     EXPECT_EQ(texts->count("added."), 3);
     EXPECT_TRUE(texts->text().contains("Device 12d1:1001 (0x00010004) added."));
     EXPECT_TRUE(texts->text().contains("Device 2c7c:0125 (0x00010005) added."));
-    EXPECT_TRUE(texts->text().contains("HSPA Data Card"));
-    EXPECT_TRUE(texts->text().contains("1bbb:0017 12d1:1001")) << "the watched ids, in hex";
 
     testbed->uevent(other, "remove");
     testbed->uevent(storage, "remove");
