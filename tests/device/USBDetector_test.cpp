@@ -12,7 +12,6 @@
 
 #include <atomic>
 #include <memory>
-#include <vector>
 
 namespace {
 
@@ -127,34 +126,6 @@ TEST_F(Detector, RemovalActionMayDestroyTheDetector) {
     });
     testbed->uevent(modem, "remove");
     ASSERT_TRUE(waitFor([&] { return done.load(); }));
-}
-
-TEST(ThreadWorkerFlag, SetOnceNeverCleared) {
-    EXPECT_EQ(ThreadWorker::workOn({}, QVariant()), nullptr) << "no task, no thread";
-
-    std::atomic<bool> release{false};
-    auto worker = ThreadWorker::workOn(
-        [&](const QVariant& argument, ThreadWorker&) {
-            waitFor([&] { return release.load(); });
-            return argument;
-        },
-        42);
-    ASSERT_NE(worker, nullptr);
-    EXPECT_EQ(worker->cancelled(), 0);
-    std::vector<std::thread> markers;
-    for (int i = 0; i < 4; ++i) {
-        markers.emplace_back([&] {
-            for (int j = 0; j < 100; ++j)
-                worker->markAsCancelled();
-        });
-    }
-    for (auto& marker : markers)
-        marker.join();
-    EXPECT_EQ(worker->cancelled(), 1);
-    EXPECT_FALSE(worker->finished());
-    release = true;
-    EXPECT_TRUE(worker->waitUntilFinished(std::chrono::seconds(10)));
-    EXPECT_EQ(worker->cancelled(), 1);
 }
 
 // The task runs on another thread; its result comes back on the starting thread's event loop.
