@@ -17,10 +17,7 @@ TEST(DialOptions, PppdOptionsText) {
     // clang-format off
     const struct { int authType; QString dns1, dns2; QByteArray tail; } rows[] = {
         {0, {}, {}, "usepeerdns\n"},
-        {1, {}, {}, "refuse-chap\nrefuse-mschap\nrefuse-mschap-v2\nrefuse-eap\nusepeerdns\n"},
-        {2, {}, {}, "refuse-pap\nrefuse-eap\nusepeerdns\n"},
         {3, {}, {}, "usepeerdns\n"},
-        {0, "", "", "usepeerdns\n"},
         {0, "", "10.0.0.1", "ipparam \"DNS=10.0.0.1\"\n"},
         {0, "8.8.8.8", "", "ipparam \"DNS=8.8.8.8\"\n"},
         {1, "8.8.8.8", "8.8.4.4", "refuse-chap\nrefuse-mschap\nrefuse-mschap-v2\nrefuse-eap\nipparam \"DNS=8.8.8.8,8.8.4.4\"\n"},
@@ -69,13 +66,6 @@ TEST(DialOptions, UntrustedFields) {
         QByteArray unused;
         EXPECT_FALSE(PPPConnection::optionsText(ModemOperator::dialOptions(bad), unused));
     }
-}
-
-TEST(OptionWords, AsPppdReadsThem) {
-    EXPECT_EQ(PPPConnection::tokenizeOptions("# comment\n/dev/cu.X 460800 # tail\nlinkname  VELMODEM1\n"
-                                             "connect \"chat -f 'a b'\" user 'x y' pass\\ word\n"),
-              (QStringList{"/dev/cu.X", "460800", "linkname", "VELMODEM1", "connect", "chat -f 'a b'", "user",
-                           "x y", "pass word"}));
 }
 
 // initModem's codes: the device node is the interface, a peer file naming it the service.

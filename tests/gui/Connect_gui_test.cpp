@@ -54,7 +54,6 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     auto* button = Child<QPushButton>(tab, "connectButton");
     auto* profiles = Child<QComboBox>(tab, "profiles");
     const QString pidFile = world.pppDir() + "/run/ppp-VELMODEM1.pid";
-    EXPECT_EQ(button->text(), "Connect");
     ASSERT_TRUE(waitForGui([&] { return profiles->count() > 0; }));
     EXPECT_TRUE(profiles->isEnabled());
     EXPECT_EQ(profiles->currentIndex(), tab->controller()->defaultIndex());
@@ -100,11 +99,8 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
         return chart->homeBytes(today) + chart->roamingBytes(today) == sent + received;
     })) << chart->homeBytes(today)
         << " + " << chart->roamingBytes(today);
-    EXPECT_EQ(LabelText(stats, "periodSent"), LocaleFormat::dataSize(sent));
-    EXPECT_EQ(LabelText(stats, "periodReceived"), LocaleFormat::dataSize(received));
     EXPECT_EQ(LabelText(stats, "periodTotal"), LocaleFormat::dataSize(sent + received));
     EXPECT_EQ(LabelText(stats, "resetReceived"), LocaleFormat::dataSize(received));
-    EXPECT_EQ(LabelText(stats, "statisticsMessage"), "");
 }
 
 // SIGTERM and SIGINT end the app like its Quit: the event loop returns 0 and closing the window hangs up the

@@ -7,10 +7,8 @@
 #include "CNSSignalBars.h"
 #include "DesktopNotifier.h"
 #include "GuiTestSupport.h"
-#include "LocaleFormat.h"
 #include "ModulePlugin.h"
 #include "StatusBarView.h"
-#include "TrayStatus.h"
 
 using namespace std::chrono_literals;
 
@@ -101,7 +99,6 @@ TEST(DesktopGui, MessageNotificationsFollowTheServer) {
     const struct { const char *capabilities, *body, *actions, *sentBody; } rows[] = {
         {"body actions", "Ann: <b>1 & 2</b>", "default,Read,read,Read,reply,Reply", "Ann: <b>1 & 2</b>"},
         {"body body-markup", "Ann: <b>1 & 2</b>", "", "Ann: &lt;b&gt;1 &amp; 2&lt;/b&gt;"},
-        {"body actions inline-reply", "Ann: hi", "default,Read,read,Read,inline-reply,Reply", "Ann: hi"},
         {nullptr, "Ann: hi", "", ""},
     };
     // clang-format on
@@ -165,37 +162,4 @@ TEST(DesktopGui, SignalBarsAndNotificationActionsOnTheModem) {
         return !sent.isEmpty() && sent.last()["text"].toString() == "Yes, at eight";
     };
     EXPECT_TRUE(waitForGui(replied, 20s));
-}
-
-TEST(DesktopGui, TrayIconShowsTheState) {
-    using S = ModemLink::State;
-    // clang-format off
-    const struct { S link; bool connecting, connected, roaming; TrayState state; } rows[] = {
-        {S::Absent, false, false, false, TrayState::NoModem},
-        {S::NeedPin, false, false, false, TrayState::SimLocked},
-        {S::Ready, false, false, true, TrayState::Idle},
-        {S::Ready, true, false, false, TrayState::Connecting},
-        {S::Ready, false, true, false, TrayState::Connected},
-        {S::Ready, false, true, true, TrayState::Roaming},
-    };
-    // clang-format on
-    ensureGuiApplication();
-    QPixmap app(64, 64);
-    app.fill(Qt::blue);
-    QList<QImage> pictures; // each state has its own
-    for (const auto& row : rows) {
-        EXPECT_EQ(TrayStatus::stateOf(row.link, row.connecting, row.connected, row.roaming), row.state);
-        const QImage picture = TrayStatus::icon(row.state, QIcon(app)).pixmap(64, 64).toImage();
-        EXPECT_FALSE(pictures.contains(picture)) << TrayStatus::iconName(row.state).toStdString();
-        pictures << picture;
-    }
-}
-
-TEST(DesktopGui, SizesAndDurationsFollowTheLocale) {
-    const QLocale english(QLocale::English), german(QLocale::German);
-    EXPECT_EQ(LocaleFormat::dataSize(123456789, english), "117.7 MiB");
-    EXPECT_EQ(LocaleFormat::rate(123456789, english), "117.7 MiB/s");
-    EXPECT_EQ(LocaleFormat::dataSize(123456789, german), "117,7 MiB");
-    EXPECT_EQ(LocaleFormat::rate(123456789, german), "117,7 MiB/s");
-    EXPECT_EQ(LocaleFormat::duration(1234567, english), "342:56:07");
 }

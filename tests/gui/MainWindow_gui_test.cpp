@@ -88,9 +88,6 @@ TEST(MainWindowGui, UnpluggingShowsNoModemAndReplugRecoversWithoutRestart) {
     StatusBarView* status = window.statusView();
     ASSERT_TRUE(waitForGui([&] { return status->signalLevel() >= 0; }));
     EXPECT_NE(status->operatorText().indexOf("26202"), -1) << status->operatorText().toStdString();
-    EXPECT_FALSE(status->bearerText().isEmpty());
-    EXPECT_FALSE(status->roamingText().isEmpty());
-    EXPECT_EQ(window.modules().size(), 8);
     auto* connect = world.show<ConnectPlugin>("connect");
     auto* button = Child<QPushButton>(connect, "connectButton");
     auto* profiles = Child<QComboBox>(connect, "profiles");
@@ -118,7 +115,6 @@ TEST(MainWindowGui, UnpluggingShowsNoModemAndReplugRecoversWithoutRestart) {
     EXPECT_NE(window.trayIcon()->toolTip().indexOf("No modem"), -1);
     EXPECT_FALSE(button->isEnabled());
     EXPECT_FALSE(profiles->isEnabled());
-    EXPECT_EQ(button->text(), "Connect");
     EXPECT_EQ(messages->listedCount(), 0);
     messages->showFolder(MessagesPlugin::Drafts);
     EXPECT_EQ(Child<QTreeView>(messages, "messages")->model()->index(0, 2).data().toString(), "For later");

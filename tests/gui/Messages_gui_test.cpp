@@ -10,7 +10,6 @@
 #include "Contacts/ContactsPlugin.h"
 #include "GuiTestSupport.h"
 #include "Messages/ComposeDialog.h"
-#include "Messages/MessageText.h"
 #include "Messages/MessagesPlugin.h"
 #include "WorkNotification.h"
 
@@ -272,23 +271,6 @@ TEST(MessageActionsGui, ReplyAndForwardOpenComposeAndCancelSendsNothing) {
         t.messages->showFolder(folder);
         EXPECT_EQ(t.messages->listedCount(), 0) << folder;
     }
-}
-
-// The counter follows the send path's rules: accented letters are replaced where that keeps 7-bit. (How
-// texts count, SmsSegmentCounter's tests show.)
-TEST(MessagesGui, ComposeCounterUsesTheSendPathsCoding) {
-    ensureGuiApplication();
-    ModemLink link;
-    MessagesController messages(link);
-    ComposeDialog compose(link, messages);
-    compose.setText(QString::fromUtf8("À bientôt"));
-    EXPECT_EQ(Child<QLabel>(&compose, "counter")->text(), QString::fromUtf8("151 characters left · 1 part"));
-}
-
-TEST(MessageText, Recipients) {
-    EXPECT_EQ(MessageText::splitRecipients(" +4917 ; 0170,,+4917; "), (QStringList{"+4917", "0170"}));
-    EXPECT_EQ(MessageText::firstLine("  Hi there\nsecond line"), "Hi there");
-    EXPECT_EQ(MessageText::firstLine(QString(100, 'x'), 10).size(), 10);
 }
 
 // Add, edit and delete from the app reach the SIM, and the list and its count follow; names are cut to the
