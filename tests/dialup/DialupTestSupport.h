@@ -9,6 +9,11 @@
 #include <QDirIterator>
 #include <QFileInfo>
 
+#include <string>
+
+// Empty when TUN byte counters can be tested, else why not (set by main).
+extern std::string g_tunUnavailable;
+
 // A dial-up world: temporary HOME, device, peers, pid-file and interface folders; the stand-in pppd; the
 // modem's dial port as a pty peer linked as cu.VELMobileConnector1; its peer file made by the service
 // tool.
@@ -17,14 +22,20 @@ public:
     static constexpr char kDevice[] = "VELMobileConnector1";
     static constexpr char kService[] = "VELMODEM1";
 
-    DialWorld() {
+    explicit DialWorld(bool realInterfaces = false) {
         QDir().mkpath(peers());
         QDir().mkpath(path("run"));
-        QDir().mkpath(net());
         env.set("DIALTONE_PEERS_DIR", peers());
         env.set("DIALTONE_PPP_RUN_DIR", path("run"));
         env.set("DIALTONE_PPPD", DIALTONE_FAKE_PPPD);
-        env.set("DIALTONE_NET_DIR", net());
+        if (realInterfaces) {
+            env.set("DIALTONE_FAKE_PPPD_TUN", "1");
+            env.set("DIALTONE_NET_DIR", "/sys/class/net");
+        } else {
+            QDir().mkpath(net());
+            env.set("DIALTONE_NET_DIR", net());
+            env.set("DIALTONE_FAKE_PPPD_TUN", "0");
+        }
         QFile::link(QString::fromStdString(modem.slavePath()), dev() + "/cu." + kDevice);
     }
 

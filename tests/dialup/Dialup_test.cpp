@@ -1,5 +1,8 @@
 #include "DialupTestSupport.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -8,6 +11,7 @@ namespace {
 
 class Dialup : public testing::Test {
 protected:
+    explicit Dialup(bool realInterfaces = false) : world(realInterfaces) {}
     void SetUp() override {
         ASSERT_TRUE(world.modem.isOpen());
         ASSERT_EQ(DialWorld::createService(), 0);
@@ -145,6 +149,46 @@ TEST_F(Dialup, Statistics) {
     network.getConnectStaticstics(&info);
     EXPECT_EQ(info.nDurationSeconds + info.nSentBytes + info.nMaxSentBPS, 0u)
         << "counting ended with the link";
+}
+
+// Real byte counters: a TUN interface named ppp0 in this program's own network namespace.
+class DialupTun : public Dialup {
+protected:
+    DialupTun() : Dialup(true) {}
+    void SetUp() override {
+        if (!g_tunUnavailable.empty()) {
+            GTEST_SKIP() << "no TUN interface: " << g_tunUnavailable;
+        }
+        Dialup::SetUp();
+    }
+};
+
+TEST_F(DialupTun, CountersMove) {
+    ASSERT_TRUE(dialUp());
+    const QVariantMap before = network.modemOperator().connection()->statistics().value("PPP").toMap();
+    ASSERT_FALSE(before.isEmpty());
+    EXPECT_GT(before["BytesIn"].toULongLong(), 0u) << "the stand-in's greeting";
+
+    const int sock = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_in peer{};
+    peer.sin_family = AF_INET;
+    peer.sin_port = htons(9);
+    inet_pton(AF_INET, "10.112.112.112", &peer.sin_addr);
+    const char payload[100] = {};
+    ASSERT_EQ(sendto(sock, payload, sizeof payload, 0, reinterpret_cast<sockaddr*>(&peer), sizeof peer),
+              static_cast<ssize_t>(sizeof payload));
+    close(sock);
+    ASSERT_TRUE(waitFor([&] {
+        const QVariantMap now = network.modemOperator().connection()->statistics().value("PPP").toMap();
+        return now["BytesOut"].toULongLong() >= before["BytesOut"].toULongLong() + sizeof payload &&
+               now["BytesIn"].toULongLong() > before["BytesIn"].toULongLong();
+    }));
+
+    ConnectStatisticsInfo info;
+    network.getConnectStaticstics(&info);
+    EXPECT_GE(info.nSentBytes, sizeof payload);
+    EXPECT_EQ(network.disconnectNetwork(), 0);
+    ASSERT_TRUE(waitFor([&] { return network.connectStatus() == 0; }));
 }
 
 } // namespace

@@ -2,9 +2,11 @@
 // "file PATH", "nodetach"), reads the peer file (from DIALTONE_PEERS_DIR) and the options file as pppd
 // does, opens the peer's tty in raw mode, runs the connect script on it, and then plays an established
 // link: the linkname pid file (in DIALTONE_PPP_RUN_DIR) gets the pid and the interface name, and the
-// interface "ppp<unit>" comes up as a folder in DIALTONE_NET_DIR with "flags" and
-// "statistics/{rx,tx}_bytes" that the test writes. SIGTERM, SIGINT or SIGHUP end the link
+// interface "ppp<unit>" comes up, either as a real TUN interface (DIALTONE_FAKE_PPPD_TUN=1, root, a
+// network namespace of its own) that echoes what it is sent, or as a folder in DIALTONE_NET_DIR with
+// "flags" and "statistics/{rx,tx}_bytes" that the test writes. SIGTERM, SIGINT or SIGHUP end the link
 // (exit 5, as pppd); a failed connect script exits 8, a tty hang-up 16.
+#include <arpa/inet.h>
 #include <cctype>
 #include <cerrno>
 #include <csignal>
@@ -13,11 +15,16 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
+#include <linux/if_tun.h>
 #include <map>
+#include <net/if.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sstream>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/signalfd.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -119,6 +126,54 @@ int runConnectScript(const std::string& script, int tty) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 }
 
+// A TUN interface named like pppd's, with pppd's default addresses, up.
+int createTun(const std::string& name) {
+    const int fd = open("/dev/net/tun", O_RDWR | O_CLOEXEC);
+    if (fd < 0) {
+        return -1;
+    }
+    ifreq request{};
+    request.ifr_flags = IFF_TUN | IFF_NO_PI;
+    std::strncpy(request.ifr_name, name.c_str(), IFNAMSIZ - 1);
+    const int sock = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    auto setAddress = [&](unsigned long command, const char* address) {
+        auto* in = reinterpret_cast<sockaddr_in*>(&request.ifr_addr);
+        in->sin_family = AF_INET;
+        inet_pton(AF_INET, address, &in->sin_addr);
+        return ioctl(sock, command, &request) == 0;
+    };
+    bool ok = ioctl(fd, TUNSETIFF, &request) == 0 && setAddress(SIOCSIFADDR, "10.64.64.64") &&
+              setAddress(SIOCSIFDSTADDR, "10.112.112.112");
+    request.ifr_flags = IFF_UP | IFF_POINTOPOINT | IFF_RUNNING | IFF_NOARP;
+    ok = ok && ioctl(sock, SIOCSIFFLAGS, &request) == 0;
+    close(sock);
+    if (!ok) {
+        close(fd);
+        return -1;
+    }
+    return fd;
+}
+
+// An IPv4 UDP packet from the peer to us, as if the network sent something.
+std::vector<unsigned char> greeting() {
+    std::vector<unsigned char> packet(64, 0);
+    packet[0] = 0x45;
+    packet[3] = static_cast<unsigned char>(packet.size());
+    packet[8] = 64;
+    packet[9] = 17;
+    inet_pton(AF_INET, "10.112.112.112", &packet[12]);
+    inet_pton(AF_INET, "10.64.64.64", &packet[16]);
+    unsigned sum = 0;
+    for (int i = 0; i < 20; i += 2) {
+        sum += (packet[i] << 8) | packet[i + 1];
+    }
+    sum = (sum & 0xffff) + (sum >> 16);
+    sum = ~sum & 0xffff;
+    packet[10] = static_cast<unsigned char>(sum >> 8);
+    packet[11] = static_cast<unsigned char>(sum);
+    return packet;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -160,12 +215,24 @@ int main(int argc, char** argv) {
 
     const std::string interface =
         "ppp" + (options.values.count("unit") ? options.values["unit"] : std::string("0"));
+    const bool tun = env("DIALTONE_FAKE_PPPD_TUN", "") == "1";
     const std::string netDir = env("DIALTONE_NET_DIR", "/sys/class/net") + "/" + interface;
-    mkdir(netDir.c_str(), 0755);
-    mkdir((netDir + "/statistics").c_str(), 0755);
-    writeFile(netDir + "/statistics/rx_bytes", "0\n");
-    writeFile(netDir + "/statistics/tx_bytes", "0\n");
-    writeFile(netDir + "/flags", "0x1091\n");
+    int tunFd = -1;
+    if (tun) {
+        tunFd = createTun(interface);
+        if (tunFd < 0) {
+            std::fprintf(stderr, "fake pppd: no TUN interface: %s\n", std::strerror(errno));
+            return 4;
+        }
+        const std::vector<unsigned char> packet = greeting();
+        [[maybe_unused]] const ssize_t written = write(tunFd, packet.data(), packet.size());
+    } else {
+        mkdir(netDir.c_str(), 0755);
+        mkdir((netDir + "/statistics").c_str(), 0755);
+        writeFile(netDir + "/statistics/rx_bytes", "0\n");
+        writeFile(netDir + "/statistics/tx_bytes", "0\n");
+        writeFile(netDir + "/flags", "0x1091\n");
+    }
     std::string pidFile;
     if (options.values.count("linkname")) {
         pidFile = env("DIALTONE_PPP_RUN_DIR", "/run") + "/ppp-" + options.values["linkname"] + ".pid";
@@ -174,8 +241,8 @@ int main(int argc, char** argv) {
 
     int exitCode = 5;
     for (;;) {
-        pollfd fds[2] = {{signals, POLLIN, 0}, {tty, 0, 0}};
-        if (poll(fds, 2, -1) < 0 && errno != EINTR) {
+        pollfd fds[3] = {{signals, POLLIN, 0}, {tty, 0, 0}, {tunFd, POLLIN, 0}};
+        if (poll(fds, tunFd >= 0 ? 3 : 2, -1) < 0 && errno != EINTR) {
             break;
         }
         if (fds[0].revents & POLLIN) {
@@ -185,10 +252,21 @@ int main(int argc, char** argv) {
             exitCode = 16;
             break;
         }
+        if (tunFd >= 0 && (fds[2].revents & POLLIN)) {
+            unsigned char packet[2048];
+            const ssize_t size = read(tunFd, packet, sizeof packet);
+            if (size >= 20) {
+                [[maybe_unused]] const ssize_t written = write(tunFd, packet, static_cast<size_t>(size));
+            }
+        }
     }
     if (!pidFile.empty()) {
         unlink(pidFile.c_str());
     }
-    writeFile(netDir + "/flags", "0x1090\n");
+    if (tunFd >= 0) {
+        close(tunFd);
+    } else {
+        writeFile(netDir + "/flags", "0x1090\n");
+    }
     return exitCode;
 }
