@@ -40,8 +40,7 @@ TEST(AccountController, DataFileChoiceByIMSIPrefix) {
     // clang-format off
     const struct { QStringList files; QString imsi; QString chosen; /* "" for none */ } rows[] = {
         {{"26201.dat", "Default.dat"}, "262011234567890", "26201.dat"}, {{"Default.dat"}, "262011234567890", "Default.dat"},
-        {{"26201.dat", "Default.dat"}, "262021234567890", "Default.dat"}, {{"26201.dat", "Default.dat"}, "", "Default.dat"},
-        {{"26201.dat", "Default.dat"}, QString(), "Default.dat"},
+        {{"26201.dat", "Default.dat"}, "262021234567890", "Default.dat"}, {{"26201.dat", "Default.dat"}, QString(), "Default.dat"},
         {{"262.dat", "26201.dat"}, "262011234567890", "262.dat"}, // listed by name, first match wins
         {{"26201.v2.dat"}, "262011234567890", "26201.v2.dat"},    // the name up to its first "."
         {{"26201.txt", ".dat", "Default.dat"}, "262011234567890", "Default.dat"}, {{"26201.dat"}, "262021234567890", ""},

@@ -16,6 +16,7 @@ TEST(PhoneNumbers, ParsesWhatPeopleType) {
         {"+49 170 123 4567",           "DE", "+491701234567", Refusal::None},
         {"0170 1234567",               "DE", "+491701234567", Refusal::None},
         {"(0170) 123-4567",            "DE", "+491701234567", Refusal::None},
+        {"0049.170.123.4567",          "DE", "+491701234567", Refusal::None},
         {"+44 7700 900123",            "DE", "+447700900123", Refusal::None},
         {"22255",                      "DE", "22255",         Refusal::None},
         {"112",                        "DE", "112",           Refusal::None},
@@ -49,6 +50,7 @@ TEST(PhoneNumbers, FormatsAndMatchesStoredNumbers) {
     const Row reading[] = {
         {"+491701234567", "DE", "0170 1234567"},
         {"+447700900123", "DE", "+44 7700 900123"},
+        {"22255",         "DE", "22255"},
         {"+491701234567", "",   "+49 170 1234567"},
         {"Vodafone",      "DE", "Vodafone"},
         {"",              "DE", ""},
