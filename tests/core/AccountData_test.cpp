@@ -200,45 +200,6 @@ TEST(AccountData, OddNumbersAreBounded) {
     }
 }
 
-// The shipped files: valid, both languages, the common services.
-TEST(AccountData, ShippedFilesAreValid) {
-    TempHome home; // no DIALTONE_RESOURCE_DIR: the build tree's copy
-    const QString dir = ResourceLocator::accountDataDir();
-    // clang-format off
-    struct Row { const char* file; int language; std::wstring firstGroup; std::wstring codes; };
-    const Row rows[] = {
-        {"Default.dat", 0, L"Balance", L"*100# *102* *101# *106# "},
-        {"Default.dat", 1, L"Guthaben", L"*100# *102* *101# *106# "},
-        {"26202.dat", 0, L"Balance", L"*100# *101# *135# "},
-        {"26202.dat", 1, L"Guthaben", L"*100# *101# *135# "},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.file);
-        DebugCapture capture;
-        _TAccountData data;
-        ASSERT_EQ(GetUSSDDataFromFile(dir + "/" + row.file, data, row.language), 0);
-        EXPECT_EQ(capture.text(), "");
-        EXPECT_EQ(data.nLanguageID, row.language);
-        EXPECT_FALSE(data.strTip.empty());
-        ASSERT_FALSE(data.groups.empty());
-        EXPECT_EQ(data.groups.front().strName, row.firstGroup);
-        std::wstring codes;
-        for (const auto& group : data.groups) {
-            for (const auto& entry : group.items) {
-                EXPECT_FALSE(entry.strText.empty());
-                for (const auto& button : entry.buttons)
-                    codes += button.strCode + L" ";
-                for (const auto& input : entry.inputs) {
-                    EXPECT_LE(input.nMinLen, input.nMaxLen);
-                    EXPECT_FALSE(input.strLimitation.empty());
-                }
-            }
-        }
-        EXPECT_EQ(codes, row.codes);
-    }
-}
-
 // Every cut of a real file reads without a fault of the reader's own.
 TEST(AccountData, TruncatedFilesNeverCrash) {
     TempHome home;

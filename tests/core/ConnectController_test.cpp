@@ -115,14 +115,6 @@ TEST_F(ConnectControllerTest, OfferedListPutsTheSimsProfilesFirstAndSelectsTheUs
     EXPECT_TRUE(controller->choiceEnabled());
 }
 
-TEST_F(ConnectControllerTest, WithoutADefaultTheSimsFirstProfileBecomesIt) {
-    ProfileSettingsController settings(*config);
-    readyWithProfiles(settings);
-    EXPECT_EQ(controller->defaultIndex(), 0);
-    EXPECT_TRUE(config->isSetDefaultUserApn() && config->isFromIMSI());
-    EXPECT_EQ(settings.defaultProfileName(), "X one");
-}
-
 TEST_F(ConnectControllerTest, DialsTheProfilesOwnNumberEvenWhenEmpty) {
     ProfileSettingsController settings(*config);
     readyWithProfiles(settings);

@@ -14,21 +14,14 @@ namespace {
 
 using namespace std::chrono_literals;
 using Result = ContactsController::Result;
-using Reason = ContactsController::Refusal::Reason;
 
 // The simulated modem with the scenario's phonebooks (SIM 1, 2, 4 of 250, names up to 14, numbers up to 20;
 // modem 1 of 500), opened the way the tool opens it.
 struct ContactsWorld {
-    explicit ContactsWorld(const QByteArray& scenario = {}) : sim(arguments(scenario)) {
+    ContactsWorld() {
         ensureApplication();
         registerRecordMetaTypes();
         opened = sim.started() && link.open(30000) == WORKER_OK;
-    }
-    QStringList arguments(const QByteArray& scenario) {
-        if (scenario.isEmpty())
-            return {};
-        TempHome::writeFile(home.path() + "/scenario.json", scenario);
-        return {"--scenario", home.path() + "/scenario.json"};
     }
     // The result of the spy's latest signal, once it came.
     Result result(QSignalSpy& spy) {
@@ -87,33 +80,4 @@ TEST(ContactsController, ReloadAddUpdateRemoveReachTheSim) {
     EXPECT_EQ(w.simEntries().size(), 3);
     // The limits of the first reading served the writes.
     EXPECT_EQ(w.phonebookCommands().filter("AT+CPBR=?").size(), limitReadings);
-}
-
-// What does not fit is refused with its figures and never written; a write the modem refuses comes back
-// with its result.
-TEST(ContactsController, WritesThatCannotFitAreRefusedBeforeSending) {
-    // clang-format off
-    struct Row { const char* scenario; const char* name; const char* number; Reason reason; int have; int limit; int code; };
-    const char* const full =
-        R"({"phonebooks":{"SM":{"capacity":2,"entries":[{"index":1,"name":"A","number":"1"},{"index":2,"name":"B","number":"2"}]}}})";
-    const Row rows[] = {
-        {"",   "Alexandra Schmidt-Meyer", "+4917012345",              Reason::NameTooLong,   23, 14, WORKER_ERR_INVALID_ARGUMENT},
-        {"",   "Carla",                   "+491701234567890123456",   Reason::NumberTooLong, 21, 20, WORKER_ERR_INVALID_ARGUMENT},
-        {full, "Carla",                   "+4917012345",              Reason::Full,          2,  2,  WORKER_ERR_GENERAL},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        ContactsWorld w(row.scenario);
-        ASSERT_TRUE(w.opened);
-        const int before = w.simEntries().size();
-        QSignalSpy added(&w.phonebooks, &ContactsController::added);
-        w.phonebooks.add(kSimStore, row.name, row.number);
-        const Result result = w.result(added);
-        EXPECT_EQ(result.outcome.code, row.code);
-        EXPECT_EQ(result.refusal.reason, row.reason);
-        EXPECT_EQ(std::pair(result.refusal.have, result.refusal.limit), std::pair(row.have, row.limit));
-        EXPECT_EQ(w.simEntries().size(), before);
-        EXPECT_TRUE(w.phonebookCommands().filter("AT+CPBW").isEmpty());
-    }
 }

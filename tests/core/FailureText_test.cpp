@@ -15,7 +15,6 @@ TEST(ModemErrorCause, ReadsTheLastCauseNumericOrVerbose) {
     const Row rows[] = {
         {"\r\n+CME ERROR: 20\r\n", kCmeCause + 20},
         {"\r\n+CME ERROR: memory full\r\n", kCmeCause + 20},
-        {"\r\n+CME ERROR: SIM PIN2 required\r\n", kCmeCause + 17},
         {"\r\n+CME ERROR: network not allowed - emergency calls only\r\n", kCmeCause + 32},
         {"\r\n+CME ERROR: Text String Too Long \r\n", kCmeCause + 24},
         {"\r\n+CMS ERROR: 322\r\n", kCmsCause + 322},

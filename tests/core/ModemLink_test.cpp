@@ -10,7 +10,7 @@
 namespace {
 
 // A transport that answers the way the test says: by default every request is answered at once with its
-// own dictionary, an "INIT" failure when initFails is set.
+// own dictionary.
 class ScriptedTransport : public ModemTransport {
 public:
     void start() override {
@@ -21,8 +21,7 @@ public:
     int send(const QString& name, const QVariantMap& request) override {
         sent.append(name);
         if (!holdAnswers)
-            answer(name, request,
-                   name == MESSAGE_INIT_WORK_THREAD && initFails ? WORKER_ERR_NO_DATA_DEVICE : 0);
+            answer(name, request, 0);
         else
             held.append({name, request});
         return WORKER_OK;
@@ -38,7 +37,6 @@ public:
     void report(const QString& name) { emit received(name, {{VALUE_OBJECT, name}}); }
     void pull() { emit unplugged(); }
 
-    bool initFails = false;
     bool holdAnswers = false;
     QStringList sent;
     QList<QPair<QString, QVariantMap>> held;
@@ -59,20 +57,6 @@ struct Fixture {
 };
 
 } // namespace
-
-TEST(ModemLink, OpenSendsOneInitAndTellsItsResult) {
-    for (const bool fails : {false, true}) {
-        Fixture f;
-        f.transport->initFails = fails;
-        EXPECT_EQ(f.link->open(1000), fails ? WORKER_ERR_NO_DATA_DEVICE : WORKER_OK);
-        EXPECT_EQ(f.link->state(), fails ? ModemLink::State::Absent : ModemLink::State::Starting);
-        EXPECT_EQ(f.transport->sent, QStringList{MESSAGE_INIT_WORK_THREAD});
-        // Nothing else goes out while the modem is away: the answer says so at once.
-        const QVariantMap answer = f.link->call(MESSAGE_SMS_GET_LIST, {}, 1000);
-        EXPECT_EQ(WorkNotification::GetErrorCode(answer), fails ? WORKER_ERR_NO_DATA_DEVICE : WORKER_OK)
-            << fails;
-    }
-}
 
 TEST(ModemLink, EachAnswerReachesOnlyItsRequest) {
     Fixture f;

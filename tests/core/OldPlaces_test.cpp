@@ -1,6 +1,5 @@
 #include "OldPlaces.h"
 #include "TempHome.h"
-#include "XdgPlaces.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -14,25 +13,6 @@
 #include <vector>
 
 namespace {
-
-TEST(XdgPlaces, VariablesWhenAbsoluteElseHome) {
-    TempHome home;
-    const QString h = home.path();
-    // clang-format off
-    const struct { const char* value; QString data, config, state; } rows[] = {
-        {nullptr, h + "/.local/share/dialtone", h + "/.config/dialtone", h + "/.local/state/dialtone"},
-        {"relative/xdg", h + "/.local/share/dialtone", h + "/.config/dialtone", h + "/.local/state/dialtone"},
-        {"/srv/xdg/", "/srv/xdg/dialtone", "/srv/xdg/dialtone", "/srv/xdg/dialtone"},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        for (const char* variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
-            row.value ? qputenv(variable, row.value) : qunsetenv(variable);
-        EXPECT_EQ(XdgPlaces::data(), row.data) << row.value;
-        EXPECT_EQ(XdgPlaces::config(), row.config) << row.value;
-        EXPECT_EQ(XdgPlaces::state(), row.state) << row.value;
-    }
-}
 
 using Files = std::vector<std::pair<QString, const char*>>; // path under HOME, content (nullptr: absent)
 

@@ -154,26 +154,6 @@ TEST(SMSStorage, MovingAMessageAndEditingThroughTheItem) {
     EXPECT_EQ(reloaded.getSendBoxList().first().getCreateTime(), fixedTime());
 }
 
-TEST(SMSStorage, DamagedFilesStartEmptyOrKeepTheMessagesTheyHave) {
-    TempHome home;
-    QDir().mkpath(home.userData());
-    const QString path = home.userFile("SMSInBox_" + kIMSI);
-    const QVariantMap good = message("+491701", "kept", "OUTBOX").getMessageDictionary();
-    const QByteArray wellFormed = PropertyList::toXml(
-        QVariantMap{{"OUTBOX", QVariantList{"not a message", good, 5}}, {"SENDBOX", "not an array"}});
-    const QByteArray files[] = {QByteArray("\x00\xff<plist>garbage", 16),
-                                wellFormed.left(wellFormed.size() / 2), wellFormed};
-    for (const QByteArray& bytes : files) {
-        TempHome::writeFile(path, bytes);
-        SMSStorage store(kIMSI);
-        EXPECT_TRUE(store.getSendBoxList().isEmpty());
-        EXPECT_LE(store.getOutBoxList().size(), 1);
-    }
-    SMSStorage store(kIMSI);
-    ASSERT_EQ(store.getOutBoxList().size(), 1);
-    EXPECT_EQ(store.getOutBoxList().first().getContent(), "kept");
-}
-
 TEST(SMSStorage, FailedWriteReportsOneAndKeepsTheListsChanged) {
     TempHome home;
     const QString logPath = home.openLog();

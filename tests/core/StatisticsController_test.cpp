@@ -31,18 +31,10 @@ TEST(StatisticsController, RangeRowsAndTotals) {
     // clang-format off
     struct Row { const char* name; QByteArray days; QDate from; QDate to; std::vector<StatisticsDayRow> expected; _TrafficStaticsItem total; };
     const Row rows[] = {
-        {"no history", "", QDate(2024, 1, 1), QDate(2024, 12, 31), {}, {}},
-        {"one day without entry", one("2024/01/30"), QDate(2024, 1, 31), QDate(2024, 1, 31), {}, {}},
-        {"end of month, outside days left out", one("2024/01/29") + one("2024/01/31") + one("2024/02/02") + one("2024/02/03"),
-         QDate(2024, 1, 30), QDate(2024, 2, 2), {{"2024/01/31", k}, {"2024/02/02", k}}, {2, 4, 6, 8, 0}},
         {"keys stored out of order", one("2024/02/02") + one("2024/02/01") + one("2024/01/30") + one("2024/01/31"), QDate(2024, 1, 30),
          QDate(2024, 2, 2), {{"2024/01/30", k}, {"2024/01/31", k}, {"2024/02/01", k}, {"2024/02/02", k}}, {4, 8, 12, 16, 0}},
         {"year boundary", one("2024/01/01") + one("2023/12/31") + one("2023/12/30"), QDate(2023, 12, 31), QDate(2024, 1, 1),
          {{"2023/12/31", k}, {"2024/01/01", k}}, {2, 4, 6, 8, 0}},
-        {"entries that are not dictionaries", "<key>2024/01/30</key><string>x</string><key>2024/01/31</key><array><integer>1</integer></array>" +
-             one("2024/02/01") + "<key>2024/02/02</key><integer>7</integer>", QDate(2024, 1, 30), QDate(2024, 2, 2), {{"2024/02/01", k}}, k},
-        {"one day", day("2024/01/31", "<integer>1024</integer>", "<integer>2048</integer>", "<integer>0</integer>", "<integer>5</integer>"),
-         QDate(2024, 1, 31), QDate(2024, 1, 31), {{"2024/01/31", {1024, 2048, 0, 5, 0}}}, {1024, 2048, 0, 5, 0}},
         {"range with a day outside and a bad counter",
          day("2024/01/29", "<integer>9</integer>", "<integer>9</integer>", "<integer>9</integer>", "<integer>9</integer>") +
              day("2024/01/31", "<integer>10</integer>", "<integer>20</integer>", "<integer>30</integer>", "<integer>40</integer>") +
@@ -65,43 +57,6 @@ TEST(StatisticsController, RangeRowsAndTotals) {
         EXPECT_EQ(std::vector<StatisticsDayRow>(range.rows.begin(), range.rows.end()), row.expected);
         EXPECT_EQ(range.total, row.total);
     }
-}
-
-// The totals the connect controller saves, a reset that the next start reads from the settings file (the
-// totals zero, the history kept), and the history deleted.
-TEST(StatisticsController, SinceResetFollowsTheConnectionsStoreAndReset) {
-    TempHome home;
-    AppConfig config;
-    StatisticsController controller(config);
-    EXPECT_EQ(controller.sinceReset().sentBytes, 0u);
-    EXPECT_FALSE(controller.sinceReset().resetDate.isValid());
-
-    TrafficStatics connection(config); // the connect controller's own store over the same settings
-    ASSERT_TRUE(connection.saveStaticsRecord({5000, 7000, 1, 2, 125}));
-    ASSERT_TRUE(connection.updateDateStatisticsWithItem({5000, 7000, 0, 0, 0}, QDateTime::currentDateTime()));
-    EXPECT_EQ(connection.getTotalStatics(), (_TrafficStaticsItem{5000, 7000, 0, 0, 125})); // roaming not kept
-    StatisticsSinceReset since = controller.sinceReset();
-    EXPECT_EQ(std::vector<quint64>({since.sentBytes, since.receivedBytes, since.connectTimeSeconds}),
-              std::vector<quint64>({5000, 7000, 125}));
-
-    const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
-    ASSERT_TRUE(controller.resetTotals());
-    const QDateTime after = QDateTime::currentDateTime();
-    since = controller.sinceReset();
-    EXPECT_EQ(since.sentBytes + since.receivedBytes + since.connectTimeSeconds, 0u);
-    EXPECT_TRUE(since.resetDate >= before && since.resetDate <= after)
-        << since.resetDate.toString().toStdString();
-    AppConfig reloaded; // the next start
-    TrafficStatics again(reloaded);
-    EXPECT_EQ(again.getTotalStatics(), _TrafficStaticsItem());
-    EXPECT_EQ(reloaded.getConfigObjectByKey("RESETTIME").toDateTime(), since.resetDate);
-    EXPECT_EQ(again.getLatestResetDate(), since.resetDate);
-    const QDate today = QDate::currentDate();
-    EXPECT_EQ(controller.rangeStatistics(today, today).rows.size(), 1);
-
-    ASSERT_TRUE(controller.deleteHistory());
-    EXPECT_TRUE(controller.rangeStatistics(today, today).rows.isEmpty());
-    EXPECT_EQ(controller.sinceReset().resetDate, since.resetDate);
 }
 
 } // namespace

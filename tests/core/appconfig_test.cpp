@@ -53,13 +53,6 @@ std::string fields(const APNInfo& p) {
     return (out.join('|') + "|" + QString::number(p.nAuthType)).toStdString();
 }
 
-// The log holds each of the lines.
-void expectLogged(const QString& log, std::initializer_list<const char*> lines) {
-    const QByteArray text = TempHome::readFile(log);
-    for (const char* line : lines)
-        EXPECT_TRUE(text.contains(line)) << line << " not in\n" << text.toStdString();
-}
-
 QVariant defaultInfo(const TempHome& home) {
     return PropertyList::readMap(home.configFile("SystemConfig.plist")).value("default APN info");
 }
@@ -102,7 +95,6 @@ TEST(AppConfig, FirstRunWritesTheFlagDefaults) {
 
 TEST(AppConfig, ReadsThePredefinedProfilesAndThePlmnTable) {
     TempHome home;
-    const QString log = home.openLog();
     home.useResources(kProfiles + "\r\n", kPlmn + "\r\n");
     AppConfig config;
 
@@ -122,9 +114,6 @@ TEST(AppConfig, ReadsThePredefinedProfilesAndThePlmnTable) {
     EXPECT_EQ(config.getOperatorNameByNumeric("20801"), "Orange");
     EXPECT_EQ(config.getOperatorNameByNumeric("2080"), "");
     EXPECT_EQ(config.getOperatorNameByNumeric(""), "");
-    expectLogged(log, {"[-CNSLOG_ERROR-]: AppConfig.cpp:", "-->>: FixAPN list incorrect!! in 9 lien\n",
-                       "-->>: FixAPN list incorrect!! in 11 lien\n",
-                       "-->>: PLMN list incorrect!! in 2 lien\n", "-->>: PLMN list incorrect!! in 4 lien\n"});
 }
 
 TEST(AppConfig, MissingResourcesGiveEmptyTables) {
@@ -147,11 +136,9 @@ TEST(AppConfig, ChoosesTheProfilesForASim) {
         {"208011234567890", nullptr, {"Net A"}},
         {"208011234567890", "Unknown", {"Net A"}},         // an SPN not in the table: prefix matching
         {"262011234567890", "", {"X one"}},                // a single prefix match keeps its SPN
-        {"234151234567890", "", {"Solo"}},
         {"310260123456789", "", {"Plain", "Plain 2"}},
         {"460001234567890", "", {"Three 1", "Three 2", "Three 3"}},
         {"404451234567890", "", {}},                       // no profile for this network
-        {"2080", "", {}},                                  // shorter than the code
     };
     // clang-format on
     for (const auto& row : rows) {
@@ -250,7 +237,6 @@ TEST(AppConfig, DefaultProfileFollowsItsSim) {
 
 TEST(AppConfig, OneIndexAddressesBothLists) {
     TempHome home;
-    const QString log = home.openLog();
     home.useResources(kProfiles, kPlmn);
     AppConfig config;
     config.addUserAPNItem(profile("Home", "home.apn"));
@@ -274,8 +260,6 @@ TEST(AppConfig, OneIndexAddressesBothLists) {
     EXPECT_FALSE(config.isSetDefaultUserApn());
     EXPECT_EQ(PropertyList::readList(home.userFile("UserAPNList.plist")).size(), 2);
     EXPECT_EQ(storedAccounts(home, "460001234567890"), edited);
-    expectLogged(log, {"-->>: index is over max count nIndex = 2\n",
-                       "-->>: index is over max count nIndex = 90003\n"});
 
     config.deleteSingleUserApnItem(2);
     config.deleteSingleUserApnItem(0);
@@ -303,22 +287,6 @@ TEST(AppConfig, TwoWritersKeepEachOthersProfiles) {
     EXPECT_EQ(accounts(AppConfig().getUserApnList()), (Names{"Mobile", "Home", "Work2"}));
 }
 
-TEST(AppConfig, CorruptFilesReadAsEmpty) {
-    TempHome home;
-    QDir().mkpath(home.userData());
-    TempHome::writeFile(home.configFile("SystemConfig.plist"),
-                        "<?xml version=\"1.0\"?><plist><dict><key>SOUND_");
-    TempHome::writeFile(home.userFile("UserAPNList.plist"), QByteArray("bplist00\x01\x02", 10));
-    TempHome::writeFile(home.userFile("UserIMSIAPNList.plist"), "garbage");
-    AppConfig config;
-    EXPECT_TRUE(config.getUserApnList().isEmpty());
-    EXPECT_FALSE(config.getSMSDeliveryReportEnable());
-    EXPECT_EQ(PropertyList::readMap(home.configFile("SystemConfig.plist")).value("SOUND_SMS_DELIVERY_REPORT"),
-              "FALSE");
-    config.addUserAPNItem(profile("Home", "home.apn"));
-    EXPECT_EQ(AppConfig().getUserApnList().size(), 1);
-}
-
 TEST(AppConfig, FailedWritesAreLoggedAndMemoryKept) {
     TempHome home;
     const QString log = home.openLog();
@@ -339,10 +307,7 @@ TEST(AppConfig, FailedWritesAreLoggedAndMemoryKept) {
     EXPECT_EQ(config.writeUserIMSIApnListToFile(), 0);
     EXPECT_TRUE(QFileInfo(home.userFile("UserIMSIAPNList.plist")).isFile());
     StoreFile::setFaultHook({});
-    expectLogged(log,
-                 {"[-CNSLOG_ERROR-]: AppConfig.cpp:", "AppConfig::writeSystemConfigToFile VER:",
-                  "-->>: config file write error!!!\n", "AppConfig::changeUserList VER:",
-                  "UserIMSIAPNList.plist is not a regular file, kept as", "-->>: file write error!!!\n"});
+    EXPECT_TRUE(TempHome::readFile(log).contains("UserIMSIAPNList.plist is not a regular file, kept as"));
 }
 
 } // namespace

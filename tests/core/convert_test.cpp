@@ -98,14 +98,6 @@ TEST(ConvertUtilty, DateTexts) {
     oldTz.isNull() ? qunsetenv("TZ") : qputenv("TZ", oldTz);
 }
 
-TEST(ConvertUtilty, BooleanTexts) {
-    EXPECT_TRUE(ConvertUtilty::NSStringBOOLToBOOL("TRUE"));
-    for (const char* text : {"FALSE", "true", "YES", "1", ""})
-        EXPECT_FALSE(ConvertUtilty::NSStringBOOLToBOOL(text)) << text;
-    EXPECT_EQ(ConvertUtilty::BOOLToNSStringBOOL(true) + ConvertUtilty::BOOLToNSStringBOOL(false),
-              "TRUEFALSE");
-}
-
 TEST(ConvertUtilty, WideAndUtf16Text) {
     for (const QString& text :
          {QString(""), QStringLiteral("*100#"), QString::fromUtf8("Grüße, €5"), QString::fromUtf8("你好"),
