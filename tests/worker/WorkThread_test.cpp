@@ -1,7 +1,6 @@
 #include "../core/TempHome.h"
 
 #include "ComOperation.h"
-#include "GUIThreadAgent.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
 #include "WorkThread.h"
@@ -225,53 +224,4 @@ TEST_F(WorkerFixture, UnplugAndSleepPostUnplugged) {
     waitFor([] { return false; }, std::chrono::milliseconds(100));
     // No dial-up object yet, so no connection status goes out.
     EXPECT_EQ(responseNames(), (std::vector<QString>{MESSAGE_USB_UNPLUGGED, MESSAGE_USB_UNPLUGGED}));
-}
-
-TEST(GUIThreadAgent, ReadyCallbackThenRequestsAndNotifications) {
-    ensureApplication();
-    TempHome home;
-    QTemporaryDir devDir;
-    setenv("DIALTONE_DEV_DIR", devDir.path().toLocal8Bit().constData(), 1);
-    const qint32 countBefore = WorkNotification::getQueueItemCount();
-    {
-        ModuleStandIn delegate;
-        GUIThreadAgent agent(nullptr, &delegate);
-        int ready = 0;
-        WorkNotification* notification = nullptr;
-        agent.setServerSetupCompleteTargetCallBack([&](WorkNotification* wn) {
-            ++ready;
-            notification = wn;
-            EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
-        });
-        ASSERT_TRUE(waitFor([&] { return ready == 1; }));
-        ASSERT_EQ(notification, agent.workNotification());
-        EXPECT_EQ(notification->sender(), &delegate);
-        EXPECT_EQ(ApplicationShell::sharedShell().requestTarget(), notification->target());
-
-        EXPECT_EQ(WorkNotification::GetErrorCode(
-                      notification->sendworkMessage("MESSAGE_NETWORK_GET_BAND", {}, true)),
-                  35);
-
-        std::vector<Notification> posted;
-        notification->regeditNotifySelector(MESSAGE_INIT_WORK_THREAD,
-                                            [&](const Notification& n) { posted.push_back(n); });
-        notification->regeditNotifySelector(MESSAGE_SMS_GET_LIST,
-                                            [&](const Notification& n) { posted.push_back(n); });
-        // Dropped (no device watched yet): never answered, so it stays counted.
-        EXPECT_EQ(notification->sendASyncWorkMessage(MESSAGE_SMS_GET_LIST, {}), 0);
-        EXPECT_EQ(notification->sendASyncWorkMessage(MESSAGE_INIT_WORK_THREAD, {}), 0);
-        EXPECT_EQ(WorkNotification::getQueueItemCount(), countBefore + 2);
-        ASSERT_TRUE(waitFor([&] { return !posted.empty(); }));
-        EXPECT_EQ(posted.front().name, MESSAGE_INIT_WORK_THREAD);
-        EXPECT_EQ(posted.front().object, &agent);
-        EXPECT_EQ(WorkNotification::GetErrorCode(posted.front().userInfo), 30);
-        EXPECT_EQ(WorkNotification::GetRequester(posted.front().userInfo), "QTimer");
-        EXPECT_EQ(WorkNotification::getQueueItemCount(), countBefore + 1);
-        EXPECT_EQ(posted.size(), 1u);
-        notification->unregeditNotifySelector(MESSAGE_INIT_WORK_THREAD);
-        notification->unregeditNotifySelector(MESSAGE_SMS_GET_LIST);
-        EXPECT_EQ(ready, 1);
-    }
-    EXPECT_EQ(WorkThread::GetRequestInterfaceImpObject(), nullptr);
-    unsetenv("DIALTONE_DEV_DIR");
 }
