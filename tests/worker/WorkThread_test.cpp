@@ -6,7 +6,6 @@
 #include "WorkThread.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QThread>
 #include <QTimer>
 
@@ -21,29 +20,23 @@
 
 namespace {
 
-// The GUI thread's end as the worker sees it: records every answer and report with its arrival time.
+// The GUI thread's end as the worker sees it: records every answer and report.
 class RecordingResponder : public QObject, public DeviceWorkResponseInterface, public WorkServerReceiver {
 public:
     struct Response {
         QString name;
         QObject* receiver;
         QVariantMap data;
-        qint64 atMs;
     };
-
-    RecordingResponder() { _clock.start(); }
 
     void asyncResponse(const QString& name, QObject* receiver, const QVariantMap& data) override {
         EXPECT_EQ(QThread::currentThread(), thread());
-        responses.push_back({name, receiver, data, _clock.elapsed()});
+        responses.push_back({name, receiver, data});
     }
     void setServer(QObject* server) override { servers.push_back(server); }
 
     std::vector<Response> responses;
     std::vector<QObject*> servers;
-
-private:
-    QElapsedTimer _clock;
 };
 
 // A module as the worker sees it: any object with a class name of its own.
@@ -196,24 +189,6 @@ TEST_F(WorkerFixture, ReportsByKindOnePerCall) {
     EXPECT_EQ(reports->front()->strText, "\r\n+STIN: 11\r\n");
     delete reports->front();
     reports->clear();
-}
-
-TEST_F(WorkerFixture, TwoQueuedReportsComeOnTwoTimerTicksAndARingIsDropped) {
-    for (const char* line : {"\r\n+CMTI: \"SM\",1\r\n", "\r\n+CMTI: \"SM\",2\r\n", "\r\nRING\r\n"}) {
-        queueReports(line);
-    }
-    onWorker([this] { _worker->startDetectTimer(); });
-    ASSERT_TRUE(waitFor([&] { return _responder.responses.size() >= 2; }));
-    // The ring takes the third tick and is not posted.
-    waitFor([] { return false; }, std::chrono::milliseconds(1500));
-    ASSERT_EQ(_responder.responses.size(), 2u);
-    const qint64 gap = _responder.responses[1].atMs - _responder.responses[0].atMs;
-    EXPECT_GE(gap, 900);
-    EXPECT_LE(gap, 2500);
-    UnsolicitedReportList* reports = nullptr;
-    onWorker([&] { ComOperation::GetInstance()->getUnsoliciteReportList(reports); });
-    onWorker([&] { EXPECT_TRUE(reports->empty()); });
-    EXPECT_TRUE(_worker->detectTimerActive());
 }
 
 TEST_F(WorkerFixture, UnplugAndSleepPostUnplugged) {
