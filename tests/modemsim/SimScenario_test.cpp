@@ -25,18 +25,9 @@ TEST(SimScenarioTest, MistakesAreNamed) {
     struct Row { const char* patch; const char* error; };
     const Row rows[] = {
         {R"({"sim":{"pin":"12"}})", "pin and pin2 must be 4-8 digits"},
-        {R"({"sim":{"pin_attempts":4}})", "pin_attempts must be 0-3"},
-        {R"({"network":{"signal":40}})", "signal must be 0-31 or 99"},
-        {R"({"network":{"operators":[{"long":"X","numeric":"1"}]}})", "operator numeric must be 5 or 6 digits"},
-        {R"({"sms":{"cpms":["XX","SM","SM"]}})", "cpms names storage XX that sms.storages lacks"},
-        {R"({"sms":{"messages":[{"storage":"SM","index":99,"from":"+49","text":"x"}]}})", "bad or repeated index"},
-        {R"({"sms":{"messages":[{"storage":"SM"}]}})", "a message needs pdu, from or to"},
-        {R"({"knobs":{"urc_mode":"sometimes"}})", "urc_mode must be poll, immediate, mixed or ahead"},
-        {R"({"dialect":"other"})", "dialect must be vel or standard"},
         {R"({"knobs":{"scan_format":7}})", "scan_format must be a text"},
         {R"({"knobs":{"refuse":["CSCB"]}})", "refuse takes command names"},
         {R"({"voice":{"dial_result":"MAYBE"}})", "dial_result must be"},
-        {R"({"ussd":{"menus":{"*1#":"text"}}})", "a USSD menu entry must be an object"},
         {R"({"sim":{"imsi":5}})", "type must be string"},
     };
     // clang-format on

@@ -1,5 +1,5 @@
-// SMS on the simulated modem: sends the switch or the host's PDU spoil, storage errors, a full storage,
-// and a message to the SIM's own number that comes back.
+// SMS on the simulated modem: sends the switch or the host's PDU spoil, a full storage, and a message to
+// the SIM's own number that comes back.
 
 #include <gtest/gtest.h>
 
@@ -49,21 +49,6 @@ TEST(SimSmsTest, SendFailuresAndAborts) {
         EXPECT_EQ(h.Send(step.bytes), step.answer) << step.bytes;
     }
     EXPECT_EQ(h.modem.State().sms.sent.size(), 1u);
-}
-
-TEST(SimSmsTest, StorageCommandsFollowCpms) {
-    Ready h;
-    h.ExpectAnswers({
-        {"AT+CPMS=\"ME\",\"ME\",\"ME\"", "\r\n+CPMS: 1,100,1,100,1,100\r\n\r\nOK\r\n"},
-        {"AT+CPMS=\"XX\"", "\r\n+CMS ERROR: 302\r\n"},
-        {"AT+CMGD=1", "\r\nOK\r\n"},
-        {"AT+CMGR=1", "\r\n+CMS ERROR: 321\r\n"},
-        {"AT+CPMS=\"SM\"", "\r\n+CPMS: 3,30,0,100,0,100\r\n\r\nOK\r\n"},
-        {"AT+CMGD=1,4", "\r\nOK\r\n"},
-        {"AT+CPMS?", "\r\n+CPMS: \"SM\",0,30,\"ME\",0,100,\"ME\",0,100\r\n\r\nOK\r\n"},
-        {"AT+CSCS=\"UCS2\";+CSCA?",
-         "\r\n+CSCA: \"002B003400390031003700320032003200370030003300330033\",145\r\n\r\nOK\r\n"},
-    });
 }
 
 TEST(SimSmsTest, FullStorageRejectsAMessage) {

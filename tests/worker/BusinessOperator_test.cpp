@@ -282,8 +282,6 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
         {"ready", pinState, {}, {{cpin, answer("+CPIN: READY")}, {pnnm, answer("+PNNM: 3, 10")}}, 0, pin(1, 3, 10)},
         {"ready, no PUK attempt left", pinState, {}, {{cpin, answer("+CPIN: READY")}, {pnnm, answer("+PNNM: 3, 0")}}, 0, pin(17, 3, 0)},
         {"PIN", pinState, {}, {{cpin, answer("+CPIN: SIM PIN")}, {pnnm, answer("+PNNM: 2, 10")}}, 0, pin(2, 2, 10)},
-        {"PUK", pinState, {}, {{cpin, answer("+CPIN: SIM PUK")}, {pnnm, answer("+PNNM: 0, 9")}}, 0, pin(3, 0, 9)},
-        {"network lock", pinState, {}, {{cpin, answer("+CPIN: PH-NET PIN")}, {"AT+SMPN?\r", answer("+SMPN: PN(1,2),PU(3,4),PP(5,6),PC(7,8),PF(9,10)")}}, 0, pin(9, 1, 2)},
         {"no SIM", pinState, {}, {{cpin, "\r\n+CME ERROR: SIM not inserted\r\n"}}, 0, pin(0, 0, 0)},
         {"counters missing", pinState, {}, {{cpin, answer("+CPIN: READY")}, {pnnm, ok}}, 1, none},
         {"counters refused", pinState, {}, {{cpin, answer("+CPIN: SIM PIN")}, {pnnm, "\r\nERROR\r\n"}}, 1, none},
@@ -298,18 +296,15 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
         {"verify with a second command", verify, request("1234\";+CFUN=0"), {}, WORKER_ERR_INVALID_ARGUMENT, {}},
         {"PUK too short", verifyPuk, request(QVariant::fromValue(BLPINVerifyPukInfo{"1234567", "1234"})), {}, WORKER_ERR_INVALID_ARGUMENT, {}},
         {"change with another record", pinChange, request(QVariant::fromValue(BLSmsSendItem{})), {}, WORKER_ERR_INVALID_ARGUMENT, {}},
-        // Setting the mode turns every refusal into 33.
+        // Setting the mode turns a refusal into 33.
         {"mode", setMode, request(0), {{syssel, ok}}, 0, none},
         {"mode refused", setMode, request(0), {{syssel, "\r\nERROR\r\n"}}, 33, none},
-        {"mode timed out", setMode, request(0), {{syssel, "", 2}}, 33, none},
-        {"mode cancelled", setMode, request(0), {{syssel, "", 30}}, 33, none},
         // The operator list keeps the modem's order and repeats; no operator is an empty list.
         {"operators", operators, {}, {{cops, answer("+COPS: (2,\"Acme\",\"ACME\",\"00101\",2),(1,\"Beta\",\"BETA\",\"00102\",0),(3,\"Acme\",\"ACME\",\"00101\",0),,(0,1,2,3,4),(0,1,2)")}}, 0,
          QVariantList{op(2, "Acme", "ACME", "00101", 2), op(1, "Beta", "BETA", "00102", 0), op(3, "Acme", "ACME", "00101", 0)}},
         {"no operator", operators, {}, {{cops, answer("+COPS: ,,(0,1,2,3,4),(0,1,2)")}}, 0, QVariantList{}},
         {"operators refused", operators, {}, {{cops, "\r\n+CME ERROR: no network service\r\n"}}, 1, none},
         // The toolkit's main menu comes with the modem's character set (any other than UCS2 reads as IRA).
-        {"menu in IRA", menu, {}, {{stgi, listing}, {cscs, kCharSetIra}}, 0, menuIn(USSD_TE_IRA)},
         {"menu in UCS2", menu, {}, {{stgi, listing}, {cscs, kCharSetUcs2}}, 0, menuIn(USSD_TE_UCS2)},
         {"menu in Latin-1", menu, {}, {{stgi, listing}, {cscs, answer("+CSCS: \"8859-1\"")}}, 0, menuIn(USSD_TE_IRA)},
         {"menu refused", menu, {}, {{stgi, kCmeError}}, 1, none},
@@ -323,20 +318,13 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
         {"card refuses", select, answerIn("AT+STGR=0,0,9"), {{cscs, kCharSetIra}, {"AT+STGR=0,0,9\r", kCmeError}}, 1, {}},
         // Dialling sends only dial strings and passes the call's results on.
         {"answered", dial, request(QStringLiteral("+491701234567")), {{"ATD+491701234567;\r", ok}}, 0, none},
-        {"service code", dial, request(QStringLiteral("*100#")), {{"ATD*100#;\r", ok}}, 0, none},
         {"busy", dial, request(QStringLiteral("0301234")), {{"ATD0301234;\r", "\r\nBUSY\r\n"}}, 27, none},
-        {"no answer", dial, request(QStringLiteral("0301234")), {{"ATD0301234;\r", "\r\nNO ANSWER\r\n"}}, 26, none},
-        {"dial refused", dial, request(QStringLiteral("0301234")), {{"ATD0301234;\r", kCmeError}}, 1, none},
         {"second command smuggled in", dial, request(QStringLiteral("12;AT+CFUN=0")), {}, 1, none},
-        {"plus inside", dial, request(QStringLiteral("49+1")), {}, 1, none},
-        {"only a plus", dial, request(QStringLiteral("+")), {}, 1, none},
-        {"empty number", dial, request(QString("")), {}, 1, none},
         {"number too long", dial, request(QString(41, QChar('1'))), {}, 1, none},
         {"dial without argument", dial, {}, {}, 3, none},
         // Tones: every key is checked before any is sent.
         {"every key kind", dtmf, request(QStringLiteral("1*#D")), {{"AT+VTS=1\r", ok}, {"AT+VTS=*\r", ok}, {"AT+VTS=#\r", ok}, {"AT+VTS=D\r", ok}}, 0, none},
         {"a bad key at the end", dtmf, request(QStringLiteral("12E")), {}, 1, none},
-        {"lower case", dtmf, request(QStringLiteral("a")), {}, 1, none},
         {"stops at the first refusal", dtmf, request(QStringLiteral("12")), {{"AT+VTS=1\r", kCmeError}}, 1, none},
         {"too many keys", dtmf, request(QString(65, QChar('1'))), {}, 1, none},
         {"no keys", dtmf, request(QString("")), {}, 3, none},
@@ -366,12 +354,7 @@ TEST_F(BusinessOperatorTest, DiagInfoGathersWhatItCanAndClearsTheRegStateWhenAtt
     struct Row { bool equipmentFails, networkFails, pinFails, gprsFails, normalFails, attachFails; qint32 pin, gprs, normal, attach; };
     const Row rows[] = {
         {false, false, false, false, false, false, 2, 4, 1, 1},
-        {true, true, false, false, false, false, 2, 4, 1, 1},
-        {false, false, true, false, false, false, 19, 4, 1, 1},
-        {false, false, false, true, false, false, 2, 5, 1, 1},
-        {false, false, false, false, true, false, 2, 4, 5, 1},
         {false, false, false, false, false, true, 2, 4, 0, 0},
-        {false, false, false, false, true, true, 2, 4, 0, 0},
         {true, true, true, true, true, true, 19, 5, 0, 0},
     };
     // clang-format on
@@ -480,10 +463,8 @@ TEST_F(BusinessOperatorTest, IncomingMessagesFromFilteredNumbersGoToTheirClientO
     struct Row { QStringList numbersA; QStringList numbersB; std::string sender; QString client; };
     const Row rows[] = {
         {{"10086"}, {}, "10086", "QObject"},
-        {{"10086"}, {}, "1008", {}},
         {{"10086"}, {}, "9910086", {}},               // under 8 characters: only an exact match counts
         {{"12345678"}, {}, "+8612345678", "QObject"}, // 8 or more: a match at the end counts
-        {{"12345678"}, {}, "12345678", "QObject"},
         {{"12345678"}, {}, "2345678", {}},
         {{""}, {}, "+8612345678", {}},
         {{"10086"}, {"+8613800000000", "13800000001"}, "+8613800000001", "QTimer"},
