@@ -148,23 +148,6 @@ TEST(JsonSchemaCheck, ReportsTheOffendingKey) {
         << checked.out;
 }
 
-// The modem's +CREG <stat> reaches scripts as the word and the same number.
-TEST(JsonRegistration, FollowsTheModemsRegistrationState) {
-    // clang-format off
-    const std::vector<std::pair<int, std::string>> rows{
-        {0, "not-registered"}, {1, "home"}, {2, "searching"}, {3, "denied"}, {4, "unknown"}, {5, "roaming"},
-    };
-    // clang-format on
-    clitest::SimulatedModem modem;
-    ASSERT_TRUE(modem.ready());
-    for (const auto& [stat, word] : rows) {
-        modem.command("reg " + std::to_string(stat));
-        const json document = Parse(modem.run({"--json", "network", "reg"}).out);
-        EXPECT_EQ(document.value("registration", ""), word) << stat;
-        EXPECT_EQ(document.value("registration_code", -1), stat) << stat;
-    }
-}
-
 TEST(KeyValueOutput, PrintsTheJsonKeysOnePerLine) {
     const clitest::TempDir home;
     const auto run = [&home](std::vector<std::string> args) {

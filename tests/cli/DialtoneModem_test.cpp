@@ -48,7 +48,6 @@ TEST(DialtoneModem, UsageErrorsExitTwoWithoutTouchingAModem) {
         {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumbr":"+491701"})"}, "BLSmsSendItem has no field \"strNumbr\""},
         {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumber":17})"}, "BLSmsSendItem.strNumber: 17 does not fit"},
         {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLNoSuchRecord"})"}, "takes a BLSmsSendItem, not \"BLNoSuchRecord\""},
-        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLPINEnableInfo"})"}, "takes a BLSmsSendItem, not \"BLPINEnableInfo\""},
         {{"request", "MESSAGE_NETWORK_SET", R"({"class":"BLNetworkSet","nMode":4294967296})"}, "BLNetworkSet.nMode must be a whole number from 0 to 4"},
         {{"request", "MESSAGE_NETWORK_SET", R"({"nMode":7})"}, "BLNetworkSet.nMode must be a whole number from 0 to 4, not 7"},
         {{"request", "MESSAGE_PB_DELETE_ITEM", R"({"nStoreIn":0,"nIndex":-1})"}, "BLPBDeleteItem.nIndex must be a whole number from 1 up, not -1"},
@@ -335,7 +334,6 @@ TEST(DialtoneLanguage, GermanForPeopleEnglishForScripts) {
     // clang-format off
     const Case cases[] = {
         {{"status"}, "Netzbetreiber:   ", "Operator:", "network.operator_code: "},
-        {{"network", "info"}, "Paketdienst:", "Packet service:", "packet_registration: "},
         {{"stats"}, "Roaming empfangen", "Roaming received", "since_reset.sent_bytes: "},
         {{"pin", "status"}, "Verbleibende Versuche: PIN", "Attempts left:", "pin_attempts: "},
         {{"netwrk"}, "unbekannter Befehl 'netwrk'. Meinten Sie: network?", "unknown command", nullptr},
