@@ -148,22 +148,4 @@ TEST(JsonSchemaCheck, ReportsTheOffendingKey) {
         << checked.out;
 }
 
-TEST(KeyValueOutput, PrintsTheJsonKeysOnePerLine) {
-    const clitest::TempDir home;
-    const auto run = [&home](std::vector<std::string> args) {
-        args.insert(args.begin(), {"--simulate=standard", "--output", "key=value"});
-        return clitest::RunDialtone(args, home.path);
-    };
-    const Outcome status = run({"status"});
-    ASSERT_EQ(status.status, 0) << status.err;
-    for (const char* line :
-         {"\nnetwork.registration: home\n", "\nsim.state: ready\n", "\nmodem.hardware_version: \n"})
-        EXPECT_NE(status.out.find(line), std::string::npos) << line << status.out;
-    const Outcome failed = run({"stk", "menu"});
-    EXPECT_EQ(failed.status, 1);
-    EXPECT_NE(failed.out.find("error.code: 46\n"), std::string::npos) << failed.out;
-    const Outcome list = run({"sms", "list"});
-    EXPECT_NE(list.out.find("messages[3].time: \n"), std::string::npos) << list.out;
-}
-
 } // namespace

@@ -76,19 +76,6 @@ TEST(DialtoneModem, NoModemIsAFailureWithErrorCodeInJson) {
     EXPECT_NE(Parse(run.out)["error"].value("code", 0), 0) << run.out;
 }
 
-TEST(DialtoneModem, WrongPinCountsDownThenTheRightOneUnlocks) {
-    SimulatedModem modem("pin-locked");
-    ASSERT_TRUE(modem.ready());
-    // clang-format off
-    clitest::RunSteps(modem, {
-        {{"--json", "pin", "status"}, 0, {"\"state\": \"pin-required\"", "\"pin_attempts\": 3"}},
-        {{"--json", "pin", "verify", "0000"}, 1, {"\"code\": 14", "the PIN or password is wrong"}, "2 PIN attempts"}, // incorrect password
-        {{"pin", "verify", "1234"}, 0},
-        {{"--json", "pin", "status"}, 0, {"\"state\": \"ready\""}},
-    });
-    // clang-format on
-}
-
 // A name the worker does not know is its failure, not a usage error.
 TEST(DialtoneModem, RequestTakesARecordAndPrintsTheWholeResponse) {
     SimulatedModem modem("default");
