@@ -153,25 +153,6 @@ TEST(DialtoneStats, Runs) {
     }
 }
 
-TEST(DialtoneStats, JsonRangeThenResetThenDeleteHistory) {
-    TempDir home;
-    Seed(home.path);
-    const std::vector<std::string> query{"--json", "stats", "--from", "2024-01-30", "--to", "2024-02-02"};
-    // clang-format off
-    const clitest::Step steps[] = {
-        {query, 0, {R"("day": "2024-01-31")", R"("roaming_received_bytes": 400)", R"("day": "2024-02-02")", "\"total\": {\n    \"received_bytes\": 1736", "\"sent_bytes\": 2148",
-                    "\"since_reset\": {\n    \"connection_time\": 3661,\n    \"received_bytes\": 1048576,\n    \"reset_time\": \"2024-01-15T08:00:00+00:00\""}},
-        {{"stats", "reset"}, 0, {"day history was kept"}},
-        {query, 0, {"\"since_reset\": {\n    \"connection_time\": 0,\n    \"received_bytes\": 0,\n    \"reset_time\": \"20", R"("day": "2024-02-02")"}},
-        {{"--json", "stats", "reset", "--history"}, 0, {"\"history_deleted\": true"}},
-        {query, 0, {"\"days\": []"}},
-    };
-    // clang-format on
-    for (const clitest::Step& step : steps)
-        clitest::ExpectStep(step, RunDialtone(step.args, home.path));
-    EXPECT_EQ(RunDialtone(query, home.path).out.find("2024-01-15T08:00:00"), std::string::npos);
-}
-
 // The tool with damaged data files: it says on standard error where the damaged file was kept, and works.
 namespace fs = std::filesystem;
 
