@@ -148,39 +148,4 @@ TEST(JsonSchemaCheck, ReportsTheOffendingKey) {
         << checked.out;
 }
 
-// The modem's +CREG <stat> reaches scripts as the word and the same number.
-TEST(JsonRegistration, FollowsTheModemsRegistrationState) {
-    // clang-format off
-    const std::vector<std::pair<int, std::string>> rows{
-        {0, "not-registered"}, {1, "home"}, {2, "searching"}, {3, "denied"}, {4, "unknown"}, {5, "roaming"},
-    };
-    // clang-format on
-    clitest::SimulatedModem modem;
-    ASSERT_TRUE(modem.ready());
-    for (const auto& [stat, word] : rows) {
-        modem.command("reg " + std::to_string(stat));
-        const json document = Parse(modem.run({"--json", "network", "reg"}).out);
-        EXPECT_EQ(document.value("registration", ""), word) << stat;
-        EXPECT_EQ(document.value("registration_code", -1), stat) << stat;
-    }
-}
-
-TEST(KeyValueOutput, PrintsTheJsonKeysOnePerLine) {
-    const clitest::TempDir home;
-    const auto run = [&home](std::vector<std::string> args) {
-        args.insert(args.begin(), {"--simulate=standard", "--output", "key=value"});
-        return clitest::RunDialtone(args, home.path);
-    };
-    const Outcome status = run({"status"});
-    ASSERT_EQ(status.status, 0) << status.err;
-    for (const char* line :
-         {"\nnetwork.registration: home\n", "\nsim.state: ready\n", "\nmodem.hardware_version: \n"})
-        EXPECT_NE(status.out.find(line), std::string::npos) << line << status.out;
-    const Outcome failed = run({"stk", "menu"});
-    EXPECT_EQ(failed.status, 1);
-    EXPECT_NE(failed.out.find("error.code: 46\n"), std::string::npos) << failed.out;
-    const Outcome list = run({"sms", "list"});
-    EXPECT_NE(list.out.find("messages[3].time: \n"), std::string::npos) << list.out;
-}
-
 } // namespace

@@ -3,13 +3,11 @@
 
 #include "ModemLink.h"
 #include "SMS/MessagesController.h"
-#include "SMS/SMSStorage.h"
 #include "WorkMessageNames.h"
 #include "WorkNotification.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QSignalSpy>
 
 #include <gtest/gtest.h>
 
@@ -23,8 +21,7 @@ using Outcome = MessagesController::Outcome;
 
 namespace {
 
-// The controller on a link to the simulated modem: opened as the tool opens it, or started and followed
-// as the desktop app does.
+// The controller on a link to the simulated modem, opened as the tool opens it.
 class MessagesControllerTest : public ::testing::Test {
 protected:
     void open() {
@@ -32,15 +29,6 @@ protected:
         _link = std::make_unique<ModemLink>();
         ASSERT_EQ(_link->open(30000), 0);
         _messages = std::make_unique<MessagesController>(*_link);
-    }
-    void follow() {
-        ASSERT_TRUE(_sim.started());
-        _link = std::make_unique<ModemLink>();
-        _link->start();
-        ASSERT_TRUE(waitUntil([this] { return _link->state() == ModemLink::State::Ready; }, 30s));
-        _messages = std::make_unique<MessagesController>(*_link);
-        _messages->follow();
-        ASSERT_TRUE(waitUntil([this] { return _messages->loaded(); }, 30s));
     }
     void TearDown() override {
         _messages.reset();
@@ -132,47 +120,4 @@ TEST_F(MessagesControllerTest, ToolStepsListSendDeleteAndArchive) {
     }
     EXPECT_EQ(WorkNotification::GetErrorCode(_link->call(MESSAGE_SMS_USE_PC_INBOX, "12ab")),
               WORKER_ERR_PARAMETER_NULL);
-}
-
-TEST_F(MessagesControllerTest, FollowingTracksNewMessagesReportsAndBursts) {
-    follow();
-    QSignalSpy changed(_messages.get(), &MessagesController::messagesChanged);
-    QSignalSpy received(_messages.get(), &MessagesController::messageReceived);
-    ASSERT_TRUE(_sim.control("sms +4915112345678 Hello from the test").value("ok").toBool());
-    ASSERT_TRUE(waitUntil([&] { return received.count() == 1; }, 20s));
-    EXPECT_TRUE(holds(_messages->messages(), "Hello from the test"));
-    EXPECT_GE(changed.count(), 1);
-
-    // The report answers the latest sent message to its number.
-    QSignalSpy matched(_messages.get(), &MessagesController::deliveryMatched);
-    _sim.control("set status_report_delay_ms 200");
-    ASSERT_TRUE(run([&](auto done) { _messages->setStatusReport(true, done); }).ok());
-    ASSERT_TRUE(run([&](auto done) { _messages->send("+491701234567", "Did it arrive?", done); }).ok());
-    ASSERT_EQ(_messages->keep({"+491701234567"}, "Did it arrive?", SMS_BOX_SENDBOX), SMSStorage::kOK);
-    ASSERT_TRUE(waitUntil([&] { return matched.count() == 1; }, 20s));
-    const QList<MessageItem> sent = _messages->box(SMS_BOX_SENDBOX);
-    ASSERT_EQ(sent.size(), 1);
-    EXPECT_TRUE(sent[0].getMessageDictionary().contains(MessagesController::kDeliveryStatusKey));
-    EXPECT_FALSE(holds(_messages->messages(), "Did it arrive?")); // reports are not messages
-
-    // A burst announced at once is caught up by listing the table again.
-    QSignalSpy relisted(_messages.get(), &MessagesController::relisted);
-    const qsizetype before = _messages->messages().size();
-    ASSERT_TRUE(_sim.control("set urc_mode immediate").value("ok").toBool());
-    constexpr int kBurst = 10;
-    for (int i = 0; i < kBurst; ++i)
-        ASSERT_TRUE(_sim.control(QStringLiteral("sms +4915112345678 burst %1").arg(i)).value("ok").toBool());
-    ASSERT_TRUE(waitUntil([&] { return _messages->messages().size() >= before + kBurst; }, 20s));
-    for (int i = 0; i < kBurst; ++i) {
-        const QString text = QStringLiteral("burst %1").arg(i);
-        EXPECT_EQ(std::count_if(_messages->messages().begin(), _messages->messages().end(),
-                                [&text](const BLSmsListItem& item) { return item.strContent == text; }),
-                  1)
-            << i;
-    }
-    EXPECT_GE(relisted.count(), 1);
-
-    _messages->stop();
-    EXPECT_TRUE(_messages->messages().isEmpty());
-    EXPECT_FALSE(_messages->loaded());
 }

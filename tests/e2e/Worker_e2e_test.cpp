@@ -5,7 +5,6 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QJsonArray>
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,47 +14,6 @@ namespace {
 class WorkerE2E : public WorkerWorld {};
 
 } // namespace
-
-TEST_F(WorkerE2E, InitialisationRunsTheStartUpSequenceAndFindsTheDevice) {
-    auto found = listen(MESSAGE_DEVICE_FIND);
-    start();
-    EXPECT_TRUE(ApplicationShell::sharedShell().deviceFoundOK());
-    // The lone escape is no command to the modem and is not logged by it.
-    const QStringList expected{"ATE1", "ATE1", "ATE0", "AT&F", "ATE0Q0V1", "AT+CMEE=2"};
-    EXPECT_EQ(_sim->commands(), expected);
-    EXPECT_TRUE(waitUntil([&] { return found->size() == 1; }, 2s));
-    // The detect timer then polls with a bare "at" once a second.
-    EXPECT_TRUE(waitUntil(
-        [&] {
-            const QJsonArray all = _sim->control("dump").value("commands").toArray();
-            return !all.isEmpty() && all.last().toString() == "at";
-        },
-        3s));
-}
-
-TEST_F(WorkerE2E, ASecondInitKeepsTheStackButMakesANewBusinessObject) {
-    start();
-    struct Stack {
-        const void* sublayer;
-        const void* network;
-        const void* business;
-    };
-    const auto stack = [this] {
-        Stack now{};
-        onWorker([&now] {
-            WorkThread* const worker = WorkThread::GetRequestInterfaceImpObject();
-            now = {worker->atSublayer(), worker->networkOperator(), worker->businessOperator()};
-        });
-        return now;
-    };
-    const Stack first = stack();
-    ASSERT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
-    const Stack second = stack();
-    EXPECT_EQ(second.sublayer, first.sublayer);
-    EXPECT_EQ(second.network, first.network);
-    EXPECT_NE(second.business, first.business);
-    EXPECT_NE(second.business, nullptr);
-}
 
 TEST_F(WorkerE2E, UnplugMidCommandEndsItAndALaterInitWorks) {
     start();

@@ -28,15 +28,6 @@ int ModemSaw(const clitest::SimulatedModem& modem, const std::string& commandSta
     return seen;
 }
 
-// Runs a shell command, returning its exit status and what it printed (both streams).
-std::pair<int, std::string> Shell(const std::string& command) {
-    QProcess shell;
-    shell.setProcessChannelMode(QProcess::MergedChannels);
-    shell.start(QStringLiteral("sh"), {QStringLiteral("-c"), QString::fromStdString(command)});
-    const bool exited = shell.waitForFinished(60000) && shell.exitStatus() == QProcess::NormalExit;
-    return {exited ? shell.exitCode() : -1, shell.readAll().toStdString()};
-}
-
 } // namespace
 
 TEST(ServiceClients, AClientKilledInTheMiddleLeavesTheServiceWorking) {
@@ -128,7 +119,7 @@ TEST(ServiceFallback, PortsNamedForTheToolAreOpenedByTheToolItself) {
 TEST(ServiceAccess, AnotherUsersCallIsRefused) {
     if (geteuid() != 0)
         GTEST_SKIP() << "needs root to make a call as another user";
-    if (Shell("command -v busctl").first != 0)
+    if (clitest::Shell("command -v busctl").status != 0)
         GTEST_SKIP() << "busctl is not installed";
     ServiceWorld world;
     ASSERT_TRUE(world.ready());
@@ -144,9 +135,9 @@ TEST(ServiceAccess, AnotherUsersCallIsRefused) {
     };
     // clang-format on
     for (const Row& row : rows) {
-        const auto [status, output] = Shell(row.prefix + call);
-        EXPECT_EQ(status == 0, row.answered) << row.prefix << ": " << output;
-        EXPECT_EQ(output.find("BLNetworkInfo") != std::string::npos, row.answered) << output;
+        const clitest::Outcome answer = clitest::Shell(row.prefix + call + " 2>&1");
+        EXPECT_EQ(answer.status == 0, row.answered) << row.prefix << ": " << answer.out;
+        EXPECT_EQ(answer.out.find("BLNetworkInfo") != std::string::npos, row.answered) << answer.out;
     }
 }
 
