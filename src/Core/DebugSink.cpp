@@ -25,19 +25,9 @@ constexpr SecretCommand kSecretCommands[] = {
     {"+CPWD=", 1u << 1 | 1u << 2}, // <fac>,<old password>,<new password>
 };
 
-bool sameLetters(std::string_view text, size_t at, std::string_view word) {
-    if (text.size() - at < word.size())
-        return false;
-    for (size_t i = 0; i < word.size(); ++i) {
-        if (std::toupper(static_cast<unsigned char>(text[at + i])) != static_cast<unsigned char>(word[i]))
-            return false;
-    }
-    return true;
-}
-
 const SecretCommand* secretCommandAt(std::string_view text, size_t at) {
     for (const SecretCommand& command : kSecretCommands) {
-        if (sameLetters(text, at, command.name))
+        if (SameLettersAt(text, at, command.name))
             return &command;
     }
     return nullptr;
@@ -102,6 +92,16 @@ size_t maskArguments(std::string_view text, size_t at, unsigned secrets, std::st
 }
 
 } // namespace
+
+bool SameLettersAt(std::string_view text, size_t at, std::string_view word) {
+    if (at > text.size() || text.size() - at < word.size())
+        return false;
+    for (size_t i = 0; i < word.size(); ++i) {
+        if (std::toupper(static_cast<unsigned char>(text[at + i])) != static_cast<unsigned char>(word[i]))
+            return false;
+    }
+    return true;
+}
 
 std::string MaskSecrets(std::string_view text) {
     std::string out;

@@ -23,6 +23,9 @@ void DebugPrint(const char* format, ...) __attribute__((format(printf, 1, 2)));
 // Every log line and debug text passes through it.
 std::string MaskSecrets(std::string_view text);
 
+// True when text holds word from position at, in any letter case (word in capitals: "+CPIN=").
+bool SameLettersAt(std::string_view text, size_t at, std::string_view word);
+
 // The modem traffic: what the channel writes to the port and reads from it, one line per AT line, with the
 // local time of day, secrets masked. Off (nullptr) by default; the command-line tool's --debug points it at
 // standard error. When off, a tap costs one atomic load. The tap also feeds a recording (SessionRecording.h)

@@ -23,16 +23,6 @@ constexpr char kEsc = 0x1B;
 constexpr char kMaskDigit = '0';
 constexpr uint8_t kMaskChar = 'x'; // the same code in the GSM default alphabet, IRA and UCS2
 
-bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
-    if (text.size() < prefix.size())
-        return false;
-    for (std::size_t i = 0; i < prefix.size(); ++i) {
-        if (std::toupper(static_cast<unsigned char>(text[i])) != prefix[i])
-            return false;
-    }
-    return true;
-}
-
 bool IsHex(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789ABCDEFabcdef") == std::string_view::npos;
 }
@@ -257,7 +247,7 @@ std::string PrivateDataMask::mask(char direction, std::string_view text) {
     // A message body typed after the "> " prompt (its echo too), up to Ctrl-Z or ESC; the modem's answer
     // or the next command ends it.
     if (_sentBody != Next::Nothing &&
-        (StartsWithNoCase(line, "AT") || (direction == '<' && FinalOrReport(line))))
+        (SameLettersAt(line, 0, "AT") || (direction == '<' && FinalOrReport(line))))
         _sentBody = Next::Nothing;
     if (_sentBody != Next::Nothing) {
         std::size_t begin = line.compare(0, 2, "> ") == 0 ? 2 : 0;
@@ -288,20 +278,20 @@ std::string PrivateDataMask::mask(char direction, std::string_view text) {
         _readBody = Next::Nothing;
     }
 
-    const bool command = StartsWithNoCase(line, "AT");
+    const bool command = SameLettersAt(line, 0, "AT");
     const std::size_t at = command ? 2 : 0;
-    if (command && StartsWithNoCase(std::string_view(line).substr(at), "+CMGF=")) {
+    if (command && SameLettersAt(line, at, "+CMGF=")) {
         _textMode = line.size() > at + 6 && line[at + 6] == '1';
         return line;
     }
-    if (command && StartsWithNoCase(std::string_view(line).substr(at), "D")) {
+    if (command && SameLettersAt(line, at, "D")) {
         // ATD+491701234567; a service code (ATD*99#, ATD*100#) is no one's number.
         if (line.size() > 3 && line[3] != '*' && line[3] != '#')
             MaskNumber(line, 3, line.size());
         return line;
     }
     for (const NumberField& field : kNumberFields) {
-        if (!StartsWithNoCase(std::string_view(line).substr(at), field.prefix))
+        if (!SameLettersAt(line, at, field.prefix))
             continue;
         const std::string_view prefix = field.prefix;
         if ((prefix.back() == '=') != command)
@@ -326,7 +316,7 @@ std::string PrivateDataMask::mask(char direction, std::string_view text) {
             _readBody = Next::Pdu;
         break;
     }
-    if (command && (StartsWithNoCase(line, "AT+CMGW") && line.size() == 7))
+    if (command && (SameLettersAt(line, 0, "AT+CMGW") && line.size() == 7))
         _sentBody = _textMode ? Next::Text : Next::Pdu;
     return line;
 }

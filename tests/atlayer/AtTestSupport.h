@@ -3,6 +3,7 @@
 // Small helpers shared by the command-family and codec tests of this folder.
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <sstream>
 #include <string>
 #include <type_traits>
@@ -15,6 +16,9 @@
 #include "ScriptedAtFake.h"
 
 namespace at_test {
+
+// The final results every command family waits for.
+inline const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
 
 // One answer line as modems frame it, with the final OK.
 inline std::string Answer(const std::string& line) {

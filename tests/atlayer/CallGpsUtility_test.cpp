@@ -11,7 +11,8 @@
 
 namespace {
 
-const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
+using namespace at_test;
+
 
 class CallUtilityTest : public ::testing::Test {
 protected:

@@ -12,7 +12,6 @@
 namespace {
 
 using namespace at_test;
-const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
 
 // The SIM's codes and the modem's identity and set-up, both over the scripted fake.
 class PinSystemTest : public ::testing::Test {

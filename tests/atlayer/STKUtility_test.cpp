@@ -8,7 +8,8 @@
 
 namespace {
 
-const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
+using namespace at_test;
+
 
 
 const char* const kUntouched = "untouched";

@@ -9,7 +9,8 @@
 
 namespace {
 
-const std::list<std::string> kFinals = {"OK", "+CME ERROR", "ERROR"};
+using namespace at_test;
+
 
 struct Sent {
     int result;
