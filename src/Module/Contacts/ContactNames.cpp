@@ -6,14 +6,16 @@
 
 namespace {
 
-// Book entries keep the layout they were typed with ("0170 123 45 67"); compared and shown in the form the
-// modem uses.
 std::string Stored(const QString& number, const std::string& region) {
-    const PhoneNumbers::DialString parsed = PhoneNumbers::Parse(number.toStdString(), region);
-    return parsed.ok() ? parsed.number : number.toStdString();
+    return ContactNames::canonical(number, QString::fromStdString(region)).toStdString();
 }
 
 } // namespace
+
+QString ContactNames::canonical(const QString& number, const QString& region) {
+    const PhoneNumbers::DialString parsed = PhoneNumbers::Parse(number.toStdString(), region.toStdString());
+    return parsed.ok() ? QString::fromStdString(parsed.number) : number;
+}
 
 ContactNames::ContactNames(QList<LocalContact> book, QList<BLPbItem> phonebook, QString region)
     : _book(std::move(book)), _phonebook(std::move(phonebook)), _region(std::move(region)) {}

@@ -34,6 +34,10 @@ public:
 
     const QString& region() const { return _region; }
 
+    // A number in the form the modem uses ("+491701234567"): book entries and drafts keep the layout they
+    // were typed with ("0170 123 45 67"). What is not a number stays as it is.
+    static QString canonical(const QString& number, const QString& region);
+
 private:
     QList<LocalContact> _book;
     QList<BLPbItem> _phonebook;

@@ -27,12 +27,13 @@ QString Digits(const QString& text) {
 }
 
 bool SameLine(const QString& a, const QString& b, const QString& region) {
-    return PhoneNumbers::SameNumber(a.toStdString(), b.toStdString(), region.toStdString());
+    return PhoneNumbers::SameNumber(ContactNames::canonical(a, region).toStdString(),
+                                    ContactNames::canonical(b, region).toStdString(), region.toStdString());
 }
 
 bool NumberHolds(const QString& number, const QString& wantedDigits, const QString& region) {
-    const QString national =
-        QString::fromStdString(PhoneNumbers::ForReading(number.toStdString(), region.toStdString()));
+    const QString national = QString::fromStdString(
+        PhoneNumbers::ForReading(ContactNames::canonical(number, region).toStdString(), region.toStdString()));
     return Digits(number).contains(wantedDigits) || Digits(national).contains(wantedDigits);
 }
 
