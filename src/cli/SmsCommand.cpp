@@ -264,18 +264,17 @@ QString MessageIdentity(const BLSmsListItem& item) {
         .join(QChar(0x1F));
 }
 
-void PrintEvent(const CliContext& context, const BLSmsListItem& item, const std::string& region) {
+void PrintEvent(const CliContext& context, const BLSmsListItem& item, const ContactNames& names) {
     if (context.json) {
-        PrintJsonLine(MessageDocument(item));
+        PrintJsonLine(MessageDocument(item, names.nameFor(item.strAddress)));
     } else if (item.nType == SmsType::kStatusReport) {
         std::cout << Tool::F("Delivery report from %s: status %s (message %s)",
-                             {TerminalText(NumberForReading(item.strAddress, region)),
+                             {TerminalText(names.label(item.strAddress)),
                               std::to_string(item.nStatusReportStatus), std::to_string(item.nRef)})
                   << '\n';
     } else {
         std::cout << Tool::F("Message %s from %s at %s: %s",
-                             {std::to_string(item.nRef),
-                              TerminalText(NumberForReading(item.strAddress, region)),
+                             {std::to_string(item.nRef), TerminalText(names.label(item.strAddress)),
                               TimeText(item.dateTime), TerminalText(item.strContent)})
                   << '\n';
     }
@@ -296,13 +295,14 @@ int Watch(const CliContext& context, ModemSession& session) {
     QSet<QString> shown;
     for (const BLSmsListItem& item : items)
         shown.insert(MessageIdentity(item));
-    const std::string region = RegionOfImsi(messages.imsi());
+    ReadNames(session, messages);
+    const ContactNames names = messages.names();
     // A part of a longer message shows once the whole message is in.
     const auto show = [&](const BLSmsListItem& item) {
         if (item.nType != SmsType::kStatusReport && !item.nCompleted)
             return;
         if (!shown.contains(MessageIdentity(item)))
-            PrintEvent(context, item, region);
+            PrintEvent(context, item, names);
         shown.insert(MessageIdentity(item));
     };
     messages.watch();
