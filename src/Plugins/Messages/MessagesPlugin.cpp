@@ -79,6 +79,13 @@ QString timeText(const QDateTime& time) {
     return time.isValid() ? QLocale().toString(time, QLocale::ShortFormat) : QString();
 }
 
+// A notification is short: the contact's name alone when there is one.
+QString notifiedName(const MessagesController& messages, const QString& number) {
+    const ContactNames names = messages.names();
+    const QString name = names.nameFor(number);
+    return name.isEmpty() ? names.forReading(number) : name;
+}
+
 QString failureText(const MessagesController::Outcome& outcome) {
     return QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp));
 }
@@ -280,9 +287,9 @@ void MessagesPlugin::bindController() {
         if (!item.nCompleted)
             return;
         const QString words = MessageText::firstLine(item.strContent, 40);
-        context().notifier.notifyMessage(tr("New message"),
-                                         _messages.who(item.strAddress) + QStringLiteral(": ") + words,
-                                         {item.strAddress, QString::number(readKey(item))});
+        context().notifier.notifyMessage(
+            tr("New message"), notifiedName(_messages, item.strAddress) + QStringLiteral(": ") + words,
+            {item.strAddress, QString::number(readKey(item))});
     });
     DesktopNotifier& notifier = context().notifier;
     connect(&notifier, &DesktopNotifier::readRequested, this, &MessagesPlugin::showMessage);
@@ -297,7 +304,7 @@ void MessagesPlugin::bindController() {
                 if (!saved)
                     showError(tr("The delivery report could not be saved with the sent message."));
                 context().notifier.notify(tr("Delivery report"),
-                                          _messages.who(report.strAddress) + QStringLiteral(": ") +
+                                          notifiedName(_messages, report.strAddress) + QStringLiteral(": ") +
                                               MessageText::deliveryText(report.nStatusReportStatus));
                 refreshList();
             });
