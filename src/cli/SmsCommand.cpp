@@ -130,6 +130,15 @@ void ReadNames(ModemSession& session, MessagesController& messages) {
     session.await([&read] { return read; }, QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks"));
 }
 
+int ReadMessagesAndNames(ModemSession& session, MessagesController& messages, QList<BLSmsListItem>& items) {
+    if (const int failed = PrepareSms(session, messages))
+        return failed;
+    if (const int failed = ReadMessages(session, messages, items))
+        return failed;
+    ReadNames(session, messages);
+    return EXIT_OK;
+}
+
 namespace {
 
 // In English; shown through Tool::T.
@@ -165,12 +174,9 @@ void PrintKept(const std::string& storage) {
 
 int List(const CliContext& context, ModemSession& session) {
     MessagesController messages(session.link());
-    if (const int failed = PrepareSms(session, messages))
-        return failed;
     QList<BLSmsListItem> items;
-    if (const int failed = ReadMessages(session, messages, items))
+    if (const int failed = ReadMessagesAndNames(session, messages, items))
         return failed;
-    ReadNames(session, messages);
     const ContactNames names = messages.names();
     if (context.json) {
         json list = json::array();
@@ -286,16 +292,13 @@ void PrintEvent(const CliContext& context, const BLSmsListItem& item, const Cont
 // the list holds that was neither there at the start nor shown since is shown then, once.
 int Watch(const CliContext& context, ModemSession& session) {
     MessagesController messages(session.link());
-    if (const int failed = PrepareSms(session, messages))
-        return failed;
     // Reports are only read once the message table is built.
     QList<BLSmsListItem> items;
-    if (const int failed = ReadMessages(session, messages, items))
+    if (const int failed = ReadMessagesAndNames(session, messages, items))
         return failed;
     QSet<QString> shown;
     for (const BLSmsListItem& item : items)
         shown.insert(MessageIdentity(item));
-    ReadNames(session, messages);
     const ContactNames names = messages.names();
     // A part of a longer message shows once the whole message is in.
     const auto show = [&](const BLSmsListItem& item) {

@@ -22,3 +22,5 @@ int ReadMessages(ModemSession& session, MessagesController& messages, QList<BLSm
 // The computer's address book and the phonebooks, for messages.names(); a phonebook that cannot be read
 // leaves the book's names.
 void ReadNames(ModemSession& session, MessagesController& messages);
+// PrepareSms, ReadMessages and ReadNames in turn.
+int ReadMessagesAndNames(ModemSession& session, MessagesController& messages, QList<BLSmsListItem>& items);

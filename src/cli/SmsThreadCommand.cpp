@@ -117,12 +117,9 @@ QStringList NumbersOf(const std::string& typed, const ContactNames& names,
 
 // Everything the modem and the computer hold, and who is behind the numbers.
 int ReadAll(ModemSession& session, MessagesController& messages, QList<ConversationMessage>& all) {
-    if (const int failed = PrepareSms(session, messages))
-        return failed;
     QList<BLSmsListItem> items;
-    if (const int failed = ReadMessages(session, messages, items))
+    if (const int failed = ReadMessagesAndNames(session, messages, items))
         return failed;
-    ReadNames(session, messages);
     all = messages.everyMessage(items);
     return EXIT_OK;
 }
@@ -183,29 +180,34 @@ int Search(const CliContext& context, ModemSession& session, const std::string& 
 } // namespace
 
 void AddSmsThreadCommands(CLI::App& sms, CliContext& context) {
-    auto typed = std::make_shared<std::string>();
-    CLI::App* thread =
-        sms.add_subcommand("thread", "Every message to and from one person, oldest first, from every box");
-    thread->add_option("NUMBER|NAME", *typed, "A number, or a name in the address book or the phonebooks")
-        ->required();
-    thread->callback([&context, typed] {
-        if (typed->find_first_not_of(" \t") == std::string::npos) {
-            context.exitCode = ReportUsage("give a number or a contact's name");
-            return;
-        }
-        context.exitCode = RunWithSim(context, [&](ModemSession& s) { return Thread(context, s, *typed); });
-    });
-
-    auto text = std::make_shared<std::string>();
-    CLI::App* search =
-        sms.add_subcommand("search", "Messages in every box holding a text, a number or a contact's name");
-    search->add_option("TEXT", *text, "Any part of a text, a number or a name (case does not matter)")
-        ->required();
-    search->callback([&context, text] {
-        if (text->find_first_not_of(" \t") == std::string::npos) {
-            context.exitCode = ReportUsage("give some text to look for");
-            return;
-        }
-        context.exitCode = RunWithSim(context, [&](ModemSession& s) { return Search(context, s, *text); });
-    });
+    using Run = int (*)(const CliContext&, ModemSession&, const std::string&);
+    struct Command {
+        const char* name;
+        const char* description;
+        const char* argument;
+        const char* argumentDescription;
+        const char* whenEmpty;
+        Run run;
+    };
+    const Command commands[] = {
+        {"thread", "Every message to and from one person, oldest first, from every box", "NUMBER|NAME",
+         "A number, or a name in the address book or the phonebooks", "give a number or a contact's name",
+         Thread},
+        {"search", "Messages in every box holding a text, a number or a contact's name", "TEXT",
+         "Any part of a text, a number or a name (case does not matter)", "give some text to look for",
+         Search},
+    };
+    for (const Command& command : commands) {
+        auto typed = std::make_shared<std::string>();
+        CLI::App* app = sms.add_subcommand(command.name, command.description);
+        app->add_option(command.argument, *typed, command.argumentDescription)->required();
+        app->callback([&context, typed, command] {
+            if (typed->find_first_not_of(" \t") == std::string::npos) {
+                context.exitCode = ReportUsage(command.whenEmpty);
+                return;
+            }
+            context.exitCode =
+                RunWithSim(context, [&](ModemSession& s) { return command.run(context, s, *typed); });
+        });
+    }
 }

@@ -233,6 +233,7 @@ void MessagesPlugin::buildUi() {
         for (QWidget* action : std::initializer_list<QWidget*>{_reply, _forward, _delete, _move})
             action->setVisible(!conversations);
         if (conversations) {
+            _messages.readAddressBook();
             _conversations->refresh();
         } else if (row >= 0 && row < FolderCount && row != _folder) {
             _folder = static_cast<Folder>(row);
@@ -254,6 +255,7 @@ void MessagesPlugin::buildUi() {
     connect(_forward, &QPushButton::clicked, this, &MessagesPlugin::forward);
     connect(_delete, &QPushButton::clicked, this, &MessagesPlugin::removeSelected);
     connect(_refresh, &QPushButton::clicked, this, [this] {
+        _messages.readAddressBook(); // the book may have changed meanwhile
         if (link().state() == ModemLink::State::Ready)
             loadModemMessages();
         refreshFolders();
@@ -527,8 +529,9 @@ void MessagesPlugin::showSelected() {
         }
     } else {
         const MessageItem& local = std::get<MessageItem>(*entry);
-        QString header = tr("To: %1").arg(_messages.who(local.getNumbers())) + QStringLiteral("\n") +
-                         timeText(local.getCreateTime());
+        const bool incoming = local.getMessageDictionary().value(MessagesController::kIncomingKey).toBool();
+        QString header = (incoming ? tr("From: %1") : tr("To: %1")).arg(_messages.who(local.getNumbers())) +
+                         QStringLiteral("\n") + timeText(local.getCreateTime());
         const QVariantMap& dictionary = local.getMessageDictionary();
         if (dictionary.contains(MessagesController::kDeliveryStatusKey)) {
             header += QStringLiteral("\n") +
