@@ -11,6 +11,7 @@
 #include "Contacts/ContactsPlugin.h"
 #include "GuiTestSupport.h"
 #include "Messages/ComposeDialog.h"
+#include "Messages/ConversationView.h"
 #include "Messages/MessagesPlugin.h"
 #include "WorkNotification.h"
 
@@ -182,7 +183,8 @@ QStringList Texts(QListWidget* list) {
 }
 
 // The report shows on the sent message, and in Anna's conversation beside the SIM's and the modem's
-// messages; the search finds her message in the SIM folder, and Reply writes to her.
+// messages; a conversation shown counts as read; the search finds her message in the SIM folder, and
+// Reply writes to her.
 TEST(MessagesGui, DeliveryReportShowsOnTheSentMessageAndInTheConversation) {
     MessagesTab t;
     ASSERT_TRUE(t.world.ready());
@@ -211,10 +213,18 @@ TEST(MessagesGui, DeliveryReportShowsOnTheSentMessageAndInTheConversation) {
     EXPECT_TRUE(thread->item(1)->textAlignment() & Qt::AlignLeft);
     EXPECT_TRUE(thread->item(2)->textAlignment() & Qt::AlignRight);
 
+    // Vodafone's unread message, read in its conversation, is read in the SIM folder too.
+    auto* folders = Child<QListWidget>(t.messages, "folders");
+    EXPECT_EQ(folders->item(MessagesPlugin::Sim)->text(), "SIM card (1/3)");
+    t.messages->conversations()->showNumber("Vodafone");
+    EXPECT_EQ(folders->item(MessagesPlugin::Sim)->text(), "SIM card (3)");
+
     QTest::keyClicks(Child<QLineEdit>(t.messages, "search"), "MEETING");
-    const QStringList found = Texts(Child<QListWidget>(t.messages, "conversations"));
+    auto* results = Child<QListWidget>(t.messages, "conversations");
+    const QStringList found = Texts(results);
     ASSERT_EQ(found.size(), 1);
     EXPECT_TRUE(found[0].startsWith("Anna Schmidt (0170 1234567)\nSIM card · ")) << found[0].toStdString();
+    results->setCurrentRow(0);
     Child<QPushButton>(t.messages, "conversationReply")->click();
     ASSERT_TRUE(t.messages->composeWindow());
     EXPECT_EQ(Child<QLineEdit>(t.messages->composeWindow(), "recipients")->text(), "+491701234567");

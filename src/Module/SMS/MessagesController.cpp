@@ -414,8 +414,13 @@ QString MessagesController::who(const QStringList& numbers) const {
 }
 
 QList<ConversationMessage> MessagesController::everyMessage(const QList<BLSmsListItem>& modem) const {
+    QList<BLSmsListItem> listed = modem;
+    for (BLSmsListItem& item : listed) {
+        if (item.nTag == SmsTag::kUnread && _readHere.contains(ReadKey(item)))
+            item.nTag = SmsTag::kRead;
+    }
     QList<MessageItem> kept;
     for (const QString& type : {SMS_BOX_OUTBOX, SMS_BOX_SENDBOX, SMS_BOX_DRAFT, SMS_BOX_ACHIVE})
         kept += box(type);
-    return Conversation::gather(modem, kept);
+    return Conversation::gather(listed, kept);
 }

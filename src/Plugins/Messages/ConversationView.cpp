@@ -7,6 +7,7 @@
 #include <QLocale>
 #include <QPalette>
 #include <QPushButton>
+#include <QSet>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -179,9 +180,26 @@ void ConversationView::fillThread() {
                 numbers += person.numbers;
         }
     }
+    // What the conversation shows counts as read, as in the folders.
+    QList<Message> thread = Conversation::thread(_all, numbers, names.region());
+    QSet<int> unread;
+    for (const Message& message : thread) {
+        if (message.state == Message::State::Unread)
+            unread.insert(message.modemId);
+    }
+    for (const BLSmsListItem& item : _messages.messages()) {
+        if (unread.contains(item.nRef))
+            _messages.markRead(item);
+    }
+    if (!unread.isEmpty()) {
+        _all = _messages.everyMessage();
+        thread = Conversation::thread(_all, numbers, names.region());
+        fillPeople();
+        emit messagesRead();
+    }
     _title->setText(names.label(_number));
     const QColor outgoing = palette().color(QPalette::AlternateBase);
-    for (const Message& message : Conversation::thread(_all, numbers, names.region())) {
+    for (const Message& message : thread) {
         const bool in = message.direction == Message::Direction::Incoming;
         QString text = message.text;
         if (!message.complete)
@@ -190,10 +208,9 @@ void ConversationView::fillThread() {
         if (message.time.isValid())
             about << timeText(message.time);
         about << stateText(message) << boxText(message.box);
-        const QString line = about.join(QStringLiteral(" · "));
-        auto* item = new QListWidgetItem(line + QStringLiteral("\n") + text, _thread);
+        auto* item =
+            new QListWidgetItem(about.join(QStringLiteral(" · ")) + QStringLiteral("\n") + text, _thread);
         item->setTextAlignment(in ? Qt::AlignLeft : Qt::AlignRight);
-        item->setData(Qt::UserRole, in);
         if (!in)
             item->setBackground(outgoing);
     }

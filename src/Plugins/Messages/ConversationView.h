@@ -28,6 +28,8 @@ public:
 
 signals:
     void replyRequested(const QString& number, const QString& name);
+    // Unread messages of the modem were shown in a conversation and now count as read.
+    void messagesRead();
 
 private:
     void fillPeople();

@@ -247,6 +247,7 @@ void MessagesPlugin::buildUi() {
             _folders->setCurrentRow(FolderCount);
     });
     connect(_conversations, &ConversationView::replyRequested, this, &MessagesPlugin::composeTo);
+    connect(_conversations, &ConversationView::messagesRead, this, &MessagesPlugin::refreshFolders);
     connect(_list->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &MessagesPlugin::showSelected);
     connect(_list, &QTreeView::doubleClicked, this, &MessagesPlugin::openSelected);
