@@ -511,6 +511,89 @@ Abhilfe: %2</translation>
     </message>
 </context>
 <context>
+    <name>ConversationView</name>
+    <message>
+        <source>Unread</source>
+        <translation>Ungelesen</translation>
+    </message>
+    <message>
+        <source>Read</source>
+        <translation>Gelesen</translation>
+    </message>
+    <message>
+        <source>Not sent</source>
+        <translation>Nicht gesendet</translation>
+    </message>
+    <message>
+        <source>Sent</source>
+        <translation>Gesendet</translation>
+    </message>
+    <message>
+        <source>Draft</source>
+        <translation>Entwurf</translation>
+    </message>
+    <message>
+        <source>Could not be sent</source>
+        <translation>Konnte nicht gesendet werden</translation>
+    </message>
+    <message>
+        <source>SIM card</source>
+        <translation>SIM-Karte</translation>
+    </message>
+    <message>
+        <source>Modem</source>
+        <translation>Modem</translation>
+    </message>
+    <message>
+        <source>On this computer</source>
+        <translation>Auf diesem Computer</translation>
+    </message>
+    <message>
+        <source>Outbox</source>
+        <translation>Postausgang</translation>
+    </message>
+    <message>
+        <source>Drafts</source>
+        <translation>Entwürfe</translation>
+    </message>
+    <message>
+        <source>Archive</source>
+        <translation>Archiv</translation>
+    </message>
+    <message>
+        <source>Conversations</source>
+        <translation>Unterhaltungen</translation>
+    </message>
+    <message>
+        <source>Reply</source>
+        <translation>Antworten</translation>
+    </message>
+    <message>
+        <source>Messages of the conversation</source>
+        <translation>Nachrichten der Unterhaltung</translation>
+    </message>
+    <message>
+        <source>No message holds &quot;%1&quot;</source>
+        <translation>Keine Nachricht enthält „%1“</translation>
+    </message>
+    <message>
+        <source>Choose a conversation on the left.</source>
+        <translation>Wählen Sie links eine Unterhaltung.</translation>
+    </message>
+    <message>
+        <source>(Some parts of this message have not arrived.)</source>
+        <translation>(Einige Teile dieser Nachricht sind nicht angekommen.)</translation>
+    </message>
+    <message>
+        <source>Received</source>
+        <translation>Empfangen</translation>
+    </message>
+    <message>
+        <source>Outgoing</source>
+        <translation>Ausgehend</translation>
+    </message>
+</context>
+<context>
     <name>DesktopNotifier</name>
     <message>
         <source>Read</source>
@@ -1081,6 +1164,18 @@ Abhilfe: %2</translation>
     <message>
         <source>Message text</source>
         <translation>Nachrichtentext</translation>
+    </message>
+    <message>
+        <source>Search all messages</source>
+        <translation>Alle Nachrichten durchsuchen</translation>
+    </message>
+    <message>
+        <source>Any part of a message&apos;s text, a number or a contact&apos;s name</source>
+        <translation>Ein Teil des Nachrichtentexts, eine Nummer oder der Name eines Kontakts</translation>
+    </message>
+    <message>
+        <source>Conversations</source>
+        <translation>Unterhaltungen</translation>
     </message>
 </context>
 <context>
@@ -3222,6 +3317,50 @@ Abhilfe: %2</translation>
     <message>
         <source>ending the dialogue</source>
         <translation>Beenden des Dialogs</translation>
+    </message>
+    <message>
+        <source>delivered</source>
+        <translation>zugestellt</translation>
+    </message>
+    <message>
+        <source>pending</source>
+        <translation>ausstehend</translation>
+    </message>
+    <message>
+        <source>not delivered</source>
+        <translation>nicht zugestellt</translation>
+    </message>
+    <message>
+        <source>draft</source>
+        <translation>Entwurf</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>in</source>
+        <translation>ein</translation>
+    </message>
+    <message>
+        <source>out</source>
+        <translation>aus</translation>
+    </message>
+    <message>
+        <source>&quot;%s&quot; names more than one contact; give one of the numbers:%s</source>
+        <translation>„%s“ passt auf mehr als einen Kontakt; geben Sie eine der Nummern an:%s</translation>
+    </message>
+    <message>
+        <source>no contact called &quot;%s&quot; in the address book or the phonebooks; give a number</source>
+        <translation>kein Kontakt namens „%s“ im Adressbuch oder in den Telefonbüchern; geben Sie eine Nummer an</translation>
+    </message>
+    <message>
+        <source>No messages</source>
+        <translation>Keine Nachrichten</translation>
+    </message>
+    <message>
+        <source>No message holds &quot;%s&quot;</source>
+        <translation>Keine Nachricht enthält „%s“</translation>
     </message>
 </context>
 </TS>

@@ -66,6 +66,16 @@ void ScreenshotRun::shootAll() {
             Settle(kSettleMs);
             ok = save(module->moduleName()) && ok;
         }
+        // The messages tab once more, on a conversation.
+        for (ModulePlugin* module : _window.modules()) {
+            if (_window.isModuleShown(module) &&
+                module->metaObject()->indexOfMethod("showConversations()") >= 0 &&
+                QMetaObject::invokeMethod(module, "showConversations")) {
+                _window.showModule(module->moduleName());
+                Settle(kSettleMs);
+                ok = save(QStringLiteral("conversation")) && ok;
+            }
+        }
     }
     _succeeded = ok;
     QApplication::quit();

@@ -108,13 +108,14 @@ json NetworkSetDocument(const BLNetworkSet& set) {
     return document;
 }
 
-json MessageDocument(const BLSmsListItem& item) {
+json MessageDocument(const BLSmsListItem& item, const QString& name) {
     json document{
         {"index", item.nRef},
         {"type", MessageTypeName(item.nType)},
         {"status", MessageStatusName(item.nTag)},
         {"storage", StoreName(item.nStoreIn)},
         {"number", TextOrNull(item.strAddress)},
+        {"name", TextOrNull(name)},
         {"time", IsoTime(item.dateTime)},
         {"text", item.strContent.toStdString()},
         {"message_class", item.nClass >= 0 && item.nClass < kNoMessageClass ? json(item.nClass) : json()},

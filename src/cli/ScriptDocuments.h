@@ -21,7 +21,8 @@ nlohmann::json NetworkDocument(const BLNetworkInfo& info);
 nlohmann::json RegistrationDocument(int state);
 nlohmann::json OperatorDocument(const BLNetworkListItem& item);
 nlohmann::json NetworkSetDocument(const BLNetworkSet& set);
-nlohmann::json MessageDocument(const BLSmsListItem& item);
+// name: the contact's name for the number, empty when none is known.
+nlohmann::json MessageDocument(const BLSmsListItem& item, const QString& name = {});
 nlohmann::json ContactDocument(const BLPbItem& item);
 // Counters of a connection: duration in seconds, bytes, and rates in bytes per second.
 nlohmann::json TrafficDocument(const BLConnectStatistics& statistics);

@@ -15,6 +15,7 @@
 #include "SMS/MessagesController.h"
 #include "SMS/SMSStorage.h"
 #include "ScriptJson.h"
+#include "SmsCommand.h"
 #include "TerminalText.h"
 
 namespace {
@@ -40,18 +41,22 @@ nlohmann::json BoxName(const QString& type) {
     return nullptr;
 }
 
-void PrintBox(const CliContext& context, const QList<MessageItem>& items, const std::string& region) {
+void PrintBox(const CliContext& context, const QList<MessageItem>& items, const ContactNames& names) {
     if (context.json) {
         nlohmann::json list = nlohmann::json::array();
         int position = 0;
         for (const MessageItem& item : items) {
             nlohmann::json numbers = nlohmann::json::array();
-            for (const QString& number : item.getNumbers())
+            nlohmann::json people = nlohmann::json::array();
+            for (const QString& number : item.getNumbers()) {
                 numbers.push_back(number.toStdString());
+                people.push_back(TextOrNull(names.nameFor(number)));
+            }
             list.push_back(
                 {{"index", ++position},
                  {"box", BoxName(item.getBoxType())},
                  {"numbers", numbers},
+                 {"names", people},
                  {"time", IsoTime(item.getCreateTime())},
                  {"text", item.getContent().toStdString()},
                  {"status", TextOrNull(item.getTag().toLower())},
@@ -64,10 +69,7 @@ void PrintBox(const CliContext& context, const QList<MessageItem>& items, const 
     int position = 0;
     for (const MessageItem& item : items) {
         const QDateTime time = item.getCreateTime();
-        QStringList numbers;
-        for (const QString& number : item.getNumbers())
-            numbers << QString::fromStdString(NumberForReading(number, region));
-        std::cout << ++position << "  " << TerminalText(numbers.join(QStringLiteral(", "))) << "  "
+        std::cout << ++position << "  " << TerminalText(names.label(item.getNumbers())) << "  "
                   << (time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd hh:mm")).toStdString() : "-")
                   << "  " << TerminalText(item.getContent()) << '\n';
     }
@@ -129,7 +131,8 @@ int RunBox(const CliContext& context, ModemSession& session, const std::string& 
                                                  QT_TRANSLATE_NOOP("dialtone", "moving the message")))
             return failed;
     }
-    PrintBox(context, messages.box(type), region);
+    ReadNames(session, messages);
+    PrintBox(context, messages.box(type), messages.names());
     return EXIT_OK;
 }
 

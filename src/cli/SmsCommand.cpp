@@ -16,6 +16,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "BLRecords.h"
 #include "CommandLine.h"
@@ -27,6 +28,7 @@
 #include "ScriptDocuments.h"
 #include "Service/ServiceSettings.h"
 #include "SmsBoxCommand.h"
+#include "SmsThreadCommand.h"
 #include "TerminalText.h"
 #include "ToolText.h"
 
@@ -75,24 +77,23 @@ std::optional<BLSmsValidPeriod> ParseValidity(const std::string& code) {
 
 using Outcome = MessagesController::Outcome;
 
-// Runs one step of the controller and waits for its answer; a failure is reported as what failed.
-int Await(ModemSession& session, const std::string& what,
-          const std::function<void(MessagesController::Done)>& step,
-          int deadlineSeconds = ModemSession::kDefaultDeadlineSeconds) {
+} // namespace
+
+int AwaitStep(ModemSession& session, const std::string& what,
+              const std::function<void(MessagesController::Done)>& step, int deadlineSeconds) {
     std::optional<Outcome> outcome;
     step([&outcome](const Outcome& answer) { outcome = answer; });
     session.await([&outcome] { return outcome.has_value(); }, what, deadlineSeconds);
     return session.check(*outcome, what);
 }
 
-// Readies the modem for messages: the message settings, the SIM's computer-side inbox (so that nothing
-// taken out of the modem memory is lost) and the chosen storage. The SIM's IMSI is then messages.imsi().
+// The SIM's computer-side inbox is registered so that nothing taken out of the modem memory is lost.
 int PrepareSms(ModemSession& session, MessagesController& messages) {
-    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "preparing the messages"),
-                                 [&](auto done) { messages.initialise(done); }))
+    if (const int failed = AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "preparing the messages"),
+                                     [&](auto done) { messages.initialise(done); }))
         return failed;
-    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI"),
-                                 [&](auto done) { messages.identify(done); }))
+    if (const int failed = AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "reading the SIM's IMSI"),
+                                     [&](auto done) { messages.identify(done); }))
         return failed;
     // Without the inbox the modem keeps its messages; nothing to refuse the command for.
     bool registered = false;
@@ -102,12 +103,43 @@ int PrepareSms(ModemSession& session, MessagesController& messages) {
     const int storage = Setting(ServiceSettings::kStorageKey, SmsStorage::kModem).toInt();
     if (storage != SmsStorage::kModem) {
         if (const int failed =
-                Await(session, QT_TRANSLATE_NOOP("dialtone", "choosing the storage for new messages"),
-                      [&](auto done) { messages.setPreferredStorage(storage, done); }))
+                AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "choosing the storage for new messages"),
+                          [&](auto done) { messages.setPreferredStorage(storage, done); }))
             return failed;
     }
     return EXIT_OK;
 }
+
+int ReadMessages(ModemSession& session, MessagesController& messages, QList<BLSmsListItem>& items) {
+    return AwaitStep(
+        session, QT_TRANSLATE_NOOP("dialtone", "reading the messages"),
+        [&](MessagesController::Done done) {
+            messages.list([&items, done](const Outcome& outcome, const QList<BLSmsListItem>& listed) {
+                items = listed;
+                done(outcome);
+            });
+        },
+        180);
+}
+
+void ReadNames(ModemSession& session, MessagesController& messages) {
+    messages.readAddressBook();
+    // Without the phonebooks the book's names still show.
+    bool read = false;
+    messages.readPhonebooks([&read](const Outcome&) { read = true; });
+    session.await([&read] { return read; }, QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks"));
+}
+
+int ReadMessagesAndNames(ModemSession& session, MessagesController& messages, QList<BLSmsListItem>& items) {
+    if (const int failed = PrepareSms(session, messages))
+        return failed;
+    if (const int failed = ReadMessages(session, messages, items))
+        return failed;
+    ReadNames(session, messages);
+    return EXIT_OK;
+}
+
+namespace {
 
 // In English; shown through Tool::T.
 const char* StateWord(const BLSmsListItem& item) {
@@ -123,15 +155,14 @@ std::string TimeText(const QDateTime& time) {
     return time.isValid() ? time.toString(QStringLiteral("yyyy-MM-dd hh:mm")).toStdString() : "-";
 }
 
-void PrintItem(const BLSmsListItem& item, const std::string& region) {
+void PrintItem(const BLSmsListItem& item, const std::string& who, std::size_t whoWidth) {
     const bool report = item.nType == SmsType::kStatusReport;
     std::string text = report ? Tool::F("delivery status %s", {std::to_string(item.nStatusReportStatus)})
                               : TerminalText(item.strContent);
     if (!item.nCompleted && !report)
         text += " " + Tool::T("(incomplete)");
     std::printf("%4d  %-5s  %s  %s  %-16s  %s\n", item.nRef, StorageName(item.nStoreIn).c_str(),
-                PadRight(Tool::T(StateWord(item)), 6).c_str(),
-                PadRight(TerminalText(NumberForReading(item.strAddress, region)), 16).c_str(),
+                PadRight(Tool::T(StateWord(item)), 6).c_str(), PadRight(who, whoWidth).c_str(),
                 TimeText(item.dateTime).c_str(), text.c_str());
 }
 
@@ -141,36 +172,27 @@ void PrintKept(const std::string& storage) {
               << '\n';
 }
 
-// Builds the worker's message table; the IDs of list and delete come from it.
-int ReadList(ModemSession& session, MessagesController& messages, QList<BLSmsListItem>& items) {
-    return Await(
-        session, QT_TRANSLATE_NOOP("dialtone", "reading the messages"),
-        [&](MessagesController::Done done) {
-            messages.list([&items, done](const Outcome& outcome, const QList<BLSmsListItem>& listed) {
-                items = listed;
-                done(outcome);
-            });
-        },
-        180);
-}
-
 int List(const CliContext& context, ModemSession& session) {
     MessagesController messages(session.link());
-    if (const int failed = PrepareSms(session, messages))
-        return failed;
     QList<BLSmsListItem> items;
-    if (const int failed = ReadList(session, messages, items))
+    if (const int failed = ReadMessagesAndNames(session, messages, items))
         return failed;
+    const ContactNames names = messages.names();
     if (context.json) {
         json list = json::array();
         for (const BLSmsListItem& item : items)
-            list.push_back(MessageDocument(item));
+            list.push_back(MessageDocument(item, names.nameFor(item.strAddress)));
         PrintJson({{"messages", list}});
         return EXIT_OK;
     }
-    const std::string region = RegionOfImsi(messages.imsi());
-    for (const BLSmsListItem& item : items)
-        PrintItem(item, region);
+    std::vector<std::string> who;
+    std::size_t whoWidth = 16;
+    for (const BLSmsListItem& item : items) {
+        who.push_back(TerminalText(names.label(item.strAddress)));
+        whoWidth = std::max(whoWidth, DisplayWidth(who.back()));
+    }
+    for (qsizetype at = 0; at < items.size(); ++at)
+        PrintItem(items.at(at), who.at(at), whoWidth);
     return EXIT_OK;
 }
 
@@ -184,20 +206,22 @@ int Send(const CliContext& context, ModemSession& session, const std::string& ty
         return EXIT_USAGE;
     const std::string& number = *dial;
     if (report) {
-        if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "asking for a delivery report"),
-                                     [&](auto done) { messages.setStatusReport(true, done); }))
+        if (const int failed =
+                AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "asking for a delivery report"),
+                          [&](auto done) { messages.setStatusReport(true, done); }))
             return failed;
     }
     const QString validity = Setting(ServiceSettings::kValidityKey).toString();
     if (const auto period = ParseValidity(validity.toStdString())) {
-        if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "setting the validity period"),
-                                     [&](auto done) { messages.setValidity(*period, done); }))
+        if (const int failed =
+                AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "setting the validity period"),
+                          [&](auto done) { messages.setValidity(*period, done); }))
             return failed;
     }
     const int segments = MessagesController::segmentCount(Q(text));
     if (segments > 1)
         ReportProgress(Tool::F("Sending %s messages...", {std::to_string(segments)}));
-    if (const int failed = Await(
+    if (const int failed = AwaitStep(
             session, QT_TRANSLATE_NOOP("dialtone", "sending the message"),
             [&](auto done) { messages.send(Q(number), Q(text), done); }, 60 + 30 * segments))
         return failed;
@@ -221,14 +245,14 @@ int Delete(const CliContext& context, ModemSession& session, int id) {
     if (const int failed = PrepareSms(session, messages))
         return failed;
     QList<BLSmsListItem> items;
-    if (const int failed = ReadList(session, messages, items))
+    if (const int failed = ReadMessages(session, messages, items))
         return failed;
     // An ID the list does not hold is the user's slip, refused before the modem is asked to delete.
     if (std::none_of(items.cbegin(), items.cend(),
                      [id](const BLSmsListItem& item) { return item.nRef == id; }))
         return ReportUsage(Tool::F("no message %s (dialtone sms list shows the IDs)", {std::to_string(id)}));
-    if (const int failed = Await(session, "deleting message " + std::to_string(id),
-                                 [&](auto done) { messages.remove(id, done); }))
+    if (const int failed = AwaitStep(session, "deleting message " + std::to_string(id),
+                                     [&](auto done) { messages.remove(id, done); }))
         return failed;
     if (context.json)
         PrintJson({{"deleted", id}});
@@ -246,18 +270,17 @@ QString MessageIdentity(const BLSmsListItem& item) {
         .join(QChar(0x1F));
 }
 
-void PrintEvent(const CliContext& context, const BLSmsListItem& item, const std::string& region) {
+void PrintEvent(const CliContext& context, const BLSmsListItem& item, const ContactNames& names) {
     if (context.json) {
-        PrintJsonLine(MessageDocument(item));
+        PrintJsonLine(MessageDocument(item, names.nameFor(item.strAddress)));
     } else if (item.nType == SmsType::kStatusReport) {
         std::cout << Tool::F("Delivery report from %s: status %s (message %s)",
-                             {TerminalText(NumberForReading(item.strAddress, region)),
+                             {TerminalText(names.label(item.strAddress)),
                               std::to_string(item.nStatusReportStatus), std::to_string(item.nRef)})
                   << '\n';
     } else {
         std::cout << Tool::F("Message %s from %s at %s: %s",
-                             {std::to_string(item.nRef),
-                              TerminalText(NumberForReading(item.strAddress, region)),
+                             {std::to_string(item.nRef), TerminalText(names.label(item.strAddress)),
                               TimeText(item.dateTime), TerminalText(item.strContent)})
                   << '\n';
     }
@@ -269,22 +292,20 @@ void PrintEvent(const CliContext& context, const BLSmsListItem& item, const std:
 // the list holds that was neither there at the start nor shown since is shown then, once.
 int Watch(const CliContext& context, ModemSession& session) {
     MessagesController messages(session.link());
-    if (const int failed = PrepareSms(session, messages))
-        return failed;
     // Reports are only read once the message table is built.
     QList<BLSmsListItem> items;
-    if (const int failed = ReadList(session, messages, items))
+    if (const int failed = ReadMessagesAndNames(session, messages, items))
         return failed;
     QSet<QString> shown;
     for (const BLSmsListItem& item : items)
         shown.insert(MessageIdentity(item));
-    const std::string region = RegionOfImsi(messages.imsi());
+    const ContactNames names = messages.names();
     // A part of a longer message shows once the whole message is in.
     const auto show = [&](const BLSmsListItem& item) {
         if (item.nType != SmsType::kStatusReport && !item.nCompleted)
             return;
         if (!shown.contains(MessageIdentity(item)))
-            PrintEvent(context, item, region);
+            PrintEvent(context, item, names);
         shown.insert(MessageIdentity(item));
     };
     messages.watch();
@@ -316,8 +337,8 @@ int Storage(const CliContext& context, ModemSession& session, const std::string&
         return failed;
     const int storage = kStorages.at(name);
     if (const int failed =
-            Await(session, QT_TRANSLATE_NOOP("dialtone", "choosing the storage for new messages"),
-                  [&](auto done) { messages.setPreferredStorage(storage, done); }))
+            AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "choosing the storage for new messages"),
+                      [&](auto done) { messages.setPreferredStorage(storage, done); }))
         return failed;
     ServiceSettings::save(ServiceSettings::kStorageKey, storage);
     if (context.json)
@@ -332,14 +353,14 @@ int State(const CliContext& context, ModemSession& session) {
     if (const int failed = PrepareSms(session, messages))
         return failed;
     BLSmsStorageState state;
-    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "reading the storages"),
-                                 [&](MessagesController::Done done) {
-                                     messages.storageState([&state, done](const Outcome& outcome,
-                                                                          const BLSmsStorageState& read) {
-                                         state = read;
-                                         done(outcome);
-                                     });
-                                 }))
+    if (const int failed = AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "reading the storages"),
+                                     [&](MessagesController::Done done) {
+                                         messages.storageState([&state, done](const Outcome& outcome,
+                                                                              const BLSmsStorageState& read) {
+                                             state = read;
+                                             done(outcome);
+                                         });
+                                     }))
         return failed;
     if (context.json) {
         PrintJson({{"sim", {{"used", state.nSimUsed}, {"total", state.nSimTotal}}},
@@ -363,19 +384,19 @@ int ServiceCentre(const CliContext& context, ModemSession& session, const std::s
         const std::optional<std::string> number = DialNumber(typed, RegionOfImsi(messages.imsi()));
         if (!number)
             return EXIT_USAGE;
-        if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "setting the service centre"),
-                                     [&](auto done) { messages.setServiceCentre(Q(*number), done); }))
+        if (const int failed = AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "setting the service centre"),
+                                         [&](auto done) { messages.setServiceCentre(Q(*number), done); }))
             return failed;
     }
     std::string current;
-    if (const int failed =
-            Await(session, QT_TRANSLATE_NOOP("dialtone", "reading the service centre"),
-                  [&](MessagesController::Done done) {
-                      messages.serviceCentre([&current, done](const Outcome& outcome, const QString& number) {
-                          current = number.toStdString();
-                          done(outcome);
-                      });
-                  }))
+    if (const int failed = AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "reading the service centre"),
+                                     [&](MessagesController::Done done) {
+                                         messages.serviceCentre(
+                                             [&current, done](const Outcome& outcome, const QString& number) {
+                                                 current = number.toStdString();
+                                                 done(outcome);
+                                             });
+                                     }))
         return failed;
     if (context.json)
         PrintJson({{"service_centre", current.empty() ? json() : json(current)}});
@@ -390,8 +411,8 @@ int Validity(const CliContext& context, ModemSession& session, const std::string
     if (const int failed = PrepareSms(session, messages))
         return failed;
     const BLSmsValidPeriod period = *ParseValidity(code);
-    if (const int failed = Await(session, QT_TRANSLATE_NOOP("dialtone", "setting the validity period"),
-                                 [&](auto done) { messages.setValidity(period, done); }))
+    if (const int failed = AwaitStep(session, QT_TRANSLATE_NOOP("dialtone", "setting the validity period"),
+                                     [&](auto done) { messages.setValidity(period, done); }))
         return failed;
     ServiceSettings::save(ServiceSettings::kValidityKey, Q(code));
     if (context.json)
@@ -416,7 +437,8 @@ struct SmsArguments {
 void AddSmsCommand(CLI::App& app, CliContext& context) {
     CLI::App* sms = app.add_subcommand(
         "sms",
-        "Messages: list, send, delete, watch, storage, state, sc, validity; outbox, sent, drafts, archive");
+        "Messages: list, send, delete, watch, storage, state, sc, validity; outbox, sent, drafts, archive; "
+        "thread, search");
     sms->require_subcommand(1);
     auto arguments = std::make_shared<SmsArguments>();
     const auto run = [&context](std::function<int(ModemSession&)> command) {
@@ -485,4 +507,5 @@ void AddSmsCommand(CLI::App& app, CliContext& context) {
     });
 
     AddSmsBoxCommands(*sms, context);
+    AddSmsThreadCommands(*sms, context);
 }

@@ -50,6 +50,8 @@ const std::vector<Row> kRows{
     {{"sms", "validity", "1d"}, "validity"},
     {{"sms", "delete", "1"}, "sms_deleted"},
     {{"sms", "sent"}, "box"},
+    {{"sms", "thread", "+491701234567"}, "sms_thread"},
+    {{"sms", "search", "see"}, "sms_search"},
     {{"contacts", "list"}, "contacts"},
     {{"contacts", "info"}, "contacts_info"},
     {{"contacts", "add", "Bob", "+4930111"}, "contact"},

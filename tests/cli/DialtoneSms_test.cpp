@@ -1,9 +1,12 @@
 // The sms commands against the simulated modem: long texts with a delivery report, a message delivered in
 // parts out of order, a full SIM as the preferred storage, an empty storage, the boxes on the computer, a
-// message full of escape sequences, and bursts of unsolicited lines.
+// conversation and a search with the names of the computer's address book, a message full of escape
+// sequences, and bursts of unsolicited lines.
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
@@ -177,6 +180,38 @@ TEST(DialtoneSms, EmptyStorageTypedNumbersAndDrafts) {
     ASSERT_EQ(sent.size(), 2u) << sent.dump();
     EXPECT_EQ(sent[0]["to"], "+491701234567");
     EXPECT_EQ(sent[1]["to"], "+491701234567");
+}
+
+// The built-in SIM's messages with two Annas in the computer's book: names in the list, one Anna's messages
+// from every box oldest first, a name that is not enough, and a search by a number as people type it.
+TEST(DialtoneSms, ThreadAndSearchWithNamesFromTheAddressBook) {
+    SimulatedModem modem;
+    ASSERT_TRUE(modem.ready());
+    const std::filesystem::path data = modem.home.path + "/.local/share/dialtone";
+    std::filesystem::create_directories(data);
+    const auto contact = [](const char* name, const char* number) {
+        return "<dict><key>UID</key><string>"s + name + "</string><key>Name</key><string>" + name +
+               "</string><key>Numbers</key><array><dict><key>Label</key><string>mobile</string>"
+               "<key>Number</key><string>" +
+               number + "</string></dict></array></dict>";
+    };
+    std::ofstream(data / "LocalPhoneBook.plist")
+        << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><array>"
+        << contact("Anna Schmidt", "0170 123 45 67") << contact("Anna Berg", "0151 23456789")
+        << "</array></plist>\n";
+    // clang-format off
+    clitest::RunSteps(modem, {
+        {{"sms", "drafts", "--add", "0170 1234567", "Running late"}, 0},
+        {{"sms", "list"}, 0, {"Anna Schmidt (0170 1234567)", "Vodafone"}},
+        {{"--json", "sms", "list"}, 0, {"\"name\": \"Anna Schmidt\"", "\"name\": null"}},
+        {{"sms", "thread", "anna schmidt"}, 0, {"Anna Schmidt: 0170 1234567\n", "in   read       sim       Hi! Are we still meeting at 8?\n", "out  sent       modem     Yes, see you there.\n", "out  draft      drafts    Running late\n"}},
+        {{"--json", "sms", "thread", "Vodafone"}, 0, {"\"numbers\": [\n    \"Vodafone\"", "\"direction\": \"in\""}},
+        {{"sms", "thread", "anna"}, 2, {}, "Anna Berg: 01512 3456789"},
+        {{"sms", "thread", "Bob"}, 2, {}, "no contact called \"Bob\""},
+        {{"--json", "sms", "search", "0170 123"}, 0, {"\"query\": \"0170 123\"", "\"text\": \"Running late\""}},
+        {{"sms", "search", "KÖLN"}, 0, {"Grüße aus Köln"}},
+    });
+    // clang-format on
 }
 
 // A RING flood while the USSD answer is on its way: the answer still comes within the wait.

@@ -2,6 +2,7 @@
 // what reaches the SIM.
 
 #include <QAction>
+#include <QListWidget>
 #include <QApplication>
 #include <QMessageBox>
 #include <QTimer>
@@ -10,6 +11,7 @@
 #include "Contacts/ContactsPlugin.h"
 #include "GuiTestSupport.h"
 #include "Messages/ComposeDialog.h"
+#include "Messages/ConversationView.h"
 #include "Messages/MessagesPlugin.h"
 #include "WorkNotification.h"
 
@@ -145,7 +147,7 @@ TEST(MessagesGui, RecipientIsCheckedAndALongMessageGoesOutInTwoSegments) {
     EXPECT_EQ(parts[1]["to"].toString(), "+491701234567");
     EXPECT_EQ(parts[0]["text"].toString() + parts[1]["text"].toString(), text);
     t.messages->showFolder(MessagesPlugin::Sent);
-    EXPECT_EQ(Column(List(t.messages), 0), QStringList{"Anna Schmidt"});
+    EXPECT_EQ(Column(List(t.messages), 0), QStringList{"Anna Schmidt (0170 1234567)"});
 }
 
 // A send that fails keeps the text in the window and a copy in the outbox; sent on the second try, the
@@ -173,7 +175,17 @@ TEST(MessagesGui, FailedSendKeepsTextAndGoesToOutbox) {
     EXPECT_EQ(t.messages->listedCount(), 1);
 }
 
-TEST(MessagesGui, DeliveryReportIsShownOnTheSentMessage) {
+QStringList Texts(QListWidget* list) {
+    QStringList texts;
+    for (int row = 0; row < list->count(); ++row)
+        texts << list->item(row)->text();
+    return texts;
+}
+
+// The report shows on the sent message, and in Anna's conversation beside the SIM's and the modem's
+// messages; a conversation shown counts as read; the search finds her message in the SIM folder, and
+// Reply writes to her.
+TEST(MessagesGui, DeliveryReportShowsOnTheSentMessageAndInTheConversation) {
     MessagesTab t;
     ASSERT_TRUE(t.world.ready());
     t.world.sim().control("set status_report_delay_ms 300");
@@ -188,6 +200,34 @@ TEST(MessagesGui, DeliveryReportIsShownOnTheSentMessage) {
     ASSERT_TRUE(waitForGui([&] { return Column(List(t.messages), 3) == QStringList{"Delivered"}; }, 20s));
     List(t.messages)->setCurrentIndex(List(t.messages)->model()->index(0, 0));
     EXPECT_TRUE(Child<QLabel>(t.messages, "readerHeader")->text().contains("Delivery report: Delivered"));
+
+    ASSERT_TRUE(waitForGui([&] { return t.messages->conversations() && t.busy()->isHidden(); }, 20s));
+    t.messages->showConversations();
+    auto* thread = Child<QListWidget>(t.messages, "thread");
+    EXPECT_EQ(Child<QLabel>(t.messages, "conversationTitle")->text(), "Anna Schmidt (0170 1234567)");
+    const QStringList shown = Texts(thread);
+    ASSERT_EQ(shown.size(), 3) << shown.join('|').toStdString();
+    EXPECT_TRUE(shown[0].startsWith("Outgoing · Sent · Modem\nYes, see you there.")) << shown[0].toStdString();
+    EXPECT_TRUE(shown[1].endsWith("Read · SIM card\nHi! Are we still meeting at 8?")) << shown[1].toStdString();
+    EXPECT_TRUE(shown[2].endsWith("Delivered · Sent\nDid it arrive?")) << shown[2].toStdString();
+    EXPECT_TRUE(thread->item(1)->textAlignment() & Qt::AlignLeft);
+    EXPECT_TRUE(thread->item(2)->textAlignment() & Qt::AlignRight);
+
+    // Vodafone's unread message, read in its conversation, is read in the SIM folder too.
+    auto* folders = Child<QListWidget>(t.messages, "folders");
+    EXPECT_EQ(folders->item(MessagesPlugin::Sim)->text(), "SIM card (1/3)");
+    t.messages->conversations()->showNumber("Vodafone");
+    EXPECT_EQ(folders->item(MessagesPlugin::Sim)->text(), "SIM card (3)");
+
+    QTest::keyClicks(Child<QLineEdit>(t.messages, "search"), "MEETING");
+    auto* results = Child<QListWidget>(t.messages, "conversations");
+    const QStringList found = Texts(results);
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_TRUE(found[0].startsWith("Anna Schmidt (0170 1234567)\nSIM card · ")) << found[0].toStdString();
+    results->setCurrentRow(0);
+    Child<QPushButton>(t.messages, "conversationReply")->click();
+    ASSERT_TRUE(t.messages->composeWindow());
+    EXPECT_EQ(Child<QLineEdit>(t.messages->composeWindow(), "recipients")->text(), "+491701234567");
 }
 
 // Delete asks first and removes the message from the SIM; "Move to Archive" keeps a copy on the computer

@@ -2,6 +2,7 @@
 
 #include <QPointer>
 
+#include "HomeRegion.h"
 #include "ModemLink.h"
 #include "PhoneNumbers.h"
 #include "RecordList.h"
@@ -112,6 +113,8 @@ void MessagesController::archive(const BLSmsListItem& item, Done done) {
     // The archived copy keeps the message's own time.
     const MessageItem copy = MessageItem::createMessageItem({item.strAddress}, item.strContent, QString(),
                                                             QString(), item.dateTime, 0, SMS_BOX_ACHIVE);
+    if (item.nTag == SmsTag::kUnread || item.nTag == SmsTag::kRead)
+        copy.getMessageDictionary().insert(kIncomingKey, true);
     if (keep(copy) != SMSStorage::kOK) {
         done({kStoreFailed, 0});
         return;
@@ -219,6 +222,7 @@ void MessagesController::follow() {
     _loaded = false;
     _store.reset(); // the SIM may be another one
     reload();
+    readAddressBook();
     loadContacts();
 }
 
@@ -274,15 +278,28 @@ void MessagesController::keepListing(const QList<BLSmsListItem>& items) {
 
 void MessagesController::loadContacts() {
     const int generation = _generation;
+    readPhonebooks([this, generation](const Outcome& outcome) {
+        if (generation == _generation && outcome.ok())
+            emit contactsChanged();
+    });
+}
+
+void MessagesController::readPhonebooks(Done done) {
     _link.request(
         MESSAGE_PB_INIT_LIST, {},
-        [this, generation](const QVariantMap& response) {
-            if (generation != _generation || WorkNotification::GetErrorCode(response) != WORKER_OK)
-                return;
-            _contacts = RecordList<BLPbItem>(WorkNotification::GetValueObject(response));
-            emit contactsChanged();
+        [this, done = std::move(done)](const QVariantMap& response) {
+            const Outcome outcome = OutcomeOf(response);
+            if (outcome.ok())
+                _contacts = RecordList<BLPbItem>(WorkNotification::GetValueObject(response));
+            done(outcome);
         },
         this);
+}
+
+void MessagesController::readAddressBook() {
+    LocalPhoneBook book;
+    book.load();
+    _book = book.contacts();
 }
 
 void MessagesController::onReport(const QString& name, const QVariantMap& data) {
@@ -304,7 +321,8 @@ void MessagesController::onReport(const QString& name, const QVariantMap& data) 
     }
     if (name == MESSAGE_SMS_SEND) {
         const QVariant sent = WorkNotification::GetValueObject(data.value(USER_INFO).toMap());
-        if (WorkNotification::GetErrorCode(data) == WORKER_OK && sent.metaType() == QMetaType::fromType<BLSmsSendItem>())
+        if (WorkNotification::GetErrorCode(data) == WORKER_OK &&
+            sent.metaType() == QMetaType::fromType<BLSmsSendItem>())
             emit sentElsewhere(sent.value<BLSmsSendItem>());
         return;
     }
@@ -382,18 +400,27 @@ bool MessagesController::sameNumber(const QString& a, const QString& b) const {
     return PhoneNumbers::SameNumber(a.toStdString(), b.toStdString(), _link.homeRegion().toStdString());
 }
 
+ContactNames MessagesController::names() const {
+    const QString region = _link.homeRegion();
+    return ContactNames(_book, _contacts, region.isEmpty() ? HomeRegion::regionForMcc(imsi()) : region);
+}
+
 QString MessagesController::who(const QString& number) const {
-    for (const BLPbItem& contact : _contacts) {
-        if (!contact.strName.isEmpty() && sameNumber(contact.strNumber, number))
-            return contact.strName;
-    }
-    return QString::fromStdString(
-        PhoneNumbers::ForReading(number.toStdString(), _link.homeRegion().toStdString()));
+    return names().label(number);
 }
 
 QString MessagesController::who(const QStringList& numbers) const {
-    QStringList names;
-    for (const QString& number : numbers)
-        names << who(number);
-    return names.join(QStringLiteral("; "));
+    return names().label(numbers);
+}
+
+QList<ConversationMessage> MessagesController::everyMessage(const QList<BLSmsListItem>& modem) const {
+    QList<BLSmsListItem> listed = modem;
+    for (BLSmsListItem& item : listed) {
+        if (item.nTag == SmsTag::kUnread && _readHere.contains(ReadKey(item)))
+            item.nTag = SmsTag::kRead;
+    }
+    QList<MessageItem> kept;
+    for (const QString& type : {SMS_BOX_OUTBOX, SMS_BOX_SENDBOX, SMS_BOX_DRAFT, SMS_BOX_ACHIVE})
+        kept += box(type);
+    return Conversation::gather(listed, kept);
 }

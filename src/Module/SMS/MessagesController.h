@@ -10,8 +10,11 @@
 #include <memory>
 #include <optional>
 
+#include "Contacts/ContactNames.h"
+#include "Contacts/LocalPhoneBook.h"
 #include "Outcome.h"
 #include "PhonebookRecords.h"
+#include "SMS/Conversation.h"
 #include "SMS/MessageItem.h"
 #include "SmsRecords.h"
 
@@ -37,6 +40,8 @@ public:
     // A delivery report's status and time, kept in the sent message's dictionary.
     static inline const QString kDeliveryStatusKey = QStringLiteral("DELIVERY_STATUS");
     static inline const QString kDeliveryTimeKey = QStringLiteral("DELIVERY_TIME");
+    // Set on a received message put in the archive; the other archived messages are ones sent from here.
+    static inline const QString kIncomingKey = QStringLiteral("INCOMING");
 
     // Where follow() stopped.
     enum class Step { Preparing, Listing };
@@ -62,6 +67,11 @@ public:
     // A copy in the archive first; the modem's message goes only once the copy is safe. A copy that could
     // not be written fails with kStoreFailed and leaves the message on the modem.
     void archive(const BLSmsListItem& item, Done done);
+
+    // The SIM and modem phonebooks, for the names of senders and recipients (names()).
+    void readPhonebooks(Done done);
+    // Reads the computer's address book again (names()).
+    void readAddressBook();
 
     // The modem's reports reach messageReceived(), statusReportReceived() and relisted() from now on (the
     // tool's watch; follow() does it too).
@@ -104,9 +114,15 @@ public:
     // Unread on the modem and not opened here since the modem was ready.
     bool isUnread(const BLSmsListItem& item) const;
     void markRead(const BLSmsListItem& item);
-    // The contact's name when a phonebook entry has the number, else the number as people read it.
+    // Who is behind a number: the computer's address book, then the phonebooks read.
+    ContactNames names() const;
+    // "Name (number)" when a contact has the number, else the number as people read it.
     QString who(const QString& number) const;
     QString who(const QStringList& numbers) const;
+    // The modem's messages as listed (list() or follow()) and the computer's four boxes, for the
+    // conversations and the search.
+    QList<ConversationMessage> everyMessage(const QList<BLSmsListItem>& modem) const;
+    QList<ConversationMessage> everyMessage() const { return everyMessage(_messages); }
 
 signals:
     // follow()'s list changed: loaded, a message arrived, one was deleted or archived.
@@ -145,7 +161,7 @@ private:
     bool _loaded = false;
     QList<BLSmsListItem> _messages;
     QList<BLPbItem> _contacts;
+    QList<LocalContact> _book;
     QSet<qint64> _readHere; // modem messages opened since the modem was ready (storage << 32 | ID)
     mutable std::unique_ptr<SMSStorage> _store;
 };
-

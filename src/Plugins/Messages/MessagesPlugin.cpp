@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QLocale>
 #include <QMenu>
@@ -11,6 +12,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSplitter>
+#include <QStackedWidget>
 #include <QStandardItemModel>
 #include <QToolButton>
 #include <QTreeView>
@@ -18,6 +20,7 @@
 
 #include "CNSLabels.h"
 #include "ComposeDialog.h"
+#include "ConversationView.h"
 #include "DesktopNotifier.h"
 #include "FailureText.h"
 #include "MessageText.h"
@@ -76,6 +79,13 @@ QString timeText(const QDateTime& time) {
     return time.isValid() ? QLocale().toString(time, QLocale::ShortFormat) : QString();
 }
 
+// A notification is short: the contact's name alone when there is one.
+QString notifiedName(const MessagesController& messages, const QString& number) {
+    const ContactNames names = messages.names();
+    const QString name = names.nameFor(number);
+    return name.isEmpty() ? names.forReading(number) : name;
+}
+
 QString failureText(const MessagesController::Outcome& outcome) {
     return QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp));
 }
@@ -132,11 +142,19 @@ void MessagesPlugin::buildUi() {
     _busy->setToolTip(tr("Reading the messages from the modem…"));
     _busy->hide();
 
+    _search = new QLineEdit(this);
+    _search->setObjectName(QStringLiteral("search"));
+    _search->setPlaceholderText(tr("Search all messages"));
+    _search->setToolTip(tr("Any part of a message's text, a number or a contact's name"));
+    _search->setClearButtonEnabled(true);
+    _search->setMinimumWidth(200);
+
     auto* actions = new QHBoxLayout;
     for (QWidget* widget : std::initializer_list<QWidget*>{_new, _reply, _forward, _delete, _move, _refresh})
         actions->addWidget(widget);
     actions->addStretch(1);
     actions->addWidget(_busy);
+    actions->addWidget(_search);
 
     _status = CNSPlainLabel(QStringLiteral("status"), this);
     _status->hide();
@@ -149,6 +167,7 @@ void MessagesPlugin::buildUi() {
         auto* item = new QListWidgetItem(_folders);
         item->setData(Qt::UserRole, folder);
     }
+    new QListWidgetItem(tr("Conversations"), _folders);
 
     _model = new QStandardItemModel(this);
     _list = new QTreeView(this);
@@ -192,9 +211,13 @@ void MessagesPlugin::buildUi() {
     right->addWidget(readerPane);
     right->setStretchFactor(0, 3);
     right->setStretchFactor(1, 2);
+    _conversations = new ConversationView(_messages, this);
+    _pages = new QStackedWidget(this);
+    _pages->addWidget(right);
+    _pages->addWidget(_conversations);
     auto* split = new QSplitter(Qt::Horizontal, this);
     split->addWidget(_folders);
-    split->addWidget(right);
+    split->addWidget(_pages);
     split->setStretchFactor(1, 1);
     split->setSizes({180, 720});
 
@@ -205,11 +228,26 @@ void MessagesPlugin::buildUi() {
 
     _folders->setCurrentRow(0);
     connect(_folders, &QListWidget::currentRowChanged, this, [this](int row) {
-        if (row >= 0 && row < FolderCount && row != _folder) {
+        const bool conversations = row == FolderCount;
+        _pages->setCurrentWidget(conversations ? static_cast<QWidget*>(_conversations) : _pages->widget(0));
+        for (QWidget* action : std::initializer_list<QWidget*>{_reply, _forward, _delete, _move})
+            action->setVisible(!conversations);
+        if (conversations) {
+            _messages.readAddressBook();
+            _conversations->refresh();
+        } else if (row >= 0 && row < FolderCount && row != _folder) {
             _folder = static_cast<Folder>(row);
             refreshList();
         }
     });
+    // A search looks through every folder, in the conversations.
+    connect(_search, &QLineEdit::textChanged, this, [this](const QString& text) {
+        _conversations->setSearch(text);
+        if (!text.trimmed().isEmpty())
+            _folders->setCurrentRow(FolderCount);
+    });
+    connect(_conversations, &ConversationView::replyRequested, this, &MessagesPlugin::composeTo);
+    connect(_conversations, &ConversationView::messagesRead, this, &MessagesPlugin::refreshFolders);
     connect(_list->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &MessagesPlugin::showSelected);
     connect(_list, &QTreeView::doubleClicked, this, &MessagesPlugin::openSelected);
@@ -218,6 +256,7 @@ void MessagesPlugin::buildUi() {
     connect(_forward, &QPushButton::clicked, this, &MessagesPlugin::forward);
     connect(_delete, &QPushButton::clicked, this, &MessagesPlugin::removeSelected);
     connect(_refresh, &QPushButton::clicked, this, [this] {
+        _messages.readAddressBook(); // the book may have changed meanwhile
         if (link().state() == ModemLink::State::Ready)
             loadModemMessages();
         refreshFolders();
@@ -251,9 +290,9 @@ void MessagesPlugin::bindController() {
         if (!item.nCompleted)
             return;
         const QString words = MessageText::firstLine(item.strContent, 40);
-        context().notifier.notifyMessage(tr("New message"),
-                                         _messages.who(item.strAddress) + QStringLiteral(": ") + words,
-                                         {item.strAddress, QString::number(readKey(item))});
+        context().notifier.notifyMessage(
+            tr("New message"), notifiedName(_messages, item.strAddress) + QStringLiteral(": ") + words,
+            {item.strAddress, QString::number(readKey(item))});
     });
     DesktopNotifier& notifier = context().notifier;
     connect(&notifier, &DesktopNotifier::readRequested, this, &MessagesPlugin::showMessage);
@@ -268,7 +307,7 @@ void MessagesPlugin::bindController() {
                 if (!saved)
                     showError(tr("The delivery report could not be saved with the sent message."));
                 context().notifier.notify(tr("Delivery report"),
-                                          _messages.who(report.strAddress) + QStringLiteral(": ") +
+                                          notifiedName(_messages, report.strAddress) + QStringLiteral(": ") +
                                               MessageText::deliveryText(report.nStatusReportStatus));
                 refreshList();
             });
@@ -433,6 +472,23 @@ void MessagesPlugin::refreshList() {
     }
     quiet.unblock();
     showSelected();
+    if (_pages->currentWidget() == _conversations)
+        _conversations->refresh();
+}
+
+void MessagesPlugin::showConversations() {
+    _folders->setCurrentRow(FolderCount);
+    const ContactNames names = _messages.names();
+    const QList<Conversation::Correspondent> people =
+        Conversation::correspondents(_messages.everyMessage(), names.region());
+    const auto named = std::find_if(people.cbegin(), people.cend(), [&names](const auto& person) {
+        return !names.nameFor(person.number).isEmpty();
+    });
+    if (named != people.cend())
+        _conversations->showNumber(named->number);
+    else if (!people.isEmpty())
+        _conversations->showNumber(people.first().number);
+    _conversations->refresh();
 }
 
 std::optional<MessagesPlugin::Entry> MessagesPlugin::selectedEntry() const {
@@ -474,8 +530,9 @@ void MessagesPlugin::showSelected() {
         }
     } else {
         const MessageItem& local = std::get<MessageItem>(*entry);
-        QString header = tr("To: %1").arg(_messages.who(local.getNumbers())) + QStringLiteral("\n") +
-                         timeText(local.getCreateTime());
+        const bool incoming = local.getMessageDictionary().value(MessagesController::kIncomingKey).toBool();
+        QString header = (incoming ? tr("From: %1") : tr("To: %1")).arg(_messages.who(local.getNumbers())) +
+                         QStringLiteral("\n") + timeText(local.getCreateTime());
         const QVariantMap& dictionary = local.getMessageDictionary();
         if (dictionary.contains(MessagesController::kDeliveryStatusKey)) {
             header += QStringLiteral("\n") +

@@ -11,7 +11,10 @@
 #include "SMS/MessageItem.h"
 #include "SMS/MessagesController.h"
 
+class ConversationView;
 class QLabel;
+class QLineEdit;
+class QStackedWidget;
 class QListWidget;
 class QPlainTextEdit;
 class QProgressBar;
@@ -23,7 +26,8 @@ class QTreeView;
 // The Messages tab: the messages on the SIM, in the modem and in the computer-side inbox (as the modem
 // lists them), and the outbox, sent box, drafts and archive kept on the computer for the SIM. New
 // messages appear as they arrive and are announced on the desktop; delivery reports are shown on the
-// sent message they answer. The modem's folders empty while the modem is away; the computer's stay.
+// sent message they answer. The modem's folders empty while the modem is away; the computer's stay. The
+// conversations gather each person's messages from every folder, and the search field looks through all.
 class MessagesPlugin : public ModulePlugin {
     Q_OBJECT
 public:
@@ -44,6 +48,11 @@ public:
 
     // Shows the received message with the key its notification carried, in its folder.
     void showMessage(const QString& key);
+
+    // The conversations (below the folders in the folder list), opened on the latest one with a contact's
+    // name, else the latest.
+    Q_INVOKABLE void showConversations();
+    ConversationView* conversations() const { return _conversations; }
 
     // The folder shown and the number of messages listed in it.
     Folder currentFolder() const { return _folder; }
@@ -102,4 +111,7 @@ private:
     QPushButton* _delete = nullptr;
     QToolButton* _move = nullptr;
     QPushButton* _refresh = nullptr;
+    QLineEdit* _search = nullptr;
+    QStackedWidget* _pages = nullptr;
+    ConversationView* _conversations = nullptr;
 };
