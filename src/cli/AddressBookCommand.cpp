@@ -169,7 +169,7 @@ int Import(CliContext& context, const BookArguments& arguments) {
                    {"refused", result.refused}});
         return EXIT_OK;
     }
-    std::printf("%s\n", Tool::F("Imported %s: %s added, %s merged into contacts with the same number, %s "
+    std::printf("%s\n", Tool::F("Imported %s: %s added, %s merged, %s "
                                 "already there, %s refused (no name, number or e-mail)",
                                 {arguments.file, std::to_string(count.added), std::to_string(count.merged),
                                  std::to_string(count.unchanged), std::to_string(result.refused)})
@@ -199,6 +199,8 @@ int Search(CliContext& context, const BookArguments& arguments) {
     AppendBookRows(book, book.search(Q(arguments.text)), rows, documents);
     QString dialPort;
     QString atPort;
+    if (!context.devDir.empty())
+        qputenv("DIALTONE_DEV_DIR", QByteArray::fromStdString(context.devDir));
     const bool modemThere = context.simulate || DeviceUtility::getModemDeviceName(dialPort, atPort);
     if (modemThere) {
         const int failed = RunWithSim(context, [&](ModemSession& session) -> int {
@@ -236,6 +238,8 @@ const char* FateWords(PhonebookCopy::Entry::Fate fate) {
         return "name_cut";
     case Fate::AlreadyThere:
         return "already_there";
+    case Fate::NotANumber:
+        return "not_a_number";
     case Fate::NumberTooLong:
         return "number_too_long";
     case Fate::Full:
@@ -287,6 +291,8 @@ int CopyToPhonebook(CliContext& context, ModemSession& session, const BookArgume
             if (entry.fate == Fate::NumberTooLong)
                 fate = Tool::F("refused: %s takes numbers of up to %s digits",
                                {StoreWords(arguments.to), std::to_string(maxNumber)});
+            else if (entry.fate == Fate::NotANumber)
+                fate = Tool::T("refused: not a number a phonebook can keep");
             else if (entry.fate == Fate::Full)
                 fate = Tool::F("refused: %s is full", {StoreWords(arguments.to)});
             else if (entry.fate == Fate::NameCut)
@@ -335,8 +341,8 @@ int CopyToBook(CliContext& context, ModemSession& session, const BookArguments& 
                    {"merged", count.merged},
                    {"unchanged", count.unchanged}});
     else
-        std::printf("%s\n", Tool::F("Copied to the computer's address book: %s added, %s merged into contacts "
-                                    "with the same number, %s already there",
+        std::printf("%s\n", Tool::F("Copied to the computer's address book: %s added, %s merged, %s already "
+                                    "there",
                                     {std::to_string(count.added), std::to_string(count.merged),
                                      std::to_string(count.unchanged)})
                                 .c_str());

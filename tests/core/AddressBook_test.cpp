@@ -179,6 +179,7 @@ TEST(PhonebookCopy, ToTheSimWithinItsLimits) {
         {"one entry per number, labelled", {anna}, 0, 5, {{"Anna Schmidt (mobile)", Fate::Copy}, {"Anna Schmidt (2)", Fate::AlreadyThere}}},
         {"name cut before the label", {anna}, 14, 5, {{"Anna (mobile)", Fate::NameCut}, {"Anna Schmi (2)", Fate::AlreadyThere}}},
         {"label dropped when nothing else fits", {anna}, 6, 5, {{"Anna S", Fate::NameCut}, {"An (2)", Fate::AlreadyThere}}},
+        {"not a number", {{{}, "Info", {{"", "Vodafone"}}, {}, {}}}, 0, 5, {{"Info", Fate::NotANumber}}},
         {"full", {bo, anna}, 0, 1, {{"Bo", Fate::NumberTooLong}, {"Anna Schmidt (mobile)", Fate::Copy}, {"Anna Schmidt (2)", Fate::AlreadyThere}}},
         {"full after the first", {anna, {{}, "Cy", {{"", "+4917099"}}, {}, {}}}, 0, 1, {{"Anna Schmidt (mobile)", Fate::Copy}, {"Anna Schmidt (2)", Fate::AlreadyThere}, {"Cy", Fate::Full}}},
     };

@@ -12,16 +12,6 @@
 
 namespace {
 
-// Spaces, brackets, dashes, dots and slashes are how people lay numbers out, not part of them.
-QString NumberDigits(const QString& number) {
-    QString digits;
-    for (const QChar c : number) {
-        if (c.isDigit() || c == u'+' || c == u'*' || c == u'#')
-            digits += c;
-    }
-    return digits;
-}
-
 QString Longer(const char* what, qsizetype length, qsizetype limit) {
     return QStringLiteral("%1 is %2 characters; the address book keeps at most %3")
         .arg(QLatin1String(what))
@@ -96,6 +86,15 @@ QString LocalPhoneBook::overBounds(const LocalContact& contact) {
             return Longer("an e-mail address", email.size(), kMaxEmailLength);
     }
     return {};
+}
+
+QString LocalPhoneBook::withoutLayout(const QString& number) {
+    QString digits;
+    for (const QChar c : number) {
+        if ((c >= u'0' && c <= u'9') || c == u'+' || c == u'*' || c == u'#')
+            digits += c;
+    }
+    return digits;
 }
 
 QString LocalPhoneBook::defaultPath() {
@@ -175,6 +174,11 @@ LocalPhoneBook::Merge LocalPhoneBook::merge(const LocalContact& contact, const Q
         });
     }
     if (same == _contacts.end()) {
+        same = std::find_if(_contacts.begin(), _contacts.end(), [&](const LocalContact& kept) {
+            return kept.name.compare(contact.name, Qt::CaseInsensitive) == 0;
+        });
+    }
+    if (same == _contacts.end()) {
         add(contact);
         return Merge::Added;
     }
@@ -222,7 +226,7 @@ bool LocalPhoneBook::mergeAll(const QList<LocalContact>& contacts, const QString
 
 QList<qsizetype> LocalPhoneBook::search(const QString& text) const {
     const QString wanted = text.trimmed();
-    const QString wantedDigits = NumberDigits(wanted);
+    const QString wantedDigits = withoutLayout(wanted);
     // A text without letters ("0170 123") is looked for in the numbers alone.
     const bool numberOnly = !wantedDigits.isEmpty() &&
                             std::none_of(wanted.begin(), wanted.end(), [](QChar c) { return c.isLetter(); });
@@ -231,7 +235,7 @@ QList<qsizetype> LocalPhoneBook::search(const QString& text) const {
         const LocalContact& contact = _contacts.at(at);
         bool match = wanted.isEmpty() || (!numberOnly && contact.name.contains(wanted, Qt::CaseInsensitive));
         for (const LocalContact::Number& entry : contact.numbers)
-            match = match || (!wantedDigits.isEmpty() && NumberDigits(entry.number).contains(wantedDigits));
+            match = match || (!wantedDigits.isEmpty() && withoutLayout(entry.number).contains(wantedDigits));
         if (match)
             found.append(at);
     }
@@ -239,8 +243,8 @@ QList<qsizetype> LocalPhoneBook::search(const QString& text) const {
 }
 
 bool LocalPhoneBook::sameNumber(const QString& a, const QString& b, const QString& region) {
-    const QString digitsA = NumberDigits(a);
-    const QString digitsB = NumberDigits(b);
+    const QString digitsA = withoutLayout(a);
+    const QString digitsB = withoutLayout(b);
     // What is not a number ("Vodafone") matches only itself.
     if (digitsA.isEmpty() || digitsB.isEmpty())
         return a == b;

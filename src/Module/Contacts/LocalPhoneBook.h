@@ -69,9 +69,10 @@ public:
     bool update(qsizetype at, LocalContact contact);
     bool remove(qsizetype at);
 
-    // The contact with the same uid, or else the first one sharing a number with it (SameNumber in
-    // `region`), takes the numbers and e-mail addresses it lacks and the note when it has none; without
-    // either the contact is added. A re-imported file or a second copy from the SIM adds nothing.
+    // The contact with the same uid, or else the first one sharing a number with it (sameNumber in
+    // `region`), or else the first one of the same name (case-blind), takes the numbers and e-mail
+    // addresses it lacks and the note when it has none; without any, the contact is added. A re-imported
+    // file or a second copy from the SIM adds nothing.
     Merge merge(const LocalContact& contact, const QString& region);
     // All of them or none: false, and the book unchanged, when it would then hold more than kMaxContacts.
     bool mergeAll(const QList<LocalContact>& contacts, const QString& region, MergeCount& count);
@@ -83,6 +84,9 @@ public:
     // in `region`), or empty.
     QString nameForNumber(const QString& number, const QString& region) const;
 
+    // Spaces, brackets, dashes, dots and slashes are how people lay numbers out, not part of them:
+    // the digits, "+", "*" and "#" alone.
+    static QString withoutLayout(const QString& number);
     // PhoneNumbers::SameNumber of the numbers without their layout ("+49 170 123-4" is "+491701234").
     static bool sameNumber(const QString& a, const QString& b, const QString& region);
 

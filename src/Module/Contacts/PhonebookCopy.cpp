@@ -16,7 +16,8 @@ QList<Entry> toPhonebook(const QList<LocalContact>& contacts, const QList<BLPbIt
     for (const LocalContact& contact : contacts) {
         for (qsizetype at = 0; at < contact.numbers.size(); ++at) {
             const LocalContact::Number& number = contact.numbers.at(at);
-            Entry entry{contact.name, contact.name, number.number, Entry::Fate::Copy};
+            Entry entry{contact.name, contact.name, LocalPhoneBook::withoutLayout(number.number),
+                        Entry::Fate::Copy};
             QList<uint> name = contact.name.toUcs4();
             QList<uint> suffix;
             if (contact.numbers.size() > 1)
@@ -33,19 +34,21 @@ QList<Entry> toPhonebook(const QList<LocalContact>& contacts, const QList<BLPbIt
                 return QString::fromUcs4(reinterpret_cast<const char32_t*>(code.constData()), code.size());
             };
             entry.name = text(name).trimmed() + text(suffix);
-            const qsizetype digits = number.number.size() - (number.number.startsWith(u'+') ? 1 : 0);
+            const qsizetype digits = entry.number.size() - (entry.number.startsWith(u'+') ? 1 : 0);
             const bool there = std::any_of(numbersThere.begin(), numbersThere.end(), [&](const QString& kept) {
                 return LocalPhoneBook::sameNumber(kept, number.number, region);
             });
             if (there)
                 entry.fate = Entry::Fate::AlreadyThere;
+            else if (digits <= 0)
+                entry.fate = Entry::Fate::NotANumber;
             else if (maxNumber > 0 && digits > maxNumber)
                 entry.fate = Entry::Fate::NumberTooLong;
             else if (free <= 0)
                 entry.fate = Entry::Fate::Full;
             if (entry.copied()) {
                 --free;
-                numbersThere.append(number.number);
+                numbersThere.append(entry.number);
             }
             entries.append(entry);
         }
