@@ -86,6 +86,7 @@ ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : Module
     _view->setSortingEnabled(true);
     _view->sortByColumn(0, Qt::AscendingOrder);
     _view->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    _view->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     _view->setMinimumHeight(160);
 
     _empty = new QLabel(this);
@@ -353,7 +354,7 @@ void ContactsPlugin::fillList() {
 
 void ContactsPlugin::updateLimits() {
     if (currentStore() == kComputerStore) {
-        _usage->setText(tr("%n contact(s)", nullptr, static_cast<int>(_book.contacts().size())));
+        _usage->setText(tr("Contacts on this computer: %1").arg(QLocale().toString(_book.contacts().size())));
         return;
     }
     if (!_ready || !_phonebooks->hasStorage()) {
@@ -607,7 +608,7 @@ void ContactsPlugin::exportFile() {
         _error->show();
         return;
     }
-    notice(tr("%n contact(s) written to %1.", nullptr, static_cast<int>(contacts.size())).arg(path));
+    notice(tr("Contacts written to %1: %2.").arg(path, QLocale().toString(contacts.size())));
 }
 
 void ContactsPlugin::copyToSim() {
