@@ -42,8 +42,8 @@ qint32 StoreCode(const std::string& name) {
 
 std::string StoreWords(const std::string& store) {
     if (store == "pc")
-        return "the computer's address book";
-    return store == "sim" ? "the SIM" : "the modem's phonebook";
+        return Tool::T("the computer's address book");
+    return store == "sim" ? Tool::T("the SIM") : Tool::T("the modem's phonebook");
 }
 
 std::optional<std::string> BookNumber(const std::string& typed) {
@@ -287,7 +287,7 @@ int CopyToPhonebook(CliContext& context, ModemSession& session, const BookArgume
                              {"number", entry.number.toStdString()},
                              {"result", FateWords(entry.fate)}});
         if (!context.json) {
-            std::string fate = Tool::T(FateWords(entry.fate));
+            std::string fate = Tool::T("copied");
             if (entry.fate == Fate::NumberTooLong)
                 fate = Tool::F("refused: %s takes numbers of up to %s digits",
                                {StoreWords(arguments.to), std::to_string(maxNumber)});
