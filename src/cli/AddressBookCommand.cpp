@@ -229,24 +229,9 @@ int Search(CliContext& context, const BookArguments& arguments) {
     return EXIT_OK;
 }
 
-const char* FateWords(PhonebookCopy::Entry::Fate fate) {
-    using Fate = PhonebookCopy::Entry::Fate;
-    switch (fate) {
-    case Fate::Copy:
-        return "copied";
-    case Fate::NameCut:
-        return "name_cut";
-    case Fate::AlreadyThere:
-        return "already_there";
-    case Fate::NotANumber:
-        return "not_a_number";
-    case Fate::NumberTooLong:
-        return "number_too_long";
-    case Fate::Full:
-        return "full";
-    }
-    return "";
-}
+// The copy's fates for scripts, in the order of PhonebookCopy::Entry::Fate.
+constexpr const char* kFateWords[] = {"copied",          "name_cut", "already_there", "not_a_number",
+                                      "number_too_long", "full"};
 
 int CopyToPhonebook(CliContext& context, ModemSession& session, const BookArguments& arguments) {
     using Fate = PhonebookCopy::Entry::Fate;
@@ -266,14 +251,18 @@ int CopyToPhonebook(CliContext& context, ModemSession& session, const BookArgume
     int copied = 0;
     int refused = 0;
     json documents = json::array();
+    bool full = false;
     for (PhonebookCopy::Entry& entry : entries) {
+        if (full && entry.copied())
+            entry.fate = Fate::Full;
         if (entry.copied()) {
             const std::string what = "copying " + entry.name.toStdString();
             const auto [result] = session.await(
                 phonebooks, &ContactsController::added, [&] { phonebooks.add(store, entry.name, entry.number); },
                 what);
             using Reason = ContactsController::Refusal::Reason;
-            if (result.refusal.reason == Reason::Full)
+            full = result.refusal.reason == Reason::Full;
+            if (full)
                 entry.fate = Fate::Full;
             else if (result.refusal.reason == Reason::NumberTooLong)
                 entry.fate = Fate::NumberTooLong;
@@ -285,7 +274,7 @@ int CopyToPhonebook(CliContext& context, ModemSession& session, const BookArgume
         documents.push_back({{"contact", entry.contact.toStdString()},
                              {"name", entry.name.toStdString()},
                              {"number", entry.number.toStdString()},
-                             {"result", FateWords(entry.fate)}});
+                             {"result", kFateWords[static_cast<int>(entry.fate)]}});
         if (!context.json) {
             std::string fate = Tool::T("copied");
             if (entry.fate == Fate::NumberTooLong)
@@ -368,7 +357,9 @@ int AddToBook(CliContext& context, const std::string& name, const std::string& n
     if (!typed)
         return EXIT_USAGE;
     LocalPhoneBook book = LoadedBook();
-    const LocalContact contact{{}, Q(name).trimmed(), {{{}, Q(*typed)}}, {}, {}};
+    // Without a name, the number stands for it, as when the book is read.
+    const QString given = Q(name).trimmed();
+    const LocalContact contact{{}, given.isEmpty() ? Q(*typed) : given, {{{}, Q(*typed)}}, {}, {}};
     if (const QString over = LocalPhoneBook::overBounds(contact); !over.isEmpty())
         return ReportUsage(over.toStdString());
     const qsizetype at = book.add(contact);
@@ -397,7 +388,7 @@ int UpdateInBook(CliContext& context, int index, const std::string& name, const 
                                    {std::to_string(index)}));
     // The first number is the one given; the others, the e-mail addresses and the note stay.
     LocalContact contact = book.contacts().at(index - 1);
-    contact.name = Q(name).trimmed();
+    contact.name = Q(name).trimmed().isEmpty() ? Q(*typed) : Q(name).trimmed();
     if (contact.numbers.isEmpty())
         contact.numbers.append(LocalContact::Number{});
     contact.numbers.first().number = Q(*typed);

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QStringDecoder>
 
+#include <cctype>
 #include <optional>
 
 namespace VCard {
@@ -124,16 +125,6 @@ std::optional<ContentLine> ParseLine(const QByteArray& text, int number) {
     return line;
 }
 
-int HexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
-
 std::optional<QByteArray> DecodeQuotedPrintable(const QByteArray& text) {
     QByteArray bytes;
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -141,13 +132,10 @@ std::optional<QByteArray> DecodeQuotedPrintable(const QByteArray& text) {
             bytes += text[i];
             continue;
         }
-        if (i + 2 >= text.size())
+        const auto hex = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
+        if (i + 2 >= text.size() || !hex(text[i + 1]) || !hex(text[i + 2]))
             return std::nullopt;
-        const int high = HexDigit(text[i + 1]);
-        const int low = HexDigit(text[i + 2]);
-        if (high < 0 || low < 0)
-            return std::nullopt;
-        bytes += static_cast<char>(high * 16 + low);
+        bytes += QByteArray::fromHex(text.mid(i + 1, 2));
         i += 2;
     }
     return bytes;

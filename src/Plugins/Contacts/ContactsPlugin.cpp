@@ -161,9 +161,13 @@ ContactsPlugin::ContactsPlugin(ModuleContext& context, QWidget* parent) : Module
         if (!_copying.isEmpty()) {
             setBusy(false);
             PhonebookCopy::Entry& entry = _copying[_copyNext++];
-            if (result.refusal.reason == ContactsController::Refusal::Reason::Full)
-                entry.fate = PhonebookCopy::Entry::Fate::Full;
-            else if (result.refusal.reason == ContactsController::Refusal::Reason::NumberTooLong)
+            if (result.refusal.reason == ContactsController::Refusal::Reason::Full) {
+                // Nothing after it fits either.
+                for (qsizetype at = _copyNext - 1; at < _copying.size(); ++at) {
+                    if (_copying.at(at).copied())
+                        _copying[at].fate = PhonebookCopy::Entry::Fate::Full;
+                }
+            } else if (result.refusal.reason == ContactsController::Refusal::Reason::NumberTooLong)
                 entry.fate = PhonebookCopy::Entry::Fate::NumberTooLong;
             if (result.outcome.ok() || result.refusal.reason != ContactsController::Refusal::Reason::None)
                 return copyNext();
@@ -634,7 +638,6 @@ void ContactsPlugin::copyToSim() {
 }
 
 void ContactsPlugin::copyNext() {
-    using Fate = PhonebookCopy::Entry::Fate;
     while (_copyNext < _copying.size() && !_copying.at(_copyNext).copied())
         ++_copyNext;
     if (_copyNext < _copying.size()) {
@@ -642,30 +645,16 @@ void ContactsPlugin::copyNext() {
         _phonebooks->add(kSimStore, _copying.at(_copyNext).name, _copying.at(_copyNext).number);
         return;
     }
+    // In the order of PhonebookCopy::Entry::Fate.
+    const QString fates[] = {tr("%1: copied"),
+                             tr("%1: copied, name cut to fit the SIM"),
+                             tr("%1: already on the SIM"),
+                             tr("%1: not copied, not a phone number"),
+                             tr("%1: not copied, the number is longer than the SIM keeps"),
+                             tr("%1: not copied, the SIM is full")};
     QStringList lines;
-    for (const PhonebookCopy::Entry& entry : std::as_const(_copying)) {
-        const QString what = entry.name + QStringLiteral(" ") + entry.number;
-        switch (entry.fate) {
-        case Fate::Copy:
-            lines << tr("%1: copied").arg(what);
-            break;
-        case Fate::NameCut:
-            lines << tr("%1: copied, name cut to fit the SIM").arg(what);
-            break;
-        case Fate::AlreadyThere:
-            lines << tr("%1: already on the SIM").arg(what);
-            break;
-        case Fate::NotANumber:
-            lines << tr("%1: not copied, not a phone number").arg(what);
-            break;
-        case Fate::NumberTooLong:
-            lines << tr("%1: not copied, the number is longer than the SIM keeps").arg(what);
-            break;
-        case Fate::Full:
-            lines << tr("%1: not copied, the SIM is full").arg(what);
-            break;
-        }
-    }
+    for (const PhonebookCopy::Entry& entry : std::as_const(_copying))
+        lines << fates[static_cast<int>(entry.fate)].arg(entry.name + u' ' + entry.number);
     _copying.clear();
     notice(lines.join(u'\n'));
     reload();
