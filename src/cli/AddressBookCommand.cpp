@@ -60,7 +60,8 @@ json BookContactDocument(const LocalContact& contact, qsizetype at) {
     return {{"storage", "pc"},
             {"index", at + 1},
             {"name", contact.name.toStdString()},
-            {"number", contact.numbers.isEmpty() ? json(nullptr) : json(contact.numbers.first().number.toStdString())},
+            {"number",
+             contact.numbers.isEmpty() ? json(nullptr) : json(contact.numbers.first().number.toStdString())},
             {"numbers", numbers},
             {"emails", emails},
             {"note", contact.note.isEmpty() ? json(nullptr) : json(contact.note.toStdString())}};
@@ -115,7 +116,8 @@ int SaveBook(const CliContext& context, const LocalPhoneBook& book, const std::s
     if (book.save())
         return EXIT_OK;
     return ReportFailure(context, EXIT_FAILED,
-                         what + ": " + book.path().toStdString() + " could not be written; nothing was changed");
+                         what + ": " + book.path().toStdString() +
+                             " could not be written; nothing was changed");
 }
 
 // The contacts among `contacts` that `text` finds, as the book's search does.
@@ -151,7 +153,8 @@ int ReadPhonebooks(ModemSession& session, ContactsController& phonebooks, bool w
         phonebooks, &ContactsController::storageRead, [&] { phonebooks.readStorage(); }, what);
     if (const int failed = session.check(use, what))
         return failed;
-    session.await(phonebooks, &ContactsController::limitsRead, [&] { phonebooks.readLimits(); }, what);
+    session.await(
+        phonebooks, &ContactsController::limitsRead, [&] { phonebooks.readLimits(); }, what);
     return EXIT_OK;
 }
 
@@ -179,16 +182,17 @@ int Import(CliContext& context, const BookArguments& arguments) {
 
 int Export(CliContext& context, const BookArguments& arguments, const QList<LocalContact>& contacts) {
     const QString error =
-        VCardFile::exportTo(contacts, Q(arguments.file), arguments.version4 ? VCard::Version::V4 : VCard::Version::V3,
-                            arguments.force);
+        VCardFile::exportTo(contacts, Q(arguments.file),
+                            arguments.version4 ? VCard::Version::V4 : VCard::Version::V3, arguments.force);
     if (!error.isEmpty())
         return ReportFailure(context, EXIT_FAILED, "exporting: " + error.toStdString());
     if (context.json)
         PrintJson({{"file", arguments.file}, {"storage", arguments.store}, {"contacts", contacts.size()}});
     else
-        std::printf("%s\n", Tool::F("Exported %s contacts from %s to %s",
-                                    {std::to_string(contacts.size()), StoreWords(arguments.store), arguments.file})
-                                .c_str());
+        std::printf("%s\n",
+                    Tool::F("Exported %s contacts from %s to %s",
+                            {std::to_string(contacts.size()), StoreWords(arguments.store), arguments.file})
+                        .c_str());
     return EXIT_OK;
 }
 
@@ -230,8 +234,8 @@ int Search(CliContext& context, const BookArguments& arguments) {
 }
 
 // The copy's fates for scripts, in the order of PhonebookCopy::Entry::Fate.
-constexpr const char* kFateWords[] = {"copied",          "name_cut", "already_there", "not_a_number",
-                                      "number_too_long", "full"};
+constexpr const char* kFateWords[] = {"copied",       "name_cut",        "already_there",
+                                      "not_a_number", "number_too_long", "full"};
 
 int CopyToPhonebook(CliContext& context, ModemSession& session, const BookArguments& arguments) {
     using Fate = PhonebookCopy::Entry::Fate;
@@ -240,14 +244,16 @@ int CopyToPhonebook(CliContext& context, ModemSession& session, const BookArgume
         return failed;
     const qint32 store = StoreCode(arguments.to);
     const QList<LocalContact> source =
-        arguments.from == "pc" ? LoadedBook().contacts()
-                               : PhonebookCopy::toBook(OfStore(phonebooks.contacts(), StoreCode(arguments.from)));
+        arguments.from == "pc"
+            ? LoadedBook().contacts()
+            : PhonebookCopy::toBook(OfStore(phonebooks.contacts(), StoreCode(arguments.from)));
     const int maxNumber = ContactsController::maxNumber(phonebooks.limits(), store);
-    QList<PhonebookCopy::Entry> entries = PhonebookCopy::toPhonebook(
-        Matching(source, arguments.text), OfStore(phonebooks.contacts(), store),
-        ContactsController::maxName(phonebooks.limits(), store), maxNumber,
-        ContactsController::total(phonebooks.storage(), store) - ContactsController::used(phonebooks.storage(), store),
-        Q(SessionRegion(session)));
+    QList<PhonebookCopy::Entry> entries =
+        PhonebookCopy::toPhonebook(Matching(source, arguments.text), OfStore(phonebooks.contacts(), store),
+                                   ContactsController::maxName(phonebooks.limits(), store), maxNumber,
+                                   ContactsController::total(phonebooks.storage(), store) -
+                                       ContactsController::used(phonebooks.storage(), store),
+                                   Q(SessionRegion(session)));
     int copied = 0;
     int refused = 0;
     json documents = json::array();
@@ -258,8 +264,8 @@ int CopyToPhonebook(CliContext& context, ModemSession& session, const BookArgume
         if (entry.copied()) {
             const std::string what = "copying " + entry.name.toStdString();
             const auto [result] = session.await(
-                phonebooks, &ContactsController::added, [&] { phonebooks.add(store, entry.name, entry.number); },
-                what);
+                phonebooks, &ContactsController::added,
+                [&] { phonebooks.add(store, entry.name, entry.number); }, what);
             using Reason = ContactsController::Refusal::Reason;
             full = result.refusal.reason == Reason::Full;
             if (full)
@@ -293,11 +299,12 @@ int CopyToPhonebook(CliContext& context, ModemSession& session, const BookArgume
         }
     }
     if (context.json)
-        PrintJson({{"from", arguments.from}, {"to", arguments.to}, {"copied", copied}, {"entries", documents}});
+        PrintJson(
+            {{"from", arguments.from}, {"to", arguments.to}, {"copied", copied}, {"entries", documents}});
     else
-        std::printf("%s\n", Tool::F("Copied %s of %s numbers to %s", {std::to_string(copied),
-                                                                      std::to_string(entries.size()),
-                                                                      StoreWords(arguments.to)})
+        std::printf("%s\n", Tool::F("Copied %s of %s numbers to %s",
+                                    {std::to_string(copied), std::to_string(entries.size()),
+                                     StoreWords(arguments.to)})
                                 .c_str());
     if (refused == 0)
         return EXIT_OK;
@@ -315,8 +322,8 @@ int CopyToBook(CliContext& context, ModemSession& session, const BookArguments& 
         return failed;
     LocalPhoneBook book = LoadedBook();
     LocalPhoneBook::MergeCount count;
-    const QList<LocalContact> source =
-        Matching(PhonebookCopy::toBook(OfStore(phonebooks.contacts(), StoreCode(arguments.from))), arguments.text);
+    const QList<LocalContact> source = Matching(
+        PhonebookCopy::toBook(OfStore(phonebooks.contacts(), StoreCode(arguments.from))), arguments.text);
     if (!book.mergeAll(source, Q(SessionRegion(session)), count))
         return ReportFailure(context, EXIT_FAILED,
                              Tool::F("copying: the address book would hold more than %s contacts",
@@ -372,8 +379,9 @@ int AddToBook(CliContext& context, const std::string& name, const std::string& n
     if (context.json)
         PrintJson(BookContactDocument(book.contacts().at(at), at));
     else
-        std::printf("%s\n", Tool::F("Added to the computer's address book at index %s", {std::to_string(at + 1)})
-                                .c_str());
+        std::printf(
+            "%s\n",
+            Tool::F("Added to the computer's address book at index %s", {std::to_string(at + 1)}).c_str());
     return EXIT_OK;
 }
 
@@ -383,9 +391,10 @@ int UpdateInBook(CliContext& context, int index, const std::string& name, const 
         return EXIT_USAGE;
     LocalPhoneBook book = LoadedBook();
     if (index > book.contacts().size())
-        return ReportUsage(Tool::F("no contact %s in the computer's address book (dialtone contacts list --store "
-                                   "pc shows them)",
-                                   {std::to_string(index)}));
+        return ReportUsage(
+            Tool::F("no contact %s in the computer's address book (dialtone contacts list --store "
+                    "pc shows them)",
+                    {std::to_string(index)}));
     // The first number is the one given; the others, the e-mail addresses and the note stay.
     LocalContact contact = book.contacts().at(index - 1);
     contact.name = Q(name).trimmed().isEmpty() ? Q(*typed) : Q(name).trimmed();
@@ -407,9 +416,10 @@ int UpdateInBook(CliContext& context, int index, const std::string& name, const 
 int DeleteFromBook(CliContext& context, int index) {
     LocalPhoneBook book = LoadedBook();
     if (!book.remove(index - 1))
-        return ReportUsage(Tool::F("no contact %s in the computer's address book (dialtone contacts list --store "
-                                   "pc shows them)",
-                                   {std::to_string(index)}));
+        return ReportUsage(
+            Tool::F("no contact %s in the computer's address book (dialtone contacts list --store "
+                    "pc shows them)",
+                    {std::to_string(index)}));
     if (const int failed = SaveBook(context, book, "deleting the contact"))
         return failed;
     if (context.json)
@@ -423,54 +433,52 @@ void AddAddressBookCommands(CLI::App& contacts, CliContext& context) {
     auto arguments = std::make_shared<BookArguments>();
 
     CLI::App* import = contacts.add_subcommand(
-        "import", "Read a vCard file (2.1, 3.0 or 4.0) into the computer's address book; contacts with a "
-                  "number already there are merged");
+        "import", "Read a vCard file into the computer's address book, all or nothing");
     import->add_option("FILE", arguments->file, "The .vcf file")->required()->check(CLI::ExistingFile);
-    import->callback([&context, arguments] { context.exitCode = Import(context, *arguments); });
+    import->callback([&context, arguments] { context.exitCode = Import(context, *arguments);
+});
 
-    CLI::App* exported = contacts.add_subcommand("export", "Write a phonebook to a vCard file");
-    exported->add_option("FILE", arguments->file, "The .vcf file to write")->required();
-    OfferValues(exported->add_option("--store", arguments->store, "The phonebook: pc (default), sim or modem")
+CLI::App* exported = contacts.add_subcommand("export", "Write a phonebook to a vCard file");
+exported->add_option("FILE", arguments->file, "The .vcf file to write")->required();
+OfferValues(exported->add_option("--store", arguments->store, "The phonebook: pc (default), sim or modem")
+                ->check(CLI::IsMember({"pc", "sim", "modem"})),
+            {"pc", "sim", "modem"});
+exported->add_flag("--force", arguments->force, "Overwrite the file when it exists");
+exported->add_flag("--vcard4", arguments->version4, "Write vCard 4.0 instead of 3.0");
+exported->callback([&context, arguments] {
+    if (arguments->store == "pc") {
+        context.exitCode = Export(context, *arguments, LoadedBook().contacts());
+        return;
+    }
+    context.exitCode = RunWithSim(context, [&](ModemSession& session) {
+        ContactsController phonebooks(session.link());
+        if (const int failed = ReadPhonebooks(session, phonebooks, false))
+            return failed;
+        return Export(context, *arguments,
+                      PhonebookCopy::toBook(OfStore(phonebooks.contacts(), StoreCode(arguments->store))));
+    });
+});
+
+CLI::App* search = contacts.add_subcommand(
+    "search", "Find contacts by part of a name or number, on the computer and, when there, the modem");
+search->add_option("TEXT", arguments->text, "Part of a name or number")->required();
+search->callback([&context, arguments] { context.exitCode = Search(context, *arguments); });
+
+CLI::App* copy = contacts.add_subcommand("copy", "Copy contacts between the computer, the SIM and the modem");
+for (auto [name, value] : {std::pair{"--from", &arguments->from}, std::pair{"--to", &arguments->to}})
+    OfferValues(copy->add_option(name, *value, "pc, sim or modem")
+                    ->required()
                     ->check(CLI::IsMember({"pc", "sim", "modem"})),
                 {"pc", "sim", "modem"});
-    exported->add_flag("--force", arguments->force, "Overwrite the file when it exists");
-    exported->add_flag("--vcard4", arguments->version4, "Write vCard 4.0 instead of 3.0");
-    exported->callback([&context, arguments] {
-        if (arguments->store == "pc") {
-            context.exitCode = Export(context, *arguments, LoadedBook().contacts());
-            return;
-        }
-        context.exitCode = RunWithSim(context, [&](ModemSession& session) {
-            ContactsController phonebooks(session.link());
-            if (const int failed = ReadPhonebooks(session, phonebooks, false))
-                return failed;
-            return Export(context, *arguments,
-                          PhonebookCopy::toBook(OfStore(phonebooks.contacts(), StoreCode(arguments->store))));
-        });
+copy->add_option("TEXT", arguments->text, "Only the contacts found by this part of a name or number");
+copy->callback([&context, arguments] {
+    if (arguments->from == arguments->to) {
+        context.exitCode = ReportUsage("--from and --to name the same phonebook");
+        return;
+    }
+    context.exitCode = RunWithSim(context, [&](ModemSession& session) {
+        return arguments->to == "pc" ? CopyToBook(context, session, *arguments)
+                                     : CopyToPhonebook(context, session, *arguments);
     });
-
-    CLI::App* search = contacts.add_subcommand(
-        "search", "Find contacts by any part of a name or number: the computer's address book, and the SIM's "
-                  "and the modem's phonebooks when a modem is there");
-    search->add_option("TEXT", arguments->text, "Part of a name or number")->required();
-    search->callback([&context, arguments] { context.exitCode = Search(context, *arguments); });
-
-    CLI::App* copy = contacts.add_subcommand(
-        "copy", "Copy contacts between the computer's address book and the SIM's or the modem's phonebook");
-    for (auto [name, value] : {std::pair{"--from", &arguments->from}, std::pair{"--to", &arguments->to}})
-        OfferValues(copy->add_option(name, *value, "pc, sim or modem")
-                        ->required()
-                        ->check(CLI::IsMember({"pc", "sim", "modem"})),
-                    {"pc", "sim", "modem"});
-    copy->add_option("TEXT", arguments->text, "Only the contacts found by this part of a name or number");
-    copy->callback([&context, arguments] {
-        if (arguments->from == arguments->to) {
-            context.exitCode = ReportUsage("--from and --to name the same phonebook");
-            return;
-        }
-        context.exitCode = RunWithSim(context, [&](ModemSession& session) {
-            return arguments->to == "pc" ? CopyToBook(context, session, *arguments)
-                                         : CopyToPhonebook(context, session, *arguments);
-        });
-    });
+});
 }

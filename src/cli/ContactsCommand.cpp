@@ -206,7 +206,8 @@ void AddStoreOption(CLI::App* command, ContactsArguments& arguments) {
 } // namespace
 
 void AddContactsCommand(CLI::App& app, CliContext& context) {
-    CLI::App* contacts = app.add_subcommand("contacts", "The SIM's and the modem's phonebooks, and the computer's address book");
+    CLI::App* contacts = app.add_subcommand(
+        "contacts", "The SIM's and the modem's phonebooks, and the computer's address book");
     contacts->require_subcommand(1);
     auto arguments = std::make_shared<ContactsArguments>();
 

@@ -14,10 +14,11 @@ using clitest::RunDialtone;
 using clitest::SimulatedModem;
 using clitest::TempDir;
 
-const char* const kCards = "BEGIN:VCARD\r\nVERSION:3.0\r\nFN:Anna Schmidt\r\nTEL;TYPE=CELL:+49 170 7654321\r\n"
-                           "TEL;TYPE=HOME:030 1234567\r\nEMAIL:anna@example.org\r\nEND:VCARD\r\n"
-                           "BEGIN:VCARD\r\nVERSION:2.1\r\nN;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:M=FCller;J=\r\n"
-                           "=FCrgen\r\nTEL;CELL:0171999888\r\nEND:VCARD\r\n";
+const char* const kCards =
+    "BEGIN:VCARD\r\nVERSION:3.0\r\nFN:Anna Schmidt\r\nTEL;TYPE=CELL:+49 170 7654321\r\n"
+    "TEL;TYPE=HOME:030 1234567\r\nEMAIL:anna@example.org\r\nEND:VCARD\r\n"
+    "BEGIN:VCARD\r\nVERSION:2.1\r\nN;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:M=FCller;J=\r\n"
+    "=FCrgen\r\nTEL;CELL:0171999888\r\nEND:VCARD\r\n";
 
 void Write(const std::string& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;

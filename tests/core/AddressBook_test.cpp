@@ -52,9 +52,16 @@ TEST(VCard, ReadsWhatPhonesAndProgramsWrite) {
 }
 
 TEST(VCard, WrittenFilesReadBackTheSame) {
-    LocalContact anna{"a-1", "Anna, \"die\"; Schmidt\\", {{"mobile", "+491701234567"}, {"Partner", "+4930123"}, {"", "112"}},
-                      {"anna@example.org"}, "first line\nsecond, with; marks"};
-    LocalContact long_{"b-2", QString::fromUtf8("\xE7\x8E\x8B\xF0\x9F\x98\x80").repeated(20), {{"home", "+8613800138000"}}, {}, {}};
+    LocalContact anna{"a-1",
+                      "Anna, \"die\"; Schmidt\\",
+                      {{"mobile", "+491701234567"}, {"Partner", "+4930123"}, {"", "112"}},
+                      {"anna@example.org"},
+                      "first line\nsecond, with; marks"};
+    LocalContact long_{"b-2",
+                       QString::fromUtf8("\xE7\x8E\x8B\xF0\x9F\x98\x80").repeated(20),
+                       {{"home", "+8613800138000"}},
+                       {},
+                       {}};
     for (const VCard::Version version : {VCard::Version::V3, VCard::Version::V4}) {
         const QByteArray file = VCard::write({anna, long_}, version);
         for (const QByteArray& line : file.split('\n')) {
@@ -152,11 +159,14 @@ TEST(LocalPhoneBook, ImportMergesAndKeepsADamagedFileAside) {
     const QStringList kept = QDir(folder.path()).entryList({"LocalPhoneBook.plist.damaged-*"}, QDir::Files);
     ASSERT_EQ(kept.size(), 1);
 
-    const VCardFile::Import second = import("BEGIN:VCARD\nFN:Anna S.\nTEL:01701234567\nTEL:+4930111\nEND:VCARD\n");
+    const VCardFile::Import second =
+        import("BEGIN:VCARD\nFN:Anna S.\nTEL:01701234567\nTEL:+4930111\nEND:VCARD\n");
     EXPECT_EQ(second.count.merged, 1);
     const VCardFile::Import broken = import("BEGIN:VCARD\nFN:Carl\nTEL:1\nEND:VCARD\nBEGIN:VCARD\nFN:\xFF\n");
-    EXPECT_EQ(broken.error.toStdString(), (vcf + ": line 6: FN is not valid UTF-8 and names no other CHARSET; "
-                                                  "nothing was imported").toStdString());
+    EXPECT_EQ(broken.error.toStdString(),
+              (vcf + ": line 6: FN is not valid UTF-8 and names no other CHARSET; "
+                     "nothing was imported")
+                  .toStdString());
 
     LocalPhoneBook book(path);
     ASSERT_EQ(book.load(), LocalPhoneBook::LoadResult::Ok);
@@ -187,12 +197,15 @@ TEST(PhonebookCopy, ToTheSimWithinItsLimits) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         std::vector<std::pair<std::string, Fate>> got;
-        for (const PhonebookCopy::Entry& entry : PhonebookCopy::toPhonebook(row.contacts, there, row.maxName, 20, row.free, "DE"))
+        for (const PhonebookCopy::Entry& entry :
+             PhonebookCopy::toPhonebook(row.contacts, there, row.maxName, 20, row.free, "DE"))
             got.emplace_back(entry.name.toStdString(), entry.fate);
         EXPECT_EQ(got, row.entries);
     }
     // And back: the labelled entries are one contact again.
-    const QList<LocalContact> back = PhonebookCopy::toBook({{kSimStore, "Anna (mobile)", "+491", 1}, {kSimStore, "Anna (2)", "+492", 2}, {kSimStore, "", "+493", 3}});
+    const QList<LocalContact> back = PhonebookCopy::toBook({{kSimStore, "Anna (mobile)", "+491", 1},
+                                                            {kSimStore, "Anna (2)", "+492", 2},
+                                                            {kSimStore, "", "+493", 3}});
     ASSERT_EQ(back.size(), 2);
     EXPECT_EQ(Summary(back[0]), "Anna|mobile:+491,:+492||");
     EXPECT_EQ(Summary(back[1]), "+493|:+493||");

@@ -282,7 +282,11 @@ TEST(ContactsGui, AddEditDeleteAndSendMessage) {
     GuiWorld world;
     ASSERT_TRUE(world.ready());
     LocalPhoneBook book;
-    book.add({{}, "Zora Local", {{"mobile", "+49 30 7777777"}, {"", "+49 171 2222222"}}, {"zora@example.org"}, {}});
+    book.add({{},
+              "Zora Local",
+              {{"mobile", "+49 30 7777777"}, {"", "+49 171 2222222"}},
+              {"zora@example.org"},
+              {}});
     ASSERT_TRUE(book.save());
     auto* tab = world.show<ContactsPlugin>("contacts");
     auto* view = Child<QTreeView>(tab, "list");
@@ -394,8 +398,9 @@ TEST(ContactsGui, AddEditDeleteAndSendMessage) {
     ASSERT_TRUE(waitForGui([&] { return !simEntry("Zora Local (2)").isEmpty(); }));
     EXPECT_EQ(simEntry("Zora (mobile)")["number"].toString(), "+49307777777");
     auto* notice = Child<QLabel>(tab, "notice");
-    EXPECT_TRUE(waitForGui([&] { return notice->text().contains("Zora (mobile) +49307777777: copied, name cut"); }))
-        << notice->text().toStdString();
+    EXPECT_TRUE(waitForGui([&] {
+        return notice->text().contains("Zora (mobile) +49307777777: copied, name cut");
+    })) << notice->text().toStdString();
     search->clear();
     QTest::keyClicks(search, "Anna");
     ASSERT_TRUE(ClickRow(view, 0, "Anna Schmidt"));

@@ -169,8 +169,9 @@ LocalPhoneBook::Merge LocalPhoneBook::merge(const LocalContact& contact, const Q
     });
     if (same == _contacts.end()) {
         same = std::find_if(_contacts.begin(), _contacts.end(), [&](const LocalContact& kept) {
-            return std::any_of(contact.numbers.begin(), contact.numbers.end(),
-                               [&](const LocalContact::Number& entry) { return hasNumber(kept, entry.number); });
+            return std::any_of(
+                contact.numbers.begin(), contact.numbers.end(),
+                [&](const LocalContact::Number& entry) { return hasNumber(kept, entry.number); });
         });
     }
     if (same == _contacts.end()) {

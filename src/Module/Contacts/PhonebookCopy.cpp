@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-
 namespace PhonebookCopy {
 
 QList<Entry> toPhonebook(const QList<LocalContact>& contacts, const QList<BLPbItem>& phonebook, int maxName,
@@ -35,9 +34,10 @@ QList<Entry> toPhonebook(const QList<LocalContact>& contacts, const QList<BLPbIt
             };
             entry.name = text(name).trimmed() + text(suffix);
             const qsizetype digits = entry.number.size() - (entry.number.startsWith(u'+') ? 1 : 0);
-            const bool there = std::any_of(numbersThere.begin(), numbersThere.end(), [&](const QString& kept) {
-                return LocalPhoneBook::sameNumber(kept, number.number, region);
-            });
+            const bool there =
+                std::any_of(numbersThere.begin(), numbersThere.end(), [&](const QString& kept) {
+                    return LocalPhoneBook::sameNumber(kept, number.number, region);
+                });
             if (there)
                 entry.fate = Entry::Fate::AlreadyThere;
             else if (digits <= 0)

@@ -12,8 +12,8 @@
 // To a phonebook, a contact becomes one entry per number. With several numbers, each entry is named
 // "Name (label)" ("Name (2)" for a number without a label), so that copying back finds the contact again.
 // A name longer than the phonebook keeps is cut at its end (the label stays); a number with more digits
-// than it keeps, or one without digits ("Vodafone"), is refused; a number already in the phonebook is left; once the free places are used up,
-// the rest is refused as "full". Nothing is dropped without its fate.
+// than it keeps, or one without digits ("Vodafone"), is refused; a number already in the phonebook is left;
+// once the free places are used up, the rest is refused as "full". Nothing is dropped without its fate.
 namespace PhonebookCopy {
 
 struct Entry {

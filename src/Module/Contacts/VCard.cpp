@@ -13,7 +13,7 @@ namespace {
 // One content line after unfolding: "item1.TEL;TYPE=cell:+49 170 1234567".
 struct ContentLine {
     QByteArray group;
-    QByteArray name; // upper case
+    QByteArray name;                                 // upper case
     QHash<QByteArray, QList<QByteArray>> parameters; // upper-case name -> values as written
     QByteArray value;
     int line = 0;
@@ -44,7 +44,8 @@ std::optional<Fault> Unfold(const QByteArray& bytes, QList<QPair<QByteArray, int
         ++number;
         if (line.endsWith('\r'))
             line.chop(1);
-        const bool continued = !lines.isEmpty() && (softBreak || line.startsWith(' ') || line.startsWith('\t'));
+        const bool continued =
+            !lines.isEmpty() && (softBreak || line.startsWith(' ') || line.startsWith('\t'));
         if (continued) {
             QByteArray& last = lines.last().first;
             last += softBreak ? line : line.mid(1);
@@ -162,9 +163,10 @@ std::optional<QString> DecodeValue(const ContentLine& line, QString& error) {
     }
     QString text = decoder.decode(bytes);
     if (decoder.hasError() || text.contains(QChar(0))) {
-        error = charset.isEmpty()
-                    ? QStringLiteral("%1 is not valid UTF-8 and names no other CHARSET").arg(QLatin1String(line.name))
-                    : QStringLiteral("%1 is not valid %2").arg(QLatin1String(line.name), QString::fromLatin1(name));
+        error = charset.isEmpty() ? QStringLiteral("%1 is not valid UTF-8 and names no other CHARSET")
+                                        .arg(QLatin1String(line.name))
+                                  : QStringLiteral("%1 is not valid %2")
+                                        .arg(QLatin1String(line.name), QString::fromLatin1(name));
         return std::nullopt;
     }
     return text;
@@ -283,7 +285,8 @@ QString Take(const ContentLine& line, Card& card) {
         contact.numbers.append({LabelOf(line.parameters.value("TYPE")), number});
     } else if (line.name == "EMAIL") {
         if (contact.emails.size() >= LocalPhoneBook::kMaxEmails)
-            return QStringLiteral("more than %1 e-mail addresses; the address book keeps at most %1 per contact")
+            return QStringLiteral(
+                       "more than %1 e-mail addresses; the address book keeps at most %1 per contact")
                 .arg(LocalPhoneBook::kMaxEmails);
         if (!value.trimmed().isEmpty())
             contact.emails.append(value.trimmed());
@@ -339,8 +342,9 @@ ReadResult read(const QByteArray& input) {
             continue;
         }
         if (!card)
-            return fail(QStringLiteral("%1 outside a card (BEGIN:VCARD missing)").arg(QLatin1String(line->name)),
-                        number);
+            return fail(
+                QStringLiteral("%1 outside a card (BEGIN:VCARD missing)").arg(QLatin1String(line->name)),
+                number);
         if (line->name == "END") {
             if (!vcard)
                 return fail(QStringLiteral("END:%1 inside a vCard").arg(QString::fromLatin1(line->value)),
@@ -418,16 +422,16 @@ QByteArray write(const QList<LocalContact>& contacts, Version version) {
         int item = 0;
         for (const LocalContact::Number& entry : contact.numbers) {
             // A tel: URI has no spaces; "-" is its visual separator.
-            const QString number = v4 ? QStringLiteral("tel:") + QString(entry.number).replace(u' ', u'-')
-                                      : entry.number;
+            const QString number =
+                v4 ? QStringLiteral("tel:") + QString(entry.number).replace(u' ', u'-') : entry.number;
             const QString valueType = v4 ? QStringLiteral(";VALUE=uri") : QString();
             const char* type = TypeOfLabel(entry.label);
             if (entry.label.isEmpty()) {
                 AppendFolded(out, QStringLiteral("TEL") + valueType + u':' + number);
             } else if (type) {
                 const QString types = v4 ? QString::fromLatin1(type) : QString::fromLatin1(type).toUpper();
-                AppendFolded(out, QStringLiteral("TEL") + valueType + QStringLiteral(";TYPE=") + types + u':' +
-                                      number);
+                AppendFolded(out, QStringLiteral("TEL") + valueType + QStringLiteral(";TYPE=") + types +
+                                      u':' + number);
             } else {
                 const QString group = QStringLiteral("item%1.").arg(++item);
                 AppendFolded(out, group + QStringLiteral("TEL") + valueType + u':' + number);

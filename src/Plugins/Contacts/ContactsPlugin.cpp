@@ -332,7 +332,8 @@ void ContactsPlugin::fillList() {
                 numbers.append(entry.label.isEmpty() ? entry.number
                                                      : tr("%1 (%2)").arg(entry.number, entry.label));
             addRow(kComputerStore, static_cast<int>(at),
-                   {contact.name, numbers.join(QStringLiteral(", ")), contact.emails.join(QStringLiteral(", ")),
+                   {contact.name, numbers.join(QStringLiteral(", ")),
+                    contact.emails.join(QStringLiteral(", ")),
                     _store->itemText(_store->findData(kComputerStore))});
         }
     }
@@ -341,7 +342,8 @@ void ContactsPlugin::fillList() {
     _view->sortByColumn(_view->header()->sortIndicatorSection(), _view->header()->sortIndicatorOrder());
     for (int row = 0; row < _model->rowCount(); ++row) {
         const QStandardItem* item = _model->item(row);
-        if (item->data(kIndexRole).toInt() == selected.index && item->data(kStoreRole).toInt() == selected.store)
+        if (item->data(kIndexRole).toInt() == selected.index &&
+            item->data(kStoreRole).toInt() == selected.store)
             _view->setCurrentIndex(_model->index(row, 0));
     }
     const int shown = _model->rowCount();
@@ -416,10 +418,11 @@ const BLPbItem* ContactsPlugin::selectedContact() const {
 ContactDialog* ContactsPlugin::openDialog(int store) {
     const BLPbConstraint& limits = _phonebooks->limits();
     const bool computer = store == kComputerStore;
-    auto* dialog = new ContactDialog(
-        _store->itemText(_store->findData(store)),
-        computer ? static_cast<int>(LocalPhoneBook::kMaxNameLength) : ContactsController::maxName(limits, store),
-        computer ? 0 : ContactsController::maxNumber(limits, store), link().homeRegion(), this);
+    auto* dialog = new ContactDialog(_store->itemText(_store->findData(store)),
+                                     computer ? static_cast<int>(LocalPhoneBook::kMaxNameLength)
+                                              : ContactsController::maxName(limits, store),
+                                     computer ? 0 : ContactsController::maxNumber(limits, store),
+                                     link().homeRegion(), this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     return dialog;
 }
@@ -458,7 +461,8 @@ void ContactsPlugin::editContact() {
         // The dialog edits the name and the first number; the other numbers, e-mail and note stay.
         const LocalContact contact = _book.contacts().at(row.index);
         ContactDialog* dialog = openDialog(kComputerStore);
-        dialog->setContact(contact.name, contact.numbers.isEmpty() ? QString() : contact.numbers.first().number);
+        dialog->setContact(contact.name,
+                           contact.numbers.isEmpty() ? QString() : contact.numbers.first().number);
         connect(dialog, &QDialog::accepted, this, [this, dialog, row, contact] {
             LocalContact changed = contact;
             changed.name = dialog->name();
@@ -604,7 +608,8 @@ void ContactsPlugin::exportFile() {
         if (item.nStore == store)
             items.append(item);
     }
-    const QList<LocalContact> contacts = store == kComputerStore ? _book.contacts() : PhonebookCopy::toBook(items);
+    const QList<LocalContact> contacts =
+        store == kComputerStore ? _book.contacts() : PhonebookCopy::toBook(items);
     // The file dialog has asked before replacing a file.
     const QString error = VCardFile::exportTo(contacts, path, VCard::Version::V3, true);
     if (!error.isEmpty()) {
@@ -630,8 +635,8 @@ void ContactsPlugin::copyToSim() {
                                                : 1;
     _copying = PhonebookCopy::toPhonebook({_book.contacts().at(row.index)}, onSim,
                                           ContactsController::maxName(_phonebooks->limits(), kSimStore),
-                                          ContactsController::maxNumber(_phonebooks->limits(), kSimStore), free,
-                                          link().homeRegion());
+                                          ContactsController::maxNumber(_phonebooks->limits(), kSimStore),
+                                          free, link().homeRegion());
     _copyNext = 0;
     notice({});
     copyNext();
@@ -666,13 +671,14 @@ void ContactsPlugin::copyToComputer() {
         return;
     LocalPhoneBook::MergeCount count;
     if (!_book.mergeAll(PhonebookCopy::toBook({*item}), link().homeRegion(), count)) {
-        _error->setText(tr("The computer's address book is full (%1 contacts).").arg(LocalPhoneBook::kMaxContacts));
+        _error->setText(
+            tr("The computer's address book is full (%1 contacts).").arg(LocalPhoneBook::kMaxContacts));
         _error->show();
         return;
     }
     if (!saveBook())
         return;
     notice(count.unchanged > 0 ? tr("%1 is already in the computer's address book.").arg(item->strName)
-           : count.merged > 0  ? tr("%1's number was added to the computer's address book.").arg(item->strName)
-                               : tr("%1 was added to the computer's address book.").arg(item->strName));
+           : count.merged > 0 ? tr("%1's number was added to the computer's address book.").arg(item->strName)
+                              : tr("%1 was added to the computer's address book.").arg(item->strName));
 }
