@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <cctype>
 #include <optional>
 
@@ -209,7 +210,8 @@ QString LabelOf(const QList<QByteArray>& types) {
             return QStringLiteral("mobile");
         if (type == u"fax" || type == u"pager")
             return type;
-        if (type != u"voice" && type != u"pref" && type != u"internet" && type != u"text")
+        const bool printable = std::all_of(type.begin(), type.end(), [](QChar c) { return c.isPrint(); });
+        if (printable && type != u"voice" && type != u"pref" && type != u"internet" && type != u"text")
             kept.append(type);
     }
     return kept.isEmpty() ? QString() : kept.first();
@@ -218,7 +220,7 @@ QString LabelOf(const QList<QByteArray>& types) {
 // Apple's custom labels come as "_$!<Mobile>!$_".
 QString CustomLabel(const QString& label) {
     if (label.startsWith(QStringLiteral("_$!<")) && label.endsWith(QStringLiteral(">!$_")))
-        return label.mid(4, label.size() - 8).toLower();
+        return label.mid(4, label.size() - 8).trimmed().toLower();
     return label;
 }
 
@@ -246,12 +248,15 @@ QString Finish(Card& card) {
     return LocalPhoneBook::overBounds(contact);
 }
 
-QString NumberFromValue(QString value) {
+// The number of a TEL value; a "tel:" URI unless it is declared VALUE=text.
+QString NumberFromValue(QString value, bool uri) {
+    // A number is one line of printable characters.
+    value.removeIf([](QChar c) { return !c.isPrint(); });
     value = value.trimmed();
-    if (value.startsWith(QStringLiteral("tel:"), Qt::CaseInsensitive)) {
+    if (uri && value.startsWith(QStringLiteral("tel:"), Qt::CaseInsensitive)) {
         value = value.mid(4);
         // "tel:+1-555-555-5555;ext=5555": the parameters are not part of what is dialled.
-        value = value.left(value.indexOf(u';'));
+        value = value.left(value.indexOf(u';')).trimmed();
     }
     return value;
 }
@@ -262,9 +267,11 @@ QString Take(const ContentLine& line, Card& card) {
     if (!kept.contains(line.name))
         return {};
     QString error;
-    const std::optional<QString> text = DecodeValue(line, error);
+    std::optional<QString> text = DecodeValue(line, error);
     if (!text)
         return error;
+    // Line breaks are kept as "\n", whatever the file's were ("=0D=0A" in quoted-printable).
+    text->replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
     LocalContact& contact = card.contact;
     if (line.name == "N") {
         card.nameFromN = NameFromN(Unescape(*text, true));
@@ -274,7 +281,9 @@ QString Take(const ContentLine& line, Card& card) {
     if (line.name == "FN") {
         contact.name = value;
     } else if (line.name == "TEL") {
-        const QString number = NumberFromValue(value);
+        const QList<QByteArray> valueType = line.parameters.value("VALUE");
+        const QString number =
+            NumberFromValue(value, valueType.isEmpty() || valueType.first().toUpper() != "TEXT");
         if (number.isEmpty())
             return {};
         if (contact.numbers.size() >= LocalPhoneBook::kMaxNumbers)
@@ -421,10 +430,16 @@ QByteArray write(const QList<LocalContact>& contacts, Version version) {
             AppendFolded(out, QStringLiteral("N:;") + Escaped(contact.name) + QStringLiteral(";;;"));
         int item = 0;
         for (const LocalContact::Number& entry : contact.numbers) {
-            // A tel: URI has no spaces; "-" is its visual separator.
-            const QString number =
-                v4 ? QStringLiteral("tel:") + QString(entry.number).replace(u' ', u'-') : entry.number;
-            const QString valueType = v4 ? QStringLiteral(";VALUE=uri") : QString();
+            // A tel: URI has no spaces ("-" is its visual separator) and no ";" but before its parameters;
+            // a number that cannot be one goes as text.
+            const bool text = entry.number.contains(u';') ||
+                              entry.number.startsWith(QStringLiteral("tel:"), Qt::CaseInsensitive);
+            const QString number = text ? Escaped(entry.number)
+                                   : v4 ? QStringLiteral("tel:") + QString(entry.number).replace(u' ', u'-')
+                                        : entry.number;
+            const QString valueType = text ? QStringLiteral(";VALUE=text")
+                                      : v4 ? QStringLiteral(";VALUE=uri")
+                                           : QString();
             const char* type = TypeOfLabel(entry.label);
             if (entry.label.isEmpty()) {
                 AppendFolded(out, QStringLiteral("TEL") + valueType + u':' + number);
