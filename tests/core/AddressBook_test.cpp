@@ -54,7 +54,7 @@ TEST(VCard, ReadsWhatPhonesAndProgramsWrite) {
 TEST(VCard, WrittenFilesReadBackTheSame) {
     LocalContact anna{"a-1",
                       "Anna, \"die\"; Schmidt\\",
-                      {{"mobile", "+491701234567"}, {"Partner", "+4930123"}, {"", "112"}},
+                      {{"mobile", "+491701234567"}, {"Partner", "+4930123"}, {"", "112"}, {"work", "030 1234;55"}},
                       {"anna@example.org"},
                       "first line\nsecond, with; marks"};
     LocalContact long_{"b-2",
