@@ -54,7 +54,7 @@ bench: build
 
 # Builds the libFuzzer targets in fuzz/ (one per reader of modem, network and file input). Needs clang
 # (Debian's clang package), which make check does not.
-FUZZ_TARGETS := pdu_decode channel at_families stk_codec property_list account_data operator_tables recording
+FUZZ_TARGETS := pdu_decode channel at_families stk_codec property_list account_data operator_tables recording vcard
 fuzz: bootstrap
 	@command -v clang++ >/dev/null || { echo "make fuzz: needs clang++ (apt-get install clang)" >&2; exit 1; }
 	@cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \

@@ -509,6 +509,142 @@ Abhilfe: %2</translation>
         <source>Search contacts</source>
         <translation>Kontakte durchsuchen</translation>
     </message>
+    <message>
+        <source>Computer</source>
+        <translation>Computer</translation>
+    </message>
+    <message>
+        <source>E-mail</source>
+        <translation>E-Mail</translation>
+    </message>
+    <message>
+        <source>Phonebook</source>
+        <translation>Telefonbuch</translation>
+    </message>
+    <message>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importieren…</translation>
+    </message>
+    <message>
+        <source>Read a vCard file into the computer&apos;s address book</source>
+        <translation>Eine vCard-Datei in das Adressbuch des Computers einlesen</translation>
+    </message>
+    <message>
+        <source>E&amp;xport…</source>
+        <translation>E&amp;xportieren…</translation>
+    </message>
+    <message>
+        <source>Write the phonebook shown to a vCard file</source>
+        <translation>Das angezeigte Telefonbuch in eine vCard-Datei schreiben</translation>
+    </message>
+    <message>
+        <source>Copy to &amp;SIM</source>
+        <translation>Auf &amp;SIM kopieren</translation>
+    </message>
+    <message>
+        <source>Copy to &amp;computer</source>
+        <translation>Auf den &amp;Computer kopieren</translation>
+    </message>
+    <message>
+        <source>Copying to the SIM</source>
+        <translation>Das Kopieren auf die SIM</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>No contacts on the computer: add one, or import a vCard file.</source>
+        <translation>Keine Kontakte auf dem Computer: Fügen Sie einen hinzu oder importieren Sie eine vCard-Datei.</translation>
+    </message>
+    <message>
+        <source>Contacts on this computer: %1</source>
+        <translation>Kontakte auf diesem Computer: %1</translation>
+    </message>
+    <message>
+        <source>Delete %1 from the computer&apos;s address book?</source>
+        <translation>%1 aus dem Adressbuch des Computers löschen?</translation>
+    </message>
+    <message>
+        <source>The address book could not be written to %1; it was read again as it is on disk. Check that the folder is writable and the disk not full.</source>
+        <translation>Das Adressbuch konnte nicht nach %1 geschrieben werden; es wurde so neu gelesen, wie es auf der Festplatte steht. Prüfen Sie, ob der Ordner beschreibbar und die Festplatte nicht voll ist.</translation>
+    </message>
+    <message>
+        <source>Import contacts</source>
+        <translation>Kontakte importieren</translation>
+    </message>
+    <message>
+        <source>vCard files (*.vcf *.vcard);;All files (*)</source>
+        <translation>vCard-Dateien (*.vcf *.vcard);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Nothing was imported: %1</source>
+        <translation>Nichts wurde importiert: %1</translation>
+    </message>
+    <message>
+        <source>%1: %2 added, %3 merged, %4 already there, %5 without name or number.</source>
+        <translation>%1: %2 hinzugefügt, %3 zusammengeführt, %4 schon vorhanden, %5 ohne Name oder Nummer.</translation>
+    </message>
+    <message>
+        <source>Export contacts</source>
+        <translation>Kontakte exportieren</translation>
+    </message>
+    <message>
+        <source>contacts.vcf</source>
+        <translation>kontakte.vcf</translation>
+    </message>
+    <message>
+        <source>vCard files (*.vcf *.vcard)</source>
+        <translation>vCard-Dateien (*.vcf *.vcard)</translation>
+    </message>
+    <message>
+        <source>The file was not written: %1</source>
+        <translation>Die Datei wurde nicht geschrieben: %1</translation>
+    </message>
+    <message>
+        <source>Contacts written to %1: %2.</source>
+        <translation>Kontakte nach %1 geschrieben: %2.</translation>
+    </message>
+    <message>
+        <source>%1: copied</source>
+        <translation>%1: kopiert</translation>
+    </message>
+    <message>
+        <source>%1: copied, name cut to fit the SIM</source>
+        <translation>%1: kopiert, Name für die SIM gekürzt</translation>
+    </message>
+    <message>
+        <source>%1: already on the SIM</source>
+        <translation>%1: schon auf der SIM</translation>
+    </message>
+    <message>
+        <source>%1: not copied, not a phone number</source>
+        <translation>%1: nicht kopiert, keine Telefonnummer</translation>
+    </message>
+    <message>
+        <source>%1: not copied, the number is longer than the SIM keeps</source>
+        <translation>%1: nicht kopiert, die Nummer ist länger, als die SIM speichert</translation>
+    </message>
+    <message>
+        <source>%1: not copied, the SIM is full</source>
+        <translation>%1: nicht kopiert, die SIM ist voll</translation>
+    </message>
+    <message>
+        <source>The computer&apos;s address book is full (%1 contacts).</source>
+        <translation>Das Adressbuch des Computers ist voll (%1 Kontakte).</translation>
+    </message>
+    <message>
+        <source>%1 is already in the computer&apos;s address book.</source>
+        <translation>%1 ist schon im Adressbuch des Computers.</translation>
+    </message>
+    <message>
+        <source>%1&apos;s number was added to the computer&apos;s address book.</source>
+        <translation>Die Nummer von %1 wurde dem Adressbuch des Computers hinzugefügt.</translation>
+    </message>
+    <message>
+        <source>%1 was added to the computer&apos;s address book.</source>
+        <translation>%1 wurde dem Adressbuch des Computers hinzugefügt.</translation>
+    </message>
 </context>
 <context>
     <name>ConversationView</name>
@@ -3361,6 +3497,84 @@ Abhilfe: %2</translation>
     <message>
         <source>No message holds &quot;%s&quot;</source>
         <translation>Keine Nachricht enthält „%s“</translation>
+        <source>Imported %s: %s added, %s merged, %s already there, %s refused (no name, number or e-mail)</source>
+        <translation>%s importiert: %s hinzugefügt, %s zusammengeführt, %s schon vorhanden, %s abgelehnt (ohne Name, Nummer oder E-Mail)</translation>
+    </message>
+    <message>
+        <source>Exported %s contacts from %s to %s</source>
+        <translation>%s Kontakte aus %s nach %s exportiert</translation>
+    </message>
+    <message>
+        <source>copied</source>
+        <translation>kopiert</translation>
+    </message>
+    <message>
+        <source>refused: %s takes numbers of up to %s digits</source>
+        <translation>abgelehnt: %s nimmt Nummern mit bis zu %s Ziffern</translation>
+    </message>
+    <message>
+        <source>refused: not a number a phonebook can keep</source>
+        <translation>abgelehnt: keine Nummer, die ein Telefonbuch speichern kann</translation>
+    </message>
+    <message>
+        <source>refused: %s is full</source>
+        <translation>abgelehnt: %s ist voll</translation>
+    </message>
+    <message>
+        <source>copied, name cut from &quot;%s&quot;</source>
+        <translation>kopiert, Name gekürzt aus „%s“</translation>
+    </message>
+    <message>
+        <source>already there</source>
+        <translation>schon vorhanden</translation>
+    </message>
+    <message>
+        <source>Copied %s of %s numbers to %s</source>
+        <translation>%s von %s Nummern nach %s kopiert</translation>
+    </message>
+    <message>
+        <source>dialtone: %s numbers did not fit in %s: delete entries there (dialtone contacts delete %s INDEX) or shorten them, and copy again</source>
+        <translation>dialtone: %s Nummern passten nicht in %s: Löschen Sie dort Einträge (dialtone contacts delete %s INDEX) oder kürzen Sie sie, und kopieren Sie erneut</translation>
+    </message>
+    <message>
+        <source>copying: the address book would hold more than %s contacts</source>
+        <translation>Kopieren: das Adressbuch hätte dann mehr als %s Kontakte</translation>
+    </message>
+    <message>
+        <source>Copied to the computer&apos;s address book: %s added, %s merged, %s already there</source>
+        <translation>In das Adressbuch des Computers kopiert: %s hinzugefügt, %s zusammengeführt, %s schon vorhanden</translation>
+    </message>
+    <message>
+        <source>adding the contact: the address book is full (%s contacts)</source>
+        <translation>Hinzufügen des Kontakts: das Adressbuch ist voll (%s Kontakte)</translation>
+    </message>
+    <message>
+        <source>Added to the computer&apos;s address book at index %s</source>
+        <translation>Dem Adressbuch des Computers an Index %s hinzugefügt</translation>
+    </message>
+    <message>
+        <source>no contact %s in the computer&apos;s address book (dialtone contacts list --store pc shows them)</source>
+        <translation>kein Kontakt %s im Adressbuch des Computers (dialtone contacts list --store pc zeigt sie)</translation>
+    </message>
+    <message>
+        <source>Updated pc %s</source>
+        <translation>pc %s geändert</translation>
+    </message>
+    <message>
+        <source>Deleted pc %s</source>
+        <translation>pc %s gelöscht</translation>
+    </message>
+    <message>
+        <source>the computer&apos;s address book</source>
+        <translation>das Adressbuch des Computers</translation>
+    </message>
+    <message>
+        <source>the SIM</source>
+        <translation>die SIM</translation>
+    </message>
+    <message>
+        <source>the modem&apos;s phonebook</source>
+        <translation>das Telefonbuch des Modems</translation>
     </message>
 </context>
 </TS>

@@ -1,6 +1,7 @@
 #include "ScreenshotRun.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QPixmap>
@@ -75,6 +76,14 @@ void ScreenshotRun::shootAll() {
                 Settle(kSettleMs);
                 ok = save(QStringLiteral("conversation")) && ok;
             }
+        }
+        // The Contacts tab once more, with the computer's address book.
+        if (ModulePlugin* contacts = _window.module(QStringLiteral("contacts"))) {
+            _window.showModule(contacts->moduleName());
+            if (auto* store = contacts->findChild<QComboBox*>(QStringLiteral("store")))
+                store->setCurrentIndex(store->count() - 1);
+            Settle(kSettleMs);
+            ok = save(QStringLiteral("contacts-computer")) && ok;
         }
     }
     _succeeded = ok;

@@ -4,7 +4,9 @@
 #include <cstdio>
 #include <memory>
 
+#include "AddressBookCommand.h"
 #include "CommandLine.h"
+#include "Completion.h"
 #include "Contacts/ContactsController.h"
 #include "ModemSession.h"
 #include "ModemTextCheck.h"
@@ -34,13 +36,7 @@ QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-// The name padded to a column width in characters, not bytes.
-std::string Padded(const QString& name, int width) {
-    return TerminalText(name).append(static_cast<std::size_t>(std::max<qsizetype>(0, width - name.size())),
-                                     ' ');
-}
-
-int List(CliContext& context, ModemSession& session) {
+int List(CliContext& context, ModemSession& session, const std::string& store) {
     ReportProgress(Tool::T("reading the phonebooks"));
     ContactsController phonebooks(session.link());
     const auto [outcome, items] = session.await(
@@ -48,25 +44,20 @@ int List(CliContext& context, ModemSession& session) {
         QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks"));
     if (const int failed = session.check(outcome, QT_TRANSLATE_NOOP("dialtone", "reading the phonebooks")))
         return failed;
-    if (context.json) {
-        nlohmann::json list = nlohmann::json::array();
-        for (const BLPbItem& item : items)
-            list.push_back(ContactDocument(item));
-        PrintJson({{"contacts", list}});
-        return EXIT_OK;
-    }
-    if (items.isEmpty()) {
-        std::printf("%s\n", Tool::T("No contacts").c_str());
-        return EXIT_OK;
-    }
-    const std::string region = SessionRegion(session);
-    std::printf("%s %s  %s %s\n", PadRight(Tool::T("STORE"), 6).c_str(), PadLeft(Tool::T("INDEX"), 5).c_str(),
-                PadRight(Tool::T("NAME"), 30).c_str(), Tool::T("NUMBER").c_str());
+    const std::string region = context.json ? std::string() : SessionRegion(session);
+    nlohmann::json list = nlohmann::json::array();
+    std::vector<ContactRow> rows;
     for (const BLPbItem& item : items) {
-        std::printf("%-6s %5d  %s %s\n", StoreName(item.nStore), item.nIndex,
-                    Padded(item.strName, 30).c_str(),
-                    TerminalText(NumberForReading(item.strNumber, region)).c_str());
+        if (!store.empty() && StoreCode(store) != item.nStore)
+            continue;
+        list.push_back(ContactDocument(item));
+        rows.push_back({StoreName(item.nStore), item.nIndex, item.strName,
+                        TerminalText(NumberForReading(item.strNumber, region))});
     }
+    if (context.json)
+        PrintJson({{"contacts", list}});
+    else
+        PrintContactRows(rows);
     return EXIT_OK;
 }
 
@@ -206,21 +197,29 @@ int Delete(CliContext& context, ModemSession& session, const ContactsArguments& 
 }
 
 void AddStoreOption(CLI::App* command, ContactsArguments& arguments) {
-    command->add_option("STORE", arguments.store, "The phonebook: sim or modem")
+    command->add_option("STORE", arguments.store, "The phonebook: sim, modem or pc")
         ->required()
-        ->check(CLI::IsMember({"sim", "modem"}));
+        ->check(CLI::IsMember({"sim", "modem", "pc"}));
     command->add_option("INDEX", arguments.index, "The entry's index")->required()->check(WholeNumber(1));
 }
 
 } // namespace
 
 void AddContactsCommand(CLI::App& app, CliContext& context) {
-    CLI::App* contacts = app.add_subcommand("contacts", "The SIM's and the modem's phonebooks");
+    CLI::App* contacts = app.add_subcommand(
+        "contacts", "The SIM's and the modem's phonebooks, and the computer's address book");
     contacts->require_subcommand(1);
     auto arguments = std::make_shared<ContactsArguments>();
 
-    contacts->add_subcommand("list", "Every contact of both phonebooks")->callback([&context] {
-        context.exitCode = RunWithSim(context, [&](ModemSession& s) { return List(context, s); });
+    CLI::App* list = contacts->add_subcommand("list", "Every contact of both phonebooks, or of one store");
+    auto listStore = std::make_shared<std::string>();
+    OfferValues(list->add_option("--store", *listStore, "Only this store: sim, modem or pc (the computer's)")
+                    ->check(CLI::IsMember({"sim", "modem", "pc"})),
+                {"sim", "modem", "pc"});
+    list->callback([&context, listStore] {
+        context.exitCode = *listStore == "pc" ? ListBook(context) : RunWithSim(context, [&](ModemSession& s) {
+            return List(context, s, *listStore);
+        });
     });
     contacts->add_subcommand("info", "Use and limits of both phonebooks")->callback([&context] {
         context.exitCode = RunWithSim(context, [&](ModemSession& s) { return Info(context, s); });
@@ -229,9 +228,14 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
     CLI::App* add = contacts->add_subcommand("add", "Add a contact at the first free index");
     add->add_option("NAME", arguments->name, "The name")->required();
     add->add_option("NUMBER", arguments->number, "The number")->required()->check(NumberOrCodeRefusal);
-    add->add_option("--store", arguments->store, "The phonebook: sim (default) or modem")
-        ->check(CLI::IsMember({"sim", "modem"}));
+    OfferValues(add->add_option("--store", arguments->store, "The phonebook: sim (default), modem or pc")
+                    ->check(CLI::IsMember({"sim", "modem", "pc"})),
+                {"sim", "modem", "pc"});
     add->callback([&context, arguments] {
+        if (arguments->store == "pc") {
+            context.exitCode = AddToBook(context, arguments->name, arguments->number);
+            return;
+        }
         context.exitCode = RunWithSim(context, [&](ModemSession& s) { return Add(context, s, *arguments); });
     });
 
@@ -240,6 +244,10 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
     update->add_option("NAME", arguments->name, "The name")->required();
     update->add_option("NUMBER", arguments->number, "The number")->required()->check(NumberOrCodeRefusal);
     update->callback([&context, arguments] {
+        if (arguments->store == "pc") {
+            context.exitCode = UpdateInBook(context, arguments->index, arguments->name, arguments->number);
+            return;
+        }
         context.exitCode =
             RunWithSim(context, [&](ModemSession& s) { return Update(context, s, *arguments); });
     });
@@ -247,7 +255,13 @@ void AddContactsCommand(CLI::App& app, CliContext& context) {
     CLI::App* remove = contacts->add_subcommand("delete", "Delete the contact at an index");
     AddStoreOption(remove, *arguments);
     remove->callback([&context, arguments] {
+        if (arguments->store == "pc") {
+            context.exitCode = DeleteFromBook(context, arguments->index);
+            return;
+        }
         context.exitCode =
             RunWithSim(context, [&](ModemSession& s) { return Delete(context, s, *arguments); });
     });
+
+    AddAddressBookCommands(*contacts, context);
 }

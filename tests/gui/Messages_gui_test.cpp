@@ -9,6 +9,7 @@
 
 #include "Contacts/ContactDialog.h"
 #include "Contacts/ContactsPlugin.h"
+#include "Contacts/LocalPhoneBook.h"
 #include "GuiTestSupport.h"
 #include "Messages/ComposeDialog.h"
 #include "Messages/ConversationView.h"
@@ -315,10 +316,18 @@ TEST(MessageActionsGui, ReplyAndForwardOpenComposeAndCancelSendsNothing) {
 
 // Add, edit and delete from the app reach the SIM, and the list and its count follow; names are cut to the
 // SIM's limit, numbers are read as people type them, and what cannot be stored is said under the field
-// while Save waits. "Send message" on a contact brings the Messages tab forward, addressed to the contact.
+// while Save waits. A search finds the computer's contacts too; they are copied to the SIM one entry per
+// number and back. "Send message" on a contact brings the Messages tab forward, addressed to the contact.
 TEST(ContactsGui, AddEditDeleteAndSendMessage) {
     GuiWorld world;
     ASSERT_TRUE(world.ready());
+    LocalPhoneBook book;
+    book.add({{},
+              "Zora Local",
+              {{"mobile", "+49 30 7777777"}, {"", "+49 171 2222222"}},
+              {"zora@example.org"},
+              {}});
+    ASSERT_TRUE(book.save());
     auto* tab = world.show<ContactsPlugin>("contacts");
     auto* view = Child<QTreeView>(tab, "list");
     auto* usage = Child<QLabel>(tab, "usage");
@@ -419,6 +428,26 @@ TEST(ContactsGui, AddEditDeleteAndSendMessage) {
         EXPECT_EQ(save->isEnabled(), *row.name != '\0' && *row.stored != '\0');
     }
     dialog->close();
+
+    auto* search = Child<QLineEdit>(tab, "search");
+    QTest::keyClicks(search, "zora");
+    EXPECT_EQ(Column(view, 3), QStringList{"Computer"});
+    EXPECT_EQ(Column(view, 2), QStringList{"zora@example.org"});
+    ASSERT_TRUE(ClickRow(view, 0, "Zora Local"));
+    Child<QPushButton>(tab, "copyToSim")->click();
+    ASSERT_TRUE(waitForGui([&] { return !simEntry("Zora Local (2)").isEmpty(); }));
+    EXPECT_EQ(simEntry("Zora (mobile)")["number"].toString(), "+49307777777");
+    auto* notice = Child<QLabel>(tab, "notice");
+    EXPECT_TRUE(waitForGui([&] {
+        return notice->text().contains("Zora (mobile) +49307777777: copied, name cut");
+    })) << notice->text().toStdString();
+    search->clear();
+    QTest::keyClicks(search, "Anna");
+    ASSERT_TRUE(ClickRow(view, 0, "Anna Schmidt"));
+    Child<QPushButton>(tab, "copyToComputer")->click();
+    ASSERT_EQ(book.load(), LocalPhoneBook::LoadResult::Ok);
+    EXPECT_EQ(book.nameForNumber("+491701234567", "DE"), "Anna Schmidt");
+    search->clear();
 
     ASSERT_TRUE(ClickRow(view, 0, "Jürgen"));
     ASSERT_TRUE(send->isEnabled());
