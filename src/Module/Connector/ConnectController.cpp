@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -211,6 +212,10 @@ void ConnectController::actionForButtonConnect() {
 }
 
 void ConnectController::dialByAPNInfo(const APNInfo& profile) {
+    if (_dialGate && !_dialGate()) {
+        refreshConnectButton();
+        return;
+    }
     _buttonEnabled = false;
     sendModuleNotificationConnectStateChange(kAnnounceConnecting);
 
@@ -341,20 +346,29 @@ void ConnectController::handleConnectStatistics(const QVariantMap& response) {
     if (sample.nDurationSeconds == 0) {
         return;
     }
+    // A new link counts from zero again.
+    if (sample.nDurationSeconds < _savedOfSession.nDurationSeconds)
+        _savedOfSession = BLConnectStatistics();
     _latestSample = sample;
-    // The sample's counts are the session's running totals: set, not added.
+    // The sample's counts are the session's running totals: set, not added, less what an earlier day of
+    // the same link holds already.
+    const auto since = [](quint64 now, quint64 saved) { return now > saved ? now - saved : 0; };
+    const quint64 sent = since(sample.nSentBytes, _savedOfSession.nSentBytes);
+    const quint64 received = since(sample.nReceivedBytes, _savedOfSession.nReceivedBytes);
     if (_roaming) {
-        _pendingDay.roamingSendBytes = sample.nSentBytes;
-        _pendingDay.roamingReceiveBytes = sample.nReceivedBytes;
+        _pendingDay.roamingSendBytes = sent;
+        _pendingDay.roamingReceiveBytes = received;
     } else {
-        _pendingDay.noRoamingSendBytes = sample.nSentBytes;
-        _pendingDay.noRoamingReceiveBytes = sample.nReceivedBytes;
+        _pendingDay.noRoamingSendBytes = sent;
+        _pendingDay.noRoamingReceiveBytes = received;
     }
+    _pendingDay.connectTimeSeconds =
+        static_cast<quint32>(since(sample.nDurationSeconds, _savedOfSession.nDurationSeconds));
     const QDateTime now = QDateTime::currentDateTime();
     if (!g_currentDay.isValid()) {
         g_currentDay = now;
     } else if (TrafficStatics::dayTextOfDate(now) != TrafficStatics::dayTextOfDate(g_currentDay)) {
-        saveTrafficStaticsData();
+        saveTraffic(true);
         g_currentDay = now;
     }
 }
@@ -410,14 +424,22 @@ void ConnectController::handleNetworkUpdateNotification(const Notification& noti
 }
 
 void ConnectController::saveTrafficStaticsData() {
+    saveTraffic(false);
+}
+
+void ConnectController::saveTraffic(bool sessionGoesOn) {
     if (_traffic == nullptr) {
         return;
     }
     // The store's totals, not the ones read at start: the user may have reset them since.
     _runningTotals = _traffic->getTotalStatics();
-    _runningTotals.noRoamingSendBytes += _latestSample.nSentBytes;
-    _runningTotals.noRoamingReceiveBytes += _latestSample.nReceivedBytes;
-    _runningTotals.connectTimeSeconds += _latestSample.nDurationSeconds;
+    if (_latestSample.nDurationSeconds >= _savedOfSession.nDurationSeconds) {
+        _runningTotals.noRoamingSendBytes += _latestSample.nSentBytes - std::min(_latestSample.nSentBytes, _savedOfSession.nSentBytes);
+        _runningTotals.noRoamingReceiveBytes +=
+            _latestSample.nReceivedBytes - std::min(_latestSample.nReceivedBytes, _savedOfSession.nReceivedBytes);
+        _runningTotals.connectTimeSeconds += _latestSample.nDurationSeconds - _savedOfSession.nDurationSeconds;
+    }
+    _savedOfSession = sessionGoesOn ? _latestSample : BLConnectStatistics();
     // Added once: a later save (on quit, say) must not count the same session again.
     _latestSample = BLConnectStatistics();
     _traffic->saveStaticsRecord(_runningTotals);
@@ -427,6 +449,7 @@ void ConnectController::saveTrafficStaticsData() {
     _pendingDay.noRoamingReceiveBytes = 0;
     _pendingDay.roamingSendBytes = 0;
     _pendingDay.roamingReceiveBytes = 0;
+    _pendingDay.connectTimeSeconds = 0;
 }
 
 void ConnectController::applicationWillTerminate() {
