@@ -19,7 +19,10 @@ BudgetGuard::BudgetGuard(ModemLink& link, ConnectController& controller, AppConf
     : QObject(parent), _link(link), _controller(controller), _config(config), _budget(config) {
     _controller.setDialGate([this] { return mayDial(); });
     NotificationCenter& center = NotificationCenter::defaultCenter();
-    center.addObserver(NOTIFY_TRAFFIC_STATISTICS, this, [this](const Notification&) { onSample(); });
+    center.addObserver(NOTIFY_TRAFFIC_STATISTICS, this, [this](const Notification& n) {
+        if (n.object == &_controller)
+            onSample();
+    });
     center.addObserver(NETWORK_UPDATE, this, [this](const Notification& n) {
         if (n.userInfo.contains(KEY_ROAMSTATE))
             onRoaming(n.userInfo.value(KEY_ROAMSTATE).toInt() == kRoamingState);

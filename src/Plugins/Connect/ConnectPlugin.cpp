@@ -154,9 +154,10 @@ void ConnectPlugin::createController() {
     NotificationCenter::defaultCenter().addObserver(NOTIFY_TRAFFIC_STATISTICS, this,
                                                     [this](const Notification& n) { showStatistics(n); });
     _guard = std::make_unique<BudgetGuard>(link(), *_controller, context().config);
-    connect(_guard.get(), &BudgetGuard::notice, this, [this](BudgetStep, const QString& text) {
+    connect(_guard.get(), &BudgetGuard::notice, this, [this](BudgetStep step, const QString& text) {
         _message->setText(text);
-        context().notifier.notify(tr("Data budget"), text);
+        const bool roaming = step == BudgetStep::WarnRoaming || step == BudgetStep::HangUpRoaming;
+        context().notifier.notify(roaming ? tr("Roaming") : tr("Data budget"), text);
     });
     connect(_guard.get(), &BudgetGuard::dialRefused, this,
             [this](BudgetStep step, const QString& text) { askOverride(static_cast<int>(step), text); });
