@@ -139,13 +139,7 @@ void StatusBarView::showBudget(bool force) {
         return;
     _budgetRead.start();
     const QString imsi = config->deviceInfo().strImsi;
-    BudgetUse pending;
-    if (_live) {
-        const _TrafficStaticsItem& day = _live->pendingDayItem();
-        pending = {day.noRoamingSendBytes + day.noRoamingReceiveBytes + day.roamingSendBytes +
-                       day.roamingReceiveBytes,
-                   day.connectTimeSeconds};
-    }
+    const BudgetUse pending = _live ? DataBudget::useOfDay(_live->pendingDayItem()) : BudgetUse();
     const BudgetStatus status = BudgetController(*config).status(imsi, QDate::currentDate(), pending);
     _budget->setText(status.settings.hasBudget()
                          ? tr("Budget %1 %, %n day(s) left", nullptr, status.daysLeft).arg(status.percent)

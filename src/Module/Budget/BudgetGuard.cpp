@@ -58,12 +58,6 @@ bool BudgetGuard::linkUp() const {
     return state == ConnectController::kConnecting || state == ConnectController::kConnected;
 }
 
-BudgetUse BudgetGuard::pendingUse() const {
-    const _TrafficStaticsItem& day = _controller.pendingDayItem();
-    return {day.noRoamingSendBytes + day.noRoamingReceiveBytes + day.roamingSendBytes + day.roamingReceiveBytes,
-            day.connectTimeSeconds};
-}
-
 BudgetStatus BudgetGuard::status() {
     const QString sim = imsi();
     if (sim != _notedImsi && BudgetStore::validImsi(sim)) {
@@ -72,7 +66,7 @@ BudgetStatus BudgetGuard::status() {
         _history.reset();
     }
     const QDate today = QDate::currentDate();
-    const BudgetUse pending = pendingUse();
+    const BudgetUse pending = DataBudget::useOfDay(_controller.pendingDayItem());
     const BudgetPeriod period = DataBudget::periodOf(today, _budget.store().load(sim).billingDay);
     // The link's day went into the history: its pending share starts again from zero.
     const quint64 pendingSum = pending.bytes + pending.seconds;

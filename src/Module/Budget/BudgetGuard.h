@@ -59,7 +59,6 @@ private:
     void onRoaming(bool roaming);
     void act(BudgetStep step, const BudgetStatus& status);
     bool linkUp() const;
-    BudgetUse pendingUse() const;
 
     ModemLink& _link;
     ConnectController& _controller;

@@ -58,11 +58,16 @@ BudgetUse DataBudget::useIn(const BudgetPeriod& period, const QList<StatisticsDa
         const QDate day = QDate::fromString(row.strDay, QStringLiteral("yyyy/MM/dd"));
         if (!day.isValid() || day < period.first || day > period.last)
             continue;
-        use.bytes += row.item.noRoamingSendBytes + row.item.noRoamingReceiveBytes + row.item.roamingSendBytes +
-                     row.item.roamingReceiveBytes;
-        use.seconds += row.item.connectTimeSeconds;
+        const BudgetUse ofDay = useOfDay(row.item);
+        use.bytes += ofDay.bytes;
+        use.seconds += ofDay.seconds;
     }
     return use;
+}
+
+BudgetUse DataBudget::useOfDay(const _TrafficStaticsItem& day) {
+    return {day.noRoamingSendBytes + day.noRoamingReceiveBytes + day.roamingSendBytes + day.roamingReceiveBytes,
+            day.connectTimeSeconds};
 }
 
 int DataBudget::percentUsed(const BudgetSettings& settings, const BudgetUse& use) {

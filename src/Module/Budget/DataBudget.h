@@ -53,6 +53,8 @@ public:
     static BudgetPeriod periodOf(const QDate& day, int billingDay);
     // Days from today to the period's end, today included; 0 outside the period.
     static int daysLeft(const BudgetPeriod& period, const QDate& today);
+    // A day's traffic (at home and roaming, both ways) and connected time.
+    static BudgetUse useOfDay(const _TrafficStaticsItem& day);
     // The traffic and connected time of the history's days that fall in the period. A link that spanned
     // the period's start was split at midnight by the history, so each period gets its own part.
     static BudgetUse useIn(const BudgetPeriod& period, const QList<StatisticsDayRow>& rows);

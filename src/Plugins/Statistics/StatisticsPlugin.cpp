@@ -278,10 +278,7 @@ void StatisticsPlugin::refreshBudget(const _TrafficStaticsItem& pending) {
         _budgetText->setText(tr("No SIM seen yet: the budget belongs to a SIM."));
         return;
     }
-    const BudgetUse running{Sum(Sum(pending.noRoamingSendBytes, pending.noRoamingReceiveBytes),
-                                Sum(pending.roamingSendBytes, pending.roamingReceiveBytes)),
-                            pending.connectTimeSeconds};
-    const BudgetStatus status = _budget.status(sim, QDate::currentDate(), running);
+    const BudgetStatus status = _budget.status(sim, QDate::currentDate(), DataBudget::useOfDay(pending));
     _budgetClear->setEnabled(status.settings.hasBudget());
     _budgetBar->setVisible(status.settings.hasBudget());
     if (!status.settings.hasBudget()) {
