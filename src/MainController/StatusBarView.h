@@ -12,7 +12,8 @@ class ConnectController;
 struct Notification;
 
 // The status bar's contents: signal bars, operator, bearer, roaming, and while connected the link's
-// duration and rates, and the share of the SIM's data budget used. Follows the modem link and the connect controller's notifications.
+// duration and rates, and the share of the SIM's data budget used. Follows the modem link and the connect
+// controller's notifications.
 class StatusBarView : public QWidget {
     Q_OBJECT
 public:

@@ -45,9 +45,9 @@ std::string Day(const QDate& date) {
 QString ReadImsi(CliContext& context, ModemSession& session) {
     EquipmentController equipment(session.link());
     BLEquipmentInfo info;
-    if (const int failed = session.check(
-            session.read([&](auto done) { equipment.readEquipment(done); }, info, "reading the SIM's identity"),
-            "reading the SIM's identity")) {
+    if (const int failed = session.check(session.read([&](auto done) { equipment.readEquipment(done); }, info,
+                                                      "reading the SIM's identity"),
+                                         "reading the SIM's identity")) {
         context.exitCode = failed;
         return {};
     }
@@ -70,21 +70,23 @@ void PrintStatus(const BudgetStatus& status) {
             budget += (budget.empty() ? "" : ", ") + Tool::F("%s connected", {DurationText(s.seconds)});
         fields.add(Tool::T("Budget:"), Tool::F("%s per period, from day %s of the month",
                                                {budget, std::to_string(s.billingDay)}));
-        fields.add(Tool::T("Period:"), Tool::F("%s to %s, %s days left", {Day(status.period.first),
-                                                                           Day(status.period.last),
-                                                                           std::to_string(status.daysLeft)}));
-        fields.add(Tool::T("Used:"), Tool::F("%s (%s %)", {status.usageText().toStdString(),
-                                                          std::to_string(status.percent)}));
+        fields.add(Tool::T("Period:"),
+                   Tool::F("%s to %s, %s days left", {Day(status.period.first), Day(status.period.last),
+                                                      std::to_string(status.daysLeft)}));
+        fields.add(Tool::T("Used:"),
+                   Tool::F("%s (%s %)", {status.usageText().toStdString(), std::to_string(status.percent)}));
         fields.add(Tool::T("Warning at:"), std::to_string(s.warnPercent) + " %");
         fields.add(Tool::T("At the limit:"), s.atLimit == BudgetLimitAction::HangUp
                                                  ? Tool::T("hang up and refuse to dial")
                                                  : Tool::T("warn"));
         if (status.overridden)
-            fields.add(Tool::T("Override:"), Tool::F("dialling over the budget until %s", {Day(s.overrideUntil)}));
+            fields.add(Tool::T("Override:"),
+                       Tool::F("dialling over the budget until %s", {Day(s.overrideUntil)}));
     } else {
         fields.add(Tool::T("Budget:"), Tool::T("none (\"dialtone budget set 2GB --day 1\" sets one)"));
     }
-    fields.add(Tool::T("Roaming guard:"), s.roaming == RoamingGuard::HangUp ? Tool::T("hang up and refuse to dial")
+    fields.add(Tool::T("Roaming guard:"), s.roaming == RoamingGuard::HangUp
+                                              ? Tool::T("hang up and refuse to dial")
                                           : s.roaming == RoamingGuard::Warn ? Tool::T("warn")
                                                                             : Tool::T("off"));
     fields.print();
@@ -176,8 +178,9 @@ void AddBudgetCommand(CLI::App& app, CliContext& context) {
 
     CLI::App* set = budget->add_subcommand("set", "Set the budget of this SIM per billing period");
     set->add_option("SIZE", arguments->size, "Bytes per period, for example 2GB, 500MB, 1.5GiB");
-    set->add_option("--day", arguments->day, "The billing day the period starts on (1-31; 31 means the "
-                                             "month's last day in shorter months)")
+    set->add_option("--day", arguments->day,
+                    "The billing day the period starts on (1-31; 31 means the "
+                    "month's last day in shorter months)")
         ->check(CLI::Range(1, DataBudget::kMaxBillingDay));
     set->add_option("--time", arguments->time, "Connected time per period, for example 10h, 90m, 2d12h");
     set->add_option("--warn", arguments->warn, "Warn when this share is used (percent, default 80)")

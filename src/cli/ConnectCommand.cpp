@@ -239,12 +239,13 @@ void WatchGuard(CliContext& context, ConnectorRun& run, const ConnectOptions& op
         std::fprintf(stderr, "dialtone: %s\n", Tool::T("the override could not be stored").c_str());
     if (options.allowRoaming)
         guard.allowRoamingThisSession();
-    QObject::connect(&guard, &BudgetGuard::dialRefused, [&context, &run](BudgetStep step, const QString& why) {
-        const std::string way = step == BudgetStep::HangUpRoaming
-                                    ? Tool::T("\"dialtone connect --allow-roaming\" dials anyway")
-                                    : Tool::T("\"dialtone connect --over-budget\" dials anyway");
-        run.finish(ReportFailure(context, WORKER_ERR_GENERAL, why.toStdString() + " " + way));
-    });
+    QObject::connect(
+        &guard, &BudgetGuard::dialRefused, [&context, &run](BudgetStep step, const QString& why) {
+            const std::string way = step == BudgetStep::HangUpRoaming
+                                        ? Tool::T("\"dialtone connect --allow-roaming\" dials anyway")
+                                        : Tool::T("\"dialtone connect --over-budget\" dials anyway");
+            run.finish(ReportFailure(context, WORKER_ERR_GENERAL, why.toStdString() + " " + way));
+        });
     QObject::connect(&guard, &BudgetGuard::notice, [&hungUp](BudgetStep step, const QString& text) {
         if (step == BudgetStep::HangUpBudget || step == BudgetStep::HangUpRoaming)
             hungUp = text.toStdString();

@@ -13,9 +13,9 @@
 #include <string>
 
 #include "AppConfig.h"
+#include "ApplicationShell.h"
 #include "Budget/BudgetController.h"
 #include "BudgetCommand.h"
-#include "ApplicationShell.h"
 #include "ConvertUtilty.h"
 #include "Statistics/StatisticsController.h"
 #include "ToolText.h"
@@ -152,10 +152,11 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
                                    DurationText(since.connectTimeSeconds)})
                               .c_str());
     if (budget)
-        std::printf("%s\n", Tool::F("Budget from %s to %s: %s",
-                                    {budget->period.first.toString(Qt::ISODate).toStdString(),
-                                     budget->period.last.toString(Qt::ISODate).toStdString(), BudgetLine(*budget)})
-                                .c_str());
+        std::printf("%s\n",
+                    Tool::F("Budget from %s to %s: %s",
+                            {budget->period.first.toString(Qt::ISODate).toStdString(),
+                             budget->period.last.toString(Qt::ISODate).toStdString(), BudgetLine(*budget)})
+                        .c_str());
     return EXIT_OK;
 }
 

@@ -87,7 +87,8 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     EXPECT_TRUE(waitForGui([&] {
         return LabelText(stats, "periodReceived") == LocaleFormat::dataSize(received) &&
                Child<QProgressBar>(stats, "budgetBar")->value() == 46;
-    })) << LabelText(stats, "periodReceived").toStdString() << " " << LabelText(stats, "budgetText").toStdString();
+    })) << LabelText(stats, "periodReceived").toStdString()
+        << " " << LabelText(stats, "budgetText").toStdString();
 
     world.show<ConnectPlugin>("connect");
     button->click();

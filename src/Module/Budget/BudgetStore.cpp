@@ -56,7 +56,7 @@ BudgetSettings BudgetStore::fromDictionary(const QVariantMap& d) {
     s.billingDay = static_cast<int>(Bounded(d.value(kBillingDay), 1, DataBudget::kMaxBillingDay, 1));
     s.warnPercent = static_cast<int>(Bounded(d.value(kWarnPercent), 1, 100, 80));
     s.atLimit = d.value(kAtLimit).toString() == QStringLiteral("hangup") ? BudgetLimitAction::HangUp
-                                                                          : BudgetLimitAction::Warn;
+                                                                         : BudgetLimitAction::Warn;
     const QString roaming = d.value(kRoaming).toString();
     s.roaming = roaming == QStringLiteral("hangup") ? RoamingGuard::HangUp
                 : roaming == QStringLiteral("warn") ? RoamingGuard::Warn

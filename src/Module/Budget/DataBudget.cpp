@@ -66,7 +66,8 @@ BudgetUse DataBudget::useIn(const BudgetPeriod& period, const QList<StatisticsDa
 }
 
 BudgetUse DataBudget::useOfDay(const _TrafficStaticsItem& day) {
-    return {day.noRoamingSendBytes + day.noRoamingReceiveBytes + day.roamingSendBytes + day.roamingReceiveBytes,
+    return {day.noRoamingSendBytes + day.noRoamingReceiveBytes + day.roamingSendBytes +
+                day.roamingReceiveBytes,
             day.connectTimeSeconds};
 }
 

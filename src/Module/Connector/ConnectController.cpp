@@ -10,7 +10,6 @@
 
 #include <QCoreApplication>
 
-#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -21,6 +20,11 @@ namespace {
 int g_serviceRetryCount = 0;
 int g_lastAnnouncedState = -1;
 QDateTime g_currentDay;
+
+// A running count less what of it was saved already.
+quint64 Since(quint64 now, quint64 saved) {
+    return now > saved ? now - saved : 0;
+}
 
 } // namespace
 
@@ -352,9 +356,8 @@ void ConnectController::handleConnectStatistics(const QVariantMap& response) {
     _latestSample = sample;
     // The sample's counts are the session's running totals: set, not added, less what an earlier day of
     // the same link holds already.
-    const auto since = [](quint64 now, quint64 saved) { return now > saved ? now - saved : 0; };
-    const quint64 sent = since(sample.nSentBytes, _savedOfSession.nSentBytes);
-    const quint64 received = since(sample.nReceivedBytes, _savedOfSession.nReceivedBytes);
+    const quint64 sent = Since(sample.nSentBytes, _savedOfSession.nSentBytes);
+    const quint64 received = Since(sample.nReceivedBytes, _savedOfSession.nReceivedBytes);
     if (_roaming) {
         _pendingDay.roamingSendBytes = sent;
         _pendingDay.roamingReceiveBytes = received;
@@ -363,7 +366,7 @@ void ConnectController::handleConnectStatistics(const QVariantMap& response) {
         _pendingDay.noRoamingReceiveBytes = received;
     }
     _pendingDay.connectTimeSeconds =
-        static_cast<quint32>(since(sample.nDurationSeconds, _savedOfSession.nDurationSeconds));
+        static_cast<quint32>(Since(sample.nDurationSeconds, _savedOfSession.nDurationSeconds));
     const QDateTime now = QDateTime::currentDateTime();
     if (!g_currentDay.isValid()) {
         g_currentDay = now;
@@ -433,12 +436,11 @@ void ConnectController::saveTraffic(bool sessionGoesOn) {
     }
     // The store's totals, not the ones read at start: the user may have reset them since.
     _runningTotals = _traffic->getTotalStatics();
-    if (_latestSample.nDurationSeconds >= _savedOfSession.nDurationSeconds) {
-        _runningTotals.noRoamingSendBytes += _latestSample.nSentBytes - std::min(_latestSample.nSentBytes, _savedOfSession.nSentBytes);
-        _runningTotals.noRoamingReceiveBytes +=
-            _latestSample.nReceivedBytes - std::min(_latestSample.nReceivedBytes, _savedOfSession.nReceivedBytes);
-        _runningTotals.connectTimeSeconds += _latestSample.nDurationSeconds - _savedOfSession.nDurationSeconds;
-    }
+    _runningTotals.noRoamingSendBytes += Since(_latestSample.nSentBytes, _savedOfSession.nSentBytes);
+    _runningTotals.noRoamingReceiveBytes +=
+        Since(_latestSample.nReceivedBytes, _savedOfSession.nReceivedBytes);
+    _runningTotals.connectTimeSeconds +=
+        static_cast<quint32>(Since(_latestSample.nDurationSeconds, _savedOfSession.nDurationSeconds));
     _savedOfSession = sessionGoesOn ? _latestSample : BLConnectStatistics();
     // Added once: a later save (on quit, say) must not count the same session again.
     _latestSample = BLConnectStatistics();

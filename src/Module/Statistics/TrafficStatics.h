@@ -71,8 +71,8 @@ public:
 
     // The day file's content, read afresh (created first when missing or unreadable).
     QVariantMap getDateTrafficsDictionary();
-    // Adds the item's four byte counts and its connected time to the date's day entry and writes the day file, under the file's
-    // lock so that two processes counting at once both count.
+    // Adds the item's four byte counts and its connected time to the date's day entry and writes the day
+    // file, under the file's lock so that two processes counting at once both count.
     bool updateDateStatisticsWithItem(const _TrafficStaticsItem& item, const QDateTime& forDate);
     // The days from..to that have entries, ascending, each as a one-key dictionary {day key: entry}.
     QVariantList arrayDateStatisticsFromDate(const QDateTime& from, const QDateTime& toDate);

@@ -11,8 +11,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "CNSLabels.h"
 #include "Budget/BudgetGuard.h"
+#include "CNSLabels.h"
 #include "Connector/ConnectController.h"
 #include "DebugSink.h"
 #include "DesktopNotifier.h"

@@ -14,8 +14,8 @@ BudgetDialog::BudgetDialog(const BudgetSettings& settings, QWidget* parent)
     : QDialog(parent), _settings(settings) {
     setWindowTitle(tr("Data budget of this SIM"));
     auto* form = new QFormLayout(this);
-    _size = new QLineEdit(settings.bytes > 0 ? LocaleFormat::dataSize(settings.bytes, QLocale::c()) : QString(),
-                          this);
+    _size = new QLineEdit(
+        settings.bytes > 0 ? LocaleFormat::dataSize(settings.bytes, QLocale::c()) : QString(), this);
     _size->setObjectName(QStringLiteral("budgetSize"));
     _size->setPlaceholderText(tr("for example 2 GB or 500 MB"));
     _day = new QSpinBox(this);

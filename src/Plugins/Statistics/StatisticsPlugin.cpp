@@ -287,8 +287,9 @@ void StatisticsPlugin::refreshBudget(const _TrafficStaticsItem& pending) {
     }
     _budgetBar->setValue(std::min(status.percent, 100));
     _budgetBar->setFormat(tr("%1 %").arg(status.percent));
-    _budgetText->setText(tr("%1; %n day(s) left until %2", nullptr, status.daysLeft)
-                             .arg(status.usageText(), QLocale().toString(status.renewal(), QLocale::ShortFormat)));
+    _budgetText->setText(
+        tr("%1; %n day(s) left until %2", nullptr, status.daysLeft)
+            .arg(status.usageText(), QLocale().toString(status.renewal(), QLocale::ShortFormat)));
 }
 
 void StatisticsPlugin::editBudget() {
