@@ -485,3 +485,7 @@ void ConnectController::resetProcessState() {
     g_lastAnnouncedState = -1;
     g_currentDay = QDateTime();
 }
+
+void ConnectController::setCurrentDay(const QDateTime& day) {
+    g_currentDay = day;
+}

@@ -136,6 +136,8 @@ public:
     static int serviceRetryCount();
     static int lastAnnouncedState();
     static void resetProcessState();
+    // The day the pending traffic belongs to (tests: a link that ran past midnight).
+    static void setCurrentDay(const QDateTime& day);
 
 signals:
     void viewStateChanged();
