@@ -113,6 +113,118 @@
     </message>
 </context>
 <context>
+    <name>BudgetDialog</name>
+    <message>
+        <source>Data budget of this SIM</source>
+        <translation>Datenbudget dieser SIM</translation>
+    </message>
+    <message>
+        <source>for example 2 GB or 500 MB</source>
+        <translation>zum Beispiel 2 GB oder 500 MB</translation>
+    </message>
+    <message>
+        <source>The day of the month the period starts on; in shorter months a later day means the month&apos;s last day</source>
+        <translation>Der Tag des Monats, an dem der Zeitraum beginnt; in kürzeren Monaten steht ein späterer Tag für den letzten Tag des Monats</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keins</translation>
+    </message>
+    <message>
+        <source> h</source>
+        <translation> h</translation>
+    </message>
+    <message>
+        <source> %</source>
+        <translation> %</translation>
+    </message>
+    <message>
+        <source>Hang up at 100 % and do not dial until the next period</source>
+        <translation>Bei 100 % auflegen und bis zum nächsten Zeitraum nicht wählen</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Aus</translation>
+    </message>
+    <message>
+        <source>Warn</source>
+        <translation>Warnen</translation>
+    </message>
+    <message>
+        <source>Hang up and do not dial while roaming</source>
+        <translation>Auflegen und beim Roaming nicht wählen</translation>
+    </message>
+    <message>
+        <source>Data per period:</source>
+        <translation>Daten pro Zeitraum:</translation>
+    </message>
+    <message>
+        <source>Billing day:</source>
+        <translation>Abrechnungstag:</translation>
+    </message>
+    <message>
+        <source>Connected time per period:</source>
+        <translation>Verbindungszeit pro Zeitraum:</translation>
+    </message>
+    <message>
+        <source>Warn at:</source>
+        <translation>Warnen bei:</translation>
+    </message>
+    <message>
+        <source>When roaming starts:</source>
+        <translation>Wenn Roaming beginnt:</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a size: write for example 2 GB or 500 MB.</source>
+        <translation>„%1“ ist keine Größe: Schreiben Sie zum Beispiel 2 GB oder 500 MB.</translation>
+    </message>
+    <message>
+        <source>Give a size, a connected time or a roaming guard.</source>
+        <translation>Geben Sie eine Größe, eine Verbindungszeit oder einen Roaming-Schutz an.</translation>
+    </message>
+</context>
+<context>
+    <name>BudgetGuard</name>
+    <message>
+        <source>The modem is roaming and the roaming guard does not dial while roaming.</source>
+        <translation>Das Modem ist im Roaming, und der Roaming-Schutz wählt beim Roaming nicht.</translation>
+    </message>
+    <message>
+        <source>The data budget of this SIM is used up (%1) until %2.</source>
+        <translation>Das Datenbudget dieser SIM ist bis %2 aufgebraucht (%1).</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1 % of the data budget of this SIM is used (%2); %n day(s) left in the period.</source>
+        <translation>
+            <numerusform>%1 % des Datenbudgets dieser SIM sind verbraucht (%2); noch %n Tag im Zeitraum.</numerusform>
+            <numerusform>%1 % des Datenbudgets dieser SIM sind verbraucht (%2); noch %n Tage im Zeitraum.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The data budget of this SIM is used up (%1) until %2: the link was ended.</source>
+        <translation>Das Datenbudget dieser SIM ist bis %2 aufgebraucht (%1): Die Verbindung wurde beendet.</translation>
+    </message>
+    <message>
+        <source>The modem is roaming now: data may cost more on this network.</source>
+        <translation>Das Modem ist jetzt im Roaming: Daten können in diesem Netz mehr kosten.</translation>
+    </message>
+    <message>
+        <source>The modem is roaming: the roaming guard ended the link.</source>
+        <translation>Das Modem ist im Roaming: Der Roaming-Schutz hat die Verbindung beendet.</translation>
+    </message>
+</context>
+<context>
+    <name>BudgetStatus</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>%1 of %2 connected</source>
+        <translation>%1 von %2 verbunden</translation>
+    </message>
+</context>
+<context>
     <name>CNSSignalBars</name>
     <message>
         <source>Signal strength</source>
@@ -328,6 +440,34 @@ Abhilfe: %2</translation>
     <message>
         <source>Connect</source>
         <translation>Verbinden</translation>
+    </message>
+    <message>
+        <source>Roaming</source>
+        <translation>Roaming</translation>
+    </message>
+    <message>
+        <source>Data budget</source>
+        <translation>Datenbudget</translation>
+    </message>
+    <message>
+        <source>Data budget used up</source>
+        <translation>Datenbudget aufgebraucht</translation>
+    </message>
+    <message>
+        <source>Connect anyway for as long as the app runs?</source>
+        <translation>Trotzdem verbinden, solange die Anwendung läuft?</translation>
+    </message>
+    <message>
+        <source>Connect anyway until the budget&apos;s period ends?</source>
+        <translation>Bis zum Ende des Budgetzeitraums trotzdem verbinden?</translation>
+    </message>
+    <message>
+        <source>Connect anyway</source>
+        <translation>Trotzdem verbinden</translation>
+    </message>
+    <message>
+        <source>The choice could not be stored: check that your data folder is writable.</source>
+        <translation>Die Wahl konnte nicht gespeichert werden: Prüfen Sie, ob Ihr Datenordner beschreibbar ist.</translation>
     </message>
 </context>
 <context>
@@ -2215,6 +2355,45 @@ Abhilfe: %2</translation>
         <source>Statistics</source>
         <translation>Statistik</translation>
     </message>
+    <message>
+        <source>Data budget</source>
+        <translation>Datenbudget</translation>
+    </message>
+    <message>
+        <source>Set…</source>
+        <translation>Festlegen…</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>No SIM seen yet: the budget belongs to a SIM.</source>
+        <translation>Noch keine SIM gesehen: Das Budget gehört zu einer SIM.</translation>
+    </message>
+    <message>
+        <source>No budget for this SIM.</source>
+        <translation>Kein Budget für diese SIM.</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message numerus="yes">
+        <source>%1; %n day(s) left until %2</source>
+        <translation>
+            <numerusform>%1; noch %n Tag bis %2</numerusform>
+            <numerusform>%1; noch %n Tage bis %2</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The budget could not be stored: check that your data folder is writable, then try again.</source>
+        <translation>Das Budget konnte nicht gespeichert werden: Prüfen Sie, ob Ihr Datenordner beschreibbar ist, und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>The budget could not be cleared: check that your data folder is writable, then try again.</source>
+        <translation>Das Budget konnte nicht entfernt werden: Prüfen Sie, ob Ihr Datenordner beschreibbar ist, und versuchen Sie es erneut.</translation>
+    </message>
 </context>
 <context>
     <name>StatusBarView</name>
@@ -2261,6 +2440,17 @@ Abhilfe: %2</translation>
     <message>
         <source>%1   ↑ %2   ↓ %3</source>
         <translation>%1   ↑ %2   ↓ %3</translation>
+    </message>
+    <message>
+        <source>Share of this SIM&apos;s data budget used in its period</source>
+        <translation>Verbrauchter Anteil am Datenbudget dieser SIM im laufenden Zeitraum</translation>
+    </message>
+    <message numerus="yes">
+        <source>Budget %1 %, %n day(s) left</source>
+        <translation>
+            <numerusform>Budget %1 %, noch %n Tag</numerusform>
+            <numerusform>Budget %1 %, noch %n Tage</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -3575,6 +3765,88 @@ Abhilfe: %2</translation>
     <message>
         <source>the modem&apos;s phonebook</source>
         <translation>das Telefonbuch des Modems</translation>
+        <source>SIM (IMSI):</source>
+        <translation>SIM (IMSI):</translation>
+    </message>
+    <message>
+        <source>%s connected</source>
+        <translation>%s verbunden</translation>
+    </message>
+    <message>
+        <source>Budget:</source>
+        <translation>Budget:</translation>
+    </message>
+    <message>
+        <source>%s per period, from day %s of the month</source>
+        <translation>%s pro Zeitraum, ab dem %s. Tag des Monats</translation>
+    </message>
+    <message>
+        <source>Period:</source>
+        <translation>Zeitraum:</translation>
+    </message>
+    <message>
+        <source>%s to %s, %s days left</source>
+        <translation>%s bis %s, noch %s Tage</translation>
+    </message>
+    <message>
+        <source>Used:</source>
+        <translation>Verbraucht:</translation>
+    </message>
+    <message>
+        <source>%s (%s %)</source>
+        <translation>%s (%s %)</translation>
+    </message>
+    <message>
+        <source>Warning at:</source>
+        <translation>Warnung bei:</translation>
+    </message>
+    <message>
+        <source>At the limit:</source>
+        <translation>An der Grenze:</translation>
+    </message>
+    <message>
+        <source>hang up and refuse to dial</source>
+        <translation>auflegen und nicht wählen</translation>
+    </message>
+    <message>
+        <source>warn</source>
+        <translation>warnen</translation>
+    </message>
+    <message>
+        <source>Override:</source>
+        <translation>Ausnahme:</translation>
+    </message>
+    <message>
+        <source>dialling over the budget until %s</source>
+        <translation>Wählen über das Budget hinaus bis %s</translation>
+    </message>
+    <message>
+        <source>none (&quot;dialtone budget set 2GB --day 1&quot; sets one)</source>
+        <translation>keins („dialtone budget set 2GB --day 1“ legt eins fest)</translation>
+    </message>
+    <message>
+        <source>Roaming guard:</source>
+        <translation>Roaming-Schutz:</translation>
+    </message>
+    <message>
+        <source>%s (%s %), %s days left until %s</source>
+        <translation>%s (%s %), noch %s Tage bis %s</translation>
+    </message>
+    <message>
+        <source>the override could not be stored</source>
+        <translation>die Ausnahme konnte nicht gespeichert werden</translation>
+    </message>
+    <message>
+        <source>&quot;dialtone connect --allow-roaming&quot; dials anyway</source>
+        <translation>„dialtone connect --allow-roaming“ wählt trotzdem</translation>
+    </message>
+    <message>
+        <source>&quot;dialtone connect --over-budget&quot; dials anyway</source>
+        <translation>„dialtone connect --over-budget“ wählt trotzdem</translation>
+    </message>
+    <message>
+        <source>Budget from %s to %s: %s</source>
+        <translation>Budget von %s bis %s: %s</translation>
     </message>
 </context>
 </TS>

@@ -1,7 +1,10 @@
 #include "StatusBarView.h"
 
 #include <QHBoxLayout>
+#include <QTimer>
 
+#include "AppConfig.h"
+#include "Budget/BudgetController.h"
 #include "CNSSignalBars.h"
 #include "Connector/ConnectController.h"
 #include "LocaleFormat.h"
@@ -30,12 +33,15 @@ StatusBarView::StatusBarView(ModemLink& link, QWidget* parent) : QWidget(parent)
     _bearer = Field(this, tr("Bearer"));
     _roaming = Field(this, tr("Registration"));
     _connection = Field(this, tr("Connection time and rates"));
+    _budget = Field(this, tr("Share of this SIM's data budget used in its period"));
+    _budget->setObjectName(QStringLiteral("budgetIndicator"));
     layout->addWidget(_bars);
     layout->addWidget(_operator);
     layout->addWidget(_bearer);
     layout->addWidget(_roaming);
     layout->addStretch(1);
     layout->addWidget(_connection);
+    layout->addWidget(_budget);
 
     connect(&_link, &ModemLink::stateChanged, this, &StatusBarView::showModemState);
     connect(&_link, &ModemLink::networkChanged, this, &StatusBarView::showNetwork);
@@ -73,6 +79,7 @@ void StatusBarView::showModemState(ModemLink::State state) {
 }
 
 void StatusBarView::showNetwork(const BLNetworkInfo& network) {
+    showBudget(false);
     _bars->setLevel(network.nRssi);
     _abroad = network.nRoamState == 1;
     const QString name = QString::fromStdString(OperatorText(network.strOperator, network.strSpName));
@@ -92,6 +99,9 @@ void StatusBarView::onConnectState(const Notification& notification) {
     const int announced = notification.userInfo.value(KEY_VALUE_OBJECT).toInt();
     _connected = announced == ConnectController::kAnnounceConnected;
     _connecting = announced == ConnectController::kAnnounceConnecting;
+    // A link that ended has just written its traffic into the history.
+    if (announced == ConnectController::kAnnounceDisconnected)
+        QTimer::singleShot(0, this, [this] { showBudget(true); });
     switch (announced) {
     case ConnectController::kAnnounceConnecting:
         _connection->setText(tr("Connecting…"));
@@ -111,10 +121,28 @@ void StatusBarView::onConnectState(const Notification& notification) {
 void StatusBarView::onStatistics(const Notification& notification) {
     if (!_connected)
         return;
+    if (auto* controller = qobject_cast<ConnectController*>(notification.object))
+        _live = controller;
+    showBudget(false);
     const auto sample =
         notification.userInfo.value(KEY_FOR_NOTIFY_TRAFFIC_STATISTICS).value<BLConnectStatistics>();
     _connection->setText(tr("%1   ↑ %2   ↓ %3")
                              .arg(LocaleFormat::duration(sample.nDurationSeconds),
                                   LocaleFormat::rate(sample.nSentBPS),
                                   LocaleFormat::rate(sample.nReceivedBPS)));
+}
+
+void StatusBarView::showBudget(bool force) {
+    constexpr qint64 kBudgetReadMs = 10000;
+    AppConfig* config = _link.config();
+    if (config == nullptr || (!force && _budgetRead.isValid() && _budgetRead.elapsed() < kBudgetReadMs))
+        return;
+    _budgetRead.start();
+    const QString imsi = config->deviceInfo().strImsi;
+    const BudgetUse pending = _live ? DataBudget::useOfDay(_live->pendingDayItem()) : BudgetUse();
+    const BudgetStatus status = BudgetController(*config).status(imsi, QDate::currentDate(), pending);
+    _budget->setText(status.settings.hasBudget()
+                         ? tr("Budget %1 %, %n day(s) left", nullptr, status.daysLeft).arg(status.percent)
+                         : QString());
+    _budget->setToolTip(status.usageText());
 }

@@ -11,6 +11,7 @@
 
 #include "AppConfig.h"
 #include "BLRecords.h"
+#include "Budget/BudgetGuard.h"
 #include "Connector/ConnectController.h"
 #include "Connector/ProfileSettingsController.h"
 #include "ConvertUtilty.h"
@@ -40,9 +41,14 @@ void OnInterrupt(int) {
 // passes (0: none) or the user interrupts; onTick runs every 100 ms for both.
 class ConnectorRun {
 public:
-    ConnectorRun(CliContext& context, ModemSession& session, AppConfig& config)
+    // With guarded (a connect), the budget and roaming guard watches the dial and the link.
+    ConnectorRun(CliContext& context, ModemSession& session, AppConfig& config, bool guarded)
         : _context(context), _session(session), _config(config), _traffic(config), _settings(config),
           _controller(session.link(), &config, &_traffic) {
+        if (guarded) {
+            _guard = std::make_unique<BudgetGuard>(session.link(), _controller, config);
+            _guard->setPollsNetwork(true);
+        }
         // The service tool's command line is progress, never part of the output.
         _controller.setEchoSink([](const QString& line) { ReportProgress(line.toStdString()); });
         QObject::connect(&_controller, &ConnectController::serviceCreationFailed, [this] {
@@ -118,6 +124,7 @@ public:
 
     ConnectController& controller() { return _controller; }
     ProfileSettingsController& settings() { return _settings; }
+    BudgetGuard* guard() { return _guard.get(); }
 
 private:
     std::string serviceFailure() const {
@@ -137,6 +144,7 @@ private:
     TrafficStatics _traffic;
     ProfileSettingsController _settings;
     ConnectController _controller;
+    std::unique_ptr<BudgetGuard> _guard;
     QEventLoop* _loop = nullptr;
     std::chrono::steady_clock::time_point _deadline;
     std::function<void()> _onLate;
@@ -206,17 +214,49 @@ int FindProfile(const QList<APNInfo>& offered, const std::string& wanted) {
 // Runs the command with the connector of this session; with learnSim, the SIM's profiles and the roaming
 // state are known first.
 int WithConnector(CliContext& context, ModemSession& session, bool learnSim,
-                  const std::function<int(ConnectorRun&)>& command) {
+                  const std::function<int(ConnectorRun&)>& command, bool guarded = false) {
     AppConfig* config = SessionConfig(context);
     if (!config)
         return context.exitCode;
-    ConnectorRun run(context, session, *config);
+    ConnectorRun run(context, session, *config, guarded);
     if (learnSim && !run.learnSim())
         return context.exitCode;
     return command(run);
 }
 
-int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, bool hold) {
+struct ConnectOptions {
+    std::string profile;
+    bool hold = false;
+    bool overBudget = false;
+    bool allowRoaming = false;
+};
+
+// The guard's refusals end the command with their way out; its warnings go to standard error; a link it
+// ended ends the command with its reason.
+void WatchGuard(CliContext& context, ConnectorRun& run, const ConnectOptions& options, std::string& hungUp) {
+    BudgetGuard& guard = *run.guard();
+    if (options.overBudget && !guard.allowOverBudget())
+        std::fprintf(stderr, "dialtone: %s\n", Tool::T("the override could not be stored").c_str());
+    if (options.allowRoaming)
+        guard.allowRoamingThisSession();
+    QObject::connect(
+        &guard, &BudgetGuard::dialRefused, [&context, &run](BudgetStep step, const QString& why) {
+            const std::string way = step == BudgetStep::HangUpRoaming
+                                        ? Tool::T("\"dialtone connect --allow-roaming\" dials anyway")
+                                        : Tool::T("\"dialtone connect --over-budget\" dials anyway");
+            run.finish(ReportFailure(context, WORKER_ERR_GENERAL, why.toStdString() + " " + way));
+        });
+    QObject::connect(&guard, &BudgetGuard::notice, [&hungUp](BudgetStep step, const QString& text) {
+        if (step == BudgetStep::HangUpBudget || step == BudgetStep::HangUpRoaming)
+            hungUp = text.toStdString();
+        else
+            std::fprintf(stderr, "dialtone: %s\n", text.toLocal8Bit().constData());
+    });
+}
+
+int Connect(CliContext& context, ConnectorRun& run, const ConnectOptions& options) {
+    const std::string& wanted = options.profile;
+    const bool hold = options.hold;
     // Before anything is set up: pppd would only fail later, with nothing a user can act on.
     const auto findings = DialupReadiness::check(DialupReadiness::Facts::fromSystem());
     if (const DialupReadiness::Finding* blocker = DialupReadiness::dialBlocker(findings))
@@ -224,6 +264,8 @@ int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, b
                              "cannot dial: " + blocker->text + " (fix: " + blocker->fix + ")");
     ConnectController& controller = run.controller();
     bool dialled = false;
+    std::string hungUpByGuard;
+    WatchGuard(context, run, options, hungUpByGuard);
 
     QObject::connect(&controller, &ConnectController::warningRequested, [&] {
         run.finish(
@@ -249,6 +291,8 @@ int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, b
         }
         dialled = true;
         controller.actionForButtonConnect();
+        if (controller.connectState() != ConnectController::kConnecting)
+            dialled = false; // the guard refused it
     });
     OnAnnouncedState(&controller, [&](int state) {
         if (state == ConnectController::kAnnounceConnected) {
@@ -270,7 +314,9 @@ int Connect(CliContext& context, ConnectorRun& run, const std::string& wanted, b
                 run.finish(EXIT_OK);
         } else if (state == ConnectController::kAnnounceDisconnected && dialled) {
             const bool wasUp = controller.latestStatistics().nDurationSeconds > 0 || g_interrupted;
-            if (g_interrupted)
+            if (!hungUpByGuard.empty())
+                run.finish(ReportFailure(context, WORKER_ERR_GENERAL, hungUpByGuard));
+            else if (g_interrupted)
                 run.finish(EXIT_OK);
             else
                 run.finish(
@@ -401,16 +447,20 @@ int Monitor(CliContext& context, ConnectorRun& run) {
 } // namespace
 
 void AddConnectCommand(CLI::App& app, CliContext& context) {
-    auto profile = std::make_shared<std::string>();
-    auto hold = std::make_shared<bool>(false);
+    auto options = std::make_shared<ConnectOptions>();
     CLI::App* connect = app.add_subcommand("connect", "Connect with the SIM's profile");
-    connect->add_option("PROFILE", *profile,
+    connect->add_option("PROFILE", options->profile,
                         "The profile's name, or its number in \"dialtone profiles list\"");
-    connect->add_flag("--hold", *hold, "Stay in the foreground, record the traffic, hang up on Ctrl-C");
-    connect->callback([&context, profile, hold] {
+    connect->add_flag("--hold", options->hold,
+                      "Stay in the foreground, record the traffic, guard the budget and roaming, hang up on "
+                      "Ctrl-C");
+    connect->add_flag("--over-budget", options->overBudget,
+                      "Dial although the SIM's data budget is used up (until the period ends)");
+    connect->add_flag("--allow-roaming", options->allowRoaming, "Dial although the modem is roaming");
+    connect->callback([&context, options] {
         context.exitCode = RunWithSim(context, [&](ModemSession& s) {
-            return WithConnector(context, s, true,
-                                 [&](ConnectorRun& run) { return Connect(context, run, *profile, *hold); });
+            return WithConnector(
+                context, s, true, [&](ConnectorRun& run) { return Connect(context, run, *options); }, true);
         });
     });
     app.add_subcommand("disconnect", "Hang up, and record the connection's traffic")->callback([&context] {

@@ -14,6 +14,8 @@
 
 #include "AppConfig.h"
 #include "ApplicationShell.h"
+#include "Budget/BudgetController.h"
+#include "BudgetCommand.h"
 #include "ConvertUtilty.h"
 #include "Statistics/StatisticsController.h"
 #include "ToolText.h"
@@ -98,6 +100,14 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
     StatisticsController controller(Config());
     const StatisticsRange range = controller.rangeStatistics(*from, *to);
     const StatisticsSinceReset since = controller.sinceReset();
+    // The budget of the SIM used last, against its current period.
+    BudgetController budgets(Config());
+    const QString lastSim = budgets.store().lastImsi();
+    std::optional<BudgetStatus> budget;
+    if (!lastSim.isEmpty())
+        budget = budgets.status(lastSim, QDate::currentDate());
+    if (budget && !budget->settings.hasBudget())
+        budget.reset();
 
     if (context.json) {
         json days = json::array();
@@ -115,7 +125,8 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
                     {{"sent_bytes", since.sentBytes},
                      {"received_bytes", since.receivedBytes},
                      {"connection_time", since.connectTimeSeconds},
-                     {"reset_time", IsoTime(since.resetDate)}}}});
+                     {"reset_time", IsoTime(since.resetDate)}}},
+                   {"budget", budget ? BudgetDocument(*budget) : json(nullptr)}});
         return EXIT_OK;
     }
 
@@ -140,6 +151,12 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
                                   {sinceWhen, Bytes(since.sentBytes), Bytes(since.receivedBytes),
                                    DurationText(since.connectTimeSeconds)})
                               .c_str());
+    if (budget)
+        std::printf("%s\n",
+                    Tool::F("Budget from %s to %s: %s",
+                            {budget->period.first.toString(Qt::ISODate).toStdString(),
+                             budget->period.last.toString(Qt::ISODate).toStdString(), BudgetLine(*budget)})
+                        .c_str());
     return EXIT_OK;
 }
 

@@ -28,6 +28,7 @@
 #include "SessionRecorder.h"
 #include "SmsCommand.h"
 #include "StatsCommand.h"
+#include "BudgetCommand.h"
 #include "StatusCommand.h"
 #include "StkCommand.h"
 #include "ToolText.h"
@@ -80,6 +81,7 @@ int main(int argc, char** argv) {
     AddConnectCommand(app, context);
     AddProfilesCommand(app, context);
     AddStatsCommand(app, context);
+    AddBudgetCommand(app, context);
     AddPduCommand(app, context);
     AddSmsCommand(app, context);
     AddContactsCommand(app, context);

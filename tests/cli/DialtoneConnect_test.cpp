@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -51,6 +52,43 @@ TEST(DialtoneConnect, ConnectDisconnectAndTheDaysTraffic) {
     });
     // clang-format on
     EXPECT_FALSE(world.linkRunning());
+}
+
+// The guard of the tool's connect: a used-up budget refuses the dial until --over-budget, and roaming
+// during a held link ends it (the simulator's registration turned to 5), then refuses to dial.
+TEST(DialtoneConnect, BudgetAndRoamingGuard) {
+    ConnectWorld world;
+    ASSERT_TRUE(world.modem.ready());
+    world.expect({{{"--wait", "20", "connect"}, 0, {"Connected with"}}});
+    world.setCounters(1000, 2000);
+    // clang-format off
+    world.expect({
+        {{"disconnect"}, 0},
+        {{"budget", "set", "2KB", "--day", "1", "--at-limit", "hangup"}, 0, {"hang up and refuse to dial"}},
+        {{"connect"}, 1, {}, "\"dialtone connect --over-budget\" dials anyway"},
+        {{"--wait", "20", "connect", "--over-budget"}, 0, {"Connected with"}},
+        {{"disconnect"}, 0},
+        {{"budget", "roaming", "hangup"}, 0},
+    });
+    // clang-format on
+    std::thread roam([&world] {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!world.linkRunning() && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        world.modem.command("reg 5");
+    });
+    const Outcome held = world.run({"--wait", "20", "connect", "--hold"});
+    roam.join();
+    EXPECT_EQ(held.status, 1) << held.err;
+    EXPECT_NE(held.err.find("roaming guard ended the link"), std::string::npos) << held.err;
+    EXPECT_FALSE(world.linkRunning());
+    // clang-format off
+    world.expect({
+        {{"connect"}, 1, {}, "\"dialtone connect --allow-roaming\" dials anyway"},
+        {{"--wait", "20", "connect", "--allow-roaming"}, 0, {"Connected with"}},
+        {{"disconnect"}, 0},
+    });
+    // clang-format on
 }
 
 // The SIM's own profiles come first, the first of them the default; the user's follow.

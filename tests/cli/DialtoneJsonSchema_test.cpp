@@ -78,6 +78,7 @@ const std::vector<Row> kRows{
     {{"--wait", "2", "monitor"}, "traffic", nullptr, true},
     {{"disconnect"}, "traffic"},
     {{"disconnect"}, "connection_state"},
+    {{"budget", "set", "2GB", "--day", "31"}, "budget"},
     {{"stats"}, "stats"},
     {{"stats", "reset"}, "stats_reset"},
     {{"doctor"}, "doctor"},

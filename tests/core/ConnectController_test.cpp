@@ -277,6 +277,31 @@ TEST_F(ConnectControllerTest, RoamingTrafficGoesToTheRoamingPairAndSamplesAreSet
     EXPECT_EQ(pending(), (std::vector<quint64>{0, 150, 400}));
 }
 
+// The link's running counts are split at midnight: each day, and the totals, count each byte once.
+TEST_F(ConnectControllerTest, ALinkPastMidnightCountsEachDaysPartOnce) {
+    ProfileSettingsController settings(*config);
+    readyWithProfiles(settings);
+    controller->actionForButtonConnect();
+    polled(ConnectController::kConnected);
+    sampled(3600, 1000, 7000);
+    const QDateTime now = QDateTime::currentDateTime();
+    ConnectController::setCurrentDay(now.addDays(-1));
+    sampled(3700, 1500, 9000); // the first sample of the new day closes yesterday
+    sampled(3800, 1600, 9500);
+    controller->saveTrafficStaticsData();
+    const auto day = [this](const QDateTime& date) {
+        const QVariantList days = traffic->arrayDateStatisticsFromDate(date, date);
+        const QVariantMap entry = days.value(0).toMap().value(TrafficStatics::getKeyOfDate(date)).toMap();
+        return std::vector<quint64>{
+            TrafficStatics::counterValue(entry.value(TrafficStatics::kNoRoamingSendKey)),
+            TrafficStatics::counterValue(entry.value(TrafficStatics::kNoRoamingReceiveKey)),
+            TrafficStatics::counterValue(entry.value(TrafficStatics::kConnectTimeKey))};
+    };
+    EXPECT_EQ(day(now.addDays(-1)), (std::vector<quint64>{1500, 9000, 3700}));
+    EXPECT_EQ(day(now), (std::vector<quint64>{100, 500, 100}));
+    EXPECT_EQ(traffic->getTotalStatics(), (_TrafficStaticsItem{1600, 9500, 0, 0, 3800}));
+}
+
 TEST_F(ConnectControllerTest, DeletingTheUsersDefaultLeavesNoDefault) {
     ProfileSettingsController settings(*config);
     settings.addProfile(profile("First"));

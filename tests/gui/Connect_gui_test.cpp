@@ -6,12 +6,14 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QMessageBox>
+#include <QProgressBar>
 #include <QTimer>
 
 #include <csignal>
 #include <fstream>
 #include <unistd.h>
 
+#include "Budget/BudgetStore.h"
 #include "Connect/ConnectPlugin.h"
 #include "Connector/ConnectController.h"
 #include "DialupReadiness.h"
@@ -77,11 +79,16 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     })) << LabelText(tab, "sent").toStdString()
         << " / " << LabelText(tab, "received").toStdString();
     EXPECT_NE(LabelText(tab, "duration"), "–");
+    BudgetSettings budget; // the dial made the SIM known: the link in progress counts in its budget bar
+    budget.bytes = 16 << 20;
+    ASSERT_TRUE(BudgetStore().save(BudgetStore().lastImsi(), budget));
     auto* stats = world.show<StatisticsPlugin>("statistics");
     ASSERT_NE(stats, nullptr);
     EXPECT_TRUE(waitForGui([&] {
-        return LabelText(stats, "periodReceived") == LocaleFormat::dataSize(received);
-    })) << LabelText(stats, "periodReceived").toStdString();
+        return LabelText(stats, "periodReceived") == LocaleFormat::dataSize(received) &&
+               Child<QProgressBar>(stats, "budgetBar")->value() == 46;
+    })) << LabelText(stats, "periodReceived").toStdString()
+        << " " << LabelText(stats, "budgetText").toStdString();
 
     world.show<ConnectPlugin>("connect");
     button->click();

@@ -175,6 +175,27 @@ TEST(ServiceLife, ALinkOutlivesTheServiceAndTheNextOneFindsItsCounters) {
         WaitFor([&] { return world.property(QStringLiteral("ConnectionState")) == "disconnected"; }, 10s));
 }
 
+// The service guards every link, also one a client dialled and left: roaming ends it, with a notice.
+TEST(ServiceLife, TheRoamingGuardEndsALinkNobodyHolds) {
+    ServiceWorld world;
+    ASSERT_TRUE(world.ready());
+    NotificationLog log;
+    ASSERT_TRUE(world.listen(log));
+    ASSERT_EQ(world.dialtone({"budget", "roaming", "hangup"}).status, 0);
+    const clitest::Outcome connected = world.dialtone({"--wait", "20", "connect"});
+    ASSERT_EQ(connected.status, 0) << connected.err;
+    world.modem.command("reg 5");
+    EXPECT_TRUE(WaitFor(
+        [&] {
+            return log.seen(QStringLiteral("BUDGET_NOTICE"), [](const QVariantMap& info) {
+                return info.value(QStringLiteral("TEXT")).toString().contains(QStringLiteral("roaming"));
+            });
+        },
+        20s));
+    EXPECT_TRUE(
+        WaitFor([&] { return world.property(QStringLiteral("ConnectionState")) == "disconnected"; }, 10s));
+}
+
 TEST(ServiceClients, ClientsAtOnceAndAWatchThatFollowsTheModemThroughUnplugAndReplug) {
     ServiceWorld world;
     ASSERT_TRUE(world.ready());

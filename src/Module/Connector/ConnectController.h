@@ -89,6 +89,8 @@ public:
     // The connect button.
     void actionForButtonConnect();
     void dialByAPNInfo(const APNInfo& profile);
+    // Asked before every dial; a gate that answers false stops the dial (it tells the user why).
+    void setDialGate(std::function<bool()> gate) { _dialGate = std::move(gate); }
     void processDisconnect();
     // The answer of a disconnect confirmation: only 1 (confirm) disconnects.
     void disconnectSheetDidEnd(int returnCode);
@@ -123,6 +125,7 @@ public:
     void selectProfileIndex(int index);
     std::optional<APNInfo> lastDialedProfile() const { return _lastDialed; }
     const BLConnectStatistics& latestStatistics() const { return _latestSample; }
+    // The traffic and connected time of today not yet in the day history.
     const _TrafficStaticsItem& pendingDayItem() const { return _pendingDay; }
     const _TrafficStaticsItem& runningTotals() const { return _runningTotals; }
 
@@ -133,6 +136,8 @@ public:
     static int serviceRetryCount();
     static int lastAnnouncedState();
     static void resetProcessState();
+    // The day the pending traffic belongs to (tests: a link that ran past midnight).
+    static void setCurrentDay(const QDateTime& day);
 
 signals:
     void viewStateChanged();
@@ -151,12 +156,16 @@ private:
     void refreshConnectButton();
     void logConnectStatus(int status) const;
     void setBusy(bool busy);
+    // saveTrafficStaticsData; with sessionGoesOn (a new day), what was saved is remembered so that the
+    // link's running counts are not counted again on the next day.
+    void saveTraffic(bool sessionGoesOn);
 
     ModemLink& _link;
     AppConfig* _config;
     TrafficStatics* _traffic;
     QTimer _statusTimer;
     std::function<void(const QString&)> _echo;
+    std::function<bool()> _dialGate;
 
     int _connectState = kInvalid;
     bool _connectorReady = false;
@@ -180,4 +189,5 @@ private:
     BLConnectStatistics _latestSample;
     _TrafficStaticsItem _runningTotals;
     _TrafficStaticsItem _pendingDay;
+    BLConnectStatistics _savedOfSession; // the running link's counts already in the history
 };

@@ -7,6 +7,7 @@
 #include "AppConfig.h"
 #include "ApplicationShell.h"
 #include "BLRecords.h"
+#include "Budget/BudgetGuard.h"
 #include "CNSLog.h"
 #include "Connector/ConnectController.h"
 #include "Connector/ProfileSettingsController.h"
@@ -87,6 +88,7 @@ ModemService::~ModemService() {
     if (_connect)
         _connect->applicationWillTerminate(); // the pending traffic goes into the history
     _messages.reset();
+    _guard.reset();
     _connect.reset();
     _profiles.reset();
     _traffic.reset();
@@ -129,6 +131,14 @@ void ModemService::onModemReady() {
     // A dial-up service that needs an administrator is made when a client dials, not at start-up.
     _connect->setAskBeforePrivilegedStep(true);
     connect(_connect.get(), &ConnectController::viewStateChanged, this, &ModemService::refreshProperties);
+    // The budget and roaming guard of every link, whoever dialled it.
+    _guard = std::make_unique<BudgetGuard>(*_link, *_connect, *config);
+    connect(_guard.get(), &BudgetGuard::notice, this, [this](BudgetStep, const QString& text) {
+        emit Notification(QStringLiteral("BUDGET_NOTICE"), {{QStringLiteral("TEXT"), text}});
+    });
+    connect(_guard.get(), &BudgetGuard::dialRefused, this, [this](BudgetStep, const QString& text) {
+        emit Notification(QStringLiteral("BUDGET_NOTICE"), {{QStringLiteral("TEXT"), text}});
+    });
     _messages = std::make_unique<MessagesController>(*_link);
     _profiles->chooseProfilesForSIM(_link->network().strSpName);
     _connect->modemInit();
@@ -307,6 +317,9 @@ int ModemService::Connect(const QString& profile) {
     else
         _connect->actionForButtonConnect();
     refreshProperties();
+    // The budget and roaming guard refused the dial (its notice says why).
+    if (!_connect->waitingForPrivilegedStep() && _connect->connectState() != ConnectController::kConnecting)
+        return WORKER_ERR_GENERAL;
     return WORKER_OK;
 }
 

@@ -14,6 +14,7 @@
 #include <memory>
 
 class AppConfig;
+class BudgetGuard;
 class ConnectController;
 class MessagesController;
 class ModemLink;
@@ -25,7 +26,9 @@ class TrafficStatics;
 // connect controller (which keeps the traffic history), and offers:
 //   Request(s name, a{sv} request) -> a{sv}   the request protocol as it is (names, keys, result codes)
 //   SendSms, Connect, Disconnect              the common verbs with typed arguments
-//   Notification(s name, a{sv} info)          every report and every answer, for all clients
+//   Notification(s name, a{sv} info)          every report and every answer, for all clients; the budget
+//                                             and roaming guard's warnings and hang-ups as "BUDGET_NOTICE"
+//                                             with "TEXT"
 //   properties with PropertiesChanged         the state panels and scripts read without polling
 // It ends itself after idleExitMs without clients and property reads while no link is up (0: never).
 class ModemService : public QObject, protected QDBusContext {
@@ -105,6 +108,7 @@ private:
     std::unique_ptr<TrafficStatics> _traffic;
     std::unique_ptr<ProfileSettingsController> _profiles;
     std::unique_ptr<ConnectController> _connect;
+    std::unique_ptr<BudgetGuard> _guard;
     std::unique_ptr<MessagesController> _messages;
     QDBusServiceWatcher _clientWatcher;
     QSet<QString> _clients;

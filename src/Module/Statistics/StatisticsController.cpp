@@ -1,5 +1,7 @@
 #include "StatisticsController.h"
 
+#include <algorithm>
+
 StatisticsController::StatisticsController(AppConfig& config) : _store(config) {}
 
 StatisticsRange StatisticsController::rangeStatistics(const QDate& from, const QDate& to) {
@@ -51,6 +53,8 @@ QList<StatisticsDayRow> StatisticsController::rowsOfDays(const QVariantList& day
                 TrafficStatics::counterValue(entry.value(TrafficStatics::kRoamingSendKey));
             row.item.roamingReceiveBytes =
                 TrafficStatics::counterValue(entry.value(TrafficStatics::kRoamingReceiveKey));
+            row.item.connectTimeSeconds = static_cast<quint32>(std::min<quint64>(
+                TrafficStatics::counterValue(entry.value(TrafficStatics::kConnectTimeKey)), 86400));
             rows.append(row);
         }
     }

@@ -12,7 +12,7 @@ class AppConfig;
 // One day of the history: its key ("2024/05/01") and its four counters.
 struct StatisticsDayRow {
     QString strDay;
-    _TrafficStaticsItem item; // byte counts only; connectTimeSeconds stays 0
+    _TrafficStaticsItem item; // byte counts and the day's connected time
 
     bool operator==(const StatisticsDayRow& other) const = default;
 };

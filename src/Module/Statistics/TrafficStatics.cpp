@@ -123,6 +123,9 @@ bool TrafficStatics::updateDateStatisticsWithItem(const _TrafficStaticsItem& ite
     add(kNoRoamingSendKey, item.noRoamingSendBytes);
     add(kRoamingReceiveKey, item.roamingReceiveBytes);
     add(kRoamingSendKey, item.roamingSendBytes);
+    // The day's connected time, for time budgets; absent from days of older versions.
+    if (item.connectTimeSeconds > 0)
+        add(kConnectTimeKey, item.connectTimeSeconds);
     days.insert(key, entry);
     _dictDateTraffics = days;
     return writeDateTrafficsToDictionary(days, _strDateTrafficsPath);

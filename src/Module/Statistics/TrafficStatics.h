@@ -25,7 +25,7 @@ struct _TrafficStaticsItem {
 // "CONNECTTIME") and the reset date ("RESETTIME") live in the settings of AppConfig. The per-day counters
 // live in "DateTraffics.plist" in the user data folder: "CREATION_TIME" (date of the file's creation) and
 // one dictionary per day under a "yyyy/MM/dd" key with "NOROAMING SENDBYTES", "NOROAMING RECEIVEBYTES",
-// "ROAMING SENDBYTES" and "ROAMING RECEIVEBYTES".
+// "ROAMING SENDBYTES" and "ROAMING RECEIVEBYTES", and "CONNECTTIME" (seconds) when the day had a link.
 //
 // The day file is read afresh by every day operation. A missing day file is created with "CREATION_TIME";
 // an unreadable one is first kept beside it as "DateTraffics.plist.damaged-<yyyyMMdd-hhmmss>" and then
@@ -71,8 +71,8 @@ public:
 
     // The day file's content, read afresh (created first when missing or unreadable).
     QVariantMap getDateTrafficsDictionary();
-    // Adds the item's four byte counts to the date's day entry and writes the day file, under the file's
-    // lock so that two processes counting at once both count.
+    // Adds the item's four byte counts and its connected time to the date's day entry and writes the day
+    // file, under the file's lock so that two processes counting at once both count.
     bool updateDateStatisticsWithItem(const _TrafficStaticsItem& item, const QDateTime& forDate);
     // The days from..to that have entries, ascending, each as a one-key dictionary {day key: entry}.
     QVariantList arrayDateStatisticsFromDate(const QDateTime& from, const QDateTime& toDate);

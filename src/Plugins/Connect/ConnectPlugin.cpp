@@ -11,9 +11,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "Budget/BudgetGuard.h"
 #include "CNSLabels.h"
 #include "Connector/ConnectController.h"
 #include "DebugSink.h"
+#include "DesktopNotifier.h"
 #include "DialupReadiness.h"
 #include "LocaleFormat.h"
 #include "LocalizedStrings.h"
@@ -118,6 +120,7 @@ ConnectPlugin::ConnectPlugin(ModuleContext& context, QWidget* parent) : ModulePl
 }
 
 ConnectPlugin::~ConnectPlugin() {
+    _guard.reset();
     NotificationCenter::defaultCenter().removeObserver(this);
     saveTraffic();
 }
@@ -134,6 +137,7 @@ void ConnectPlugin::saveTraffic() {
 
 void ConnectPlugin::createController() {
     saveTraffic();
+    _guard.reset();
     _controller.reset();
     NotificationCenter::defaultCenter().removeObserver(this);
     _controller = std::make_unique<ConnectController>(link(), &context().config, &context().traffic);
@@ -149,6 +153,39 @@ void ConnectPlugin::createController() {
             &ConnectPlugin::showPrivilegedStepFailure);
     NotificationCenter::defaultCenter().addObserver(NOTIFY_TRAFFIC_STATISTICS, this,
                                                     [this](const Notification& n) { showStatistics(n); });
+    _guard = std::make_unique<BudgetGuard>(link(), *_controller, context().config);
+    connect(_guard.get(), &BudgetGuard::notice, this, [this](BudgetStep step, const QString& text) {
+        _message->setText(text);
+        const bool roaming = step == BudgetStep::WarnRoaming || step == BudgetStep::HangUpRoaming;
+        context().notifier.notify(roaming ? tr("Roaming") : tr("Data budget"), text);
+    });
+    connect(_guard.get(), &BudgetGuard::dialRefused, this,
+            [this](BudgetStep step, const QString& text) { askOverride(static_cast<int>(step), text); });
+}
+
+void ConnectPlugin::askOverride(int step, const QString& text) {
+    const bool roaming = step == static_cast<int>(BudgetStep::HangUpRoaming);
+    _message->setText(text);
+    auto* box = new QMessageBox(QMessageBox::Warning, roaming ? tr("Roaming") : tr("Data budget used up"),
+                                text, QMessageBox::Cancel, this);
+    box->setObjectName(QStringLiteral("budgetRefusal"));
+    box->setTextFormat(Qt::PlainText);
+    box->setInformativeText(roaming ? tr("Connect anyway for as long as the app runs?")
+                                    : tr("Connect anyway until the budget's period ends?"));
+    QPushButton* anyway = box->addButton(tr("Connect anyway"), QMessageBox::AcceptRole);
+    anyway->setObjectName(QStringLiteral("connectAnyway"));
+    box->setDefaultButton(QMessageBox::Cancel);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(box, &QMessageBox::buttonClicked, this, [this, anyway, roaming](QAbstractButton* clicked) {
+        if (clicked != anyway || !_guard)
+            return;
+        if (roaming)
+            _guard->allowRoamingThisSession();
+        else if (!_guard->allowOverBudget())
+            _message->setText(tr("The choice could not be stored: check that your data folder is writable."));
+        _controller->actionForButtonConnect();
+    });
+    box->open();
 }
 
 void ConnectPlugin::modemReady() {

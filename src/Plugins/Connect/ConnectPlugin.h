@@ -4,6 +4,7 @@
 
 #include "ModulePlugin.h"
 
+class BudgetGuard;
 class ConnectController;
 class QComboBox;
 class QLabel;
@@ -43,8 +44,11 @@ private:
     void showPrivilegedStepFailure(int status);
     void clearCounters();
     void saveTraffic();
+    // A dial the budget or roaming guard refused: says why and offers to dial anyway.
+    void askOverride(int step, const QString& text);
 
     std::unique_ptr<ConnectController> _controller;
+    std::unique_ptr<BudgetGuard> _guard;
     bool _modemPresent = false;
     bool _privilegeExplained = false;
 

@@ -9,11 +9,13 @@
 #include <QLabel>
 #include <QLocale>
 #include <QMessageBox>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "AppConfig.h"
+#include "BudgetDialog.h"
 #include "CNSLabels.h"
 #include "CNSTrafficChart.h"
 #include "Connector/ConnectController.h"
@@ -34,7 +36,7 @@ bool LinkUp(const ConnectController* controller) {
 } // namespace
 
 StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent)
-    : ModulePlugin(context, parent), _statistics(context.config) {
+    : ModulePlugin(context, parent), _statistics(context.config), _budget(context.config) {
     auto* layout = new QVBoxLayout(this);
 
     auto* chooser = new QHBoxLayout;
@@ -68,6 +70,24 @@ StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent)
     _message->setTextFormat(Qt::PlainText);
     _message->setWordWrap(true);
     layout->addWidget(_message);
+
+    auto* budgetBox = new QGroupBox(tr("Data budget"), this);
+    auto* budgetRow = new QHBoxLayout(budgetBox);
+    _budgetBar = new QProgressBar(budgetBox);
+    _budgetBar->setObjectName(QStringLiteral("budgetBar"));
+    _budgetBar->setRange(0, 100);
+    _budgetText = CNSValueLabel(QStringLiteral("budgetText"), budgetBox);
+    _budgetSet = new QPushButton(tr("Set…"), budgetBox);
+    _budgetSet->setObjectName(QStringLiteral("budgetSet"));
+    _budgetClear = new QPushButton(tr("Clear"), budgetBox);
+    _budgetClear->setObjectName(QStringLiteral("budgetClear"));
+    budgetRow->addWidget(_budgetBar, 1);
+    budgetRow->addWidget(_budgetText, 1);
+    budgetRow->addWidget(_budgetSet);
+    budgetRow->addWidget(_budgetClear);
+    layout->addWidget(budgetBox);
+    connect(_budgetSet, &QPushButton::clicked, this, &StatisticsPlugin::editBudget);
+    connect(_budgetClear, &QPushButton::clicked, this, &StatisticsPlugin::clearBudget);
 
     auto* totals = new QHBoxLayout;
     auto* periodBox = new QGroupBox(tr("In this period"), this);
@@ -175,6 +195,7 @@ void StatisticsPlugin::refresh() {
 
     const QDate today = QDate::currentDate();
     const bool live = LinkUp(_live);
+    refreshBudget(live ? _live->pendingDayItem() : _TrafficStaticsItem());
     if (live) {
         if (today >= from && today <= to)
             range.rows.append(
@@ -241,4 +262,53 @@ void StatisticsPlugin::reset(bool alsoHistory) {
     refresh();
     if (!failure.isEmpty())
         _message->setText(failure);
+}
+
+QString StatisticsPlugin::budgetSim() {
+    const QString inModem = context().config.deviceInfo().strImsi;
+    return BudgetStore::validImsi(inModem) ? inModem : _budget.store().lastImsi();
+}
+
+void StatisticsPlugin::refreshBudget(const _TrafficStaticsItem& pending) {
+    const QString sim = budgetSim();
+    _budgetSet->setEnabled(!sim.isEmpty());
+    if (sim.isEmpty()) {
+        _budgetBar->hide();
+        _budgetClear->setEnabled(false);
+        _budgetText->setText(tr("No SIM seen yet: the budget belongs to a SIM."));
+        return;
+    }
+    const BudgetStatus status = _budget.status(sim, QDate::currentDate(), DataBudget::useOfDay(pending));
+    _budgetClear->setEnabled(status.settings.hasBudget());
+    _budgetBar->setVisible(status.settings.hasBudget());
+    if (!status.settings.hasBudget()) {
+        _budgetText->setText(tr("No budget for this SIM."));
+        return;
+    }
+    _budgetBar->setValue(std::min(status.percent, 100));
+    _budgetBar->setFormat(tr("%1 %").arg(status.percent));
+    _budgetText->setText(
+        tr("%1; %n day(s) left until %2", nullptr, status.daysLeft)
+            .arg(status.usageText(), QLocale().toString(status.renewal(), QLocale::ShortFormat)));
+}
+
+void StatisticsPlugin::editBudget() {
+    const QString sim = budgetSim();
+    auto* dialog = new BudgetDialog(_budget.store().load(sim), this);
+    dialog->setObjectName(QStringLiteral("budgetDialog"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::accepted, this, [this, dialog, sim] {
+        if (!_budget.set(sim, dialog->settings()))
+            _message->setText(tr("The budget could not be stored: check that your data folder is writable, "
+                                 "then try again."));
+        refresh();
+    });
+    dialog->open();
+}
+
+void StatisticsPlugin::clearBudget() {
+    if (!_budget.clear(budgetSim()))
+        _message->setText(tr("The budget could not be cleared: check that your data folder is writable, then "
+                             "try again."));
+    refresh();
 }

@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QPointer>
 
+#include "Budget/BudgetController.h"
 #include "ModulePlugin.h"
 #include "NotificationCenter.h"
 #include "Statistics/StatisticsController.h"
@@ -11,13 +12,15 @@ class ConnectController;
 class QComboBox;
 class QDateEdit;
 class QLabel;
+class QProgressBar;
 class QPushButton;
 class CNSTrafficChart;
 
 // The statistics tab: the traffic of a period (this month, last month or chosen days) as a bar per day
 // with the roaming share, the period's totals, the totals since the last reset, and the reset. Works from
 // the history on this computer, so it needs no modem; a connection in progress is added to today until
-// its traffic is saved when it ends.
+// its traffic is saved when it ends. Above the totals, the data budget of the SIM as a bar with the days
+// left in its period, and the buttons to set and clear it.
 class StatisticsPlugin : public ModulePlugin {
     Q_OBJECT
 public:
@@ -43,8 +46,15 @@ private:
     void askReset();
     void reset(bool alsoHistory);
     void followLink(const Notification& notification);
+    // The SIM's budget against its current period, the running link included.
+    void refreshBudget(const _TrafficStaticsItem& pending);
+    void editBudget();
+    void clearBudget();
+    // The SIM in the modem, else the one seen last; empty when none is known.
+    QString budgetSim();
 
     StatisticsController _statistics;
+    BudgetController _budget;
     // The connect controller with a link up; its unsaved counts are shown as part of today.
     QPointer<ConnectController> _live;
     bool _refreshQueued = false;
@@ -63,4 +73,8 @@ private:
     QLabel* _connectTime = nullptr;
     QLabel* _resetDate = nullptr;
     QPushButton* _reset = nullptr;
+    QProgressBar* _budgetBar = nullptr;
+    QLabel* _budgetText = nullptr;
+    QPushButton* _budgetSet = nullptr;
+    QPushButton* _budgetClear = nullptr;
 };
