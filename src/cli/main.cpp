@@ -28,6 +28,7 @@
 #include "SessionRecorder.h"
 #include "SmsCommand.h"
 #include "StatsCommand.h"
+#include "SignalCommand.h"
 #include "StatusCommand.h"
 #include "StkCommand.h"
 #include "ToolText.h"
@@ -77,6 +78,7 @@ int main(int argc, char** argv) {
     AddRequestCommand(app, context);
     AddPinCommand(app, context);
     AddNetworkCommand(app, context);
+    AddSignalCommand(app, context);
     AddConnectCommand(app, context);
     AddProfilesCommand(app, context);
     AddStatsCommand(app, context);

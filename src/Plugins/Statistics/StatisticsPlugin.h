@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QPointer>
+#include <QTimer>
 
 #include "ModulePlugin.h"
 #include "NotificationCenter.h"
@@ -13,11 +14,14 @@ class QDateEdit;
 class QLabel;
 class QPushButton;
 class CNSTrafficChart;
+class CNSSignalChart;
+class QStackedWidget;
 
 // The statistics tab: the traffic of a period (this month, last month or chosen days) as a bar per day
 // with the roaming share, the period's totals, the totals since the last reset, and the reset. Works from
 // the history on this computer, so it needs no modem; a connection in progress is added to today until
-// its traffic is saved when it ends.
+// its traffic is saved when it ends. A switch shows instead the signal of a chosen day from the signal
+// history, with the changes of bearer and cell.
 class StatisticsPlugin : public ModulePlugin {
     Q_OBJECT
 public:
@@ -34,6 +38,8 @@ public:
 
     // Reads the history again and shows it.
     void refresh();
+    // Reads the chosen day of the signal history again and shows it.
+    void refreshSignal();
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -53,6 +59,11 @@ private:
     QDateEdit* _from = nullptr;
     QDateEdit* _to = nullptr;
     CNSTrafficChart* _chart = nullptr;
+    QComboBox* _chartKind = nullptr;
+    QDateEdit* _signalDay = nullptr;
+    QStackedWidget* _charts = nullptr;
+    CNSSignalChart* _signalChart = nullptr;
+    QTimer _signalRefresh;
     QLabel* _message = nullptr;
     QLabel* _periodSent = nullptr;
     QLabel* _periodReceived = nullptr;
