@@ -50,10 +50,10 @@ void CNSSignalGauge::setReading(int dbm, int bestDbm) {
     _dbm = dbm < 0 ? dbm : 0;
     _best = bestDbm < 0 ? bestDbm : 0;
     const QLocale locale;
-    setAccessibleDescription(_dbm < 0 ? tr("%1 dBm, %2, best of the last minute %3 dBm")
-                                            .arg(locale.toString(_dbm), qualityText(_dbm),
-                                                 locale.toString(_best))
-                                      : tr("No signal information"));
+    setAccessibleDescription(_dbm < 0
+                                 ? tr("%1 dBm, %2, best of the last minute %3 dBm")
+                                       .arg(locale.toString(_dbm), qualityText(_dbm), locale.toString(_best))
+                                 : tr("No signal information"));
     update();
 }
 
@@ -78,7 +78,8 @@ void CNSSignalGauge::paintEvent(QPaintEvent*) {
         painter.translate(arc.center());
         painter.rotate(-180.0 + ShareOf(_best) * 180.0);
         painter.setPen(QPen(palette().color(QPalette::WindowText), 3));
-        painter.drawLine(QPointF(arc.width() / 2 - thickness * 0.8, 0), QPointF(arc.width() / 2 + thickness * 0.8, 0));
+        painter.drawLine(QPointF(arc.width() / 2 - thickness * 0.8, 0),
+                         QPointF(arc.width() / 2 + thickness * 0.8, 0));
         painter.restore();
     }
     const QLocale locale;
@@ -89,7 +90,7 @@ void CNSSignalGauge::paintEvent(QPaintEvent*) {
     painter.setPen(palette().color(QPalette::WindowText));
     const QRectF middle(arc.left(), arc.center().y() - arc.height() / 4, arc.width(), arc.height() / 4);
     painter.drawText(middle, Qt::AlignHCenter | Qt::AlignBottom,
-                     _dbm < 0 ? tr("%1 dBm").arg(locale.toString(_dbm)) : tr("–"));
+                     _dbm < 0 ? tr("%1 dBm").arg(locale.toString(_dbm)) : QStringLiteral("–"));
     QFont small = font();
     small.setPointSizeF(font().pointSizeF() * 1.3);
     painter.setFont(small);
@@ -99,5 +100,6 @@ void CNSSignalGauge::paintEvent(QPaintEvent*) {
     painter.drawText(QRectF(0, arc.center().y() + 4, width(), 30), Qt::AlignHCenter | Qt::AlignTop, words);
     painter.setFont(font());
     painter.drawText(QRectF(0, arc.center().y() + 34, width(), 24), Qt::AlignHCenter | Qt::AlignTop,
-                     _best < 0 ? tr("Best of the last minute: %1 dBm").arg(locale.toString(_best)) : QString());
+                     _best < 0 ? tr("Best of the last minute: %1 dBm").arg(locale.toString(_best))
+                               : QString());
 }

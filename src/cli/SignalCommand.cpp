@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdio>
 #include <memory>
+#include <string_view>
 
 #include "ModemSession.h"
 #include "Network/NetworkController.h"
@@ -73,17 +74,30 @@ std::string Bar(int dbm) {
            std::string(static_cast<std::size_t>(kBarWidth - filled), '-') + "]";
 }
 
+// The sample's quality word in the user's language.
+std::string QualityText(const SignalSample& sample) {
+    const std::string_view word = sample.qualityWord();
+    for (const char* known :
+         {QT_TRANSLATE_NOOP("dialtone", "excellent"), QT_TRANSLATE_NOOP("dialtone", "good"),
+          QT_TRANSLATE_NOOP("dialtone", "fair"), QT_TRANSLATE_NOOP("dialtone", "poor"),
+          QT_TRANSLATE_NOOP("dialtone", "no signal")}) {
+        if (word == known)
+            return Tool::T(known);
+    }
+    return Tool::T("unknown");
+}
+
 std::string SignalLine(const SignalSample& sample) {
     if (!sample.hasRssi())
         return Tool::T("unknown");
-    return Tool::F("%s (%s/5, %s)", {DbmText(true, sample.rssiDbm), std::to_string(sample.bars()),
-                                     Tool::T(sample.qualityWord())});
+    return Tool::F("%s (%s/5, %s)",
+                   {DbmText(true, sample.rssiDbm), std::to_string(sample.bars()), QualityText(sample)});
 }
 
 Outcome Read(ModemSession& session, NetworkController& network, SignalSample& sample) {
-    const auto [outcome, read] = session.await(network, &NetworkController::signalRead,
-                                               [&] { network.readSignal(); },
-                                               QT_TRANSLATE_NOOP("dialtone", "reading the signal"));
+    const auto [outcome, read] = session.await(
+        network, &NetworkController::signalRead, [&] { network.readSignal(); },
+        QT_TRANSLATE_NOOP("dialtone", "reading the signal"));
     sample = read;
     return outcome;
 }
@@ -147,9 +161,10 @@ int Watch(const CliContext& context, ModemSession& session, const SignalOptions&
             document["best_dbm"] = DbmOrNull(best < 0, best);
             PrintJsonLine(document);
         } else {
-            std::printf("%s  %8s %s %-9s  %s %s", QDateTime::currentDateTime().toString("HH:mm:ss").toUtf8().constData(),
+            std::printf("%s  %8s %s %-9s  %s %s",
+                        QDateTime::currentDateTime().toString("HH:mm:ss").toUtf8().constData(),
                         DbmText(sample.hasRssi(), sample.rssiDbm).c_str(), Bar(sample.rssiDbm).c_str(),
-                        Tool::T(sample.qualityWord()).c_str(), Tool::T("best").c_str(),
+                        QualityText(sample).c_str(), Tool::T("best").c_str(),
                         DbmText(best < 0, best).c_str());
             if (sample.hasRscp())
                 std::printf("  RSCP %s", DbmText(true, sample.rscpDbm).c_str());
@@ -182,15 +197,17 @@ int Watch(const CliContext& context, ModemSession& session, const SignalOptions&
 
 void AddSignalCommand(CLI::App& app, CliContext& context) {
     auto options = std::make_shared<SignalOptions>();
-    CLI::App* signal = app.add_subcommand(
+    CLI::App* command = app.add_subcommand(
         "signal", "The signal in dBm with bars, RSCP and Ec/Io when known, bearer and cell; --watch to find "
                   "the best place for the stick");
-    signal->add_flag("--watch", options->watch, "A reading a second with the best of the last minute, until Ctrl-C");
-    signal->add_option("--count", options->count, "With --watch: stop after N readings")
+    command->add_flag("--watch", options->watch,
+                      "A reading a second with the best of the last minute, until Ctrl-C");
+    command->add_option("--count", options->count, "With --watch: stop after N readings")
         ->check(CLI::Range(1, 1000000))
         ->type_name("N");
-    signal->add_flag("--tone", options->tone, "With --watch: ring the terminal bell, faster for a stronger signal");
-    signal->callback([&context, options] {
+    command->add_flag("--tone", options->tone,
+                      "With --watch: ring the terminal bell, faster for a stronger signal");
+    command->callback([&context, options] {
         if ((options->count != 0 || options->tone) && !options->watch) {
             context.exitCode = ReportUsage(Tool::T("--count and --tone go with --watch"));
             return;

@@ -48,7 +48,8 @@ std::string Read(const std::string& kind, const std::string& input) {
             text = N(r.registration) + "|" + N(r.lac) + "|" + N(r.ci) + "|" + N(r.accessTechnology);
     } else {
         const SignalSample s = SignalSample::fromValue(MapOf(QString::fromStdString(input)));
-        text = N(s.rssiDbm) + "|" + N(s.rscpDbm) + "|" + N(s.ecIoTenths) + "|" + N(s.bearer) + "|" + s.cellText();
+        text = N(s.rssiDbm) + "|" + N(s.rscpDbm) + "|" + N(s.ecIoTenths) + "|" + N(s.bearer) + "|" +
+               s.cellText();
     }
     return text.toStdString();
 }
@@ -102,8 +103,8 @@ TEST(Signal, BestOfTheLastMinute) {
 
 QString MinuteText(const SignalMinute& m) {
     return QStringLiteral("%1 %2/%3/%4/%5 %6 %7")
-        .arg(m.minute.toString("hh:mm"), N(m.averageDbm), N(m.bestDbm), N(m.worstDbm), N(m.readings), N(m.bearer),
-             m.lac < 0 ? QStringLiteral("-") : N(m.lac) + "/" + N(m.ci));
+        .arg(m.minute.toString("hh:mm"), N(m.averageDbm), N(m.bestDbm), N(m.worstDbm), N(m.readings),
+             N(m.bearer), m.lac < 0 ? QStringLiteral("-") : N(m.lac) + "/" + N(m.ci));
 }
 
 TEST(Signal, HistoryGathersReadingsPerMinute) {
@@ -126,9 +127,9 @@ TEST(Signal, HistoryGathersReadingsPerMinute) {
         SignalHistory history;
         for (const QString& reading : QString(row.readings).split(';')) {
             const QStringList f = reading.split(' ');
-            SignalSample sample{f[1].toInt(), 0, 1, f[2].toInt(), f[3] == "-" ? -1 : f[3].toLongLong(),
-                                f[4] == "-" ? -1 : f[4].toLongLong()};
-            history.add(sample, QDateTime(day, QTime::fromString(f[0], "hh:mm:ss")));
+            const auto cell = [](const QString& v) { return v == "-" ? -1 : v.toLongLong(); };
+            history.add({f[1].toInt(), 0, 1, f[2].toInt(), cell(f[3]), cell(f[4])},
+                        QDateTime(day, QTime::fromString(f[0], "hh:mm:ss")));
         }
         ASSERT_TRUE(history.flush());
         // Read back from the file by another instance, as the statistics tab does.
@@ -137,7 +138,8 @@ TEST(Signal, HistoryGathersReadingsPerMinute) {
         for (const SignalMinute& minute : minutes)
             written << MinuteText(minute);
         for (const SignalChange& change : SignalHistory::changesOf(minutes))
-            changes << change.minute.toString("hh:mm") + " " + (change.bearer ? "B" : "") + (change.cell ? "C" : "");
+            changes << change.minute.toString("hh:mm") + " " + (change.bearer ? "B" : "") +
+                           (change.cell ? "C" : "");
         EXPECT_EQ(written.join(';').toStdString(), row.minutes);
         EXPECT_EQ(changes.join(';').toStdString(), row.changes);
     }

@@ -153,7 +153,7 @@ AtReply Csq(SimModem& m, const AtCommand& cmd) {
     if (cmd.form == Form::Test) {
         return AtReply::Line("+CSQ: (0-31,99),(0-7,99)");
     }
-    const Network& net = m.State().network;
+    Network& net = m.State().network;
     if (net.cfun != 1) {
         return AtReply::Line("+CSQ: 99,99");
     }

@@ -9,12 +9,12 @@
 struct SignalSample {
     static constexpr int kUnknownBearer = 8;
 
-    int rssiDbm = 0;    // -113 .. -51; 0 unknown
-    int rscpDbm = 0;    // -121 .. -25; 0 unknown
-    int ecIoTenths = 1; // Ec/Io in tenths of a dB, -245 .. 0; 1 unknown
+    int rssiDbm = 0;             // -113 .. -51; 0 unknown
+    int rscpDbm = 0;             // -121 .. -25; 0 unknown
+    int ecIoTenths = 1;          // Ec/Io in tenths of a dB, -245 .. 0; 1 unknown
     int bearer = kUnknownBearer; // 0 no service, 1 GPRS ... 7 GSM
-    qint64 lac = -1;    // 0 .. 0xFFFF; -1 unknown
-    qint64 ci = -1;     // 0 .. 0xFFFFFFFF; -1 unknown
+    qint64 lac = -1;             // 0 .. 0xFFFF; -1 unknown
+    qint64 ci = -1;              // 0 .. 0xFFFFFFFF; -1 unknown
 
     bool hasRssi() const { return rssiDbm < 0; }
     bool hasRscp() const { return rscpDbm < 0; }

@@ -55,8 +55,10 @@ void SignalHistory::add(const SignalSample& sample, const QDateTime& at) {
     if (sample.hasRssi() && _pending.readings < kMaxReadingsPerMinute) {
         _pendingSum += sample.rssiDbm;
         ++_pending.readings;
-        _pending.bestDbm = _pending.readings == 1 ? sample.rssiDbm : std::max(_pending.bestDbm, sample.rssiDbm);
-        _pending.worstDbm = _pending.readings == 1 ? sample.rssiDbm : std::min(_pending.worstDbm, sample.rssiDbm);
+        _pending.bestDbm =
+            _pending.readings == 1 ? sample.rssiDbm : std::max(_pending.bestDbm, sample.rssiDbm);
+        _pending.worstDbm =
+            _pending.readings == 1 ? sample.rssiDbm : std::min(_pending.worstDbm, sample.rssiDbm);
         // Rounded to the nearer whole dBm (the sum is negative).
         _pending.averageDbm = static_cast<int>((_pendingSum - _pending.readings / 2) / _pending.readings);
     }
@@ -115,9 +117,9 @@ void SignalHistory::dropOldDays(const QDate& today) {
     _prunedOn = today;
     const QDate oldest = today.addDays(-kKeptDays);
     QDir folder(_folder);
-    for (const QString& name : folder.entryList({QStringLiteral("????-??-??.plist")}, QDir::Files)) {
+    for (const QString& name : folder.entryList({QStringLiteral("*.plist")}, QDir::Files)) {
         const QDate date = QDate::fromString(name.left(10), kDayFormat);
-        if (date.isValid() && date < oldest)
+        if (name.size() == 16 && date.isValid() && date < oldest)
             folder.remove(name);
     }
 }
@@ -160,8 +162,8 @@ QList<SignalChange> SignalHistory::changesOf(const QList<SignalMinute>& minutes)
 }
 
 QVariantMap SignalHistory::toEntry(const SignalMinute& minute) {
-    QVariantMap entry{{kTimeKey, minute.minute},      {kDbmKey, minute.averageDbm},
-                      {kBestKey, minute.bestDbm},     {kWorstKey, minute.worstDbm},
+    QVariantMap entry{{kTimeKey, minute.minute},       {kDbmKey, minute.averageDbm},
+                      {kBestKey, minute.bestDbm},      {kWorstKey, minute.worstDbm},
                       {kReadingsKey, minute.readings}, {kBearerKey, minute.bearer}};
     if (minute.lac >= 0 && minute.ci >= 0) {
         entry.insert(kLacKey, minute.lac);
@@ -179,11 +181,12 @@ bool SignalHistory::fromEntry(const QVariant& entry, SignalMinute& minute) {
         return false;
     qint64 average = 0, best = 0, worst = 0, readings = 0, bearer = 0;
     if (!Number(map, kDbmKey, -200, 0, average) || !Number(map, kBestKey, -200, 0, best) ||
-        !Number(map, kWorstKey, -200, 0, worst) || !Number(map, kReadingsKey, 0, kMaxReadingsPerMinute, readings) ||
+        !Number(map, kWorstKey, -200, 0, worst) ||
+        !Number(map, kReadingsKey, 0, kMaxReadingsPerMinute, readings) ||
         !Number(map, kBearerKey, 0, SignalSample::kUnknownBearer, bearer))
         return false;
-    minute = SignalMinute{MinuteOf(time.toDateTime()), static_cast<int>(average), static_cast<int>(best),
-                          static_cast<int>(worst), static_cast<int>(readings), static_cast<int>(bearer)};
+    minute = SignalMinute{MinuteOf(time.toDateTime()), static_cast<int>(average),  static_cast<int>(best),
+                          static_cast<int>(worst),     static_cast<int>(readings), static_cast<int>(bearer)};
     qint64 lac = -1, ci = -1;
     if (Number(map, kLacKey, 0, 0xFFFF, lac) && Number(map, kCiKey, 0, 0xFFFFFFFF, ci)) {
         minute.lac = lac;

@@ -31,7 +31,8 @@ SignalFinderDialog::SignalFinderDialog(ModemLink& link, QWidget* parent) : QDial
     auto* form = new QFormLayout;
     form->addRow(tr("RSCP:"), _rscp = CNSValueLabel(QStringLiteral("rscp"), nullptr, QStringLiteral("-")));
     form->addRow(tr("Ec/Io:"), _ecio = CNSValueLabel(QStringLiteral("ecio"), nullptr, QStringLiteral("-")));
-    form->addRow(tr("Bearer:"), _bearer = CNSValueLabel(QStringLiteral("bearer"), nullptr, QStringLiteral("-")));
+    form->addRow(tr("Bearer:"),
+                 _bearer = CNSValueLabel(QStringLiteral("bearer"), nullptr, QStringLiteral("-")));
     form->addRow(tr("Cell:"), _cell = CNSValueLabel(QStringLiteral("cell"), nullptr, QStringLiteral("-")));
     layout->addLayout(form);
     _toneSwitch = new QCheckBox(tr("Play a tone whose pitch follows the signal"));
@@ -75,8 +76,9 @@ void SignalFinderDialog::show(const Outcome& outcome, const SignalSample& sample
         _sample = SignalSample{};
         _gauge->setReading(0, _peak.best(_clock.elapsed()));
         _tone->setDbm(0);
-        _status->setText(tr("The signal could not be read: %1")
-                             .arg(QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
+        _status->setText(
+            tr("The signal could not be read: %1")
+                .arg(QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
         return;
     }
     _sample = sample;

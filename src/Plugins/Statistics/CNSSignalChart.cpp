@@ -6,7 +6,6 @@
 
 #include <algorithm>
 
-
 namespace {
 
 constexpr int kTopDbm = -50;
@@ -42,7 +41,8 @@ void CNSSignalChart::setDay(const QDate& day, const QList<SignalMinute>& minutes
 }
 
 qsizetype CNSSignalChart::pointCount() const {
-    return std::count_if(_minutes.cbegin(), _minutes.cend(), [](const SignalMinute& m) { return m.readings > 0; });
+    return std::count_if(_minutes.cbegin(), _minutes.cend(),
+                         [](const SignalMinute& m) { return m.readings > 0; });
 }
 
 // Screen readers cannot see the line: they read the day's range and the number of changes.
@@ -59,12 +59,15 @@ void CNSSignalChart::describe() {
         return;
     }
     const QLocale locale;
-    const auto bearers = std::count_if(_changes.cbegin(), _changes.cend(), [](const SignalChange& c) { return c.bearer; });
-    const auto cells = std::count_if(_changes.cbegin(), _changes.cend(), [](const SignalChange& c) { return c.cell; });
+    const auto bearers =
+        std::count_if(_changes.cbegin(), _changes.cend(), [](const SignalChange& c) { return c.bearer; });
+    const auto cells =
+        std::count_if(_changes.cbegin(), _changes.cend(), [](const SignalChange& c) { return c.cell; });
     setAccessibleDescription(tr("%1: the signal was between %2 and %3 dBm; the bearer changed %4 times, the "
                                 "cell %5 times")
                                  .arg(locale.toString(_day, QLocale::ShortFormat), locale.toString(worst),
-                                      locale.toString(best), locale.toString(bearers), locale.toString(cells)));
+                                      locale.toString(best), locale.toString(bearers),
+                                      locale.toString(cells)));
 }
 
 void CNSSignalChart::paintEvent(QPaintEvent*) {
@@ -77,7 +80,8 @@ void CNSSignalChart::paintEvent(QPaintEvent*) {
     int x = 8;
     const int legendY = 6;
     for (const auto& [color, text] : {std::pair{pal.color(QPalette::Highlight), tr("Signal (dBm)")},
-                                      {bearerColor(), tr("Bearer changed")}, {cellColor(), tr("Cell changed")}}) {
+                                      {bearerColor(), tr("Bearer changed")},
+                                      {cellColor(), tr("Cell changed")}}) {
         painter.fillRect(QRect(x, legendY + 2, line - 4, line - 4), color);
         x += line;
         painter.setPen(pal.color(QPalette::Text));
@@ -86,11 +90,13 @@ void CNSSignalChart::paintEvent(QPaintEvent*) {
     }
 
     const int left = metrics.horizontalAdvance(QStringLiteral("-110")) + 12;
-    const QRect plot(left, legendY + line + 8, width() - left - 8, height() - (legendY + line + 8) - line - 8);
+    const QRect plot(left, legendY + line + 8, width() - left - 8,
+                     height() - (legendY + line + 8) - line - 8);
     if (plot.width() < 10 || plot.height() < 10)
         return;
     const auto yOf = [&plot](int dbm) {
-        return plot.top() + (kTopDbm - std::clamp(dbm, kBottomDbm, kTopDbm)) * plot.height() / (kTopDbm - kBottomDbm);
+        return plot.top() +
+               (kTopDbm - std::clamp(dbm, kBottomDbm, kTopDbm)) * plot.height() / (kTopDbm - kBottomDbm);
     };
     const auto xOf = [&plot](const QDateTime& at) {
         const int minute = at.time().hour() * 60 + at.time().minute();

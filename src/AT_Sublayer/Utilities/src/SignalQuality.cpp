@@ -43,7 +43,8 @@ long long HexField(const std::string& field, std::size_t maxDigits) {
     for (const char ch : digits) {
         if (!std::isxdigit(static_cast<unsigned char>(ch)))
             return -1;
-        value = value * 16 + (std::isdigit(static_cast<unsigned char>(ch)) ? ch - '0' : (ch | 0x20) - 'a' + 10);
+        value =
+            value * 16 + (std::isdigit(static_cast<unsigned char>(ch)) ? ch - '0' : (ch | 0x20) - 'a' + 10);
     }
     return value;
 }
@@ -96,14 +97,16 @@ bool ParseCregCell(const std::string& answer, TSignalReading& reading) {
         std::size_t start = line.find(',', line.find(',') + 1);
         for (int i = 0; i < 3 && start != std::string::npos; ++i) {
             const std::size_t end = line.find(',', start + 1);
-            fields[i] = line.substr(start + 1, end == std::string::npos ? std::string::npos : end - start - 1);
+            fields[i] =
+                line.substr(start + 1, end == std::string::npos ? std::string::npos : end - start - 1);
             start = end;
         }
         reading.lac = HexField(fields[0], 4);
         reading.ci = HexField(fields[1], 8);
         int technology = -1;
         reading.accessTechnology =
-            ReadAnswerInt(fields[2].c_str(), technology) && technology >= 0 && technology <= 15 ? technology : -1;
+            ReadAnswerInt(fields[2].c_str(), technology) && technology >= 0 && technology <= 15 ? technology
+                                                                                                : -1;
         return true;
     }
     return false;
