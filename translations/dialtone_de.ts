@@ -201,10 +201,6 @@
         <translation>%1 dBm</translation>
     </message>
     <message>
-        <source>–</source>
-        <translation>–</translation>
-    </message>
-    <message>
         <source>%1 of 5 bars, %2</source>
         <translation>%1 von 5 Balken, %2</translation>
     </message>

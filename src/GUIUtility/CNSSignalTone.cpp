@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <numbers>
 
 #include "Network/SignalSample.h"
 
@@ -52,7 +53,7 @@ protected:
         for (qint64 i = 0; i < samples; ++i) {
             // Silence while unknown; the phase goes on so that a new pitch starts without a click.
             out[i] = hz == 0 ? 0 : static_cast<qint16>(std::sin(_phase) * 8000);
-            _phase = std::fmod(_phase + 2 * M_PI * hz / kSampleRate, 2 * M_PI);
+            _phase = std::fmod(_phase + 2 * std::numbers::pi * hz / kSampleRate, 2 * std::numbers::pi);
         }
         return samples * 2;
     }

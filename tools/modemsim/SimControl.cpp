@@ -250,7 +250,8 @@ json Help() {
             {"commands",
              {"sms [--coding=auto|gsm7|ucs2|data8] [--class=N] [--pid=N] [--ref16] [--order=reverse|2,1,3] "
               "[--time=YY/MM/DD,hh:mm:ss+zz] [--smsc=NUMBER] FROM TEXT",
-              "sms-pdu HEX", "ussd M [TEXT]", "ring NUMBER", "hangup", "stk N|NAME", "signal CSQ|drift|steady", "cell LAC CI", "reg STAT",
+              "sms-pdu HEX", "ussd M [TEXT]", "ring NUMBER", "hangup", "stk N|NAME", "signal CSQ|drift|steady",
+              "cell LAC CI", "reg STAT",
               "set KEY VALUE", "inject LINE", "dump", "unplug", "plug", "quit"}}};
 }
 
@@ -299,7 +300,8 @@ json ExecuteControl(const std::string& line, SimModem& modem, const ControlHooks
         const bool lacOk = !lac.empty() && lac.size() <= 4 && *end == '\0';
         const long long cellValue = std::strtoll(cell.c_str(), &end, 16);
         const bool cellOk = !cell.empty() && cell.size() <= 8 && *end == '\0';
-        return lacOk && cellOk ? SetCell(modem, lacValue, cellValue) : Fail("usage: cell LAC CI (hexadecimal)");
+        return lacOk && cellOk ? SetCell(modem, lacValue, cellValue)
+                               : Fail("usage: cell LAC CI (hexadecimal)");
     }
     if (cmd == "reg") {
         return ParseInt(NextWord(rest), n) ? SetRegistration(modem, n) : Fail("usage: reg STAT");

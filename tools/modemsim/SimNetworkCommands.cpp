@@ -176,7 +176,8 @@ AtReply Cesq(SimModem& m, const AtCommand& cmd) {
     const Operator* op = CurrentOperator(m);
     std::string values = "99,99,255,255";
     if (op && net.cfun == 1 && net.csq != 99)
-        values = op->act >= 2 ? "99,99," + std::to_string(2 * net.csq) + "," + std::to_string(std::min(49, 10 + net.csq))
+        values = op->act >= 2 ? "99,99," + std::to_string(2 * net.csq) + "," +
+                                    std::to_string(std::min(49, 10 + net.csq))
                               : std::to_string(2 * net.csq) + ",99,255,255";
     return AtReply::Line("+CESQ: " + values + ",255,255");
 }

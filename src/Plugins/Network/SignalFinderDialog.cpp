@@ -50,7 +50,7 @@ SignalFinderDialog::SignalFinderDialog(ModemLink& link, QWidget* parent) : QDial
         _tone->setEnabled(on);
         _status->setText(_tone->note());
     });
-    connect(_network, &NetworkController::signalRead, this, &SignalFinderDialog::show);
+    connect(_network, &NetworkController::signalRead, this, &SignalFinderDialog::showReading);
     _timer.setInterval(kReadingIntervalMs);
     connect(&_timer, &QTimer::timeout, _network, &NetworkController::readSignal);
     _clock.start();
@@ -71,9 +71,8 @@ void SignalFinderDialog::hideEvent(QHideEvent* event) {
     QDialog::hideEvent(event);
 }
 
-void SignalFinderDialog::show(const Outcome& outcome, const SignalSample& sample) {
+void SignalFinderDialog::showReading(const Outcome& outcome, const SignalSample& sample) {
     if (!outcome.ok()) {
-        _sample = SignalSample{};
         _gauge->setReading(0, _peak.best(_clock.elapsed()));
         _tone->setDbm(0);
         _status->setText(
@@ -81,7 +80,6 @@ void SignalFinderDialog::show(const Outcome& outcome, const SignalSample& sample
                 .arg(QString::fromStdString(FailureText(outcome.code, outcome.cause, FrontEnd::DesktopApp))));
         return;
     }
-    _sample = sample;
     const qint64 now = _clock.elapsed();
     _peak.add(now, sample.rssiDbm);
     _gauge->setReading(sample.rssiDbm, _peak.best(now));

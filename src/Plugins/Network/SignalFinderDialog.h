@@ -26,14 +26,12 @@ public:
     explicit SignalFinderDialog(ModemLink& link, QWidget* parent = nullptr);
     ~SignalFinderDialog() override;
 
-    const SignalSample& lastSample() const { return _sample; }
-
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
 private:
-    void show(const Outcome& outcome, const SignalSample& sample);
+    void showReading(const Outcome& outcome, const SignalSample& sample);
 
     NetworkController* _network = nullptr;
     CNSSignalGauge* _gauge = nullptr;
@@ -47,5 +45,4 @@ private:
     QTimer _timer;
     QElapsedTimer _clock;
     SignalPeakWindow _peak;
-    SignalSample _sample;
 };

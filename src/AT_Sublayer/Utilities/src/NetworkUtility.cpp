@@ -149,7 +149,8 @@ int CNetworkUtility::GetSignalReading(TSignalReading& reading) {
     if (WriteComm(response, "AT+CREG?\r", "+CREG", kStateTimeoutMs) == 0)
         ParseCregCell(response, reading);
     const int technology = reading.accessTechnology;
-    if (StandardDialect() && technology >= 0 && technology < static_cast<int>(std::size(kAccessTechnologyBearers)))
+    constexpr int kTechnologies = static_cast<int>(std::size(kAccessTechnologyBearers));
+    if (StandardDialect() && technology >= 0 && technology < kTechnologies)
         reading.bearer = kAccessTechnologyBearers[technology];
     else
         GetBearer(reading.bearer);
