@@ -1,5 +1,7 @@
 #include "CNSSignalChart.h"
 
+#include "CNSTrafficChart.h"
+
 #include <QLocale>
 #include <QPainter>
 #include <QPainterPath>
@@ -77,17 +79,11 @@ void CNSSignalChart::paintEvent(QPaintEvent*) {
     const QPalette& pal = palette();
     painter.fillRect(rect(), pal.base());
 
-    int x = 8;
     const int legendY = 6;
-    for (const auto& [color, text] : {std::pair{pal.color(QPalette::Highlight), tr("Signal (dBm)")},
-                                      {bearerColor(), tr("Bearer changed")},
-                                      {cellColor(), tr("Cell changed")}}) {
-        painter.fillRect(QRect(x, legendY + 2, line - 4, line - 4), color);
-        x += line;
-        painter.setPen(pal.color(QPalette::Text));
-        painter.drawText(QPoint(x, legendY + metrics.ascent()), text);
-        x += metrics.horizontalAdvance(text) + 16;
-    }
+    CNSTrafficChart::paintLegend(painter, *this,
+                                 {{pal.color(QPalette::Highlight), tr("Signal (dBm)")},
+                                  {bearerColor(), tr("Bearer changed")},
+                                  {cellColor(), tr("Cell changed")}});
 
     const int left = metrics.horizontalAdvance(QStringLiteral("-110")) + 12;
     const QRect plot(left, legendY + line + 8, width() - left - 8,
