@@ -2,6 +2,7 @@
 // signal with the best of the last minute.
 
 #include <algorithm>
+#include <cstdlib>
 #include <sstream>
 #include <string>
 
@@ -24,6 +25,7 @@ TEST(DialtoneSignal, ReadingsOnBothDialectsAndAWatch) {
 
     SimulatedModem modem("standard");
     ASSERT_TRUE(modem.ready());
+    setenv("DIALTONE_DIALECT", "standard", 1);
     // clang-format off
     clitest::RunSteps(modem, {
         {{"signal"}, 0, {"-77 dBm (4/5, good)", "RSCP:", "-85 dBm", "Ec/Io:", "-10.5 dB", "HSDPA", "1A2B/C3D4E5"}},
@@ -48,6 +50,7 @@ TEST(DialtoneSignal, ReadingsOnBothDialectsAndAWatch) {
         EXPECT_EQ(reading.value("ci", ""), "1234567");
     }
     EXPECT_EQ(count, 3);
+    unsetenv("DIALTONE_DIALECT");
 }
 
 } // namespace
