@@ -2148,6 +2148,10 @@ Abhilfe: %2</translation>
         <source>Show:</source>
         <translation>Anzeigen:</translation>
     </message>
+    <message>
+        <source>Day of the signal chart</source>
+        <translation>Tag des Signaldiagramms</translation>
+    </message>
 </context>
 <context>
     <name>StatusBarView</name>

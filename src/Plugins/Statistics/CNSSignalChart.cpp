@@ -23,7 +23,7 @@ CNSSignalChart::CNSSignalChart(QWidget* parent) : QWidget(parent) {
 }
 
 QColor CNSSignalChart::bearerColor() {
-    return QColor(0x1f, 0x6f, 0xb5);
+    return QColor(0xe0, 0x7b, 0x1a);
 }
 
 QColor CNSSignalChart::cellColor() {
@@ -123,12 +123,12 @@ void CNSSignalChart::paintEvent(QPaintEvent*) {
     for (const SignalChange& change : _changes) {
         const int cx = xOf(change.minute);
         if (change.bearer) {
-            painter.setPen(QPen(bearerColor(), 1, Qt::DashLine));
+            painter.setPen(QPen(bearerColor(), 2, Qt::DashLine));
             painter.drawLine(cx, plot.top(), cx, plot.bottom());
         }
         if (change.cell) {
-            painter.setPen(QPen(cellColor(), 1, Qt::DotLine));
-            painter.drawLine(cx + 1, plot.top(), cx + 1, plot.bottom());
+            painter.setPen(QPen(cellColor(), 2, Qt::DotLine));
+            painter.drawLine(cx + 2, plot.top(), cx + 2, plot.bottom());
         }
     }
     // Best to worst as a light band, the average as the line; a gap of more than a minute breaks both.

@@ -66,6 +66,7 @@ StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent)
     _signalDay->setObjectName(QStringLiteral("signalDay"));
     _signalDay->setCalendarPopup(true);
     _signalDay->setDisplayFormat(QStringLiteral("yyyy-MM-dd"));
+    _signalDay->setAccessibleName(tr("Day of the signal chart"));
     _signalDay->setVisible(false);
     chooser->addWidget(CNSBuddyLabel(tr("Show:"), _chartKind, this));
     chooser->addWidget(_chartKind);
