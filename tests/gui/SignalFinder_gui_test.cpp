@@ -1,4 +1,5 @@
 // The signal finder on the simulated modem, and the signal history in the Statistics tab.
+#include <QCheckBox>
 #include <QComboBox>
 #include <QPushButton>
 
@@ -23,6 +24,10 @@ TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
     auto* gauge = network->findChild<CNSSignalGauge*>(QStringLiteral("gauge"));
     ASSERT_NE(gauge, nullptr);
     EXPECT_TRUE(waitForGui([&] { return gauge->dbm() == -77 && gauge->bestDbm() == -77; }, 20s));
+    // The tone starts and stops quietly, also without a sound device.
+    auto* tone = network->findChild<QCheckBox*>(QStringLiteral("tone"));
+    tone->setChecked(true);
+    tone->setChecked(false);
 
     // A minute of today in the history, as the recorder writes it.
     SignalHistory history;
