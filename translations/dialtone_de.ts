@@ -244,6 +244,99 @@
     </message>
 </context>
 <context>
+    <name>CNSSignalChart</name>
+    <message>
+        <source>Signal of the day</source>
+        <translation>Signal des Tages</translation>
+    </message>
+    <message>
+        <source>No signal recorded on this day</source>
+        <translation>An diesem Tag wurde kein Signal aufgezeichnet</translation>
+    </message>
+    <message>
+        <source>%1: the signal was between %2 and %3 dBm; the bearer changed %4 times, the cell %5 times</source>
+        <translation>%1: Das Signal lag zwischen %2 und %3 dBm; die Übertragungsart wechselte %4-mal, die Zelle %5-mal</translation>
+    </message>
+    <message>
+        <source>Signal (dBm)</source>
+        <translation>Signal (dBm)</translation>
+    </message>
+    <message>
+        <source>Bearer changed</source>
+        <translation>Übertragungsart gewechselt</translation>
+    </message>
+    <message>
+        <source>Cell changed</source>
+        <translation>Zelle gewechselt</translation>
+    </message>
+</context>
+<context>
+    <name>CNSSignalGauge</name>
+    <message>
+        <source>Signal gauge</source>
+        <translation>Signalanzeige</translation>
+    </message>
+    <message>
+        <source>excellent</source>
+        <translation>ausgezeichnet</translation>
+    </message>
+    <message>
+        <source>good</source>
+        <translation>gut</translation>
+    </message>
+    <message>
+        <source>fair</source>
+        <translation>mittel</translation>
+    </message>
+    <message>
+        <source>poor</source>
+        <translation>schwach</translation>
+    </message>
+    <message>
+        <source>no signal</source>
+        <translation>kein Signal</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>%1 dBm, %2, best of the last minute %3 dBm</source>
+        <translation>%1 dBm, %2, bester Wert der letzten Minute %3 dBm</translation>
+    </message>
+    <message>
+        <source>No signal information</source>
+        <translation>Keine Angaben zum Signal</translation>
+    </message>
+    <message>
+        <source>%1 dBm</source>
+        <translation>%1 dBm</translation>
+    </message>
+    <message>
+        <source>%1 of 5 bars, %2</source>
+        <translation>%1 von 5 Balken, %2</translation>
+    </message>
+    <message>
+        <source>Best of the last minute: %1 dBm</source>
+        <translation>Bester Wert der letzten Minute: %1 dBm</translation>
+    </message>
+</context>
+<context>
+    <name>CNSSignalTone</name>
+    <message>
+        <source>No sound device: beeps instead of the tone.</source>
+        <translation>Kein Audiogerät: Pieptöne statt des Tons.</translation>
+    </message>
+    <message>
+        <source>The sound device could not be opened: beeps instead of the tone.</source>
+        <translation>Das Audiogerät ließ sich nicht öffnen: Pieptöne statt des Tons.</translation>
+    </message>
+    <message>
+        <source>Built without sound: beeps instead of the tone.</source>
+        <translation>Ohne Audio gebaut: Pieptöne statt des Tons.</translation>
+    </message>
+</context>
+<context>
     <name>CNSTrafficChart</name>
     <message>
         <source>Home network</source>
@@ -1746,6 +1839,14 @@ Abhilfe: %2</translation>
         <source>Network</source>
         <translation>Netz</translation>
     </message>
+    <message>
+        <source>Signal finder…</source>
+        <translation>Signalsuche…</translation>
+    </message>
+    <message>
+        <source>Find the best place for the modem with a large gauge read once a second</source>
+        <translation>Den besten Platz für das Modem finden, mit einer großen Anzeige, die jede Sekunde gelesen wird</translation>
+    </message>
 </context>
 <context>
     <name>PinDialog</name>
@@ -2123,6 +2224,57 @@ Abhilfe: %2</translation>
     </message>
 </context>
 <context>
+    <name>SignalFinderDialog</name>
+    <message>
+        <source>Signal finder</source>
+        <translation>Signalsuche</translation>
+    </message>
+    <message>
+        <source>Move the modem on its cable, slowly, and watch the gauge: the mark shows the best signal of the last minute.</source>
+        <translation>Bewegen Sie das Modem an seinem Kabel langsam hin und her und beobachten Sie die Anzeige: Die Marke zeigt das beste Signal der letzten Minute.</translation>
+    </message>
+    <message>
+        <source>RSCP:</source>
+        <translation>RSCP:</translation>
+    </message>
+    <message>
+        <source>Ec/Io:</source>
+        <translation>Ec/Io:</translation>
+    </message>
+    <message>
+        <source>Bearer:</source>
+        <translation>Übertragungsart:</translation>
+    </message>
+    <message>
+        <source>Cell:</source>
+        <translation>Zelle:</translation>
+    </message>
+    <message>
+        <source>Play a tone whose pitch follows the signal</source>
+        <translation>Einen Ton spielen, dessen Höhe dem Signal folgt</translation>
+    </message>
+    <message>
+        <source>The signal could not be read: %1</source>
+        <translation>Das Signal ließ sich nicht lesen: %1</translation>
+    </message>
+    <message>
+        <source>%1 dBm</source>
+        <translation>%1 dBm</translation>
+    </message>
+    <message>
+        <source>not reported</source>
+        <translation>nicht gemeldet</translation>
+    </message>
+    <message>
+        <source>%1 dB</source>
+        <translation>%1 dB</translation>
+    </message>
+    <message>
+        <source>area %1, cell %2</source>
+        <translation>Gebiet %1, Zelle %2</translation>
+    </message>
+</context>
+<context>
     <name>SmsSettingsPage</name>
     <message>
         <source>1 hour</source>
@@ -2393,6 +2545,20 @@ Abhilfe: %2</translation>
     <message>
         <source>The budget could not be cleared: check that your data folder is writable, then try again.</source>
         <translation>Das Budget konnte nicht entfernt werden: Prüfen Sie, ob Ihr Datenordner beschreibbar ist, und versuchen Sie es erneut.</translation>
+        <source>Traffic</source>
+        <translation>Datenverkehr</translation>
+    </message>
+    <message>
+        <source>Signal</source>
+        <translation>Signal</translation>
+    </message>
+    <message>
+        <source>Show:</source>
+        <translation>Anzeigen:</translation>
+    </message>
+    <message>
+        <source>Day of the signal chart</source>
+        <translation>Tag des Signaldiagramms</translation>
     </message>
 </context>
 <context>
@@ -3847,6 +4013,60 @@ Abhilfe: %2</translation>
     <message>
         <source>Budget from %s to %s: %s</source>
         <translation>Budget von %s bis %s: %s</translation>
+        <source>excellent</source>
+        <translation>ausgezeichnet</translation>
+    </message>
+    <message>
+        <source>good</source>
+        <translation>gut</translation>
+    </message>
+    <message>
+        <source>fair</source>
+        <translation>mittel</translation>
+    </message>
+    <message>
+        <source>poor</source>
+        <translation>schwach</translation>
+    </message>
+    <message>
+        <source>no signal</source>
+        <translation>kein Signal</translation>
+    </message>
+    <message>
+        <source>%s (%s/5, %s)</source>
+        <translation>%s (%s/5, %s)</translation>
+    </message>
+    <message>
+        <source>reading the signal</source>
+        <translation>Signal wird gelesen</translation>
+    </message>
+    <message>
+        <source>RSCP:</source>
+        <translation>RSCP:</translation>
+    </message>
+    <message>
+        <source>Ec/Io:</source>
+        <translation>Ec/Io:</translation>
+    </message>
+    <message>
+        <source>Cell:</source>
+        <translation>Zelle:</translation>
+    </message>
+    <message>
+        <source>dialtone: --tone needs a terminal on standard error</source>
+        <translation>dialtone: --tone braucht ein Terminal als Standardfehlerausgabe</translation>
+    </message>
+    <message>
+        <source>Reading the signal once a second; press Ctrl-C to stop</source>
+        <translation>Das Signal wird jede Sekunde gelesen; Strg-C beendet</translation>
+    </message>
+    <message>
+        <source>best</source>
+        <translation>bestes</translation>
+    </message>
+    <message>
+        <source>--count and --tone go with --watch</source>
+        <translation>--count und --tone gehen nur mit --watch</translation>
     </message>
 </context>
 </TS>

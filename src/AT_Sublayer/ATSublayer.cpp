@@ -156,6 +156,10 @@ int CAtSublayer::NetworkGetSignalDBValue(int& value) {
     return m_networkUtility.GetSignalDBValue(value);
 }
 
+int CAtSublayer::NetworkGetSignalReading(TSignalReading& reading) {
+    return m_networkUtility.GetSignalReading(reading);
+}
+
 int CAtSublayer::PBGetConstraint(TPbConstraint& constraint) {
     return m_pbUtility.GetConstraint(constraint);
 }

@@ -57,6 +57,7 @@ public:
     int NetworkSetMode(int mode) override;
     int NetworkGetMode(int& mode) override;
     int NetworkGetSignalDBValue(int& value) override;
+    int NetworkGetSignalReading(TSignalReading& reading) override;
 
     int PBGetConstraint(TPbConstraint& constraint) override;
     int PBInitList(std::list<TPbItem>& items) override;

@@ -8,6 +8,7 @@
 #include "NetworkTypes.h"
 #include "PbTypes.h"
 #include "PinTypes.h"
+#include "SignalQuality.h"
 #include "SmsTypes.h"
 #include "SystemTypes.h"
 #include "UssdTypes.h"
@@ -99,6 +100,7 @@ public:
     virtual int NetworkSetMode(int mode) = 0;
     virtual int NetworkGetMode(int& mode) = 0;
     virtual int NetworkGetSignalDBValue(int& value) = 0;
+    virtual int NetworkGetSignalReading(TSignalReading& reading) = 0;
 
     virtual int PBGetConstraint(TPbConstraint& constraint) = 0;
     virtual int PBInitList(std::list<TPbItem>& items) = 0;

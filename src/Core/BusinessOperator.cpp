@@ -340,6 +340,22 @@ int BusinessOperator::NetworkGetSignalDbm(QVariantMap& response) {
     return result;
 }
 
+int BusinessOperator::NetworkGetSignal(QVariantMap& response) {
+    TSignalReading reading;
+    const int result = _pAtSubLayer->NetworkGetSignalReading(reading);
+    if (result == 0) {
+        const bool registered = reading.registration == 1 || reading.registration == 5;
+        WorkNotification::SetValueObject(
+            response, QVariantMap{{QStringLiteral("RSSI_DBM"), CsqToDbm(reading.csq)},
+                                  {QStringLiteral("RSCP_DBM"), RscpToDbm(reading.rscp)},
+                                  {QStringLiteral("ECIO_TENTHS"), EcnoToEcIoTenths(reading.ecno)},
+                                  {QStringLiteral("BEARER"), reading.bearer},
+                                  {QStringLiteral("LAC"), registered ? reading.lac : -1},
+                                  {QStringLiteral("CI"), registered ? reading.ci : -1}});
+    }
+    return result;
+}
+
 int BusinessOperator::NetworkGetList(QVariantMap& response) {
     std::list<TNetworkListItem> items;
     const int result = _pAtSubLayer->NetworkGetList(items);

@@ -49,6 +49,9 @@ public:
 
     // Network.
     int NetworkGetInfo(QVariantMap& response);
+    // The reading of the signal finder: "RSSI_DBM", "RSCP_DBM", "ECIO_TENTHS" (0 or 1 when unknown),
+    // "BEARER", "LAC" and "CI" (-1 when unknown).
+    int NetworkGetSignal(QVariantMap& response);
     int NetworkGetSignalDbm(QVariantMap& response);
     int NetworkGetList(QVariantMap& response);
     int NetworkSet(const QVariantMap& request);

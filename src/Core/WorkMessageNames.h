@@ -28,6 +28,8 @@ inline const QString NETWORK_GET_MODE = QStringLiteral("NETWORK_GET_MODE");
 inline const QString MESSAGE_NETWORK_GET_INFO = QStringLiteral("MESSAGE_NETWORK_GET_INFO");
 // The received signal strength in dBm (negative; 0 when the modem does not know it), from "+CSQ".
 inline const QString MESSAGE_NETWORK_GET_SIGNAL_DBM = QStringLiteral("MESSAGE_NETWORK_GET_SIGNAL_DBM");
+// One signal reading as a dictionary (keys in SignalSample): the dBm figures, bars, bearer and cell.
+inline const QString MESSAGE_NETWORK_GET_SIGNAL = QStringLiteral("MESSAGE_NETWORK_GET_SIGNAL");
 inline const QString NETWORK_SET_BAND = QStringLiteral("NETWORK_SET_BAND");
 inline const QString NETWORK_SET_MODE = QStringLiteral("NETWORK_SET_MODE");
 inline const QString NETWORK_GET_REG_STATE = QStringLiteral("NETWORK_GET_REG_STATE");

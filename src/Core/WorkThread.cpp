@@ -79,6 +79,7 @@ const RequestEntry kRequestTable[] = {
     {&NETWORK_GET_MODE, OUT_CALL(NetworkGetMode)},
     {&MESSAGE_NETWORK_GET_INFO, OUT_CALL(NetworkGetInfo)},
     {&MESSAGE_NETWORK_GET_SIGNAL_DBM, OUT_CALL(NetworkGetSignalDbm)},
+    {&MESSAGE_NETWORK_GET_SIGNAL, OUT_CALL(NetworkGetSignal)},
     {&MESSAGE_NETWORK_GET_LIST, OUT_CALL(NetworkGetList)},
     {&NETWORK_SET_BAND, IN_CALL(NetworkSetBand)},
     {&NETWORK_SET_MODE, IN_CALL(NetworkSetMode)},

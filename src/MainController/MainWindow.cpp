@@ -35,6 +35,7 @@
 #include "Settings/SettingsPlugin.h"
 #include "Statistics/StatisticsPlugin.h"
 #include "Statistics/TrafficStatics.h"
+#include "Statistics/SignalRecorder.h"
 #include "StatusBarView.h"
 #include "Toolkit/ToolkitPlugin.h"
 
@@ -73,6 +74,7 @@ MainWindow::MainWindow(bool useService, QWidget* parent) : QMainWindow(parent) {
     AppConfig* config = _link->config();
     Q_ASSERT(config);
     _traffic = std::make_unique<TrafficStatics>(*config);
+    _signalRecorder = std::make_unique<SignalRecorder>(*_link);
     _profiles = std::make_unique<ProfileSettingsController>(*config);
     _context = std::make_unique<ModuleContext>(
         ModuleContext{*_link, *config, *_traffic, *_profiles, *_notifier,
@@ -126,6 +128,7 @@ MainWindow::~MainWindow() {
     for (ModulePlugin* module : _modules)
         delete module;
     _modules.clear();
+    _signalRecorder.reset();
     _link.reset();
 }
 

@@ -19,6 +19,7 @@ class QPushButton;
 class QStackedWidget;
 class QSystemTrayIcon;
 class QTabWidget;
+class SignalRecorder;
 class StatusBarView;
 class TrafficStatics;
 struct ModuleContext;
@@ -69,6 +70,7 @@ private:
     std::unique_ptr<ModemLink> _link;
     std::unique_ptr<DesktopNotifier> _notifier;
     std::unique_ptr<TrafficStatics> _traffic;
+    std::unique_ptr<SignalRecorder> _signalRecorder;
     std::unique_ptr<ProfileSettingsController> _profiles;
     std::unique_ptr<ModuleContext> _context;
     QStackedWidget* _pages = nullptr;

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QPixmap>
+#include <QPushButton>
 #include <QThread>
 #include <QTimer>
 
@@ -85,14 +86,29 @@ void ScreenshotRun::shootAll() {
             Settle(kSettleMs);
             ok = save(QStringLiteral("contacts-computer")) && ok;
         }
+        ok = shootSignalFinder() && ok;
     }
     _succeeded = ok;
     QApplication::quit();
 }
 
-bool ScreenshotRun::save(const QString& name) {
+bool ScreenshotRun::shootSignalFinder() {
+    auto* open = _window.findChild<QPushButton*>(QStringLiteral("findSignal"));
+    if (open == nullptr || !_window.showModule(QStringLiteral("network")))
+        return true; // no Network tab on this stick
+    open->click();
+    auto* finder = _window.findChild<QWidget*>(QStringLiteral("signalFinder"));
+    if (finder == nullptr)
+        return false;
+    Settle(3 * kSettleMs);
+    const bool saved = save(QStringLiteral("signal-finder"), finder);
+    finder->hide();
+    return saved;
+}
+
+bool ScreenshotRun::save(const QString& name, QWidget* widget) {
     const QString path = QDir(_folder).filePath(name + QStringLiteral(".png"));
-    const bool saved = _window.grab().save(path, "PNG");
+    const bool saved = (widget ? widget->grab() : _window.grab()).save(path, "PNG");
     std::fprintf(saved ? stdout : stderr, "%s %s\n", saved ? "wrote" : "could not write", qPrintable(path));
     return saved;
 }

@@ -4,6 +4,7 @@
 #include <QString>
 
 class MainWindow;
+class QWidget;
 
 // Renders every tab of the main window to "<folder>/<module>.png" once the modem is ready (or the "no
 // modem" page when it does not come up), then quits the application. For reviewing the look and for the
@@ -20,7 +21,10 @@ public:
 
 private:
     void shootAll();
-    bool save(const QString& name);
+    // The window, or the given dialog, to "<folder>/<name>.png".
+    bool save(const QString& name, QWidget* widget = nullptr);
+    // The Network tab's signal finder after a few readings.
+    bool shootSignalFinder();
 
     MainWindow& _window;
     QString _folder;

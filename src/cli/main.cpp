@@ -29,6 +29,7 @@
 #include "SmsCommand.h"
 #include "StatsCommand.h"
 #include "BudgetCommand.h"
+#include "SignalCommand.h"
 #include "StatusCommand.h"
 #include "StkCommand.h"
 #include "ToolText.h"
@@ -78,6 +79,7 @@ int main(int argc, char** argv) {
     AddRequestCommand(app, context);
     AddPinCommand(app, context);
     AddNetworkCommand(app, context);
+    AddSignalCommand(app, context);
     AddConnectCommand(app, context);
     AddProfilesCommand(app, context);
     AddStatsCommand(app, context);

@@ -178,6 +178,28 @@ TEST_F(NetworkUtilityTest, PacketAttachStateAndBearer) {
     // clang-format on
 }
 
+// A vendor's stick refuses AT+CESQ: it is asked once, and AT+CREG=2 goes out once.
+TEST_F(NetworkUtilityTest, SignalReadingsAskForCesqUntilRefused) {
+    fake.Expect("AT+CSQ\r", Answer("+CSQ: 18,99")).WithTimeout(1000).WithPrefix("+CSQ");
+    fake.Expect("AT+CESQ\r", "\r\nERROR\r\n").WithTimeout(1000).WithPrefix("+CESQ");
+    fake.Expect("AT+CREG=2\r").WithTimeout(1000).WithoutPrefix();
+    fake.Expect("AT+CREG?\r", Answer("+CREG: 2,1,\"1A2B\",\"00C3D4E5\",2"))
+        .WithTimeout(3000)
+        .WithPrefix("+CREG");
+    fake.Expect("AT+SSND?\r", Answer("+SSND: HSDPA")).WithTimeout(1000).WithPrefix("+SSND: ");
+    fake.Expect("AT+CSQ\r", Answer("+CSQ: 99,99")).WithTimeout(1000).WithPrefix("+CSQ");
+    fake.ExpectFailure("AT+CREG?\r", 2);
+    fake.Expect("AT+SSND?\r", Answer("+SSND: NO SERVICE")).WithTimeout(1000).WithPrefix("+SSND: ");
+    std::string readings;
+    for (int i = 0; i < 2; ++i) {
+        TSignalReading r;
+        const int result = family.GetSignalReading(r);
+        readings += Fields(result, r.csq, r.rscp, r.registration, r.lac, r.ci, r.bearer) + " ";
+    }
+    EXPECT_EQ(readings, "0|18|255|1|6699|12834021|4 0|99|255|-1|-1|-1|0 ");
+    fake.VerifyDone();
+}
+
 TEST_F(NetworkUtilityTest, SystemSelectionReadsBandModeAndDomain) {
     // "result|band result|mode result|domain"
     // clang-format off

@@ -38,6 +38,8 @@ const std::vector<Row> kRows{
     {{"network", "info"}, "network_info"},
     {{"network", "reg"}, "registration_document"},
     {{"network", "scan"}, "operators"},
+    {{"signal"}, "signal_reading"},
+    {{"signal", "--watch", "--count", "2"}, "signal_reading", nullptr, true},
     {{"network", "band"}, "band", "error"},
     {{"network", "mode"}, "mode", "error"},
     {{"network", "select", "26202"}, "network_set"},

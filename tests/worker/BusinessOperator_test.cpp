@@ -58,6 +58,7 @@ public:
     int NetworkSetMode(int mode) override { return inner->NetworkSetMode(mode); }
     int NetworkGetMode(int& mode) override { return inner->NetworkGetMode(mode); }
     int NetworkGetSignalDBValue(int& value) override { return inner->NetworkGetSignalDBValue(value); }
+    int NetworkGetSignalReading(TSignalReading& r) override { return inner->NetworkGetSignalReading(r); }
     int PBGetConstraint(TPbConstraint& constraint) override { return inner->PBGetConstraint(constraint); }
     int PBDeleteItem(int storage, int index) override { return inner->PBDeleteItem(storage, index); }
     int PBUpdateItem(const TPbItem& item) override { return inner->PBUpdateItem(item); }

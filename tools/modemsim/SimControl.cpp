@@ -1,6 +1,7 @@
 #include "SimControl.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
@@ -249,7 +250,8 @@ json Help() {
             {"commands",
              {"sms [--coding=auto|gsm7|ucs2|data8] [--class=N] [--pid=N] [--ref16] [--order=reverse|2,1,3] "
               "[--time=YY/MM/DD,hh:mm:ss+zz] [--smsc=NUMBER] FROM TEXT",
-              "sms-pdu HEX", "ussd M [TEXT]", "ring NUMBER", "hangup", "stk N|NAME", "signal CSQ", "reg STAT",
+              "sms-pdu HEX", "ussd M [TEXT]", "ring NUMBER", "hangup", "stk N|NAME", "signal CSQ|drift|steady",
+              "cell LAC CI", "reg STAT",
               "set KEY VALUE", "inject LINE", "dump", "unplug", "plug", "quit"}}};
 }
 
@@ -285,7 +287,21 @@ json ExecuteControl(const std::string& line, SimModem& modem, const ControlHooks
         return ToolkitIndication(modem, NextWord(rest));
     }
     if (cmd == "signal") {
-        return ParseInt(NextWord(rest), n) ? SetSignal(modem, n) : Fail("usage: signal CSQ");
+        const std::string word = NextWord(rest);
+        if (word == "drift" || word == "steady")
+            return SetSignalDrift(modem, word == "drift");
+        return ParseInt(word, n) ? SetSignal(modem, n) : Fail("usage: signal CSQ|drift|steady");
+    }
+    if (cmd == "cell") {
+        const std::string lac = NextWord(rest);
+        const std::string cell = NextWord(rest);
+        char* end = nullptr;
+        const long long lacValue = std::strtoll(lac.c_str(), &end, 16);
+        const bool lacOk = !lac.empty() && lac.size() <= 4 && *end == '\0';
+        const long long cellValue = std::strtoll(cell.c_str(), &end, 16);
+        const bool cellOk = !cell.empty() && cell.size() <= 8 && *end == '\0';
+        return lacOk && cellOk ? SetCell(modem, lacValue, cellValue)
+                               : Fail("usage: cell LAC CI (hexadecimal)");
     }
     if (cmd == "reg") {
         return ParseInt(NextWord(rest), n) ? SetRegistration(modem, n) : Fail("usage: reg STAT");

@@ -1,5 +1,7 @@
 #include "SimNetworkCommands.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <span>
 
 #include "SimText.h"
@@ -75,13 +77,19 @@ int TargetOperator(const SimModem& m) {
     return AutomaticChoice(s);
 }
 
-const char* kLac = "\"1A2B\",\"00C3D4E5\"";
+// "1A2B","00C3D4E5": the area and cell of AT+CREG=2 answers.
+std::string CellFields(const SimModem& m) {
+    char text[32];
+    std::snprintf(text, sizeof text, "\"%04X\",\"%08llX\"", static_cast<unsigned>(m.State().network.lac),
+                  static_cast<unsigned long long>(m.State().network.cell));
+    return text;
+}
 
 std::string RegLine(const SimModem& m, const char* prefix, int n, int stat) {
     std::string line = std::string(prefix) + std::to_string(n) + "," + std::to_string(stat);
     const Operator* op = CurrentOperator(m);
     if (n == 2 && op && (stat == 1 || stat == 5)) {
-        line += std::string(",") + kLac + "," + std::to_string(op->act);
+        line += "," + CellFields(m) + "," + std::to_string(op->act);
     }
     return line;
 }
@@ -145,11 +153,33 @@ AtReply Csq(SimModem& m, const AtCommand& cmd) {
     if (cmd.form == Form::Test) {
         return AtReply::Line("+CSQ: (0-31,99),(0-7,99)");
     }
-    const Network& net = m.State().network;
+    Network& net = m.State().network;
     if (net.cfun != 1) {
         return AtReply::Line("+CSQ: 99,99");
     }
+    if (net.signalDrift && net.csq != 99) {
+        // A step of -2..+2 from a fixed pseudo-random sequence, kept within 3..30.
+        net.driftState = net.driftState * 1103515245u + 12345u;
+        net.csq = std::clamp(net.csq + static_cast<int>((net.driftState >> 16) % 5) - 2, 3, 30);
+    }
     return AtReply::Line("+CSQ: " + std::to_string(net.csq) + "," + std::to_string(net.ber));
+}
+
+// AT+CESQ -> +CESQ: 99,99,36,28,255,255   on a standard stick registered on UMTS: RSCP and Ec/Io that
+// follow the CSQ; GSM gives its rxlev instead. The vendor's own sticks do not know the command.
+AtReply Cesq(SimModem& m, const AtCommand& cmd) {
+    if (!m.Standard())
+        return AtReply::Error();
+    if (cmd.form == Form::Test)
+        return AtReply::Line("+CESQ: (0-63,99),(0-7,99),(0-96,255),(0-49,255),(0-34,255),(0-97,255)");
+    const Network& net = m.State().network;
+    const Operator* op = CurrentOperator(m);
+    std::string values = "99,99,255,255";
+    if (op && net.cfun == 1 && net.csq != 99)
+        values = op->act >= 2 ? "99,99," + std::to_string(2 * net.csq) + "," +
+                                    std::to_string(std::min(49, 10 + net.csq))
+                              : std::to_string(2 * net.csq) + ",99,255,255";
+    return AtReply::Line("+CESQ: " + values + ",255,255");
 }
 
 AtReply Cgatt(SimModem& m, const AtCommand& cmd) {
@@ -483,6 +513,19 @@ nlohmann::json SetSignal(SimModem& m, int csq) {
     return {{"ok", true}, {"csq", csq}};
 }
 
+nlohmann::json SetSignalDrift(SimModem& m, bool drift) {
+    m.State().network.signalDrift = drift;
+    return {{"ok", true}, {"drift", drift}};
+}
+
+nlohmann::json SetCell(SimModem& m, long long lac, long long cell) {
+    if (lac < 0 || lac > 0xFFFF || cell < 0 || cell > 0xFFFFFFFLL)
+        return {{"ok", false}, {"error", "LAC must be 0-FFFF and CI 0-FFFFFFF (hexadecimal)"}};
+    m.State().network.lac = static_cast<int>(lac);
+    m.State().network.cell = cell;
+    return {{"ok", true}, {"lac", lac}, {"ci", cell}};
+}
+
 nlohmann::json SetRegistration(SimModem& m, int stat) {
     if (stat < -1 || stat > 5) {
         return {{"ok", false}, {"error", "STAT must be 0-5, or -1 for automatic"}};
@@ -496,6 +539,7 @@ nlohmann::json SetRegistration(SimModem& m, int stat) {
 
 void RegisterNetworkCommands(CommandTable& table) {
     table["+CSQ"] = {Csq, SimNeed::None};
+    table["+CESQ"] = {Cesq, SimNeed::None};
     table["+CREG"] = {Creg, SimNeed::None};
     table["+CGREG"] = {Cgreg, SimNeed::None};
     table["+CGATT"] = {Cgatt, SimNeed::None};

@@ -22,6 +22,9 @@ void SetFunctionality(SimModem& m, int level);
 
 // Control socket: "signal CSQ", "reg STAT" (-1 gives the status back to the simulation).
 nlohmann::json SetSignal(SimModem& m, int csq);
+// "signal drift" and "signal steady"; "cell LAC CI" in hexadecimal.
+nlohmann::json SetSignalDrift(SimModem& m, bool drift);
+nlohmann::json SetCell(SimModem& m, long long lac, long long cell);
 nlohmann::json SetRegistration(SimModem& m, int stat);
 
 } // namespace modemsim

@@ -142,6 +142,7 @@ void ParseNetwork(const json& j, Network& net) {
     net.csq = j.value("signal", 18);
     Require((net.csq >= 0 && net.csq <= 31) || net.csq == 99, "signal must be 0-31 or 99");
     net.ber = IntIn(j, "ber", 99, 0, 99);
+    net.signalDrift = j.value("signal_drift", false);
     net.attached = j.value("attached", true);
     net.bearer = j.value("bearer", "HSDPA");
     net.scanDelayMs = IntIn(j, "scan_delay_ms", 2000, 0, 600000);

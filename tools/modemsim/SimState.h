@@ -64,6 +64,10 @@ struct Network {
     int regOverride = -1;      // control "reg STAT": forced registration status
     int csq = 18;
     int ber = 99;
+    bool signalDrift = false;   // each AT+CSQ moves the signal a little, as when the stick is carried about
+    unsigned driftState = 1;    // the drift's pseudo-random sequence
+    int lac = 0x1A2B;           // the cell of AT+CREG=2 answers
+    long long cell = 0xC3D4E5;
     bool attached = true;
     std::string bearer = "HSDPA";
     int scanDelayMs = 2000;

@@ -31,6 +31,16 @@ void NetworkController::readInfo() {
     });
 }
 
+void NetworkController::readSignal() {
+    if (_readingSignal)
+        return;
+    _readingSignal = true;
+    send(MESSAGE_NETWORK_GET_SIGNAL, {}, [this](const Outcome& outcome, const QVariant& value) {
+        _readingSignal = false;
+        emit signalRead(outcome, SignalSample::fromValue(value));
+    });
+}
+
 void NetworkController::readRegistration() {
     if (_readingRegistration)
         return;

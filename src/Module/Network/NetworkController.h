@@ -9,6 +9,7 @@
 #include "ModemLink.h"
 #include "NetworkRecords.h"
 #include "Outcome.h"
+#include "SignalSample.h"
 
 // The radio network for the views: the current operator and registration, the search for the operators in
 // reach, automatic or manual selection, and the band and mode the modem may use. Every method answers
@@ -30,6 +31,8 @@ public:
     explicit NetworkController(ModemLink& link, QObject* parent = nullptr);
 
     void readInfo();
+    // One signal reading (dBm, RSCP, Ec/Io, bearer, cell); ignored while one is under way.
+    void readSignal();
     // Ignored while a reading is under way.
     void readRegistration();
     void scan();
@@ -55,6 +58,7 @@ public:
 signals:
     void infoRead(const Outcome& outcome, const BLNetworkInfo& info);
     void registrationRead(const Outcome& outcome, const BLNetRegState& registration);
+    void signalRead(const Outcome& outcome, const SignalSample& sample);
     void scanningChanged(bool scanning);
     void scanFinished(const Outcome& outcome, const QList<BLNetworkListItem>& operators);
     // plmn: the operator chosen, empty for automatic selection.
@@ -78,5 +82,6 @@ private:
     ModemLink& _link;
     bool _scanning = false;
     bool _readingRegistration = false; // the poll and a selection may both ask
+    bool _readingSignal = false;
     bool _radioSupported = true;
 };

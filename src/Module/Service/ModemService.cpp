@@ -19,6 +19,7 @@
 #include "SmsRecords.h"
 #include "ServiceBus.h"
 #include "Statistics/TrafficStatics.h"
+#include "Statistics/SignalRecorder.h"
 #include "StatusText.h"
 #include "WorkNotification.h"
 
@@ -92,6 +93,7 @@ ModemService::~ModemService() {
     _connect.reset();
     _profiles.reset();
     _traffic.reset();
+    _signalRecorder.reset();
     _link.reset();
 }
 
@@ -126,6 +128,7 @@ void ModemService::onModemReady() {
     // The connector, the profiles and the messages need the configuration the worker loaded.
     _connectorStarted = true;
     _traffic = std::make_unique<TrafficStatics>(*config);
+    _signalRecorder = std::make_unique<SignalRecorder>(*_link);
     _profiles = std::make_unique<ProfileSettingsController>(*config);
     _connect = std::make_unique<ConnectController>(*_link, config, _traffic.get());
     // A dial-up service that needs an administrator is made when a client dials, not at start-up.

@@ -20,6 +20,7 @@ class MessagesController;
 class ModemLink;
 class ProfileSettingsController;
 class TrafficStatics;
+class SignalRecorder;
 
 // dialtoned's object on the session bus: the one owner of the modem for every client of this user. It
 // follows the modem with its own link (detection, init, SIM, network), dials and hangs up with its own
@@ -106,6 +107,7 @@ private:
     int _idleExitMs;
     std::unique_ptr<ModemLink> _link;
     std::unique_ptr<TrafficStatics> _traffic;
+    std::unique_ptr<SignalRecorder> _signalRecorder;
     std::unique_ptr<ProfileSettingsController> _profiles;
     std::unique_ptr<ConnectController> _connect;
     std::unique_ptr<BudgetGuard> _guard;

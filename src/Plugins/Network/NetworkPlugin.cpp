@@ -17,6 +17,7 @@
 #include "CNSSignalBars.h"
 #include "FailureText.h"
 #include "Network/NetworkController.h"
+#include "SignalFinderDialog.h"
 #include "StatusText.h"
 
 namespace {
@@ -85,7 +86,14 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     _signal->setObjectName(QStringLiteral("signal"));
     _signal->setFixedSize(50, 20);
     _signal->follow(link());
-    form->addRow(tr("Signal:"), _signal);
+    _findSignal = new QPushButton(tr("Signal finder…"));
+    _findSignal->setObjectName(QStringLiteral("findSignal"));
+    _findSignal->setToolTip(tr("Find the best place for the modem with a large gauge read once a second"));
+    auto* signalRow = new QHBoxLayout;
+    signalRow->addWidget(_signal);
+    signalRow->addWidget(_findSignal);
+    signalRow->addStretch(1);
+    form->addRow(tr("Signal:"), signalRow);
     form->addRow(tr("Roaming:"),
                  _roaming = CNSValueLabel(QStringLiteral("roaming"), nullptr, QStringLiteral("-")));
     form->addRow(tr("Selection:"),
@@ -198,6 +206,13 @@ NetworkPlugin::NetworkPlugin(ModuleContext& context, QWidget* parent) : ModulePl
     connect(_search, &QPushButton::clicked, this, &NetworkPlugin::search);
     connect(_register, &QPushButton::clicked, this, &NetworkPlugin::registerSelected);
     connect(_applyRadio, &QPushButton::clicked, this, &NetworkPlugin::applyRadio);
+    connect(_findSignal, &QPushButton::clicked, this, [this] {
+        if (!_finder)
+            _finder = new SignalFinderDialog(link(), this);
+        _finder->show();
+        _finder->raise();
+        _finder->activateWindow();
+    });
     connect(_automatic, &QRadioButton::toggled, this, &NetworkPlugin::updateButtons);
     connect(_networks, &QTreeWidget::itemSelectionChanged, this, [this] {
         if (!_networks->selectedItems().isEmpty())
@@ -225,6 +240,8 @@ void NetworkPlugin::modemReady() {
 void NetworkPlugin::modemGone() {
     _ready = false;
     _registering = _radioBusy = _radioUnsupported = false;
+    if (_finder)
+        _finder->hide();
     for (QLabel* label : {_operator, _registration, _technology, _bearer, _roaming, _selection})
         label->setText(QStringLiteral("-"));
     _networks->clear();
@@ -381,6 +398,7 @@ void NetworkPlugin::radioApplied(const Outcome& outcome, NetworkController::Radi
 void NetworkPlugin::updateButtons() {
     const bool searching = _network && _network->isScanning();
     _search->setEnabled(_ready && !searching && !_registering);
+    _findSignal->setEnabled(_ready);
     _search->setText(searching ? tr("Searching…") : tr("Search networks"));
     const bool chosen = !_networks->selectedItems().isEmpty();
     _register->setEnabled(_ready && !searching && !_registering && (_automatic->isChecked() || chosen));

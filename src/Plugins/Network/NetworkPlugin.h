@@ -12,6 +12,7 @@ class QProgressBar;
 class QPushButton;
 class QRadioButton;
 class QTreeWidget;
+class SignalFinderDialog;
 
 // The radio network: the current registration (operator, state, technology, signal, roaming), a search for
 // the operators in reach with automatic or manual selection, and the band and mode the modem may use.
@@ -58,6 +59,8 @@ private:
     QLabel* _technology = nullptr;
     QLabel* _bearer = nullptr;
     CNSSignalBars* _signal = nullptr;
+    QPushButton* _findSignal = nullptr;
+    SignalFinderDialog* _finder = nullptr; // made when first opened
     QLabel* _roaming = nullptr;
     QLabel* _selection = nullptr;
     // Search and selection.

@@ -103,6 +103,20 @@ QSize CNSTrafficChart::sizeHint() const {
     return {560, 260};
 }
 
+void CNSTrafficChart::paintLegend(QPainter& painter, const QWidget& chart,
+                                  std::initializer_list<std::pair<QColor, QString>> entries) {
+    const QFontMetrics metrics(chart.font());
+    const int line = metrics.height();
+    int x = 8;
+    for (const auto& [color, text] : entries) {
+        painter.fillRect(QRect(x, 8, line - 4, line - 4), color);
+        x += line;
+        painter.setPen(chart.palette().color(QPalette::Text));
+        painter.drawText(QPoint(x, 6 + metrics.ascent()), text);
+        x += metrics.horizontalAdvance(text) + 16;
+    }
+}
+
 void CNSTrafficChart::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const QFontMetrics metrics(font());
@@ -110,17 +124,8 @@ void CNSTrafficChart::paintEvent(QPaintEvent*) {
     const QPalette& pal = palette();
     painter.fillRect(rect(), pal.base());
 
-    // Legend across the top.
-    int x = 8;
     const int legendY = 6;
-    for (const auto& [color, text] :
-         {std::pair{homeColor(), tr("Home network")}, {roamingColor(), tr("Roaming")}}) {
-        painter.fillRect(QRect(x, legendY + 2, line - 4, line - 4), color);
-        x += line;
-        painter.setPen(pal.color(QPalette::Text));
-        painter.drawText(QPoint(x, legendY + metrics.ascent()), text);
-        x += metrics.horizontalAdvance(text) + 16;
-    }
+    paintLegend(painter, *this, {{homeColor(), tr("Home network")}, {roamingColor(), tr("Roaming")}});
 
     // Heights are scaled on halves so that two near-maximal counters cannot overflow.
     quint64 peak = 0;

@@ -4,7 +4,12 @@
 #include <QList>
 #include <QWidget>
 
+#include <initializer_list>
+#include <utility>
+
 #include "Statistics/StatisticsController.h"
+
+class QPainter;
 
 // A bar per day of a range: the bytes sent and received on the home network, with the roaming share
 // stacked on top in its own colour, and a legend. Days without rows stay empty; rows outside the range and
@@ -27,6 +32,9 @@ public:
 
     static QColor homeColor();
     static QColor roamingColor();
+    // Colour boxes with their names in a row across the top of a chart.
+    static void paintLegend(QPainter& painter, const QWidget& chart,
+                            std::initializer_list<std::pair<QColor, QString>> entries);
 
     QSize minimumSizeHint() const override;
     QSize sizeHint() const override;

@@ -11,12 +11,14 @@
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include "AppConfig.h"
 #include "BudgetDialog.h"
 #include "CNSLabels.h"
+#include "CNSSignalChart.h"
 #include "CNSTrafficChart.h"
 #include "Connector/ConnectController.h"
 #include "LocaleFormat.h"
@@ -59,11 +61,41 @@ StatisticsPlugin::StatisticsPlugin(ModuleContext& context, QWidget* parent)
     chooser->addWidget(CNSBuddyLabel(tr("to"), _to, this));
     chooser->addWidget(_to);
     chooser->addStretch(1);
+    _chartKind = new QComboBox(this);
+    _chartKind->setObjectName(QStringLiteral("chartKind"));
+    _chartKind->addItems({tr("Traffic"), tr("Signal")});
+    _signalDay = new QDateEdit(today, this);
+    _signalDay->setObjectName(QStringLiteral("signalDay"));
+    _signalDay->setCalendarPopup(true);
+    _signalDay->setDisplayFormat(QStringLiteral("yyyy-MM-dd"));
+    _signalDay->setAccessibleName(tr("Day of the signal chart"));
+    _signalDay->setVisible(false);
+    chooser->addWidget(CNSBuddyLabel(tr("Show:"), _chartKind, this));
+    chooser->addWidget(_chartKind);
+    chooser->addWidget(_signalDay);
     layout->addLayout(chooser);
 
-    _chart = new CNSTrafficChart(this);
+    _charts = new QStackedWidget(this);
+    _chart = new CNSTrafficChart(_charts);
     _chart->setObjectName(QStringLiteral("chart"));
-    layout->addWidget(_chart, 1);
+    _signalChart = new CNSSignalChart(_charts);
+    _signalChart->setObjectName(QStringLiteral("signalChart"));
+    _charts->addWidget(_chart);
+    _charts->addWidget(_signalChart);
+    layout->addWidget(_charts, 1);
+    connect(_chartKind, &QComboBox::currentIndexChanged, this, [this](int index) {
+        _charts->setCurrentIndex(index);
+        _signalDay->setVisible(index == 1);
+        refreshSignal();
+    });
+    connect(_signalDay, &QDateEdit::dateChanged, this, &StatisticsPlugin::refreshSignal);
+    // The history gains a minute a minute.
+    _signalRefresh.setInterval(60000);
+    connect(&_signalRefresh, &QTimer::timeout, this, [this] {
+        if (isVisible() && _charts->currentIndex() == 1)
+            refreshSignal();
+    });
+    _signalRefresh.start();
 
     _message = new QLabel(this);
     _message->setObjectName(QStringLiteral("statisticsMessage"));
@@ -178,6 +210,11 @@ void StatisticsPlugin::followLink(const Notification& notification) {
 void StatisticsPlugin::showEvent(QShowEvent* event) {
     ModulePlugin::showEvent(event);
     refresh();
+    refreshSignal();
+}
+
+void StatisticsPlugin::refreshSignal() {
+    _signalChart->setDay(_signalDay->date(), SignalHistory().day(_signalDay->date()));
 }
 
 void StatisticsPlugin::refresh() {

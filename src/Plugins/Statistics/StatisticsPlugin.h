@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QPointer>
+#include <QTimer>
 
 #include "Budget/BudgetController.h"
 #include "ModulePlugin.h"
@@ -15,12 +16,15 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 class CNSTrafficChart;
+class CNSSignalChart;
+class QStackedWidget;
 
 // The statistics tab: the traffic of a period (this month, last month or chosen days) as a bar per day
 // with the roaming share, the period's totals, the totals since the last reset, and the reset. Works from
 // the history on this computer, so it needs no modem; a connection in progress is added to today until
 // its traffic is saved when it ends. Above the totals, the data budget of the SIM as a bar with the days
-// left in its period, and the buttons to set and clear it.
+// left in its period, and the buttons to set and clear it. A switch shows instead the signal of a chosen day
+// from the signal history, with the changes of bearer and cell.
 class StatisticsPlugin : public ModulePlugin {
     Q_OBJECT
 public:
@@ -37,6 +41,8 @@ public:
 
     // Reads the history again and shows it.
     void refresh();
+    // Reads the chosen day of the signal history again and shows it.
+    void refreshSignal();
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -63,6 +69,11 @@ private:
     QDateEdit* _from = nullptr;
     QDateEdit* _to = nullptr;
     CNSTrafficChart* _chart = nullptr;
+    QComboBox* _chartKind = nullptr;
+    QDateEdit* _signalDay = nullptr;
+    QStackedWidget* _charts = nullptr;
+    CNSSignalChart* _signalChart = nullptr;
+    QTimer _signalRefresh;
     QLabel* _message = nullptr;
     QLabel* _periodSent = nullptr;
     QLabel* _periodReceived = nullptr;

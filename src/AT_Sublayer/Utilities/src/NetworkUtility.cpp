@@ -126,6 +126,37 @@ int CNetworkUtility::GetSignalDBValue(int& value) {
     return 0;
 }
 
+int CNetworkUtility::GetSignalReading(TSignalReading& reading) {
+    reading = TSignalReading{};
+    std::string response;
+    int result = WriteComm(response, "AT+CSQ\r", "+CSQ", kQuickTimeoutMs);
+    if (result != 0)
+        return result;
+    if (!ParseCsqRssi(response, reading.csq))
+        return 1;
+    if (!m_bNoCesq) {
+        // +CESQ: 99,99,45,30,255,255
+        result = WriteComm(response, "AT+CESQ\r", "+CESQ", kQuickTimeoutMs);
+        if (result == 0 && AnswerHasOk(response))
+            ParseCesqAnswer(response, reading.rscp, reading.ecno);
+        else if (result == 0)
+            m_bNoCesq = true;
+    }
+    if (!m_bRegistrationDetails) {
+        RunSetCommand("AT+CREG=2\r", kQuickTimeoutMs);
+        m_bRegistrationDetails = true;
+    }
+    if (WriteComm(response, "AT+CREG?\r", "+CREG", kStateTimeoutMs) == 0)
+        ParseCregCell(response, reading);
+    const int technology = reading.accessTechnology;
+    constexpr int kTechnologies = static_cast<int>(std::size(kAccessTechnologyBearers));
+    if (StandardDialect() && technology >= 0 && technology < kTechnologies)
+        reading.bearer = kAccessTechnologyBearers[technology];
+    else
+        GetBearer(reading.bearer);
+    return 0;
+}
+
 int CNetworkUtility::GetRegState(int which, int& state) {
     // +CREG: 0,1   or with location: +CGREG: 2,5,"1A2B","00C3D4",2
     state = kUnknownRegistration;

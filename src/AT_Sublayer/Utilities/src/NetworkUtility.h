@@ -8,6 +8,7 @@
 
 #include "ExecATCallback.h"
 #include "NetworkTypes.h"
+#include "SignalQuality.h"
 #include "SystemTypes.h"
 
 // The radio network: registration (AT+CREG?, AT+CGREG?), signal (AT+CSQ), the current operator and the
@@ -54,6 +55,11 @@ public:
     int GetRssiLevel(int& level);
     // The signal as a positive figure in dBm (114 - 2 x CSQ), 0 when unknown.
     int GetSignalDBValue(int& value);
+    // One reading for the signal finder and the history: AT+CSQ (whose failure fails it), then AT+CESQ
+    // for RSCP and Ec/Io and AT+CREG? (after AT+CREG=2) for the cell. A modem that refuses AT+CESQ is not
+    // asked again; the other values stay unknown when their command fails. The bearer comes from the
+    // cell's access technology on a standard stick, else as GetBearer reads it.
+    int GetSignalReading(TSignalReading& reading);
     int SetBand(int band);
     int GetBand(int& band);
     // mode: 0 to 4, the rows of the mode table; 5 when the modem's pair is not in it.
@@ -93,4 +99,6 @@ private:
     ExecATCallback m_pfnExecAT = nullptr;
     // AT+CREG=2 was sent, so that "+CREG?" answers carry the access technology.
     bool m_bRegistrationDetails = false;
+    // AT+CESQ answered with an error once: the modem does not know it.
+    bool m_bNoCesq = false;
 };

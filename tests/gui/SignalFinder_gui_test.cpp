@@ -1,0 +1,42 @@
+// The signal finder on the simulated modem, and the signal history in the Statistics tab.
+#include <QCheckBox>
+#include <QComboBox>
+#include <QPushButton>
+
+#include "CNSSignalGauge.h"
+#include "GuiTestSupport.h"
+#include "Network/NetworkPlugin.h"
+#include "Statistics/CNSSignalChart.h"
+#include "Statistics/SignalHistory.h"
+#include "Statistics/StatisticsPlugin.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
+    GuiWorld world;
+    ASSERT_TRUE(world.ready());
+    // The simulator's +CSQ: 18 is -77 dBm; the best of the minute is the same while it stays.
+    auto* network = world.show<NetworkPlugin>(QStringLiteral("network"));
+    ASSERT_NE(network, nullptr);
+    Child<QPushButton>(network, "findSignal")->click();
+    auto* gauge = network->findChild<CNSSignalGauge*>(QStringLiteral("gauge"));
+    ASSERT_NE(gauge, nullptr);
+    EXPECT_TRUE(waitForGui([&] { return gauge->dbm() == -77 && gauge->bestDbm() == -77; }, 20s));
+    // The tone starts and stops quietly, also without a sound device.
+    auto* tone = network->findChild<QCheckBox*>(QStringLiteral("tone"));
+    tone->setChecked(true);
+    tone->setChecked(false);
+
+    // A minute of today in the history, as the recorder writes it.
+    SignalHistory history;
+    history.add(SignalSample{-77, 0, 1, 4, 1, 2}, QDateTime(QDate::currentDate(), QTime(0, 0)));
+    ASSERT_TRUE(history.flush());
+    auto* statistics = world.show<StatisticsPlugin>(QStringLiteral("statistics"));
+    ASSERT_NE(statistics, nullptr);
+    Child<QComboBox>(statistics, "chartKind")->setCurrentIndex(1);
+    EXPECT_EQ(Child<CNSSignalChart>(statistics, "signalChart")->pointCount(), 1);
+}
+
+} // namespace
