@@ -2543,8 +2543,6 @@ Abhilfe: %2</translation>
         <translation>Das Budget konnte nicht gespeichert werden: Prüfen Sie, ob Ihr Datenordner beschreibbar ist, und versuchen Sie es erneut.</translation>
     </message>
     <message>
-        <source>The budget could not be cleared: check that your data folder is writable, then try again.</source>
-        <translation>Das Budget konnte nicht entfernt werden: Prüfen Sie, ob Ihr Datenordner beschreibbar ist, und versuchen Sie es erneut.</translation>
         <source>Traffic</source>
         <translation>Datenverkehr</translation>
     </message>
@@ -2559,6 +2557,10 @@ Abhilfe: %2</translation>
     <message>
         <source>Day of the signal chart</source>
         <translation>Tag des Signaldiagramms</translation>
+    </message>
+    <message>
+        <source>The budget could not be cleared: check that your data folder is writable, then try again.</source>
+        <translation>Das Budget konnte nicht entfernt werden: Prüfen Sie, ob Ihr Datenordner beschreibbar ist, und versuchen Sie es erneut.</translation>
     </message>
 </context>
 <context>
@@ -3851,8 +3853,6 @@ Abhilfe: %2</translation>
         <translation>Keine Nachrichten</translation>
     </message>
     <message>
-        <source>No message holds &quot;%s&quot;</source>
-        <translation>Keine Nachricht enthält „%s“</translation>
         <source>Imported %s: %s added, %s merged, %s already there, %s refused (no name, number or e-mail)</source>
         <translation>%s importiert: %s hinzugefügt, %s zusammengeführt, %s schon vorhanden, %s abgelehnt (ohne Name, Nummer oder E-Mail)</translation>
     </message>
@@ -3929,8 +3929,6 @@ Abhilfe: %2</translation>
         <translation>die SIM</translation>
     </message>
     <message>
-        <source>the modem&apos;s phonebook</source>
-        <translation>das Telefonbuch des Modems</translation>
         <source>SIM (IMSI):</source>
         <translation>SIM (IMSI):</translation>
     </message>
@@ -4011,8 +4009,6 @@ Abhilfe: %2</translation>
         <translation>„dialtone connect --over-budget“ wählt trotzdem</translation>
     </message>
     <message>
-        <source>Budget from %s to %s: %s</source>
-        <translation>Budget von %s bis %s: %s</translation>
         <source>excellent</source>
         <translation>ausgezeichnet</translation>
     </message>
@@ -4067,6 +4063,18 @@ Abhilfe: %2</translation>
     <message>
         <source>--count and --tone go with --watch</source>
         <translation>--count und --tone gehen nur mit --watch</translation>
+    </message>
+    <message>
+        <source>the modem&apos;s phonebook</source>
+        <translation>das Telefonbuch des Modems</translation>
+    </message>
+    <message>
+        <source>No message holds &quot;%s&quot;</source>
+        <translation>Keine Nachricht enthält „%s“</translation>
+    </message>
+    <message>
+        <source>Budget from %s to %s: %s</source>
+        <translation>Budget von %s bis %s: %s</translation>
     </message>
 </context>
 </TS>
