@@ -23,10 +23,8 @@ ContactNames::ContactNames(QList<LocalContact> book, QList<BLPbItem> phonebook, 
 QString ContactNames::nameFor(const QString& number) const {
     if (number.trimmed().isEmpty())
         return {};
-    const std::string home = _region.toStdString();
-    const std::string wanted = Stored(number, home);
     const auto same = [&](const QString& stored) {
-        return !stored.isEmpty() && PhoneNumbers::SameNumber(Stored(stored, home), wanted, home);
+        return !stored.isEmpty() && LocalPhoneBook::sameNumber(stored, number, _region);
     };
     for (const LocalContact& contact : _book) {
         for (const LocalContact::Number& entry : contact.numbers) {
@@ -77,9 +75,8 @@ QList<ContactNames::Person> ContactNames::byName(const QString& text) const {
         if (person == into.end())
             person = into.insert(into.end(), Person{name, {}});
         const bool known =
-            std::any_of(person->numbers.cbegin(), person->numbers.cend(), [&](const QString& n) {
-                const std::string home = _region.toStdString();
-                return PhoneNumbers::SameNumber(Stored(n, home), Stored(number, home), home);
+            std::any_of(person->numbers.cbegin(), person->numbers.cend(), [&](const QString& held) {
+                return LocalPhoneBook::sameNumber(held, number, _region);
             });
         if (!known)
             person->numbers << QString::fromStdString(Stored(number, _region.toStdString()));

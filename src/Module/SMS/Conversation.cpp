@@ -26,14 +26,9 @@ QString Digits(const QString& text) {
     return digits;
 }
 
-bool SameLine(const QString& a, const QString& b, const QString& region) {
-    return PhoneNumbers::SameNumber(ContactNames::canonical(a, region).toStdString(),
-                                    ContactNames::canonical(b, region).toStdString(), region.toStdString());
-}
-
 bool NumberHolds(const QString& number, const QString& wantedDigits, const QString& region) {
-    const QString national = QString::fromStdString(
-        PhoneNumbers::ForReading(ContactNames::canonical(number, region).toStdString(), region.toStdString()));
+    const QString national = QString::fromStdString(PhoneNumbers::ForReading(
+        ContactNames::canonical(number, region).toStdString(), region.toStdString()));
     return Digits(number).contains(wantedDigits) || Digits(national).contains(wantedDigits);
 }
 
@@ -108,8 +103,9 @@ QList<Message> thread(const QList<Message>& all, const QStringList& numbers, con
     QList<Message> found;
     for (const Message& message : all) {
         const bool ours = std::any_of(numbers.cbegin(), numbers.cend(), [&](const QString& wanted) {
-            return std::any_of(message.numbers.cbegin(), message.numbers.cend(),
-                               [&](const QString& number) { return SameLine(number, wanted, region); });
+            return std::any_of(message.numbers.cbegin(), message.numbers.cend(), [&](const QString& number) {
+                return LocalPhoneBook::sameNumber(number, wanted, region);
+            });
         });
         if (ours)
             found.append(message);
@@ -150,7 +146,7 @@ QList<Correspondent> correspondents(const QList<Message>& all, const QString& re
             if (number.trimmed().isEmpty())
                 continue;
             auto person = std::find_if(people.begin(), people.end(), [&](const Correspondent& held) {
-                return SameLine(held.number, number, region);
+                return LocalPhoneBook::sameNumber(held.number, number, region);
             });
             if (person == people.end())
                 person = people.insert(people.end(), Correspondent{number, message, 0});
