@@ -55,8 +55,9 @@ public:
     static int daysLeft(const BudgetPeriod& period, const QDate& today);
     // A day's traffic (at home and roaming, both ways) and connected time.
     static BudgetUse useOfDay(const _TrafficStaticsItem& day);
-    // The traffic and connected time of the history's days that fall in the period. A link that spanned
-    // the period's start was split at midnight by the history, so each period gets its own part.
+    // The traffic and connected time of the history's days that fall in the period. The history gives a
+    // link that ran past midnight its earlier traffic on the new day too, so such a link across the
+    // period's start counts in full in the new period: the budget errs towards warning early.
     static BudgetUse useIn(const BudgetPeriod& period, const QList<StatisticsDayRow>& rows);
     // The larger of the byte and the time share, in whole percent (saturating at 1000).
     static int percentUsed(const BudgetSettings& settings, const BudgetUse& use);

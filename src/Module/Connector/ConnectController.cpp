@@ -21,11 +21,6 @@ int g_serviceRetryCount = 0;
 int g_lastAnnouncedState = -1;
 QDateTime g_currentDay;
 
-// A running count less what of it was saved already.
-quint64 Since(quint64 now, quint64 saved) {
-    return now > saved ? now - saved : 0;
-}
-
 } // namespace
 
 ConnectController::ConnectController(ModemLink& link, AppConfig* config, TrafficStatics* traffic,
@@ -350,28 +345,22 @@ void ConnectController::handleConnectStatistics(const QVariantMap& response) {
     if (sample.nDurationSeconds == 0) {
         return;
     }
-    // A new link counts from zero again.
-    if (sample.nDurationSeconds < _savedOfSession.nDurationSeconds)
-        _savedOfSession = BLConnectStatistics();
     _latestSample = sample;
-    // The sample's counts are the session's running totals: set, not added, less what an earlier day of
-    // the same link holds already.
-    const quint64 sent = Since(sample.nSentBytes, _savedOfSession.nSentBytes);
-    const quint64 received = Since(sample.nReceivedBytes, _savedOfSession.nReceivedBytes);
+    // The sample's counts are the session's running totals: set, not added. A link that runs past
+    // midnight thus brings its earlier traffic to the new day too; the day history has always counted so.
     if (_roaming) {
-        _pendingDay.roamingSendBytes = sent;
-        _pendingDay.roamingReceiveBytes = received;
+        _pendingDay.roamingSendBytes = sample.nSentBytes;
+        _pendingDay.roamingReceiveBytes = sample.nReceivedBytes;
     } else {
-        _pendingDay.noRoamingSendBytes = sent;
-        _pendingDay.noRoamingReceiveBytes = received;
+        _pendingDay.noRoamingSendBytes = sample.nSentBytes;
+        _pendingDay.noRoamingReceiveBytes = sample.nReceivedBytes;
     }
-    _pendingDay.connectTimeSeconds =
-        static_cast<quint32>(Since(sample.nDurationSeconds, _savedOfSession.nDurationSeconds));
+    _pendingDay.connectTimeSeconds = sample.nDurationSeconds;
     const QDateTime now = QDateTime::currentDateTime();
     if (!g_currentDay.isValid()) {
         g_currentDay = now;
     } else if (TrafficStatics::dayTextOfDate(now) != TrafficStatics::dayTextOfDate(g_currentDay)) {
-        saveTraffic(true);
+        saveTrafficStaticsData();
         g_currentDay = now;
     }
 }
@@ -427,21 +416,14 @@ void ConnectController::handleNetworkUpdateNotification(const Notification& noti
 }
 
 void ConnectController::saveTrafficStaticsData() {
-    saveTraffic(false);
-}
-
-void ConnectController::saveTraffic(bool sessionGoesOn) {
     if (_traffic == nullptr) {
         return;
     }
     // The store's totals, not the ones read at start: the user may have reset them since.
     _runningTotals = _traffic->getTotalStatics();
-    _runningTotals.noRoamingSendBytes += Since(_latestSample.nSentBytes, _savedOfSession.nSentBytes);
-    _runningTotals.noRoamingReceiveBytes +=
-        Since(_latestSample.nReceivedBytes, _savedOfSession.nReceivedBytes);
-    _runningTotals.connectTimeSeconds +=
-        static_cast<quint32>(Since(_latestSample.nDurationSeconds, _savedOfSession.nDurationSeconds));
-    _savedOfSession = sessionGoesOn ? _latestSample : BLConnectStatistics();
+    _runningTotals.noRoamingSendBytes += _latestSample.nSentBytes;
+    _runningTotals.noRoamingReceiveBytes += _latestSample.nReceivedBytes;
+    _runningTotals.connectTimeSeconds += _latestSample.nDurationSeconds;
     // Added once: a later save (on quit, say) must not count the same session again.
     _latestSample = BLConnectStatistics();
     _traffic->saveStaticsRecord(_runningTotals);

@@ -156,9 +156,6 @@ private:
     void refreshConnectButton();
     void logConnectStatus(int status) const;
     void setBusy(bool busy);
-    // saveTrafficStaticsData; with sessionGoesOn (a new day), what was saved is remembered so that the
-    // link's running counts are not counted again on the next day.
-    void saveTraffic(bool sessionGoesOn);
 
     ModemLink& _link;
     AppConfig* _config;
@@ -189,5 +186,4 @@ private:
     BLConnectStatistics _latestSample;
     _TrafficStaticsItem _runningTotals;
     _TrafficStaticsItem _pendingDay;
-    BLConnectStatistics _savedOfSession; // the running link's counts already in the history
 };

@@ -145,6 +145,7 @@ void MessagesPlugin::buildUi() {
     _search = new QLineEdit(this);
     _search->setObjectName(QStringLiteral("search"));
     _search->setPlaceholderText(tr("Search all messages"));
+    _search->setAccessibleName(tr("Search all messages"));
     _search->setToolTip(tr("Any part of a message's text, a number or a contact's name"));
     _search->setClearButtonEnabled(true);
     _search->setMinimumWidth(200);
