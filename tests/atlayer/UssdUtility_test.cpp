@@ -76,6 +76,114 @@ TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
     }
 }
 
+TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
+    // clang-format off
+    const struct { const char* charSetAnswer; int charSetResult; const char* answer; int result; int sendResult; bool active; } rows[] = {
+        {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true}, {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
+        {"", 2, "\r\nOK\r\n", 0, 0, true}, {"\r\nOK\r\n", 0, "\r\n+CME ERROR: unknown\r\n", 0, 1, false},
+        {"\r\nOK\r\n", 0, "\r\nERROR\r\n", 0, 1, false}, {"\r\nOK\r\n", 0, "", 2, 2, false}, {"\r\nOK\r\n", 0, "", 30, 30, false},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        CUssdUility ussd;
+        ussd.RegisterExecAT(ScriptedAtFake::Callback());
+        m_fake.Expect("AT+CSCS=\"UCS2\"\r", row.charSetAnswer, row.charSetResult);
+        m_fake.Expect("AT+CUSD=1,\"0031\",15\r", row.answer, row.result);
+        EXPECT_EQ(ussd.SendUssdCmd(L"1"), row.sendResult);
+        EXPECT_EQ(ussd.IsDialogueActive(), row.active);
+        m_fake.VerifyDone();
+    }
+    EXPECT_EQ(m_ussd.SendUssdCmd(nullptr), 1);
+}
+
+TEST_F(UssdUtilityTest, SetStateNeedsOk) {
+    // clang-format off
+    const struct { int state; const char* command; const char* answer; int failure; int result; } rows[] = {
+        {1, "AT+CUSD=1\r", "\r\nOK\r\n", 0, 0}, {0, "AT+CUSD=0\r", "\r\nOK\r\n", 0, 0}, {2, "AT+CUSD=2\r", "\r\nERROR\r\n", 0, 1},
+        {-7, "AT+CUSD=-7\r", "\r\n+CME ERROR: 4\r\n", 0, 1}, {1, "AT+CUSD=1\r", "", 2, 2},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.command);
+        m_fake.Expect(row.command, row.answer, row.failure)
+            .WithTimeout(5000)
+            .WithoutPrefix()
+            .WithFinals(kCusdFinals);
+        int state = row.state;
+        EXPECT_EQ(m_ussd.SetUssdState(state), row.result);
+    }
+}
+
+TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
+    // clang-format off
+    // cancelAnswer: nullptr: no AT+CUSD=2 expected
+    struct Row { const char* name; bool activeBefore; const char* stateAnswer; int stateFailure; const char* cancelAnswer; int cancelFailure; int result; bool activeAfter; };
+    // clang-format on
+    const char* state1 = "\r\n+CUSD: 1\r\n\r\nOK\r\n";
+    // clang-format off
+    const Row rows[] = {
+        {"no dialogue", false, state1, 0, nullptr, 0, 0, false},
+        {"modem reports state 0", true, "\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, nullptr, 0, 0, false},
+        {"cancel accepted", true, state1, 0, "\r\nOK\r\n", 0, 0, false}, {"cancel refused", true, state1, 0, "\r\n+CME ERROR: 3\r\n", 0, 1, true},
+        {"cancel times out", true, state1, 0, "", 2, 2, true}, {"state query times out", true, "", 2, nullptr, 0, 2, true},
+        {"state unreadable", true, "\r\nOK\r\n", 0, nullptr, 0, 1, true},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        SetDialogue(row.activeBefore);
+        m_fake.Expect("AT+CUSD?\r", row.stateAnswer, row.stateFailure).WithTimeout(3000);
+        if (row.cancelAnswer != nullptr) {
+            m_fake.Expect("AT+CUSD=2\r", row.cancelAnswer, row.cancelFailure)
+                .WithTimeout(1000)
+                .WithoutPrefix()
+                .WithFinals(kCusdFinals);
+        }
+        EXPECT_EQ(m_ussd.SendUssdCancelCmd(), row.result);
+        EXPECT_EQ(m_ussd.IsDialogueActive(), row.activeAfter);
+        m_fake.VerifyDone();
+    }
+}
+
+// The presentation state and the character set read back; -1: left alone. The set's names are searched in
+// order.
+TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
+    const auto state = [this] {
+        int value = -1;
+        const int result = m_ussd.CheckUssdState(value);
+        return Fields(result, value);
+    };
+    const auto set = [this] {
+        int value = -1;
+        const int result = m_ussd.getEcodingFormat(value);
+        return Fields(result, value);
+    };
+    // clang-format off
+    const struct { bool cusd; const char* answer; int failure; const char* expected; } rows[] = {
+        {true, "\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, "0|1"}, {true, "AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, "0|0"}, {true, "\r\n+CUSD: 2\r\n", 0, "0|2"},
+        {true, "\r\n+CUSD:1\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\nOK\r\n", 0, "1|-1"}, {true, "", 2, "2|-1"}, {true, "", 30, "30|-1"},
+        {false, "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, "0|5"}, {false, "AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, "0|2"},
+        {false, "\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, "1|-1"}, {false, "\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, "1|-1"},
+        {false, "\r\nERROR\r\n", 0, "1|-1"}, {false, "", 30, "30|-1"},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        if (row.cusd)
+            m_fake.Expect("AT+CUSD?\r", row.answer, row.failure)
+                .WithTimeout(3000)
+                .WithPrefix("+CUSD: ")
+                .WithFinals(kCusdFinals);
+        else
+            m_fake.Expect("AT+CSCS?\r", row.answer, row.failure)
+                .WithTimeout(1000)
+                .WithoutPrefix()
+                .WithFinals(kCscsFinals);
+        EXPECT_EQ(row.cusd ? state() : set(), row.expected);
+    }
+}
+
 // The phone book, message and USSD families name the character set alike; 11 and -1 are refused unsent.
 TEST(CharacterSets, EveryFamilyNamesTheSet) {
     ScriptedAtFake fake;

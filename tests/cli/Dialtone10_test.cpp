@@ -1,5 +1,5 @@
-// The phonebook, USSD, account and toolkit commands against the simulated modem: what a run changes is
-// there for the next run and can be read back from the simulator's state.
+// The phonebook, USSD, account, toolkit, call and GPS commands against the simulated modem: what a run
+// changes is there for the next run and can be read back from the simulator's state.
 
 #include <fstream>
 
@@ -77,6 +77,34 @@ TEST(DialtoneStkCallGps, ToolkitMenuAndSelections) {
     EXPECT_EQ(modem.dump()["stk"]["responses"].size(), answered);
 }
 
+// A bad key is a usage error and no key reaches the modem; good keys go one by one.
+TEST(DialtoneStkCallGps, DialListDtmfAndHangUp) {
+    SimulatedModem modem;
+    ASSERT_TRUE(modem.ready());
+    // clang-format off
+    clitest::RunSteps(modem, {
+        {{"call", "dial", "+491701234567"}, 0, {"+491701234567: active\n"}, "", true},
+        {{"--json", "call", "list"}, 0, {"\"number\": \"+491701234567\"", "\"direction\": \"outgoing\"", "\"state\": \"active\""}},
+        {{"call", "dtmf", "12E4"}, 2, {}, "'E'"},
+        {{"call", "dtmf", "1x"}, 2, {}, "'x'"},
+    });
+    EXPECT_EQ(modem.dump()["dtmf"], json::array());
+    clitest::RunSteps(modem, {
+        {{"call", "dtmf", "9*#A"}, 0},
+        {{"call", "hangup"}, 0},
+        {{"call", "list"}, 0, {"No calls\n"}, "", true},
+        {{"call", "dial", "12;AT+CFUN=0"}, 2},
+        {{"--json", "gps", "on"}, 0, {"{\n  \"gps\": true\n}\n"}, "", true},
+    });
+    // clang-format on
+    const json dump = modem.dump();
+    EXPECT_EQ(dump["dtmf"], json({"9", "*", "#", "A"}));
+    EXPECT_TRUE(dump["calls"].empty());
+    EXPECT_EQ(dump["gps"], true);
+    clitest::RunSteps(modem, {{{"--json", "gps", "off"}, 0, {"{\n  \"gps\": false\n}\n"}, "", true}});
+    EXPECT_EQ(modem.dump()["gps"], false);
+}
+
 // dialtone account against the simulated modem: the menu of its SIM (network 262 02), an entry with the
 // network's answer, and the simulator's USSD menu tree walked with --reply.
 // The tool with its own HOME, in English, standard input not a terminal.
@@ -88,6 +116,22 @@ clitest::Outcome Dialtone(const std::vector<std::string>& arguments) {
 void Expect(const std::vector<Step>& steps) {
     for (const Step& step : steps)
         clitest::ExpectStep(step, Dialtone(step.args));
+}
+
+// Entries by number and by name; the network's questions answered with replies, or shown and ended.
+TEST(DialtoneAccount, RunsAnEntryAndAnswersTheNetworksQuestions) {
+    // clang-format off
+    Expect({
+        {{"--simulate", "account", "1", "1"}, 0, {"Your balance is 12.34 EUR. Valid until 31.12.2025.\n"}, "", true},
+        {{"--simulate", "account", "my number", "Show my number"}, 0, {"Your number is +491721234567.\n"}, "", true},
+        {{"--simulate", "--json", "account", "3", "1", "--reply", "2", "--reply", "1"}, 0, {"\"command\": \"*135#\"", "\"answer\": \"1 Balance\\n2 Data options\\n3 Tariff\",\n      \"reply_wanted\": true", "\"sent\": \"2\"", "\"answer\": \"Day pass booked. Enjoy!\",\n      \"reply_wanted\": false,\n      \"sent\": \"1\""}},
+        {{"--simulate", "account", "3", "1"}, 0, {"1 Balance\n2 Data options\n3 Tariff\n"}, "", true},
+        {{"--simulate", "account", "9", "1"}, 2, {}, "no group 9"},
+        {{"--simulate", "account", "1", "4"}, 2, {}, "no entry 4"},
+        {{"--simulate", "account", "1"}, 2, {}, "GROUP and ITEM"},
+        {{"--simulate", "account", "1", "1", "123"}, 2, {}, "takes 0 input(s), 1 given"},
+    });
+    // clang-format on
 }
 
 TEST(DialtoneAccount, ASimWithoutAFileOfItsOwnGetsTheDefaultMenuAndItsInputs) {

@@ -1,10 +1,19 @@
 // The tool's command line against one simulated modem: global options anywhere, bands and modes by name,
-// the modem traffic with --debug, and the shell completion scripts.
+// the modem traffic with --debug, the USSD dialogue on a terminal, and the shell completion scripts.
 
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "CliTestSupport.h"
 
@@ -13,6 +22,7 @@ namespace {
 using clitest::Outcome;
 using clitest::Quote;
 using clitest::SimulatedModem;
+using nlohmann::json;
 
 TEST(DialtoneCommandLine, GlobalOptionsAnywhereAndSettingsByName) {
     SimulatedModem modem;
@@ -41,6 +51,51 @@ TEST(DialtoneCommandLine, GlobalOptionsAnywhereAndSettingsByName) {
         EXPECT_EQ(run.err.find("1234"), std::string::npos) << run.err;
         EXPECT_EQ(run.err.find("!!"), std::string::npos) << "internal debug texts: " << run.err;
     }
+}
+
+// Reads from the terminal until the text shows or 20 s pass; what was read.
+std::string ReadUntil(int fd, const std::string& text, std::string& seen) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (seen.find(text) == std::string::npos && std::chrono::steady_clock::now() < deadline) {
+        pollfd ready{fd, POLLIN, 0};
+        if (poll(&ready, 1, 100) <= 0)
+            continue;
+        char buffer[512];
+        const ssize_t n = read(fd, buffer, sizeof(buffer));
+        if (n <= 0)
+            break;
+        seen.append(buffer, static_cast<std::size_t>(n));
+    }
+    return seen;
+}
+
+TEST(DialtoneCommandLine, UssdOnATerminalAsksForEachReplyUntilAnEmptyLine) {
+    SimulatedModem modem;
+    ASSERT_TRUE(modem.ready());
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        setenv("HOME", modem.home.path.c_str(), 1);
+        execl(DIALTONE_CLI, DIALTONE_CLI, "--dev-dir", modem.devDir.path.c_str(), "ussd", "*135#", "--wait",
+              "10", static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    std::string seen;
+    EXPECT_NE(ReadUntil(terminal, "Reply", seen).find("2 Data options"), std::string::npos) << seen;
+    ASSERT_EQ(write(terminal, "2\n", 2), 2);
+    seen.clear();
+    EXPECT_NE(ReadUntil(terminal, "Reply", seen).find("1 Day pass"), std::string::npos) << seen;
+    ASSERT_EQ(write(terminal, "\n", 1), 1);
+    seen.clear();
+    EXPECT_NE(ReadUntil(terminal, "dialogue ended", seen).find("dialogue ended"), std::string::npos) << seen;
+    int status = -1;
+    waitpid(child, &status, 0);
+    close(terminal);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    const json ussd = modem.dump()["ussd"];
+    EXPECT_EQ(ussd["requests"], json({"*135#", "2"})) << ussd.dump();
+    EXPECT_EQ(ussd["session"], false) << ussd.dump();
 }
 
 std::string Shell(const std::string& command) {

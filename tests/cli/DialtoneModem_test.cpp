@@ -1,6 +1,6 @@
 // The modem-facing commands against the simulated modem: exit codes, failures told by their causes, PIN
-// handling, what is refused before the modem is asked, sticks that answer in other ways, and the user's
-// language.
+// handling, named requests with record arguments, what is refused before the modem is asked, sticks that
+// answer in other ways, and the user's language.
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -74,6 +74,20 @@ TEST(DialtoneModem, NoModemIsAFailureWithErrorCodeInJson) {
     const Outcome run = RunDialtone({"--dev-dir", emptyDevDir.path, "--json", "info"}, home.path);
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(Parse(run.out)["error"].value("code", 0), 0) << run.out;
+}
+
+// A name the worker does not know is its failure, not a usage error.
+TEST(DialtoneModem, RequestTakesARecordAndPrintsTheWholeResponse) {
+    SimulatedModem modem("default");
+    ASSERT_TRUE(modem.ready());
+    // clang-format off
+    clitest::RunSteps(modem, {
+        {{"request", "MESSAGE_PIN_ENABLE", R"({"class":"BLPINEnableInfo","blPinEnable":true,"strPinCode":"1234"})"}, 0, {"{"}},
+        {{"request", "MESSAGE_PIN_GET_STATE"}, 0, {"\"VALUE_OBJECT\": \"TRUE\""}},
+        {{"request", "MESSAGE_SYSTEM_GET_EQUIPMENT_INFO"}, 0, {"\"class\": \"BLEquipmentInfo\""}},
+        {{"--json", "request", "MESSAGE_NETWORK_GET_BAND"}, 1, {"\"code\": 35"}},
+    });
+    // clang-format on
 }
 
 TEST(DialtoneModem, APortHeldByAnotherProgramIsAClearError) {

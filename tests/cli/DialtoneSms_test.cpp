@@ -1,6 +1,6 @@
 // The sms commands against the simulated modem: long texts with a delivery report, a message delivered in
-// parts out of order, a full SIM as the preferred storage, the boxes on the computer, a message full of
-// escape sequences, and bursts of unsolicited lines.
+// parts out of order, a full SIM as the preferred storage, an empty storage, the boxes on the computer, a
+// message full of escape sequences, and bursts of unsolicited lines.
 
 #include <algorithm>
 #include <chrono>
@@ -149,6 +149,34 @@ TEST(DialtoneSms, FullSimAsPreferredStorageMovesTheMessageToTheComputer) {
         EXPECT_EQ(storages["ME"]["used"], 0) << storages.dump();
         EXPECT_EQ(storages["SM"]["used"], 1) << storages.dump();
     }
+}
+
+// An empty storage lists nothing; typed numbers are sent in the SIM's country's E.164 form and what is not a
+// number sends nothing; a draft is added, moved to the archive and deleted.
+TEST(DialtoneSms, EmptyStorageTypedNumbersAndDrafts) {
+    SimulatedModem modem(Scenario(json::array()));
+    ASSERT_TRUE(modem.ready());
+    // clang-format off
+    clitest::RunSteps(modem, {
+        {{"sms", "list"}, 0, {""}, "", true},
+        {{"--json", "sms", "list"}, 0, {"{\n  \"messages\": []\n}\n"}, "", true},
+        {{"sms", "send", "+49 170 123 4567", "Hello"}, 0},
+        {{"sms", "send", "(0170) 123-4567", "Hello"}, 0},
+        {{"sms", "send", "abc", "Hello"}, 2},
+        {{"sms", "send", "", "Hello"}, 2},
+        {{"sms", "sent"}, 0, {"0170 1234567"}},
+        {{"--json", "sms", "drafts", "--add", "+491701234567", "See you at 8"}, 0, {"\"box\": \"drafts\"", "\"numbers\": [\n        \"+491701234567\"\n      ]", "\"text\": \"See you at 8\""}},
+        {{"--json", "sms", "drafts", "--move", "1", "archive"}, 0, {"\"messages\": []"}},
+        {{"--json", "sms", "archive"}, 0, {"\"text\": \"See you at 8\""}},
+        {{"--json", "sms", "archive", "--delete", "1"}, 0, {"\"messages\": []"}},
+        {{"--json", "sms", "drafts"}, 0, {"\"messages\": []"}},
+        {{"sms", "archive", "--delete", "1"}, 2},
+    });
+    // clang-format on
+    const json sent = modem.dump()["sms"]["sent"];
+    ASSERT_EQ(sent.size(), 2u) << sent.dump();
+    EXPECT_EQ(sent[0]["to"], "+491701234567");
+    EXPECT_EQ(sent[1]["to"], "+491701234567");
 }
 
 // A RING flood while the USSD answer is on its way: the answer still comes within the wait.

@@ -36,6 +36,30 @@ BLUssdSendCmdInfo sentInfo(const RecordingTransport& transport) {
 
 } // namespace
 
+TEST(AccountController, DataFileChoiceByIMSIPrefix) {
+    // clang-format off
+    const struct { QStringList files; QString imsi; QString chosen; /* "" for none */ } rows[] = {
+        {{"26201.dat", "Default.dat"}, "262011234567890", "26201.dat"}, {{"Default.dat"}, "262011234567890", "Default.dat"},
+        {{"26201.dat", "Default.dat"}, "262021234567890", "Default.dat"}, {{"26201.dat", "Default.dat"}, QString(), "Default.dat"},
+        {{"262.dat", "26201.dat"}, "262011234567890", "262.dat"}, // listed by name, first match wins
+        {{"26201.v2.dat"}, "262011234567890", "26201.v2.dat"},    // the name up to its first "."
+        {{"26201.txt", ".dat", "Default.dat"}, "262011234567890", "Default.dat"}, {{"26201.dat"}, "262021234567890", ""},
+        {{}, "262011234567890", ""},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.files.join(",").toStdString() + " / " + row.imsi.toStdString());
+        TempHome home;
+        const QString dir = home.path() + "/AccountData";
+        QDir().mkpath(dir);
+        for (const QString& file : row.files)
+            TempHome::writeFile(dir + "/" + file, "<ROOT/>");
+        const QString chosen = AccountController::getUSSDDataFileNameByIMSI(row.imsi, dir);
+        EXPECT_EQ(chosen, row.chosen.isEmpty() ? QString() : dir + "/" + row.chosen);
+        EXPECT_EQ(chosen.isNull(), row.chosen.isEmpty());
+    }
+}
+
 TEST(AccountController, LoadsTheSimsMenusFromTheResourceFolder) {
     ensureApplication();
     TempHome home;
@@ -133,4 +157,22 @@ TEST(AccountController, TimeOutUnblocksWithAMessage) {
 TEST(AccountController, PaidTypeFromInternalType) {
     for (const auto& [internal, paid] : {std::pair{0, 2}, {1, 1}, {-1, 0}, {99, 0}})
         EXPECT_EQ(AccountController::paidTypeFromInternalType(internal), paid) << internal;
+}
+
+// Against the simulated network, through the desktop app's kind of link: the answer reaches the view and
+// unblocks it.
+TEST(AccountController, UssdDialogueWithTheSimulatedNetwork) {
+    SimulatedLink modem;
+    ASSERT_TRUE(modem.reaches(ModemLink::State::Ready));
+    AccountController controller(modem.link());
+    ViewLog log(controller);
+    std::optional<BLUssdReceive> answer;
+    QObject::connect(&controller, &AccountController::answerReceived,
+                     [&answer](const BLUssdReceive& received) { answer = received; });
+
+    controller.sendUSSDCmd(QStringLiteral("*101#"));
+    ASSERT_TRUE(waitFor([&] { return answer.has_value(); }, std::chrono::seconds(20)));
+    EXPECT_TRUE(log.events.join('\n').contains("Your number is +491721234567.") &&
+                log.events.contains("unblock"))
+        << log.events.join('\n').toStdString();
 }

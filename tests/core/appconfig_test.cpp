@@ -154,6 +154,23 @@ TEST(AppConfig, ChoosesTheProfilesForASim) {
     }
 }
 
+TEST(AppConfig, PerSimListsAreStoredWithoutSpnAndDns) {
+    TempHome home;
+    home.useResources(kProfiles, kPlmn);
+    {
+        AppConfig config;
+        config.getFixApnByIMSI("234151234567890", "");
+        config.getFixApnByIMSI("208011234567890", "");
+    }
+    const QVariantMap perSim = PropertyList::readMap(home.userFile("UserIMSIAPNList.plist"));
+    EXPECT_EQ(perSim.keys(), (QStringList{"208011234567890", "234151234567890"})); // both SIMs kept
+    // clang-format off
+    EXPECT_EQ(perSim.value("234151234567890").toList().value(0).toMap(),
+              (QVariantMap{{"ACCOUNT", "Solo"}, {"MCCMNC", "23415"}, {"DIALNUM", "*99#"}, {"USER_NAME", "web"}, {"KEY_PASSWORD", "secret"},
+                           {"APN", "solo.apn"}, {"AUTHTYPE", 2}, {"PROXY", ""}}));
+    // clang-format on
+}
+
 TEST(AppConfig, DefaultProfileFollowsItsSim) {
     TempHome home;
     home.useResources(kProfiles, kPlmn);
@@ -216,6 +233,39 @@ TEST(AppConfig, DefaultProfileFollowsItsSim) {
         EXPECT_EQ(defaultName(config), "(none)");
         EXPECT_EQ(defaultInfo(home), (QVariantMap{{"if setDefault", "FALSE"}, {"default IMSI", ""}}));
     }
+}
+
+TEST(AppConfig, OneIndexAddressesBothLists) {
+    TempHome home;
+    home.useResources(kProfiles, kPlmn);
+    AppConfig config;
+    config.addUserAPNItem(profile("Home", "home.apn"));
+    config.addUserAPNItem(profile("Work", "work.apn"));
+    config.getFixApnByIMSI("460001234567890", "");
+
+    const Names edited{"Three 1", "Three 2", "Edited"};
+    config.saveUserAPNItem(90002, profile("Edited", "edited.apn"));
+    EXPECT_EQ(accounts(config.getUserIMSIApnList()), edited);
+    EXPECT_EQ(storedAccounts(home, "460001234567890"), edited);
+    config.saveUserAPNItem(1, profile("Office", "office.apn"));
+    EXPECT_EQ(accounts(config.getUserApnList()), (Names{"Home", "Office"}));
+
+    // An index equal to the count (or beyond, or negative) addresses nothing.
+    for (int index : {2, 3, -1, 90003, 90004}) {
+        config.saveUserAPNItem(index, profile("Bad", "bad.apn"));
+        EXPECT_EQ(config.setDefaultUserApnItemsByIndex(index), 0);
+    }
+    EXPECT_EQ(accounts(config.getUserApnList()), (Names{"Home", "Office"}));
+    EXPECT_EQ(accounts(config.getUserIMSIApnList()), edited);
+    EXPECT_FALSE(config.isSetDefaultUserApn());
+    EXPECT_EQ(PropertyList::readList(home.userFile("UserAPNList.plist")).size(), 2);
+    EXPECT_EQ(storedAccounts(home, "460001234567890"), edited);
+
+    config.deleteSingleUserApnItem(2);
+    config.deleteSingleUserApnItem(0);
+    EXPECT_EQ(accounts(config.getUserApnList()), (Names{"Office"}));
+    EXPECT_EQ(config.deleteUserApnItems(config.getUserApnList()), 0);
+    EXPECT_EQ(AppConfig().getUserApnList().size(), 1);
 }
 
 // Two copies of the configuration stand for the desktop app and a tool command: each change is made to

@@ -1,4 +1,4 @@
-// Desktop notifications through a notification server of our own.
+// Desktop notifications through a notification server of our own, the tray icon and the signal bars.
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -128,4 +128,38 @@ TEST(DesktopGui, MessageNotificationsFollowTheServer) {
             return read == "42" || (world.emitSignal("ActionInvoked", "us", {1u, "read"}), false);
         }));
     }
+}
+
+TEST(DesktopGui, SignalBarsAndNotificationActionsOnTheModem) {
+    NotificationBus server("body actions inline-reply");
+    GuiWorld world;
+    ASSERT_TRUE(world.ready());
+    world.window().notifier().setBus(server.bus);
+    auto* messages = world.window().showModule("messages");
+    ASSERT_TRUE(waitForGui([&] { return messages->findChild<QWidget*>("busy")->isHidden(); }));
+    world.window().showModule("network");
+    // The simulator's +CSQ: 18, in the Network tab and the status bar.
+    auto* bars = world.window().module("network")->findChild<CNSSignalBars*>("signal");
+    EXPECT_TRUE(waitForGui([&] { return bars->toolTip().contains("-78 dBm"); }, 20s));
+    EXPECT_EQ(world.window().statusView()->signalText(), bars->toolTip());
+    ASSERT_TRUE(world.sim().control("sms 030123456 Dinner at eight?")["ok"].toBool());
+    ASSERT_TRUE(waitForGui([&] { return !server.notifies().isEmpty(); }, 20s));
+    // A national sender is named after the contact stored with its country code.
+    EXPECT_EQ(server.notifies().first().value(4).toString(),
+              QString::fromUtf8("J\xC3\xBCrgen: Dinner at eight?"));
+
+    // "Read" brings the Messages tab forward with the message open.
+    server.emitSignal("ActionInvoked", "us", {1u, "read"});
+    EXPECT_TRUE(waitForGui([&] {
+        return messages->isVisible() &&
+               messages->findChild<QPlainTextEdit*>()->toPlainText() == "Dinner at eight?";
+    }));
+
+    // A reply typed into the notification goes out to the sender.
+    server.emitSignal("NotificationReplied", "us", {1u, "Yes, at eight"});
+    const auto replied = [&] {
+        const QJsonArray sent = world.dump("sms/sent").toArray();
+        return !sent.isEmpty() && sent.last()["text"].toString() == "Yes, at eight";
+    };
+    EXPECT_TRUE(waitForGui(replied, 20s));
 }

@@ -42,6 +42,32 @@ bool Listed(MessagesPlugin* messages, const QString& text) {
     return Column(List(messages), 2).contains(text);
 }
 
+// The indexes the simulated SIM's message storage holds.
+QList<int> SimIndexes(GuiWorld& world) {
+    QList<int> indexes;
+    for (const QJsonValue& message : world.dump("sms/storages/SM/messages").toArray())
+        indexes << message["index"].toInt();
+    return indexes;
+}
+
+// Answers the next modal message box with the button, from inside its own event loop.
+void AnswerNextQuestion(QMessageBox::StandardButton answer, QString* askedText) {
+    auto* poll = new QTimer(qApp);
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, answer, askedText] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        poll->deleteLater();
+        poll->stop();
+        *askedText = box->text();
+        if (QAbstractButton* button = box->button(answer))
+            button->click();
+        else
+            box->reject();
+    });
+    poll->start(20);
+}
+
 // The Messages tab on a ready modem; compose() opens a new message to the recipients with the text.
 struct MessagesTab {
     GuiWorld world;
@@ -86,6 +112,42 @@ struct MessagesTab {
 
 } // namespace
 
+TEST(MessagesGui, RecipientIsCheckedAndALongMessageGoesOutInTwoSegments) {
+    MessagesTab t;
+    const QString text = QString(200, QLatin1Char('a'));
+    ASSERT_TRUE(t.openCompose("", text));
+    auto* recipients = Child<QLineEdit>(t.compose, "recipients");
+    auto* send = Child<QPushButton>(t.compose, "send");
+
+    // What is not a number is refused under the field, and nothing goes out.
+    auto* error = Child<QLabel>(t.compose, "numberError");
+    const std::pair<QString, QString> refused[] = {{"abc", "letters are not allowed"},
+                                                   {"+491701234567; *100#", "service code"},
+                                                   {"0170 \U0001F600", "is not a phone number"}};
+    for (const auto& [typed, reason] : refused) {
+        recipients->setText(typed);
+        send->click();
+        EXPECT_FALSE(error->isHidden()) << typed.toStdString();
+        EXPECT_TRUE(error->text().contains(reason)) << error->text().toStdString();
+    }
+    EXPECT_EQ(t.messages->composeWindow(), t.compose);
+    EXPECT_TRUE(t.sent().isEmpty());
+
+    // Typed nationally with brackets and a dash, sent in E.164 form, listed under the contact's name.
+    recipients->setText("(0170) 123-4567");
+    // 200 septets: two parts of 153, 106 left in the second.
+    EXPECT_EQ(Child<QLabel>(t.compose, "counter")->text(), "106 characters left · 2 parts");
+    send->click();
+    ASSERT_TRUE(waitForGui([&] { return t.sent().size() >= 2 && !t.messages->composeWindow(); }, 20s));
+    const QJsonArray parts = t.sent();
+    ASSERT_EQ(parts.size(), 2);
+    EXPECT_EQ(parts[0]["to"].toString(), "+491701234567");
+    EXPECT_EQ(parts[1]["to"].toString(), "+491701234567");
+    EXPECT_EQ(parts[0]["text"].toString() + parts[1]["text"].toString(), text);
+    t.messages->showFolder(MessagesPlugin::Sent);
+    EXPECT_EQ(Column(List(t.messages), 0), QStringList{"Anna Schmidt"});
+}
+
 // A send that fails keeps the text in the window and a copy in the outbox; sent on the second try, the
 // outbox copy moves to the sent box rather than staying twice.
 TEST(MessagesGui, FailedSendKeepsTextAndGoesToOutbox) {
@@ -126,6 +188,53 @@ TEST(MessagesGui, DeliveryReportIsShownOnTheSentMessage) {
     ASSERT_TRUE(waitForGui([&] { return Column(List(t.messages), 3) == QStringList{"Delivered"}; }, 20s));
     List(t.messages)->setCurrentIndex(List(t.messages)->model()->index(0, 0));
     EXPECT_TRUE(Child<QLabel>(t.messages, "readerHeader")->text().contains("Delivery report: Delivered"));
+}
+
+// Delete asks first and removes the message from the SIM; "Move to Archive" keeps a copy on the computer
+// and removes it from the SIM; the other SIM messages stay.
+TEST(MessageActionsGui, DeleteAndArchiveRemoveFromTheSim) {
+    MessagesTab t;
+    ASSERT_TRUE(t.openSim());
+    const int doomed = t.deliver("+4917099990001", "Delete me");
+    const int kept = t.deliver("+4917099990002", "Archive me");
+    ASSERT_GE(doomed, 0);
+    ASSERT_GE(kept, 0);
+    QList<int> expected = SimIndexes(t.world);
+    const int listed = t.messages->listedCount();
+
+    // Answering No leaves everything in place.
+    ASSERT_TRUE(t.select("Delete me"));
+    QString asked;
+    AnswerNextQuestion(QMessageBox::No, &asked);
+    t.button("delete")->click();
+    EXPECT_FALSE(asked.isEmpty());
+    EXPECT_EQ(SimIndexes(t.world), expected);
+    EXPECT_EQ(t.messages->listedCount(), listed);
+
+    asked.clear();
+    AnswerNextQuestion(QMessageBox::Yes, &asked);
+    t.button("delete")->click();
+    EXPECT_FALSE(asked.isEmpty());
+    ASSERT_TRUE(waitForGui([&] { return !Listed(t.messages, "Delete me"); }, 20s));
+    expected.removeOne(doomed);
+    EXPECT_EQ(SimIndexes(t.world), expected);
+    EXPECT_EQ(t.messages->listedCount(), listed - 1);
+
+    ASSERT_TRUE(t.select("Archive me"));
+    auto* archive = Child<QAction>(t.messages, "moveArchive");
+    ASSERT_TRUE(archive->isVisible() && archive->isEnabled());
+    // A modem message goes only to the archive.
+    for (const char* other : {"moveDrafts", "moveOutbox", "moveSent"})
+        EXPECT_FALSE(Child<QAction>(t.messages, other)->isVisible()) << other;
+    archive->trigger();
+    ASSERT_TRUE(waitForGui([&] { return !Listed(t.messages, "Archive me"); }, 20s));
+    expected.removeOne(kept);
+    EXPECT_EQ(SimIndexes(t.world), expected);
+    EXPECT_EQ(t.messages->listedCount(), listed - 2);
+    t.messages->showFolder(MessagesPlugin::Archive);
+    // Shown in the form of the SIM's country.
+    EXPECT_EQ(Column(List(t.messages), 0), QStringList{"0170 99990002"});
+    EXPECT_EQ(Column(List(t.messages), 2), QStringList{"Archive me"});
 }
 
 // Reply addresses the sender, Forward carries the text to nobody yet; cancelling either sends nothing and

@@ -41,6 +41,52 @@ QStringList Texts(const QListWidget* list) {
 
 } // namespace
 
+// The scan lists the simulator's operators once each, with their state, while the tab stays usable; a
+// manual choice then registers with that operator and the tab shows it.
+TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
+    GuiWorld world;
+    ASSERT_TRUE(world.ready());
+    auto* network = world.show<NetworkPlugin>(QStringLiteral("network"));
+    ASSERT_NE(network, nullptr);
+    auto* search = Child<QPushButton>(network, "search");
+    auto* progress = Child<QProgressBar>(network, "searchProgress");
+    auto* list = Child<QTreeWidget>(network, "networks");
+    ASSERT_TRUE(waitForGui([&] { return search->isEnabled(); }));
+    search->click();
+    EXPECT_TRUE(progress->isVisible());
+    EXPECT_FALSE(search->isEnabled());
+    ASSERT_TRUE(waitForGui([&] { return list->topLevelItemCount() > 0; }, 30s));
+    EXPECT_FALSE(progress->isVisible());
+    EXPECT_TRUE(search->isEnabled());
+    // clang-format off
+    const struct { const char *code, *name, *state; } expected[] = {
+        {"26202", "Vodafone.de", "current"}, {"26201", "Telekom.de", "available"}, {"26207", "o2 - de", "available"}, {"26203", "E-Plus", "forbidden"}};
+    // clang-format on
+    EXPECT_EQ(list->topLevelItemCount(), 4);
+    for (const auto& row : expected) {
+        QTreeWidgetItem* item = Row(list, 2, QLatin1String(row.code));
+        ASSERT_NE(item, nullptr) << row.code;
+        EXPECT_EQ(item->text(0), QLatin1String(row.name));
+        EXPECT_EQ(item->text(4), QLatin1String(row.state)) << row.code;
+    }
+
+    Row(list, 2, QStringLiteral("26201"))->setSelected(true);
+    EXPECT_TRUE(Child<QRadioButton>(network, "manual")->isChecked());
+    auto* registerButton = Child<QPushButton>(network, "register");
+    ASSERT_TRUE(registerButton->isEnabled());
+    registerButton->click();
+    ASSERT_TRUE(waitForGui([&] {
+        const QJsonObject reg = world.dump("network").toObject();
+        return reg.value("selection").toInt() == 1 && reg.value("operator").toString() == "26201";
+    }));
+    auto* operatorLabel = Child<QLabel>(network, "operator");
+    EXPECT_TRUE(waitForGui([&] { return operatorLabel->text().contains("26201"); }, 15s))
+        << operatorLabel->text().toStdString();
+    EXPECT_TRUE(waitForGui([&] { return Child<QLabel>(network, "selection")->text() == "manual"; }));
+    EXPECT_EQ(Row(list, 2, "26201")->text(4), "current");
+    EXPECT_EQ(Row(list, 2, "26202")->text(4), "available");
+}
+
 // A stick of the standard dialect has no toolkit and no band or mode selection: the toolkit tab goes, and
 // the band and mode controls are disabled with the reason; a stick with them gets the tab back.
 TEST(NetworkSettingsGui, StandardStickHasNoToolkitTabAndNoBandOrMode) {

@@ -1,4 +1,5 @@
-// The simulated modem driven in-process: command parsing, the network scan and hostile input.
+// The simulated modem driven in-process: command parsing, network and phonebook commands, and the
+// robustness knobs.
 
 #include <gtest/gtest.h>
 
@@ -58,6 +59,50 @@ TEST(SimModemTest, NetworkScanIsHeldBackAndSelectionFollowsTheList) {
     // The registration changes went out as "+CREG:" lines: roaming (5), home (1), none (0).
     EXPECT_EQ(h.At("at"), "\r\n+CREG: 1,\"1A2B\",\"00C3D4E5\",2\r\n\r\nOK\r\n");
     EXPECT_EQ(h.At("at"), "\r\n+CREG: 0\r\n\r\nOK\r\n");
+}
+
+TEST(SimModemTest, PhonebookNamesTravelAsUcs2) {
+    ModemHarness h(ModemHarness::Builtin([](SimState& s) { s.phonebooks["SM"].capacity = 5; }));
+    h.At("ATE0");
+    h.At("AT+CMEE=2");
+    h.ExpectAnswers({
+        {"AT+CSCS=\"UCS2\"", "\r\nOK\r\n"},
+        {"AT+CPBR=3,5", "\r\n+CPBR: 4,\"+4930123456\",145,\"004A00FC007200670065006E\"\r\n\r\nOK\r\n"},
+        {"AT+CPBW=,\"4930555\",145,\"004A00F600720067\"", "\r\nOK\r\n"},
+        {"AT+CPBW=5,\"123\",129,\"004100420043004400450046004700480049005000510052005300540055\"",
+         "\r\n+CME ERROR: text string too long\r\n"},
+        {"AT+CPBW=5,\"12X\",129,\"0041\"", "\r\n+CME ERROR: invalid characters in dial string\r\n"},
+        {"AT+CPBW=5,\"123\",129,\"004\"", "\r\n+CME ERROR: invalid characters in text string\r\n"},
+        {"AT+CPBW=5,\"123\",129,\"0041\"", "\r\nOK\r\n"},
+        {"AT+CPBW=,\"124\",129,\"0042\"", "\r\n+CME ERROR: memory full\r\n"},
+        {"AT+CPBW=6,\"124\",129,\"0042\"", "\r\n+CME ERROR: invalid index\r\n"},
+        {"AT+CPBW=2", "\r\nOK\r\n"},
+        {"AT+CPBR=2", "\r\n+CME ERROR: not found\r\n"},
+        {"AT+CSCS=\"IRA\";+CPBR=4", "\r\n+CPBR: 4,\"+4930123456\",145,\"J?rgen\"\r\n\r\nOK\r\n"},
+    });
+}
+
+TEST(SimModemTest, KnobsDelayAnswersAndMixInLines) {
+    ModemHarness h(ModemHarness::Builtin([](SimState& s) { s.knobs.latencyMs = 50; }));
+    EXPECT_EQ(h.At("ATE0"), "ATE0\r"); // the echo comes at once, the answer later
+    EXPECT_EQ(h.Run(49), "");
+    EXPECT_EQ(h.Run(1), "\r\nOK\r\n");
+    // Input sent while an answer is held back waits its turn.
+    EXPECT_EQ(h.Send("AT+CSQ\rAT+CGMI\r"), "");
+    EXPECT_EQ(h.Run(100), "\r\n+CSQ: 18,99\r\n\r\nOK\r\n\r\nSIMULATED\r\n\r\nOK\r\n");
+
+    h.modem.State().knobs = Knobs{};
+    h.modem.State().knobs.inject = "+CMTI: \"SM\",9";
+    EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\n+CMTI: \"SM\",9\r\n\r\nOK\r\n");
+    EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\nOK\r\n"); // once only
+
+    h.modem.State().knobs.urcMode = UrcMode::Mixed;
+    h.modem.Unsolicited("RING");
+    EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\nRING\r\n\r\nOK\r\n");
+
+    h.modem.State().knobs.urcMode = UrcMode::Immediate;
+    h.modem.Unsolicited("RING");
+    EXPECT_EQ(h.Run(0), "\r\nRING\r\n");
 }
 
 // Garbage, endless lines, broken quotes and prompts cut short: the modem keeps answering and stays bounded.

@@ -140,13 +140,19 @@ const std::string kCharSetIra = answer("+CSCS: \"IRA\"");
 const std::string kCharSetUcs2 = answer("+CSCS: \"UCS2\"");
 const std::string kCmeError = "\r\n+CME ERROR: 50\r\n";
 
-// Empties the channel's report queue, where the scripted modem's unsolicited lines go.
-void dropReports() {
+// The channel's report queue: the scripted modem's unsolicited lines go there, as a real modem's do.
+std::vector<std::string> takeReports(bool keep = false) {
     UnsolicitedReportList* reports = nullptr;
     ComOperation::GetInstance()->getUnsoliciteReportList(reports);
-    for (UnsolicitedReportDataType* report : *reports)
-        delete report;
-    reports->clear();
+    std::vector<std::string> lines;
+    for (const UnsolicitedReportDataType* report : *reports)
+        lines.push_back(report->strText);
+    if (!keep) {
+        for (UnsolicitedReportDataType* report : *reports)
+            delete report;
+        reports->clear();
+    }
+    return lines;
 }
 
 int execThroughChannel(const char* command, const char* expected, int timeoutMs,
@@ -155,6 +161,10 @@ int execThroughChannel(const char* command, const char* expected, int timeoutMs,
     if (result == 0)
         ComOperation::GetInstance()->checkUnsolicitedReport(response, expected);
     return result;
+}
+
+QVariantMap valueOf(const QVariantMap& response) {
+    return WorkNotification::GetValueObject(response).toMap();
 }
 
 // A toolkit answer as the client sends it, built for the character set teSet.
@@ -166,7 +176,7 @@ class BusinessOperatorTest : public ::testing::Test {
 protected:
     void SetUp() override {
         registerRecordMetaTypes();
-        dropReports();
+        takeReports();
         ASSERT_EQ(ATSubLayer_CreateInstance(m_real), 0);
         TInterfaceAtSublayerLower lower;
         lower.pfnExecAT = &execThroughChannel;
@@ -179,7 +189,7 @@ protected:
         m_business.reset();
         m_sublayer.reset();
         ATSubLayer_DestroyInstance(m_real);
-        dropReports();
+        takeReports();
     }
 
     ScriptedAtFake m_fake;
@@ -370,6 +380,50 @@ TEST_F(BusinessOperatorTest, NetworkNamesStayInsideTheirFieldsAndTheProviderName
     }
 }
 
+TEST_F(BusinessOperatorTest, MissingArgumentIsCode3WithoutTouchingTheModem) {
+    using Call = std::function<int(BusinessOperator&, const QVariantMap&)>;
+    QVariantMap out;
+    // clang-format off
+    const std::vector<std::pair<const char*, Call>> calls = {
+        {"PINEnable", [](BusinessOperator& b, const QVariantMap& r) { return b.PINEnable(r); }},
+        {"PINGetInfo", [&](BusinessOperator& b, const QVariantMap& r) { return b.PINGetInfo(r, out); }},
+        {"PINChange", [&](BusinessOperator& b, const QVariantMap& r) { return b.PINChange(r, out); }},
+        {"PINVerify", [](BusinessOperator& b, const QVariantMap& r) { return b.PINVerify(r); }},
+        {"PINVerifyPuk", [](BusinessOperator& b, const QVariantMap& r) { return b.PINVerifyPuk(r); }},
+        {"NetworkSet", [](BusinessOperator& b, const QVariantMap& r) { return b.NetworkSet(r); }},
+        {"NetworkSetBand", [](BusinessOperator& b, const QVariantMap& r) { return b.NetworkSetBand(r); }},
+        {"NetworkSetMode", [](BusinessOperator& b, const QVariantMap& r) { return b.NetworkSetMode(r); }},
+        {"PBDeleteItem", [](BusinessOperator& b, const QVariantMap& r) { return b.PBDeleteItem(r); }},
+        {"PBUpdateItem", [](BusinessOperator& b, const QVariantMap& r) { return b.PBUpdateItem(r); }},
+        {"PBAddItem", [&](BusinessOperator& b, const QVariantMap& r) { return b.PBAddItem(r, out); }},
+        {"SMSSetServiceCentre", [](BusinessOperator& b, const QVariantMap& r) { return b.SMSSetServiceCentre(r); }},
+        {"SMSDelete", [](BusinessOperator& b, const QVariantMap& r) { return b.SMSDelete(r); }},
+        {"SMSSend", [](BusinessOperator& b, const QVariantMap& r) { return b.SMSSend(r); }},
+        {"SMSSetPreferredStorage", [](BusinessOperator& b, const QVariantMap& r) { return b.SMSSetPreferredStorage(r); }},
+        {"SMSSetValidPeriod", [](BusinessOperator& b, const QVariantMap& r) { return b.SMSSetValidPeriod(r); }},
+        {"USSDSendCmd", [](BusinessOperator& b, const QVariantMap& r) { return b.USSDSendCmd(r); }},
+        {"OnReceiveSMS", [&](BusinessOperator& b, const QVariantMap& r) { return b.OnReceiveSMS(r, out); }},
+        {"OnReceiveUSSD", [&](BusinessOperator& b, const QVariantMap& r) { return b.OnReceiveUSSD(r, out); }},
+        {"OnReceiveSATCMD", [&](BusinessOperator& b, const QVariantMap& r) { return b.OnReceiveSATCMD(r, out); }},
+        {"Dialup", [](BusinessOperator& b, const QVariantMap& r) { return b.Dialup(r); }},
+    };
+    // clang-format on
+    for (const auto& [name, call] : calls) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(call(*m_business, QVariantMap{}), 3);
+        EXPECT_EQ(call(*m_business, request(QVariant())), 3);
+        EXPECT_TRUE(out.isEmpty());
+    }
+    EXPECT_TRUE(m_fake.Calls().empty());
+    EXPECT_TRUE(m_sublayer->calls.empty());
+
+    // Three requests take a missing argument as a plain value.
+    EXPECT_EQ(m_business->USSDSetState({}), 0);
+    EXPECT_TRUE(m_sublayer->calls.empty());
+    EXPECT_EQ(m_business->SMSSetStatusReportFlag({}), 0);
+    EXPECT_EQ(m_sublayer->calls, (std::vector<std::string>{"SMSEnableStatusReport 0"}));
+}
+
 TEST_F(BusinessOperatorTest, ArgumentsAreConvertedAndCapped) {
     struct Row {
         const char* name;
@@ -405,6 +459,101 @@ TEST_F(BusinessOperatorTest, ArgumentsAreConvertedAndCapped) {
         EXPECT_EQ(m_sublayer->calls, row.calls);
         EXPECT_EQ(WorkNotification::GetValueObject(response), row.stored);
     }
+}
+
+TEST_F(BusinessOperatorTest, ConnectionRequestsWithoutADialUpService) {
+    QTemporaryDir devDir;
+    QTemporaryDir peersDir;
+    ASSERT_TRUE(devDir.isValid() && peersDir.isValid());
+    QFile node(devDir.filePath("cu.VELMobileConnector0"));
+    ASSERT_TRUE(node.open(QIODevice::WriteOnly));
+    qputenv("DIALTONE_DEV_DIR", devDir.path().toUtf8());
+    qputenv("DIALTONE_PEERS_DIR", peersDir.path().toUtf8());
+    // clang-format off
+    const struct { QString deviceName; int result; } rows[] = {
+        {"", 38},                    // no device name
+        {"VELMobileConnector9", 39}, // no such device
+        {"VELMobileConnector0", 37}, // device, but no dial-up service on it
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.deviceName.toStdString());
+        NetworkOperator network(row.deviceName);
+        BusinessOperator business(nullptr, m_sublayer.get(), &network);
+        QVariantMap response;
+        EXPECT_EQ(business.ModemInit(response), row.result);
+        EXPECT_EQ(WorkNotification::GetValueObject(response).toString(), row.deviceName);
+    }
+
+    NetworkOperator network("VELMobileConnector0");
+    BusinessOperator business(nullptr, m_sublayer.get(), &network);
+    BLConnectDialinfo dialInfo;
+    dialInfo.strAPN = "internet";
+
+    // The APN goes to the modem first; dialling without a service then fails, whatever the modem said.
+    for (const char* pdpAnswer : {"\r\nOK\r\n", "\r\nERROR\r\n"}) {
+        SCOPED_TRACE(ScriptedAtFake::Printable(pdpAnswer));
+        m_fake.Expect("AT+CGDCONT=1,\"IP\",\"internet\"\r", pdpAnswer);
+        EXPECT_EQ(business.Dialup(request(QVariant::fromValue(dialInfo))), 1);
+        m_fake.VerifyDone();
+    }
+    // A profile stored with an APN the modem cannot take is neither sent nor dialled.
+    dialInfo.strAPN = "inet\";+CMGD=1,4;+CFUN=0;\"";
+    const std::size_t sent = m_fake.Calls().size();
+    EXPECT_EQ(business.Dialup(request(QVariant::fromValue(dialInfo))), WORKER_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(m_fake.Calls().size(), sent);
+
+    QVariantMap response;
+    EXPECT_EQ(business.GetPPPStatus(response), 1);
+    EXPECT_TRUE(response.isEmpty());
+    EXPECT_EQ(business.GetConnectStatus(response), 0);
+    EXPECT_EQ(WorkNotification::GetValueObject(response), QVariant(-1));
+    EXPECT_EQ(business.GetStatistics(response), 0);
+    EXPECT_EQ(WorkNotification::GetValueObject(response).value<BLConnectStatistics>(), BLConnectStatistics{});
+    EXPECT_EQ(business.Disconnect(), 0);
+    qunsetenv("DIALTONE_DEV_DIR");
+    qunsetenv("DIALTONE_PEERS_DIR");
+}
+
+// An answer goes out only in the set it was built for; the command the card announced by then (in the
+// answer itself, or by a later poll) is fetched, and stale announcements are dropped while other reports
+// stay queued.
+TEST_F(BusinessOperatorTest, AnswersAndPollsFetchTheAnnouncedCommand) {
+    const std::string gamesListing = answer("+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"");
+    std::string stale = "\r\n+STIN: 6\r\n\r\n+CMTI: \"SM\",3\r\n";
+    ComOperation::GetInstance()->checkUnsolicitedReport(stale, nullptr);
+
+    m_fake.Expect("AT+CSCS?\r", kCharSetUcs2);
+    QVariantMap otherSet;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=0,0,2"), otherSet), 0);
+    EXPECT_FALSE(valueOf(otherSet).value(SatKey::kSent).toBool());
+    EXPECT_EQ(valueOf(otherSet).value(SatKey::kCharSet).toInt(), USSD_TE_UCS2);
+
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
+    m_fake.Expect("AT+STGR=0,0,2\r", "\r\nOK\r\n");
+    QVariantMap sent;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=0,0,2"), sent), 0);
+    EXPECT_TRUE(valueOf(sent).value(SatKey::kSent).toBool());
+    EXPECT_EQ(valueOf(sent).value(SatKey::kListing).toString(), "");
+    EXPECT_EQ(takeReports(true), std::vector<std::string>{"\r\n+CMTI: \"SM\",3\r\n"});
+
+    m_fake.Expect("AT\r", "\r\nOK\r\n");
+    m_fake.Expect("AT\r", answer("+STIN: 11"));
+    m_fake.Expect("AT+STGI=11\r", gamesListing);
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
+    QVariantMap polled;
+    ASSERT_EQ(m_business->SatPoll(polled), 0);
+    EXPECT_EQ(valueOf(polled).value(SatKey::kListing).toString(), "");
+    ASSERT_EQ(m_business->SatPoll(polled), 0);
+    EXPECT_EQ(valueOf(polled).value(SatKey::kListing).toString().toStdString(), gamesListing);
+
+    m_fake.Expect("AT+CSCS?\r", kCharSetIra);
+    m_fake.Expect("AT+STGR=11,0,,2\r", "\r\n+STIN: 1\r\n\r\nOK\r\n");
+    m_fake.Expect("AT+STGI=1\r", answer("+STGI: 1,\"Bye\",0,1"));
+    QVariantMap inside;
+    ASSERT_EQ(m_business->SatSelectItem(answerIn("AT+STGR=11,0,,2"), inside), 0);
+    EXPECT_TRUE(valueOf(inside).value(SatKey::kListing).toString().contains("Bye"));
+    m_fake.VerifyDone();
 }
 
 TEST(BusinessOperatorDate, TimeStampIsReadAsLocalTimeWithTodaysOffset) {
