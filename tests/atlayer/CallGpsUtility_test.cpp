@@ -26,33 +26,6 @@ protected:
     CGPSUtility m_gps;
 };
 
-TEST_F(CallUtilityTest, SetCommandsNeedOk) {
-    // clang-format off
-    const struct { const char* command; int timeoutMs; std::function<int()> run; } rows[] = {
-        {"AT+COLP=0\r", 3000, [this] { return m_call.InitCOLP(); }}, {"AT+CLIP=0\r", 3000, [this] { return m_call.InitCLIP(); }},
-        {"AT+CRC=0\r", 3000, [this] { return m_call.InitCRC(); }}, {"AT+VTS=5\r", 3000, [this] { return m_call.SendDTMF('5'); }},
-        {"AT$GPSC=1,1\r", 3000, [this] { return m_gps.InitGPS(); }}, {"AT$GPSC=1,0\r", 3000, [this] { return m_gps.UninitGPS(); }},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.command));
-        // Echoed OK; an error; NO CARRIER, which only dialling, answering and hanging up know; time-out;
-        // cancel.
-        m_fake.Expect(row.command, std::string(row.command) + "\r\nOK\r\n")
-            .WithTimeout(row.timeoutMs)
-            .WithoutPrefix()
-            .WithFinals(kFinals);
-        m_fake.Expect(row.command, "\r\n+CME ERROR: operation not allowed\r\n");
-        m_fake.Expect(row.command, "\r\nNO CARRIER\r\n");
-        m_fake.ExpectFailure(row.command, 2);
-        m_fake.ExpectFailure(row.command, 30);
-        std::string results;
-        for (int i = 0; i < 5; ++i)
-            results += std::to_string(row.run()) + " ";
-        EXPECT_EQ(results, "0 1 1 2 30 ");
-    }
-}
-
 TEST_F(CallUtilityTest, InitStopsAtTheFirstFailure) {
     m_fake.Expect("AT+COLP=0\r");
     m_fake.Expect("AT+CLIP=0\r");

@@ -1,5 +1,5 @@
-// The serial channel over a real pseudo-terminal pair: framing, final results, the text prompt,
-// unsolicited reports, time-outs, cancellation, reset and the port lock.
+// The serial channel over a real pseudo-terminal pair: time-outs, cancellation, reset, the port lock, the
+// traffic tap and the queue of unsolicited reports.
 #include "AtTestSupport.h"
 #include "ComOperation.h"
 #include "DebugSink.h"
@@ -25,7 +25,6 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-using at_test::Reports;
 using at_test::TakeReports;
 
 int CountOpenDescriptors() {
@@ -83,78 +82,6 @@ PtyPeer::Answer Pieces(std::initializer_list<std::string> texts, std::chrono::mi
     for (const std::string& text : texts)
         answer.push_back({answer.empty() ? 0ms : gap, text});
     return answer;
-}
-
-// clang-format off
-struct AnswerCase { const char* name; PtyPeer::Answer answer; std::string response; };
-// clang-format on
-
-TEST_F(ComOperationTest, CollectsAnAnswerUntilAFinalResult) {
-    // clang-format off
-    const AnswerCase cases[] = {
-        {"whole answer at once", Pieces({"\r\nOK\r\n"}), "\r\nOK\r\n"},
-        {"split inside a line and inside OK", Pieces({"\r\n+CSQ: 2", "3,99\r\n", "\r\nO", "K\r\n"}), "\r\n+CSQ: 23,99\r\n\r\nOK\r\n"},
-        {"split between CR and LF", Pieces({"\r\n+CGMI: VEL\r", "\n", "\r\nOK\r", "\n"}), "\r\n+CGMI: VEL\r\n\r\nOK\r\n"},
-        {"CME error", Pieces({"\r\n+CME ERROR: 10\r\n"}), "\r\n+CME ERROR: 10\r\n"},
-        {"CMS error after data", Pieces({"\r\n+CMGS: ", "\r\n+CMS ERROR: 500\r\n"}), "\r\n+CMGS: \r\n+CMS ERROR: 500\r\n"},
-        {"plain error", Pieces({"\r\nERROR\r\n"}), "\r\nERROR\r\n"},
-        {"answer longer than one read", Pieces({"\r\n+CMGL: " + std::string(6000, 'A') + "\r\n", "\r\nOK\r\n"}), "\r\n+CMGL: " + std::string(6000, 'A') + "\r\n\r\nOK\r\n"},
-        {"a NUL ends the text of a read", Pieces({"\r\n+CSQ: 9,99\r\n\r\nOK\r\n" + std::string(1, '\0') + "junk"}), "\r\n+CSQ: 9,99\r\n\r\nOK\r\n"},
-    };
-    // clang-format on
-    for (const AnswerCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        peer.expect("AT+CSQ\r", c.answer);
-        std::string response = kUntouched;
-        EXPECT_EQ(com->writeCom("AT+CSQ\r", "+CSQ: ", 5, response), 0);
-        EXPECT_EQ(response, c.response);
-        EXPECT_TRUE(peer.waitUntilIdle(2s));
-    }
-    EXPECT_EQ(peer.received().size(), std::size(cases));
-    EXPECT_TRUE(TakeReports().empty());
-}
-
-TEST_F(ComOperationTest, TextPromptEndsTheCommandWithoutALineEnd) {
-    peer.expect("AT+CMGS=23\r", "\r\n> ");
-    peer.expect("0011000B915121551532F40000AA0AE8329BFD4697D9EC37\x1a", "\r\n+CMGS: 7\r\n\r\nOK\r\n");
-    peer.expect("AT+CPBR=1\r", Pieces({"\r\n+CPBR: 1,\"a>b\"", ",129\r\n\r\nOK\r\n"}, 300ms));
-
-    std::string response;
-    EXPECT_EQ(com->writeCom("AT+CMGS=23\r", nullptr, 5, response), 0);
-    EXPECT_EQ(response, "\r\n> ");
-    EXPECT_EQ(com->writeCom("0011000B915121551532F40000AA0AE8329BFD4697D9EC37\x1a", "+CMGS: ", 5, response),
-              0);
-    EXPECT_EQ(response, "\r\n+CMGS: 7\r\n\r\nOK\r\n");
-    // Any '>' in a text without a line end counts as the prompt, even inside a data line.
-    EXPECT_EQ(com->writeCom("AT+CPBR=1\r", "+CPBR: ", 5, response), 0);
-    EXPECT_EQ(response, "\r\n+CPBR: 1,\"a>b\"");
-}
-
-// clang-format off
-// before: unsolicited text already waiting in the tty
-struct ReportCase { const char* name; std::string before; const char* command; const char* expected; PtyPeer::Answer answer; std::string response; Reports reports; };
-// clang-format on
-
-TEST_F(ComOperationTest, CutsUnsolicitedReportsOutOfTheAnswer) {
-    // clang-format off
-    const ReportCase cases[] = {
-        {"queued by table order, not arrival order", "", "AT+CSQ\r", "+CSQ: ", Pieces({"\r\nRING\r\n\r\n+CSQ: 20,99\r\n\r\n+CMTI: \"SM\",4\r\n\r\nOK\r\n"}), "\n\r\n+CSQ: 20,99\r\n\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CMTI, "\r\n+CMTI: \"SM\",4\r\n"}, {UNSOLICITED_REPORT_RING, "\r\nRING\r\n"}}},
-        {"a report waiting before the poll command is drawn out by it", "\r\n+CDSI: \"SR\",3\r\n", "at\r", nullptr, Pieces({"\r\nOK\r\n"}), "\n\r\nOK\r\n", {{UNSOLICITED_REPORT_CDSI, "\r\n+CDSI: \"SR\",3\r\n"}}},
-        {"the retry report is cut out and is no final result", "", "AT+CPMS?\r", "+CPMS: ", Pieces({"\r\n+CME ERROR: retry operation\r\n", "\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n"}, 100ms), "\n\r\n+CPMS: \"SM\",1,20\r\n\r\nOK\r\n", {{UNSOLICITED_REPORT_RETRY, "\r\n+CME ERROR: retry operation\r\n"}}},
-        {"toolkit indication", "", "AT\r", nullptr, Pieces({"\r\nOK\r\n\r\n+STIN: 1\r\n"}), "\r\nOK\r\n\n", {{UNSOLICITED_REPORT_STIN, "\r\n+STIN: 1\r\n"}}},
-    };
-    // clang-format on
-    for (const ReportCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        if (!c.before.empty())
-            peer.writeUnsolicited(c.before);
-        peer.expect(c.command, c.answer);
-        std::string response;
-        EXPECT_EQ(com->writeCom(c.command, c.expected, 5, response), 0);
-        EXPECT_EQ(response, c.response);
-        EXPECT_EQ(TakeReports(), c.reports);
-        EXPECT_TRUE(peer.waitUntilIdle(2s));
-    }
 }
 
 TEST_F(ComOperationTest, TimesOutAfterTheLimitInTicks) {
@@ -337,21 +264,6 @@ TEST_F(ComOperationTest, TrafficTapShowsLinesBothWaysWithSecretsMasked) {
 // clang-format off
 struct SuffixCase { const char* text; const char* suffix; int expected; };
 // clang-format on
-
-TEST(StringHasSuffix, EndsWithAStrictlyShorterSuffix) {
-    // clang-format off
-    const SuffixCase cases[] = {
-        {"\r\nOK\r\n", "\r\n", 1}, {"x\r\n", "\r\n", 1},
-        {"\r\n", "\r\n", 0}, // equal to the suffix: not "ending with" it
-        {"\r\n> ", "\r\n", 0}, {"\r\n+CSQ: 23,99\r", "\r\n", 0}, {"\n\r", "\r\n", 0}, {"", "\r\n", 0}, {"OK", "", 0}, {nullptr, "\r\n", 0},
-        {"OK\r\n", nullptr, 0},
-    };
-    // clang-format on
-    for (const SuffixCase& c : cases)
-        EXPECT_EQ(stringHasSuffix(c.text, c.suffix), c.expected)
-            << "text \"" << (c.text ? c.text : "(null)") << "\" suffix \"" << (c.suffix ? c.suffix : "(null)")
-            << "\"";
-}
 
 // clang-format off
 // expected: the command's own answer prefix, or nullptr

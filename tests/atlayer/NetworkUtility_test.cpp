@@ -289,40 +289,6 @@ TEST_F(NetworkUtilityTest, ServiceProviderNameCodings) {
     }
 }
 
-TEST_F(NetworkUtilityTest, DisplayListSlotsAndCount) {
-    // The answer is 1 whenever the command went through: kept. "result|count|slot|slot..."
-    const auto read = [this] {
-        int count = -1;
-        std::vector<TSpdiEntry> entries(2);
-        std::string text = Fields(family.GetSPDI(count, entries));
-        text += "|" + std::to_string(count);
-        for (const TSpdiEntry& entry : entries)
-            text += std::string("|") + entry.data();
-        return text;
-    };
-    // clang-format off
-    CheckReads(fake, "AT+SPDI\r", 5000, nullptr, read, {
-        // The network behind the empty entry lies beyond the count: kept.
-        {Answer("+SPDI: A3 0E 80 0C 64 F0 00 64 F0 10 FF FF FF 13 00 62"), "1|3|46000|46001||310260"},
-        {Answer("+SPDI: a30e800c64f00064f010ffffff130062"), "1|3|46000|46001||310260"}, {Answer("+SPDI: A3 05 80 03 64 F0 00"), "1|1|46000"},
-        {Answer("+SPDI: A3 0E 80 0C 64 F0 00 64 F0 10"), "1|4|46000|46001||"}, {Answer("+SPDI: A3 02 80 00"), "1|0"},
-        {Answer("+SPDI: 80 03 64 F0 00"), "1|0"}, {Answer("+SPDI: A3058003"), "1|0"}, {Answer("+SPDI: A3 05 80 ZZ 64 F0 00"), "1|0"}, {"\r\nOK\r\n", "1|0"},
-    });
-    // clang-format on
-    // 85 slots announced, more text than the 500 characters read: bounded on both sides.
-    std::string huge = "+SPDI: A3FF80FF";
-    for (int i = 0; i < 100; ++i)
-        huge += "64F000";
-    fake.Expect("AT+SPDI\r", Answer(huge));
-    int count = 0;
-    std::vector<TSpdiEntry> entries;
-    EXPECT_EQ(family.GetSPDI(count, entries), 1);
-    ASSERT_EQ(entries.size(), 85u);
-    EXPECT_EQ(Fields(entries[81].data(), entries[82].data()), "46000|");
-    fake.ExpectFailure("AT+SPDI\r", 2);
-    EXPECT_EQ(family.GetSPDI(count, entries), 2);
-}
-
 // The exchanges of GetInfo, in order; an empty creg or spnm: that command fails, and an operator without a
 // name ends the script before the provider name.
 void ExpectInfoScript(ScriptedAtFake& fake, const std::string& cops, const std::string& creg,
@@ -344,11 +310,6 @@ void ExpectInfoScript(ScriptedAtFake& fake, const std::string& cops, const std::
     fake.Expect("AT+SPDI\r", spdi.empty() ? "\r\nOK\r\n" : Answer("+SPDI: " + spdi));
 }
 
-std::string InfoFields(const TNetworkInfo& info) {
-    return Fields(info.nMode, info.nFormat, info.szOperator, info.nAcT, info.nRssiLevel, info.nServiceState,
-                  info.nBearer, info.nPsRegState, info.spInfo.nPresent, info.spInfo.nDisplay);
-}
-
 TEST_F(NetworkUtilityTest, InfoDisplayRule) {
     // Slots 46001, empty, 310260, 46002; the count of 3 leaves 46002 out.
     const char* spdi = "A3 0E 80 0C 64 F0 10 FF FF FF 13 00 62 64 F0 20";
@@ -367,21 +328,6 @@ TEST_F(NetworkUtilityTest, InfoDisplayRule) {
         TNetworkInfo info;
         EXPECT_EQ(family.GetInfo(info), 0);
         EXPECT_EQ(info.spInfo.nDisplay, row.display);
-        fake.VerifyDone();
-    }
-}
-
-TEST_F(NetworkUtilityTest, InfoServiceStateAndDefaults) {
-    // creg empty: the command fails. No operator name: the provider name is not asked for.
-    const std::pair<const char*, int> rows[] = {{"0,1", 0}, {"0,5", 1}, {"0,2", 2}, {"0,0", 3},
-                                                {"0,3", 3}, {"0,4", 4}, {"", 4}};
-    for (const auto& [creg, serviceState] : rows) {
-        SCOPED_TRACE(creg);
-        ExpectInfoScript(fake, "0", creg, "", "", "", "LTE", "");
-        TNetworkInfo info;
-        info.spInfo.nPresent = 1;
-        EXPECT_EQ(family.GetInfo(info), 0);
-        EXPECT_EQ(InfoFields(info), Fields(0, 3, "", 3, 6, serviceState, 8, 5, 0, info.spInfo.nDisplay));
         fake.VerifyDone();
     }
 }

@@ -151,46 +151,6 @@ TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
     EXPECT_EQ(m_pb.GetMaxLengthPair(name, number), 2);
 }
 
-// A SIM whose limits cannot be read is not checked; the modem storage's failures are returned.
-TEST_F(PbUtilityTest, ConstraintFromBothStoragesWithoutNeedingTheSim) {
-    const std::string simLimits = Answer("+CPBR: (1-250),20,14");
-    const std::string noSim = "\r\n+CME ERROR: SIM not inserted\r\n";
-    // An empty simSelect: selected; an empty simLimits or meLimits: not asked. The limits count for result 0.
-    // clang-format off
-    struct Row { std::string simSelect; std::string simLimits; int meSelectFailure; std::string meLimits; int result;
-                 uint32_t mask; int meNumber, meName, simNumber, simName; };
-    const Row rows[] = {
-        {"", simLimits, 0, Answer("+CPBR: (1-100),,30"), 0, PB_CONSTRAINT_ME_NAME | PB_CONSTRAINT_SIM_NUMBER | PB_CONSTRAINT_SIM_NAME, 0, 30, 20, 14},
-        {noSim, "", 0, Answer("+CPBR: (1-100),40,18"), 0, PB_CONSTRAINT_ME_NUMBER | PB_CONSTRAINT_ME_NAME, 40, 18, 0, 0},
-        {"", "\r\nERROR\r\n", 2, "", 2, 0, 0, 0, 0, 0}, {"", simLimits, 0, "\r\nERROR\r\n", 1, 0, 0, 0, 0, 0},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.simSelect + row.simLimits + row.meLimits));
-        if (row.simSelect.empty())
-            ExpectSelect(PB_STORAGE_SIM);
-        else
-            m_fake.Expect("AT+CPBS=\"SM\"\r", row.simSelect);
-        if (!row.simLimits.empty())
-            m_fake.Expect("AT+CPBR=?\r", row.simLimits);
-        if (row.meSelectFailure != 0)
-            m_fake.ExpectFailure("AT+CPBS=\"ME\"\r", row.meSelectFailure);
-        else
-            ExpectSelect(PB_STORAGE_MODEM);
-        if (!row.meLimits.empty())
-            m_fake.Expect("AT+CPBR=?\r", row.meLimits);
-        TPbConstraint constraint;
-        constraint.nMeMaxNumberLen = 99;
-        EXPECT_EQ(m_pb.GetConstraint(constraint), row.result);
-        m_fake.VerifyDone();
-        if (row.result == 0) {
-            EXPECT_EQ(Fields(constraint.nMask, constraint.nMeMaxNumberLen, constraint.nMeMaxNameLen,
-                             constraint.nSimMaxNumberLen, constraint.nSimMaxNameLen),
-                      Fields(row.mask, row.meNumber, row.meName, row.simNumber, row.simName));
-        }
-    }
-}
-
 TEST_F(PbUtilityTest, ListFailures) {
     // An entry that cannot be decoded empties the list.
     ExpectUse(PB_STORAGE_SIM, 2, 250);
@@ -324,30 +284,6 @@ TEST_F(PbUtilityTest, UpdateWritesTheUpperCasedCommand) {
     ExpectUcs2();
     m_fake.ExpectFailure("AT+CPBS=\"SM\"\r", 30);
     EXPECT_EQ(m_pb.UpdateItem(item), 30);
-}
-
-TEST_F(PbUtilityTest, DeleteKeepsCountsAndIndexes) {
-    ExpectList(PB_STORAGE_SIM, {1, 3, 5}, 10);
-    std::list<TPbBaseItem> items;
-    ASSERT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 0);
-
-    ExpectSelect(PB_STORAGE_SIM);
-    m_fake.Expect("AT+CPBW=3\r", "\r\n+CME ERROR: invalid index\r\n");
-    EXPECT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 3), 1);
-    m_fake.ExpectFailure("AT+CPBS=\"SM\"\r", 2);
-    EXPECT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 3), 2);
-    ExpectSelect(PB_STORAGE_SIM);
-    m_fake.ExpectFailure("AT+CPBW=3\r", 30);
-    EXPECT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 3), 30);
-    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), (std::list<int>{1, 3, 5}));
-
-    ExpectSelect(PB_STORAGE_SIM);
-    m_fake.Expect("AT+CPBW=3\r");
-    ASSERT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 3), 0);
-    ExpectSelect(PB_STORAGE_SIM);
-    m_fake.Expect("AT+CPBW=9\r"); // not listed: the list stays
-    ASSERT_EQ(m_pb.DeleteItem(PB_STORAGE_SIM, 9), 0);
-    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), (std::list<int>{1, 5}));
 }
 
 } // namespace

@@ -27,37 +27,6 @@ protected:
 using PinUtilityTest = PinSystemTest;
 using SystemUtilityTest = PinSystemTest;
 
-TEST_F(PinUtilityTest, CheckStateSearchesTheStateTableInOrder) {
-    const auto read = [this] {
-        int state = -1;
-        const int result = m_pin.CheckState(state);
-        return Fields(result, state);
-    };
-    const auto check = [&](const char* answer, int result, int state) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(answer));
-        m_fake.Expect("AT+CPIN?\r", answer)
-            .WithTimeout(1000)
-            .WithPrefix("+CPIN")
-            .WithFinals({"OK", "+CME ERROR:", "ERROR"});
-        EXPECT_EQ(read(), Fields(result, state));
-    };
-    // clang-format off
-    // state: -1: left alone
-    const struct { const char* answer; int result; int state; } rows[] = {
-        {"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0, 1}, {"AT+CPIN?\r\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", 0, 2}, {"\r\n+CPIN: SIM PUK\r\n\r\nOK\r\n", 0, 3},
-        {"\r\n+CPIN: PH-SIM PIN\r\n\r\nOK\r\n", 0, 2}, // found as "SIM PIN" first: kept
-        {"\r\n+CPIN: PH-NETSUB PUK\r\n\r\nOK\r\n", 0, 12}, {"\r\n+CPIN:READY\r\n\r\nOK\r\n", 0, 1},
-        {"\r\n+CREG: 1\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n", 0, 2}, {"\r\n+CPIN: BLOCKED\r\n\r\nOK\r\n", 1, -1},
-        {"\r\n+CME ERROR: SIM not inserted\r\n", 0, 0}, {"\r\n+CME ERROR: SIM failure\r\n", 11, -1}, {"\r\n+CME ERROR: SIM busy\r\n", 12, -1},
-        {"\r\n+CME ERROR: 10\r\n", 1, -1}, {"\r\nERROR\r\n", 1, -1}, {"", 2, -1},
-    };
-    // clang-format on
-    for (const auto& row : rows)
-        check(row.answer, row.result, row.state);
-    m_fake.ExpectFailure("AT+CPIN?\r", 30);
-    EXPECT_EQ(read(), "30|-1");
-}
-
 // Each command's text, time limit and result: the SIM's codes, then the modem's settings.
 TEST_F(PinSystemTest, CommandsSendTheirTextAndMapErrors) {
     const char* ok = "\r\nOK\r\n";
@@ -219,93 +188,6 @@ TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
     std::strcpy(msisdn.szNumber, "+999");
     EXPECT_EQ(m_system.GetMsisdn(msisdn), 2);
     EXPECT_STREQ(msisdn.szNumber, "");
-}
-
-TEST_F(SystemUtilityTest, SyncCommEscapesThenSwitchesEchoOnTwiceAndOff) {
-    // clang-format off
-    // failAt: step (1: first ATE1, 2: second ATE1, 3: ATE0) that fails, 0 none
-    const struct { const char* name; int failAt; int failure; int result; } rows[] = {
-        {"all answer", 0, 0, 0}, {"first ATE1 times out", 1, 2, 2}, {"second ATE1 cancelled", 2, 30, 30}, {"ATE0 fails", 3, 1, 1},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        // The escape's own result does not count.
-        m_fake.ExpectFailure("\x1B", 2).WithTimeout(100).WithoutPrefix().WithFinals({"OK"});
-        const char* commands[] = {"ATE1\r", "ATE1\r", "ATE0\r"};
-        const char* answers[] = {"\r\nOK\r\n", "ATE1\r\r\nOK\r\n", "ATE0\r\r\nOK\r\n"};
-        for (int step = 1; step <= 3; ++step) {
-            if (step == row.failAt) {
-                m_fake.ExpectFailure(commands[step - 1], row.failure);
-                break;
-            }
-            auto& expected =
-                m_fake.Expect(commands[step - 1], answers[step - 1]).WithTimeout(1000).WithFinals(kFinals);
-            if (step == 2)
-                expected.WithPrefix("ATE1");
-            else
-                expected.WithoutPrefix();
-        }
-        EXPECT_EQ(m_system.SyncComm(), row.result);
-        m_fake.VerifyDone();
-    }
-
-    const auto expectSync = [this] {
-        m_fake.Expect("\x1B", "");
-        m_fake.Expect("ATE1\r");
-        m_fake.Expect("ATE1\r", "ATE1\r\r\nOK\r\n");
-        m_fake.Expect("ATE0\r", "ATE0\r\r\nOK\r\n");
-    };
-    // InitComm synchronises, then sets the modem up.
-    expectSync();
-    for (const char* command : {"AT&F\r", "ATE0Q0V1\r", "AT+CMEE=2\r"})
-        m_fake.Expect(command).WithTimeout(1000).WithoutPrefix().WithFinals(kFinals);
-    EXPECT_EQ(m_system.InitComm(), 0);
-    m_fake.VerifyDone();
-
-    // The first failure ends the setup with its code.
-    expectSync();
-    m_fake.Expect("AT&F\r");
-    m_fake.ExpectFailure("ATE0Q0V1\r", 2);
-    EXPECT_EQ(m_system.InitComm(), 2);
-    m_fake.VerifyDone();
-
-    // A failed synchronisation sends no setup.
-    m_fake.Expect("\x1B", "");
-    m_fake.ExpectFailure("ATE1\r", 1);
-    EXPECT_EQ(m_system.InitComm(), 1);
-}
-
-TEST_F(SystemUtilityTest, EquipmentInfoReadsEveryIdentityAndAlwaysSetsBit64) {
-    const std::string longManufacturer(2100, 'M');
-    m_fake.Expect("AT+CGMI\r", "AT+CGMI\r\r\n" + longManufacturer + "\r\n\r\nOK\r\n").WithTimeout(3000);
-    m_fake.Expect("AT+CGMM\r", "\r\nVM-3G 200\r\n\r\nOK\r\n").WithTimeout(3000);
-    m_fake.Expect("AT+CGMR\r", "\r\n11.608.12.02.21\r\n\r\nOK\r\n").WithTimeout(3000);
-    m_fake.Expect("AT+CGSN\r", "\r\n354635030000001\r\n\r\nOK\r\n").WithTimeout(3000);
-    m_fake.Expect("AT+CIMI\r", "\r\n460001234567890\r\n\r\nOK\r\n").WithTimeout(5000);
-    m_fake.Expect("AT+CNUM\r", "\r\n+CNUM: \"\",\"+8613912345678\",145\r\n\r\nOK\r\n").WithTimeout(3000);
-    m_fake.Expect("AT+HWV\r", "\r\nERROR\r\n").WithTimeout(3000).WithoutPrefix().WithFinals(kFinals);
-
-    TEquipmentInfo info;
-    std::memset(static_cast<void*>(&info), 'x', sizeof info);
-    EXPECT_EQ(m_system.GetEquipmentInfo(info), 0);
-    EXPECT_EQ(std::string(info.szManufacturer), std::string(2048, 'M'));
-    EXPECT_EQ(Fields(info.nMask, info.szModel, info.szRevision, info.szSerialNumber, info.szImsi,
-                     info.msisdn.szNumber),
-              "127|VM-3G 200|11.608.12.02.21|354635030000001|460001234567890|+8613912345678");
-    EXPECT_EQ(std::string(info.szHardwareVersion, sizeof info.szHardwareVersion),
-              std::string(sizeof info.szHardwareVersion, '\0'));
-    m_fake.VerifyDone();
-
-    // The hardware version alone: bounded, or zeroed when it cannot be read.
-    char version[kHardwareVersionSize];
-    m_fake.Expect("AT+HWV\r", "\r\n" + std::string(60, 'V') + "\r\n\r\nOK\r\n");
-    EXPECT_EQ(m_system.GetHardwareVersion(version), 0);
-    EXPECT_EQ(std::string(version), std::string(40, 'V'));
-
-    m_fake.ExpectFailure("AT+HWV\r", 2);
-    EXPECT_EQ(m_system.GetHardwareVersion(version), 2);
-    EXPECT_EQ(std::string(version, sizeof version), std::string(sizeof version, '\0'));
 }
 
 TEST_F(SystemUtilityTest, DeviceStartStateReadsTheFuncAnswer) {

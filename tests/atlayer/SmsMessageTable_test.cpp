@@ -68,10 +68,6 @@ std::vector<TSmsListItem> Merged(const std::list<CMsgListTableItem>& table) {
     return merged;
 }
 
-std::wstring Part(int n) {
-    return std::to_wstring(n) + L",";
-}
-
 // The storage selection and deletion of one stored message, as the table sends them.
 void ExpectDeletion(ScriptedAtFake& fake, const char* storage, int index,
                     const char* answer = ScriptedAtFake::kOk) {
@@ -123,45 +119,6 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
     const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
     EXPECT_EQ(Fields(merged[0].nCompleted, merged[0].nExpected, merged[0].nTotal), "1|1|1");
     EXPECT_NE(merged[0].nRef, merged[1].nRef);
-}
-
-// Long messages are shown in groups of ten parts, each group its own message.
-TEST(SmsMessageTable, GroupsOfTen) {
-    // clang-format off
-    // missing: 0: none
-    const struct { int total; int missing; std::vector<int> expected; std::vector<int> received; } rows[] = {
-        {12, 0, {10, 2}, {10, 2}}, {25, 17, {10, 10, 5}, {10, 9, 5}}, {10, 0, {10}, {10}}, {11, 11, {10}, {10}},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.total);
-        CSmsUtility sms;
-        for (int sequence = 1; sequence <= row.total; ++sequence) {
-            if (sequence == row.missing)
-                continue;
-            ASSERT_EQ(Add(sms, {.index = static_cast<uint32_t>(sequence),
-                                .text = Part(sequence),
-                                .reference = 200,
-                                .total = row.total,
-                                .sequence = sequence})
-                          .first,
-                      0);
-        }
-        const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
-        ASSERT_EQ(merged.size(), row.expected.size());
-        for (std::size_t group = 0; group < merged.size(); ++group) {
-            const TSmsListItem& m = merged[group];
-            EXPECT_EQ(Fields(m.nExpected, m.nReceived, m.nCompleted, m.nTotal),
-                      Fields(row.expected[group], row.received[group],
-                             row.expected[group] == row.received[group], row.total))
-                << "group " << group;
-            std::wstring text;
-            const int first = static_cast<int>(group) * 10 + 1;
-            for (int sequence = first; sequence < first + row.expected[group]; ++sequence)
-                text += sequence == row.missing ? L"" : Part(sequence);
-            EXPECT_EQ(merged[group].wstrContent, text);
-        }
-    }
 }
 
 // A replace message (TP-PID 0x41-0x47) takes the place of an older one from the same sender.

@@ -177,64 +177,6 @@ TEST(SmsPduEncode, SeptetPacking) {
     EXPECT_EQ(septets[1], 'e');
 }
 
-TEST(SmsPduEncode, CharacterHelpers) {
-    // clang-format off
-    const struct { std::wstring text; const char* septets; } rows[] = {
-        {L"€[~]", "1B651B3C1B3D1B3E"},   {L"ç`\u0100\U0001F600", "20202020"}, // not in the alphabet: spaces
-        {std::wstring(1, L'\0'), "20"}, // NUL counts as 7-bit but is sent as a space
-        {L"\n\r\f", "0A0D20"}, // form feed is not the page break
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.septets);
-        uint8_t out[32];
-        const int written = CSmsUtility::WStringToDefault7Bit(
-            row.text.data(), static_cast<int>(row.text.size()), out, sizeof out);
-        std::string expected = row.septets;
-        expected.erase(std::remove(expected.begin(), expected.end(), ' '), expected.end());
-        EXPECT_EQ(Hex(out, written), expected);
-    }
-    // The last octet of the buffer stays zero and an escape pair is never cut.
-    uint8_t out[4];
-    EXPECT_EQ(CSmsUtility::WStringToDefault7Bit(L"abcd", 4, out, 4), 3);
-    EXPECT_EQ(out[3], 0);
-    EXPECT_EQ(CSmsUtility::WStringToDefault7Bit(L"ab€", 3, out, 4), 2);
-    EXPECT_EQ(Hex(out, 4), "61620000");
-
-    // clang-format off
-    const struct { std::vector<uint8_t> septets; std::wstring text; } backs[] = {
-        {{0x1B, 0x65}, L"€"},         {{0x41, 0x1B}, L"A "}, // an escape at the end is a space
-        {{0x1B, 0x41}, L" A"}, // no extension character: a space, then the septet itself
-        {{0x1B, 0x1B, 0x14}, L" ^"},  {{0x1B, 0x0A}, L"\n"}, // page break
-        {{0x80, 0xFF, 0x00}, L"  @"}, {{0x1B, 0x80}, L"  "},
-    };
-    // clang-format on
-    for (const auto& back : backs) {
-        std::wstring text;
-        CSmsUtility::Default7BitToWstring(back.septets.data(), static_cast<int>(back.septets.size()), text);
-        EXPECT_EQ(text, back.text);
-    }
-
-    std::string seven;
-    for (const wchar_t c : {L'\0', L'€', L'\\', L'`', L'ç'})
-        seven += CSmsUtility::IsDefault7BitChar(c) ? "1" : "0";
-    EXPECT_EQ(seven, "11100");
-    EXPECT_EQ(at_test::Fields(CSmsUtility::GetEncodeType(L"Grüße {an} alle €"),
-                              CSmsUtility::GetEncodeType(L"ça va"), CSmsUtility::GetEncodeType(L"")),
-              "0|1|0");
-    uint8_t septet = 0;
-    EXPECT_EQ(CSmsUtility::WCharToDefault7Bit(L'€', septet), 0); // extension characters are not mapped here
-    EXPECT_EQ(CSmsUtility::WCharToDefault7Bit(L'è', septet), 1);
-    EXPECT_EQ(septet, 0x04);
-
-    uint16_t units[3] = {};
-    const wchar_t wide[] = {L'A', wchar_t(0x4F60), wchar_t(0x1F600)};
-    EXPECT_EQ(CSmsUtility::WStringToBigEndianUcs2(wide, 3, units, 2), 2);
-    EXPECT_EQ(Hex(reinterpret_cast<uint8_t*>(units), 4), "00414F60");
-    EXPECT_EQ(CSmsUtility::WStringToBigEndianUcs2(wide + 2, 1, units, 3), 1);
-    EXPECT_EQ(Hex(reinterpret_cast<uint8_t*>(units), 2), "F600"); // the low 16 bits alone
-}
-
 TEST(SmsPduEncode, UserDataLengthLimits) {
     TUserData data;
     // DCS, header, length: 160 septets, 70 UCS2 characters, and with a header 153 and 67, fill 140 octets.

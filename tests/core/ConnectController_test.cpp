@@ -100,21 +100,6 @@ protected:
     QStringList echoed;
 };
 
-TEST_F(ConnectControllerTest, OfferedListPutsTheSimsProfilesFirstAndSelectsTheUsersDefault) {
-    config->addUserAPNItem(profile("Mine"));
-    config->setDefaultUserApnItemsByIndex(0);
-    ProfileSettingsController settings(*config);
-    readyWithProfiles(settings);
-
-    ASSERT_TRUE(controller->connectorReady());
-    QStringList names;
-    for (const APNInfo& p : controller->offeredProfiles())
-        names << p.strAccount;
-    EXPECT_EQ(names, (QStringList{"X one", "X two", "Mine"}));
-    EXPECT_EQ(std::pair(controller->defaultIndex(), controller->selectedIndex()), std::pair(2, 2));
-    EXPECT_TRUE(controller->choiceEnabled());
-}
-
 TEST_F(ConnectControllerTest, DialsTheProfilesOwnNumberEvenWhenEmpty) {
     ProfileSettingsController settings(*config);
     readyWithProfiles(settings);

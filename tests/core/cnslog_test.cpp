@@ -30,32 +30,6 @@ TEST(CNSLog, NothingWithoutTheMarker) {
     EXPECT_FALSE(QFileInfo::exists(home.path() + "/.local/state"));
 }
 
-TEST(CNSLog, MarkerSwitchesTheDayFileOn) {
-    TempHome home;
-    const QString path = home.openLog();
-    const QDate today = QDate::currentDate();
-    EXPECT_EQ(path, home.path() + QString::asprintf("/.local/state/dialtone/LOG_%02d_%02d_%04d.log",
-                                                    today.day(), today.month(), today.year()));
-    EXPECT_EQ(g_ST_LOG_ALL, 1);
-    ASSERT_TRUE(QFileInfo::exists(path));
-
-    Sample().log(2);
-    ASSERT_EQ(logLines(path).size(), 1);
-    EXPECT_TRUE(logLines(path)[0].contains("[-CNSLOG_ERROR-]: cnslog_test.cpp:"))
-        << logLines(path)[0].toStdString();
-
-    // A later start on the same day appends to the same file.
-    g_CNSLog.initialize();
-    Sample().log(0);
-    EXPECT_EQ(logLines(path).size(), 2);
-
-    // Removing the marker switches it off at the next start.
-    QFile::remove(home.configFile("OPENLOG"));
-    g_CNSLog.initialize();
-    Sample().log(2);
-    EXPECT_EQ(logLines(path).size(), 2);
-}
-
 TEST(CNSLog, ThreadsAppendWholeLines) {
     TempHome home;
     const QString path = home.openLog();

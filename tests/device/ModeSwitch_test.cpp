@@ -115,25 +115,6 @@ TEST_F(ModeSwitch, CardVolumeLookup) {
     EXPECT_FALSE(DeviceUtility::OpenMMCDisk());
 }
 
-// The card's node name goes into a fixed buffer: one too small is refused. (Which nodes are leaves and
-// CD-ROMs, CardVolumeLookup shows.)
-TEST_F(ModeSwitch, RegistryEntryQueries) {
-    const QString usb = testbed->addUsbDevice("1-2", "1bbb", "f000", 5);
-    const QString scsi = testbed->addScsiDevice(usb, "50", "USBModem", "MMC Storage");
-    const QString partition =
-        testbed->addBlock(testbed->addBlock(scsi, "sdb", "disk", false), "sdb1", "partition", false);
-    udev* context = udev_new();
-    udev_device* device = udev_device_new_from_syspath(context, partition.toLocal8Bit());
-    ASSERT_NE(device, nullptr);
-    EXPECT_TRUE(DeviceUtility::registryPath(device).endsWith("/USBModem MMC Storage Media/sdb1"));
-    char name[16], tiny[8];
-    EXPECT_TRUE(DeviceUtility::getBSDNameFromDeviceRef(device, name, sizeof name));
-    EXPECT_STREQ(name, "/dev/sdb1");
-    EXPECT_FALSE(DeviceUtility::getBSDNameFromDeviceRef(device, tiny, sizeof tiny)) << "does not fit";
-    udev_device_unref(device);
-    udev_unref(context);
-}
-
 // Mount points as the kernel escapes them; devices that are not mounted have no volume.
 TEST(VolumePath, MountTable) {
     TempWorld world;

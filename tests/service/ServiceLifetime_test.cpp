@@ -1,5 +1,5 @@
 // dialtoned with several clients over its life: at once, killed in the middle, the service itself killed,
-// ending when idle, the tool's fallback to its own worker, and a call from another user.
+// ending when idle, and a call from another user.
 
 #include <signal.h>
 #include <unistd.h>
@@ -75,45 +75,6 @@ TEST(ServiceLife, EndsByItselfOnceTheLastClientHasLeft) {
     EXPECT_FALSE(world.waitForServiceExit(second, 6s)) << "ended while a client was connected";
     world.bus.leave();
     EXPECT_TRUE(world.waitForServiceExit(second, 30s)) << "still running after its client left";
-}
-
-TEST(ServiceFallback, TheServiceIsOfferedOnlyWhereTheBusHasOrCanStartIt) {
-    clitest::SimulatedModem modem;
-    ASSERT_TRUE(modem.ready());
-    PrivateBus activating(DIALTONE_SERVICES_DIR, modem.devDir.path, modem.home.path);
-    PrivateBus bare({}, modem.devDir.path, modem.home.path);
-    // clang-format off
-    struct Row { const char* what; QDBusConnection bus; bool available; };
-    const std::vector<Row> rows = {
-        {"no bus", QDBusConnection(QStringLiteral("servicetest-none")), false},
-        {"a bus without the service", bare.connection(), false},
-        {"a bus that can start it", activating.connection(), true},
-    };
-    // clang-format on
-    for (const Row& row : rows)
-        EXPECT_EQ(BusTransport::serviceAvailable(row.bus), row.available) << row.what;
-}
-
-TEST(ServiceFallback, PortsNamedForTheToolAreOpenedByTheToolItself) {
-    ServiceWorld world;
-    ASSERT_TRUE(world.ready());
-    const std::string dev = world.modem.devDir.path;
-    // clang-format off
-    struct Row { std::vector<std::string> arguments; std::vector<std::string> environment; };
-    const std::vector<Row> rows = {
-        {{"--no-service", "--dev-dir", dev, "--json", "status"}, {}},
-        {{"--dev-dir", dev, "--json", "status"}, {}},
-        {{"--json", "status"}, {"DIALTONE_DEV_DIR=" + dev}},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        std::vector<std::string> environment = world.clientEnvironment();
-        environment.insert(environment.end(), row.environment.begin(), row.environment.end());
-        const clitest::Outcome status = Child(row.arguments, environment).finish();
-        EXPECT_EQ(status.status, 0) << status.err;
-        EXPECT_EQ(clitest::Parse(status.out)["network"]["provider_name"], "Vodafone.de") << status.out;
-    }
-    EXPECT_EQ(world.servicePid(), -1) << "the bus started the service for a tool with its own ports";
 }
 
 TEST(ServiceAccess, AnotherUsersCallIsRefused) {

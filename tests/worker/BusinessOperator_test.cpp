@@ -91,27 +91,20 @@ public:
 
     std::function<int(TEquipmentInfo&)> getEquipmentInfo;
     std::function<int(TNetworkInfo&)> getNetworkInfo;
-    std::function<int(int&)> pinCheckState;
-    std::function<int(int, int&)> getRegState;
-    std::function<int(int&)> getPsAttachState;
     std::function<int(std::list<TNetworkListItem>&)> getNetworkList;
-    std::function<int(const char*, TSmsListItem&, int&)> smsOnReceive;
-    std::function<int(std::list<TSmsListItem>&)> smsGetList;
-    std::function<int(std::list<TPbItem>&)> pbInitList;
-    std::function<int(const char*, TUssdItem&)> ussdOnReceive;
     std::vector<std::string> calls; // the recorded operations, with their arguments
     int nextResult = 0;             // what the recorded operations return
 
     int SystemGetEquipmentInfo(TEquipmentInfo& info) override { return getEquipmentInfo ? getEquipmentInfo(info) : inner->SystemGetEquipmentInfo(info); }
     int NetworkGetInfo(TNetworkInfo& info) override { return getNetworkInfo ? getNetworkInfo(info) : inner->NetworkGetInfo(info); }
-    int PINCheckState(int& state) override { return pinCheckState ? pinCheckState(state) : inner->PINCheckState(state); }
-    int NetworkGetRegState(int which, int& state) override { return getRegState ? getRegState(which, state) : inner->NetworkGetRegState(which, state); }
-    int NetworkGetPSAttachState(int& state) override { return getPsAttachState ? getPsAttachState(state) : inner->NetworkGetPSAttachState(state); }
+    int PINCheckState(int& state) override { return inner->PINCheckState(state); }
+    int NetworkGetRegState(int which, int& state) override { return inner->NetworkGetRegState(which, state); }
+    int NetworkGetPSAttachState(int& state) override { return inner->NetworkGetPSAttachState(state); }
     int NetworkGetList(std::list<TNetworkListItem>& items) override { return getNetworkList ? getNetworkList(items) : inner->NetworkGetList(items); }
-    int SMSOnReceive(const char* line, TSmsListItem& item, int& kind) override { return smsOnReceive ? smsOnReceive(line, item, kind) : inner->SMSOnReceive(line, item, kind); }
-    int SMSGetList(std::list<TSmsListItem>& items) override { return smsGetList ? smsGetList(items) : inner->SMSGetList(items); }
-    int PBInitList(std::list<TPbItem>& items) override { return pbInitList ? pbInitList(items) : inner->PBInitList(items); }
-    int UssdOnReceive(const char* line, TUssdItem& item) override { return ussdOnReceive ? ussdOnReceive(line, item) : inner->UssdOnReceive(line, item); }
+    int SMSOnReceive(const char* line, TSmsListItem& item, int& kind) override { return inner->SMSOnReceive(line, item, kind); }
+    int SMSGetList(std::list<TSmsListItem>& items) override { return inner->SMSGetList(items); }
+    int PBInitList(std::list<TPbItem>& items) override { return inner->PBInitList(items); }
+    int UssdOnReceive(const char* line, TUssdItem& item) override { return inner->UssdOnReceive(line, item); }
 
     int SMSDelete(int tableId) override { return record("SMSDelete " + std::to_string(tableId)); }
     int SMSSetServiceCentre(const TSmsAddress& address) override { return record("SMSSetServiceCentre " + std::string(address.szNumber, strnlen(address.szNumber, 24))); }
@@ -350,69 +343,6 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
     }
 }
 
-TEST_F(BusinessOperatorTest, DiagInfoGathersWhatItCanAndClearsTheRegStateWhenAttachFails) {
-    // clang-format off
-    struct Row { bool equipmentFails, networkFails, pinFails, gprsFails, normalFails, attachFails; qint32 pin, gprs, normal, attach; };
-    const Row rows[] = {
-        {false, false, false, false, false, false, 2, 4, 1, 1},
-        {false, false, false, false, false, true, 2, 4, 0, 0},
-        {true, true, true, true, true, true, 19, 5, 0, 0},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(testing::Message()
-                     << "pin " << row.pin << " gprs " << row.gprs << " normal " << row.normal << " attach "
-                     << row.attach << " equipment/network failing " << row.equipmentFails);
-        m_sublayer->getEquipmentInfo = [&](TEquipmentInfo& info) {
-            info.nMask = EQUIPMENT_MODEL | EQUIPMENT_IMSI;
-            std::strcpy(info.szModel, "VM-3G");
-            std::strcpy(info.szImsi, "001010123456789");
-            return row.equipmentFails ? 2 : 0;
-        };
-        m_sublayer->getNetworkInfo = [&](TNetworkInfo& info) {
-            info.nMode = 1;
-            info.nFormat = 2;
-            std::strcpy(info.szOperator, "00101");
-            info.nAcT = 2;
-            info.spInfo.nPresent = 1;
-            info.spInfo.wszSpName[0] = u'A';
-            info.nRssiLevel = 4;
-            info.nServiceState = 1;
-            info.nBearer = 3;
-            return row.networkFails ? 1 : 0;
-        };
-        m_sublayer->pinCheckState = [&](int& state) {
-            state = 2;
-            return row.pinFails ? 12 : 0;
-        };
-        std::vector<int> kinds;
-        m_sublayer->getRegState = [&](int which, int& state) {
-            kinds.push_back(which);
-            state = which == 1 ? 4 : 1;
-            return (which == 1 ? row.gprsFails : row.normalFails) ? 1 : 0;
-        };
-        m_sublayer->getPsAttachState = [&](int& state) {
-            state = 1;
-            return row.attachFails ? 2 : 0;
-        };
-
-        QVariantMap response;
-        EXPECT_EQ(m_business->GetDiagInfo(response), 0);
-        EXPECT_EQ(kinds, (std::vector<int>{1, 0}));
-        const auto diag = WorkNotification::GetValueObject(response).value<BLDiagInfo>();
-        const bool e = row.equipmentFails, n = row.networkFails;
-        // clang-format off
-        const BLDiagInfo expected{{}, e ? QString() : "VM-3G", {}, {}, e ? QString() : "001010123456789", {}, {},
-                                  n ? 0 : 1, n ? 0 : 2, n ? QString() : "00101", n ? 0 : 2, n ? QString() : "A", n ? 0 : 4, n ? 0 : 1, n ? 0 : 3,
-                                  row.pin, row.gprs, row.normal, row.attach};
-        // clang-format on
-        EXPECT_EQ(diag, expected);
-        EXPECT_TRUE(diag.strManufacturer.isNull());
-        EXPECT_EQ(diag.strModel.isNull(), e);
-        EXPECT_EQ(diag.strOperator.isNull(), n);
-    }
-}
-
 TEST_F(BusinessOperatorTest, NetworkNamesStayInsideTheirFieldsAndTheProviderNameComesOnlyWhenPresent) {
     // Names that fill their fields to the last byte (no terminator) stay inside them.
     m_sublayer->getNetworkList = [](std::list<TNetworkListItem>& items) {
@@ -449,77 +379,6 @@ TEST_F(BusinessOperatorTest, NetworkNamesStayInsideTheirFieldsAndTheProviderName
         EXPECT_EQ(info.nDisplayMask, 2);
         EXPECT_EQ(info.nGprsState, 5);
     }
-}
-
-TEST_F(BusinessOperatorTest, IncomingMessagesFromFilteredNumbersGoToTheirClientOnceItIsGiven) {
-    QObject moduleA; // class name "QObject"
-    QTimer moduleB;  // class name "QTimer"
-    const auto configure = [&](QObject* target, bool on, const QStringList& numbers) {
-        EXPECT_EQ(m_business->SMSConfigFilterSMS(
-                      request(QVariant::fromValue(BLSmsFilterConfig{on, target, numbers}))),
-                  0);
-    };
-    // clang-format off
-    // client: null: not filtered
-    struct Row { QStringList numbersA; QStringList numbersB; std::string sender; QString client; };
-    const Row rows[] = {
-        {{"10086"}, {}, "10086", "QObject"},
-        {{"10086"}, {}, "9910086", {}},               // under 8 characters: only an exact match counts
-        {{"12345678"}, {}, "+8612345678", "QObject"}, // 8 or more: a match at the end counts
-        {{"12345678"}, {}, "2345678", {}},
-        {{""}, {}, "+8612345678", {}},
-        {{"10086"}, {"+8613800000000", "13800000001"}, "+8613800000001", "QTimer"},
-        {{}, {}, "10086", {}},
-    };
-    // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.sender);
-        configure(&moduleA, true, row.numbersA);
-        configure(&moduleB, !row.numbersB.isEmpty(), row.numbersB);
-        m_sublayer->calls.clear();
-        m_sublayer->smsOnReceive = [&](const char* line, TSmsListItem& item, int& kind) {
-            EXPECT_STREQ(line, "\r\n+CMTI: \"SM\",7\r\n");
-            item.nRef = 7;
-            item.nStoreIn = SMS_STORAGE_SIM;
-            std::strncpy(item.szNumber, row.sender.c_str(), sizeof item.szNumber - 1);
-            item.dateTime = {2024, 5, 1, 14, 30, 5, 1};
-            item.wstrContent = L"hello";
-            kind = 3;
-            return 0;
-        };
-        QVariantMap response;
-        const int result = m_business->OnReceiveSMS(request(QString("\r\n+CMTI: \"SM\",7\r\n")), response);
-        const auto message = WorkNotification::GetValueObject(response).value<BLSmsListItem>();
-        EXPECT_EQ(message.nPacketType, 3);
-        EXPECT_EQ(message.nRef, 7);
-        EXPECT_EQ(message.strAddress.toStdString(), row.sender);
-        EXPECT_EQ(message.strContent, "hello");
-        EXPECT_EQ(message.dateTime.date(), QDate(2024, 5, 1));
-        if (row.client.isNull()) {
-            EXPECT_EQ(result, 0);
-            EXPECT_FALSE(response.contains(REQUESTER));
-            EXPECT_TRUE(m_sublayer->calls.empty());
-        } else {
-            EXPECT_EQ(result, 44);
-            EXPECT_EQ(WorkNotification::GetRequester(response), row.client);
-            EXPECT_EQ(m_sublayer->calls, (std::vector<std::string>{"SMSDelete 7"}));
-        }
-        configure(&moduleA, false, {});
-        configure(&moduleB, false, {});
-    }
-
-    // A failed decode stores nothing and passes its code on.
-    m_sublayer->smsOnReceive = [](const char*, TSmsListItem&, int&) { return 6; };
-    QVariantMap response;
-    EXPECT_EQ(m_business->OnReceiveSMS(request(QString("+CMTI: \"SM\",1")), response), 6);
-    EXPECT_TRUE(response.isEmpty());
-
-    // A configuration without an argument or without a target changes nothing.
-    EXPECT_EQ(m_business->SMSConfigFilterSMS({}), 0);
-    configure(nullptr, true, {"1"});
-    EXPECT_TRUE(m_business->isFilterListNumber("1").isNull());
-    configure(&moduleA, true, {"1"});
-    EXPECT_EQ(m_business->isFilterListNumber("1"), "QObject");
 }
 
 TEST_F(BusinessOperatorTest, MissingArgumentIsCode3WithoutTouchingTheModem) {
@@ -603,55 +462,6 @@ TEST_F(BusinessOperatorTest, ArgumentsAreConvertedAndCapped) {
     }
 }
 
-TEST_F(BusinessOperatorTest, MessageAndPhonebookListsAreStoredOnlyWhenNotEmpty) {
-    std::list<TSmsListItem> messages;
-    std::list<TPbItem> entries;
-    m_sublayer->smsGetList = [&](std::list<TSmsListItem>& items) {
-        items = messages;
-        return 0;
-    };
-    m_sublayer->pbInitList = [&](std::list<TPbItem>& items) {
-        items = entries;
-        return 0;
-    };
-    QVariantMap response;
-    EXPECT_EQ(m_business->SMSGetList(response), 0);
-    EXPECT_EQ(m_business->PBInitList(response), 0);
-    EXPECT_TRUE(response.isEmpty());
-
-    TSmsListItem message;
-    message.nRef = 3;
-    message.nStoreIn = SMS_STORAGE_MODEM;
-    message.nTag = 1;
-    message.nType = 2;
-    message.nClass = 4;
-    message.nStatusReportStatus = 255;
-    message.nCompleted = 1;
-    std::memset(message.szNumber, '9', sizeof message.szNumber); // no terminator
-    message.dateTime = {2023, 12, 31, 23, 59, 58, 1};
-    message.wstrContent = L"\u00fcber";
-    messages = {message, message};
-    entries = {TPbItem{PB_STORAGE_MODEM, 5, L"Anna", std::string(30, '1')}};
-
-    EXPECT_EQ(m_business->SMSGetList(response), 0);
-    const QVariantList list = WorkNotification::GetValueObject(response).toList();
-    ASSERT_EQ(list.size(), 2);
-    EXPECT_EQ(list[0].value<BLSmsListItem>(),
-              (BLSmsListItem{0, 3, SMS_STORAGE_MODEM, 1, 2, 4, 1, 255, QString(21, '9'),
-                             BusinessOperator::convertDateTimeType2NSDate(message.dateTime),
-                             QString::fromUtf8("\xc3\xbc"
-                                               "ber")}));
-    response.clear();
-    EXPECT_EQ(m_business->PBInitList(response), 0);
-    const auto entry = WorkNotification::GetValueObject(response).toList().value(0).value<BLPbItem>();
-    EXPECT_EQ(entry, (BLPbItem{PB_STORAGE_MODEM, "Anna", QString(21, '1'), 5}));
-
-    m_sublayer->smsGetList = [](std::list<TSmsListItem>&) { return 2; };
-    response.clear();
-    EXPECT_EQ(m_business->SMSGetList(response), 2);
-    EXPECT_TRUE(response.isEmpty());
-}
-
 TEST_F(BusinessOperatorTest, ConnectionRequestsWithoutADialUpService) {
     QTemporaryDir devDir;
     QTemporaryDir peersDir;
@@ -704,31 +514,6 @@ TEST_F(BusinessOperatorTest, ConnectionRequestsWithoutADialUpService) {
     EXPECT_EQ(business.Disconnect(), 0);
     qunsetenv("DIALTONE_DEV_DIR");
     qunsetenv("DIALTONE_PEERS_DIR");
-}
-
-TEST_F(BusinessOperatorTest, UssdReportsCarryTheirTypeAndText) {
-    std::string seen;
-    int result = 0;
-    m_sublayer->ussdOnReceive = [&](const char* line, TUssdItem& item) {
-        seen = line;
-        item.nType = 1;
-        item.wstrContent = L"Balance \u20ac5";
-        return result;
-    };
-    // The line arrives as the channel queued it, as text or as raw bytes.
-    for (const QVariant& line : {QVariant(QString("\r\n+CUSD: 1,\"x\",72\r\n")),
-                                 QVariant(QByteArray("\r\n+CUSD: 1,\"x\",72\r\n"))}) {
-        QVariantMap response;
-        EXPECT_EQ(m_business->OnReceiveUSSD(request(line), response), 0);
-        EXPECT_EQ(seen, "\r\n+CUSD: 1,\"x\",72\r\n");
-        EXPECT_EQ(WorkNotification::GetValueObject(response).value<BLUssdReceive>(),
-                  (BLUssdReceive{1, QString::fromUtf8("Balance \xe2\x82\xac"
-                                                      "5")}));
-    }
-    result = 1;
-    QVariantMap response;
-    EXPECT_EQ(m_business->OnReceiveUSSD(request(QString("+CUSD: 2")), response), 1);
-    EXPECT_TRUE(response.isEmpty());
 }
 
 // An answer goes out only in the set it was built for; the command the card announced by then (in the

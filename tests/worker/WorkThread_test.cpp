@@ -111,59 +111,6 @@ TEST(ExecAT, WithoutAnOpenPortTheCommandFailsWithCode1) {
     EXPECT_EQ(response, "untouched");
 }
 
-TEST_F(WorkerFixture, SynchronousDispatchByExactName) {
-    // Before the first init no business object exists: known names do nothing and succeed; names are
-    // compared exactly, and a report's or a message's name is no request.
-    // clang-format off
-    for (const char* name : {"NETWORK_GET_BAND", "MESSAGE_PIN_GET_STATE", "MESSAGE_USSD_SENDCMD", "NETWORK_GET_REG_STATE",
-                             "MESSAGE_CONNECT_STATUS", "MESSAGE_CALL_GET_LIST", "MESSAGE_GPS_UNINIT"})
-        EXPECT_EQ(_worker->sysncRequest(name, {}), QVariantMap()) << name;
-    for (const char* name : {"MESSAGE_NETWORK_GET_BAND", "message_pin_get_state", "MESSAGE_PIN_GET_STATE ", "",
-                             "MESSAGE_NETWORK_GET_REG_STATE", "MESSAGE_RPT_RECEIVE_SMS", "MESSAGE_CALL_LIST"})
-        EXPECT_EQ(_worker->sysncRequest(name, {}), (QVariantMap{{ERROR_CODE, 35}})) << name;
-    // clang-format on
-    EXPECT_TRUE(_responder.responses.empty());
-}
-
-TEST_F(WorkerFixture, RequestsAreDroppedUntilAnInitWithoutAnyDeviceFailsTheModeSwitch) {
-    // The responder was told the worker on its own thread.
-    EXPECT_EQ(_responder.servers, std::vector<QObject*>{_worker});
-    EXPECT_EQ(WorkThread::GetRequestInterfaceImpObject(), _worker);
-    EXPECT_EQ(_worker->thread(), &_thread);
-    ModuleStandIn module;
-    _worker->asyncRequest(MESSAGE_SMS_GET_LIST, &module, {{VALUE_OBJECT, 1}});
-    _worker->asyncRequest("NO_SUCH_REQUEST", &module, {});
-    // Requests run in order: once this synchronous one is answered the others have been handled.
-    EXPECT_EQ(WorkNotification::GetErrorCode(_worker->sysncRequest(MESSAGE_INIT_WORK_THREAD, {})), 30);
-    EXPECT_FALSE(_worker->deviceFound());
-    EXPECT_FALSE(_worker->detectTimerActive());
-    QCoreApplication::processEvents();
-    waitFor([] { return false; }, std::chrono::milliseconds(100));
-    EXPECT_TRUE(_responder.responses.empty());
-}
-
-TEST_F(WorkerFixture, AsynchronousInitIsAnsweredWithRequesterAndUserInfo) {
-    ModuleStandIn module;
-    const QVariantMap userInfo{{VALUE_OBJECT, QStringLiteral("asked")}};
-    _worker->asyncRequest(MESSAGE_INIT_WORK_THREAD, &module, userInfo);
-    ASSERT_TRUE(waitFor([&] { return !_responder.responses.empty(); }));
-    const auto& response = _responder.responses.front();
-    EXPECT_EQ(response.name, MESSAGE_INIT_WORK_THREAD);
-    EXPECT_EQ(response.receiver, &module);
-    EXPECT_EQ(WorkNotification::GetErrorCode(response.data), 30);
-    EXPECT_EQ(WorkNotification::GetRequester(response.data), "QTimer");
-    EXPECT_EQ(WorkNotification::GetUserInfo(response.data).toString(), "asked");
-
-    // Now a detector watches (and sees no removal): other requests are carried out and answered.
-    _worker->asyncRequest(NETWORK_GET_BAND, nullptr, {});
-    _worker->asyncRequest("MESSAGE_NETWORK_GET_BAND", nullptr, {});
-    ASSERT_TRUE(waitFor([&] { return _responder.responses.size() == 3; }));
-    EXPECT_FALSE(_responder.responses[1].data.contains(ERROR_CODE));
-    EXPECT_FALSE(_responder.responses[1].data.contains(REQUESTER));
-    EXPECT_FALSE(_responder.responses[1].data.contains(USER_INFO));
-    EXPECT_EQ(WorkNotification::GetErrorCode(_responder.responses[2].data), 35);
-}
-
 TEST_F(WorkerFixture, ReportsByKindOnePerCall) {
     for (const char* line :
          {"\r\n+CMTI: \"SM\",3\r\n", "\r\n+CDSI: \"SM\",4\r\n", "\r\n+CUSD: 0,\"00480069\",72\r\n",

@@ -28,34 +28,6 @@ using Entries = std::vector<std::string>;
 
 } // namespace
 
-TEST(NotificationCenter, DeliversByNameInSubscriptionOrder) {
-    NotificationCenter center;
-    Journal journal;
-    int a = 0, b = 0, c = 0;
-    center.addObserver("X", &a, journal.note("a"));
-    center.addObserver("Y", &b, journal.note("b"));
-    center.addObserver(QString(), &c, journal.note("c")); // every name
-    center.addObserver("X", &b, journal.note("b"));
-    center.addObserver("X", &a, journal.note("a2")); // subscribed twice, heard twice
-
-    center.post("X");
-    EXPECT_EQ(journal.take(), (Entries{"a:X", "c:X", "b:X", "a2:X"}));
-    center.post("Y");
-    EXPECT_EQ(journal.take(), (Entries{"b:Y", "c:Y"}));
-    center.post("x"); // names are compared exactly
-    EXPECT_EQ(journal.take(), (Entries{"c:x"}));
-
-    center.removeObserver(&b, "X");
-    center.post("X");
-    center.post("Y");
-    EXPECT_EQ(journal.take(), (Entries{"a:X", "c:X", "a2:X", "b:Y", "c:Y"}));
-    center.removeObserver(&a);
-    center.removeObserver(&c);
-    center.post("X");
-    EXPECT_TRUE(journal.take().empty());
-    EXPECT_EQ(center.observerCount(), 1);
-}
-
 TEST(NotificationCenter, ChangesDuringDeliveryAreSafe) {
     NotificationCenter center;
     Journal journal;
