@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QFile>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QProgressBar>
 #include <QTimer>
@@ -13,13 +14,13 @@
 #include <fstream>
 #include <unistd.h>
 
-#include "Budget/BudgetStore.h"
 #include "Connect/ConnectPlugin.h"
 #include "Connector/ConnectController.h"
 #include "DialupReadiness.h"
 #include "GuiTestSupport.h"
 #include "LocaleFormat.h"
 #include "QuitOnSignals.h"
+#include "Statistics/BudgetDialog.h"
 #include "Statistics/CNSTrafficChart.h"
 #include "Statistics/StatisticsPlugin.h"
 #include "StatusBarView.h"
@@ -79,11 +80,18 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     })) << LabelText(tab, "sent").toStdString()
         << " / " << LabelText(tab, "received").toStdString();
     EXPECT_NE(LabelText(tab, "duration"), "–");
-    BudgetSettings budget; // the dial made the SIM known: the link in progress counts in its budget bar
-    budget.bytes = 16 << 20;
-    ASSERT_TRUE(BudgetStore().save(BudgetStore().lastImsi(), budget));
+    // The dial made the SIM known: a budget set in its dialog counts the link in progress.
     auto* stats = world.show<StatisticsPlugin>("statistics");
     ASSERT_NE(stats, nullptr);
+    Child<QPushButton>(stats, "budgetSet")->click();
+    auto* dialog = Child<BudgetDialog>(stats, "budgetDialog");
+    for (const auto& [typed, problem] : {std::pair{"", "Give a size"}, {"16 parsecs", "not a size"}}) {
+        Child<QLineEdit>(dialog, "budgetSize")->setText(typed);
+        dialog->accept();
+        EXPECT_TRUE(dialog->isVisible() && LabelText(dialog, "budgetProblem").contains(problem)) << typed;
+    }
+    Child<QLineEdit>(dialog, "budgetSize")->setText("16 MB");
+    dialog->accept();
     EXPECT_TRUE(waitForGui([&] {
         return LabelText(stats, "periodReceived") == LocaleFormat::dataSize(received) &&
                Child<QProgressBar>(stats, "budgetBar")->value() == 46;
@@ -108,6 +116,8 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
         << " + " << chart->roamingBytes(today);
     EXPECT_EQ(LabelText(stats, "periodTotal"), LocaleFormat::dataSize(sent + received));
     EXPECT_EQ(LabelText(stats, "resetReceived"), LocaleFormat::dataSize(received));
+    Child<QPushButton>(stats, "budgetClear")->click();
+    EXPECT_TRUE(Child<QProgressBar>(stats, "budgetBar")->isHidden());
 }
 
 // SIGTERM and SIGINT end the app like its Quit: the event loop returns 0 and closing the window hangs up the

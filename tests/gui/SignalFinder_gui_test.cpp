@@ -29,14 +29,23 @@ TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
     tone->setChecked(true);
     tone->setChecked(false);
 
-    // A minute of today in the history, as the recorder writes it.
+    // Minutes of today in the history as the recorder writes them: the bearer changes, then after a gap
+    // the cell.
     SignalHistory history;
-    history.add(SignalSample{-77, 0, 1, 4, 1, 2}, QDateTime(QDate::currentDate(), QTime(0, 0)));
+    const QDate today = QDate::currentDate();
+    history.add(SignalSample{-77, 0, 1, 4, 1, 2}, QDateTime(today, QTime(0, 0)));
+    history.add(SignalSample{-71, 0, 1, 6, 1, 2}, QDateTime(today, QTime(0, 1)));
+    history.add(SignalSample{-93, 0, 1, 6, 1, 3}, QDateTime(today, QTime(0, 5)));
     ASSERT_TRUE(history.flush());
     auto* statistics = world.show<StatisticsPlugin>(QStringLiteral("statistics"));
     ASSERT_NE(statistics, nullptr);
     Child<QComboBox>(statistics, "chartKind")->setCurrentIndex(1);
-    EXPECT_EQ(Child<CNSSignalChart>(statistics, "signalChart")->pointCount(), 1);
+    auto* chart = Child<CNSSignalChart>(statistics, "signalChart");
+    EXPECT_EQ(chart->pointCount(), 3);
+    EXPECT_TRUE(chart->accessibleDescription().contains("between -93 and -71 dBm; the bearer changed 1 times, "
+                                                        "the cell 1 times"))
+        << chart->accessibleDescription().toStdString();
+    EXPECT_FALSE(chart->grab().isNull());
 }
 
 } // namespace
