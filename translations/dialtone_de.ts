@@ -4076,5 +4076,41 @@ Abhilfe: %2</translation>
         <source>Budget from %s to %s: %s</source>
         <translation>Budget von %s bis %s: %s</translation>
     </message>
+    <message>
+        <source>Signal on %s, in dBm per hour</source>
+        <translation>Signal am %s, in dBm je Stunde</translation>
+    </message>
+    <message>
+        <source>(no signal recorded on this day)</source>
+        <translation>(an diesem Tag kein Signal aufgezeichnet)</translation>
+    </message>
+    <message>
+        <source>Hour</source>
+        <translation>Stunde</translation>
+    </message>
+    <message>
+        <source>Average</source>
+        <translation>Mittel</translation>
+    </message>
+    <message>
+        <source>Best</source>
+        <translation>Bestes</translation>
+    </message>
+    <message>
+        <source>Worst</source>
+        <translation>Schwächstes</translation>
+    </message>
+    <message>
+        <source>Minutes</source>
+        <translation>Minuten</translation>
+    </message>
+    <message>
+        <source>%s: the bearer changed to %s</source>
+        <translation>%s: die Übertragungsart wechselte zu %s</translation>
+    </message>
+    <message>
+        <source>%s: the cell changed to %s</source>
+        <translation>%s: die Zelle wechselte zu %s</translation>
+    </message>
 </context>
 </TS>

@@ -17,7 +17,10 @@
 #include "Budget/BudgetController.h"
 #include "BudgetCommand.h"
 #include "ConvertUtilty.h"
+#include "ScriptVocabulary.h"
+#include "Statistics/SignalHistory.h"
 #include "Statistics/StatisticsController.h"
+#include "StatusText.h"
 #include "ToolText.h"
 #include "Units.h"
 
@@ -31,6 +34,8 @@ struct StatsArguments {
     std::string from;
     std::string to;
     bool history = false;
+    bool signal = false;
+    std::string day;
 };
 
 // The one configuration object of the process, made here when no other command made it.
@@ -160,6 +165,65 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
     return EXIT_OK;
 }
 
+// The signal history of a day per hour, with the minutes where the bearer or the cell changed.
+int ShowSignal(const CliContext& context, const std::string& dayText) {
+    std::optional<QDate> day = QDate::currentDate();
+    if (!dayText.empty() && !(day = ParseDay(dayText)))
+        return ReportUsage("--day: \"" + dayText + "\" is not a valid date (YYYY-MM-DD)");
+    const QList<SignalMinute> minutes = SignalHistory().day(*day);
+    const QList<SignalHour> hours = SignalHistory::hoursOf(minutes);
+    const QList<SignalChange> changes = SignalHistory::changesOf(minutes);
+    const auto minuteAt = [&minutes](const QDateTime& at) {
+        return *std::find_if(minutes.cbegin(), minutes.cend(), [&at](const SignalMinute& m) { return m.minute == at; });
+    };
+    const auto cellOf = [](const SignalMinute& m) { return SignalSample{0, 0, 1, m.bearer, m.lac, m.ci}.cellText(); };
+    const std::string isoDay = day->toString(Qt::ISODate).toStdString();
+
+    if (context.json) {
+        json hourList = json::array(), changeList = json::array();
+        for (const SignalHour& hour : hours)
+            hourList.push_back({{"hour", hour.hour},
+                                {"average_dbm", hour.averageDbm},
+                                {"best_dbm", hour.bestDbm},
+                                {"worst_dbm", hour.worstDbm},
+                                {"minutes", hour.minutes}});
+        for (const SignalChange& change : changes) {
+            const SignalMinute minute = minuteAt(change.minute);
+            changeList.push_back({{"time", IsoTime(change.minute)},
+                                  {"bearer", change.bearer ? json(BearerName(minute.bearer)) : json()},
+                                  {"cell", change.cell ? json(cellOf(minute).toStdString()) : json()}});
+        }
+        PrintJson({{"day", isoDay}, {"hours", hourList}, {"changes", changeList}});
+        return EXIT_OK;
+    }
+
+    std::printf("%s\n", Tool::F("Signal on %s, in dBm per hour", {isoDay}).c_str());
+    if (hours.isEmpty()) {
+        std::printf("%s\n", Tool::T("(no signal recorded on this day)").c_str());
+        return EXIT_OK;
+    }
+    const std::array<std::string, 5> headings{Tool::T("Hour"), Tool::T("Average"), Tool::T("Best"),
+                                              Tool::T("Worst"), Tool::T("Minutes")};
+    ColumnWidths widths{6, 8, 8, 8, 8};
+    for (std::size_t column = 0; column < widths.size(); ++column)
+        widths[column] = std::max(widths[column], DisplayWidth(headings[column]));
+    PrintCells(headings, widths);
+    for (const SignalHour& hour : hours)
+        PrintCells({QStringLiteral("%1:00").arg(hour.hour, 2, 10, QLatin1Char('0')).toStdString(),
+                    std::to_string(hour.averageDbm), std::to_string(hour.bestDbm),
+                    std::to_string(hour.worstDbm), std::to_string(hour.minutes)},
+                   widths);
+    for (const SignalChange& change : changes) {
+        const SignalMinute minute = minuteAt(change.minute);
+        const std::string at = change.minute.toString(QStringLiteral("hh:mm")).toStdString();
+        if (change.bearer)
+            std::printf("%s\n", Tool::F("%s: the bearer changed to %s", {at, BearerText(minute.bearer)}).c_str());
+        if (change.cell)
+            std::printf("%s\n", Tool::F("%s: the cell changed to %s", {at, cellOf(minute).toStdString()}).c_str());
+    }
+    return EXIT_OK;
+}
+
 int Reset(const CliContext& context, bool history) {
     StatisticsController controller(Config());
     if (!controller.resetTotals())
@@ -190,13 +254,20 @@ void AddStatsCommand(CLI::App& app, CliContext& context) {
     CLI::App* stats = app.add_subcommand(
         "stats", "Traffic per day and since the last reset, as kept on this computer (no modem needed)");
     stats->add_option("--from", arguments->from, "First day, YYYY-MM-DD (default: 29 days before --to)");
-    stats->add_option("--to", arguments->to, "Last day, YYYY-MM-DD (default: today)");
+    CLI::Option* to = stats->add_option("--to", arguments->to, "Last day, YYYY-MM-DD (default: today)");
+    CLI::Option* signal = stats->add_flag("--signal", arguments->signal,
+                                          "The signal per hour of one day and where the bearer or the cell "
+                                          "changed, as recorded while the modem was in use");
+    signal->excludes(to)->excludes("--from");
+    stats->add_option("--day", arguments->day, "The day of --signal, YYYY-MM-DD (default: today)")->needs(signal);
 
     CLI::App* reset = stats->add_subcommand(
         "reset", "Set the totals since the last reset to zero; the day history is kept unless --history");
     reset->add_flag("--history", arguments->history, "Also delete the whole day history");
 
     stats->callback([&context, arguments, reset] {
-        context.exitCode = reset->parsed() ? Reset(context, arguments->history) : Show(context, *arguments);
+        context.exitCode = reset->parsed()      ? Reset(context, arguments->history)
+                           : arguments->signal ? ShowSignal(context, arguments->day)
+                                               : Show(context, *arguments);
     });
 }

@@ -83,6 +83,7 @@ const std::vector<Row> kRows{
     {{"budget", "set", "2GB", "--day", "31"}, "budget"},
     {{"stats"}, "stats"},
     {{"stats", "reset"}, "stats_reset"},
+    {{"stats", "--signal"}, "stats_signal"},
     {{"doctor"}, "doctor"},
 };
 // clang-format on

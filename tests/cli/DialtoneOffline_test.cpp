@@ -9,6 +9,7 @@
 #include <iterator>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -133,6 +134,17 @@ void Seed(const std::string& home) {
                     "<key>NOROAMING RECEIVEBYTES</key><integer>1048576</integer>"
                     "<key>CONNECTTIME</key><integer>3661</integer></dict>"
                     "<key>RESETTIME</key><date>2024-01-15T08:00:00Z</date>"));
+    // Minutes of signal around noon: the bearer changes, then after a gap the cell.
+    std::string minutes;
+    for (const auto& [time, dbm, bearer, ci] : {std::tuple{"12:00", -77, 4, 2}, {"12:01", -71, 5, 2}, {"12:05", -93, 5, 3}, {"13:10", -60, 5, 3}})
+        minutes += "<dict><key>TIME</key><date>2024-02-02T" + std::string(time) + ":00Z</date><key>DBM</key><integer>" +
+                   std::to_string(dbm) + "</integer><key>BEST</key><integer>" + std::to_string(dbm) +
+                   "</integer><key>WORST</key><integer>" + std::to_string(dbm) +
+                   "</integer><key>READINGS</key><integer>1</integer><key>BEARER</key><integer>" + std::to_string(bearer) +
+                   "</integer><key>LAC</key><integer>1</integer><key>CI</key><integer>" + std::to_string(ci) +
+                   "</integer></dict>";
+    WriteFile(home + "/.local/share/dialtone/SignalHistory/2024-02-02.plist",
+              Plist("<key>MINUTES</key><array>" + minutes + "</array>"));
 }
 
 TEST(DialtoneStats, Runs) {
@@ -143,8 +155,15 @@ TEST(DialtoneStats, Runs) {
         {false, {{"stats", "--from", "2024-02-30"}, 2, {}, "--from: \"2024-02-30\" is not a valid date"}},
         {false, {{"stats", "--to", "31-01-2024"}, 2, {}, "--to: \"31-01-2024\" is not a valid date"}},
         {false, {{"stats", "--from", "2024-02-03", "--to", "2024-02-02"}, 2, {}, "is after --to"}},
+        {true, {{"stats", "--signal", "--day", "2024-02-02"}, 0, {"Signal on 2024-02-02", "12:00       -80      -71      -93        3", "13:00       -60      -60      -60        1", "12:01: the bearer changed to HSPA", "12:05: the cell changed to 1/3"}}},
+        {true, {{"--json", "stats", "--signal", "--day", "2024-02-02"}, 0, {"\"average_dbm\": -80", "\"bearer\": \"hspa\"", "\"cell\": \"1/3\""}}},
+        {false, {{"stats", "--signal"}, 0, {"(no signal recorded on this day)"}}},
+        {false, {{"stats", "--signal", "--day", "2024-13-01"}, 2, {}, "--day: \"2024-13-01\" is not a valid date"}},
+        {false, {{"stats", "--day", "2024-02-02"}, 2, {}, "--day requires --signal"}},
+        {false, {{"stats", "--signal", "--from", "2024-02-02"}, 2, {}, "excludes"}},
     };
     // clang-format on
+    setenv("TZ", "UTC", 1); // the signal history keeps minutes of local days
     for (const auto& row : rows) {
         TempDir home;
         if (row.seeded)

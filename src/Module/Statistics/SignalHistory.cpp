@@ -161,6 +161,28 @@ QList<SignalChange> SignalHistory::changesOf(const QList<SignalMinute>& minutes)
     return changes;
 }
 
+QList<SignalHour> SignalHistory::hoursOf(const QList<SignalMinute>& minutes) {
+    QList<SignalHour> hours;
+    qint64 sum = 0, readings = 0;
+    for (const SignalMinute& minute : minutes) {
+        if (minute.readings <= 0)
+            continue;
+        const int hour = minute.minute.time().hour();
+        if (hours.isEmpty() || hours.last().hour != hour) {
+            hours.append(SignalHour{hour, 0, minute.bestDbm, minute.worstDbm, 0});
+            sum = readings = 0;
+        }
+        SignalHour& current = hours.last();
+        sum += static_cast<qint64>(minute.averageDbm) * minute.readings;
+        readings += minute.readings;
+        current.averageDbm = static_cast<int>((sum - readings / 2) / readings); // nearer whole dBm
+        current.bestDbm = std::max(current.bestDbm, minute.bestDbm);
+        current.worstDbm = std::min(current.worstDbm, minute.worstDbm);
+        ++current.minutes;
+    }
+    return hours;
+}
+
 QVariantMap SignalHistory::toEntry(const SignalMinute& minute) {
     QVariantMap entry{{kTimeKey, minute.minute},       {kDbmKey, minute.averageDbm},
                       {kBestKey, minute.bestDbm},      {kWorstKey, minute.worstDbm},

@@ -32,6 +32,17 @@ struct SignalChange {
     bool operator==(const SignalChange& other) const = default;
 };
 
+// One hour of a day's minutes gathered, for a summary in text.
+struct SignalHour {
+    int hour = 0;       // 0 .. 23, local time
+    int averageDbm = 0; // weighted by the readings of each minute
+    int bestDbm = 0;
+    int worstDbm = 0;
+    int minutes = 0; // minutes with at least one reading
+
+    bool operator==(const SignalHour& other) const = default;
+};
+
 // The signal, bearer and cell per minute, kept beside the traffic history by the process that owns the
 // modem: "SignalHistory/<yyyy-MM-dd>.plist" in the user data folder, one file per local day, a dictionary
 // with "MINUTES", a list of dictionaries "TIME" (date), "DBM", "BEST", "WORST", "READINGS", "BEARER", and
@@ -60,6 +71,8 @@ public:
     // The minutes whose bearer or cell differs from the last one known before them; minutes that know
     // neither change nothing.
     static QList<SignalChange> changesOf(const QList<SignalMinute>& minutes);
+    // The hours that have minutes with readings, in time order.
+    static QList<SignalHour> hoursOf(const QList<SignalMinute>& minutes);
 
     static QVariantMap toEntry(const SignalMinute& minute);
     // False for anything but a dictionary with a date and values in their ranges.
