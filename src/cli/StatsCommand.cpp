@@ -80,6 +80,14 @@ void PrintCells(const std::array<std::string, 5>& cells, const ColumnWidths& wid
     std::printf("%s\n", line.c_str());
 }
 
+// Prints the headings over columns at least as wide as given; the widths for the rows below.
+ColumnWidths PrintHeadings(const std::array<std::string, 5>& headings, ColumnWidths widths) {
+    for (std::size_t column = 0; column < widths.size(); ++column)
+        widths[column] = std::max(widths[column], DisplayWidth(headings[column]));
+    PrintCells(headings, widths);
+    return widths;
+}
+
 void PrintRow(const std::string& day, const _TrafficStaticsItem& item, const ColumnWidths& widths) {
     PrintCells({day, Bytes(item.noRoamingSendBytes), Bytes(item.noRoamingReceiveBytes),
                 Bytes(item.roamingSendBytes), Bytes(item.roamingReceiveBytes)},
@@ -138,12 +146,9 @@ int Show(const CliContext& context, const StatsArguments& arguments) {
     std::printf("%s\n", Tool::F("Traffic from %s to %s", {from->toString(Qt::ISODate).toStdString(),
                                                           to->toString(Qt::ISODate).toStdString()})
                             .c_str());
-    const std::array<std::string, 5> headings{Tool::T("Day"), Tool::T("Sent"), Tool::T("Received"),
-                                              Tool::T("Roaming sent"), Tool::T("Roaming received")};
-    ColumnWidths widths{12, 12, 12, 14, 16};
-    for (std::size_t column = 0; column < widths.size(); ++column)
-        widths[column] = std::max(widths[column], DisplayWidth(headings[column]));
-    PrintCells(headings, widths);
+    const ColumnWidths widths = PrintHeadings({Tool::T("Day"), Tool::T("Sent"), Tool::T("Received"),
+                                               Tool::T("Roaming sent"), Tool::T("Roaming received")},
+                                              {12, 12, 12, 14, 16});
     for (const StatisticsDayRow& row : range.rows)
         PrintRow(row.strDay.toStdString(), row.item, widths);
     if (range.rows.isEmpty())
@@ -174,9 +179,12 @@ int ShowSignal(const CliContext& context, const std::string& dayText) {
     const QList<SignalHour> hours = SignalHistory::hoursOf(minutes);
     const QList<SignalChange> changes = SignalHistory::changesOf(minutes);
     const auto minuteAt = [&minutes](const QDateTime& at) {
-        return *std::find_if(minutes.cbegin(), minutes.cend(), [&at](const SignalMinute& m) { return m.minute == at; });
+        return *std::find_if(minutes.cbegin(), minutes.cend(),
+                             [&at](const SignalMinute& m) { return m.minute == at; });
     };
-    const auto cellOf = [](const SignalMinute& m) { return SignalSample{0, 0, 1, m.bearer, m.lac, m.ci}.cellText(); };
+    const auto cellOf = [](const SignalMinute& m) {
+        return SignalSample{0, 0, 1, m.bearer, m.lac, m.ci}.cellText();
+    };
     const std::string isoDay = day->toString(Qt::ISODate).toStdString();
 
     if (context.json) {
@@ -202,12 +210,9 @@ int ShowSignal(const CliContext& context, const std::string& dayText) {
         std::printf("%s\n", Tool::T("(no signal recorded on this day)").c_str());
         return EXIT_OK;
     }
-    const std::array<std::string, 5> headings{Tool::T("Hour"), Tool::T("Average"), Tool::T("Best"),
-                                              Tool::T("Worst"), Tool::T("Minutes")};
-    ColumnWidths widths{6, 8, 8, 8, 8};
-    for (std::size_t column = 0; column < widths.size(); ++column)
-        widths[column] = std::max(widths[column], DisplayWidth(headings[column]));
-    PrintCells(headings, widths);
+    const ColumnWidths widths = PrintHeadings(
+        {Tool::T("Hour"), Tool::T("Average"), Tool::T("Best"), Tool::T("Worst"), Tool::T("Minutes")},
+        {6, 8, 8, 8, 8});
     for (const SignalHour& hour : hours)
         PrintCells({QStringLiteral("%1:00").arg(hour.hour, 2, 10, QLatin1Char('0')).toStdString(),
                     std::to_string(hour.averageDbm), std::to_string(hour.bestDbm),
@@ -217,9 +222,11 @@ int ShowSignal(const CliContext& context, const std::string& dayText) {
         const SignalMinute minute = minuteAt(change.minute);
         const std::string at = change.minute.toString(QStringLiteral("hh:mm")).toStdString();
         if (change.bearer)
-            std::printf("%s\n", Tool::F("%s: the bearer changed to %s", {at, BearerText(minute.bearer)}).c_str());
+            std::printf("%s\n",
+                        Tool::F("%s: the bearer changed to %s", {at, BearerText(minute.bearer)}).c_str());
         if (change.cell)
-            std::printf("%s\n", Tool::F("%s: the cell changed to %s", {at, cellOf(minute).toStdString()}).c_str());
+            std::printf("%s\n",
+                        Tool::F("%s: the cell changed to %s", {at, cellOf(minute).toStdString()}).c_str());
     }
     return EXIT_OK;
 }
@@ -259,14 +266,15 @@ void AddStatsCommand(CLI::App& app, CliContext& context) {
                                           "The signal per hour of one day and where the bearer or the cell "
                                           "changed, as recorded while the modem was in use");
     signal->excludes(to)->excludes("--from");
-    stats->add_option("--day", arguments->day, "The day of --signal, YYYY-MM-DD (default: today)")->needs(signal);
+    stats->add_option("--day", arguments->day, "The day of --signal, YYYY-MM-DD (default: today)")
+        ->needs(signal);
 
     CLI::App* reset = stats->add_subcommand(
         "reset", "Set the totals since the last reset to zero; the day history is kept unless --history");
     reset->add_flag("--history", arguments->history, "Also delete the whole day history");
 
     stats->callback([&context, arguments, reset] {
-        context.exitCode = reset->parsed()      ? Reset(context, arguments->history)
+        context.exitCode = reset->parsed()     ? Reset(context, arguments->history)
                            : arguments->signal ? ShowSignal(context, arguments->day)
                                                : Show(context, *arguments);
     });

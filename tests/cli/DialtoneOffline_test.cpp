@@ -136,11 +136,14 @@ void Seed(const std::string& home) {
                     "<key>RESETTIME</key><date>2024-01-15T08:00:00Z</date>"));
     // Minutes of signal around noon: the bearer changes, then after a gap the cell.
     std::string minutes;
-    for (const auto& [time, dbm, bearer, ci] : {std::tuple{"12:00", -77, 4, 2}, {"12:01", -71, 5, 2}, {"12:05", -93, 5, 3}, {"13:10", -60, 5, 3}})
-        minutes += "<dict><key>TIME</key><date>2024-02-02T" + std::string(time) + ":00Z</date><key>DBM</key><integer>" +
-                   std::to_string(dbm) + "</integer><key>BEST</key><integer>" + std::to_string(dbm) +
+    for (const auto& [time, dbm, bearer, ci] :
+         {std::tuple{"12:00", -77, 4, 2}, {"12:01", -71, 5, 2}, {"12:05", -93, 5, 3}, {"13:10", -60, 5, 3}})
+        minutes += "<dict><key>TIME</key><date>2024-02-02T" + std::string(time) +
+                   ":00Z</date><key>DBM</key><integer>" + std::to_string(dbm) +
+                   "</integer><key>BEST</key><integer>" + std::to_string(dbm) +
                    "</integer><key>WORST</key><integer>" + std::to_string(dbm) +
-                   "</integer><key>READINGS</key><integer>1</integer><key>BEARER</key><integer>" + std::to_string(bearer) +
+                   "</integer><key>READINGS</key><integer>1</integer><key>BEARER</key><integer>" +
+                   std::to_string(bearer) +
                    "</integer><key>LAC</key><integer>1</integer><key>CI</key><integer>" + std::to_string(ci) +
                    "</integer></dict>";
     WriteFile(home + "/.local/share/dialtone/SignalHistory/2024-02-02.plist",

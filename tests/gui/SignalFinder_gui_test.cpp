@@ -42,8 +42,9 @@ TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
     Child<QComboBox>(statistics, "chartKind")->setCurrentIndex(1);
     auto* chart = Child<CNSSignalChart>(statistics, "signalChart");
     EXPECT_EQ(chart->pointCount(), 3);
-    EXPECT_TRUE(chart->accessibleDescription().contains("between -93 and -71 dBm; the bearer changed 1 times, "
-                                                        "the cell 1 times"))
+    EXPECT_TRUE(
+        chart->accessibleDescription().contains("between -93 and -71 dBm; the bearer changed 1 times, "
+                                                "the cell 1 times"))
         << chart->accessibleDescription().toStdString();
     EXPECT_FALSE(chart->grab().isNull());
 }
