@@ -2,8 +2,6 @@
 #include "Budget/DataBudget.h"
 #include "TempHome.h"
 
-#include <QFile>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -154,10 +152,7 @@ TEST(BudgetStore, KeepsEachSimsBudgetAndSetsADamagedFileAside) {
         {{"BYTES", -5}, {"BILLING_DAY", 40}, {"WARN_PERCENT", "x"}, {"AT_LIMIT", 7}, {"WARNED_LEVEL", 9}});
     EXPECT_EQ(odd, BudgetSettings());
 
-    QFile damaged(store.path());
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    damaged.write("<plist><dict><key>SIMS");
-    damaged.close();
+    TempHome::writeFile(store.path(), "<plist><dict><key>SIMS");
     EXPECT_EQ(store.load("262021234567890"), BudgetSettings());
     EXPECT_FALSE(QDir(home.userData()).entryList({"DataBudget.plist.damaged-*"}).isEmpty());
 }
