@@ -17,8 +17,11 @@ TEST(ConvertUtilty, SizesDurationsNumbersAndStates) {
         return (text == C::byte2bString(bytes) ? text : text + " or " + C::byte2bString(bytes)).toStdString();
     };
     const auto time = [](unsigned int seconds) { return C::secondToTimeFormat(seconds).toStdString(); };
-    const auto tel = [](const char* text) { return C::isTelNumerString(QString::fromUtf8(text)) ? "tel" : "no"; };
-    const auto names = [](QString (*name)(int)) { // from -1 to 7: numbers outside the modem's tables have none
+    const auto tel = [](const char* text) {
+        return C::isTelNumerString(QString::fromUtf8(text)) ? "+" : "-";
+    };
+    // From -1 to 7: numbers outside the modem's tables have no text.
+    const auto names = [](QString (*name)(int)) {
         QStringList out;
         for (int i = -1; i < 8; ++i)
             out << name(i);
@@ -30,9 +33,9 @@ TEST(ConvertUtilty, SizesDurationsNumbersAndStates) {
         {size(1073741823), "1024.0 M"}, {size(1073741824), "1.000 G"}, {size(5ULL * 1073741824 + 536870912), "5.500 G"}, {size(~0ULL), "17179869184.000 G"},
         {time(0), "00:00:00"}, {time(59), "00:00:59"}, {time(3661), "01:01:01"}, {time(98 * 3600 + 59 * 60 + 59), "98:59:59"}, {time(356400), "99:00:00"},
         {time(100 * 3600 + 5), "100:00:05"}, {time(4294967295u), "1193046:28:15"},
-        {tel("+4917012345678"), "tel"} /* plus and 13 digits */, {tel("12345678901234567890"), "tel"}, {tel("123456789012345678901"), "no"} /* 21 digits */,
-        {tel(""), "no"}, {tel("+"), "tel"}, {tel("0049+170"), "no"}, {tel("++49"), "no"}, {tel("0170 123"), "no"}, {tel("*100#"), "no"},
-        {tel("\xd9\xa1\xd9\xa2"), "no"}, // Arabic-Indic digits are not dialled
+        {tel("+4917012345678"), "+"} /* plus and 13 digits */, {tel("12345678901234567890"), "+"}, {tel("123456789012345678901"), "-"} /* 21 digits */,
+        {tel(""), "-"}, {tel("+"), "+"}, {tel("0049+170"), "-"}, {tel("++49"), "-"}, {tel("0170 123"), "-"}, {tel("*100#"), "-"},
+        {tel("\xd9\xa1\xd9\xa2"), "-"}, // Arabic-Indic digits are not dialled
         {names(C::NetworkServiceToString), ",GSM,GSMCOMPACT,UMTS,,,,,"}, {names(C::NetworkStateToString), ",,Available,Current,Forbidden,,,,"},
         {names(C::BearerStateToString), ",,GPRS,EDGE,UMTS,HSDPA,HSPA,HSUPA,"},
     };
