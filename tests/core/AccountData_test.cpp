@@ -1,7 +1,6 @@
 #include "TempHome.h"
 
 #include "Account/AccountData.h"
-#include "DebugSink.h"
 #include "ResourceLocator.h"
 
 #include <QByteArray>
@@ -14,13 +13,6 @@
 #include <string>
 
 namespace {
-
-// Collects what the reader prints on the debug sink.
-struct DebugCapture : ScratchStream {
-    DebugCapture() : old(GetDebugSink()) { SetDebugSink(file); }
-    ~DebugCapture() { SetDebugSink(old); }
-    std::FILE* old;
-};
 
 // UCS-2 hex of an ASCII text.
 std::string hex(const std::string& text) {

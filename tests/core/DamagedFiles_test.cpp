@@ -145,14 +145,13 @@ TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
 // Entries of the wrong shape in a sound file are skipped, counted in a notice, and the file is kept as it
 // was.
 TEST_F(DamagedFiles, WrongEntriesAreCounted) {
-    const QString imsi = kImsi;
     const auto plist = [](const char* body) {
         return QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>") + body + "</dict></plist>";
     };
     // clang-format off
     const struct { const char* file; QByteArray bytes; const char* notice; std::function<void()> read; } rows[] = {
-        {"SMSInBox_262011234567890", plist("<key>OUTBOX</key><array><string>x</string><dict/></array><key>DRAFT</key><integer>1</integer>"), " holds 2 wrong entries", [&] { SMSStorage store(imsi); }},
-        {"SmsInBoxPC.plist", plist("<key>262011234567890</key><array><dict><key>SMS_REF</key><string>1</string></dict></array>"), " holds 1 wrong entry", [&] { std::list<TSMSRecordInPC> records; SMSExt::shared().list(imsi, records); }},
+        {"SMSInBox_262011234567890", plist("<key>OUTBOX</key><array><string>x</string><dict/></array><key>DRAFT</key><integer>1</integer>"), " holds 2 wrong entries", [] { SMSStorage store(kImsi); }},
+        {"SmsInBoxPC.plist", plist("<key>262011234567890</key><array><dict><key>SMS_REF</key><string>1</string></dict></array>"), " holds 1 wrong entry", [] { std::list<TSMSRecordInPC> records; SMSExt::shared().list(kImsi, records); }},
         {"DateTraffics.plist", plist("<key>2024/01/31</key><string>x</string><key>2024/02/01</key><dict/><key>2024/02/02</key><array/>"), " holds 2 wrong entries", [] { AppConfig config; TrafficStatics(config).getDateTrafficsDictionary(); }},
     };
     // clang-format on

@@ -94,6 +94,7 @@ TEST(STKCodec, TextFieldsFollowTheTerminalCharacterSet) {
 TEST(STKCodec, DecodersReadTheirCommandsFields) {
     using C = CSTKCodec;
     // clang-format off
+    const auto stale = [](const char* text) { TSTKDisplayTextReq r; r.wstrText = L"old"; r.nPriority = 1; const int rc = C::DecodeDisplayTextReq(text, r); return F(rc, r.wstrText, r.nPriority); };
     const struct { std::function<std::string()> decode; const char* fields; } rows[] = {
         {[] { TSTKSetupMenuReq r; int rc = C::DecodeSetupMenuReq("\r\n+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n" "+STGI: 17,2,\"Games\"\r\n+STGI: 17,3,\"Offers\"\r\n\r\nOK\r\n", r, USSD_TE_GSM); return F(rc, r.wstrTitle, r.nItemCount, r.lstItems); }, "0|SIM Services|3|1:News,2:Games,3:Offers,|"},
         {[] { TSTKSetupMenuReq r; int rc = C::DecodeSetupMenuReq("+STGI: 17,\"00530049004D\",2\r\n+STGI: 17,1,\"004E006500770073\"\r\n" "+STGI:17, 2 ,\"00470061006D00650073\"\r\nOK", r); return F(rc, r.wstrTitle, r.nItemCount, r.lstItems); }, "0|SIM|2|1:News,2:Games,|"},
@@ -119,20 +120,13 @@ TEST(STKCodec, DecodersReadTheirCommandsFields) {
         {[] { TSTKIdleScreenNotification r; return F(C::DecodeIdleScreenNotification("+STGI: 256", r)); }, "0|"},
         {[] { TSTKUserActivityNotification r; return F(C::DecodeUserActivityNotification("+STGI: 257\r\nOK", r)); }, "0|"},
         {[] { TSTKUserActivityNotification r; return F(C::DecodeUserActivityNotification("+STGI: 256", r)); }, "1|"},
+        // Another command's listing, or none, is refused and the record reset.
+        {[&] { return stale("+STGI:20\r\nOK"); }, "1||0|"}, {[&] { return stale("+STGI: 11,\"Games\",1,2"); }, "1||0|"},
+        {[&] { return stale("\r\nOK\r\n"); }, "1||0|"}, {[&] { return stale(""); }, "1||0|"}, {[&] { return stale("+STGI: \"Hi\""); }, "1||0|"},
     };
     // clang-format on
     for (const auto& row : rows)
         EXPECT_EQ(row.decode(), row.fields);
-
-    // Another command's listing, or none, is refused and the record reset.
-    for (const char* text :
-         {"+STGI:20\r\nOK", "+STGI: 11,\"Games\",1,2", "\r\nOK\r\n", "", "+STGI: \"Hi\""}) {
-        TSTKDisplayTextReq display;
-        display.wstrText = L"old";
-        display.nPriority = 1;
-        EXPECT_EQ(CSTKCodec::DecodeDisplayTextReq(text, display), 1) << text;
-        EXPECT_EQ(F(display.wstrText, display.nPriority), "|0|") << text;
-    }
 }
 
 TEST(STKCodec, AnswersAndEnvelopesHaveTheModemsFormats) {

@@ -60,7 +60,7 @@ TEST(SmsSegmentCounter, CountsSegmentsAndRoom) {
 }
 
 // Texts of every kind and length around the limits, each also split by the sending code.
-std::vector<std::pair<QString, bool>> CrossCheckTexts() {
+TEST(SmsSegmentCounter, AgreesWithSending) {
     std::vector<std::pair<QString, bool>> texts;
     for (const Row& row : Rows())
         texts.emplace_back(row.text, row.latin);
@@ -75,11 +75,7 @@ std::vector<std::pair<QString, bool>> CrossCheckTexts() {
             texts.emplace_back(text, true);
         }
     }
-    return texts;
-}
-
-TEST(SmsSegmentCounter, AgreesWithSending) {
-    for (const auto& [text, latin] : CrossCheckTexts()) {
+    for (const auto& [text, latin] : texts) {
         SCOPED_TRACE(text.left(20).toStdString() + " length " + std::to_string(text.size()) +
                      (latin ? " Latin on" : ""));
         CSmsUtility sms;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CNSLog.h"
+#include "DebugSink.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -108,4 +109,11 @@ struct ScratchStream {
             all.append(buffer, static_cast<qsizetype>(n));
         return all;
     }
+};
+
+// Collects what is printed on the debug sink while it lives.
+struct DebugCapture : ScratchStream {
+    DebugCapture() : old(GetDebugSink()) { SetDebugSink(file); }
+    ~DebugCapture() { SetDebugSink(old); }
+    std::FILE* old;
 };

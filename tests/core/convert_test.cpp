@@ -17,9 +17,7 @@ TEST(ConvertUtilty, SizesDurationsNumbersAndStates) {
         return (text == C::byte2bString(bytes) ? text : text + " or " + C::byte2bString(bytes)).toStdString();
     };
     const auto time = [](unsigned int seconds) { return C::secondToTimeFormat(seconds).toStdString(); };
-    const auto tel = [](const char* text) {
-        return C::isTelNumerString(QString::fromUtf8(text)) ? "+" : "-";
-    };
+    const auto tel = [](const char* t) { return C::isTelNumerString(QString::fromUtf8(t)) ? "+" : "-"; };
     // From -1 to 7: numbers outside the modem's tables have no text.
     const auto names = [](QString (*name)(int)) {
         QStringList out;
