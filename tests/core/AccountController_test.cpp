@@ -4,8 +4,8 @@
 #include "BLRecords.h"
 #include "UssdRecords.h"
 
+#include "QtEventLoop.h"
 #include "RecordingTransport.h"
-#include "SimulatedLink.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -34,6 +34,15 @@ BLUssdSendCmdInfo sentInfo(const RecordingTransport& transport) {
     return transport.argument(MESSAGE_USSD_SENDCMD).value<BLUssdSendCmdInfo>();
 }
 
+// The controller on a recorded link, in a home of its own.
+struct Ussd {
+    bool application = (ensureApplication(), true);
+    TempHome home;
+    RecordedLink modem;
+    AccountController controller{modem.link};
+    ViewLog view{controller};
+};
+
 } // namespace
 
 TEST(AccountController, DataFileChoiceByIMSIPrefix) {
@@ -61,10 +70,8 @@ TEST(AccountController, DataFileChoiceByIMSIPrefix) {
 }
 
 TEST(AccountController, LoadsTheSimsMenusFromTheResourceFolder) {
-    ensureApplication();
-    TempHome home;
-    RecordedLink modem;
-    AccountController controller(modem.link);
+    Ussd u;
+    auto& [application, home, modem, controller, view] = u;
     ASSERT_EQ(controller.loadAccountData("262021234567890"), 0); // the build tree's shipped menus
     ASSERT_FALSE(controller.accountData().groups.empty());
     // DIALTONE_RESOURCE_DIR moves the account data with it; an empty folder means no menus.
@@ -77,12 +84,9 @@ TEST(AccountController, LoadsTheSimsMenusFromTheResourceFolder) {
 }
 
 TEST(AccountController, SendBlocksAndAnswersUnblock) {
-    ensureApplication();
-    TempHome home;
-    RecordedLink modem;
+    Ussd u;
+    auto& [application, home, modem, controller, view] = u;
     RecordingTransport& worker = *modem.transport;
-    AccountController controller(modem.link);
-    ViewLog view(controller);
     const auto report = [&worker](const QVariant& value) { worker.report(MESSAGE_RPT_RECEIVE_USSD, value); };
 
     controller.sendUSSDCmd(AccountController::composeUSSDCommand("*100#", {}));
@@ -132,11 +136,8 @@ TEST(AccountController, SendBlocksAndAnswersUnblock) {
 }
 
 TEST(AccountController, TimeOutUnblocksWithAMessage) {
-    ensureApplication();
-    TempHome home;
-    RecordedLink modem;
-    AccountController controller(modem.link);
-    ViewLog view(controller);
+    Ussd u;
+    auto& [application, home, modem, controller, view] = u;
     controller.setTimeoutInterval(50);
     controller.sendUSSDCmd("*100#");
     ASSERT_TRUE(waitFor([&] { return !controller.isUIBlocked(); }));
@@ -157,22 +158,4 @@ TEST(AccountController, TimeOutUnblocksWithAMessage) {
 TEST(AccountController, PaidTypeFromInternalType) {
     for (const auto& [internal, paid] : {std::pair{0, 2}, {1, 1}, {-1, 0}, {99, 0}})
         EXPECT_EQ(AccountController::paidTypeFromInternalType(internal), paid) << internal;
-}
-
-// Against the simulated network, through the desktop app's kind of link: the answer reaches the view and
-// unblocks it.
-TEST(AccountController, UssdDialogueWithTheSimulatedNetwork) {
-    SimulatedLink modem;
-    ASSERT_TRUE(modem.reaches(ModemLink::State::Ready));
-    AccountController controller(modem.link());
-    ViewLog log(controller);
-    std::optional<BLUssdReceive> answer;
-    QObject::connect(&controller, &AccountController::answerReceived,
-                     [&answer](const BLUssdReceive& received) { answer = received; });
-
-    controller.sendUSSDCmd(QStringLiteral("*101#"));
-    ASSERT_TRUE(waitFor([&] { return answer.has_value(); }, std::chrono::seconds(20)));
-    EXPECT_TRUE(log.events.join('\n').contains("Your number is +491721234567.") &&
-                log.events.contains("unblock"))
-        << log.events.join('\n').toStdString();
 }

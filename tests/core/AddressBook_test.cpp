@@ -1,7 +1,6 @@
 // The computer's address book: vCard files in and out, search, merging, and copies to the SIM.
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -11,6 +10,7 @@
 #include "Contacts/VCard.h"
 #include "Contacts/VCardFile.h"
 #include "DamagedFile.h"
+#include "TempHome.h"
 
 namespace {
 
@@ -52,16 +52,10 @@ TEST(VCard, ReadsWhatPhonesAndProgramsWrite) {
 }
 
 TEST(VCard, WrittenFilesReadBackTheSame) {
-    LocalContact anna{"a-1",
-                      "Anna, \"die\"; Schmidt\\",
-                      {{"mobile", "+491701234567"}, {"Partner", "+4930123"}, {"", "112"}, {"work", "030 1234;55"}},
-                      {"anna@example.org"},
-                      "first line\nsecond, with; marks"};
-    LocalContact long_{"b-2",
-                       QString::fromUtf8("\xE7\x8E\x8B\xF0\x9F\x98\x80").repeated(20),
-                       {{"home", "+8613800138000"}},
-                       {},
-                       {}};
+    // clang-format off
+    const LocalContact anna{"a-1", "Anna, \"die\"; Schmidt\\", {{"mobile", "+491701234567"}, {"Partner", "+4930123"}, {"", "112"}, {"work", "030 1234;55"}}, {"anna@example.org"}, "first line\nsecond, with; marks"};
+    const LocalContact long_{"b-2", QString::fromUtf8("\xE7\x8E\x8B\xF0\x9F\x98\x80").repeated(20), {{"home", "+8613800138000"}}, {}, {}};
+    // clang-format on
     for (const VCard::Version version : {VCard::Version::V3, VCard::Version::V4}) {
         const QByteArray file = VCard::write({anna, long_}, version);
         for (const QByteArray& line : file.split('\n')) {
@@ -136,16 +130,10 @@ TEST(LocalPhoneBook, ImportMergesAndKeepsADamagedFileAside) {
     QTemporaryDir folder;
     const QString path = folder.filePath("LocalPhoneBook.plist");
     const QString vcf = folder.filePath("in.vcf");
-    QFile damaged(path);
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
-    damaged.write("<?xml version=\"1.0\"?><plist><array><dict><key>Name</key>");
-    damaged.close();
+    TempHome::writeFile(path, "<?xml version=\"1.0\"?><plist><array><dict><key>Name</key>");
     DamagedFile::setNoticeStream(nullptr);
     const auto import = [&](const QByteArray& text) {
-        QFile file(vcf);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(text);
-        file.close();
+        TempHome::writeFile(vcf, text);
         LocalPhoneBook book(path);
         book.load();
         return VCardFile::importInto(book, vcf, "DE");
@@ -172,9 +160,7 @@ TEST(LocalPhoneBook, ImportMergesAndKeepsADamagedFileAside) {
     ASSERT_EQ(book.load(), LocalPhoneBook::LoadResult::Ok);
     ASSERT_EQ(book.contacts().size(), 2);
     EXPECT_EQ(Summary(book.contacts()[0]), "Anna|:+491701234567,:+4930111||");
-    QFile keptFile(folder.filePath(kept.first()));
-    ASSERT_TRUE(keptFile.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(keptFile.readAll().endsWith("<key>Name</key>"));
+    EXPECT_TRUE(TempHome::readFile(folder.filePath(kept.first())).endsWith("<key>Name</key>"));
     DamagedFile::setNoticeStream(stderr);
 }
 

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -64,11 +65,17 @@ protected:
     }
 
     // Makes the connector ready with the offered list published, as at start-up.
-    void readyWithProfiles(ProfileSettingsController& settings) {
+    void ready() {
         config->deviceInfo().blOK = true;
         config->deviceInfo().strImsi = "262011234567890";
-        settings.chooseProfilesForSIM("");
+        settings.emplace(*config).chooseProfilesForSIM("");
         initAnswered(WORKER_OK);
+    }
+    // Ready, the button pressed and the link reported up.
+    void connected() {
+        ready();
+        controller->actionForButtonConnect();
+        polled(ConnectController::kConnected);
     }
     RecordingTransport& worker() { return *modem->transport; }
     void answer(const QString& name, int code, const QVariant& value = {}) {
@@ -91,32 +98,23 @@ protected:
         controller->actionTimerStatusChecker();
         answer(MESSAGE_CONNECT_GET_STATISTICS, WORKER_OK, QVariant::fromValue(sample));
     }
+    // A day's saved counters: sent, received, seconds.
+    std::vector<quint64> day(const QDateTime& date) const {
+        const QVariantList days = traffic->arrayDateStatisticsFromDate(date, date);
+        const QVariantMap entry = days.value(0).toMap().value(TrafficStatics::getKeyOfDate(date)).toMap();
+        return {TrafficStatics::counterValue(entry.value(TrafficStatics::kNoRoamingSendKey)),
+                TrafficStatics::counterValue(entry.value(TrafficStatics::kNoRoamingReceiveKey)),
+                TrafficStatics::counterValue(entry.value(TrafficStatics::kConnectTimeKey))};
+    }
 
     TempHome home;
     std::unique_ptr<RecordedLink> modem;
     std::unique_ptr<AppConfig> config;
     std::unique_ptr<TrafficStatics> traffic;
+    std::optional<ProfileSettingsController> settings;
     std::unique_ptr<ConnectController> controller;
     QStringList echoed;
 };
-
-TEST_F(ConnectControllerTest, DialsTheProfilesOwnNumberEvenWhenEmpty) {
-    ProfileSettingsController settings(*config);
-    readyWithProfiles(settings);
-    controller->selectProfileIndex(1); // "X two" has no dial number
-    controller->actionForButtonConnect();
-
-    ASSERT_EQ(worker().count(MESSAGE_CONNECT_DIALUP), 1);
-    const auto dial = worker().argument(MESSAGE_CONNECT_DIALUP).value<BLConnectDialinfo>();
-    EXPECT_EQ(dial.strDialNumber + "|" + dial.strAPN, "|x2");
-    EXPECT_EQ(controller->connectState(), ConnectController::kConnecting);
-    EXPECT_EQ(controller->buttonTitleKey(), "IDS_DISCONNECT");
-    EXPECT_EQ(ConnectController::lastAnnouncedState(), ConnectController::kAnnounceConnecting);
-    // The status poll starts a second later.
-    EXPECT_TRUE(
-        waitFor([&] { return worker().count(MESSAGE_CONNECT_STATUS) == 1; }, std::chrono::seconds(3)));
-    EXPECT_EQ(worker().count(MESSAGE_CONNECT_GET_STATISTICS), 1);
-}
 
 TEST_F(ConnectControllerTest, NoProfileToDialAsksForAWarning) {
     QStringList warnings;
@@ -179,14 +177,24 @@ TEST_F(ConnectControllerTest, ModemInitCodes) {
     }
 }
 
+// The profile's own dial number is dialled, even an empty one; the status poll starts a second later.
 TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOncePerDisconnection) {
-    ProfileSettingsController settings(*config);
-    readyWithProfiles(settings);
+    ready();
     QList<int> announced;
     NotificationCenter::defaultCenter().addObserver(CONNECT_STATE, &announced, [&](const Notification& n) {
         announced << n.userInfo.value(KEY_VALUE_OBJECT).toInt();
     });
+    controller->selectProfileIndex(1); // "X two" has no dial number
     controller->actionForButtonConnect();
+    ASSERT_EQ(worker().count(MESSAGE_CONNECT_DIALUP), 1);
+    const auto dial = worker().argument(MESSAGE_CONNECT_DIALUP).value<BLConnectDialinfo>();
+    EXPECT_EQ(dial.strDialNumber + "|" + dial.strAPN, "|x2");
+    EXPECT_EQ(controller->connectState(), ConnectController::kConnecting);
+    EXPECT_EQ(controller->buttonTitleKey(), "IDS_DISCONNECT");
+    EXPECT_EQ(ConnectController::lastAnnouncedState(), ConnectController::kAnnounceConnecting);
+    EXPECT_TRUE(
+        waitFor([&] { return worker().count(MESSAGE_CONNECT_STATUS) == 1; }, std::chrono::seconds(3)));
+    EXPECT_EQ(worker().count(MESSAGE_CONNECT_GET_STATISTICS), 1);
     for (const int status :
          {ConnectController::kConnecting, ConnectController::kConnected, ConnectController::kConnected}) {
         polled(status);
@@ -201,20 +209,12 @@ TEST_F(ConnectControllerTest, RepeatedStatesAreAnnouncedOnceAndTrafficIsSavedOnc
 
     EXPECT_EQ(announced, (QList<int>{0, 2, 1, 3}));
     EXPECT_EQ(controller->buttonTitleKey(), "IDS_CONNECT");
-    const QVariantList days =
-        traffic->arrayDateStatisticsFromDate(QDateTime::currentDateTime(), QDateTime::currentDateTime());
-    ASSERT_EQ(days.size(), 1);
-    const QVariantMap today = days[0].toMap().first().toMap();
-    EXPECT_EQ(TrafficStatics::counterValue(today.value(TrafficStatics::kNoRoamingSendKey)), 1000u);
-    EXPECT_EQ(TrafficStatics::counterValue(today.value(TrafficStatics::kNoRoamingReceiveKey)), 7000u);
+    EXPECT_EQ(day(QDateTime::currentDateTime()), (std::vector<quint64>{1000, 7000, 5}));
     EXPECT_EQ(traffic->getTotalStatics(), (_TrafficStaticsItem{1000, 7000, 0, 0, 5}));
 }
 
 TEST_F(ConnectControllerTest, UnplugReportEndsTheLinkAndAPollWithoutAModemRests) {
-    ProfileSettingsController settings(*config);
-    readyWithProfiles(settings);
-    controller->actionForButtonConnect();
-    polled(ConnectController::kConnected);
+    connected();
     // The stick is pulled: the worker reports the status without a value.
     worker().report(MESSAGE_CONNECT_STATUS);
     EXPECT_EQ(controller->connectState(), ConnectController::kDisconnected);
@@ -230,10 +230,7 @@ TEST_F(ConnectControllerTest, UnplugReportEndsTheLinkAndAPollWithoutAModemRests)
 }
 
 TEST_F(ConnectControllerTest, AResetWhileTheControllerRunsIsNotUndoneByTheNextSave) {
-    ProfileSettingsController settings(*config);
-    readyWithProfiles(settings);
-    controller->actionForButtonConnect();
-    polled(ConnectController::kConnected);
+    connected();
     sampled(5, 1000, 7000);
     controller->saveTrafficStaticsData();
     ASSERT_TRUE(traffic->saveResetDate()); // the statistics view's reset
@@ -264,24 +261,13 @@ TEST_F(ConnectControllerTest, RoamingTrafficGoesToTheRoamingPairAndSamplesAreSet
 
 // The link's running counts are split at midnight: each day, and the totals, count each byte once.
 TEST_F(ConnectControllerTest, ALinkPastMidnightBringsItsEarlierTrafficToTheNewDay) {
-    ProfileSettingsController settings(*config);
-    readyWithProfiles(settings);
-    controller->actionForButtonConnect();
-    polled(ConnectController::kConnected);
+    connected();
     sampled(3600, 1000, 7000);
     const QDateTime now = QDateTime::currentDateTime();
     ConnectController::setCurrentDay(now.addDays(-1));
     sampled(3700, 1500, 9000); // the first sample of the new day closes yesterday
     sampled(3800, 1600, 9500);
     controller->saveTrafficStaticsData();
-    const auto day = [this](const QDateTime& date) {
-        const QVariantList days = traffic->arrayDateStatisticsFromDate(date, date);
-        const QVariantMap entry = days.value(0).toMap().value(TrafficStatics::getKeyOfDate(date)).toMap();
-        return std::vector<quint64>{
-            TrafficStatics::counterValue(entry.value(TrafficStatics::kNoRoamingSendKey)),
-            TrafficStatics::counterValue(entry.value(TrafficStatics::kNoRoamingReceiveKey)),
-            TrafficStatics::counterValue(entry.value(TrafficStatics::kConnectTimeKey))};
-    };
     EXPECT_EQ(day(now.addDays(-1)), (std::vector<quint64>{1500, 9000, 3700}));
     // Kept for the day history's users: the new day holds the link's running totals.
     EXPECT_EQ(day(now), (std::vector<quint64>{1600, 9500, 3800}));
@@ -289,15 +275,15 @@ TEST_F(ConnectControllerTest, ALinkPastMidnightBringsItsEarlierTrafficToTheNewDa
 }
 
 TEST_F(ConnectControllerTest, DeletingTheUsersDefaultLeavesNoDefault) {
-    ProfileSettingsController settings(*config);
-    settings.addProfile(profile("First"));
-    settings.addProfile(profile("Second"));
-    ASSERT_TRUE(settings.setDefaultProfile(1));
-    EXPECT_EQ(settings.defaultProfileName(), "Second");
-    EXPECT_TRUE(settings.deleteProfile(0));
+    settings.emplace(*config);
+    settings->addProfile(profile("First"));
+    settings->addProfile(profile("Second"));
+    ASSERT_TRUE(settings->setDefaultProfile(1));
+    EXPECT_EQ(settings->defaultProfileName(), "Second");
+    EXPECT_TRUE(settings->deleteProfile(0));
     EXPECT_FALSE(config->isSetDefaultUserApn());
-    EXPECT_FALSE(settings.deleteProfile(5));
-    EXPECT_FALSE(settings.setDefaultProfile(AppConfig::kIMSIListIndexBase + 3));
+    EXPECT_FALSE(settings->deleteProfile(5));
+    EXPECT_FALSE(settings->setDefaultProfile(AppConfig::kIMSIListIndexBase + 3));
 }
 
 } // namespace

@@ -1,8 +1,5 @@
-#include "BLRecords.h"
 #include "Contacts/ContactsController.h"
-#include "E2ESupport.h"
-#include "QtEventLoop.h"
-#include "TempHome.h"
+#include "SimulatedLink.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -12,35 +9,17 @@
 
 namespace {
 
-using namespace std::chrono_literals;
 using Result = ContactsController::Result;
 
-// The simulated modem with the scenario's phonebooks (SIM 1, 2, 4 of 250, names up to 14, numbers up to 20;
-// modem 1 of 500), opened the way the tool opens it.
-struct ContactsWorld {
-    ContactsWorld() {
-        ensureApplication();
-        registerRecordMetaTypes();
-        opened = sim.started() && link.open(30000) == WORKER_OK;
-    }
-    // The result of the spy's latest signal, once it came.
-    Result result(QSignalSpy& spy) {
-        EXPECT_TRUE(waitFor([&] { return !spy.isEmpty(); }, 20s)) << spy.signal().toStdString();
-        Result none;
-        none.outcome.code = -1;
-        return spy.isEmpty() ? none : spy.last().first().value<Result>();
-    }
+// The scenario's phonebooks: SIM 1, 2, 4 of 250, names up to 14, numbers up to 20; modem 1 of 500.
+struct ContactsWorld : SimulatorWorld {
+    Result result(QSignalSpy& spy) { return latest(spy, Result{{-1, 0}, {}, {}, 0}); }
     QJsonArray simEntries() {
         return sim.control("dump")["phonebooks"].toObject()["SM"].toObject()["entries"].toArray();
     }
-    // The sim's phonebook commands, in order.
     QStringList phonebookCommands() { return sim.commands().filter("AT+CPB"); }
 
-    TempHome home;
-    SimulatedModem sim;
-    ModemLink link;
     ContactsController phonebooks{link};
-    bool opened = false;
 };
 
 } // namespace
@@ -48,7 +27,7 @@ struct ContactsWorld {
 // Reading, adding, overwriting and deleting reach the SIM; the limits are read once per modem.
 TEST(ContactsController, ReloadAddUpdateRemoveReachTheSim) {
     ContactsWorld w;
-    ASSERT_TRUE(w.opened);
+    ASSERT_TRUE(w.open());
     QSignalSpy reloaded(&w.phonebooks, &ContactsController::reloaded);
     w.phonebooks.reload();
     ASSERT_TRUE(w.result(reloaded).outcome.ok());

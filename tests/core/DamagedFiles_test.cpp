@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace {
@@ -69,7 +70,9 @@ QByteArray soundBytes(Root root) {
 }
 
 // clang-format off
-const struct Damage { const char* name; std::function<QByteArray(Root)> bytes; bool damagesIni; /* an empty settings file is a valid one */ } kDamages[] = {
+// bytes: nullopt: no file at all, which is created as before: nothing kept, nothing said.
+const struct Damage { const char* name; std::function<std::optional<QByteArray>(Root)> bytes; bool damagesIni; /* an empty settings file is a valid one */ } kDamages[] = {
+    {"absent", [](Root) { return std::nullopt; }, false},
     {"empty", [](Root) { return QByteArray(); }, false},
     {"truncated", [](Root root) { return soundBytes(root).left(soundBytes(root).size() * 2 / 3 - 3); }, true},
     {"garbage", [](Root) { return kGarbage; }, true},
@@ -101,20 +104,22 @@ TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
     for (const KeptFile& file : kFiles) {
         for (const Damage& damage : kDamages) {
             SCOPED_TRACE(std::string(file.name) + ", " + damage.name);
+            ScratchStream said;
+            DamagedFile::setNoticeStream(said.file);
             TempHome fresh;
             qputenv("XDG_CONFIG_HOME", QFile::encodeName(fresh.path() + "/.config"));
             const QString log = fresh.openLog();
-            std::rewind(notices.file);
             const QString path = file.path(fresh);
             QDir().mkpath(QFileInfo(path).path());
-            const QByteArray bytes = damage.bytes(file.root);
-            const bool damaged = file.root != Root::Ini || damage.damagesIni;
-
-            TempHome::writeFile(path, bytes);
+            const std::optional<QByteArray> read = damage.bytes(file.root);
+            const QByteArray bytes = read.value_or(QByteArray());
+            if (read)
+                TempHome::writeFile(path, bytes);
             file.start(fresh);
             QStringList kept = keptCopies(path);
-            if (!damaged) {
+            if (!read || (file.root == Root::Ini && !damage.damagesIni)) {
                 EXPECT_TRUE(kept.isEmpty()) << kept.join(' ').toStdString();
+                EXPECT_TRUE(read || said.text().isEmpty()) << said.text().toStdString();
                 continue;
             }
             ASSERT_EQ(kept.size(), 1);
@@ -122,7 +127,7 @@ TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
             EXPECT_EQ(TempHome::readFile(first), bytes) << "the copy holds the original bytes";
             EXPECT_TRUE(TempHome::readFile(log).contains("[-CNSLOG_ERROR-]"));
             EXPECT_TRUE(TempHome::readFile(log).contains(("kept as " + first).toUtf8()));
-            EXPECT_TRUE(notices.text().contains(first.toUtf8())) << "the notice names the copy";
+            EXPECT_TRUE(said.text().contains(first.toUtf8())) << "the notice names the copy";
 
             // Damaged again within the same second: the earlier copy stays.
             TempHome::writeFile(path, bytes + "x");
@@ -140,14 +145,13 @@ TEST_F(DamagedFiles, KeptAsideAndStartedWithDefaults) {
 // Entries of the wrong shape in a sound file are skipped, counted in a notice, and the file is kept as it
 // was.
 TEST_F(DamagedFiles, WrongEntriesAreCounted) {
-    const QString imsi = kImsi;
     const auto plist = [](const char* body) {
         return QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict>") + body + "</dict></plist>";
     };
     // clang-format off
     const struct { const char* file; QByteArray bytes; const char* notice; std::function<void()> read; } rows[] = {
-        {"SMSInBox_262011234567890", plist("<key>OUTBOX</key><array><string>x</string><dict/></array><key>DRAFT</key><integer>1</integer>"), " holds 2 wrong entries", [&] { SMSStorage store(imsi); }},
-        {"SmsInBoxPC.plist", plist("<key>262011234567890</key><array><dict><key>SMS_REF</key><string>1</string></dict></array>"), " holds 1 wrong entry", [&] { std::list<TSMSRecordInPC> records; SMSExt::shared().list(imsi, records); }},
+        {"SMSInBox_262011234567890", plist("<key>OUTBOX</key><array><string>x</string><dict/></array><key>DRAFT</key><integer>1</integer>"), " holds 2 wrong entries", [] { SMSStorage store(kImsi); }},
+        {"SmsInBoxPC.plist", plist("<key>262011234567890</key><array><dict><key>SMS_REF</key><string>1</string></dict></array>"), " holds 1 wrong entry", [] { std::list<TSMSRecordInPC> records; SMSExt::shared().list(kImsi, records); }},
         {"DateTraffics.plist", plist("<key>2024/01/31</key><string>x</string><key>2024/02/01</key><dict/><key>2024/02/02</key><array/>"), " holds 2 wrong entries", [] { AppConfig config; TrafficStatics(config).getDateTrafficsDictionary(); }},
     };
     // clang-format on
@@ -165,18 +169,9 @@ TEST_F(DamagedFiles, WrongEntriesAreCounted) {
     }
 }
 
-// A missing file is created as before: nothing kept, nothing said.
-TEST_F(DamagedFiles, AbsentFilesAreNotDamaged) {
-    for (const KeptFile& file : kFiles) {
-        SCOPED_TRACE(file.name);
-        file.start(home);
-        EXPECT_TRUE(keptCopies(file.path(home)).isEmpty());
-    }
-    EXPECT_EQ(notices.text(), QByteArray());
-}
-
+// root: 0 for a settings file, else the property list's root type.
 TEST_F(DamagedFiles, ReaderTellsAbsentGoodAndDamagedApart) {
-    const QString path = home.path() + "/probe.plist";
+    const QString path = home.path() + "/probe";
     // clang-format off
     const struct { const char* name; std::optional<QByteArray> bytes; int root; DamagedFile::State state; } rows[] = {
         {"absent", std::nullopt, QMetaType::QVariantMap, DamagedFile::State::Absent},
@@ -184,6 +179,14 @@ TEST_F(DamagedFiles, ReaderTellsAbsentGoodAndDamagedApart) {
         {"array", kListFile, QMetaType::QVariantList, DamagedFile::State::Good},
         {"array for a dictionary", kListFile, QMetaType::QVariantMap, DamagedFile::State::Damaged},
         {"garbage", kGarbage, QMetaType::QVariantList, DamagedFile::State::Damaged},
+        {"settings as written", "[General]\nCreatedModemNumber=4\n\n[Sms]\nstorage=pc\n", 0, DamagedFile::State::Good},
+        {"settings with comments", "; note\n# note\nkey=value", 0, DamagedFile::State::Good},
+        {"empty settings", "", 0, DamagedFile::State::Good},
+        {"settings cut in a key", "[General]\nCreatedMod", 0, DamagedFile::State::Damaged},
+        {"settings cut in a section", "[Gene", 0, DamagedFile::State::Damaged},
+        {"NUL byte in settings", QByteArray("key=va\0lue\n", 11), 0, DamagedFile::State::Damaged},
+        {"invalid UTF-8 in settings", "key=\xc3\x28\n", 0, DamagedFile::State::Damaged},
+        {"property list for settings", kDictFile, 0, DamagedFile::State::Damaged},
     };
     // clang-format on
     for (const auto& row : rows) {
@@ -191,32 +194,14 @@ TEST_F(DamagedFiles, ReaderTellsAbsentGoodAndDamagedApart) {
         QFile::remove(path);
         if (row.bytes)
             TempHome::writeFile(path, *row.bytes);
+        if (row.root == 0) {
+            EXPECT_EQ(DamagedFile::checkSettingsFile(path), row.state);
+            continue;
+        }
         QVariant content;
         EXPECT_EQ(DamagedFile::readPropertyList(path, row.root, content), row.state);
         EXPECT_EQ(content.isValid(), row.state == DamagedFile::State::Good);
         EXPECT_EQ(QFileInfo::exists(path), row.state == DamagedFile::State::Good) << "only good files stay";
-    }
-}
-
-TEST_F(DamagedFiles, SettingsFileChecks) {
-    const QString path = home.path() + "/probe.ini";
-    // clang-format off
-    const struct { const char* name; QByteArray bytes; DamagedFile::State state; } rows[] = {
-        {"as written", "[General]\nCreatedModemNumber=4\n\n[Sms]\nstorage=pc\n", DamagedFile::State::Good},
-        {"comments", "; note\n# note\nkey=value", DamagedFile::State::Good},
-        {"empty", "", DamagedFile::State::Good},
-        {"cut in a key", "[General]\nCreatedMod", DamagedFile::State::Damaged},
-        {"cut in a section", "[Gene", DamagedFile::State::Damaged},
-        {"NUL byte", QByteArray("key=va\0lue\n", 11), DamagedFile::State::Damaged},
-        {"invalid UTF-8", "key=\xc3\x28\n", DamagedFile::State::Damaged},
-        {"property list", kDictFile, DamagedFile::State::Damaged},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        TempHome::writeFile(path, row.bytes);
-        EXPECT_EQ(DamagedFile::checkSettingsFile(path), row.state);
-        QFile::remove(path);
     }
 }
 

@@ -2,8 +2,6 @@
 #include "Budget/DataBudget.h"
 #include "TempHome.h"
 
-#include <QFile>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -12,7 +10,8 @@ QDate D(const char* iso) {
     return QDate::fromString(QString::fromLatin1(iso), Qt::ISODate);
 }
 
-TEST(DataBudget, PeriodsStartOnTheBillingDayOrTheMonthsLastDay) {
+// A period starts on the billing day or on the month's last day when it has no such day.
+TEST(DataBudget, PeriodsAndTheirUse) {
     // clang-format off
     const struct { const char* day; int billingDay; const char* first; const char* last; int daysLeft; } rows[] = {
         {"2026-02-15", 31, "2026-01-31", "2026-02-27", 13},  // February has no 31st: its period starts on the 28th
@@ -33,18 +32,16 @@ TEST(DataBudget, PeriodsStartOnTheBillingDayOrTheMonthsLastDay) {
         EXPECT_EQ(period.last, D(row.last));
         EXPECT_EQ(DataBudget::daysLeft(period, D(row.day)), row.daysLeft);
     }
-}
 
-TEST(DataBudget, UseOfAPeriodFromTheDayHistory) {
     // A link from 31 Oct evening to 1 Nov morning was split at midnight: each period gets its own part.
     const auto day = [](const char* key, quint64 sent, quint64 roamingReceived, quint32 seconds) {
         return StatisticsDayRow{key, {sent, 0, 0, roamingReceived, seconds}};
     };
-    const QList<StatisticsDayRow> rows{day("2026/10/30", 500, 0, 60), day("2026/10/31", 100, 20, 3600),
+    const QList<StatisticsDayRow> days{day("2026/10/30", 500, 0, 60), day("2026/10/31", 100, 20, 3600),
                                        day("2026/11/01", 300, 0, 1800), day("2026/11/30", 7, 0, 1),
                                        day("garbage", 1000, 0, 0)};
-    EXPECT_EQ(DataBudget::useIn(DataBudget::periodOf(D("2026-10-31"), 1), rows), (BudgetUse{620, 3660}));
-    EXPECT_EQ(DataBudget::useIn(DataBudget::periodOf(D("2026-11-15"), 1), rows), (BudgetUse{307, 1801}));
+    EXPECT_EQ(DataBudget::useIn(DataBudget::periodOf(D("2026-10-31"), 1), days), (BudgetUse{620, 3660}));
+    EXPECT_EQ(DataBudget::useIn(DataBudget::periodOf(D("2026-11-15"), 1), days), (BudgetUse{307, 1801}));
 }
 
 TEST(DataBudget, WarningsHangUpsAndDialRefusals) {
@@ -154,10 +151,7 @@ TEST(BudgetStore, KeepsEachSimsBudgetAndSetsADamagedFileAside) {
         {{"BYTES", -5}, {"BILLING_DAY", 40}, {"WARN_PERCENT", "x"}, {"AT_LIMIT", 7}, {"WARNED_LEVEL", 9}});
     EXPECT_EQ(odd, BudgetSettings());
 
-    QFile damaged(store.path());
-    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    damaged.write("<plist><dict><key>SIMS");
-    damaged.close();
+    TempHome::writeFile(store.path(), "<plist><dict><key>SIMS");
     EXPECT_EQ(store.load("262021234567890"), BudgetSettings());
     EXPECT_FALSE(QDir(home.userData()).entryList({"DataBudget.plist.damaged-*"}).isEmpty());
 }

@@ -20,12 +20,8 @@ TEST(MessagesController, FollowsWhatOtherClientsSentAndListed) {
     QSignalSpy sent(&messages, &MessagesController::sentElsewhere);
     messages.follow();
     const QVariant item = QVariant::fromValue(BLSmsSendItem{QStringLiteral("+491701234567"), QStringLiteral("Hi")});
-    struct Row {
-        int code;
-        QVariant value;
-        int kept;
-    };
     // clang-format off
+    struct Row { int code; QVariant value; int kept; };
     const Row rows[] = {
         {WORKER_OK, item, 1},
         {WORKER_ERR_GENERAL, item, 0},          // not sent: nothing to keep

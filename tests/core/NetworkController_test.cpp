@@ -1,9 +1,6 @@
-#include "BLRecords.h"
-#include "E2ESupport.h"
 #include "ModemDialect.h"
 #include "Network/NetworkController.h"
-#include "QtEventLoop.h"
-#include "TempHome.h"
+#include "SimulatedLink.h"
 
 #include <QSignalSpy>
 
@@ -11,27 +8,13 @@
 
 namespace {
 
-using namespace std::chrono_literals;
+// The controller on the simulated modem, which scans at once.
+struct NetworkWorld : SimulatorWorld {
+    using SimulatorWorld::SimulatorWorld;
+    bool open() { return sim.control("set scan_delay_ms 0").value("ok").toBool() && SimulatorWorld::open(); }
+    Outcome outcome(QSignalSpy& spy) { return latest(spy, Outcome{-1, 0}); }
 
-// The simulated modem, opened the way the tool opens it, with the controller on its link.
-struct NetworkWorld {
-    explicit NetworkWorld(const QStringList& simulatorArguments = {}) : sim(simulatorArguments) {
-        ensureApplication();
-        registerRecordMetaTypes();
-        if (sim.started() && sim.control("set scan_delay_ms 0").value("ok").toBool())
-            opened = link.open(30000) == WORKER_OK;
-    }
-    // The outcome of the spy's latest signal, once it came.
-    Outcome outcome(QSignalSpy& spy) {
-        EXPECT_TRUE(waitFor([&] { return !spy.isEmpty(); }, 20s)) << spy.signal().toStdString();
-        return spy.isEmpty() ? Outcome{-1, 0} : spy.last().first().value<Outcome>();
-    }
-
-    TempHome home;
-    SimulatedModem sim;
-    ModemLink link;
     NetworkController network{link};
-    bool opened = false;
 };
 
 // The link speaks the stick's dialect while it lives.
@@ -49,7 +32,7 @@ struct DialectGuard {
 // one comes back with the modem's cause, and automatic selection follows.
 TEST(NetworkController, ScanThenSelectReachTheModem) {
     NetworkWorld w;
-    ASSERT_TRUE(w.opened);
+    ASSERT_TRUE(w.open());
     QSignalSpy scanning(&w.network, &NetworkController::scanningChanged);
     QSignalSpy scanned(&w.network, &NetworkController::scanFinished);
     w.network.scan();
@@ -101,7 +84,7 @@ TEST(NetworkController, BandAndModeAndTheirAbsenceOnStandardSticks) {
         SCOPED_TRACE(row.standard ? "standard" : "vendor");
         const DialectGuard dialect(row.standard);
         NetworkWorld w(row.standard ? QStringList{"--scenario", "standard"} : QStringList{});
-        ASSERT_TRUE(w.opened);
+        ASSERT_TRUE(w.open());
         QSignalSpy unsupported(&w.network, &NetworkController::radioUnsupported);
         QSignalSpy band(&w.network, &NetworkController::bandRead);
         QSignalSpy mode(&w.network, &NetworkController::modeRead);

@@ -37,7 +37,7 @@ void StartTry(PinController& pin, const Step& step, PinController::Done done) {
 TEST(PinController, TriesAgainstTheSimulatedSim) {
     SimulatedLink modem({"--scenario", "pin-locked"});
     ASSERT_TRUE(modem.reaches(ModemLink::State::NeedPin));
-    PinController pin(modem.link());
+    PinController pin(modem.link);
     QSignalSpy read(&pin, &PinController::simStateRead);
     QSignalSpy tried(&pin, &PinController::tried);
     // clang-format off

@@ -76,7 +76,7 @@ TEST(SMSExt, SaveListDeleteThroughTheCallbacks) {
     EXPECT_TRUE(listed.empty());
 }
 
-TEST(SMSExt, RefusesAnEmptyImsiAndAFullInbox) {
+TEST(SMSExt, RefusesAnEmptyImsiAndAFullInboxAndSkipsDamagedRecords) {
     TempHome home;
     const QString log = home.openLog();
     SMSExt& store = SMSExt::shared();
@@ -93,20 +93,16 @@ TEST(SMSExt, RefusesAnEmptyImsiAndAFullInbox) {
     EXPECT_NE(store.save(kImsi, kLaterPdu, 28, index), 0);
     EXPECT_EQ(index, 0);
     EXPECT_EQ(PropertyList::readMap(store.filePath()).value(kImsi).toList().size(), 2);
-}
 
-TEST(SMSExt, DamagedRecordsAreSkippedNotLost) {
-    TempHome home;
-    SMSExt& store = SMSExt::shared();
+    // Damaged records are skipped, not lost.
     QVariantList records = Refs({4});
     records.append(QVariantMap{{"SMS_REF", "x"}, {"SMS_PDU", kPdu}});
     records.append(QString("junk"));
     ASSERT_TRUE(PropertyList::write(store.filePath(), QVariantMap{{kImsi, records}}));
-    std::list<TSMSRecordInPC> listed;
     ASSERT_EQ(store.list(kImsi, listed), 0);
     ASSERT_EQ(listed.size(), 1u);
     EXPECT_EQ(listed.front().nIndex, 4);
-    int index = 0;
+    index = 0;
     ASSERT_EQ(store.save(kImsi, kLaterPdu, 28, index), 0);
     EXPECT_EQ(index, 5);
     EXPECT_EQ(PropertyList::readMap(store.filePath()).value(kImsi).toList().size(), 4);

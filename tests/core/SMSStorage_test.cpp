@@ -59,27 +59,6 @@ TEST(MessageItem, DefaultsOfMissingArguments) {
     EXPECT_FALSE(MessageItem::initWithDictionary(copy.getMessageDictionary()).isSameItem(copy));
 }
 
-TEST(SMSStorage, NewSimStartsEmptyAndFirstSaveCreatesItsFile) {
-    TempHome home;
-    SMSStorage store(kIMSI);
-    EXPECT_EQ(store.filePath(), home.userFile("SMSInBox_" + kIMSI));
-    EXPECT_FALSE(QFile::exists(store.filePath()));
-    EXPECT_TRUE(store.getOutBoxList().isEmpty() && store.getSendBoxList().isEmpty() &&
-                store.getDarftList().isEmpty() && store.getAchieveBoxList().isEmpty());
-
-    EXPECT_EQ(store.saveMessageItem(message("+491701", "first", "OUTBOX")), 0);
-    const QVariantMap file = storedFile(home);
-    EXPECT_EQ(file.keys(), (QStringList{"ACHIEVEBOX", "DRAFT", "OUTBOX", "SENDBOX"}));
-    ASSERT_EQ(file.value("OUTBOX").toList().size(), 1);
-    EXPECT_EQ(file.value("OUTBOX").toList().first().toMap(),
-              message("+491701", "first", "OUTBOX").getMessageDictionary());
-
-    // Without an IMSI the shared file is used.
-    SMSStorage shared;
-    EXPECT_EQ(shared.filePath(), home.userFile("LocalSMS.plist"));
-    EXPECT_TRUE(shared.getOutBoxList().isEmpty());
-}
-
 TEST(SMSStorage, BoxTypeNamesAgainstFileKeys) {
     // clang-format off
     const struct { const char* box; const char* fileKey; /* nullptr: refused */ } rows[] = {
@@ -90,7 +69,11 @@ TEST(SMSStorage, BoxTypeNamesAgainstFileKeys) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.box);
         TempHome home;
-        SMSStorage store(kIMSI);
+        SMSStorage store(kIMSI); // a new SIM: empty boxes, no file until the first save
+        EXPECT_EQ(store.filePath(), home.userFile("SMSInBox_" + kIMSI));
+        EXPECT_TRUE(!QFile::exists(store.filePath()) && store.getOutBoxList().isEmpty() &&
+                    store.getSendBoxList().isEmpty() && store.getDarftList().isEmpty() &&
+                    store.getAchieveBoxList().isEmpty());
         const MessageItem item = message("+491701", row.box, row.box);
         if (!row.fileKey) {
             EXPECT_EQ(store.saveMessageItem(item), 3);
@@ -101,6 +84,7 @@ TEST(SMSStorage, BoxTypeNamesAgainstFileKeys) {
             continue;
         }
         EXPECT_EQ(store.saveMessageItem(item), 0);
+        EXPECT_EQ(storedFile(home).keys(), (QStringList{"ACHIEVEBOX", "DRAFT", "OUTBOX", "SENDBOX"}));
         EXPECT_EQ(contents(storedFile(home).value(row.fileKey).toList()), QStringList{row.box});
         ASSERT_EQ(store.getMessageListByBoxType(row.box)->size(), 1);
         EXPECT_TRUE(store.getMessageListByBoxType(row.box)->first().isSameItem(item));
@@ -111,9 +95,14 @@ TEST(SMSStorage, BoxTypeNamesAgainstFileKeys) {
         EXPECT_EQ(reloaded.getMessageDictListByBoxType(row.box)->first().toMap(),
                   item.getMessageDictionary());
     }
+    // Without an IMSI the shared file is used.
+    TempHome home;
+    SMSStorage shared;
+    EXPECT_EQ(shared.filePath(), home.userFile("LocalSMS.plist"));
+    EXPECT_TRUE(shared.getOutBoxList().isEmpty());
 }
 
-TEST(SMSStorage, DeleteRemovesEveryEqualDictionaryAndTheItemItself) {
+TEST(SMSStorage, DeletesEveryEqualDictionaryMovesAndEditsThroughTheItem) {
     TempHome home;
     const QVariantMap twin = message("+491701", "twin", "DRAFTDBOX").getMessageDictionary();
     const QVariantMap other = message("+491702", "other", "DRAFTDBOX").getMessageDictionary();
@@ -133,11 +122,7 @@ TEST(SMSStorage, DeleteRemovesEveryEqualDictionaryAndTheItemItself) {
     const QVariantMap file = storedFile(home);
     EXPECT_EQ(contents(file.value("DRAFT").toList()), QStringList{"other"});
     EXPECT_EQ(file.value("VERSION").toLongLong(), 7); // keys the store does not know are kept
-}
 
-TEST(SMSStorage, MovingAMessageAndEditingThroughTheItem) {
-    TempHome home;
-    SMSStorage store(kIMSI);
     MessageItem item = message("+491701", "move me", "OUTBOX");
     ASSERT_EQ(store.saveMessageItem(item), 0);
 

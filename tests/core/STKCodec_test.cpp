@@ -10,8 +10,9 @@
 
 namespace {
 
-// Wide text for failure messages: printable ASCII as it is, anything else as its code point.
-std::string Codes(const std::wstring& text) {
+// A decoded record as one text: its fields joined by '|', items as "id:text"; wide text with printable
+// ASCII as it is, anything else as its code point.
+std::string Field(const std::wstring& text) {
     std::string out;
     for (const wchar_t c : text) {
         char unit[12];
@@ -21,10 +22,6 @@ std::string Codes(const std::wstring& text) {
     return out;
 }
 
-// A decoded record as one text: its fields joined by '|', items as "id:text".
-std::string Field(const std::wstring& text) {
-    return Codes(text);
-}
 std::string Field(const std::string& text) {
     return text;
 }
@@ -40,7 +37,7 @@ std::string Field(const std::list<int>& numbers) {
 std::string Field(const std::list<TSTKMenuItem>& items) {
     std::string out;
     for (const TSTKMenuItem& item : items)
-        out += std::to_string(item.nItemId) + ":" + Codes(item.wstrText) + ",";
+        out += std::to_string(item.nItemId) + ":" + Field(item.wstrText) + ",";
     return out;
 }
 template <typename... T> std::string F(const T&... fields) {
@@ -83,11 +80,11 @@ TEST(STKCodec, TextFieldsFollowTheTerminalCharacterSet) {
     };
     // clang-format on
     for (const Row& row : rows)
-        EXPECT_EQ(Codes(CSTKCodec::DecodeTeText(row.field, row.teSet)), Codes(row.text)) << row.field;
+        EXPECT_EQ(Field(CSTKCodec::DecodeTeText(row.field, row.teSet)), Field(row.text)) << row.field;
     const std::wstring sample = L"Paris \u00E9\u20AC\U0001F600";
     EXPECT_EQ(CSTKCodec::EncodeTeText(sample, USSD_TE_UCS2), "00500061007200690073002000E920ACD83DDE00");
-    EXPECT_EQ(Codes(CSTKCodec::DecodeTeText(CSTKCodec::EncodeTeText(sample, USSD_TE_UCS2), USSD_TE_UCS2)),
-              Codes(sample));
+    EXPECT_EQ(Field(CSTKCodec::DecodeTeText(CSTKCodec::EncodeTeText(sample, USSD_TE_UCS2), USSD_TE_UCS2)),
+              Field(sample));
     EXPECT_EQ(CSTKCodec::EncodeTeText(L"Say \"yes\" \u00E9", USSD_TE_IRA), "Say ?yes? ?");
     EXPECT_EQ(CSTKCodec::EncodeTeText(L"a@\u00E9", USSD_TE_GSM), "a??"); // '@' is code 0, 'é' code 0x05
 }
@@ -97,41 +94,25 @@ TEST(STKCodec, TextFieldsFollowTheTerminalCharacterSet) {
 TEST(STKCodec, DecodersReadTheirCommandsFields) {
     using C = CSTKCodec;
     // clang-format off
+    const auto stale = [](const char* text) { TSTKDisplayTextReq r; r.wstrText = L"old"; r.nPriority = 1; const int rc = C::DecodeDisplayTextReq(text, r); return F(rc, r.wstrText, r.nPriority); };
     const struct { std::function<std::string()> decode; const char* fields; } rows[] = {
-        {[] { TSTKSetupMenuReq r; int rc = C::DecodeSetupMenuReq("\r\n+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n"
-              "+STGI: 17,2,\"Games\"\r\n+STGI: 17,3,\"Offers\"\r\n\r\nOK\r\n", r, USSD_TE_GSM); return F(rc, r.wstrTitle, r.nItemCount, r.lstItems); },
-         "0|SIM Services|3|1:News,2:Games,3:Offers,|"},
-        {[] { TSTKSetupMenuReq r; int rc = C::DecodeSetupMenuReq("+STGI: 17,\"00530049004D\",2\r\n+STGI: 17,1,\"004E006500770073\"\r\n"
-              "+STGI:17, 2 ,\"00470061006D00650073\"\r\nOK", r); return F(rc, r.wstrTitle, r.nItemCount, r.lstItems); },
-         "0|SIM|2|1:News,2:Games,|"},
+        {[] { TSTKSetupMenuReq r; int rc = C::DecodeSetupMenuReq("\r\n+STGI: 17,\"SIM Services\",3\r\n+STGI: 17,1,\"News\"\r\n" "+STGI: 17,2,\"Games\"\r\n+STGI: 17,3,\"Offers\"\r\n\r\nOK\r\n", r, USSD_TE_GSM); return F(rc, r.wstrTitle, r.nItemCount, r.lstItems); }, "0|SIM Services|3|1:News,2:Games,3:Offers,|"},
+        {[] { TSTKSetupMenuReq r; int rc = C::DecodeSetupMenuReq("+STGI: 17,\"00530049004D\",2\r\n+STGI: 17,1,\"004E006500770073\"\r\n" "+STGI:17, 2 ,\"00470061006D00650073\"\r\nOK", r); return F(rc, r.wstrTitle, r.nItemCount, r.lstItems); }, "0|SIM|2|1:News,2:Games,|"},
         // An item line without a number is skipped, one without a text kept; a title alone has no items.
-        {[] { TSTKSetupMenuReq r; int rc = C::DecodeSetupMenuReq("+STGI: 17,\"M\"\r\n+STGI: 17,x,\"A\"\r\n+STGI: 17,4\r\n", r, USSD_TE_GSM);
-              return F(rc, r.wstrTitle, r.nItemCount, r.lstItems); }, "0|M|0|4:,|"},
-        {[] { TSTKSelectItemReq r; int rc = C::DecodeSelectItemReq("\r\n+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n"
-              "+STGI: 11,2,\"About\"\r\n\r\nOK\r\n", r, USSD_TE_GSM); return F(rc, r.wstrTitle, r.nDefaultItem, r.nItemCount, r.lstItems); },
-         "0|Games|1|2|1:Quiz,2:About,|"},
-        {[] { TSTKSelectItemReq r; r.lstItems.push_back({1, L"stale"}); int rc = C::DecodeSelectItemReq("+STGI: 17,\"Menu\"\r\n+STGI: 17,1,\"A\"", r);
-              return F(rc, r.wstrTitle, r.lstItems); }, "1|||"},
-        {[] { TSTKDisplayTextReq r; int rc = C::DecodeDisplayTextReq("+STGI: 1,\"Today: sunny, 24 C\",0,1\r\n\r\nOK", r, USSD_TE_GSM);
-              return F(rc, r.wstrText, r.nPriority, r.nClearMode); }, "0|Today: sunny, 24 C|0|1|"},
-        {[] { TSTKGetInkeyReq r; int rc = C::DecodeGetInkeyReq("+STGI: 2,\"Receive offers? (Y/N)\",3,0", r, USSD_TE_GSM);
-              return F(rc, r.wstrText, r.nFormat, r.nHelp); }, "0|Receive offers? (Y/N)|3|0|"}, // 3: yes or no
-        {[] { TSTKGetInputReq r; int rc = C::DecodeGetInputReq("+STGI: 3,\"0043003F\",1,1,12,\"00500061\",0", r);
-              return F(rc, r.wstrText, r.nFormat, r.nMinLength, r.nMaxLength, r.wstrDefaultText, r.nEcho, r.nHelp); }, "0|C?|1|1|12|Pa|0|0|"},
+        {[] { TSTKSetupMenuReq r; int rc = C::DecodeSetupMenuReq("+STGI: 17,\"M\"\r\n+STGI: 17,x,\"A\"\r\n+STGI: 17,4\r\n", r, USSD_TE_GSM); return F(rc, r.wstrTitle, r.nItemCount, r.lstItems); }, "0|M|0|4:,|"},
+        {[] { TSTKSelectItemReq r; int rc = C::DecodeSelectItemReq("\r\n+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n" "+STGI: 11,2,\"About\"\r\n\r\nOK\r\n", r, USSD_TE_GSM); return F(rc, r.wstrTitle, r.nDefaultItem, r.nItemCount, r.lstItems); }, "0|Games|1|2|1:Quiz,2:About,|"},
+        {[] { TSTKSelectItemReq r; r.lstItems.push_back({1, L"stale"}); int rc = C::DecodeSelectItemReq("+STGI: 17,\"Menu\"\r\n+STGI: 17,1,\"A\"", r); return F(rc, r.wstrTitle, r.lstItems); }, "1|||"},
+        {[] { TSTKDisplayTextReq r; int rc = C::DecodeDisplayTextReq("+STGI: 1,\"Today: sunny, 24 C\",0,1\r\n\r\nOK", r, USSD_TE_GSM); return F(rc, r.wstrText, r.nPriority, r.nClearMode); }, "0|Today: sunny, 24 C|0|1|"},
+        {[] { TSTKGetInkeyReq r; int rc = C::DecodeGetInkeyReq("+STGI: 2,\"Receive offers? (Y/N)\",3,0", r, USSD_TE_GSM); return F(rc, r.wstrText, r.nFormat, r.nHelp); }, "0|Receive offers? (Y/N)|3|0|"}, // 3: yes or no
+        {[] { TSTKGetInputReq r; int rc = C::DecodeGetInputReq("+STGI: 3,\"0043003F\",1,1,12,\"00500061\",0", r); return F(rc, r.wstrText, r.nFormat, r.nMinLength, r.nMaxLength, r.wstrDefaultText, r.nEcho, r.nHelp); }, "0|C?|1|1|12|Pa|0|0|"},
         // Fields left out keep their defaults.
-        {[] { TSTKGetInputReq r; r.nMaxLength = 3; r.nEcho = 0; int rc = C::DecodeGetInputReq("+STGI: 3,\"Name?\"", r, USSD_TE_GSM);
-              return F(rc, r.nMaxLength, r.nEcho); }, "0|255|1|"},
-        {[] { TSTKPlayToneReq r; int rc = C::DecodePlayToneReq("+STGI: 6,\"Ring\",16,1,5", r, USSD_TE_GSM);
-              return F(rc, r.wstrText, r.nTone, r.nDurationUnit, r.nDuration); }, "0|Ring|16|1|5|"},
-        {[] { TSTKRefreshReq r; int rc = C::DecodeRefreshReq("+STGI: 9,1,\"3F007F206F07\"", r, USSD_TE_GSM); return F(rc, r.nRefreshType, r.wstrFileList); },
-         "0|1|3F007F206F07|"},
-        {[] { TSTKSetupCallReq r; int rc = C::DecodeSetupCallReq("+STGI: 15,\"00430061006C006C003F\",\"002B0034003900310032\",2,\"002E002E\"", r);
-              return F(rc, r.wstrConfirmText, r.strNumber, r.nQualifier, r.wstrCallText); }, "0|Call?|+4912|2|..|"},
+        {[] { TSTKGetInputReq r; r.nMaxLength = 3; r.nEcho = 0; int rc = C::DecodeGetInputReq("+STGI: 3,\"Name?\"", r, USSD_TE_GSM); return F(rc, r.nMaxLength, r.nEcho); }, "0|255|1|"},
+        {[] { TSTKPlayToneReq r; int rc = C::DecodePlayToneReq("+STGI: 6,\"Ring\",16,1,5", r, USSD_TE_GSM); return F(rc, r.wstrText, r.nTone, r.nDurationUnit, r.nDuration); }, "0|Ring|16|1|5|"},
+        {[] { TSTKRefreshReq r; int rc = C::DecodeRefreshReq("+STGI: 9,1,\"3F007F206F07\"", r, USSD_TE_GSM); return F(rc, r.nRefreshType, r.wstrFileList); }, "0|1|3F007F206F07|"},
+        {[] { TSTKSetupCallReq r; int rc = C::DecodeSetupCallReq("+STGI: 15,\"00430061006C006C003F\",\"002B0034003900310032\",2,\"002E002E\"", r); return F(rc, r.wstrConfirmText, r.strNumber, r.nQualifier, r.wstrCallText); }, "0|Call?|+4912|2|..|"},
         {[] { TSTKSetupEventListReq r; int rc = C::DecodeSetupEventListReq("+STGI: 16,4, 5,x,7", r); return F(rc, r.lstEvents); }, "0|4,5,7,|"},
-        {[] { TSTKSendDTMFReq r; int rc = C::DecodeSendDTMFReq("+STGI: 23,\"Tones\",\"12*#\"", r, USSD_TE_GSM); return F(rc, r.wstrText, r.strDTMF); },
-         "0|Tones|12*#|"},
-        {[] { TSTKSetupIdleModeTextReq r; int rc = C::DecodeSetupIdleModeTextReq("+STGI: 18,\"Welcome\"", r, USSD_TE_GSM); return F(rc, r.wstrText); },
-         "0|Welcome|"},
+        {[] { TSTKSendDTMFReq r; int rc = C::DecodeSendDTMFReq("+STGI: 23,\"Tones\",\"12*#\"", r, USSD_TE_GSM); return F(rc, r.wstrText, r.strDTMF); }, "0|Tones|12*#|"},
+        {[] { TSTKSetupIdleModeTextReq r; int rc = C::DecodeSetupIdleModeTextReq("+STGI: 18,\"Welcome\"", r, USSD_TE_GSM); return F(rc, r.wstrText); }, "0|Welcome|"},
         {[] { TSTKSendUSSDReq r; int rc = C::DecodeSendUSSDReq("+STGI: 14,\"Balance\",\"*100#\"", r, USSD_TE_GSM); return F(rc, r.wstrUSSDString); }, "0|*100#|"},
         {[] { TSTKSendSSReq r; int rc = C::DecodeSendSSReq("+STGI: 13,\"Divert\",\"**21*123#\"", r, USSD_TE_GSM); return F(rc, r.wstrSSString); }, "0|**21*123#|"},
         {[] { TSTKSendSMSReq r; int rc = C::DecodeSendSMSReq("+STGI: 12,\"Sending\"", r, USSD_TE_GSM); return F(rc, r.wstrText); }, "0|Sending|"},
@@ -139,20 +120,13 @@ TEST(STKCodec, DecodersReadTheirCommandsFields) {
         {[] { TSTKIdleScreenNotification r; return F(C::DecodeIdleScreenNotification("+STGI: 256", r)); }, "0|"},
         {[] { TSTKUserActivityNotification r; return F(C::DecodeUserActivityNotification("+STGI: 257\r\nOK", r)); }, "0|"},
         {[] { TSTKUserActivityNotification r; return F(C::DecodeUserActivityNotification("+STGI: 256", r)); }, "1|"},
+        // Another command's listing, or none, is refused and the record reset.
+        {[&] { return stale("+STGI:20\r\nOK"); }, "1||0|"}, {[&] { return stale("+STGI: 11,\"Games\",1,2"); }, "1||0|"},
+        {[&] { return stale("\r\nOK\r\n"); }, "1||0|"}, {[&] { return stale(""); }, "1||0|"}, {[&] { return stale("+STGI: \"Hi\""); }, "1||0|"},
     };
     // clang-format on
     for (const auto& row : rows)
         EXPECT_EQ(row.decode(), row.fields);
-
-    // Another command's listing, or none, is refused and the record reset.
-    for (const char* text :
-         {"+STGI:20\r\nOK", "+STGI: 11,\"Games\",1,2", "\r\nOK\r\n", "", "+STGI: \"Hi\""}) {
-        TSTKDisplayTextReq display;
-        display.wstrText = L"old";
-        display.nPriority = 1;
-        EXPECT_EQ(CSTKCodec::DecodeDisplayTextReq(text, display), 1) << text;
-        EXPECT_EQ(F(display.wstrText, display.nPriority), "|0|") << text;
-    }
 }
 
 TEST(STKCodec, AnswersAndEnvelopesHaveTheModemsFormats) {

@@ -3,7 +3,6 @@
 #include "AppConfig.h"
 #include "ChildProcess.h"
 #include "ComOperation.h"
-#include "DebugSink.h"
 #include "DeviceUtility.h"
 #include "PinUtility.h"
 #include "PtyPeer.h"
@@ -158,9 +157,7 @@ TEST(Security, PinCommandsLeaveNoSecretInLogOrDebugTexts) {
     TempHome home;
     const QString log = home.openLog();
     ASSERT_FALSE(log.isEmpty());
-    ScratchStream debug;
-    std::FILE* const oldSink = GetDebugSink();
-    SetDebugSink(debug.file);
+    DebugCapture debug;
 
     PtyPeer modem;
     modem.setHandler([](const std::string& command) {
@@ -182,7 +179,6 @@ TEST(Security, PinCommandsLeaveNoSecretInLogOrDebugTexts) {
         delete report;
     reports->clear();
 
-    SetDebugSink(oldSink);
     const QByteArray debugText = debug.text();
     const QByteArray logText = TempHome::readFile(log);
     EXPECT_EQ(modem.received().size(), 5u);

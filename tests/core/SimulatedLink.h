@@ -1,33 +1,45 @@
 #pragma once
 
-// A link to the simulated modem, followed as the desktop app follows it, in a home of its own.
+// The simulated modem and a link to it, opened as the tool opens it or followed as the desktop app does.
 
+#include "BLRecords.h"
 #include "E2ESupport.h"
 #include "ModemLink.h"
 #include "QtEventLoop.h"
 #include "TempHome.h"
+#include "WorkNotification.h"
+
+#include <QSignalSpy>
 
 #include <gtest/gtest.h>
 
-#include <memory>
-
-class SimulatedLink {
-public:
-    explicit SimulatedLink(const QStringList& simulatorArguments = {}) : _sim(simulatorArguments) {
+// The simulated modem in a home of its own, with a link not yet opened or started.
+struct SimulatorWorld {
+    explicit SimulatorWorld(const QStringList& simulatorArguments = {}) : sim(simulatorArguments) {
         ensureApplication();
-        EXPECT_TRUE(_sim.started());
-        _link = std::make_unique<ModemLink>();
-        _link->start();
+        registerRecordMetaTypes();
+    }
+    // Opens the link the way the tool opens it.
+    bool open() { return sim.started() && link.open(30000) == WORKER_OK; }
+    // The first value of the spy's latest signal once it came; `none` when it did not.
+    template <typename T> static T latest(QSignalSpy& spy, T none) {
+        EXPECT_TRUE(waitFor([&] { return !spy.isEmpty(); }, std::chrono::seconds(20)))
+            << spy.signal().toStdString();
+        return spy.isEmpty() ? none : spy.last().first().value<T>();
     }
 
-    ModemLink& link() { return *_link; }
-    SimulatedModem& sim() { return _sim; }
+    TempHome home;
+    SimulatedModem sim;
+    ModemLink link;
+};
+
+// A link to the simulated modem, followed as the desktop app follows it.
+struct SimulatedLink : SimulatorWorld {
+    explicit SimulatedLink(const QStringList& simulatorArguments = {}) : SimulatorWorld(simulatorArguments) {
+        EXPECT_TRUE(sim.started());
+        link.start();
+    }
     bool reaches(ModemLink::State state) {
-        return waitFor([&] { return _link->state() == state; }, std::chrono::seconds(20));
+        return waitFor([&] { return link.state() == state; }, std::chrono::seconds(20));
     }
-
-private:
-    TempHome _home;
-    SimulatedModem _sim;
-    std::unique_ptr<ModemLink> _link;
 };

@@ -10,10 +10,6 @@
 
 namespace {
 
-QString Repeat(const QString& piece, int times) {
-    return piece.repeated(times);
-}
-
 const QString kEmoji = QString::fromUcs4(U"\U0001F600");
 const QString kCyrillic = QString::fromUtf8("ж");
 
@@ -27,22 +23,23 @@ std::vector<Row> Rows() {
     loneSurrogate.append(QLatin1Char('a'));
     return {
         {"empty", QString(), false, 1, 160, 160, 0},
-        {"160 plain", Repeat("a", 160), false, 1, 0, 160, 0},
-        {"161 plain", Repeat("a", 161), false, 2, 145, 153, 0},
-        {"euro at 161", Repeat("a", 159) + QString::fromUtf8("€"), false, 2, 145, 153, 0},
-        {"bracket at 161", Repeat("a", 159) + "[", false, 2, 145, 153, 0},
-        {"escape pair not split", Repeat("a", 152) + "{" + Repeat("a", 10), false, 2, 141, 153, 0},
-        {"GSM accents are 7-bit", Repeat(QString::fromUtf8("é"), 160), false, 1, 0, 160, 0},
-        {"70 UCS2", Repeat(kCyrillic, 70), false, 1, 0, 70, 1},
-        {"71 UCS2", Repeat(kCyrillic, 71), false, 2, 63, 67, 1},
-        {"one plain letter turns UCS2", Repeat("a", 100) + kCyrillic, false, 2, 33, 67, 1},
+        {"160 plain", QString("a").repeated(160), false, 1, 0, 160, 0},
+        {"161 plain", QString("a").repeated(161), false, 2, 145, 153, 0},
+        {"euro at 161", QString("a").repeated(159) + QString::fromUtf8("€"), false, 2, 145, 153, 0},
+        {"bracket at 161", QString("a").repeated(159) + "[", false, 2, 145, 153, 0},
+        {"escape pair not split", QString("a").repeated(152) + "{" + QString("a").repeated(10), false, 2, 141,
+         153, 0},
+        {"GSM accents are 7-bit", QString::fromUtf8("é").repeated(160), false, 1, 0, 160, 0},
+        {"70 UCS2", kCyrillic.repeated(70), false, 1, 0, 70, 1},
+        {"71 UCS2", kCyrillic.repeated(71), false, 2, 63, 67, 1},
+        {"one plain letter turns UCS2", QString("a").repeated(100) + kCyrillic, false, 2, 33, 67, 1},
         {"emoji takes two units", kEmoji, false, 1, 68, 70, 1},
-        {"emoji past 70 units", Repeat(kCyrillic, 69) + kEmoji, false, 2, 63, 67, 1},
+        {"emoji past 70 units", kCyrillic.repeated(69) + kEmoji, false, 2, 63, 67, 1},
         {"lone surrogate", loneSurrogate, false, 1, 68, 70, 1},
         {"Latin off", QString::fromUtf8("À bientôt"), false, 1, 61, 70, 1},
         {"Latin on", QString::fromUtf8("À bientôt"), true, 1, 151, 160, 0},
-        {"Latin on, 160 replaced", Repeat(QString::fromUtf8("À"), 160), true, 1, 0, 160, 0},
-        {"Latin off, 160 accented", Repeat(QString::fromUtf8("À"), 160), false, 3, 41, 67, 1},
+        {"Latin on, 160 replaced", QString::fromUtf8("À").repeated(160), true, 1, 0, 160, 0},
+        {"Latin off, 160 accented", QString::fromUtf8("À").repeated(160), false, 3, 41, 67, 1},
         {"Latin on, still UCS2", QString::fromUtf8("Àж"), true, 1, 68, 70, 1},
     };
 }
@@ -63,7 +60,7 @@ TEST(SmsSegmentCounter, CountsSegmentsAndRoom) {
 }
 
 // Texts of every kind and length around the limits, each also split by the sending code.
-std::vector<std::pair<QString, bool>> CrossCheckTexts() {
+TEST(SmsSegmentCounter, AgreesWithSending) {
     std::vector<std::pair<QString, bool>> texts;
     for (const Row& row : Rows())
         texts.emplace_back(row.text, row.latin);
@@ -73,16 +70,12 @@ std::vector<std::pair<QString, bool>> CrossCheckTexts() {
     const int lengths[] = {1, 69, 70, 71, 77, 80, 134, 135, 152, 153, 154, 159, 160, 161, 305, 306, 307, 500};
     for (const QString& piece : pieces) {
         for (const int length : lengths) {
-            const QString text = Repeat(piece, length / piece.size() + 1).left(length);
+            const QString text = piece.repeated(length / piece.size() + 1).left(length);
             texts.emplace_back(text, false);
             texts.emplace_back(text, true);
         }
     }
-    return texts;
-}
-
-TEST(SmsSegmentCounter, AgreesWithSending) {
-    for (const auto& [text, latin] : CrossCheckTexts()) {
+    for (const auto& [text, latin] : texts) {
         SCOPED_TRACE(text.left(20).toStdString() + " length " + std::to_string(text.size()) +
                      (latin ? " Latin on" : ""));
         CSmsUtility sms;

@@ -8,12 +8,6 @@
 
 namespace {
 
-QByteArray dayFile(const QByteArray& days) {
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
-           "<key>CREATION_TIME</key><date>2024-01-01T00:00:00Z</date>" +
-           days + "</dict></plist>\n";
-}
-
 QByteArray day(const char* key, const char* sent, const char* received, const char* roamingSent,
                const char* roamingReceived) {
     return QByteArray("<key>") + key + "</key><dict><key>NOROAMING SENDBYTES</key>" + sent +
@@ -52,7 +46,7 @@ TEST(StatisticsController, RangeRowsAndTotals) {
         TempHome home;
         AppConfig config;
         StatisticsController controller(config);
-        TempHome::writeFile(controller.store().dateTrafficsPath(), dayFile(row.days));
+        TempHome::writeFile(controller.store().dateTrafficsPath(), dayTrafficFile(row.days));
         const StatisticsRange range = controller.rangeStatistics(row.from, row.to);
         EXPECT_EQ(std::vector<StatisticsDayRow>(range.rows.begin(), range.rows.end()), row.expected);
         EXPECT_EQ(range.total, row.total);

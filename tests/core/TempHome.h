@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CNSLog.h"
+#include "DebugSink.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -86,6 +87,13 @@ private:
     std::optional<QByteArray> _old[kVariables];
 };
 
+// The day traffic file with the given entries after its creation time.
+inline QByteArray dayTrafficFile(const QByteArray& days) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>"
+           "<key>CREATION_TIME</key><date>2024-01-01T00:00:00Z</date>" +
+           days + "</dict></plist>\n";
+}
+
 // A scratch stream for the debug sink or the notices, whose text can be read back.
 struct ScratchStream {
     std::FILE* file = std::tmpfile();
@@ -101,4 +109,11 @@ struct ScratchStream {
             all.append(buffer, static_cast<qsizetype>(n));
         return all;
     }
+};
+
+// Collects what is printed on the debug sink while it lives.
+struct DebugCapture : ScratchStream {
+    DebugCapture() : old(GetDebugSink()) { SetDebugSink(file); }
+    ~DebugCapture() { SetDebugSink(old); }
+    std::FILE* old;
 };

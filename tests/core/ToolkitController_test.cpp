@@ -46,7 +46,7 @@ struct Result {
 TEST(ToolkitController, MenuAndDialoguesWithTheSimulatedCard) {
     SimulatedLink modem;
     ASSERT_TRUE(modem.reaches(ModemLink::State::Ready));
-    ToolkitController toolkit(modem.link());
+    ToolkitController toolkit(modem.link);
     QSignalSpy received(&toolkit, &ToolkitController::commandReceived);
     QSignalSpy failed(&toolkit, &ToolkitController::failed);
     QSignalSpy support(&toolkit, &ToolkitController::supportChanged);
@@ -76,9 +76,8 @@ TEST(ToolkitController, MenuAndDialoguesWithTheSimulatedCard) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.heard ? row.heard : "nothing sent");
-        ASSERT_TRUE(
-            modem.sim().control(QStringLiteral("set stk_delay_ms %1").arg(row.delayMs))["ok"].toBool());
-        const qsizetype heardBefore = CardHeard(modem.sim()).size();
+        ASSERT_TRUE(modem.sim.control(QStringLiteral("set stk_delay_ms %1").arg(row.delayMs))["ok"].toBool());
+        const qsizetype heardBefore = CardHeard(modem.sim).size();
         received.clear();
         failed.clear();
         Result next;
@@ -89,7 +88,7 @@ TEST(ToolkitController, MenuAndDialoguesWithTheSimulatedCard) {
         EXPECT_EQ(failed.size(), 1 - received.size());
         EXPECT_EQ(next.command.nCommand, row.command);
         EXPECT_EQ(next.command.strText, row.text);
-        const QStringList heard = CardHeard(modem.sim());
+        const QStringList heard = CardHeard(modem.sim);
         if (row.heard && std::string(row.heard) == "?")
             continue;
         ASSERT_EQ(heard.size(), heardBefore + (row.heard ? 1 : 0));

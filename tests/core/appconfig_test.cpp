@@ -65,9 +65,12 @@ APNInfo profile(const QString& account, const QString& apn) {
     return info;
 }
 
+// Missing resources give empty tables.
 TEST(AppConfig, FirstRunWritesTheFlagDefaults) {
     TempHome home;
+    setenv("DIALTONE_RESOURCE_DIR", (home.path() + "/nowhere").toLocal8Bit().constData(), 1);
     AppConfig config;
+    EXPECT_TRUE(config.fixedApnList().isEmpty() && config.plmnList().isEmpty());
     EXPECT_TRUE(config.getUserApnList().isEmpty());
     EXPECT_TRUE(config.getUserIMSIApnList().isEmpty());
     EXPECT_FALSE(config.getDefaultUserAPNItem());
@@ -91,6 +94,7 @@ TEST(AppConfig, FirstRunWritesTheFlagDefaults) {
     // Only the exact text "FALSE" turns a flag off.
     EXPECT_TRUE(again.saveConfigObject("false", "SOUND_DISCONNECT"));
     EXPECT_TRUE(again.getDisconnectSoundEnable());
+    EXPECT_TRUE(again.getFixApnByIMSI("208011234567890", "Y").isEmpty());
 }
 
 TEST(AppConfig, ReadsThePredefinedProfilesAndThePlmnTable) {
@@ -114,15 +118,17 @@ TEST(AppConfig, ReadsThePredefinedProfilesAndThePlmnTable) {
     EXPECT_EQ(config.getOperatorNameByNumeric("20801"), "Orange");
     EXPECT_EQ(config.getOperatorNameByNumeric("2080"), "");
     EXPECT_EQ(config.getOperatorNameByNumeric(""), "");
-}
 
-TEST(AppConfig, MissingResourcesGiveEmptyTables) {
-    TempHome home;
-    setenv("DIALTONE_RESOURCE_DIR", (home.path() + "/nowhere").toLocal8Bit().constData(), 1);
-    AppConfig config;
-    EXPECT_TRUE(config.fixedApnList().isEmpty());
-    EXPECT_TRUE(config.plmnList().isEmpty());
-    EXPECT_TRUE(config.getFixApnByIMSI("208011234567890", "Y").isEmpty());
+    // The per-SIM lists keep every SIM, and their profiles without SPN and DNS.
+    config.getFixApnByIMSI("234151234567890", "");
+    config.getFixApnByIMSI("208011234567890", "");
+    const QVariantMap perSim = PropertyList::readMap(home.userFile("UserIMSIAPNList.plist"));
+    EXPECT_EQ(perSim.keys(), (QStringList{"208011234567890", "234151234567890"}));
+    // clang-format off
+    EXPECT_EQ(perSim.value("234151234567890").toList().value(0).toMap(),
+              (QVariantMap{{"ACCOUNT", "Solo"}, {"MCCMNC", "23415"}, {"DIALNUM", "*99#"}, {"USER_NAME", "web"}, {"KEY_PASSWORD", "secret"},
+                           {"APN", "solo.apn"}, {"AUTHTYPE", 2}, {"PROXY", ""}}));
+    // clang-format on
 }
 
 TEST(AppConfig, ChoosesTheProfilesForASim) {
@@ -152,23 +158,6 @@ TEST(AppConfig, ChoosesTheProfilesForASim) {
         EXPECT_EQ(storedAccounts(home, row.imsi), row.chosen);
         EXPECT_EQ(config.currentIMSI(), row.imsi);
     }
-}
-
-TEST(AppConfig, PerSimListsAreStoredWithoutSpnAndDns) {
-    TempHome home;
-    home.useResources(kProfiles, kPlmn);
-    {
-        AppConfig config;
-        config.getFixApnByIMSI("234151234567890", "");
-        config.getFixApnByIMSI("208011234567890", "");
-    }
-    const QVariantMap perSim = PropertyList::readMap(home.userFile("UserIMSIAPNList.plist"));
-    EXPECT_EQ(perSim.keys(), (QStringList{"208011234567890", "234151234567890"})); // both SIMs kept
-    // clang-format off
-    EXPECT_EQ(perSim.value("234151234567890").toList().value(0).toMap(),
-              (QVariantMap{{"ACCOUNT", "Solo"}, {"MCCMNC", "23415"}, {"DIALNUM", "*99#"}, {"USER_NAME", "web"}, {"KEY_PASSWORD", "secret"},
-                           {"APN", "solo.apn"}, {"AUTHTYPE", 2}, {"PROXY", ""}}));
-    // clang-format on
 }
 
 TEST(AppConfig, DefaultProfileFollowsItsSim) {

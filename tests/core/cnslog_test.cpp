@@ -1,8 +1,6 @@
 #include "CNSLog.h"
 #include "TempHome.h"
 
-#include <QDate>
-#include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -12,14 +10,6 @@
 #include <vector>
 
 namespace {
-
-QStringList logLines(const QString& path) {
-    return QString::fromUtf8(TempHome::readFile(path)).split('\n', Qt::SkipEmptyParts);
-}
-
-struct Sample {
-    void log(int level) { CNSLOG(level, "level %d, %s", level, "text"); }
-};
 
 TEST(CNSLog, NothingWithoutTheMarker) {
     TempHome home;
@@ -43,7 +33,7 @@ TEST(CNSLog, ThreadsAppendWholeLines) {
         });
     for (auto& thread : threads)
         thread.join();
-    const QStringList lines = logLines(path);
+    const QStringList lines = QString::fromUtf8(TempHome::readFile(path)).split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), kThreads * kLines);
     const QRegularExpression whole(R"(-->>: thread \d line \d+ 0123456789012345678901234567890123456789$)");
     for (const QString& line : lines)

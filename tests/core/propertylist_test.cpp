@@ -2,6 +2,7 @@
 #include "TempHome.h"
 
 #include <QDateTime>
+#include <QDebug>
 #include <QDir>
 #include <QTimeZone>
 
@@ -21,7 +22,7 @@ QVariantMap sampleSettings() {
                     {"SECONDS", QVariant::fromValue<qint64>(-5)},
                     {"DATE", QDateTime(QDate(2024, 5, 1), QTime(12, 3, 4), QTimeZone::utc())}};
     return {{"default APN info", marker},
-            {"SMS_VP", 167},
+            {"SMS_VP", QVariant::fromValue<qint64>(167)},
             {"SOUND_CONNECT", "FALSE"},
             {"NAME", QString::fromUtf8("Grüße <&> \"quoted\" 你好")},
             {"ON", true},
@@ -31,39 +32,11 @@ QVariantMap sampleSettings() {
             {"", "empty key"}};
 }
 
-// Integers come back as 64-bit values; compare as numbers of the same signedness.
-void expectSameTree(const QVariant& expected, const QVariant& actual, const QString& where) {
-    switch (expected.typeId()) {
-    case QMetaType::QVariantMap: {
-        const QVariantMap e = expected.toMap();
-        const QVariantMap a = actual.toMap();
-        ASSERT_EQ(actual.typeId(), QMetaType::QVariantMap) << where.toStdString();
-        ASSERT_EQ(e.keys(), a.keys()) << where.toStdString();
-        for (auto it = e.cbegin(); it != e.cend(); ++it)
-            expectSameTree(it.value(), a.value(it.key()), where + "/" + it.key());
-        break;
-    }
-    case QMetaType::QVariantList: {
-        const QVariantList e = expected.toList();
-        const QVariantList a = actual.toList();
-        ASSERT_EQ(actual.typeId(), QMetaType::QVariantList) << where.toStdString();
-        ASSERT_EQ(e.size(), a.size()) << where.toStdString();
-        for (qsizetype i = 0; i < e.size(); ++i)
-            expectSameTree(e[i], a[i], where + "/" + QString::number(i));
-        break;
-    }
-    case QMetaType::ULongLong:
-        EXPECT_EQ(actual.typeId(), QMetaType::ULongLong) << where.toStdString();
-        EXPECT_EQ(actual.toULongLong(), expected.toULongLong()) << where.toStdString();
-        break;
-    case QMetaType::Int:
-    case QMetaType::LongLong:
-        EXPECT_EQ(actual.typeId(), QMetaType::LongLong) << where.toStdString();
-        EXPECT_EQ(actual.toLongLong(), expected.toLongLong()) << where.toStdString();
-        break;
-    default:
-        EXPECT_EQ(actual, expected) << where.toStdString();
-    }
+// The tree with every value's type, as QDebug prints it: integers come back as 64-bit values.
+std::string tree(const QVariant& value) {
+    QString text;
+    QDebug(&text) << value;
+    return text.toStdString();
 }
 
 // The settings as a binary list, converted by libplist.
@@ -87,7 +60,7 @@ TEST(PropertyList, EveryStoredTypeRoundTripsThroughAFile) {
     const QString path = home.path() + "/settings.plist";
     const QVariantMap settings = sampleSettings();
     ASSERT_TRUE(PropertyList::write(path, settings));
-    expectSameTree(settings, PropertyList::readMap(path), "");
+    EXPECT_EQ(tree(PropertyList::readMap(path)), tree(settings));
 
     // Counters above 2^63 are written as unsigned XML integers, not as negative numbers.
     const QByteArray xml = TempHome::readFile(path);
@@ -99,36 +72,7 @@ TEST(PropertyList, EveryStoredTypeRoundTripsThroughAFile) {
     const QByteArray binary = binarySettings();
     ASSERT_TRUE(binary.startsWith("bplist00"));
     TempHome::writeFile(path, binary);
-    expectSameTree(settings, PropertyList::readMap(path), "binary");
-}
-
-TEST(PropertyList, BrokenFilesReadAsNothing) {
-    TempHome home;
-    const QByteArray xml = PropertyList::toXml(sampleSettings());
-    const QByteArray binary = binarySettings();
-
-    const QString path = home.path() + "/broken.plist";
-    // clang-format off
-    const QByteArray rows[] = {
-        "", "   \n", "not a property list", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>SMS_VP</key><integer>1",
-        "<plist><array><string>unterminated", "bplist00", "bplist00\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff",
-        QByteArray(4096, '\0'),
-    };
-    // clang-format on
-    for (const QByteArray& bytes : rows) {
-        TempHome::writeFile(path, bytes);
-        EXPECT_TRUE(PropertyList::readMap(path).isEmpty()) << bytes.left(40).toStdString();
-        EXPECT_TRUE(PropertyList::readList(path).isEmpty());
-    }
-    // Every cut of a valid file, XML or binary, either reads as nothing or reads without crashing.
-    for (const QByteArray* whole : {&xml, &binary})
-        for (qsizetype cut = 0; cut < whole->size(); cut += (whole == &binary ? 1 : 5))
-            PropertyList::fromData(whole->left(cut));
-    EXPECT_FALSE(PropertyList::read(home.path() + "/missing.plist").isValid());
-    // A file of the other kind of root reads as an empty map or list.
-    ASSERT_TRUE(PropertyList::write(path, QVariantList{1, 2}));
-    EXPECT_TRUE(PropertyList::readMap(path).isEmpty());
-    EXPECT_EQ(PropertyList::readList(path).size(), 2);
+    EXPECT_EQ(tree(PropertyList::readMap(path)), tree(settings)) << "binary";
 }
 
 // A binary list from raw objects, with one-byte offsets and references.
@@ -148,36 +92,54 @@ QByteArray binaryList(const QList<QByteArray>& objects) {
     return out;
 }
 
-TEST(PropertyList, HostileBinaryListsAreRefused) {
+// Broken and hostile files are refused and read as nothing; binary lists whose references, counts and
+// offsets point outside the objects, or that loop, among them.
+TEST(PropertyList, BrokenAndHostileFilesReadAsNothing) {
+    TempHome home;
+    const QByteArray xml = PropertyList::toXml(sampleSettings());
+    const QByteArray binary = binarySettings();
+    QList<QByteArray> chain; // arrays that each hold the next one twice (2^40 visits)
+    for (char i = 1; i <= 40; ++i)
+        chain.append(QByteArray("\xA2") + i + i);
+    chain.append("\x09");
+
+    const QString path = home.path() + "/broken.plist";
+    // clang-format off
+    const QByteArray rows[] = {
+        "", "   \n", "not a property list", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>SMS_VP</key><integer>1",
+        "<plist><array><string>unterminated", "bplist00", "bplist00\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff",
+        QByteArray(4096, '\0'),
+        binaryList({QByteArray("\xA1\x00", 2)}),                                  // an array that holds itself
+        binaryList(chain),
+        binaryList({QByteArray("\xA1\x05", 2)}),                                  // reference to a missing object
+        binaryList({QByteArray("\x5F\x10\xFF" "abc", 6)}),                        // string longer than the data
+        binaryList({QByteArray("\x6F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)}), // huge UTF-16 count
+        binaryList({QByteArray("\xD1\x01\x01", 3), QByteArray("\x10\x01", 2)}),   // a key that is not a string
+        binaryList({QByteArray("\x14" "12345678", 9)}),                            // 16-byte integer cut short
+        binaryList({QByteArray("\x0F", 1)}),                                       // fill byte
+    };
+    // clang-format on
+    for (const QByteArray& bytes : rows) {
+        SCOPED_TRACE(bytes.left(40).toHex().toStdString());
+        EXPECT_FALSE(PropertyList::fromData(bytes).isValid());
+        TempHome::writeFile(path, bytes);
+        EXPECT_TRUE(PropertyList::readMap(path).isEmpty());
+        EXPECT_TRUE(PropertyList::readList(path).isEmpty());
+    }
     // A key holding a NUL byte is an ordinary key here.
     // clang-format off
     const QVariant nulKey = PropertyList::fromData(binaryList({QByteArray("\xD1\x01\x02", 3), QByteArray("\x53" "a\0b", 4), QByteArray("\x10\x07", 2)}));
     // clang-format on
     EXPECT_EQ(nulKey.toMap(), (QVariantMap{{QString::fromLatin1("a\0b", 3), 7}}));
-
-    // An array that holds itself, and a chain of arrays that each hold the next one twice (2^40 visits).
-    EXPECT_FALSE(PropertyList::fromData(binaryList({QByteArray("\xA1\x00", 2)})).isValid());
-    QList<QByteArray> chain;
-    for (char i = 1; i <= 40; ++i)
-        chain.append(QByteArray("\xA2") + i + i);
-    chain.append("\x09");
-    EXPECT_FALSE(PropertyList::fromData(binaryList(chain)).isValid());
-
-    // References, counts and offsets that point outside the objects.
-    // clang-format off
-    const QList<QByteArray> rows[] = {
-        {QByteArray("\xA1\x05", 2)},                                  // reference to a missing object
-        {QByteArray("\x5F\x10\xFF" "abc", 6)},                        // string longer than the data
-        {QByteArray("\x6F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF", 10)}, // huge UTF-16 count
-        {QByteArray("\xD1\x01\x01", 3), QByteArray("\x10\x01", 2)},   // a key that is not a string
-        {QByteArray("\x14" "12345678", 9)},                            // 16-byte integer cut short
-        {QByteArray("\x0F", 1)},                                       // fill byte
-    };
-    // clang-format on
-    for (const auto& objects : rows) {
-        EXPECT_FALSE(PropertyList::fromData(binaryList(objects)).isValid())
-            << objects[0].toHex().toStdString();
-    }
+    // Every cut of a valid file, XML or binary, either reads as nothing or reads without crashing.
+    for (const QByteArray* whole : {&xml, &binary})
+        for (qsizetype cut = 0; cut < whole->size(); cut += (whole == &binary ? 1 : 5))
+            PropertyList::fromData(whole->left(cut));
+    EXPECT_FALSE(PropertyList::read(home.path() + "/missing.plist").isValid());
+    // A file of the other kind of root reads as an empty map or list.
+    ASSERT_TRUE(PropertyList::write(path, QVariantList{1, 2}));
+    EXPECT_TRUE(PropertyList::readMap(path).isEmpty());
+    EXPECT_EQ(PropertyList::readList(path).size(), 2);
 }
 
 TEST(PropertyList, WriteReplacesTheFileWholeOrNotAtAll) {
