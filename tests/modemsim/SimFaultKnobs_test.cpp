@@ -17,7 +17,7 @@ size_t Count(const std::string& text, const std::string& what) {
     return n;
 }
 
-TEST(SimFaultKnobsTest, MuteAndGarbageAnswers) {
+TEST(SimFaultKnobsTest, MuteGarbageAndFloods) {
     ModemHarness h(ModemHarness::Builtin());
     h.At("ATE0");
     h.modem.State().knobs.mute = true;
@@ -43,11 +43,8 @@ TEST(SimFaultKnobsTest, MuteAndGarbageAnswers) {
     h.modem.State().knobs.garbage = false;
     // The refused prompt left no text input open.
     EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\nOK\r\n");
-}
 
-TEST(SimFaultKnobsTest, FloodsAtOnceAndAsAStream) {
-    ModemHarness h(ModemHarness::Builtin());
-    h.At("ATE0");
+    // Floods, at once and as a stream.
     h.modem.Flood(3);
     EXPECT_EQ(h.Run(0), "\r\nRING\r\n\r\nRING\r\n\r\nRING\r\n");
     h.modem.State().knobs.floodLine = "+CMTI: \"SM\",1";

@@ -77,27 +77,6 @@ TEST(SimText, Gsm7Tables) {
     }
 }
 
-TEST(SimText, SeptetPacking) {
-    // clang-format off
-    struct Row { std::string text; int fill; std::string hex; };
-    const Row rows[] = {
-        {"hellohello", 0, "E8329BFD4697D9EC37"}, // the classic 10-character example
-        {"hellohello", 1, "D06536FB8D2EB3D96F"}, // after an 8-bit concatenation header
-        {"How are you?", 0, "C8F71D14969741F977FD07"}, {"A", 1, "82"}, {"", 0, ""},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        const Bytes septets = TextToGsm7(Utf8ToUtf32(row.text));
-        const Bytes packed = PackSeptets(septets, row.fill);
-        EXPECT_EQ(ToHex(packed), row.hex) << row.text;
-        EXPECT_EQ(UnpackSeptets(packed, septets.size(), row.fill), septets) << row.text;
-    }
-    // Asking for more septets than the octets hold stops at their end.
-    EXPECT_EQ(UnpackSeptets(Bytes{0xFF}, 10, 0).size(), 1u);
-    EXPECT_EQ(UnpackSeptets(Bytes{0xFF}, 10, 6).size(), 0u);
-    EXPECT_EQ(UnpackSeptets(Bytes{}, 10, 0).size(), 0u);
-}
-
 TEST(SimText, UssdRequestFromHost) {
     // clang-format off
     struct Row { std::string arg, cscs; bool ok; std::string expected; };
@@ -406,6 +385,10 @@ TEST(SimPdu, MutatedPdusStayInBounds) {
             }
         }
     }
+    // Asking for more septets than the octets hold stops at their end.
+    EXPECT_EQ(UnpackSeptets(Bytes{0xFF}, 10, 0).size(), 1u);
+    EXPECT_EQ(UnpackSeptets(Bytes{0xFF}, 10, 6).size(), 0u);
+    EXPECT_EQ(UnpackSeptets(Bytes{}, 10, 0).size(), 0u);
 }
 
 TEST(SimPdu, StoredSubmitMatchesThePublishedExample) {

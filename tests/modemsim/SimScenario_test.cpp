@@ -41,10 +41,11 @@ TEST(SimScenarioTest, MistakesAreNamed) {
     }
     SimState s;
     std::string error;
-    TempDir dir;
-    std::ofstream(dir.Path() + "/broken.json") << "{ not json";
-    EXPECT_FALSE(LoadScenario(dir.Path() + "/broken.json", s, error));
+    const std::string broken = testing::TempDir() + "modemsim-broken.json";
+    std::ofstream(broken) << "{ not json";
+    EXPECT_FALSE(LoadScenario(broken, s, error));
     EXPECT_NE(error.find("not valid JSON"), std::string::npos);
+    std::filesystem::remove(broken);
 }
 
 } // namespace

@@ -5,9 +5,7 @@
 #include "WorkNotification.h"
 #include "WorkThread.h"
 
-#include <QCoreApplication>
 #include <QThread>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -38,9 +36,6 @@ public:
     std::vector<Response> responses;
     std::vector<QObject*> servers;
 };
-
-// A module as the worker sees it: any object with a class name of its own.
-using ModuleStandIn = QTimer;
 
 // A worker on a thread of its own, as the agent starts it, with an empty device folder.
 class WorkerFixture : public ::testing::Test {
@@ -94,20 +89,16 @@ protected:
 
 TEST(ExecAT, LimitIsInWholeSecondsAndChannelCodesMapToApplicationCodes) {
     const struct { int ms; int32_t seconds; } limits[] = {{0, 1}, {-5, 1}, {1999, 1}, {2500, 2}};
-    for (const auto& row : limits) {
+    for (const auto& row : limits)
         EXPECT_EQ(g_ExecATTimeoutSeconds(row.ms), row.seconds) << row.ms;
-    }
     // A time-out and a cancelled switch keep their own codes; every other channel failure is code 1.
     const struct { int32_t channel; int app; } codes[] = {{0, 0}, {8, 2}, {9, 30}, {4, 1}};
-    for (const auto& row : codes) {
+    for (const auto& row : codes)
         EXPECT_EQ(g_commErrorMapToVELError(row.channel), row.app) << row.channel;
-    }
-}
 
-TEST(ExecAT, WithoutAnOpenPortTheCommandFailsWithCode1) {
     std::string response = "untouched";
     ComOperation::GetInstance()->closeCom();
-    EXPECT_EQ(g_ExecAT("AT\r", nullptr, 999, {}, response), 1);
+    EXPECT_EQ(g_ExecAT("AT\r", nullptr, 999, {}, response), 1) << "without an open port";
     EXPECT_EQ(response, "untouched");
 }
 

@@ -1,5 +1,3 @@
-#include "../core/TempHome.h"
-
 #include "BLRecords.h"
 #include "WorkNotification.h"
 
