@@ -204,7 +204,8 @@ protected:
     std::unique_ptr<BusinessOperator> m_business;
 };
 
-TEST_F(BusinessOperatorTest, EquipmentInfoStaysInsideUnterminatedFieldsAndPassesFailuresOn) {
+// Texts that fill their fields to the last byte (no terminator) stay inside them.
+TEST_F(BusinessOperatorTest, UnterminatedFieldsStayInsideAndFailuresPassOn) {
     // clang-format off
     struct Row { uint32_t mask; int result; bool stored; };
     const Row rows[] = {{127, 0, true}, {0, 0, true}, {EQUIPMENT_IMSI, 0, true}, {127, 2, false}};
@@ -236,6 +237,42 @@ TEST_F(BusinessOperatorTest, EquipmentInfoStaysInsideUnterminatedFieldsAndPasses
         expect(EQUIPMENT_IMSI, info.strImsi, 15);
         expect(EQUIPMENT_MSISDN, info.strMsisdn, kMsisdnNumberSize);
         expect(EQUIPMENT_HARDWARE_VERSION, info.strHardwareVersion, 21);
+    }
+
+    // The network names likewise; the provider name comes only when present.
+    m_sublayer->getNetworkList = [](std::list<TNetworkListItem>& items) {
+        TNetworkListItem item;
+        std::memset(static_cast<void*>(&item), 'n', sizeof item);
+        item.nState = 1;
+        item.nAcT = 2;
+        items.push_back(item);
+        return 0;
+    };
+    QVariantMap list;
+    EXPECT_EQ(m_business->NetworkGetList(list), 0);
+    EXPECT_EQ(WorkNotification::GetValueObject(list).toList().value(0).value<BLNetworkListItem>(),
+              (BLNetworkListItem{0, 1, QString(16, 'n'), QString(8, 'n'), QString(6, 'n'), 2}));
+
+    for (const int present : {1, 0}) {
+        m_sublayer->getNetworkInfo = [&](TNetworkInfo& info) {
+            info.spInfo.nPresent = present;
+            info.spInfo.nDisplay = 2;
+            for (char16_t& unit : info.spInfo.wszSpName)
+                unit = u'\u00e9';
+            std::memset(info.szOperator, 'o', sizeof info.szOperator);
+            info.nPsRegState = 5;
+            return 0;
+        };
+        QVariantMap response;
+        ASSERT_EQ(m_business->NetworkGetInfo(response), 0);
+        const auto info = WorkNotification::GetValueObject(response).value<BLNetworkInfo>();
+        EXPECT_EQ(info.strSpName.isNull(), present == 0);
+        if (present) {
+            EXPECT_EQ(info.strSpName, QString(kSpNameSize, QChar(0xe9)));
+        }
+        EXPECT_EQ(info.strOperator, QString(kOperatorTextSize, 'o'));
+        EXPECT_EQ(info.nDisplayMask, 2);
+        EXPECT_EQ(info.nGprsState, 5);
     }
 }
 
@@ -348,44 +385,6 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
             EXPECT_EQ(WorkNotification::GetValueObject(response), *row.stored);
         }
         m_fake.VerifyDone();
-    }
-}
-
-TEST_F(BusinessOperatorTest, NetworkNamesStayInsideTheirFieldsAndTheProviderNameComesOnlyWhenPresent) {
-    // Names that fill their fields to the last byte (no terminator) stay inside them.
-    m_sublayer->getNetworkList = [](std::list<TNetworkListItem>& items) {
-        TNetworkListItem item;
-        std::memset(static_cast<void*>(&item), 'n', sizeof item);
-        item.nState = 1;
-        item.nAcT = 2;
-        items.push_back(item);
-        return 0;
-    };
-    QVariantMap list;
-    EXPECT_EQ(m_business->NetworkGetList(list), 0);
-    EXPECT_EQ(WorkNotification::GetValueObject(list).toList().value(0).value<BLNetworkListItem>(),
-              (BLNetworkListItem{0, 1, QString(16, 'n'), QString(8, 'n'), QString(6, 'n'), 2}));
-
-    for (const int present : {1, 0}) {
-        m_sublayer->getNetworkInfo = [&](TNetworkInfo& info) {
-            info.spInfo.nPresent = present;
-            info.spInfo.nDisplay = 2;
-            for (char16_t& unit : info.spInfo.wszSpName)
-                unit = u'\u00e9';
-            std::memset(info.szOperator, 'o', sizeof info.szOperator);
-            info.nPsRegState = 5;
-            return 0;
-        };
-        QVariantMap response;
-        ASSERT_EQ(m_business->NetworkGetInfo(response), 0);
-        const auto info = WorkNotification::GetValueObject(response).value<BLNetworkInfo>();
-        EXPECT_EQ(info.strSpName.isNull(), present == 0);
-        if (present) {
-            EXPECT_EQ(info.strSpName, QString(kSpNameSize, QChar(0xe9)));
-        }
-        EXPECT_EQ(info.strOperator, QString(kOperatorTextSize, 'o'));
-        EXPECT_EQ(info.nDisplayMask, 2);
-        EXPECT_EQ(info.nGprsState, 5);
     }
 }
 

@@ -65,11 +65,6 @@ protected:
         QMetaObject::invokeMethod(_worker, fn, Qt::BlockingQueuedConnection);
     }
 
-    // Queues report lines in the channel as if the modem had sent them.
-    void queueReports(std::string lines) {
-        onWorker([&] { ComOperation::GetInstance()->checkUnsolicitedReport(lines, nullptr); });
-    }
-
     std::vector<QString> responseNames() const {
         std::vector<QString> names;
         for (const auto& response : _responder.responses) {
@@ -103,11 +98,11 @@ TEST(ExecAT, LimitIsInWholeSecondsAndChannelCodesMapToApplicationCodes) {
 }
 
 TEST_F(WorkerFixture, ReportsByKindOnePerCall) {
-    for (const char* line :
+    // Report lines queued in the channel as if the modem had sent them.
+    for (std::string line :
          {"\r\n+CMTI: \"SM\",3\r\n", "\r\n+CDSI: \"SM\",4\r\n", "\r\n+CUSD: 0,\"00480069\",72\r\n",
-          "\r\nRING\r\n", "\r\n+STIN: 1\r\n", "\r\nNO CARRIER\r\n", "\r\n+STIN: 11\r\n"}) {
-        queueReports(line);
-    }
+          "\r\nRING\r\n", "\r\n+STIN: 1\r\n", "\r\nNO CARRIER\r\n", "\r\n+STIN: 11\r\n"})
+        onWorker([&] { ComOperation::GetInstance()->checkUnsolicitedReport(line, nullptr); });
     // The USSD answer goes ahead of the others: a request waits for it.
     const std::vector<QString> expected = {MESSAGE_RPT_RECEIVE_USSD, MESSAGE_RPT_RECEIVE_SMS,
                                            MESSAGE_RPT_RECEIVE_SMS};
