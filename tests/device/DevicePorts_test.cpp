@@ -33,8 +33,7 @@ TEST(DevicePorts, NamingRule) {
             else
                 TempWorld::writeFile(world.dev() + "/" + entry, {});
         }
-        QString modem = "untouched";
-        QString data = "untouched";
+        QString modem = "untouched", data = "untouched";
         EXPECT_EQ(DeviceUtility::getModemDeviceName(modem, data), row.found);
         EXPECT_EQ(modem, row.found ? row.modem : "untouched");
         EXPECT_EQ(data, row.found ? row.data : "untouched");

@@ -15,9 +15,8 @@ namespace {
 
 size_t Count(const std::string& text, const std::string& what) {
     size_t n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) {
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
         ++n;
-    }
     return n;
 }
 

@@ -13,9 +13,8 @@ namespace {
 
 std::string Repeat(std::string_view s, int n) {
     std::string out;
-    for (int i = 0; i < n; ++i) {
+    for (int i = 0; i < n; ++i)
         out += s;
-    }
     return out;
 }
 

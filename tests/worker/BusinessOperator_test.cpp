@@ -109,9 +109,7 @@ public:
     int SMSSend(const TSmsSendItem& item) override { return record("SMSSend " + std::string(item.szNumber, strnlen(item.szNumber, 24)) + " " + std::to_string(item.wstrContent.size())); }
     int SMSEnableStatusReport(int enable) override { return record("SMSEnableStatusReport " + std::to_string(enable)); }
     int SMSSetPreferredStorage(int storage) override { return record("SMSSetPreferredStorage " + std::to_string(storage)); }
-    int SMSSetValidPeriod(const TSmsValidPeriod& p) override {
-        return record("SMSSetValidPeriod " + std::to_string(p.bEnable) + "," + std::to_string(p.bWeek) + "," + std::to_string(p.bDay) + "," + std::to_string(p.bHour));
-    }
+    int SMSSetValidPeriod(const TSmsValidPeriod& p) override { return record("SMSSetValidPeriod " + std::to_string(p.bEnable) + "," + std::to_string(p.bWeek) + "," + std::to_string(p.bDay) + "," + std::to_string(p.bHour)); }
     int SetUssdState(int& state) override { return record("SetUssdState " + std::to_string(state)); }
     int SendUssdCmd(const wchar_t* text) override { return record("SendUssdCmd " + std::to_string(std::wcslen(text))); }
     int SendUssdCancelCmd() override { return record("SendUssdCancelCmd"); }
@@ -174,9 +172,11 @@ struct Op {
     const char* name;
     std::function<int(B&, const Map&, Map&)> call;
 };
+// clang-format off
 #define TAKES(f) Op{#f, [](B& b, const Map& r, Map&) { return b.f(r); }}
 #define GIVES(f) Op{#f, [](B& b, const Map&, Map& out) { return b.f(out); }}
 #define TAKES_GIVES(f) Op{#f, [](B& b, const Map& r, Map& out) { return b.f(r, out); }}
+// clang-format on
 
 class BusinessOperatorTest : public ::testing::Test {
 protected:
@@ -278,10 +278,11 @@ TEST_F(BusinessOperatorTest, UnterminatedFieldsStayInsideAndFailuresPassOn) {
 
 // A family's exchange as the business layer turns it into a result and a stored value.
 TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
-    const Op pinState = GIVES(PINCheckState), pinChange = TAKES_GIVES(PINChange), pinEnable = TAKES(PINEnable),
-             verify = TAKES(PINVerify), verifyPuk = TAKES(PINVerifyPuk), setMode = TAKES(NetworkSetMode),
-             operators = GIVES(NetworkGetList), menu = GIVES(SatGetMenu), select = TAKES_GIVES(SatSelectItem),
-             poll = GIVES(SatPoll), dial = TAKES(CallDial), dtmf = TAKES(CallSendDTMF), callList = GIVES(CallGetList);
+    const Op pinState = GIVES(PINCheckState), pinChange = TAKES_GIVES(PINChange),
+             pinEnable = TAKES(PINEnable), verify = TAKES(PINVerify), verifyPuk = TAKES(PINVerifyPuk),
+             setMode = TAKES(NetworkSetMode), operators = GIVES(NetworkGetList), menu = GIVES(SatGetMenu),
+             select = TAKES_GIVES(SatSelectItem), poll = GIVES(SatPoll), dial = TAKES(CallDial),
+             dtmf = TAKES(CallSendDTMF), callList = GIVES(CallGetList);
     const auto pin = [](qint32 state, qint32 pins, qint32 puks) {
         return QVariant::fromValue(BLPinCheckState{state, pins, puks});
     };
@@ -293,7 +294,8 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
         return QVariantMap{{SatKey::kListing, QString::fromStdString(listing)}, {SatKey::kCharSet, teSet}};
     };
     const auto calls = [](QList<BLCallItem> items) { return QVariant::fromValue(items); };
-    const std::string games = answer("+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\""), bye = answer("+STGI: 1,\"Bye\",0,1");
+    const std::string games = answer("+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\""),
+                      bye = answer("+STGI: 1,\"Bye\",0,1");
     const auto satValue = [](bool sent, const std::string& listing, int teSet = USSD_TE_IRA) {
         QVariantMap value{{SatKey::kSent, sent}, {SatKey::kCharSet, teSet}};
         if (sent)
@@ -501,7 +503,7 @@ TEST_F(BusinessOperatorTest, ConnectionRequestsWithoutADialUpService) {
     qunsetenv("DIALTONE_PEERS_DIR");
 }
 
-// An answer drops the announcements still queued, which belong to the dialogue it replaces; other reports stay.
+// An answer drops the announcements still queued (of the dialogue it replaces); other reports stay.
 TEST_F(BusinessOperatorTest, AnAnswerDropsStaleAnnouncementsOnly) {
     std::string stale = "\r\n+STIN: 6\r\n\r\n+CMTI: \"SM\",3\r\n";
     ComOperation::GetInstance()->checkUnsolicitedReport(stale, nullptr);

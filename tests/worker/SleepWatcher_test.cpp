@@ -9,7 +9,6 @@
 
 #include "QtEventLoop.h"
 
-
 namespace {
 
 // A private message bus standing in for the system bus, with logind's name taken by one connection.

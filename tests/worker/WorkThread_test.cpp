@@ -67,9 +67,8 @@ protected:
 
     std::vector<QString> responseNames() const {
         std::vector<QString> names;
-        for (const auto& response : _responder.responses) {
+        for (const auto& response : _responder.responses)
             names.push_back(response.name);
-        }
         return names;
     }
 
@@ -112,9 +111,8 @@ TEST_F(WorkerFixture, ReportsByKindOnePerCall) {
     ASSERT_TRUE(waitFor([&] { return _responder.responses.size() >= expected.size(); }));
     waitFor([] { return false; }, std::chrono::milliseconds(100));
     EXPECT_EQ(responseNames(), expected); // ring and no carrier are dropped
-    for (const auto& response : _responder.responses) {
+    for (const auto& response : _responder.responses)
         EXPECT_EQ(response.receiver, nullptr);
-    }
     // The toolkit's newest announcement waits for the toolkit to ask.
     UnsolicitedReportList* reports = nullptr;
     ComOperation::GetInstance()->getUnsoliciteReportList(reports);

@@ -51,7 +51,8 @@ TEST(NotificationCenter, ChangesDuringDeliveryAndDestroyedReceiversAreSafe) {
     auto receiver = std::make_unique<QObject>();
     QObject* const raw = receiver.get();
     int heard = 0;
-    center.addObserver("X", raw, [&heard, raw](const Notification&) { heard += raw->objectName().isEmpty(); });
+    center.addObserver("X", raw,
+                       [&heard, raw](const Notification&) { heard += raw->objectName().isEmpty(); });
     center.addObserver("Y", raw, [&heard](const Notification&) { ++heard; });
     center.post("X");
     EXPECT_EQ(heard, 1);
@@ -76,9 +77,8 @@ TEST(NotificationCenter, ConcurrentSubscribersAndPosters) {
     center.addObserver("X", &permanent, [&](const Notification&) { ++heard; });
 
     std::thread poster([&] {
-        while (!stop) {
+        while (!stop)
             center.post("X");
-        }
     });
     std::vector<std::thread> subscribers;
     for (int t = 0; t < 3; ++t) {
@@ -86,15 +86,13 @@ TEST(NotificationCenter, ConcurrentSubscribersAndPosters) {
             for (int i = 0; i < 500; ++i) {
                 QObject receiver;
                 center.addObserver("X", &receiver, [](const Notification&) {});
-                if (i % 2) {
+                if (i % 2)
                     center.removeObserver(&receiver, "X");
-                }
             }
         });
     }
-    for (auto& thread : subscribers) {
+    for (auto& thread : subscribers)
         thread.join();
-    }
     stop = true;
     poster.join();
     EXPECT_EQ(center.observerCount(), 1);

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Stands in for the worker: records what arrives and answers synchronous requests with a set response.
+// Stands in for the worker: records what arrives and answers synchronous requests with nothing.
 class FakeWorker : public DeviceWorkRequestInterface {
 public:
     struct Call {
@@ -22,14 +22,13 @@ public:
 
     QVariantMap sysncRequest(const QString& name, const QVariantMap& userInfo) override {
         calls.push_back({name, nullptr, userInfo, true});
-        return syncResponse;
+        return {};
     }
     void asyncRequest(const QString& name, QObject* sender, const QVariantMap& userInfo) override {
         calls.push_back({name, sender, userInfo, false});
     }
 
     std::vector<Call> calls;
-    QVariantMap syncResponse;
 };
 
 QVariantMap withValue(const QVariant& value) {

@@ -60,10 +60,8 @@ std::string readFile(const std::string& path) {
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-bool writeFile(const std::string& path, const std::string& text) {
-    std::ofstream out(path, std::ios::trunc);
-    out << text;
-    return static_cast<bool>(out);
+void writeFile(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::trunc) << text;
 }
 
 struct Options {
