@@ -350,8 +350,8 @@ TEST_F(BusinessOperatorTest, ExchangesBecomeResultsAndStoredValues) {
         {"open quote", select, answerIn("AT+STGR=3,0,,\"Paris"), {}, 45, {}},
         {"semicolon quoted", select, answerIn("AT+STGR=3,0,,\"a;b\""), {{cscs, kCharSetIra}, {"AT+STGR=3,0,,\"a;b\"\r", ok}}, 0, {}},
         {"card refuses", select, answerIn("AT+STGR=0,0,9"), {{cscs, kCharSetIra}, {"AT+STGR=0,0,9\r", kCmeError}}, 1, {}},
-        // An answer goes out only in the set it was built for; the command the card announced by then (in the answer
-        // itself, or on a later poll) is fetched.
+        // An answer goes out only in the set it was built for; the command the card announced by then (in
+        // the answer itself, or on a later poll) is fetched.
         {"answer built for another set", select, answerIn("AT+STGR=0,0,2"), {{cscs, kCharSetUcs2}}, 0, satValue(false, "", USSD_TE_UCS2)},
         {"answer, nothing announced", select, answerIn("AT+STGR=0,0,2"), {{cscs, kCharSetIra}, {"AT+STGR=0,0,2\r", ok}}, 0, satValue(true, "")},
         {"answer announces", select, answerIn("AT+STGR=11,0,,2"), {{cscs, kCharSetIra}, {"AT+STGR=11,0,,2\r", "\r\n+STIN: 1\r\n\r\nOK\r\n"}, {"AT+STGI=1\r", bye}}, 0, satValue(true, bye)},
