@@ -2,7 +2,6 @@
 #include "DeviceUtility.h"
 #include "ModemTable.h"
 
-#include <QFileInfo>
 #include <QRegularExpression>
 
 namespace {
@@ -34,19 +33,11 @@ TEST(DevicePorts, NamingRule) {
             else
                 TempWorld::writeFile(world.dev() + "/" + entry, {});
         }
-        QString modem = "untouched";
-        QString data = "untouched";
+        QString modem = "untouched", data = "untouched";
         EXPECT_EQ(DeviceUtility::getModemDeviceName(modem, data), row.found);
         EXPECT_EQ(modem, row.found ? row.modem : "untouched");
         EXPECT_EQ(data, row.found ? row.data : "untouched");
     }
-}
-
-TEST(DevicePorts, UserDataFolderIsCreated) {
-    TempWorld world;
-    const QString path = DeviceUtility::getUserDataPath();
-    EXPECT_EQ(path, world.home() + "/.local/share/dialtone");
-    EXPECT_TRUE(QFileInfo(path).isDir());
 }
 
 // The rule made from the device table keeps every stick from ModemManager and names each known layout's

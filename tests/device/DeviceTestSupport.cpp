@@ -109,7 +109,3 @@ int Testbed::ttyMaster(const QString& devnode) {
 void Testbed::uevent(const QString& syspath, const char* action) {
     umockdev_testbed_uevent(_testbed, syspath.toLocal8Bit().constData(), action);
 }
-
-void Testbed::remove(const QString& syspath) {
-    umockdev_testbed_remove_device(_testbed, syspath.toLocal8Bit().constData());
-}

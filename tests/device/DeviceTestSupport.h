@@ -32,7 +32,6 @@ public:
                            const QByteArray& devpath = "3");
     int ttyMaster(const QString& devnode);
     void uevent(const QString& syspath, const char* action);
-    void remove(const QString& syspath);
 
 private:
     // Adds devices from umockdev's record format; returns the syspath of the first, at base.

@@ -1,8 +1,6 @@
 #include "DeviceTestSupport.h"
 #include "DeviceUtility.h"
 
-#include <libudev.h>
-
 #include <QRegularExpression>
 
 #include <functional>
@@ -20,7 +18,6 @@ public: // for the rows' setups
     }
     // A bed without devices, the stand-ins in place and their log empty.
     void prepare() {
-        testbed.reset();
         testbed.emplace();
         world.env.set("DIALTONE_MOUNTS", world.path("mounts"));
         world.env.set("DIALTONE_EJECT", world.standIn("eject"));

@@ -54,58 +54,51 @@ protected:
     void TearDown() override { ResetModemDialect(); }
 };
 
-// Sticks of the table with a known layout need no probe: the interface numbers pick the ports.
-TEST_F(Probe, TableLayouts) {
+// Sticks of the table with a known layout need no probe: the interface numbers pick the ports, the table the
+// dialect. On a stick not in the table the first tty that answers is the AT port, the next one the dial
+// port; the layout is remembered, so the next start sends nothing, and the ports reach the code that opens
+// them.
+TEST_F(Probe, TableLayoutsOrAProbeOnce) {
+    const QStringList fromFour = {"/dev/ttyUSB5", "/dev/ttyUSB6", "/dev/ttyUSB7"};
     // clang-format off
-    const struct { const char *vendor, *product; QList<int> interfaces; const char *at, *dial; ModemDialect dialect; } rows[] = {
-        {"1bbb", "0017", {0, 1, 2}, "/dev/ttyUSB2", "/dev/ttyUSB0", ModemDialect::Vel},
-        {"12d1", "1001", {0, 1, 2}, "/dev/ttyUSB2", "/dev/ttyUSB0", ModemDialect::Standard},
-        {"12d1", "1003", {0, 1}, "/dev/ttyUSB1", "/dev/ttyUSB0", ModemDialect::Standard},
+    const struct { const char *vendor, *product; QList<int> interfaces; int firstTty; QStringList speaking; QString dialect; const char *at, *dial; ModemDialect found; int commands; } rows[] = {
+        {"1bbb", "0017", {0, 1, 2}, 0, {}, "standard", "/dev/ttyUSB2", "/dev/ttyUSB0", ModemDialect::Vel, 0},
+        {"12d1", "1001", {0, 1, 2}, 0, {}, "standard", "/dev/ttyUSB2", "/dev/ttyUSB0", ModemDialect::Standard, 0},
+        {"12d1", "1003", {0, 1}, 0, {}, "standard", "/dev/ttyUSB1", "/dev/ttyUSB0", ModemDialect::Standard, 0},
+        {"2c7c", "0125", {0, 1, 2, 3}, 4, fromFour, "vel", "/dev/ttyUSB5", "/dev/ttyUSB6", ModemDialect::Standard, 3}, // the probe stops once it has both ports
     };
     // clang-format on
-    world.env.set("DIALTONE_DIALECT", "standard");
     for (const auto& row : rows) {
         SCOPED_TRACE(row.product);
-        Testbed bed;
-        bed.addStickRecord("1-3", row.vendor, row.product, row.interfaces, 0);
-        AtPeer peer(bed, {"/dev/ttyUSB0", "/dev/ttyUSB1", "/dev/ttyUSB2"}, {});
+        testbed.emplace();
+        testbed->addStickRecord("1-3", row.vendor, row.product, row.interfaces, row.firstTty);
+        QStringList ttys;
+        for (int i = 0; i < row.interfaces.size(); ++i)
+            ttys << QStringLiteral("/dev/ttyUSB%1").arg(row.firstTty + i);
+        AtPeer peer(*testbed, ttys, row.speaking);
+        world.env.set("DIALTONE_DIALECT", row.dialect);
         PortProbe::Ports ports;
         ASSERT_TRUE(PortProbe::findPorts(ports));
         EXPECT_EQ(ports.atPort, row.at);
         EXPECT_EQ(ports.dialPort, row.dial);
-        EXPECT_FALSE(ports.probed);
-        EXPECT_EQ(CurrentModemDialect(), row.dialect);
-        EXPECT_EQ(peer.commands, 0);
+        EXPECT_EQ(ports.probed, row.commands > 0);
+        EXPECT_EQ(CurrentModemDialect(), row.found);
+        EXPECT_EQ(peer.commands, row.commands);
+        if (!ports.probed)
+            continue;
+        EXPECT_EQ(PropertyList::readMap(PortProbe::rememberedPath()),
+                  (QVariantMap{{"2c7c:0125", QVariantMap{{"AT", 1}, {"Dial", 2}}}}));
+        EXPECT_EQ(QFile::permissions(PortProbe::rememberedPath()) & 0x0077, 0) << "the owner's alone";
+
+        ResetModemDialect();
+        QString dial, at;
+        ASSERT_TRUE(DeviceUtility::getModemDeviceName(dial, at));
+        EXPECT_EQ(at, row.at);
+        EXPECT_EQ(dial, row.dial);
+        EXPECT_EQ(DeviceUtility::portPath(at), row.at);
+        EXPECT_EQ(CurrentModemDialect(), ModemDialect::Standard);
+        EXPECT_EQ(peer.commands, row.commands) << "no second probe";
     }
-}
-
-// A stick not in the table: the first tty that answers is the AT port, the next one the dial port. The
-// layout is remembered, so the next start sends nothing; the ports reach the code that opens them.
-TEST_F(Probe, UnknownStickIsProbedOnce) {
-    testbed->addStickRecord("1-3", "2c7c", "0125", {0, 1, 2, 3}, 4);
-    AtPeer peer(*testbed, {"/dev/ttyUSB4", "/dev/ttyUSB5", "/dev/ttyUSB6", "/dev/ttyUSB7"},
-                {"/dev/ttyUSB5", "/dev/ttyUSB6", "/dev/ttyUSB7"});
-    world.env.set("DIALTONE_DIALECT", "vel");
-
-    PortProbe::Ports ports;
-    ASSERT_TRUE(PortProbe::findPorts(ports));
-    EXPECT_TRUE(ports.probed);
-    EXPECT_EQ(ports.atPort, "/dev/ttyUSB5");
-    EXPECT_EQ(ports.dialPort, "/dev/ttyUSB6");
-    EXPECT_EQ(CurrentModemDialect(), ModemDialect::Standard);
-    EXPECT_EQ(peer.commands, 3) << "the probe stops once it has both ports";
-    EXPECT_EQ(PropertyList::readMap(PortProbe::rememberedPath()),
-              (QVariantMap{{"2c7c:0125", QVariantMap{{"AT", 1}, {"Dial", 2}}}}));
-    EXPECT_EQ(QFile::permissions(PortProbe::rememberedPath()) & 0x0077, 0) << "the owner's alone";
-
-    ResetModemDialect();
-    QString dial, at;
-    ASSERT_TRUE(DeviceUtility::getModemDeviceName(dial, at));
-    EXPECT_EQ(at, "/dev/ttyUSB5");
-    EXPECT_EQ(dial, "/dev/ttyUSB6");
-    EXPECT_EQ(DeviceUtility::portPath(at), "/dev/ttyUSB5");
-    EXPECT_EQ(CurrentModemDialect(), ModemDialect::Standard);
-    EXPECT_EQ(peer.commands, 3) << "no second probe";
 }
 
 } // namespace

@@ -8,13 +8,12 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include "QtEventLoop.h"
+
 #include <cstdlib>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
-#include <thread>
 
 // Helpers shared by the device and dial-up suites: a temporary world of folders and environment.
 
@@ -82,15 +81,3 @@ public:
 private:
     QTemporaryDir _root;
 };
-
-// Waits for the condition, polling, up to the deadline.
-inline bool waitFor(const std::function<bool()>& condition,
-                    std::chrono::milliseconds timeout = std::chrono::seconds(10)) {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}

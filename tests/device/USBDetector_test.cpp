@@ -5,7 +5,6 @@
 #include "ThreadWorker.h"
 #include "USBDetector.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
 #include <QThread>
 #include <QTimer>
@@ -115,7 +114,6 @@ TEST_F(Detector, WatchesTableAndProbedSticks) {
     ASSERT_TRUE(waitFor([&] { return removals == 1; }));
 }
 
-// A removal action may drop the detector that calls it.
 TEST_F(Detector, RemovalActionMayDestroyTheDetector) {
     const QString modem = testbed->addUsbDevice("1-2", "1bbb", "0017", 6);
     start();

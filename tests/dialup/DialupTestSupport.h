@@ -85,13 +85,5 @@ inline QByteArray allCommandLines() {
 }
 
 inline BLConnectDialinfo dialInfo(int authType = 0, const QString& dns1 = {}, const QString& dns2 = {}) {
-    BLConnectDialinfo info;
-    info.strDialNumber = "*99#";
-    info.strAccountName = "web";
-    info.strPassword = "s3cret-Pa55";
-    info.strAPN = "internet";
-    info.strDNS1 = dns1;
-    info.strDNS2 = dns2;
-    info.authType = authType;
-    return info;
+    return {"*99#", "web", "s3cret-Pa55", "internet", dns1, dns2, authType};
 }

@@ -77,7 +77,6 @@ TEST_F(Dialup, RefusedDial) {
     EXPECT_FALSE(QFileInfo::exists(connection().optionsFilePath()));
 }
 
-// Leaving the program drops the link it started.
 TEST_F(Dialup, ApplicationClosedEndsTheLink) {
     ASSERT_TRUE(dialUp());
     const pid_t pppd = connection().pid();

@@ -45,24 +45,17 @@ TEST(DialOptions, UntrustedFields) {
     EXPECT_EQ(words.at(words.indexOf("user") + 1), info.strAccountName);
     EXPECT_EQ(words.at(words.indexOf("password") + 1), info.strPassword);
 
+    using D = BLConnectDialinfo;
     // clang-format off
-    const struct { const char* field; QString value; } refused[] = {
-        {"number", "*99#'; reboot; '"}, {"number", "*99# $(id)"}, {"number", ""},
-        {"account", "web\nplugin evil.so"}, {"password", "x\ry"}, {"dns", "8.8.8.8\"; x"},
+    const struct { QString D::*field; QString value; } refused[] = {
+        {&D::strDialNumber, "*99#'; reboot; '"}, {&D::strDialNumber, "*99# $(id)"}, {&D::strDialNumber, ""},
+        {&D::strAccountName, "web\nplugin evil.so"}, {&D::strPassword, "x\ry"}, {&D::strDNS1, "8.8.8.8\"; x"},
     };
     // clang-format on
     for (const auto& row : refused) {
-        SCOPED_TRACE(row.field);
+        SCOPED_TRACE(row.value.toStdString());
         BLConnectDialinfo bad = dialInfo();
-        if (std::string(row.field) == "number") {
-            bad.strDialNumber = row.value;
-        } else if (std::string(row.field) == "account") {
-            bad.strAccountName = row.value;
-        } else if (std::string(row.field) == "password") {
-            bad.strPassword = row.value;
-        } else {
-            bad.strDNS1 = row.value;
-        }
+        bad.*row.field = row.value;
         QByteArray unused;
         EXPECT_FALSE(PPPConnection::optionsText(ModemOperator::dialOptions(bad), unused));
     }

@@ -1,9 +1,13 @@
 // The fault knobs: a mute stick, line noise instead of answers, floods of unsolicited lines and a stick
-// pulled at a chosen command.
+// pulled at a chosen command; the settings and scenarios that are refused.
+
+#include <filesystem>
+#include <fstream>
 
 #include <gtest/gtest.h>
 
 #include "SimControl.h"
+#include "SimScenario.h"
 #include "SimTestSupport.h"
 
 namespace modemsim::test {
@@ -11,13 +15,12 @@ namespace {
 
 size_t Count(const std::string& text, const std::string& what) {
     size_t n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) {
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
         ++n;
-    }
     return n;
 }
 
-TEST(SimFaultKnobsTest, MuteAndGarbageAnswers) {
+TEST(SimFaultKnobsTest, MuteGarbageAndFloods) {
     ModemHarness h(ModemHarness::Builtin());
     h.At("ATE0");
     h.modem.State().knobs.mute = true;
@@ -43,11 +46,8 @@ TEST(SimFaultKnobsTest, MuteAndGarbageAnswers) {
     h.modem.State().knobs.garbage = false;
     // The refused prompt left no text input open.
     EXPECT_EQ(h.At("AT+CSQ"), "\r\n+CSQ: 18,99\r\n\r\nOK\r\n");
-}
 
-TEST(SimFaultKnobsTest, FloodsAtOnceAndAsAStream) {
-    ModemHarness h(ModemHarness::Builtin());
-    h.At("ATE0");
+    // Floods, at once and as a stream.
     h.modem.Flood(3);
     EXPECT_EQ(h.Run(0), "\r\nRING\r\n\r\nRING\r\n\r\nRING\r\n");
     h.modem.State().knobs.floodLine = "+CMTI: \"SM\",1";
@@ -111,6 +111,34 @@ TEST(SimFaultKnobsTest, ControlSettingsAreChecked) {
     }
     EXPECT_EQ(h.modem.State().knobs.floodLine, "+CMTI: \"SM\",1");
     EXPECT_EQ(h.modem.State().knobs.unplugOn, "AT+CMGS=");
+}
+
+TEST(SimScenarioTest, MistakesAreNamed) {
+    // clang-format off
+    struct Row { const char* patch; const char* error; };
+    const Row rows[] = {
+        {R"({"sim":{"pin":"12"}})", "pin and pin2 must be 4-8 digits"},
+        {R"({"knobs":{"scan_format":7}})", "scan_format must be a text"},
+        {R"({"knobs":{"refuse":["CSCB"]}})", "refuse takes command names"},
+        {R"({"voice":{"dial_result":"MAYBE"}})", "dial_result must be"},
+        {R"({"sim":{"imsi":5}})", "type must be string"},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        nlohmann::json scenario = BuiltinScenario();
+        scenario.merge_patch(nlohmann::json::parse(row.patch));
+        SimState s;
+        std::string error;
+        EXPECT_FALSE(BuildState(scenario, s, error)) << row.patch;
+        EXPECT_NE(error.find(row.error), std::string::npos) << row.patch << " gave: " << error;
+    }
+    SimState s;
+    std::string error;
+    const std::string broken = testing::TempDir() + "modemsim-broken.json";
+    std::ofstream(broken) << "{ not json";
+    EXPECT_FALSE(LoadScenario(broken, s, error));
+    EXPECT_NE(error.find("not valid JSON"), std::string::npos);
+    std::filesystem::remove(broken);
 }
 
 } // namespace

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <unistd.h>
 
 #include "SimScenario.h"
 
@@ -52,17 +50,6 @@ std::string ModemHarness::Run(int ms) {
     now = target;
     modem.Advance(now);
     return modem.TakeOutput();
-}
-
-TempDir::TempDir() {
-    char tmpl[] = "/tmp/modemsim-test-XXXXXX";
-    char* made = mkdtemp(tmpl);
-    path_ = made ? made : "";
-}
-
-TempDir::~TempDir() {
-    std::error_code ec;
-    std::filesystem::remove_all(path_, ec);
 }
 
 } // namespace modemsim::test

@@ -28,17 +28,6 @@ public:
     TimePoint now{};
 };
 
-// A temporary folder, removed with everything in it.
-class TempDir {
-public:
-    TempDir();
-    ~TempDir();
-    const std::string& Path() const { return path_; }
-
-private:
-    std::string path_;
-};
-
 template <class Edit> SimState ModemHarness::Builtin(Edit edit) {
     SimState s = Builtin();
     edit(s);

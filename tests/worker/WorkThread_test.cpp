@@ -5,9 +5,7 @@
 #include "WorkNotification.h"
 #include "WorkThread.h"
 
-#include <QCoreApplication>
 #include <QThread>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -39,9 +37,6 @@ public:
     std::vector<QObject*> servers;
 };
 
-// A module as the worker sees it: any object with a class name of its own.
-using ModuleStandIn = QTimer;
-
 // A worker on a thread of its own, as the agent starts it, with an empty device folder.
 class WorkerFixture : public ::testing::Test {
 protected:
@@ -70,16 +65,10 @@ protected:
         QMetaObject::invokeMethod(_worker, fn, Qt::BlockingQueuedConnection);
     }
 
-    // Queues report lines in the channel as if the modem had sent them.
-    void queueReports(std::string lines) {
-        onWorker([&] { ComOperation::GetInstance()->checkUnsolicitedReport(lines, nullptr); });
-    }
-
     std::vector<QString> responseNames() const {
         std::vector<QString> names;
-        for (const auto& response : _responder.responses) {
+        for (const auto& response : _responder.responses)
             names.push_back(response.name);
-        }
         return names;
     }
 
@@ -94,29 +83,25 @@ protected:
 
 TEST(ExecAT, LimitIsInWholeSecondsAndChannelCodesMapToApplicationCodes) {
     const struct { int ms; int32_t seconds; } limits[] = {{0, 1}, {-5, 1}, {1999, 1}, {2500, 2}};
-    for (const auto& row : limits) {
+    for (const auto& row : limits)
         EXPECT_EQ(g_ExecATTimeoutSeconds(row.ms), row.seconds) << row.ms;
-    }
     // A time-out and a cancelled switch keep their own codes; every other channel failure is code 1.
     const struct { int32_t channel; int app; } codes[] = {{0, 0}, {8, 2}, {9, 30}, {4, 1}};
-    for (const auto& row : codes) {
+    for (const auto& row : codes)
         EXPECT_EQ(g_commErrorMapToVELError(row.channel), row.app) << row.channel;
-    }
-}
 
-TEST(ExecAT, WithoutAnOpenPortTheCommandFailsWithCode1) {
     std::string response = "untouched";
     ComOperation::GetInstance()->closeCom();
-    EXPECT_EQ(g_ExecAT("AT\r", nullptr, 999, {}, response), 1);
+    EXPECT_EQ(g_ExecAT("AT\r", nullptr, 999, {}, response), 1) << "without an open port";
     EXPECT_EQ(response, "untouched");
 }
 
 TEST_F(WorkerFixture, ReportsByKindOnePerCall) {
-    for (const char* line :
+    // Report lines queued in the channel as if the modem had sent them.
+    for (std::string line :
          {"\r\n+CMTI: \"SM\",3\r\n", "\r\n+CDSI: \"SM\",4\r\n", "\r\n+CUSD: 0,\"00480069\",72\r\n",
-          "\r\nRING\r\n", "\r\n+STIN: 1\r\n", "\r\nNO CARRIER\r\n", "\r\n+STIN: 11\r\n"}) {
-        queueReports(line);
-    }
+          "\r\nRING\r\n", "\r\n+STIN: 1\r\n", "\r\nNO CARRIER\r\n", "\r\n+STIN: 11\r\n"})
+        onWorker([&] { ComOperation::GetInstance()->checkUnsolicitedReport(line, nullptr); });
     // The USSD answer goes ahead of the others: a request waits for it.
     const std::vector<QString> expected = {MESSAGE_RPT_RECEIVE_USSD, MESSAGE_RPT_RECEIVE_SMS,
                                            MESSAGE_RPT_RECEIVE_SMS};
@@ -126,9 +111,8 @@ TEST_F(WorkerFixture, ReportsByKindOnePerCall) {
     ASSERT_TRUE(waitFor([&] { return _responder.responses.size() >= expected.size(); }));
     waitFor([] { return false; }, std::chrono::milliseconds(100));
     EXPECT_EQ(responseNames(), expected); // ring and no carrier are dropped
-    for (const auto& response : _responder.responses) {
+    for (const auto& response : _responder.responses)
         EXPECT_EQ(response.receiver, nullptr);
-    }
     // The toolkit's newest announcement waits for the toolkit to ask.
     UnsolicitedReportList* reports = nullptr;
     ComOperation::GetInstance()->getUnsoliciteReportList(reports);

@@ -1,5 +1,3 @@
-#include "../core/TempHome.h"
-
 #include "BLRecords.h"
 #include "WorkNotification.h"
 
@@ -12,7 +10,7 @@
 
 namespace {
 
-// Stands in for the worker: records what arrives and answers synchronous requests with a set response.
+// Stands in for the worker: records what arrives and answers synchronous requests with nothing.
 class FakeWorker : public DeviceWorkRequestInterface {
 public:
     struct Call {
@@ -24,31 +22,14 @@ public:
 
     QVariantMap sysncRequest(const QString& name, const QVariantMap& userInfo) override {
         calls.push_back({name, nullptr, userInfo, true});
-        return syncResponse;
+        return {};
     }
     void asyncRequest(const QString& name, QObject* sender, const QVariantMap& userInfo) override {
         calls.push_back({name, sender, userInfo, false});
     }
 
     std::vector<Call> calls;
-    QVariantMap syncResponse;
 };
-
-// The worker's side of an answer, as the worker thread builds it.
-QVariantMap answer(const FakeWorker::Call& call, qint32 code, const QVariant& value) {
-    QVariantMap response;
-    if (code != 0) {
-        WorkNotification::SetErrorCode(response, code);
-    }
-    WorkNotification::SetValueObject(response, value);
-    if (call.sender) {
-        WorkNotification::SetRequester(response, QString::fromUtf8(call.sender->metaObject()->className()));
-    }
-    if (!call.userInfo.isEmpty()) {
-        WorkNotification::SetUserInfo(response, call.userInfo);
-    }
-    return response;
-}
 
 QVariantMap withValue(const QVariant& value) {
     return {{VALUE_OBJECT, value}};
@@ -94,7 +75,11 @@ TEST(WorkNotification, TheAnswerReachesTheSubscribedSender) {
     EXPECT_EQ(worker.calls[0].sender, module.get());
     EXPECT_FALSE(worker.calls[0].sync);
     EXPECT_EQ(WorkNotification::getQueueItemCount(), before + 1);
-    WorkNotification::deliverResponse(MESSAGE_PB_ADD_ITEM, answer(worker.calls[0], 0, 17), nullptr);
+    // The answer as the worker thread builds it.
+    QVariantMap response = withValue(17);
+    WorkNotification::SetRequester(response, QString::fromUtf8(module->metaObject()->className()));
+    WorkNotification::SetUserInfo(response, worker.calls[0].userInfo);
+    WorkNotification::deliverResponse(MESSAGE_PB_ADD_ITEM, response, nullptr);
 
     ASSERT_EQ(added.size(), 1u);
     EXPECT_TRUE(deleted.empty());

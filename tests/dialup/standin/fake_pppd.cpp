@@ -6,8 +6,8 @@
 // network namespace of its own) that echoes what it is sent, or as a folder in DIALTONE_NET_DIR with
 // "flags" and "statistics/{rx,tx}_bytes" that the test writes. SIGTERM, SIGINT or SIGHUP end the link
 // (exit 5, as pppd); a failed connect script exits 8, a tty hang-up 16.
+#include <algorithm>
 #include <arpa/inet.h>
-#include <cctype>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -15,6 +15,8 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
+#include <iomanip>
+#include <iterator>
 #include <linux/if_tun.h>
 #include <map>
 #include <net/if.h>
@@ -38,58 +40,33 @@ std::string env(const char* name, const char* fallback) {
     return value != nullptr && *value != '\0' ? value : fallback;
 }
 
-// pppd's option words: blanks separate, '#' starts a comment, quotes group, backslash escapes.
+// pppd's option words as the peer and options files have them: blanks separate, '#' starts a comment, double
+// quotes group, a backslash in them escapes.
 std::vector<std::string> words(const std::string& text) {
     std::vector<std::string> out;
-    size_t i = 0;
-    while (i < text.size()) {
-        while (i < text.size() && std::isspace(static_cast<unsigned char>(text[i]))) {
-            ++i;
+    std::istringstream in(text);
+    for (std::string word; in >> std::ws && in.peek() != EOF;) {
+        if (in.peek() == '#') {
+            std::getline(in, word);
+        } else if (in >> std::quoted(word)) {
+            out.push_back(word);
         }
-        if (i >= text.size()) {
-            break;
-        }
-        if (text[i] == '#') {
-            i = text.find('\n', i);
-            i = i == std::string::npos ? text.size() : i;
-            continue;
-        }
-        std::string word;
-        char quote = 0;
-        while (i < text.size() && (quote != 0 || !std::isspace(static_cast<unsigned char>(text[i])))) {
-            const char c = text[i++];
-            if (quote == 0 && (c == '"' || c == '\'')) {
-                quote = c;
-            } else if (c == quote) {
-                quote = 0;
-            } else if (c == '\\' && i < text.size()) {
-                word += text[i++];
-            } else {
-                word += c;
-            }
-        }
-        out.push_back(word);
     }
     return out;
 }
 
 std::string readFile(const std::string& path) {
     std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-bool writeFile(const std::string& path, const std::string& text) {
-    std::ofstream out(path, std::ios::trunc);
-    out << text;
-    return static_cast<bool>(out);
+void writeFile(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::trunc) << text;
 }
 
 struct Options {
     std::string device;
-    std::map<std::string, std::string> values; // options with one argument
-    std::vector<std::string> flags;
+    std::map<std::string, std::string> values; // options with one argument; the others are ignored
 };
 
 void parse(const std::vector<std::string>& list, Options& options) {
@@ -97,17 +74,13 @@ void parse(const std::vector<std::string>& list, Options& options) {
         "connect",          "user", "password", "linkname",   "ipparam", "unit", "lcp-echo-interval",
         "lcp-echo-failure", "idle", "maxfail",  "remotename", "file",    "call", "disconnect"};
     for (size_t i = 0; i < list.size(); ++i) {
-        bool takesArgument = false;
-        for (const char* name : withArgument) {
-            takesArgument = takesArgument || list[i] == name;
-        }
+        const bool takesArgument =
+            std::find(std::begin(withArgument), std::end(withArgument), list[i]) != std::end(withArgument);
         if (takesArgument && i + 1 < list.size()) {
             options.values[list[i]] = list[i + 1];
             ++i;
         } else if (!list[i].empty() && list[i][0] == '/') {
             options.device = list[i];
-        } else {
-            options.flags.push_back(list[i]);
         }
     }
 }
@@ -154,7 +127,8 @@ int createTun(const std::string& name) {
     return fd;
 }
 
-// An IPv4 UDP packet from the peer to us, as if the network sent something.
+// An IPv4 UDP packet from the peer to us, as if the network sent something. The interface counts it
+// whatever IP then makes of it, so its header goes without a checksum.
 std::vector<unsigned char> greeting() {
     std::vector<unsigned char> packet(64, 0);
     packet[0] = 0x45;
@@ -163,14 +137,6 @@ std::vector<unsigned char> greeting() {
     packet[9] = 17;
     inet_pton(AF_INET, "10.112.112.112", &packet[12]);
     inet_pton(AF_INET, "10.64.64.64", &packet[16]);
-    unsigned sum = 0;
-    for (int i = 0; i < 20; i += 2) {
-        sum += (packet[i] << 8) | packet[i + 1];
-    }
-    sum = (sum & 0xffff) + (sum >> 16);
-    sum = ~sum & 0xffff;
-    packet[10] = static_cast<unsigned char>(sum >> 8);
-    packet[11] = static_cast<unsigned char>(sum);
     return packet;
 }
 
