@@ -91,18 +91,36 @@ inline Reports TakeReports() {
     return reports;
 }
 
-// Sends one command per answer and compares what the read gives back ("result|value", see Fields).
+// A step's command, time limit, prefix and final results, for CheckReads: At("AT+CSQ\r").WithTimeout(1000).
+inline ScriptedAtFake::Step At(std::string command) {
+    ScriptedAtFake::Step step;
+    step.command = std::move(command);
+    return step;
+}
+
+// Sends the shape's command once per row, with the row's answer or failure result, and compares what the
+// read gives back. A read of one number (int(int&)) gives "result|value", the value starting at -1; any
+// other read gives its own text (see Fields).
 struct Read {
     std::string answer;
     std::string expected;
+    int failure = 0;
 };
 template <typename F>
-void CheckReads(ScriptedAtFake& fake, const std::string& command, int timeoutMs, const char* prefix, F read,
-                const std::vector<Read>& rows) {
+void CheckReads(ScriptedAtFake& fake, const ScriptedAtFake::Step& shape, F read, const std::vector<Read>& rows) {
     for (const Read& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        fake.Expect(command, row.answer).WithTimeout(timeoutMs).WithPrefix(prefix);
-        EXPECT_EQ(read(), row.expected);
+        ScriptedAtFake::Step& step = fake.Expect(shape.command);
+        step = shape;
+        step.answer = row.answer;
+        step.result = row.failure;
+        if constexpr (std::is_invocable_v<F, int&>) {
+            int value = -1;
+            const int result = read(value);
+            EXPECT_EQ(Fields(result, value), row.expected);
+        } else {
+            EXPECT_EQ(read(), row.expected);
+        }
         fake.VerifyDone();
     }
 }
