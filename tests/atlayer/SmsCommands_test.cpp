@@ -75,19 +75,11 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
     m_fake.VerifyDone();
 
     // clang-format off
-    const struct { const char* answer; int result; int format; } rows[] = {
-        {"\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, {"\r\n+CMGF: 1\r\n\r\nOK\r\n", 0, 0},
-        {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, // echo on
-        {"\r\n+CMGF: 2\r\n\r\nOK\r\n", 1, -1}, {"\r\n+CMGF: x\r\n\r\nOK\r\n", 1, -1}, {"\r\nOK\r\n", 1, -1},
-    };
+    at_test::CheckReads(m_fake, at_test::At("AT+CMGF?\r"), [this](int& format) { return m_sms.GetMessageFormat(format); }, {
+        {"\r\n+CMGF: 0\r\n\r\nOK\r\n", "0|1"}, {"\r\n+CMGF: 1\r\n\r\nOK\r\n", "0|0"},
+        {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", "0|1"}, // echo on
+        {"\r\n+CMGF: 2\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CMGF: x\r\n\r\nOK\r\n", "1|-1"}, {"\r\nOK\r\n", "1|-1"}});
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+CMGF?\r", row.answer);
-        int format = -1;
-        const int result = m_sms.GetMessageFormat(format);
-        EXPECT_EQ(at_test::Fields(result, format), at_test::Fields(row.result, row.format));
-    }
 }
 
 TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
