@@ -108,15 +108,10 @@ TEST_F(AtSublayerTest, MissingLowerCallbacksGiveOne) {
 }
 
 TEST_F(AtSublayerTest, LowerCallbacksAreForwarded) {
-    TInterfaceAtSublayerLower lower{[](const void* argument) {
-                                        g_lower.startArgument = argument;
-                                        return 17;
-                                    },
-                                    [] { return 18; },
-                                    [] { return 19; },
-                                    ScriptedAtFake::Callback(),
-                                    [] { ++g_lower.cancels; },
-                                    &RegisterHandler};
+    // clang-format off
+    TInterfaceAtSublayerLower lower{[](const void* argument) { g_lower.startArgument = argument; return 17; }, [] { return 18; },
+                                    [] { return 19; }, ScriptedAtFake::Callback(), [] { ++g_lower.cancels; }, &RegisterHandler};
+    // clang-format on
     ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
 
     const int argument = 42;

@@ -57,12 +57,6 @@ inline void Show(std::ostream& out, const std::wstring& text) {
 inline void Show(std::ostream& out, const wchar_t* text) {
     Show(out, std::wstring(text));
 }
-inline void Show(std::ostream& out, const std::u16string& text) {
-    out << ::testing::PrintToString(text);
-}
-inline void Show(std::ostream& out, const char16_t* text) {
-    Show(out, std::u16string(text));
-}
 template <typename T> void Show(std::ostream& out, const T& value) {
     if constexpr (std::is_arithmetic_v<T>)
         out << +value;

@@ -1,5 +1,4 @@
 #include <cstdint>
-#include <cstdio>
 #include <functional>
 #include <list>
 #include <string>
@@ -18,16 +17,6 @@ using namespace at_test;
 
 const std::list<std::string> kCusdFinals = {"OK", "+CME ERROR:", "ERROR"};
 const std::list<std::string> kCscsFinals = {"OK", "ERROR", "+CME ERROR"};
-
-std::string Narrow(const std::wstring& text) {
-    std::string out;
-    for (const wchar_t c : text) {
-        char unit[8];
-        std::snprintf(unit, sizeof unit, "<%04X>", static_cast<unsigned>(c));
-        out += unit;
-    }
-    return out;
-}
 
 class UssdUtilityTest : public ::testing::Test {
 protected:
@@ -107,12 +96,10 @@ TEST_F(UssdUtilityTest, SetStateNeedsOk) {
 }
 
 TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
+    const char* state1 = "\r\n+CUSD: 1\r\n\r\nOK\r\n";
     // clang-format off
     // cancelAnswer: nullptr: no AT+CUSD=2 expected
     struct Row { const char* name; bool activeBefore; const char* stateAnswer; int stateFailure; const char* cancelAnswer; int cancelFailure; int result; bool activeAfter; };
-    // clang-format on
-    const char* state1 = "\r\n+CUSD: 1\r\n\r\nOK\r\n";
-    // clang-format off
     const Row rows[] = {
         {"no dialogue", false, state1, 0, nullptr, 0, 0, false},
         {"modem reports state 0", true, "\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, nullptr, 0, 0, false},
@@ -235,7 +222,7 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
         item.wstrContent = L"stale";
         EXPECT_EQ(m_ussd.Receive(row.line, item), 0);
         EXPECT_EQ(item.nType, row.nType);
-        EXPECT_EQ(Narrow(item.wstrContent), Narrow(row.text));
+        EXPECT_EQ(item.wstrContent, row.text);
         EXPECT_EQ(m_ussd.IsDialogueActive(), row.activeAfter);
         m_fake.VerifyDone();
     }
