@@ -1,5 +1,4 @@
 #include <functional>
-#include <list>
 #include <string>
 #include <vector>
 

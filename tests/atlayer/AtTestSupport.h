@@ -2,7 +2,6 @@
 
 // Small helpers shared by the command-family and codec tests of this folder.
 #include <cstdint>
-#include <functional>
 #include <list>
 #include <sstream>
 #include <string>

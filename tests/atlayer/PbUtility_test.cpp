@@ -1,4 +1,3 @@
-#include <iterator>
 #include <list>
 #include <string>
 #include <utility>
@@ -11,8 +10,7 @@
 
 namespace {
 
-using at_test::Answer;
-using at_test::Fields;
+using namespace at_test;
 const std::list<std::string> kCme = {"OK", "+CME ERROR", "ERROR"};
 
 class PbUtilityTest : public ::testing::Test {
@@ -131,24 +129,19 @@ TEST_F(PbUtilityTest, StorageUseFailures) {
 }
 
 TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
-    // clang-format off
-    const struct { std::string answer; int result; int name; int number; } rows[] = {
-        {Answer("+CPBR: (1-250),40,14"), 0, 14, 40}, {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", 0, 18, 20},
-        {Answer("+CPBR: (1-250),,14"), 0, 14, 0}, {Answer("+CPBR: (1-250),40"), 0, 0, 40}, {Answer("+CPBR: (1-250),40,"), 0, 0, 40},
-        {Answer("+CPBR: (1-250)"), 0, -1, -1}, // no comma: both left alone
-        {Answer("+CPBR: (1-250),x,14"), 0, 0, -1}, {ScriptedAtFake::kOk, 1, -1, -1}, {"\r\n+CME ERROR: operation not allowed\r\n", 1, -1, -1},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+CPBR=?\r", row.answer).WithTimeout(1000).WithPrefix("+CPBR: ").WithFinals(kCme);
+    const auto limits = [this] {
         int name = -1, number = -1;
         const int result = m_pb.GetMaxLengthPair(name, number);
-        EXPECT_EQ(Fields(result, name, number), Fields(row.result, row.name, row.number));
-    }
-    m_fake.ExpectFailure("AT+CPBR=?\r", 2);
-    int name = -1, number = -1;
-    EXPECT_EQ(m_pb.GetMaxLengthPair(name, number), 2);
+        return Fields(result, name, number);
+    };
+    // clang-format off
+    CheckReads(m_fake, At("AT+CPBR=?\r").WithTimeout(1000).WithPrefix("+CPBR: ").WithFinals(kCme), limits, {
+        {Answer("+CPBR: (1-250),40,14"), "0|14|40"}, {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", "0|18|20"},
+        {Answer("+CPBR: (1-250),,14"), "0|14|0"}, {Answer("+CPBR: (1-250),40"), "0|0|40"}, {Answer("+CPBR: (1-250),40,"), "0|0|40"},
+        {Answer("+CPBR: (1-250)"), "0|-1|-1"}, // no comma: both left alone
+        {Answer("+CPBR: (1-250),x,14"), "0|0|-1"}, {ScriptedAtFake::kOk, "1|-1|-1"}, {"\r\n+CME ERROR: operation not allowed\r\n", "1|-1|-1"},
+        {"", "2|-1|-1", 2}});
+    // clang-format on
 }
 
 TEST_F(PbUtilityTest, ListFailures) {

@@ -1,7 +1,6 @@
 #include <cstring>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,3 @@
-#include <list>
 #include <string>
 
 #include <gtest/gtest.h>

@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <cstring>
 #include <list>
 #include <string>
 #include <utility>

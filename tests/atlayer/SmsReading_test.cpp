@@ -1,4 +1,3 @@
-#include <cstdio>
 #include <list>
 #include <string>
 #include <vector>
