@@ -42,10 +42,6 @@ TEST(AtParameter, RefusesWhatEndsTheParameterOrTheCommand) {
 // Every family that puts outside text into a command refuses it and sends nothing: the fake has no
 // steps, so any command fails the test.
 TEST(AtParameter, FamiliesSendNothingForRefusedText) {
-    // clang-format off
-    // cString: the value passes as a C string: an embedded NUL just ends it; room: the longest value the interface can carry
-    struct Family { const char* name; std::function<int(const std::string&)> call; bool cString; std::size_t room; };
-    // clang-format on
     constexpr std::size_t kAny = std::string::npos;
     CSystemUtility system;
     CPbUtility pb;
@@ -60,6 +56,8 @@ TEST(AtParameter, FamiliesSendNothingForRefusedText) {
         return sms.SetServiceCenterAddress(address);
     };
     // clang-format off
+    // cString: the value passes as a C string: an embedded NUL just ends it; room: the longest value the interface can carry
+    struct Family { const char* name; std::function<int(const std::string&)> call; bool cString; std::size_t room; };
     const Family families[] = {
         {"AT+CGDCONT apn", [&](const std::string& v) { return system.SetPdpContext(v.c_str(), nullptr); }, true, kAny},
         {"AT+CGDCONT address", [&](const std::string& v) { return system.SetPdpContext("inet", v.c_str()); }, true, kAny},

@@ -246,27 +246,6 @@ TEST_F(NetworkUtilityTest, ServiceProviderNameCodings) {
     }
 }
 
-// The exchanges of GetInfo, in order; an empty creg or spnm: that command fails, and an operator without a
-// name ends the script before the provider name.
-void ExpectInfoScript(ScriptedAtFake& fake, const std::string& cops, const std::string& creg,
-                      const std::string& spnm, const std::string& spdi = "", const std::string& csq = "18,99",
-                      const std::string& ssnd = "HSDPA", const std::string& cgreg = "0,5") {
-    fake.Expect("AT+COPS=3,2\r").WithTimeout(1000);
-    fake.Expect("AT+COPS?\r", Answer("+COPS: " + cops)).WithTimeout(60000);
-    csq.empty() ? fake.ExpectFailure("AT+CSQ\r", 2) : fake.Expect("AT+CSQ\r", Answer("+CSQ: " + csq));
-    creg.empty() ? fake.ExpectFailure("AT+CREG?\r", 2) : fake.Expect("AT+CREG?\r", Answer("+CREG: " + creg));
-    fake.Expect("AT+SSND?\r", Answer("+SSND: " + ssnd));
-    cgreg.empty() ? fake.ExpectFailure("AT+CGREG?\r", 2)
-                  : fake.Expect("AT+CGREG?\r", Answer("+CGREG: " + cgreg));
-    if (cops == "0")
-        return;
-    fake.Expect("AT+SPNM\r", spnm.empty() ? "\r\n+CME ERROR: SIM failure\r\n" : Answer("+SPNM: " + spnm));
-    if (spnm.empty())
-        return;
-    fake.Expect("AT+CIMI\r", Answer("460001234567890")).WithTimeout(5000).WithoutPrefix();
-    fake.Expect("AT+SPDI\r", spdi.empty() ? "\r\nOK\r\n" : Answer("+SPDI: " + spdi));
-}
-
 TEST_F(NetworkUtilityTest, InfoDisplayRule) {
     // Slots 46001, empty, 310260, 46002; the count of 3 leaves 46002 out.
     const char* spdi = "A3 0E 80 0C 64 F0 10 FF FF FF 13 00 62 64 F0 20";
@@ -280,8 +259,17 @@ TEST_F(NetworkUtilityTest, InfoDisplayRule) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        ExpectInfoScript(fake, std::string("0,2,\"") + row.oper + "\",2", "0,1",
-                         std::string(row.simByte) + " 41 FF", row.spdi);
+        fake.Expect("AT+COPS=3,2\r").WithTimeout(1000);
+        fake.Expect("AT+COPS?\r", Answer(std::string("+COPS: 0,2,\"") + row.oper + "\",2"))
+            .WithTimeout(60000);
+        fake.Expect("AT+CSQ\r", Answer("+CSQ: 18,99"));
+        fake.Expect("AT+CREG?\r", Answer("+CREG: 0,1"));
+        fake.Expect("AT+SSND?\r", Answer("+SSND: HSDPA"));
+        fake.Expect("AT+CGREG?\r", Answer("+CGREG: 0,5"));
+        fake.Expect("AT+SPNM\r", Answer(std::string("+SPNM: ") + row.simByte + " 41 FF"));
+        fake.Expect("AT+CIMI\r", Answer("460001234567890")).WithTimeout(5000).WithoutPrefix();
+        fake.Expect("AT+SPDI\r",
+                    *row.spdi == '\0' ? "\r\nOK\r\n" : Answer(std::string("+SPDI: ") + row.spdi));
         TNetworkInfo info;
         EXPECT_EQ(family.GetInfo(info), 0);
         EXPECT_EQ(info.spInfo.nDisplay, row.display);

@@ -31,8 +31,8 @@ protected:
             .WithTimeout(1000)
             .WithPrefix("+CPBS: ");
     }
-    void ExpectUcs2() {
-        m_fake.Expect("AT+CSCS=\"UCS2\"\r")
+    void ExpectUcs2(const char* answer = ScriptedAtFake::kOk) {
+        m_fake.Expect("AT+CSCS=\"UCS2\"\r", answer)
             .WithTimeout(1000)
             .WithoutPrefix()
             .WithFinals({"OK", "ERROR", "+CME ERROR"});
@@ -145,31 +145,26 @@ TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
 }
 
 TEST_F(PbUtilityTest, ListFailures) {
-    // An entry that cannot be decoded empties the list.
-    ExpectUse(PB_STORAGE_SIM, 2, 250);
-    ExpectUcs2();
-    m_fake.Expect("AT+CPBR=1,250\r", Answer("+CPBR: 1,\"10086\",129,\"004D\"\r\n+CPBR: 2,\"10010\""));
+    const std::string two = "\r\n+CPBR: 1,\"10086\",129,\"004D\"\r\n+CPBR: 2,\"10010\"";
+    // clang-format off
+    // failure: -1: the entries are not asked for
+    const struct { const char* what; const char* charSet; std::string answer; int failure; int result; std::size_t items; } rows[] = {
+        {"an entry that cannot be decoded empties the list", ScriptedAtFake::kOk, two + "\r\n\r\nOK\r\n", 0, 1, 0},
+        {"a line without its end is skipped", ScriptedAtFake::kOk, two + ",129,\"0041\"", 0, 0, 1},
+        {"no character set", "\r\nERROR\r\n", "", -1, 1, 0}, {"time-out", ScriptedAtFake::kOk, "", 2, 2, 0},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        ExpectUse(PB_STORAGE_SIM, 2, 250);
+        ExpectUcs2(row.charSet);
+        if (row.failure >= 0)
+            m_fake.Expect("AT+CPBR=1,250\r", row.answer, row.failure);
+        std::list<TPbBaseItem> items;
+        EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), row.result);
+        EXPECT_EQ(Fields(items.size(), m_pb.UsedIndexes(PB_STORAGE_SIM).size()), Fields(row.items, row.items));
+    }
     std::list<TPbBaseItem> items;
-    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 1);
-    EXPECT_EQ(Fields(items.size(), m_pb.UsedIndexes(PB_STORAGE_SIM).size()), "0|0");
-
-    // A line without its end is skipped.
-    ExpectUse(PB_STORAGE_SIM, 2, 250);
-    ExpectUcs2();
-    m_fake.Expect("AT+CPBR=1,250\r",
-                  "\r\n+CPBR: 1,\"10086\",129,\"004D\"\r\n+CPBR: 2,\"10010\",129,\"0041\"");
-    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 0);
-    EXPECT_EQ(items.size(), 1u);
-
-    ExpectUse(PB_STORAGE_SIM, 2, 250);
-    m_fake.Expect("AT+CSCS=\"UCS2\"\r", "\r\nERROR\r\n");
-    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 1);
-
-    ExpectUse(PB_STORAGE_SIM, 2, 250);
-    ExpectUcs2();
-    m_fake.ExpectFailure("AT+CPBR=1,250\r", 2);
-    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 2);
-
     m_fake.ExpectFailure("AT+CPBS=\"ME\"\r", 30);
     EXPECT_EQ(m_pb.GetList(PB_STORAGE_MODEM, items), 30);
 }
