@@ -250,7 +250,8 @@ TEST_F(ComOperationTest, TrafficTapShowsLinesBothWaysWithSecretsMasked) {
 }
 
 // The cutting of report lines out of an answer, over plain strings.
-TEST(StringMatchStringLine, MovesReportLinesOutOfTheAnswer) {
+using StringMatchStringLine = ComOperationTest;
+TEST_F(StringMatchStringLine, MovesReportLinesOutOfTheAnswer) {
     // clang-format off
     // expected: the command's own answer prefix, or nullptr
     struct MatchCase { const char* name; std::string data; const char* expected; const char* prefix; int count; std::list<std::string> lines; std::string dataAfter; };
@@ -266,8 +267,6 @@ TEST(StringMatchStringLine, MovesReportLinesOutOfTheAnswer) {
         {"no such report", "\r\n+CGMI: VEL\r\n\r\nOK\r\n", nullptr, "+STIN:", 0, {}, "\r\n+CGMI: VEL\r\n\r\nOK\r\n"},
     };
     // clang-format on
-    std::FILE* const sink = GetDebugSink();
-    SetDebugSink(nullptr);
     for (const MatchCase& c : cases) {
         SCOPED_TRACE(c.name);
         std::string data = c.data;
@@ -279,13 +278,12 @@ TEST(StringMatchStringLine, MovesReportLinesOutOfTheAnswer) {
         }
         EXPECT_EQ(data, c.dataAfter);
     }
-    SetDebugSink(sink);
 }
 
 // A stick flooding the port with unsolicited lines: repeated lines are merged, a USSD answer goes ahead of
-// the flood, and the queue's bounds never cost a kept line.
-
-TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
+// the flood, and the queue's bounds never cost a kept line. One debug line goes out per dropped line.
+using ComOperationFloodTest = ComOperationTest;
+TEST_F(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
     // clang-format off
     // numbered: the line with its copy number appended, so every copy differs
     struct Step { unsolicited_report_e_type type; const char* line; int count; bool numbered; };
@@ -306,10 +304,6 @@ TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
         {"kept lines stop at the hard bound, counted as missed", {{CMTI, "+CMTI: \"ME\",", static_cast<int>(ComOperation::kMaxKeptReports) + 4, true}}, ComOperation::kMaxKeptReports, "+CMTI: \"ME\",0", "+CMTI: \"ME\",4096", true},
     };
     // clang-format on
-    std::FILE* debug = std::tmpfile(); // one debug line per dropped line
-    std::FILE* previous = GetDebugSink();
-    SetDebugSink(debug);
-    ComOperation* com = ComOperation::GetInstance();
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         TakeReports();
@@ -333,10 +327,7 @@ TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
         EXPECT_EQ(com->takeMissedNewMessages(), row.missed);
         EXPECT_EQ(com->newMessageReportsQueued() - countedBefore, newMessageLines);
     }
-    TakeReports();
     com->takeMissedNewMessages();
-    SetDebugSink(previous);
-    std::fclose(debug);
 }
 
 } // namespace

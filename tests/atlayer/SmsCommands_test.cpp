@@ -149,17 +149,18 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
 TEST_F(SmsCommandsTest, PreferredStorages) {
     const char* const kMeSmSm = "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n\r\nOK\r\n";
     const char* const kMeMeMe = "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"ME\",0,100\r\n\r\nOK\r\n";
-    int mem1 = -1, mem2 = -1, mem3 = -1;
-    ExpectStorages(kMeSmSm);
-    ASSERT_EQ(m_sms.GetPreferredMessageStorage(mem1, mem2, mem3), 0);
-    EXPECT_EQ(at_test::Fields(mem1, mem2, mem3), "1|3|3");
-    for (const char* broken : {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n",
-                               "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",x,20\r\n\r\nOK\r\n",
-                               "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n", "\r\nOK\r\n"}) {
-        ExpectStorages(broken);
-        EXPECT_EQ(m_sms.GetPreferredMessageStorage(mem1, mem2, mem3), 1) << ScriptedAtFake::Printable(broken);
-    }
-    m_fake.VerifyDone();
+    const auto storages = at_test::At("AT+CPMS?\r").WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
+    const auto memories = [this] {
+        int mem1 = -1, mem2 = -1, mem3 = -1;
+        const int result = m_sms.GetPreferredMessageStorage(mem1, mem2, mem3);
+        return at_test::Fields(result, mem1, mem2, mem3);
+    };
+    // clang-format off
+    at_test::CheckReads(m_fake, storages, memories, {
+        {kMeSmSm, "0|1|3|3"}, {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n", "1|-1|-1|-1"},
+        {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",x,20\r\n\r\nOK\r\n", "1|-1|-1|-1"},
+        {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n", "1|-1|-1|-1"}, {"\r\nOK\r\n", "1|-1|-1|-1"}});
+    // clang-format on
 
     // The receive storage is rewritten only when it differs; the first two stay.
     // clang-format off
@@ -177,12 +178,8 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
         EXPECT_EQ(m_sms.SetPreferredStorage(row.storage), 0);
         m_fake.VerifyDone();
     }
-    for (const auto& [answer, expected] : {std::pair{kMeSmSm, 1}, {kMeMeMe, 2}}) {
-        ExpectStorages(answer);
-        int storage = 0;
-        ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
-        EXPECT_EQ(storage, expected);
-    }
+    at_test::CheckReads(m_fake, storages, [this](int& storage) { return m_sms.GetPreferredStorage(storage); },
+                        {{kMeSmSm, "0|1"}, {kMeMeMe, "0|2"}});
 
     // A failed exchange is 2 whatever the lower layer said; a refusal is 1.
     m_fake.ExpectFailure("AT+CPMS=\"SM\",\"SM\",\"\"\r", 30);
