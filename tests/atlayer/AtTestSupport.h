@@ -91,6 +91,16 @@ inline ScriptedAtFake::Step At(std::string command) {
     return step;
 }
 
+// Expects the shape's command, with its time limit, prefix and final results, and this answer or failure.
+inline ScriptedAtFake::Step& Expect(ScriptedAtFake& fake, const ScriptedAtFake::Step& shape,
+                                    std::string answer = ScriptedAtFake::kOk, int failure = 0) {
+    ScriptedAtFake::Step& step = fake.Expect(shape.command);
+    step = shape;
+    step.answer = std::move(answer);
+    step.result = failure;
+    return step;
+}
+
 // Sends the shape's command once per row, with the row's answer or failure result, and compares what the
 // read gives back. A read of one number (int(int&)) gives "result|value", the value starting at -1; any
 // other read gives its own text (see Fields).
@@ -103,10 +113,7 @@ template <typename F>
 void CheckReads(ScriptedAtFake& fake, const ScriptedAtFake::Step& shape, F read, const std::vector<Read>& rows) {
     for (const Read& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        ScriptedAtFake::Step& step = fake.Expect(shape.command);
-        step = shape;
-        step.answer = row.answer;
-        step.result = row.failure;
+        Expect(fake, shape, row.answer, row.failure);
         if constexpr (std::is_invocable_v<F, int&>) {
             int value = -1;
             const int result = read(value);

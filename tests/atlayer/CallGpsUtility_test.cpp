@@ -35,10 +35,8 @@ TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer) + " code " + std::to_string(row.result));
-        fake.Expect("ATD10086;\r", row.answer, row.result)
-            .WithTimeout(60000)
-            .WithoutPrefix()
-            .WithFinals(kFinals);
+        Expect(fake, At("ATD10086;\r").WithTimeout(60000).WithoutPrefix().WithFinals(kFinals), row.answer,
+               row.result);
         EXPECT_EQ(family.Dial("10086"), row.dial);
         fake.Expect("ATA\r", row.answer, row.result).WithTimeout(3000).WithoutPrefix();
         EXPECT_EQ(family.Answer(), row.answerCall);

@@ -12,6 +12,7 @@ namespace {
 
 using namespace at_test;
 const std::list<std::string> kCme = {"OK", "+CME ERROR", "ERROR"};
+const std::list<std::string> kCscs = {"OK", "ERROR", "+CME ERROR"};
 
 class PbUtilityTest : public ::testing::Test {
 protected:
@@ -19,10 +20,8 @@ protected:
 
     static std::string Name(int storage) { return storage == PB_STORAGE_SIM ? "SM" : "ME"; }
     void ExpectSelect(int storage) {
-        m_fake.Expect("AT+CPBS=\"" + Name(storage) + "\"\r")
-            .WithTimeout(1000)
-            .WithoutPrefix()
-            .WithFinals(kCme);
+        Expect(m_fake,
+               At("AT+CPBS=\"" + Name(storage) + "\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCme));
     }
     void ExpectUse(int storage, int used, int total) {
         ExpectSelect(storage);
@@ -32,10 +31,7 @@ protected:
             .WithPrefix("+CPBS: ");
     }
     void ExpectUcs2(const char* answer = ScriptedAtFake::kOk) {
-        m_fake.Expect("AT+CSCS=\"UCS2\"\r", answer)
-            .WithTimeout(1000)
-            .WithoutPrefix()
-            .WithFinals({"OK", "ERROR", "+CME ERROR"});
+        Expect(m_fake, At("AT+CSCS=\"UCS2\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscs), answer);
     }
     // A full read of a storage whose entries have these indexes, listed in the order given.
     void ExpectList(int storage, const std::vector<int>& indexes, int total) {
@@ -162,7 +158,8 @@ TEST_F(PbUtilityTest, ListFailures) {
             m_fake.Expect("AT+CPBR=1,250\r", row.answer, row.failure);
         std::list<TPbBaseItem> items;
         EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), row.result);
-        EXPECT_EQ(Fields(items.size(), m_pb.UsedIndexes(PB_STORAGE_SIM).size()), Fields(row.items, row.items));
+        EXPECT_EQ(Fields(items.size(), m_pb.UsedIndexes(PB_STORAGE_SIM).size()),
+                  Fields(row.items, row.items));
     }
     std::list<TPbBaseItem> items;
     m_fake.ExpectFailure("AT+CPBS=\"ME\"\r", 30);
@@ -261,10 +258,8 @@ TEST_F(PbUtilityTest, UpdateWritesTheUpperCasedCommand) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.command) + " " + std::to_string(row.failure));
         ExpectUcs2();
         ExpectSelect(row.item.nStore);
-        m_fake.Expect(row.command, row.answer, row.failure)
-            .WithTimeout(3000)
-            .WithoutPrefix()
-            .WithFinals(kCme);
+        Expect(m_fake, At(row.command).WithTimeout(3000).WithoutPrefix().WithFinals(kCme), row.answer,
+               row.failure);
         EXPECT_EQ(m_pb.UpdateItem(row.item), row.result);
     }
     m_fake.ExpectFailure("AT+CSCS=\"UCS2\"\r", 2);

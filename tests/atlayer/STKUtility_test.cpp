@@ -34,10 +34,8 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
         if (row.command != nullptr)
-            fake.Expect(row.command, row.answer != nullptr ? row.answer : "", row.failure)
-                .WithTimeout(5000)
-                .WithPrefix("+STGI:")
-                .WithFinals(kFinals);
+            Expect(fake, At(row.command).WithTimeout(5000).WithPrefix("+STGI:").WithFinals(kFinals),
+                   row.answer != nullptr ? row.answer : "", row.failure);
         std::string text = kUntouched;
         EXPECT_EQ(family.HandleReport(row.line, text), row.result);
         EXPECT_EQ(text, row.text);

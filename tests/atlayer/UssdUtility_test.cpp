@@ -18,13 +18,19 @@ using namespace at_test;
 const std::list<std::string> kCusdFinals = {"OK", "+CME ERROR:", "ERROR"};
 const std::list<std::string> kCscsFinals = {"OK", "ERROR", "+CME ERROR"};
 
+// The character set and USSD commands pass no prefix (unless a read adds it) and wait for their own finals.
+ScriptedAtFake::Step Cscs(const std::string& command) {
+    return At(command).WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
+}
+ScriptedAtFake::Step Cusd(const std::string& command, int timeoutMs) {
+    return At(command).WithTimeout(timeoutMs).WithoutPrefix().WithFinals(kCusdFinals);
+}
+
 class UssdUtilityTest : public ::testing::Test {
 protected:
     void SetUp() override { m_ussd.RegisterExecAT(ScriptedAtFake::Callback()); }
 
-    void ExpectCharSetQuery(const char* answer) {
-        m_fake.Expect("AT+CSCS?\r", answer).WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
-    }
+    void ExpectCharSetQuery(const char* answer) { Expect(m_fake, Cscs("AT+CSCS?\r"), answer); }
     // Starts or ends a dialogue the way the network does, with a report.
     void SetDialogue(bool active) {
         ExpectCharSetQuery("\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n");
@@ -62,14 +68,8 @@ TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
         SCOPED_TRACE(row.argument.substr(0, 40) + " " + ScriptedAtFake::Printable(row.answer));
         CUssdUility ussd;
         ussd.RegisterExecAT(ScriptedAtFake::Callback());
-        m_fake.Expect("AT+CSCS=\"UCS2\"\r", row.charSetAnswer, row.charSetFailure)
-            .WithTimeout(1000)
-            .WithoutPrefix()
-            .WithFinals(kCscsFinals);
-        m_fake.Expect("AT+CUSD=1,\"" + row.argument + "\",15\r", row.answer, row.failure)
-            .WithTimeout(5000)
-            .WithoutPrefix()
-            .WithFinals(kCusdFinals);
+        Expect(m_fake, Cscs("AT+CSCS=\"UCS2\"\r"), row.charSetAnswer, row.charSetFailure);
+        Expect(m_fake, Cusd("AT+CUSD=1,\"" + row.argument + "\",15\r", 5000), row.answer, row.failure);
         EXPECT_EQ(ussd.SendUssdCmd(row.text.c_str()), row.result);
         EXPECT_EQ(ussd.IsDialogueActive(), row.result == 0);
         m_fake.VerifyDone();
@@ -86,10 +86,7 @@ TEST_F(UssdUtilityTest, SetStateNeedsOk) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.command);
-        m_fake.Expect(row.command, row.answer, row.failure)
-            .WithTimeout(5000)
-            .WithoutPrefix()
-            .WithFinals(kCusdFinals);
+        Expect(m_fake, Cusd(row.command, 5000), row.answer, row.failure);
         int state = row.state;
         EXPECT_EQ(m_ussd.SetUssdState(state), row.result);
     }
@@ -112,12 +109,8 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
         SCOPED_TRACE(row.name);
         SetDialogue(row.activeBefore);
         m_fake.Expect("AT+CUSD?\r", row.stateAnswer, row.stateFailure).WithTimeout(3000);
-        if (row.cancelAnswer != nullptr) {
-            m_fake.Expect("AT+CUSD=2\r", row.cancelAnswer, row.cancelFailure)
-                .WithTimeout(1000)
-                .WithoutPrefix()
-                .WithFinals(kCusdFinals);
-        }
+        if (row.cancelAnswer != nullptr)
+            Expect(m_fake, Cusd("AT+CUSD=2\r", 1000), row.cancelAnswer, row.cancelFailure);
         EXPECT_EQ(m_ussd.SendUssdCancelCmd(), row.result);
         EXPECT_EQ(m_ussd.IsDialogueActive(), row.activeAfter);
         m_fake.VerifyDone();
@@ -128,10 +121,10 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
 // order.
 TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
     // clang-format off
-    CheckReads(m_fake, At("AT+CUSD?\r").WithTimeout(3000).WithPrefix("+CUSD: ").WithFinals(kCusdFinals), [this](int& state) { return m_ussd.CheckUssdState(state); }, {
+    CheckReads(m_fake, Cusd("AT+CUSD?\r", 3000).WithPrefix("+CUSD: "), [this](int& state) { return m_ussd.CheckUssdState(state); }, {
         {"\r\n+CUSD: 1\r\n\r\nOK\r\n", "0|1"}, {"AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", "0|0"}, {"\r\n+CUSD: 2\r\n", "0|2"},
         {"\r\n+CUSD:1\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", "1|-1"}, {"\r\nOK\r\n", "1|-1"}, {"", "2|-1", 2}, {"", "30|-1", 30}});
-    CheckReads(m_fake, At("AT+CSCS?\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals), [this](int& set) { return m_ussd.getEcodingFormat(set); }, {
+    CheckReads(m_fake, Cscs("AT+CSCS?\r"), [this](int& set) { return m_ussd.getEcodingFormat(set); }, {
         {"\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", "0|5"}, {"AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", "0|2"},
         {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", "1|-1"}, {"\r\nERROR\r\n", "1|-1"}, {"", "30|-1", 30}});
     // clang-format on
@@ -163,12 +156,8 @@ TEST(CharacterSets, EveryFamilyNamesTheSet) {
     for (const auto& [family, select] : families) {
         for (const auto& row : rows) {
             SCOPED_TRACE(testing::Message() << family << " set " << row.set);
-            if (row.name != nullptr) {
-                fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r", row.answer)
-                    .WithTimeout(1000)
-                    .WithoutPrefix()
-                    .WithFinals(kCscsFinals);
-            }
+            if (row.name != nullptr)
+                Expect(fake, Cscs(std::string("AT+CSCS=\"") + row.name + "\"\r"), row.answer);
             EXPECT_EQ(select(row.set, row.codePage, row.part), row.result);
             fake.VerifyDone();
         }
@@ -236,7 +225,9 @@ TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
         return Fields(result, item.nType, item.wstrContent.size(), m_ussd.IsDialogueActive());
     };
     CheckReads(m_fake, At("AT+CSCS?\r"), receive,
-               {{"", "2|-1|0|0", 2}, {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", "1|-1|0|0"}, {"\r\nERROR\r\n", "1|-1|0|0"}});
+               {{"", "2|-1|0|0", 2},
+                {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", "1|-1|0|0"},
+                {"\r\nERROR\r\n", "1|-1|0|0"}});
     TUssdItem item;
     EXPECT_EQ(m_ussd.Receive(nullptr, item), 1);
 }
