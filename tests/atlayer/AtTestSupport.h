@@ -110,7 +110,8 @@ struct Read {
     int failure = 0;
 };
 template <typename F>
-void CheckReads(ScriptedAtFake& fake, const ScriptedAtFake::Step& shape, F read, const std::vector<Read>& rows) {
+void CheckReads(ScriptedAtFake& fake, const ScriptedAtFake::Step& shape, F read,
+                const std::vector<Read>& rows) {
     for (const Read& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         Expect(fake, shape, row.answer, row.failure);

@@ -258,8 +258,10 @@ TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
 
 // Preferred storage SIM: a message that arrived in the modem memory is copied to the SIM, or to the
 // computer when the SIM refuses, and deleted from the modem memory only once it is stored elsewhere.
+// clang-format off
 // written: answer to the PDU after AT+CMGW
 struct Move { const char* what; const char* written; bool pcSaveFails; int storage; bool deletes; };
+// clang-format on
 class SmsMoveTest : public SmsReadingTest, public ::testing::WithParamInterface<Move> {};
 
 TEST_P(SmsMoveTest, NewMessageMovesOutOfTheModemMemory) {
@@ -285,7 +287,8 @@ TEST_P(SmsMoveTest, NewMessageMovesOutOfTheModemMemory) {
     EXPECT_EQ(Fields(item.nStoreIn, item.wstrContent), Fields(row.storage, L"hellohello"));
     if (row.storage == SMS_STORAGE_PC) {
         ASSERT_EQ(m_store.records.size(), 1u);
-        EXPECT_EQ(Fields(m_store.records.front().strPdu, m_store.records.front().nPduLen), Fields(kHello, 28));
+        EXPECT_EQ(Fields(m_store.records.front().strPdu, m_store.records.front().nPduLen),
+                  Fields(kHello, 28));
         // Deleting it goes to the computer-side store.
         EXPECT_EQ(m_sms.Delete(item.nRef), 0);
     }
