@@ -136,9 +136,7 @@ TEST(CharacterSets, EveryFamilyNamesTheSet) {
     CPbUtility pb;
     CSmsUtility sms;
     CUssdUility ussd;
-    pb.RegisterExecAT(ScriptedAtFake::Callback());
-    sms.RegisterExecAT(ScriptedAtFake::Callback());
-    ussd.RegisterExecAT(ScriptedAtFake::Callback());
+    [](auto&... families) { (families.RegisterExecAT(ScriptedAtFake::Callback()), ...); }(pb, sms, ussd);
     const std::pair<const char*, std::function<int(int, int, int)>> families[] = {
         {"phone book", [&](int set, int page, int part) { return pb.SelectTeCharacterSet(set, page, part); }},
         {"messages", [&](int set, int page, int part) { return sms.SelectTeCharacterSet(set, page, part); }},
