@@ -140,9 +140,8 @@ TEST_F(NetworkUtilityTest, SignalReadingsAskForCesqUntilRefused) {
     fake.Expect("AT+CSQ\r", Answer("+CSQ: 18,99")).WithTimeout(1000).WithPrefix("+CSQ");
     fake.Expect("AT+CESQ\r", "\r\nERROR\r\n").WithTimeout(1000).WithPrefix("+CESQ");
     fake.Expect("AT+CREG=2\r").WithTimeout(1000).WithoutPrefix();
-    fake.Expect("AT+CREG?\r", Answer("+CREG: 2,1,\"1A2B\",\"00C3D4E5\",2"))
-        .WithTimeout(3000)
-        .WithPrefix("+CREG");
+    Expect(fake, At("AT+CREG?\r").WithTimeout(3000).WithPrefix("+CREG"),
+           Answer("+CREG: 2,1,\"1A2B\",\"00C3D4E5\",2"));
     fake.Expect("AT+SSND?\r", Answer("+SSND: HSDPA")).WithTimeout(1000).WithPrefix("+SSND: ");
     fake.Expect("AT+CSQ\r", Answer("+CSQ: 99,99")).WithTimeout(1000).WithPrefix("+CSQ");
     fake.ExpectFailure("AT+CREG?\r", 2);

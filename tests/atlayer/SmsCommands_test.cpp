@@ -12,6 +12,7 @@
 
 namespace {
 
+using namespace at_test;
 using Finals = std::list<std::string>;
 const Finals kCme = {"OK", "ERROR", "+CME ERROR"};
 const Finals kCms = {"OK", "+CMS ERROR", "ERROR"};
@@ -74,7 +75,7 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
     m_fake.VerifyDone();
 
     // clang-format off
-    at_test::CheckReads(m_fake, at_test::At("AT+CMGF?\r"), [this](int& format) { return m_sms.GetMessageFormat(format); }, {
+    CheckReads(m_fake, At("AT+CMGF?\r"), [this](int& format) { return m_sms.GetMessageFormat(format); }, {
         {"\r\n+CMGF: 0\r\n\r\nOK\r\n", "0|1"}, {"\r\n+CMGF: 1\r\n\r\nOK\r\n", "0|0"},
         {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", "0|1"}, // echo on
         {"\r\n+CMGF: 2\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CMGF: x\r\n\r\nOK\r\n", "1|-1"}, {"\r\nOK\r\n", "1|-1"}});
@@ -149,14 +150,14 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
 TEST_F(SmsCommandsTest, PreferredStorages) {
     const char* const kMeSmSm = "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n\r\nOK\r\n";
     const char* const kMeMeMe = "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"ME\",0,100\r\n\r\nOK\r\n";
-    const auto storages = at_test::At("AT+CPMS?\r").WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
+    const auto storages = At("AT+CPMS?\r").WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
     const auto memories = [this] {
         int mem1 = -1, mem2 = -1, mem3 = -1;
         const int result = m_sms.GetPreferredMessageStorage(mem1, mem2, mem3);
-        return at_test::Fields(result, mem1, mem2, mem3);
+        return Fields(result, mem1, mem2, mem3);
     };
     // clang-format off
-    at_test::CheckReads(m_fake, storages, memories, {
+    CheckReads(m_fake, storages, memories, {
         {kMeSmSm, "0|1|3|3"}, {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n", "1|-1|-1|-1"},
         {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",x,20\r\n\r\nOK\r\n", "1|-1|-1|-1"},
         {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n", "1|-1|-1|-1"}, {"\r\nOK\r\n", "1|-1|-1|-1"}});
@@ -178,8 +179,8 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
         EXPECT_EQ(m_sms.SetPreferredStorage(row.storage), 0);
         m_fake.VerifyDone();
     }
-    at_test::CheckReads(m_fake, storages, [this](int& storage) { return m_sms.GetPreferredStorage(storage); },
-                        {{kMeSmSm, "0|1"}, {kMeMeMe, "0|2"}});
+    CheckReads(m_fake, storages, [this](int& storage) { return m_sms.GetPreferredStorage(storage); },
+               {{kMeSmSm, "0|1"}, {kMeMeMe, "0|2"}});
 
     // A failed exchange is 2 whatever the lower layer said; a refusal is 1.
     m_fake.ExpectFailure("AT+CPMS=\"SM\",\"SM\",\"\"\r", 30);
@@ -193,17 +194,11 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
 }
 
 TEST_F(SmsCommandsTest, StorageState) {
-    for (const char* storage : {"ME", "SM"}) {
-        const std::string counts = storage[0] == 'M' ? "7,100,3,20" : "3,20,7,100";
-        m_fake
-            .Expect(std::string("AT+CPMS=\"") + storage + "\"\r",
-                    at_test::Answer("+CPMS: " + counts + ",3,20"))
-            .WithTimeout(1000)
-            .WithFinals(kCms);
-    }
+    m_fake.Expect("AT+CPMS=\"ME\"\r", Answer("+CPMS: 7,100,3,20,3,20")).WithTimeout(1000).WithFinals(kCms);
+    m_fake.Expect("AT+CPMS=\"SM\"\r", Answer("+CPMS: 3,20,7,100,3,20")).WithTimeout(1000).WithFinals(kCms);
     TSmsStorageState state;
     ASSERT_EQ(m_sms.GetStorageState(state), 0);
-    EXPECT_EQ(at_test::Fields(state.nMeUsed, state.nMeTotal, state.nSimUsed, state.nSimTotal), "7|100|3|20");
+    EXPECT_EQ(Fields(state.nMeUsed, state.nMeTotal, state.nSimUsed, state.nSimTotal), "7|100|3|20");
 
     m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7\r\n\r\nOK\r\n");
     EXPECT_EQ(m_sms.GetStorageState(state), 1);
