@@ -219,15 +219,12 @@ TEST_F(SmsCommandsTest, DeleteRemovesATableItemOnlyWhenTheModemDidDelete) {
     uint32_t id = 0;
     ASSERT_EQ(m_sms.AddMsgItemToListTable(item, added, id, deleted, replaced, false), 0);
 
-    m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n");
-    m_fake.Expect("AT+CMGD=5\r", "\r\n+CMS ERROR: 321\r\n").WithTimeout(5000).WithFinals(kCms);
-    EXPECT_EQ(m_sms.Delete(static_cast<int>(id)), 1);
-    EXPECT_EQ(m_sms.MessageTable().size(), 1u);
-
-    m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n");
-    m_fake.Expect("AT+CMGD=5\r");
-    EXPECT_EQ(m_sms.Delete(static_cast<int>(id)), 0);
-    EXPECT_TRUE(m_sms.MessageTable().empty());
+    for (const auto& [answer, result, left] : {std::tuple{"\r\n+CMS ERROR: 321\r\n", 1, 1u}, {kOk, 0, 0u}}) {
+        m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n");
+        m_fake.Expect("AT+CMGD=5\r", answer).WithTimeout(5000).WithFinals(kCms);
+        EXPECT_EQ(m_sms.Delete(static_cast<int>(id)), result);
+        EXPECT_EQ(m_sms.MessageTable().size(), left);
+    }
 }
 
 // "hello" to +31612345678: SMS-SUBMIT with TP-RD, no validity period, 7-bit. The message reference is the

@@ -219,9 +219,8 @@ TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
     int kind = -1;
     const std::size_t sent = m_fake.Calls().size();
     for (const char* ignored :
-         {"+CMTI: \"XY\",3", "+CMTI: \"SMS\",3", "+CMTI: SM,3", "+CMTI: \"SM\",", "RING"}) {
+         {"+CMTI: \"XY\",3", "+CMTI: \"SMS\",3", "+CMTI: SM,3", "+CMTI: \"SM\",", "RING"})
         EXPECT_EQ(m_sms.Receive(ignored, item, kind), 1) << ignored;
-    }
     EXPECT_EQ(m_fake.Calls().size(), sent);
 
     ExpectRead("SM", 3, Cmgr(0, 28, kHello));
