@@ -21,9 +21,8 @@ using at_test::Hex;
 
 constexpr const char* kPython = "/usr/bin/python3";
 
-// One line per PDU: type, number, text (both as UTF-16 hex), class, reference, part, parts, time, status,
-// service centre; "ERROR" when gammu refuses the PDU.
-// Reads the PDUs from its arguments.
+// Reads the PDUs from its arguments and prints one line per PDU: type, number, text (both as UTF-16 hex),
+// class, reference, part, parts, time, status, service centre; "ERROR" when gammu refuses the PDU.
 constexpr const char* kScript = R"(
 import sys, gammu
 def units(text):

@@ -265,6 +265,7 @@ class SmsMoveTest : public SmsReadingTest, public ::testing::WithParamInterface<
 
 TEST_P(SmsMoveTest, NewMessageMovesOutOfTheModemMemory) {
     const Move& row = GetParam();
+    SCOPED_TRACE(row.what);
     const char* storages = "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n";
     m_store.saveFails = row.pcSaveFails;
     EnableStore(SMS_STORAGE_SIM, storages);
