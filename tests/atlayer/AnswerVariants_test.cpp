@@ -16,7 +16,6 @@
 #include "NetworkUtility.h"
 #include "PinUtility.h"
 #include "PtyPeer.h"
-#include "SmsUtility.h"
 #include "UssdUtility.h"
 
 namespace {

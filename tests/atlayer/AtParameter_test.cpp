@@ -42,10 +42,6 @@ TEST(AtParameter, RefusesWhatEndsTheParameterOrTheCommand) {
 // Every family that puts outside text into a command refuses it and sends nothing: the fake has no
 // steps, so any command fails the test.
 TEST(AtParameter, FamiliesSendNothingForRefusedText) {
-    // clang-format off
-    // cString: the value passes as a C string: an embedded NUL just ends it; room: the longest value the interface can carry
-    struct Family { const char* name; std::function<int(const std::string&)> call; bool cString; std::size_t room; };
-    // clang-format on
     constexpr std::size_t kAny = std::string::npos;
     CSystemUtility system;
     CPbUtility pb;
@@ -54,17 +50,14 @@ TEST(AtParameter, FamiliesSendNothingForRefusedText) {
     CCallUtility call;
     [](auto&... families) { (families.RegisterExecAT(ScriptedAtFake::Callback()), ...); }(system, pb, sms,
                                                                                           network, call);
-    const auto serviceCentre = [&](const std::string& v) {
-        TMsgAddress address;
-        std::snprintf(address.szAddress, sizeof address.szAddress, "%s", v.c_str());
-        return sms.SetServiceCenterAddress(address);
-    };
     // clang-format off
+    // cString: the value passes as a C string: an embedded NUL just ends it; room: the longest value the interface can carry
+    struct Family { const char* name; std::function<int(const std::string&)> call; bool cString; std::size_t room; };
     const Family families[] = {
         {"AT+CGDCONT apn", [&](const std::string& v) { return system.SetPdpContext(v.c_str(), nullptr); }, true, kAny},
         {"AT+CGDCONT address", [&](const std::string& v) { return system.SetPdpContext("inet", v.c_str()); }, true, kAny},
         {"AT+CPBW number", [&](const std::string& v) { return pb.UpdateItem(TPbItem{PB_STORAGE_SIM, 1, L"Ann", v}); }, false, kAny},
-        {"AT+CSCA", serviceCentre, true, kMsgAddressSize - 1},
+        {"AT+CSCA", [&](const std::string& v) { TMsgAddress a; std::snprintf(a.szAddress, sizeof a.szAddress, "%s", v.c_str()); return sms.SetServiceCenterAddress(a); }, true, kMsgAddressSize - 1},
         {"AT+COPS", [&](const std::string& v) { return network.Set(7, 1, 0, v.c_str(), 0); }, true, kAny},
         {"ATD", [&](const std::string& v) { return call.Dial(v.c_str()); }, true, kAny},
     };

@@ -1,5 +1,4 @@
 #include <functional>
-#include <list>
 #include <string>
 #include <vector>
 
@@ -68,7 +67,12 @@ TEST_F(AtSublayerTest, DecodesUnsolicitedLinesByPrefix) {
         {"+cmti: \"SM\",3", -1, false}, {"BUS", -1, false}, {"OK", -1, false}, {"", -1, false},
     };
     // clang-format on
+    // Without the decoder's context or an upper callback nothing happens; nor without a line.
+    EXPECT_EQ(ATSublayer_HandleReport(nullptr, "RING"), 0);
+    EXPECT_EQ(ATSublayer_HandleReport(m_sublayer, "RING"), 0);
     ASSERT_EQ(m_sublayer->RegisterReportCallback(&RecordReport, &m_reports), 0);
+    EXPECT_EQ(ATSublayer_HandleReport(m_sublayer, nullptr), 0);
+    EXPECT_TRUE(m_reports.empty());
     for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
         m_reports.clear();
@@ -81,15 +85,6 @@ TEST_F(AtSublayerTest, DecodesUnsolicitedLinesByPrefix) {
         EXPECT_EQ(at_test::Fields(m_reports[0].code, m_reports[0].hasPayload, m_reports[0].text),
                   at_test::Fields(row.code, row.hasPayload, row.hasPayload ? row.line : ""));
     }
-}
-
-TEST_F(AtSublayerTest, DecoderWithoutContextCallbackOrLineDoesNothing) {
-    EXPECT_EQ(ATSublayer_HandleReport(nullptr, "RING"), 0);
-    EXPECT_EQ(ATSublayer_HandleReport(m_sublayer, "RING"), 0); // no upper callback registered yet
-
-    m_sublayer->RegisterReportCallback(&RecordReport, &m_reports);
-    EXPECT_EQ(ATSublayer_HandleReport(m_sublayer, nullptr), 0);
-    EXPECT_TRUE(m_reports.empty());
 }
 
 TEST_F(AtSublayerTest, MissingLowerCallbacksGiveOne) {
@@ -108,15 +103,10 @@ TEST_F(AtSublayerTest, MissingLowerCallbacksGiveOne) {
 }
 
 TEST_F(AtSublayerTest, LowerCallbacksAreForwarded) {
-    TInterfaceAtSublayerLower lower{[](const void* argument) {
-                                        g_lower.startArgument = argument;
-                                        return 17;
-                                    },
-                                    [] { return 18; },
-                                    [] { return 19; },
-                                    ScriptedAtFake::Callback(),
-                                    [] { ++g_lower.cancels; },
-                                    &RegisterHandler};
+    // clang-format off
+    TInterfaceAtSublayerLower lower{[](const void* argument) { g_lower.startArgument = argument; return 17; }, [] { return 18; },
+                                    [] { return 19; }, ScriptedAtFake::Callback(), [] { ++g_lower.cancels; }, &RegisterHandler};
+    // clang-format on
     ASSERT_EQ(m_sublayer->RegisterLowerCBs(lower), 0);
 
     const int argument = 42;

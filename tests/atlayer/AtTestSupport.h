@@ -2,7 +2,6 @@
 
 // Small helpers shared by the command-family and codec tests of this folder.
 #include <cstdint>
-#include <functional>
 #include <list>
 #include <sstream>
 #include <string>
@@ -57,12 +56,6 @@ inline void Show(std::ostream& out, const std::wstring& text) {
 inline void Show(std::ostream& out, const wchar_t* text) {
     Show(out, std::wstring(text));
 }
-inline void Show(std::ostream& out, const std::u16string& text) {
-    out << ::testing::PrintToString(text);
-}
-inline void Show(std::ostream& out, const char16_t* text) {
-    Show(out, std::u16string(text));
-}
 template <typename T> void Show(std::ostream& out, const T& value) {
     if constexpr (std::is_arithmetic_v<T>)
         out << +value;
@@ -91,18 +84,44 @@ inline Reports TakeReports() {
     return reports;
 }
 
-// Sends one command per answer and compares what the read gives back ("result|value", see Fields).
+// A step's command, time limit, prefix and final results, for CheckReads: At("AT+CSQ\r").WithTimeout(1000).
+inline ScriptedAtFake::Step At(std::string command) {
+    ScriptedAtFake::Step step;
+    step.command = std::move(command);
+    return step;
+}
+
+// Expects the shape's command, with its time limit, prefix and final results, and this answer or failure.
+inline ScriptedAtFake::Step& Expect(ScriptedAtFake& fake, const ScriptedAtFake::Step& shape,
+                                    std::string answer = ScriptedAtFake::kOk, int failure = 0) {
+    ScriptedAtFake::Step& step = fake.Expect(shape.command);
+    step = shape;
+    step.answer = std::move(answer);
+    step.result = failure;
+    return step;
+}
+
+// Sends the shape's command once per row, with the row's answer or failure result, and compares what the
+// read gives back. A read of one number (int(int&)) gives "result|value", the value starting at -1; any
+// other read gives its own text (see Fields).
 struct Read {
     std::string answer;
     std::string expected;
+    int failure = 0;
 };
 template <typename F>
-void CheckReads(ScriptedAtFake& fake, const std::string& command, int timeoutMs, const char* prefix, F read,
+void CheckReads(ScriptedAtFake& fake, const ScriptedAtFake::Step& shape, F read,
                 const std::vector<Read>& rows) {
     for (const Read& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        fake.Expect(command, row.answer).WithTimeout(timeoutMs).WithPrefix(prefix);
-        EXPECT_EQ(read(), row.expected);
+        Expect(fake, shape, row.answer, row.failure);
+        if constexpr (std::is_invocable_v<F, int&>) {
+            int value = -1;
+            const int result = read(value);
+            EXPECT_EQ(Fields(result, value), row.expected);
+        } else {
+            EXPECT_EQ(read(), row.expected);
+        }
         fake.VerifyDone();
     }
 }

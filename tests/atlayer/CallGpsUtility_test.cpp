@@ -1,48 +1,33 @@
-#include <functional>
 #include <list>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "AtTestSupport.h"
 #include "CallUtility.h"
-#include "GPSUtility.h"
 
 namespace {
 
 using namespace at_test;
 
-
-class CallUtilityTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        m_call.RegisterExecAT(ScriptedAtFake::Callback());
-        m_gps.RegisterExecAT(ScriptedAtFake::Callback());
-    }
-
-    ScriptedAtFake m_fake;
-    CCallUtility m_call;
-    CGPSUtility m_gps;
-};
+using CallUtilityTest = FamilyTest<CCallUtility>;
 
 TEST_F(CallUtilityTest, InitStopsAtTheFirstFailure) {
-    m_fake.Expect("AT+COLP=0\r");
-    m_fake.Expect("AT+CLIP=0\r");
-    m_fake.Expect("AT+CRC=0\r");
-    EXPECT_EQ(m_call.Init(), 0);
+    fake.Expect("AT+COLP=0\r");
+    fake.Expect("AT+CLIP=0\r");
+    fake.Expect("AT+CRC=0\r");
+    EXPECT_EQ(family.Init(), 0);
 
-    m_fake.Expect("AT+COLP=0\r");
-    m_fake.ExpectFailure("AT+CLIP=0\r", 2);
-    EXPECT_EQ(m_call.Init(), 2);
+    fake.Expect("AT+COLP=0\r");
+    fake.ExpectFailure("AT+CLIP=0\r", 2);
+    EXPECT_EQ(family.Init(), 2);
 
-    m_fake.Expect("AT+COLP=0\r", "\r\nERROR\r\n");
-    EXPECT_EQ(m_call.Init(), 1);
+    fake.Expect("AT+COLP=0\r", "\r\nERROR\r\n");
+    EXPECT_EQ(family.Init(), 1);
 }
 
 TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
     // clang-format off
-    // result: -1: the operation does not run with this answer
     const struct { const char* answer; int result; int dial; int answerCall; int hangUp; } rows[] = {
         {"\r\nOK\r\n", 0, 0, 0, 0}, {"\r\nNO CARRIER\r\n", 0, 25, 25, 25}, {"\r\nBUSY\r\n", 0, 27, 1, 1}, {"\r\nNO ANSWER\r\n", 0, 26, 1, 1},
         {"\r\nNO DIALTONE\r\n", 0, 28, 1, 1}, {"\r\n+CME ERROR: no network service\r\n", 0, 1, 1, 1}, {"", 2, 2, 2, 2}, {"", 30, 30, 30, 30},
@@ -50,31 +35,29 @@ TEST_F(CallUtilityTest, CallResultsOfDialAnswerAndHangUp) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer) + " code " + std::to_string(row.result));
-        m_fake.Expect("ATD10086;\r", row.answer, row.result)
-            .WithTimeout(60000)
-            .WithoutPrefix()
-            .WithFinals(kFinals);
-        EXPECT_EQ(m_call.Dial("10086"), row.dial);
-        m_fake.Expect("ATA\r", row.answer, row.result).WithTimeout(3000).WithoutPrefix();
-        EXPECT_EQ(m_call.Answer(), row.answerCall);
-        m_fake.Expect("AT+CHUP\r", row.answer, row.result).WithTimeout(3000).WithoutPrefix();
-        EXPECT_EQ(m_call.HangUp(), row.hangUp);
+        Expect(fake, At("ATD10086;\r").WithTimeout(60000).WithoutPrefix().WithFinals(kFinals), row.answer,
+               row.result);
+        EXPECT_EQ(family.Dial("10086"), row.dial);
+        fake.Expect("ATA\r", row.answer, row.result).WithTimeout(3000).WithoutPrefix();
+        EXPECT_EQ(family.Answer(), row.answerCall);
+        fake.Expect("AT+CHUP\r", row.answer, row.result).WithTimeout(3000).WithoutPrefix();
+        EXPECT_EQ(family.HangUp(), row.hangUp);
     }
-    EXPECT_EQ(m_call.Dial(nullptr), 1);
+    EXPECT_EQ(family.Dial(nullptr), 1);
 }
 
 TEST_F(CallUtilityTest, DtmfTakesOnlyKeypadTones) {
     for (const char tone : std::string("0123456789*#ABCD")) {
         SCOPED_TRACE(tone);
-        m_fake.Expect(std::string("AT+VTS=") + tone + "\r");
-        EXPECT_EQ(m_call.SendDTMF(tone), 0);
+        fake.Expect(std::string("AT+VTS=") + tone + "\r");
+        EXPECT_EQ(family.SendDTMF(tone), 0);
     }
     for (const char tone : std::string("EaF+ ,;\r")) {
         SCOPED_TRACE(static_cast<int>(tone));
-        EXPECT_EQ(m_call.SendDTMF(tone), 1);
+        EXPECT_EQ(family.SendDTMF(tone), 1);
     }
-    EXPECT_EQ(m_call.SendDTMF('\0'), 1);
-    EXPECT_EQ(m_fake.Calls().size(), 16u);
+    EXPECT_EQ(family.SendDTMF('\0'), 1);
+    EXPECT_EQ(fake.Calls().size(), 16u);
 }
 
 TEST(CallListParse, ClccLines) {
@@ -97,8 +80,8 @@ TEST(CallListParse, ClccLines) {
         if (!row.listed)
             continue;
         const TCallItemState &c = calls.front(), &e = row.call;
-        EXPECT_EQ(at_test::Fields(c.nIndex, c.nDir, c.nState, c.nMode, c.nMpty, c.strNumber, c.nType),
-                  at_test::Fields(e.nIndex, e.nDir, e.nState, e.nMode, e.nMpty, e.strNumber, e.nType));
+        EXPECT_EQ(Fields(c.nIndex, c.nDir, c.nState, c.nMode, c.nMpty, c.strNumber, c.nType),
+                  Fields(e.nIndex, e.nDir, e.nState, e.nMode, e.nMpty, e.strNumber, e.nType));
     }
 }
 
@@ -114,23 +97,23 @@ TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
     for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.lines));
         const std::string answer = "\r\n" + row.lines + "\r\nOK\r\n";
-        m_fake.Expect("AT+CLCC\r", answer);
+        fake.Expect("AT+CLCC\r", answer);
         std::string number;
-        EXPECT_EQ(m_call.HandleRing(number), row.ring);
+        EXPECT_EQ(family.HandleRing(number), row.ring);
         EXPECT_EQ(number, row.number);
-        m_fake.Expect("AT+CLCC\r", answer);
+        fake.Expect("AT+CLCC\r", answer);
         bool allEnded = !row.allEnded;
-        EXPECT_EQ(m_call.HandleCallEnd(allEnded), 0);
+        EXPECT_EQ(family.HandleCallEnd(allEnded), 0);
         EXPECT_EQ(allEnded, row.allEnded);
     }
 
-    m_fake.ExpectFailure("AT+CLCC\r", 2);
+    fake.ExpectFailure("AT+CLCC\r", 2);
     std::string number = "x";
-    EXPECT_EQ(m_call.HandleRing(number), 1);
+    EXPECT_EQ(family.HandleRing(number), 1);
     EXPECT_EQ(number, "x");
-    m_fake.ExpectFailure("AT+CLCC\r", 30);
+    fake.ExpectFailure("AT+CLCC\r", 30);
     bool allEnded = false;
-    EXPECT_EQ(m_call.HandleCallEnd(allEnded), 1);
+    EXPECT_EQ(family.HandleCallEnd(allEnded), 1);
 }
 
 } // namespace

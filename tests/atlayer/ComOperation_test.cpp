@@ -9,13 +9,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
 #include <list>
 #include <sys/file.h>
-#include <termios.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -38,6 +36,12 @@ int CountOpenDescriptors() {
 }
 
 const std::string kUntouched = "untouched";
+
+UnsolicitedReportList& Queue(ComOperation* com) {
+    UnsolicitedReportList* list = nullptr;
+    com->getUnsoliciteReportList(list);
+    return *list;
+}
 
 class ComOperationTest : public ::testing::Test {
 protected:
@@ -63,12 +67,6 @@ protected:
         ComOperation::ResetTimeOutCount();
     }
 
-    size_t QueuedCount() {
-        UnsolicitedReportList* list = nullptr;
-        com->getUnsoliciteReportList(list);
-        return list->size();
-    }
-
     PtyPeer peer;
     ComOperation* com = ComOperation::GetInstance();
 
@@ -85,14 +83,10 @@ PtyPeer::Answer Pieces(std::initializer_list<std::string> texts, std::chrono::mi
 }
 
 TEST_F(ComOperationTest, TimesOutAfterTheLimitInTicks) {
-    struct {
+    const struct {
         int32_t seconds;
-        std::chrono::milliseconds atLeast;
-        std::chrono::milliseconds below;
-    } const cases[] = {
-        {0, 0ms, 500ms},
-        {1, 1000ms, 2500ms},
-    };
+        std::chrono::milliseconds atLeast, below;
+    } cases[] = {{0, 0ms, 500ms}, {1, 1000ms, 2500ms}};
     peer.setHandler([](const std::string&) { return PtyPeer::Answer{}; });
     int32_t count = 0;
     for (const auto& c : cases) {
@@ -122,16 +116,16 @@ TEST_F(ComOperationTest, FortyFirstTimeOutReopensThePortAndCountsAgain) {
     });
     std::string response;
     ASSERT_EQ(com->writeCom("AT+CNUM\r", nullptr, 5, response), 0);
-    ASSERT_EQ(QueuedCount(), 1u);
+    ASSERT_EQ(Queue(com).size(), 1u);
 
     for (int i = 1; i <= 40; ++i)
         ASSERT_EQ(com->writeCom("AT\r", nullptr, 0, response), 8);
     EXPECT_EQ(ComOperation::GetTimeOutCount(), 40);
-    EXPECT_EQ(QueuedCount(), 1u);
+    EXPECT_EQ(Queue(com).size(), 1u);
 
     EXPECT_EQ(com->writeCom("AT\r", nullptr, 0, response), 8);
     EXPECT_EQ(ComOperation::GetTimeOutCount(), 0);
-    EXPECT_EQ(QueuedCount(), 0u); // the reopen empties the queue
+    EXPECT_EQ(Queue(com).size(), 0u); // the reopen empties the queue
     EXPECT_EQ(com->writeCom("AT+CNUM\r", nullptr, 5, response), 0);
     TakeReports();
     EXPECT_EQ(com->writeCom("AT\r", nullptr, 0, response), 8);
@@ -258,20 +252,12 @@ TEST_F(ComOperationTest, TrafficTapShowsLinesBothWaysWithSecretsMasked) {
     std::fclose(traffic);
 }
 
-// The line rules over plain strings: the suffix test behind "is the answer complete" and the cutting of
-// report lines out of an answer.
-
-// clang-format off
-struct SuffixCase { const char* text; const char* suffix; int expected; };
-// clang-format on
-
-// clang-format off
-// expected: the command's own answer prefix, or nullptr
-struct MatchCase { const char* name; std::string data; const char* expected; const char* prefix; int count; std::list<std::string> lines; std::string dataAfter; };
-// clang-format on
-
-TEST(StringMatchStringLine, MovesReportLinesOutOfTheAnswer) {
+// The cutting of report lines out of an answer, over plain strings.
+using StringMatchStringLine = ComOperationTest;
+TEST_F(StringMatchStringLine, MovesReportLinesOutOfTheAnswer) {
     // clang-format off
+    // expected: the command's own answer prefix, or nullptr
+    struct MatchCase { const char* name; std::string data; const char* expected; const char* prefix; int count; std::list<std::string> lines; std::string dataAfter; };
     const MatchCase cases[] = {
         {"one report between answer lines", "\r\n+CSQ: 20,99\r\n\r\n+CMTI: \"SM\",3\r\n\r\nOK\r\n", nullptr, "+CMTI:", 1, {"\r\n+CMTI: \"SM\",3\r\n"}, "\r\n+CSQ: 20,99\r\n\n\r\nOK\r\n"},
         {"the command's own answer stays, the second is a report", "\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\r\n+CUSD: 2,\"Bye\",15\r\n\r\nOK\r\n", "+CUSD: ", "+CUSD:", 1, {"\r\n+CUSD: 2,\"Bye\",15\r\n"}, "\r\n+CUSD: 0,\"Balance 5.00\",15\r\n\n\r\nOK\r\n"},
@@ -284,8 +270,6 @@ TEST(StringMatchStringLine, MovesReportLinesOutOfTheAnswer) {
         {"no such report", "\r\n+CGMI: VEL\r\n\r\nOK\r\n", nullptr, "+STIN:", 0, {}, "\r\n+CGMI: VEL\r\n\r\nOK\r\n"},
     };
     // clang-format on
-    std::FILE* const sink = GetDebugSink();
-    SetDebugSink(nullptr);
     for (const MatchCase& c : cases) {
         SCOPED_TRACE(c.name);
         std::string data = c.data;
@@ -297,24 +281,15 @@ TEST(StringMatchStringLine, MovesReportLinesOutOfTheAnswer) {
         }
         EXPECT_EQ(data, c.dataAfter);
     }
-    SetDebugSink(sink);
 }
 
 // A stick flooding the port with unsolicited lines: repeated lines are merged, a USSD answer goes ahead of
-// the flood, and the queue's bounds never cost a kept line.
-
-UnsolicitedReportList& Queue(ComOperation* com) {
-    UnsolicitedReportList* list = nullptr;
-    com->getUnsoliciteReportList(list);
-    return *list;
-}
-
-TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
+// the flood, and the queue's bounds never cost a kept line. One debug line goes out per dropped line.
+using ComOperationFloodTest = ComOperationTest;
+TEST_F(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
     // clang-format off
     // numbered: the line with its copy number appended, so every copy differs
     struct Step { unsolicited_report_e_type type; const char* line; int count; bool numbered; };
-    // clang-format on
-    // clang-format off
     // absent: a line that must not be queued, or nullptr
     struct Row { const char* name; std::vector<Step> steps; size_t queued; const char* front; const char* absent; bool missed; };
     const auto RING = UNSOLICITED_REPORT_RING;
@@ -332,10 +307,6 @@ TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
         {"kept lines stop at the hard bound, counted as missed", {{CMTI, "+CMTI: \"ME\",", static_cast<int>(ComOperation::kMaxKeptReports) + 4, true}}, ComOperation::kMaxKeptReports, "+CMTI: \"ME\",0", "+CMTI: \"ME\",4096", true},
     };
     // clang-format on
-    std::FILE* debug = std::tmpfile(); // one debug line per dropped line
-    std::FILE* previous = GetDebugSink();
-    SetDebugSink(debug);
-    ComOperation* com = ComOperation::GetInstance();
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         TakeReports();
@@ -359,10 +330,7 @@ TEST(ComOperationFloodTest, QueueMergesAndBoundsByKind) {
         EXPECT_EQ(com->takeMissedNewMessages(), row.missed);
         EXPECT_EQ(com->newMessageReportsQueued() - countedBefore, newMessageLines);
     }
-    TakeReports();
     com->takeMissedNewMessages();
-    SetDebugSink(previous);
-    std::fclose(debug);
 }
 
 } // namespace

@@ -26,9 +26,7 @@ TEST(Gsm7BitAlphabet, DefaultTableMatchesTheStandard) {
         EXPECT_EQ(Gsm7DefaultCode(kTs23038Default[code]), static_cast<int>(code))
             << "code 0x" << std::hex << code;
     }
-}
-
-TEST(Gsm7BitAlphabet, CodesOutsideTheTablesHaveNoCharacter) {
+    // Codes outside the tables have no character.
     for (unsigned code : {0x80u, 0xFFu, 0x1000u})
         EXPECT_EQ(std::wstring({Gsm7DefaultToUnicode(code), Gsm7ExtensionToUnicode(code)}),
                   std::wstring(2, kGsm7NoChar));

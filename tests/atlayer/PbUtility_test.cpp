@@ -1,4 +1,3 @@
-#include <iterator>
 #include <list>
 #include <string>
 #include <utility>
@@ -11,9 +10,9 @@
 
 namespace {
 
-using at_test::Answer;
-using at_test::Fields;
+using namespace at_test;
 const std::list<std::string> kCme = {"OK", "+CME ERROR", "ERROR"};
+const std::list<std::string> kCscs = {"OK", "ERROR", "+CME ERROR"};
 
 class PbUtilityTest : public ::testing::Test {
 protected:
@@ -21,10 +20,8 @@ protected:
 
     static std::string Name(int storage) { return storage == PB_STORAGE_SIM ? "SM" : "ME"; }
     void ExpectSelect(int storage) {
-        m_fake.Expect("AT+CPBS=\"" + Name(storage) + "\"\r")
-            .WithTimeout(1000)
-            .WithoutPrefix()
-            .WithFinals(kCme);
+        Expect(m_fake,
+               At("AT+CPBS=\"" + Name(storage) + "\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCme));
     }
     void ExpectUse(int storage, int used, int total) {
         ExpectSelect(storage);
@@ -33,11 +30,8 @@ protected:
             .WithTimeout(1000)
             .WithPrefix("+CPBS: ");
     }
-    void ExpectUcs2() {
-        m_fake.Expect("AT+CSCS=\"UCS2\"\r")
-            .WithTimeout(1000)
-            .WithoutPrefix()
-            .WithFinals({"OK", "ERROR", "+CME ERROR"});
+    void ExpectUcs2(const char* answer = ScriptedAtFake::kOk) {
+        Expect(m_fake, At("AT+CSCS=\"UCS2\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscs), answer);
     }
     // A full read of a storage whose entries have these indexes, listed in the order given.
     void ExpectList(int storage, const std::vector<int>& indexes, int total) {
@@ -131,52 +125,43 @@ TEST_F(PbUtilityTest, StorageUseFailures) {
 }
 
 TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
-    // clang-format off
-    const struct { std::string answer; int result; int name; int number; } rows[] = {
-        {Answer("+CPBR: (1-250),40,14"), 0, 14, 40}, {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", 0, 18, 20},
-        {Answer("+CPBR: (1-250),,14"), 0, 14, 0}, {Answer("+CPBR: (1-250),40"), 0, 0, 40}, {Answer("+CPBR: (1-250),40,"), 0, 0, 40},
-        {Answer("+CPBR: (1-250)"), 0, -1, -1}, // no comma: both left alone
-        {Answer("+CPBR: (1-250),x,14"), 0, 0, -1}, {ScriptedAtFake::kOk, 1, -1, -1}, {"\r\n+CME ERROR: operation not allowed\r\n", 1, -1, -1},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+CPBR=?\r", row.answer).WithTimeout(1000).WithPrefix("+CPBR: ").WithFinals(kCme);
+    const auto limits = [this] {
         int name = -1, number = -1;
         const int result = m_pb.GetMaxLengthPair(name, number);
-        EXPECT_EQ(Fields(result, name, number), Fields(row.result, row.name, row.number));
-    }
-    m_fake.ExpectFailure("AT+CPBR=?\r", 2);
-    int name = -1, number = -1;
-    EXPECT_EQ(m_pb.GetMaxLengthPair(name, number), 2);
+        return Fields(result, name, number);
+    };
+    // clang-format off
+    CheckReads(m_fake, At("AT+CPBR=?\r").WithTimeout(1000).WithPrefix("+CPBR: ").WithFinals(kCme), limits, {
+        {Answer("+CPBR: (1-250),40,14"), "0|14|40"}, {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", "0|18|20"},
+        {Answer("+CPBR: (1-250),,14"), "0|14|0"}, {Answer("+CPBR: (1-250),40"), "0|0|40"}, {Answer("+CPBR: (1-250),40,"), "0|0|40"},
+        {Answer("+CPBR: (1-250)"), "0|-1|-1"}, // no comma: both left alone
+        {Answer("+CPBR: (1-250),x,14"), "0|0|-1"}, {ScriptedAtFake::kOk, "1|-1|-1"}, {"\r\n+CME ERROR: operation not allowed\r\n", "1|-1|-1"},
+        {"", "2|-1|-1", 2}});
+    // clang-format on
 }
 
 TEST_F(PbUtilityTest, ListFailures) {
-    // An entry that cannot be decoded empties the list.
-    ExpectUse(PB_STORAGE_SIM, 2, 250);
-    ExpectUcs2();
-    m_fake.Expect("AT+CPBR=1,250\r", Answer("+CPBR: 1,\"10086\",129,\"004D\"\r\n+CPBR: 2,\"10010\""));
+    const std::string two = "\r\n+CPBR: 1,\"10086\",129,\"004D\"\r\n+CPBR: 2,\"10010\"";
+    // clang-format off
+    // failure: -1: the entries are not asked for
+    const struct { const char* what; const char* charSet; std::string answer; int failure; int result; std::size_t items; } rows[] = {
+        {"an entry that cannot be decoded empties the list", ScriptedAtFake::kOk, two + "\r\n\r\nOK\r\n", 0, 1, 0},
+        {"a line without its end is skipped", ScriptedAtFake::kOk, two + ",129,\"0041\"", 0, 0, 1},
+        {"no character set", "\r\nERROR\r\n", "", -1, 1, 0}, {"time-out", ScriptedAtFake::kOk, "", 2, 2, 0},
+    };
+    // clang-format on
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        ExpectUse(PB_STORAGE_SIM, 2, 250);
+        ExpectUcs2(row.charSet);
+        if (row.failure >= 0)
+            m_fake.Expect("AT+CPBR=1,250\r", row.answer, row.failure);
+        std::list<TPbBaseItem> items;
+        EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), row.result);
+        EXPECT_EQ(Fields(items.size(), m_pb.UsedIndexes(PB_STORAGE_SIM).size()),
+                  Fields(row.items, row.items));
+    }
     std::list<TPbBaseItem> items;
-    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 1);
-    EXPECT_EQ(Fields(items.size(), m_pb.UsedIndexes(PB_STORAGE_SIM).size()), "0|0");
-
-    // A line without its end is skipped.
-    ExpectUse(PB_STORAGE_SIM, 2, 250);
-    ExpectUcs2();
-    m_fake.Expect("AT+CPBR=1,250\r",
-                  "\r\n+CPBR: 1,\"10086\",129,\"004D\"\r\n+CPBR: 2,\"10010\",129,\"0041\"");
-    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 0);
-    EXPECT_EQ(items.size(), 1u);
-
-    ExpectUse(PB_STORAGE_SIM, 2, 250);
-    m_fake.Expect("AT+CSCS=\"UCS2\"\r", "\r\nERROR\r\n");
-    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 1);
-
-    ExpectUse(PB_STORAGE_SIM, 2, 250);
-    ExpectUcs2();
-    m_fake.ExpectFailure("AT+CPBR=1,250\r", 2);
-    EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 2);
-
     m_fake.ExpectFailure("AT+CPBS=\"ME\"\r", 30);
     EXPECT_EQ(m_pb.GetList(PB_STORAGE_MODEM, items), 30);
 }
@@ -273,10 +258,8 @@ TEST_F(PbUtilityTest, UpdateWritesTheUpperCasedCommand) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.command) + " " + std::to_string(row.failure));
         ExpectUcs2();
         ExpectSelect(row.item.nStore);
-        m_fake.Expect(row.command, row.answer, row.failure)
-            .WithTimeout(3000)
-            .WithoutPrefix()
-            .WithFinals(kCme);
+        Expect(m_fake, At(row.command).WithTimeout(3000).WithoutPrefix().WithFinals(kCme), row.answer,
+               row.failure);
         EXPECT_EQ(m_pb.UpdateItem(row.item), row.result);
     }
     m_fake.ExpectFailure("AT+CSCS=\"UCS2\"\r", 2);

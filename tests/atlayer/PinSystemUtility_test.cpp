@@ -1,7 +1,6 @@
 #include <cstring>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -77,18 +76,10 @@ TEST_F(PinSystemTest, CommandsSendTheirTextAndMapErrors) {
 
 TEST_F(PinUtilityTest, GetStateReadsTheLockAnswer) {
     // clang-format off
-    const struct { const char* answer; int result; int enabled; } rows[] = {
-        {"\r\n+CLCK: 1\r\n\r\nOK\r\n", 0, 1}, {"AT+CLCK=\"SC\",2\r\r\n+CLCK: 0\r\n\r\nOK\r\n", 0, 0}, {"\r\n+CLCK: 2\r\n\r\nOK\r\n", 1, -1},
-        {"\r\n+CLCK:\r\n\r\nOK\r\n", 1, -1}, {"\r\n+CME ERROR: SIM PIN required\r\n", 1, -1},
-    };
+    CheckReads(m_fake, At("AT+CLCK=\"SC\",2\r").WithTimeout(5000).WithPrefix("+CLCK"), [this](int& enabled) { return m_pin.GetState(enabled); }, {
+        {"\r\n+CLCK: 1\r\n\r\nOK\r\n", "0|1"}, {"AT+CLCK=\"SC\",2\r\r\n+CLCK: 0\r\n\r\nOK\r\n", "0|0"}, {"\r\n+CLCK: 2\r\n\r\nOK\r\n", "1|-1"},
+        {"\r\n+CLCK:\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CME ERROR: SIM PIN required\r\n", "1|-1"}});
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+CLCK=\"SC\",2\r", row.answer).WithTimeout(5000).WithPrefix("+CLCK");
-        int enabled = -1;
-        const int result = m_pin.GetState(enabled);
-        EXPECT_EQ(Fields(result, enabled), Fields(row.result, row.enabled));
-    }
 }
 
 TEST_F(PinUtilityTest, GetInfoPicksTheCounterCommandByState) {
@@ -162,48 +153,31 @@ TEST(SystemUtilityParse, ImsiIsTheFirstShortAllDigitLine) {
 }
 
 TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
-    // clang-format off
-    const struct { const char* answer; const char* number; } rows[] = {
-        {"\r\n+CNUM: \"Voice\",\"+8613912345678\",145,0,4\r\n\r\nOK\r\n", "+8613912345678"},
-        {"\r\n+CNUM: ,\"07700900123\",129\r\n\r\nOK\r\n", "07700900123"}, {"\r\n+CNUM: \"\",\"+447700900123\",145,,4\r\n\r\nOK\r\n", "+447700900123"},
-        {"\r\n+CNUM: \"Data\",\"+111\",145,0,0\r\n+CNUM: \"Voice\",\"+222\",145,0,4\r\n\r\nOK\r\n", "+222"},
-        {"\r\n+CNUM: \"\",\"\",129\r\n+CNUM: \"\",\"+333\",145\r\n\r\nOK\r\n", "+333"},
-        {"\r\n+CNUM: \"Me\", \"+444\",145\r\n+CNUM: ,\"+555\",145\r\n\r\nOK\r\n", ""}, // no quote: stop
-        {"\r\n+CNUM: \"Fax\",\"+666\",145,0,5\r\n\r\nOK\r\n", ""}, {"\r\n+CNUM: \"\",\"+777\r\n\r\nOK\r\n", ""},
-        {"\r\n+CNUM: ,\"123456789012345678901234567890\",129\r\n\r\nOK\r\n", "1234567890123456789"},
-        {"\r\n+CNUM: ,\"+888\",145\r\n+CMTI: \"SM\",1\r\n\r\nOK\r\n", "+888"}, {"\r\nOK\r\n", ""},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+CNUM\r", row.answer).WithTimeout(3000).WithoutPrefix().WithFinals(kFinals);
+    const auto own = [this] {
         TMsisdnInfo msisdn;
         std::memset(static_cast<void*>(&msisdn), 'x', sizeof msisdn);
         const int result = m_system.GetMsisdn(msisdn);
-        EXPECT_EQ(Fields(result, msisdn.szNumber, msisdn.chTerminator), Fields(0, row.number, 0));
-    }
-
-    m_fake.ExpectFailure("AT+CNUM\r", 2);
-    TMsisdnInfo msisdn;
-    std::strcpy(msisdn.szNumber, "+999");
-    EXPECT_EQ(m_system.GetMsisdn(msisdn), 2);
-    EXPECT_STREQ(msisdn.szNumber, "");
+        return Fields(result, msisdn.szNumber, msisdn.chTerminator);
+    };
+    // clang-format off
+    CheckReads(m_fake, At("AT+CNUM\r").WithTimeout(3000).WithoutPrefix().WithFinals(kFinals), own, {
+        {"\r\n+CNUM: \"Voice\",\"+8613912345678\",145,0,4\r\n\r\nOK\r\n", "0|+8613912345678|0"},
+        {"\r\n+CNUM: ,\"07700900123\",129\r\n\r\nOK\r\n", "0|07700900123|0"}, {"\r\n+CNUM: \"\",\"+447700900123\",145,,4\r\n\r\nOK\r\n", "0|+447700900123|0"},
+        {"\r\n+CNUM: \"Data\",\"+111\",145,0,0\r\n+CNUM: \"Voice\",\"+222\",145,0,4\r\n\r\nOK\r\n", "0|+222|0"},
+        {"\r\n+CNUM: \"\",\"\",129\r\n+CNUM: \"\",\"+333\",145\r\n\r\nOK\r\n", "0|+333|0"},
+        {"\r\n+CNUM: \"Me\", \"+444\",145\r\n+CNUM: ,\"+555\",145\r\n\r\nOK\r\n", "0||0"}, // no quote: stop
+        {"\r\n+CNUM: \"Fax\",\"+666\",145,0,5\r\n\r\nOK\r\n", "0||0"}, {"\r\n+CNUM: \"\",\"+777\r\n\r\nOK\r\n", "0||0"},
+        {"\r\n+CNUM: ,\"123456789012345678901234567890\",129\r\n\r\nOK\r\n", "0|1234567890123456789|0"},
+        {"\r\n+CNUM: ,\"+888\",145\r\n+CMTI: \"SM\",1\r\n\r\nOK\r\n", "0|+888|0"}, {"\r\nOK\r\n", "0||0"}, {"", "2||0", 2}});
+    // clang-format on
 }
 
 TEST_F(SystemUtilityTest, DeviceStartStateReadsTheFuncAnswer) {
     // clang-format off
-    const struct { const char* answer; int result; int state; } rows[] = {
-        {"\r\n+FUNC: 1\r\n\r\nOK\r\n", 0, 1}, {"AT+FUNC=5,?\r\r\n+FUNC:0\r\n\r\nOK\r\n", 0, 0}, {"\r\n+CREG: 1\r\n+FUNC: 2\r\n\r\nOK\r\n", 0, 2},
-        {"\r\n+FUNC: \r\n\r\nOK\r\n", 1, -1}, {"\r\nOK\r\n", 1, -1}, {"\r\nERROR\r\n", 1, -1},
-    };
+    CheckReads(m_fake, At("AT+FUNC=5,?\r").WithTimeout(3000).WithPrefix("+FUNC:"), [this](int& state) { return m_system.GetDeviceStartState(state); }, {
+        {"\r\n+FUNC: 1\r\n\r\nOK\r\n", "0|1"}, {"AT+FUNC=5,?\r\r\n+FUNC:0\r\n\r\nOK\r\n", "0|0"}, {"\r\n+CREG: 1\r\n+FUNC: 2\r\n\r\nOK\r\n", "0|2"},
+        {"\r\n+FUNC: \r\n\r\nOK\r\n", "1|-1"}, {"\r\nOK\r\n", "1|-1"}, {"\r\nERROR\r\n", "1|-1"}});
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+FUNC=5,?\r", row.answer).WithTimeout(3000).WithPrefix("+FUNC:");
-        int state = -1;
-        const int result = m_system.GetDeviceStartState(state);
-        EXPECT_EQ(Fields(result, state), Fields(row.result, row.state));
-    }
 }
 
 } // namespace

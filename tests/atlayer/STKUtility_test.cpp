@@ -1,4 +1,3 @@
-#include <list>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -10,32 +9,15 @@ namespace {
 
 using namespace at_test;
 
-
-
 const char* const kUntouched = "untouched";
 
-class STKUtilityTest : public ::testing::Test {
-protected:
-    void SetUp() override { m_stk.RegisterExecAT(ScriptedAtFake::Callback()); }
-
-    ScriptedAtFake::Step& ExpectFetch(const std::string& command, const char* answer, int result = 0) {
-        return m_fake.Expect(command, answer, result)
-            .WithTimeout(5000)
-            .WithPrefix("+STGI:")
-            .WithFinals(kFinals);
-    }
-
-    ScriptedAtFake m_fake;
-    CSTKUtility m_stk;
-};
+using STKUtilityTest = FamilyTest<CSTKUtility>;
 
 TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
     // clang-format off
     // command: null: nothing may be sent
     struct Row { const char* line; const char* command; const char* answer; int failure; int result; const char* text; };
-    const char* const selectItem =
-        "\r\n+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\"\r\n"
-        "\r\nOK\r\n";
+    const char* const selectItem = "\r\n+STGI: 11,\"Games\",1,2\r\n+STGI: 11,1,\"Quiz\"\r\n+STGI: 11,2,\"About\"\r\n\r\nOK\r\n";
     const Row rows[] = {
         {"+STIN: 11", "AT+STGI=11\r", selectItem, 0, 0, selectItem},
         {"+STIN:1", "AT+STGI=1\r", "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n", 0, 0, "\r\n+STGI: 1,\"Hi\",0,1\r\n\r\nOK\r\n"},
@@ -51,17 +33,16 @@ TEST_F(STKUtilityTest, HandleReportFetchesTheAnnouncedCommand) {
     // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.line));
-        if (row.command != nullptr && row.failure != 0)
-            m_fake.ExpectFailure(row.command, row.failure);
-        else if (row.command != nullptr)
-            ExpectFetch(row.command, row.answer);
+        if (row.command != nullptr)
+            Expect(fake, At(row.command).WithTimeout(5000).WithPrefix("+STGI:").WithFinals(kFinals),
+                   row.answer != nullptr ? row.answer : "", row.failure);
         std::string text = kUntouched;
-        EXPECT_EQ(m_stk.HandleReport(row.line, text), row.result);
+        EXPECT_EQ(family.HandleReport(row.line, text), row.result);
         EXPECT_EQ(text, row.text);
-        m_fake.VerifyDone();
+        fake.VerifyDone();
     }
     std::string text = kUntouched;
-    EXPECT_EQ(m_stk.HandleReport(nullptr, text), 1);
+    EXPECT_EQ(family.HandleReport(nullptr, text), 1);
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <cstring>
 #include <list>
 #include <string>
 #include <utility>
@@ -13,6 +12,7 @@
 
 namespace {
 
+using namespace at_test;
 using Finals = std::list<std::string>;
 const Finals kCme = {"OK", "ERROR", "+CME ERROR"};
 const Finals kCms = {"OK", "+CMS ERROR", "ERROR"};
@@ -75,19 +75,11 @@ TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
     m_fake.VerifyDone();
 
     // clang-format off
-    const struct { const char* answer; int result; int format; } rows[] = {
-        {"\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, {"\r\n+CMGF: 1\r\n\r\nOK\r\n", 0, 0},
-        {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", 0, 1}, // echo on
-        {"\r\n+CMGF: 2\r\n\r\nOK\r\n", 1, -1}, {"\r\n+CMGF: x\r\n\r\nOK\r\n", 1, -1}, {"\r\nOK\r\n", 1, -1},
-    };
+    CheckReads(m_fake, At("AT+CMGF?\r"), [this](int& format) { return m_sms.GetMessageFormat(format); }, {
+        {"\r\n+CMGF: 0\r\n\r\nOK\r\n", "0|1"}, {"\r\n+CMGF: 1\r\n\r\nOK\r\n", "0|0"},
+        {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", "0|1"}, // echo on
+        {"\r\n+CMGF: 2\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CMGF: x\r\n\r\nOK\r\n", "1|-1"}, {"\r\nOK\r\n", "1|-1"}});
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+CMGF?\r", row.answer);
-        int format = -1;
-        const int result = m_sms.GetMessageFormat(format);
-        EXPECT_EQ(at_test::Fields(result, format), at_test::Fields(row.result, row.format));
-    }
 }
 
 TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
@@ -158,17 +150,18 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
 TEST_F(SmsCommandsTest, PreferredStorages) {
     const char* const kMeSmSm = "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n\r\nOK\r\n";
     const char* const kMeMeMe = "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"ME\",0,100\r\n\r\nOK\r\n";
-    int mem1 = -1, mem2 = -1, mem3 = -1;
-    ExpectStorages(kMeSmSm);
-    ASSERT_EQ(m_sms.GetPreferredMessageStorage(mem1, mem2, mem3), 0);
-    EXPECT_EQ(at_test::Fields(mem1, mem2, mem3), "1|3|3");
-    for (const char* broken : {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n",
-                               "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",x,20\r\n\r\nOK\r\n",
-                               "\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n", "\r\nOK\r\n"}) {
-        ExpectStorages(broken);
-        EXPECT_EQ(m_sms.GetPreferredMessageStorage(mem1, mem2, mem3), 1) << ScriptedAtFake::Printable(broken);
-    }
-    m_fake.VerifyDone();
+    const auto storages = At("AT+CPMS?\r").WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
+    const auto memories = [this] {
+        int mem1 = -1, mem2 = -1, mem3 = -1;
+        const int result = m_sms.GetPreferredMessageStorage(mem1, mem2, mem3);
+        return Fields(result, mem1, mem2, mem3);
+    };
+    // clang-format off
+    CheckReads(m_fake, storages, memories, {
+        {kMeSmSm, "0|1|3|3"}, {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n", "1|-1|-1|-1"},
+        {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",x,20\r\n\r\nOK\r\n", "1|-1|-1|-1"},
+        {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n", "1|-1|-1|-1"}, {"\r\nOK\r\n", "1|-1|-1|-1"}});
+    // clang-format on
 
     // The receive storage is rewritten only when it differs; the first two stay.
     // clang-format off
@@ -186,12 +179,8 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
         EXPECT_EQ(m_sms.SetPreferredStorage(row.storage), 0);
         m_fake.VerifyDone();
     }
-    for (const auto& [answer, expected] : {std::pair{kMeSmSm, 1}, {kMeMeMe, 2}}) {
-        ExpectStorages(answer);
-        int storage = 0;
-        ASSERT_EQ(m_sms.GetPreferredStorage(storage), 0);
-        EXPECT_EQ(storage, expected);
-    }
+    CheckReads(m_fake, storages, [this](int& storage) { return m_sms.GetPreferredStorage(storage); },
+               {{kMeSmSm, "0|1"}, {kMeMeMe, "0|2"}});
 
     // A failed exchange is 2 whatever the lower layer said; a refusal is 1.
     m_fake.ExpectFailure("AT+CPMS=\"SM\",\"SM\",\"\"\r", 30);
@@ -205,17 +194,11 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
 }
 
 TEST_F(SmsCommandsTest, StorageState) {
-    for (const char* storage : {"ME", "SM"}) {
-        const std::string counts = storage[0] == 'M' ? "7,100,3,20" : "3,20,7,100";
-        m_fake
-            .Expect(std::string("AT+CPMS=\"") + storage + "\"\r",
-                    at_test::Answer("+CPMS: " + counts + ",3,20"))
-            .WithTimeout(1000)
-            .WithFinals(kCms);
-    }
+    m_fake.Expect("AT+CPMS=\"ME\"\r", Answer("+CPMS: 7,100,3,20,3,20")).WithTimeout(1000).WithFinals(kCms);
+    m_fake.Expect("AT+CPMS=\"SM\"\r", Answer("+CPMS: 3,20,7,100,3,20")).WithTimeout(1000).WithFinals(kCms);
     TSmsStorageState state;
     ASSERT_EQ(m_sms.GetStorageState(state), 0);
-    EXPECT_EQ(at_test::Fields(state.nMeUsed, state.nMeTotal, state.nSimUsed, state.nSimTotal), "7|100|3|20");
+    EXPECT_EQ(Fields(state.nMeUsed, state.nMeTotal, state.nSimUsed, state.nSimTotal), "7|100|3|20");
 
     m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7\r\n\r\nOK\r\n");
     EXPECT_EQ(m_sms.GetStorageState(state), 1);
@@ -236,15 +219,12 @@ TEST_F(SmsCommandsTest, DeleteRemovesATableItemOnlyWhenTheModemDidDelete) {
     uint32_t id = 0;
     ASSERT_EQ(m_sms.AddMsgItemToListTable(item, added, id, deleted, replaced, false), 0);
 
-    m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n");
-    m_fake.Expect("AT+CMGD=5\r", "\r\n+CMS ERROR: 321\r\n").WithTimeout(5000).WithFinals(kCms);
-    EXPECT_EQ(m_sms.Delete(static_cast<int>(id)), 1);
-    EXPECT_EQ(m_sms.MessageTable().size(), 1u);
-
-    m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n");
-    m_fake.Expect("AT+CMGD=5\r");
-    EXPECT_EQ(m_sms.Delete(static_cast<int>(id)), 0);
-    EXPECT_TRUE(m_sms.MessageTable().empty());
+    for (const auto& [answer, result, left] : {std::tuple{"\r\n+CMS ERROR: 321\r\n", 1, 1u}, {kOk, 0, 0u}}) {
+        m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n");
+        m_fake.Expect("AT+CMGD=5\r", answer).WithTimeout(5000).WithFinals(kCms);
+        EXPECT_EQ(m_sms.Delete(static_cast<int>(id)), result);
+        EXPECT_EQ(m_sms.MessageTable().size(), left);
+    }
 }
 
 // "hello" to +31612345678: SMS-SUBMIT with TP-RD, no validity period, 7-bit. The message reference is the

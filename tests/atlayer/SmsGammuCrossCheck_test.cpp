@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -22,30 +21,27 @@ using at_test::Hex;
 
 constexpr const char* kPython = "/usr/bin/python3";
 
-// One line per PDU: type, number, text (both as UTF-16 hex), class, reference, part, parts, time, status,
-// service centre; "ERROR" when gammu refuses the PDU.
+// Reads the PDUs from its arguments and prints one line per PDU: type, number, text (both as UTF-16 hex),
+// class, reference, part, parts, time, status, service centre; "ERROR" when gammu refuses the PDU.
 constexpr const char* kScript = R"(
 import sys, gammu
 def units(text):
-    return text.encode('utf-16-be').hex().upper()
-for line in sys.stdin:
-    line = line.strip()
-    if not line:
-        continue
+    return text.encode("utf-16-be").hex().upper()
+for pdu in sys.argv[1:]:
     try:
-        d = gammu.DecodePDU(bytes.fromhex(line), SMSC=True)
+        d = gammu.DecodePDU(bytes.fromhex(pdu), SMSC=True)
     except Exception as e:
-        print('ERROR')
+        print("ERROR")
         continue
-    udh = d['UDH']
-    ref = udh['ID8bit'] if udh['Type'] == 'ConcatenatedMessages' else (
-        udh['ID16bit'] & 0xFF if udh['Type'] == 'ConcatenatedMessages16bit' else -1)
-    when = d['DateTime'].strftime('%Y-%m-%d %H:%M:%S') if d['DateTime'] else '-'
+    udh = d["UDH"]
+    ref = udh["ID8bit"] if udh["Type"] == "ConcatenatedMessages" else (
+        udh["ID16bit"] & 0xFF if udh["Type"] == "ConcatenatedMessages16bit" else -1)
+    when = d["DateTime"].strftime("%Y-%m-%d %H:%M:%S") if d["DateTime"] else "-"
     # gammu pads a 7-bit text with escapes up to the septet count: its text ends at the first NUL.
-    text = (d['Text'] or '').split('\x00')[0]
-    print('\t'.join(str(x) for x in [d['Type'], units(d['Number']), units(text) or '-', d['Class'], ref,
-                                     udh['PartNumber'], udh['AllParts'], when, d['DeliveryStatus'],
-                                     d['SMSC']['Number'] or '-']))
+    text = (d["Text"] or "").split("\x00")[0]
+    print("\t".join(str(x) for x in [d["Type"], units(d["Number"]), units(text) or "-", d["Class"], ref,
+                                     udh["PartNumber"], udh["AllParts"], when, d["DeliveryStatus"],
+                                     d["SMSC"]["Number"] or "-"]))
 )";
 
 bool GammuAvailable() {
@@ -56,31 +52,18 @@ bool GammuAvailable() {
 std::string Units(const std::wstring& text) {
     char digits[8];
     std::string hex;
-    for (wchar_t c : text) {
-        auto code = static_cast<uint32_t>(c);
-        if (code > 0xFFFF) {
-            std::snprintf(digits, sizeof digits, "%04X", 0xD800 + ((code - 0x10000) >> 10));
-            hex += digits;
-            code = 0xDC00 + ((code - 0x10000) & 0x3FF);
-        }
-        std::snprintf(digits, sizeof digits, "%04X", code);
+    for (const wchar_t unit : sms_test::Utf16(text)) {
+        std::snprintf(digits, sizeof digits, "%04X", static_cast<unsigned>(unit));
         hex += digits;
     }
     return hex.empty() ? "-" : hex;
 }
 
+// The PDUs are hex digits only, so they pass the shell as they are; the script has no single quote.
 std::vector<std::vector<std::string>> RunGammu(const std::vector<std::string>& pdus) {
-    char dir[] = "/tmp/dialtone-gammu-XXXXXX";
-    EXPECT_NE(mkdtemp(dir), nullptr);
-    const std::string script = std::string(dir) + "/decode.py";
-    const std::string input = std::string(dir) + "/pdus.txt";
-    std::ofstream(script) << kScript;
-    {
-        std::ofstream out(input);
-        for (const std::string& pdu : pdus)
-            out << pdu << "\n";
-    }
-    const std::string command = std::string(kPython) + " " + script + " < " + input;
+    std::string command = std::string(kPython) + " -c '" + kScript + "'";
+    for (const std::string& pdu : pdus)
+        command += " " + pdu;
     std::vector<std::vector<std::string>> rows;
     if (FILE* pipe = popen(command.c_str(), "r")) {
         char line[4096];
@@ -92,9 +75,6 @@ std::vector<std::vector<std::string>> RunGammu(const std::vector<std::string>& p
         }
         pclose(pipe);
     }
-    std::remove(script.c_str());
-    std::remove(input.c_str());
-    rmdir(dir);
     return rows;
 }
 

@@ -220,23 +220,18 @@ TEST(SmsMessageTable, DataMessagesAreDeletedNotListed) {
     PcDeletes pc;
     sms.SetIMSI("262011234567890");
     sms.RegisterPCCallback(&pc, nullptr, nullptr, &DeleteFromPc, 1);
-    {
+    for (const Stored& data :
+         {Stored{.index = 12, .dcs = 0xF5}, Stored{.storage = SMS_STORAGE_PC, .index = 9, .dcs = 0x04}}) {
         ScriptedAtFake fake;
-        ExpectDeletion(fake, "SM", 12);
+        if (data.storage == SMS_STORAGE_SIM)
+            ExpectDeletion(fake, "SM", 12);
         bool added = true, deleted = false, replaced = false;
         uint32_t id = 0;
-        EXPECT_EQ(sms.AddMsgItemToListTable(Deliver({.index = 12, .dcs = 0xF5}), added, id, deleted, replaced,
-                                            false),
-                  0);
+        EXPECT_EQ(sms.AddMsgItemToListTable(Deliver(data), added, id, deleted, replaced, false), 0);
         EXPECT_FALSE(added);
     }
-    bool added = true, deleted = false, replaced = false;
-    uint32_t id = 0;
-    EXPECT_EQ(sms.AddMsgItemToListTable(Deliver({.storage = SMS_STORAGE_PC, .index = 9, .dcs = 0x04}), added,
-                                        id, deleted, replaced, false),
-              0);
-    EXPECT_EQ(Fields(added, pc.imsi, pc.indexes, sms.MessageTable().size(), sms.DeletedTable().size()),
-              Fields(false, "262011234567890", std::vector<int>{9}, 0, 0));
+    EXPECT_EQ(Fields(pc.imsi, pc.indexes, sms.MessageTable().size(), sms.DeletedTable().size()),
+              Fields("262011234567890", std::vector<int>{9}, 0, 0));
 }
 
 } // namespace

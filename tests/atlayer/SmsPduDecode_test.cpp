@@ -65,8 +65,7 @@ TEST(SmsPduDecode, SubmitValidityPeriodFormats) {
 }
 
 TEST(SmsPduDecode, StatusReportOptionalFields) {
-    const std::string base = "065A098136397339F72190117004638021901170046380"
-                             "30";
+    const std::string base = "065A098136397339F7219011700463802190117004638030";
     // clang-format off
     const struct { std::string tail; int result; int pid; std::wstring text; } rows[] = {
         {"", 0, 0, L""},

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstring>
 #include <list>
 #include <string>
@@ -7,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "AtTestSupport.h"
+#include "SmsPduVectors.h"
 #include "SmsUtility.h"
 
 namespace {
@@ -212,20 +212,6 @@ std::vector<TTpduSubmit> Split(CSmsUtility& sms, const TSmsSendItem& item, int& 
     return {segments.begin(), segments.end()};
 }
 
-// The text as UCS2 carries it: characters beyond U+FFFF as surrogate pairs.
-std::wstring Utf16(const std::wstring& text) {
-    std::wstring units;
-    for (wchar_t c : text) {
-        if (c > 0xFFFF) {
-            units += wchar_t(0xD800 + ((c - 0x10000) >> 10));
-            units += wchar_t(0xDC00 + ((c - 0x10000) & 0x3FF));
-        } else {
-            units += c;
-        }
-    }
-    return units;
-}
-
 // Split, encode, decode again and join: what the recipient's phone shows.
 TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
     // clang-format off
@@ -274,7 +260,7 @@ TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
             CSmsUtility::GetUserDataContent(CSmsUtility::DecodeDcsAlphabet(back.nDcs), back.userData, text);
             joined += text;
         }
-        EXPECT_EQ(joined, Utf16(row.text));
+        EXPECT_EQ(joined, sms_test::Utf16(row.text));
     }
 }
 

@@ -49,4 +49,18 @@ inline const PduRow kDecodeRows[] = {
 };
 // clang-format on
 
+// The text as UCS2 carries it: characters beyond U+FFFF as surrogate pairs.
+inline std::wstring Utf16(const std::wstring& text) {
+    std::wstring units;
+    for (const wchar_t c : text) {
+        if (c > 0xFFFF) {
+            units += wchar_t(0xD800 + ((c - 0x10000) >> 10));
+            units += wchar_t(0xDC00 + ((c - 0x10000) & 0x3FF));
+        } else {
+            units += c;
+        }
+    }
+    return units;
+}
+
 } // namespace sms_test

@@ -1,4 +1,3 @@
-#include <cstdio>
 #include <list>
 #include <string>
 #include <vector>
@@ -220,9 +219,8 @@ TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
     int kind = -1;
     const std::size_t sent = m_fake.Calls().size();
     for (const char* ignored :
-         {"+CMTI: \"XY\",3", "+CMTI: \"SMS\",3", "+CMTI: SM,3", "+CMTI: \"SM\",", "RING"}) {
+         {"+CMTI: \"XY\",3", "+CMTI: \"SMS\",3", "+CMTI: SM,3", "+CMTI: \"SM\",", "RING"})
         EXPECT_EQ(m_sms.Receive(ignored, item, kind), 1) << ignored;
-    }
     EXPECT_EQ(m_fake.Calls().size(), sent);
 
     ExpectRead("SM", 3, Cmgr(0, 28, kHello));
@@ -259,69 +257,52 @@ TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
 
 // Preferred storage SIM: a message that arrived in the modem memory is copied to the SIM, or to the
 // computer when the SIM refuses, and deleted from the modem memory only once it is stored elsewhere.
-TEST_F(SmsReadingTest, NewMessageMovesOutOfTheModemMemory) {
-    // clang-format off
-    // written: answer to the PDU after AT+CMGW
-    const struct { const char* what; const char* written; bool pcSaveFails; int storage; bool deletes; } rows[] = {
-        {"to the SIM", "\r\n+CMGW: 7\r\n\r\nOK\r\n", false, SMS_STORAGE_SIM, true},
-        {"SIM full, to the computer", "\r\n+CMS ERROR: 322\r\n", false, SMS_STORAGE_PC, true},
-        {"SIM full, computer refuses", "\r\n+CMS ERROR: 322\r\n", true, SMS_STORAGE_MODEM, false},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        ScriptedAtFake fake;
-        CSmsUtility sms;
-        PcStore store;
-        store.saveFails = row.pcSaveFails;
-        sms.RegisterExecAT(ScriptedAtFake::Callback());
-        sms.SetIMSI("001010123456789");
-        sms.RegisterPCCallback(&store, &PcStore::List, &PcStore::Save, &PcStore::Delete, 1);
-        fake.Expect("AT+CPMS?\r", "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n");
-        ASSERT_EQ(sms.SetPreferredStorage(SMS_STORAGE_SIM), 0);
-        const std::string emptyStorage = "\r\nOK\r\n";
-        for (const char* storage : {"SM", "ME"}) {
-            fake.Expect(std::string("AT+CPMS=\"") + storage + "\"\r",
-                        "\r\n+CPMS: 0,20,0,20,0,20\r\n\r\nOK\r\n");
-            fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 0\r\n\r\nOK\r\n");
-            fake.Expect("AT+CMGL=4\r", emptyStorage);
-        }
-        std::list<TSmsListItem> items;
-        ASSERT_EQ(sms.GetList(items), 0);
-        EXPECT_EQ(store.listCalls, 1);
+// clang-format off
+// written: answer to the PDU after AT+CMGW
+struct Move { const char* what; const char* written; bool pcSaveFails; int storage; bool deletes; };
+// clang-format on
+class SmsMoveTest : public SmsReadingTest, public ::testing::WithParamInterface<Move> {};
 
-        fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 1,100,3,20,1,100\r\n\r\nOK\r\n");
-        fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 0\r\n\r\nOK\r\n");
-        fake.Expect("AT+CSCS=\"IRA\"\r");
-        fake.Expect("AT+CMGR=2\r", Cmgr(0, 28, kHello));
-        fake.Expect("AT+CPMS?\r", "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n");
-        fake.Expect("AT+CPMS=\"ME\",\"SM\",\"SM\"\r");
-        fake.Expect("AT+CMGW=28,1\r", "\r\n> ").WithTimeout(2000).WithFinals({">", "+CMS ERROR", "ERROR"});
-        fake.Expect(std::string(kHello) + "\x1A", row.written).WithTimeout(10000).WithPrefix("+CMGW: ");
-        fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 1,100,3,20,1,100\r\n\r\nOK\r\n");
-        if (row.deletes)
-            fake.Expect("AT+CMGD=2\r");
-        TSmsListItem item;
-        int kind = -1;
-        ASSERT_EQ(sms.Receive("+CMTI: \"ME\",2", item, kind), 0);
-        fake.VerifyDone();
-        EXPECT_EQ(item.nStoreIn, row.storage);
-        EXPECT_EQ(item.wstrContent, L"hellohello");
-        if (row.storage == SMS_STORAGE_PC) {
-            ASSERT_EQ(store.records.size(), 1u);
-            EXPECT_EQ(store.records.front().strPdu, kHello);
-            EXPECT_EQ(store.records.front().nPduLen, 28);
-            // Deleting it goes to the computer-side store.
-            EXPECT_EQ(sms.Delete(item.nRef), 0);
-            EXPECT_TRUE(store.records.empty());
-        } else {
-            EXPECT_TRUE(store.records.empty());
-        }
-        if (row.storage == SMS_STORAGE_SIM) {
-            EXPECT_EQ(sms.MessageTable().front().packets.front().nIndex, 7u);
-        }
+TEST_P(SmsMoveTest, NewMessageMovesOutOfTheModemMemory) {
+    const Move& row = GetParam();
+    SCOPED_TRACE(row.what);
+    const char* storages = "\r\n+CPMS: \"ME\",0,100,\"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n";
+    m_store.saveFails = row.pcSaveFails;
+    EnableStore(SMS_STORAGE_SIM, storages);
+    InitEmpty();
+    EXPECT_EQ(m_store.listCalls, 1);
+
+    ExpectRead("ME", 2, Cmgr(0, 28, kHello));
+    m_fake.Expect("AT+CPMS?\r", storages);
+    m_fake.Expect("AT+CPMS=\"ME\",\"SM\",\"SM\"\r");
+    m_fake.Expect("AT+CMGW=28,1\r", "\r\n> ").WithTimeout(2000).WithFinals({">", "+CMS ERROR", "ERROR"});
+    m_fake.Expect(std::string(kHello) + "\x1A", row.written).WithTimeout(10000).WithPrefix("+CMGW: ");
+    ExpectSelect("ME");
+    if (row.deletes)
+        m_fake.Expect("AT+CMGD=2\r");
+    TSmsListItem item;
+    int kind = -1;
+    ASSERT_EQ(m_sms.Receive("+CMTI: \"ME\",2", item, kind), 0);
+    m_fake.VerifyDone();
+    EXPECT_EQ(Fields(item.nStoreIn, item.wstrContent), Fields(row.storage, L"hellohello"));
+    if (row.storage == SMS_STORAGE_PC) {
+        ASSERT_EQ(m_store.records.size(), 1u);
+        EXPECT_EQ(Fields(m_store.records.front().strPdu, m_store.records.front().nPduLen),
+                  Fields(kHello, 28));
+        // Deleting it goes to the computer-side store.
+        EXPECT_EQ(m_sms.Delete(item.nRef), 0);
+    }
+    EXPECT_TRUE(m_store.records.empty());
+    if (row.storage == SMS_STORAGE_SIM) {
+        EXPECT_EQ(m_sms.MessageTable().front().packets.front().nIndex, 7u);
     }
 }
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(SmsReading, SmsMoveTest, ::testing::Values(
+    Move{"to the SIM", "\r\n+CMGW: 7\r\n\r\nOK\r\n", false, SMS_STORAGE_SIM, true},
+    Move{"SIM full, to the computer", "\r\n+CMS ERROR: 322\r\n", false, SMS_STORAGE_PC, true},
+    Move{"SIM full, computer refuses", "\r\n+CMS ERROR: 322\r\n", true, SMS_STORAGE_MODEM, false}));
+// clang-format on
 
 // The computer-side store is read once; afterwards its messages stay in the table, marked read.
 TEST_F(SmsReadingTest, ComputerSideStoreIsListedLastAndReadOnce) {

@@ -1,5 +1,4 @@
 #include <cstdint>
-#include <cstdio>
 #include <functional>
 #include <list>
 #include <string>
@@ -14,28 +13,24 @@
 
 namespace {
 
-using at_test::Fields;
+using namespace at_test;
 
 const std::list<std::string> kCusdFinals = {"OK", "+CME ERROR:", "ERROR"};
 const std::list<std::string> kCscsFinals = {"OK", "ERROR", "+CME ERROR"};
 
-std::string Narrow(const std::wstring& text) {
-    std::string out;
-    for (const wchar_t c : text) {
-        char unit[8];
-        std::snprintf(unit, sizeof unit, "<%04X>", static_cast<unsigned>(c));
-        out += unit;
-    }
-    return out;
+// The character set and USSD commands pass no prefix (unless a read adds it) and wait for their own finals.
+ScriptedAtFake::Step Cscs(const std::string& command) {
+    return At(command).WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
+}
+ScriptedAtFake::Step Cusd(const std::string& command, int timeoutMs) {
+    return At(command).WithTimeout(timeoutMs).WithoutPrefix().WithFinals(kCusdFinals);
 }
 
 class UssdUtilityTest : public ::testing::Test {
 protected:
     void SetUp() override { m_ussd.RegisterExecAT(ScriptedAtFake::Callback()); }
 
-    void ExpectCharSetQuery(const char* answer) {
-        m_fake.Expect("AT+CSCS?\r", answer).WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
-    }
+    void ExpectCharSetQuery(const char* answer) { Expect(m_fake, Cscs("AT+CSCS?\r"), answer); }
     // Starts or ends a dialogue the way the network does, with a report.
     void SetDialogue(bool active) {
         ExpectCharSetQuery("\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n");
@@ -49,49 +44,34 @@ protected:
     CUssdUility m_ussd;
 };
 
+// The text goes out as UCS2 units of default-alphabet codes. The character set's result does not matter;
+// the send's does.
 TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
     std::string thousandA; // a long text stops at 999 codes
     for (int i = 0; i < 999; ++i)
         thousandA += "0041";
+    const char* ok = ScriptedAtFake::kOk;
     // clang-format off
-    const struct { std::wstring text; std::string argument; } rows[] = {
-        {std::wstring(1200, L'A'), thousandA},
-        {L"$", "0002"}, // code 2 sent as a UCS2 unit: kept
-        {L"@x", "00000078"}, // '@' is code 0
-        {L"a[b]", "00610062"}, // extension characters are dropped
-        {L"\u00A0", "001B"}, // the escape position holds U+00A0
-        {L"\u0416\U0001F600", ""}, {L"", ""},
+    const struct { std::wstring text; std::string argument; const char* charSetAnswer; int charSetFailure; const char* answer; int failure; int result; } rows[] = {
+        {std::wstring(1200, L'A'), thousandA, ok, 0, ok, 0, 0},
+        {L"$", "0002", ok, 0, ok, 0, 0}, // code 2 sent as a UCS2 unit: kept
+        {L"@x", "00000078", ok, 0, ok, 0, 0}, // '@' is code 0
+        {L"a[b]", "00610062", ok, 0, ok, 0, 0}, // extension characters are dropped
+        {L"\u00A0", "001B", ok, 0, ok, 0, 0}, // the escape position holds U+00A0
+        {L"\u0416\U0001F600", "", ok, 0, ok, 0, 0}, {L"", "", ok, 0, ok, 0, 0},
+        {L"1", "0031", "\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0}, {L"1", "0031", "", 2, ok, 0, 0},
+        {L"1", "0031", ok, 0, "\r\n+CME ERROR: unknown\r\n", 0, 1}, {L"1", "0031", ok, 0, "\r\nERROR\r\n", 0, 1},
+        {L"1", "0031", ok, 0, "", 2, 2}, {L"1", "0031", ok, 0, "", 30, 30},
     };
     // clang-format on
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.argument.substr(0, 40));
-        m_fake.Expect("AT+CSCS=\"UCS2\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscsFinals);
-        m_fake.Expect("AT+CUSD=1,\"" + row.argument + "\",15\r")
-            .WithTimeout(5000)
-            .WithoutPrefix()
-            .WithFinals(kCusdFinals);
-        EXPECT_EQ(m_ussd.SendUssdCmd(row.text.c_str()), 0);
-        EXPECT_TRUE(m_ussd.IsDialogueActive());
-        m_fake.VerifyDone();
-    }
-}
-
-TEST_F(UssdUtilityTest, SendNeedsOkAndIgnoresTheCharSetResult) {
-    // clang-format off
-    const struct { const char* charSetAnswer; int charSetResult; const char* answer; int result; int sendResult; bool active; } rows[] = {
-        {"\r\nOK\r\n", 0, "\r\nOK\r\n", 0, 0, true}, {"\r\nERROR\r\n", 0, "AT+CUSD=1,\"0031\",15\r\r\nOK\r\n", 0, 0, true},
-        {"", 2, "\r\nOK\r\n", 0, 0, true}, {"\r\nOK\r\n", 0, "\r\n+CME ERROR: unknown\r\n", 0, 1, false},
-        {"\r\nOK\r\n", 0, "\r\nERROR\r\n", 0, 1, false}, {"\r\nOK\r\n", 0, "", 2, 2, false}, {"\r\nOK\r\n", 0, "", 30, 30, false},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
+        SCOPED_TRACE(row.argument.substr(0, 40) + " " + ScriptedAtFake::Printable(row.answer));
         CUssdUility ussd;
         ussd.RegisterExecAT(ScriptedAtFake::Callback());
-        m_fake.Expect("AT+CSCS=\"UCS2\"\r", row.charSetAnswer, row.charSetResult);
-        m_fake.Expect("AT+CUSD=1,\"0031\",15\r", row.answer, row.result);
-        EXPECT_EQ(ussd.SendUssdCmd(L"1"), row.sendResult);
-        EXPECT_EQ(ussd.IsDialogueActive(), row.active);
+        Expect(m_fake, Cscs("AT+CSCS=\"UCS2\"\r"), row.charSetAnswer, row.charSetFailure);
+        Expect(m_fake, Cusd("AT+CUSD=1,\"" + row.argument + "\",15\r", 5000), row.answer, row.failure);
+        EXPECT_EQ(ussd.SendUssdCmd(row.text.c_str()), row.result);
+        EXPECT_EQ(ussd.IsDialogueActive(), row.result == 0);
         m_fake.VerifyDone();
     }
     EXPECT_EQ(m_ussd.SendUssdCmd(nullptr), 1);
@@ -106,22 +86,17 @@ TEST_F(UssdUtilityTest, SetStateNeedsOk) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.command);
-        m_fake.Expect(row.command, row.answer, row.failure)
-            .WithTimeout(5000)
-            .WithoutPrefix()
-            .WithFinals(kCusdFinals);
+        Expect(m_fake, Cusd(row.command, 5000), row.answer, row.failure);
         int state = row.state;
         EXPECT_EQ(m_ussd.SetUssdState(state), row.result);
     }
 }
 
 TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
+    const char* state1 = "\r\n+CUSD: 1\r\n\r\nOK\r\n";
     // clang-format off
     // cancelAnswer: nullptr: no AT+CUSD=2 expected
     struct Row { const char* name; bool activeBefore; const char* stateAnswer; int stateFailure; const char* cancelAnswer; int cancelFailure; int result; bool activeAfter; };
-    // clang-format on
-    const char* state1 = "\r\n+CUSD: 1\r\n\r\nOK\r\n";
-    // clang-format off
     const Row rows[] = {
         {"no dialogue", false, state1, 0, nullptr, 0, 0, false},
         {"modem reports state 0", true, "\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, nullptr, 0, 0, false},
@@ -134,12 +109,8 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
         SCOPED_TRACE(row.name);
         SetDialogue(row.activeBefore);
         m_fake.Expect("AT+CUSD?\r", row.stateAnswer, row.stateFailure).WithTimeout(3000);
-        if (row.cancelAnswer != nullptr) {
-            m_fake.Expect("AT+CUSD=2\r", row.cancelAnswer, row.cancelFailure)
-                .WithTimeout(1000)
-                .WithoutPrefix()
-                .WithFinals(kCusdFinals);
-        }
+        if (row.cancelAnswer != nullptr)
+            Expect(m_fake, Cusd("AT+CUSD=2\r", 1000), row.cancelAnswer, row.cancelFailure);
         EXPECT_EQ(m_ussd.SendUssdCancelCmd(), row.result);
         EXPECT_EQ(m_ussd.IsDialogueActive(), row.activeAfter);
         m_fake.VerifyDone();
@@ -149,39 +120,14 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
 // The presentation state and the character set read back; -1: left alone. The set's names are searched in
 // order.
 TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
-    const auto state = [this] {
-        int value = -1;
-        const int result = m_ussd.CheckUssdState(value);
-        return Fields(result, value);
-    };
-    const auto set = [this] {
-        int value = -1;
-        const int result = m_ussd.getEcodingFormat(value);
-        return Fields(result, value);
-    };
     // clang-format off
-    const struct { bool cusd; const char* answer; int failure; const char* expected; } rows[] = {
-        {true, "\r\n+CUSD: 1\r\n\r\nOK\r\n", 0, "0|1"}, {true, "AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", 0, "0|0"}, {true, "\r\n+CUSD: 2\r\n", 0, "0|2"},
-        {true, "\r\n+CUSD:1\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", 0, "1|-1"}, {true, "\r\nOK\r\n", 0, "1|-1"}, {true, "", 2, "2|-1"}, {true, "", 30, "30|-1"},
-        {false, "\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", 0, "0|5"}, {false, "AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", 0, "0|2"},
-        {false, "\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, "1|-1"}, {false, "\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", 0, "1|-1"},
-        {false, "\r\nERROR\r\n", 0, "1|-1"}, {false, "", 30, "30|-1"},
-    };
+    CheckReads(m_fake, Cusd("AT+CUSD?\r", 3000).WithPrefix("+CUSD: "), [this](int& state) { return m_ussd.CheckUssdState(state); }, {
+        {"\r\n+CUSD: 1\r\n\r\nOK\r\n", "0|1"}, {"AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", "0|0"}, {"\r\n+CUSD: 2\r\n", "0|2"},
+        {"\r\n+CUSD:1\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", "1|-1"}, {"\r\nOK\r\n", "1|-1"}, {"", "2|-1", 2}, {"", "30|-1", 30}});
+    CheckReads(m_fake, Cscs("AT+CSCS?\r"), [this](int& set) { return m_ussd.getEcodingFormat(set); }, {
+        {"\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", "0|5"}, {"AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", "0|2"},
+        {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", "1|-1"}, {"\r\nERROR\r\n", "1|-1"}, {"", "30|-1", 30}});
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        if (row.cusd)
-            m_fake.Expect("AT+CUSD?\r", row.answer, row.failure)
-                .WithTimeout(3000)
-                .WithPrefix("+CUSD: ")
-                .WithFinals(kCusdFinals);
-        else
-            m_fake.Expect("AT+CSCS?\r", row.answer, row.failure)
-                .WithTimeout(1000)
-                .WithoutPrefix()
-                .WithFinals(kCscsFinals);
-        EXPECT_EQ(row.cusd ? state() : set(), row.expected);
-    }
 }
 
 // The phone book, message and USSD families name the character set alike; 11 and -1 are refused unsent.
@@ -190,9 +136,7 @@ TEST(CharacterSets, EveryFamilyNamesTheSet) {
     CPbUtility pb;
     CSmsUtility sms;
     CUssdUility ussd;
-    pb.RegisterExecAT(ScriptedAtFake::Callback());
-    sms.RegisterExecAT(ScriptedAtFake::Callback());
-    ussd.RegisterExecAT(ScriptedAtFake::Callback());
+    [](auto&... families) { (families.RegisterExecAT(ScriptedAtFake::Callback()), ...); }(pb, sms, ussd);
     const std::pair<const char*, std::function<int(int, int, int)>> families[] = {
         {"phone book", [&](int set, int page, int part) { return pb.SelectTeCharacterSet(set, page, part); }},
         {"messages", [&](int set, int page, int part) { return sms.SelectTeCharacterSet(set, page, part); }},
@@ -210,12 +154,8 @@ TEST(CharacterSets, EveryFamilyNamesTheSet) {
     for (const auto& [family, select] : families) {
         for (const auto& row : rows) {
             SCOPED_TRACE(testing::Message() << family << " set " << row.set);
-            if (row.name != nullptr) {
-                fake.Expect(std::string("AT+CSCS=\"") + row.name + "\"\r", row.answer)
-                    .WithTimeout(1000)
-                    .WithoutPrefix()
-                    .WithFinals(kCscsFinals);
-            }
+            if (row.name != nullptr)
+                Expect(fake, Cscs(std::string("AT+CSCS=\"") + row.name + "\"\r"), row.answer);
             EXPECT_EQ(select(row.set, row.codePage, row.part), row.result);
             fake.VerifyDone();
         }
@@ -269,27 +209,23 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
         item.wstrContent = L"stale";
         EXPECT_EQ(m_ussd.Receive(row.line, item), 0);
         EXPECT_EQ(item.nType, row.nType);
-        EXPECT_EQ(Narrow(item.wstrContent), Narrow(row.text));
+        EXPECT_EQ(item.wstrContent, row.text);
         EXPECT_EQ(m_ussd.IsDialogueActive(), row.activeAfter);
         m_fake.VerifyDone();
     }
 }
 
 TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
-    // clang-format off
-    const struct { const char* answer; int failure; int result; } rows[] = {
-        {"", 2, 2}, {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", 0, 1}, {"\r\nERROR\r\n", 0, 1},
-    };
-    // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect("AT+CSCS?\r", row.answer, row.failure);
+    const auto receive = [this] {
         TUssdItem item;
         item.nType = -1;
         const int result = m_ussd.Receive("+CUSD: 1,\"00480069\",72", item);
-        EXPECT_EQ(Fields(result, item.nType, item.wstrContent.size(), m_ussd.IsDialogueActive()),
-                  Fields(row.result, -1, 0, false));
-    }
+        return Fields(result, item.nType, item.wstrContent.size(), m_ussd.IsDialogueActive());
+    };
+    CheckReads(m_fake, At("AT+CSCS?\r"), receive,
+               {{"", "2|-1|0|0", 2},
+                {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", "1|-1|0|0"},
+                {"\r\nERROR\r\n", "1|-1|0|0"}});
     TUssdItem item;
     EXPECT_EQ(m_ussd.Receive(nullptr, item), 1);
 }
