@@ -1,5 +1,6 @@
 #include "../core/TempHome.h"
 #include "E2ESupport.h"
+#include "QtEventLoop.h"
 
 #include "ModemLink.h"
 #include "SMS/MessagesController.h"
@@ -39,7 +40,7 @@ protected:
     Outcome run(const std::function<void(MessagesController::Done)>& step) {
         std::optional<Outcome> outcome;
         step([&outcome](const Outcome& answer) { outcome = answer; });
-        EXPECT_TRUE(waitUntil([&outcome] { return outcome.has_value(); }, 60s));
+        EXPECT_TRUE(waitFor([&outcome] { return outcome.has_value(); }, 60s));
         return outcome.value_or(Outcome{-1, 0});
     }
     // One step that answers with a value, waited for; the value.
