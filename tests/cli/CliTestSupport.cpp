@@ -87,6 +87,14 @@ json Parse(const std::string& text) {
     return json::parse(text, nullptr, false);
 }
 
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
 std::string ReadFile(const std::string& path) {
     std::stringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();
@@ -159,6 +167,11 @@ void ExpectStep(const Step& step, const Outcome& run) {
 void RunSteps(const SimulatedModem& modem, const std::vector<Step>& steps) {
     for (const Step& step : steps)
         ExpectStep(step, modem.run(step.args, step.input));
+}
+
+void RunSteps(const std::string& home, const std::vector<Step>& steps) {
+    for (const Step& step : steps)
+        ExpectStep(step, RunDialtone(step.args, home));
 }
 
 } // namespace clitest

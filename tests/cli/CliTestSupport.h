@@ -47,6 +47,9 @@ Outcome Shell(const std::string& command);
 // JSON without exceptions: a discarded value when the text is not JSON.
 nlohmann::json Parse(const std::string& text);
 
+// The text's lines, without their line feeds.
+std::vector<std::string> Lines(const std::string& text);
+
 // A file's bytes (empty when it cannot be read); a file written with the folders it needs.
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& text);
@@ -107,5 +110,7 @@ struct Step {
 void ExpectStep(const Step& step, const Outcome& run);
 // Runs the steps in order against the modem (later rows see what earlier ones changed).
 void RunSteps(const SimulatedModem& modem, const std::vector<Step>& steps);
+// Runs the steps in order with home as HOME and no device folder of a test's.
+void RunSteps(const std::string& home, const std::vector<Step>& steps);
 
 } // namespace clitest

@@ -105,23 +105,16 @@ TEST(DialtoneStkCallGps, DialListDtmfAndHangUp) {
     EXPECT_EQ(modem.dump()["gps"], false);
 }
 
-// dialtone account against the simulated modem: the menu of its SIM (network 262 02), an entry with the
-// network's answer, and the simulator's USSD menu tree walked with --reply.
-// The tool with its own HOME, in English, standard input not a terminal.
-clitest::Outcome Dialtone(const std::vector<std::string>& arguments) {
-    const clitest::TempDir home;
-    return clitest::RunDialtone(arguments, home.path, {{"LC_ALL", ""}, {"LC_MESSAGES", ""}, {"LANG", "C"}});
-}
-
-void Expect(const std::vector<Step>& steps) {
-    for (const Step& step : steps)
-        clitest::ExpectStep(step, Dialtone(step.args));
-}
-
-// Entries by number and by name; the network's questions answered with replies, or shown and ended.
+// dialtone account against the simulated modem: entries of its SIM's menu (network 262 02) by number and by
+// name, the network's questions answered with replies or shown and ended; and another network's SIM, which
+// gets the default menu, with a network that knows the voucher code the default menu's top-up sends.
 TEST(DialtoneAccount, RunsAnEntryAndAnswersTheNetworksQuestions) {
+    clitest::TempDir home;
+    const std::string sim = "--simulate=" + home.path + "/other-sim.json";
+    std::ofstream(home.path + "/other-sim.json") << R"({"sim": {"imsi": "001019876543210"},
+        "ussd": {"menus": {"*102*123456789012#": {"text": "Voucher accepted. New balance 22.34 EUR."}}}})";
     // clang-format off
-    Expect({
+    clitest::RunSteps(home.path, {
         {{"--simulate", "account", "1", "1"}, 0, {"Your balance is 12.34 EUR. Valid until 31.12.2025.\n"}, "", true},
         {{"--simulate", "account", "my number", "Show my number"}, 0, {"Your number is +491721234567.\n"}, "", true},
         {{"--simulate", "--json", "account", "3", "1", "--reply", "2", "--reply", "1"}, 0, {"\"command\": \"*135#\"", "\"answer\": \"1 Balance\\n2 Data options\\n3 Tariff\",\n      \"reply_wanted\": true", "\"sent\": \"2\"", "\"answer\": \"Day pass booked. Enjoy!\",\n      \"reply_wanted\": false,\n      \"sent\": \"1\""}},
@@ -130,18 +123,6 @@ TEST(DialtoneAccount, RunsAnEntryAndAnswersTheNetworksQuestions) {
         {{"--simulate", "account", "1", "4"}, 2, {}, "no entry 4"},
         {{"--simulate", "account", "1"}, 2, {}, "GROUP and ITEM"},
         {{"--simulate", "account", "1", "1", "123"}, 2, {}, "takes 0 input(s), 1 given"},
-    });
-    // clang-format on
-}
-
-TEST(DialtoneAccount, ASimWithoutAFileOfItsOwnGetsTheDefaultMenuAndItsInputs) {
-    // Another network's SIM, and a network that knows the voucher code the default menu's top-up sends.
-    clitest::TempDir scenario;
-    const std::string sim = "--simulate=" + scenario.path + "/other-sim.json";
-    std::ofstream(scenario.path + "/other-sim.json") << R"({"sim": {"imsi": "001019876543210"},
-        "ussd": {"menus": {"*102*123456789012#": {"text": "Voucher accepted. New balance 22.34 EUR."}}}})";
-    // clang-format off
-    Expect({
         {{sim, "account"}, 0, {"  2.1 Top up with a voucher  [*102*]\n        input: Voucher code (12 to 16 characters of 0123456789)\n"}},
         {{sim, "account", "top-up", "1", "123456789012"}, 0, {"Voucher accepted. New balance 22.34 EUR.\n"}, "", true},
         {{sim, "account", "2", "1", "12345678901"}, 2, {}, "Voucher code"},

@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,15 +12,9 @@
 namespace {
 
 using clitest::Outcome;
+using clitest::ReadFile;
 using clitest::RunDialtone;
 using clitest::TempDir;
-
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // Each shipped recording, played back, makes the tool print what it printed when it was recorded; a
 // recording made meanwhile is the user's alone and is never overwritten.

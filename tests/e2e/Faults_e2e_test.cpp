@@ -255,15 +255,13 @@ TEST_F(FaultsE2E, SendRefusedMidWay) {
 // A message taken out of the modem memory while the computer-side inbox cannot be written stays in the
 // modem (no AT+CMGD) and is moved once the inbox can be written again.
 TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
+    // clang-format off
     // needsPermissions: root writes through a read-only folder
-    struct Row {
-        const char* how;
-        bool needsPermissions;
-    };
-    const Row rows[] = {{"read-only folder", true}, {"no room for the file (a file size limit)", false}};
+    const struct { const char* how; bool needsPermissions; } rows[] = {{"read-only folder", true}, {"no room for the file (a file size limit)", false}};
+    // clang-format on
     rlimit fileSize{};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &fileSize), 0);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.how);
         if (row.needsPermissions && geteuid() == 0)
             continue;

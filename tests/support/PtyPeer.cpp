@@ -68,7 +68,7 @@ void PtyPeer::stop() {
 void PtyPeer::expect(std::string command, Answer answer) {
     std::lock_guard<std::mutex> lock(_mutex);
     _script.push_back({std::move(command), std::move(answer)});
-    notifyLocked();
+    _changed.notify_all();
 }
 
 void PtyPeer::expect(std::string command, std::string answer) {
@@ -100,15 +100,6 @@ bool PtyPeer::waitUntilIdle(std::chrono::milliseconds timeout) const {
 std::vector<std::string> PtyPeer::received() const {
     std::lock_guard<std::mutex> lock(_mutex);
     return _received;
-}
-
-std::vector<std::string> PtyPeer::unexpected() const {
-    std::lock_guard<std::mutex> lock(_mutex);
-    return _unexpected;
-}
-
-void PtyPeer::notifyLocked() {
-    _changed.notify_all();
 }
 
 void PtyPeer::run() {
@@ -156,7 +147,7 @@ void PtyPeer::run() {
             writeAll(text);
             std::lock_guard<std::mutex> lock(_mutex);
             _writing = false;
-            notifyLocked();
+            _changed.notify_all();
         }
     }
 }
@@ -166,10 +157,9 @@ void PtyPeer::onCommand(const std::string& command) {
     {
         std::lock_guard<std::mutex> lock(_mutex);
         _received.push_back(command);
-        notifyLocked();
+        _changed.notify_all();
         if (!_script.empty()) {
             if (_script.front().command != command) {
-                _unexpected.push_back(command);
                 ADD_FAILURE() << "PtyPeer: unexpected command \"" << command << "\", expected \""
                               << _script.front().command << "\"";
                 return;
@@ -179,7 +169,6 @@ void PtyPeer::onCommand(const std::string& command) {
             return;
         }
         if (!_handler) {
-            _unexpected.push_back(command);
             ADD_FAILURE() << "PtyPeer: unexpected command \"" << command << "\" after the script";
             return;
         }
@@ -196,7 +185,7 @@ void PtyPeer::scheduleLocked(Answer& answer) {
         due += piece.delay;
         _outbox.emplace(due, std::move(piece.text));
     }
-    notifyLocked();
+    _changed.notify_all();
 }
 
 void PtyPeer::writeAll(const std::string& text) {
