@@ -11,10 +11,9 @@
 namespace {
 
 using clitest::SimulatedModem;
-using clitest::Step;
 using nlohmann::json;
 
-TEST(Dialtone10, ContactsAddUpdateDeleteOnBothPhonebooks) {
+TEST(Dialtone10, ContactsOnBothPhonebooksTheUssdDialogueAndUsageErrors) {
     SimulatedModem modem;
     ASSERT_TRUE(modem.ready());
     // The scenario's phonebooks: SIM 1, 2, 4 in use, so 3 is the first free; modem 1, so 2.
@@ -30,17 +29,12 @@ TEST(Dialtone10, ContactsAddUpdateDeleteOnBothPhonebooks) {
         // clang-format on
         EXPECT_EQ(modem.run({"contacts", "list"}).out.find("Dora"), std::string::npos);
     }
-    clitest::RunSteps(modem,
-                      {{{"--json", "contacts", "info"}, 0, {"\"total\": 250", "\"max_name_length\": 14"}}});
-}
 
-// The USSD dialogue, then what the phonebook and USSD commands refuse.
-TEST(Dialtone10, UssdDialogueAndUsageErrors) {
-    SimulatedModem modem;
-    ASSERT_TRUE(modem.ready());
-    // Without a reply (and no terminal) the dialogue is cancelled; one JSON line per answer.
+    // The phonebooks' sizes; the USSD dialogue (without a reply and no terminal it is cancelled; one JSON
+    // line per answer); then what the phonebook and USSD commands refuse.
     // clang-format off
     clitest::RunSteps(modem, {
+        {{"--json", "contacts", "info"}, 0, {"\"total\": 250", "\"max_name_length\": 14"}},
         {{"ussd", "*135#", "--reply", "2", "--reply", "1"}, 0, {"1 Balance\n2 Data options\n3 Tariff\n1 Day pass 1 GB (1.99 EUR)\n2 Week pass 5 GB (4.99 EUR)\nDay pass booked. Enjoy!\n"}, "", true},
         {{"--json", "ussd", "*135#"}, 0, {R"({"result":"reply-wanted","result_code":1,"text":"1 Balance\n2 Data options\n3 Tariff"})" "\n"}, "", true},
         {{"ussd", "--cancel"}, 0},
@@ -57,8 +51,8 @@ TEST(Dialtone10, UssdDialogueAndUsageErrors) {
     EXPECT_EQ(ussd["session"], false) << ussd.dump();
 }
 
-// The toolkit's menu and selections by identifier, text and position.
-TEST(DialtoneStkCallGps, ToolkitMenuAndSelections) {
+// The toolkit's menu and selections by identifier, text and position; a call; the GPS.
+TEST(DialtoneStkCallGps, ToolkitMenuCallDtmfAndGps) {
     SimulatedModem modem;
     ASSERT_TRUE(modem.ready());
     // clang-format off
@@ -75,12 +69,8 @@ TEST(DialtoneStkCallGps, ToolkitMenuAndSelections) {
     const std::size_t answered = modem.dump()["stk"]["responses"].size();
     clitest::RunSteps(modem, {{{"stk", "select", "7"}, 2, {}, "has no item \"7\""}});
     EXPECT_EQ(modem.dump()["stk"]["responses"].size(), answered);
-}
 
-// A bad key is a usage error and no key reaches the modem; good keys go one by one.
-TEST(DialtoneStkCallGps, DialListDtmfAndHangUp) {
-    SimulatedModem modem;
-    ASSERT_TRUE(modem.ready());
+    // A call: a bad key is a usage error and no key reaches the modem; good keys go one by one.
     // clang-format off
     clitest::RunSteps(modem, {
         {{"call", "dial", "+491701234567"}, 0, {"+491701234567: active\n"}, "", true},

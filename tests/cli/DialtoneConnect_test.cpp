@@ -190,24 +190,19 @@ TEST(DialtoneConnectAsUser, FirstConnectSetsUpTheServiceThroughPkexecOnce) {
     UserWorld world;
     ASSERT_TRUE(world.modem.ready());
 
-    const Outcome outsider = world.runAs("", {"--wait", "20", "connect"});
-    EXPECT_EQ(outsider.status, 1);
-    EXPECT_NE(outsider.err.find("sudo adduser $USER dip"), std::string::npos) << outsider.err;
+    const std::vector<std::string> connect{"--wait", "20", "connect"};
+    clitest::ExpectStep({connect, 1, {}, "sudo adduser $USER dip"}, world.runAs("", connect));
     EXPECT_EQ(world.pkexecLog(), "") << "nothing set up for a user who cannot dial";
 
-    const Outcome connected = world.runAs(kDip, {"--wait", "20", "connect"});
-    ASSERT_EQ(connected.status, 0) << connected.err;
-    EXPECT_NE(connected.err.find("asks for a password once"), std::string::npos) << connected.err;
+    clitest::ExpectStep({connect, 0, {}, "asks for a password once"}, world.runAs(kDip, connect));
     const std::string log = world.pkexecLog();
     EXPECT_NE(log.find("/VELModemService VELMobileConnector"), std::string::npos) << log;
     EXPECT_NE(log.find(" VELMODEM1\n"), std::string::npos) << log;
     const std::string peer = ReadFile(world.ppp.path + "/peers/VELMODEM1");
     EXPECT_NE(peer.find("# owner uid 65534\n"), std::string::npos) << peer;
 
-    const Outcome disconnected = world.runAs(kDip, {"--wait", "20", "disconnect"});
-    EXPECT_EQ(disconnected.status, 0) << disconnected.err;
-    const Outcome again = world.runAs(kDip, {"--wait", "20", "connect"});
-    EXPECT_EQ(again.status, 0) << again.err;
+    clitest::ExpectStep({{"disconnect"}, 0}, world.runAs(kDip, {"--wait", "20", "disconnect"}));
+    clitest::ExpectStep({connect, 0}, world.runAs(kDip, connect));
     EXPECT_EQ(world.pkexecLog(), log) << "the password is asked once";
     world.runAs(kDip, {"--wait", "20", "disconnect"});
 }

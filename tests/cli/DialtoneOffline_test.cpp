@@ -53,15 +53,11 @@ TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
     const std::vector<std::string> segments = Lines(encoded.out);
     ASSERT_EQ(segments.size(), 2u);
     std::string joined;
-    for (std::size_t i = 0; i < segments.size(); ++i) {
-        const Outcome decoded = RunDialtone({"--json", "pdu", "decode", segments[i]}, "");
+    for (const std::string& segment : segments) {
+        const Outcome decoded = RunDialtone({"--json", "pdu", "decode", segment}, "");
         ASSERT_EQ(decoded.status, 0) << decoded.err;
         EXPECT_NE(decoded.out.find("\"day\": 7"), std::string::npos) << decoded.out;
-        const std::string key = "\"content\": \"";
-        const std::size_t at = decoded.out.find(key);
-        ASSERT_NE(at, std::string::npos);
-        joined +=
-            decoded.out.substr(at + key.size(), decoded.out.find('"', at + key.size()) - at - key.size());
+        joined += Parse(decoded.out).value("content", "");
     }
     EXPECT_EQ(joined, text);
     // No service centre; then RD, VPF 2 and UDHI, with the status report asked for on the next-to-last part.

@@ -33,16 +33,13 @@ TEST(DialtoneReplay, ShippedRecordingsGiveTheRecordedOutput) {
         const std::string again = home.path + "/again.rec";
         args.insert(args.begin(), {"--record", again});
         const Outcome run = RunDialtone(args, home.path);
-        EXPECT_EQ(run.status, 0) << run.err;
-        EXPECT_EQ(run.out, ReadFile(base.replace_extension(".out")));
+        clitest::ExpectStep({args, 0, {ReadFile(base.replace_extension(".out"))}, "", true}, run);
         EXPECT_EQ(run.err.find("answered ERROR"), std::string::npos) << run.err;
         struct stat st {};
         ASSERT_EQ(stat(again.c_str(), &st), 0);
         EXPECT_EQ(st.st_mode & 0777, 0600u);
         EXPECT_NE(ReadFile(again).find(" > AT+CGMI\n"), std::string::npos);
-        const Outcome refused = RunDialtone(args, home.path);
-        EXPECT_EQ(refused.status, 1);
-        EXPECT_NE(refused.err.find("exists already"), std::string::npos) << refused.err;
+        clitest::ExpectStep({args, 1, {}, "exists already"}, RunDialtone(args, home.path));
         ++played;
     }
     EXPECT_GE(played, 2);

@@ -18,8 +18,7 @@ using clitest::SimulatedModem;
 TEST(DialtoneSignal, ReadingsOnBothDialectsAndAWatch) {
     clitest::TempDir home;
     const clitest::Outcome vendor = clitest::RunDialtone({"--simulate", "signal"}, home.path);
-    EXPECT_EQ(vendor.status, 0) << vendor.err;
-    EXPECT_NE(vendor.out.find("-77 dBm (4/5, good)"), std::string::npos) << vendor.out;
+    clitest::ExpectStep({{"--simulate", "signal"}, 0, {"-77 dBm (4/5, good)"}}, vendor);
     EXPECT_EQ(vendor.out.find("RSCP"), std::string::npos) << "the vendor's sticks have no +CESQ";
 
     SimulatedModem modem("standard");

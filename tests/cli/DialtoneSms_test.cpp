@@ -203,7 +203,6 @@ TEST(DialtoneSms, ThreadAndSearchWithNamesFromTheAddressBook) {
     // clang-format on
 }
 
-// A RING flood while the USSD answer is on its way: the answer still comes within the wait.
 TEST(DialtoneSms, UssdAnswerArrivesThroughARingFlood) {
     SimulatedModem modem(ScenarioPatch{{{"ussd", {{"delay_ms", 2000}}}}});
     ASSERT_TRUE(modem.ready());

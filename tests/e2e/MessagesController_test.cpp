@@ -31,10 +31,6 @@ protected:
         ASSERT_EQ(_link->open(30000), 0);
         _messages = std::make_unique<MessagesController>(*_link);
     }
-    void TearDown() override {
-        _messages.reset();
-        _link.reset();
-    }
 
     // One step, waited for.
     Outcome run(const std::function<void(MessagesController::Done)>& step) {

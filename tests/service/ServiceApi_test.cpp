@@ -62,13 +62,10 @@ TEST(ServiceApi, StatusStartsTheServiceWhichAnswersRequestsPropertiesAndMessages
     // clang-format on
     for (const Row& row : rows) {
         const QDBusMessage reply = world.call(QStringLiteral("SendSms"), {row.number, row.text});
-        if (row.error.isEmpty()) {
-            ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
-            EXPECT_EQ(reply.arguments().value(0).toInt(), 0);
-        } else {
-            EXPECT_EQ(reply.type(), QDBusMessage::ErrorMessage) << row.number.toStdString();
-            EXPECT_EQ(reply.errorName(), row.error);
-        }
+        EXPECT_EQ(reply.errorName(), row.error) << row.number.toStdString();
+        const auto expected = row.error.isEmpty() ? QDBusMessage::ReplyMessage : QDBusMessage::ErrorMessage;
+        EXPECT_EQ(reply.type(), expected);
+        EXPECT_TRUE(!row.error.isEmpty() || reply.arguments().value(0).toInt() == 0);
     }
     const json sent = world.modem.dump()["sms"]["sent"];
     ASSERT_EQ(sent.size(), 1u) << sent.dump();

@@ -21,27 +21,19 @@ bool IsTerminator(char c) {
 } // namespace
 
 PtyPeer::PtyPeer() {
-    int master = -1;
-    int slave = -1;
-    if (openpty(&master, &slave, nullptr, nullptr, nullptr) != 0)
+    if (openpty(&_masterFd, &_slaveFd, nullptr, nullptr, nullptr) != 0) {
+        _masterFd = _slaveFd = -1;
         return;
+    }
     char name[PATH_MAX] = {};
-    if (ttyname_r(slave, name, sizeof(name)) != 0) {
-        close(master);
-        close(slave);
-        return;
-    }
-    fcntl(master, F_SETFL, fcntl(master, F_GETFL) | O_NONBLOCK);
-    fcntl(master, F_SETFD, FD_CLOEXEC);
-    fcntl(slave, F_SETFD, FD_CLOEXEC);
     _wakeFd = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    if (_wakeFd < 0) {
-        close(master);
-        close(slave);
+    if (ttyname_r(_slaveFd, name, sizeof(name)) != 0 || _wakeFd < 0) {
+        stop(); // closes what was opened; isOpen() is false
         return;
     }
-    _masterFd = master;
-    _slaveFd = slave;
+    fcntl(_masterFd, F_SETFL, fcntl(_masterFd, F_GETFL) | O_NONBLOCK);
+    fcntl(_masterFd, F_SETFD, FD_CLOEXEC);
+    fcntl(_slaveFd, F_SETFD, FD_CLOEXEC);
     _slavePath = name;
     _thread = std::thread([this] { run(); });
 }
