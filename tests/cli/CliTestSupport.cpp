@@ -1,25 +1,15 @@
 #include "CliTestSupport.h"
 
-#include <poll.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include <gtest/gtest.h>
-
-extern char** environ;
 
 namespace clitest {
 
@@ -75,9 +65,7 @@ Outcome RunDialtone(const std::vector<std::string>& args, const std::string& hom
         command += " " + Quote(argument);
     command += " 2>" + Quote(errPath) + " <" + Quote(inputPath);
     Outcome run = Shell(command);
-    std::stringstream text;
-    text << std::ifstream(errPath).rdbuf();
-    run.err = text.str();
+    run.err = ReadFile(errPath);
     return run;
 }
 
@@ -99,6 +87,25 @@ json Parse(const std::string& text) {
     return json::parse(text, nullptr, false);
 }
 
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+std::string ReadFile(const std::string& path) {
+    std::stringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+void WriteFile(const std::string& path, const std::string& text) {
+    fs::create_directories(fs::path(path).parent_path());
+    std::ofstream(path, std::ios::binary) << text;
+}
+
 std::string SimulatorPath() {
     return (fs::path(DIALTONE_CLI).parent_path().parent_path().parent_path() /
             "tools/modemsim/dialtone-modemsim")
@@ -116,76 +123,26 @@ SimulatedModem::SimulatedModem(const ScenarioPatch& scenario,
     start(scenarioPath, extraArguments);
 }
 
-// The first line fd gives within 10 s, without its line feed.
-static std::string ReadLine(int fd) {
-    std::string text;
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (text.find('\n') == std::string::npos && std::chrono::steady_clock::now() < deadline) {
-        pollfd poller{fd, POLLIN, 0};
-        if (poll(&poller, 1, 100) <= 0)
-            continue;
-        char buffer[8192];
-        const ssize_t n = read(fd, buffer, sizeof buffer);
-        if (n <= 0)
-            break;
-        text.append(buffer, static_cast<std::size_t>(n));
-    }
-    return text.substr(0, text.find('\n'));
-}
-
 void SimulatedModem::start(const std::string& scenario, const std::vector<std::string>& extraArguments) {
-    std::string program = SimulatorPath();
-    std::vector<std::string> arguments{program, "--dev-dir", devDir.path};
+    std::vector<std::string> arguments = extraArguments;
     if (!scenario.empty())
-        arguments.insert(arguments.end(), {"--scenario", scenario});
-    arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
-    std::vector<char*> argv;
-    for (std::string& argument : arguments)
-        argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    int fds[2];
-    if (pipe(fds) != 0)
-        return;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, fds[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addclose(&actions, fds[0]);
-    if (posix_spawn(&_pid, program.c_str(), &actions, nullptr, argv.data(), environ) != 0)
-        _pid = -1;
-    posix_spawn_file_actions_destroy(&actions);
-    close(fds[1]);
-    _out = fds[0];
+        arguments.insert(arguments.begin(), {"--scenario", scenario});
+    _process = std::make_unique<SimulatorProcess>(SimulatorPath(), devDir.path, arguments);
     // {"at":"/dev/pts/0","at_link":"<dev>/cu.VELDeviceInterface3","control":"<dev>/modemsim.sock",...}
-    const json readyLine = _pid > 0 ? Parse(ReadLine(_out)) : json();
-    if (!readyLine.is_object())
-        return;
-    atLink = readyLine.value("at_link", "");
-    control = readyLine.value("control", "");
-}
-
-SimulatedModem::~SimulatedModem() {
-    if (_pid > 0) {
-        kill(_pid, SIGTERM);
-        waitpid(_pid, nullptr, 0);
-    }
-    if (_out >= 0)
-        close(_out);
+    const json readyLine = Parse(_process->readyLine());
+    if (readyLine.is_object())
+        atLink = readyLine.value("at_link", "");
 }
 
 json SimulatedModem::command(const std::string& line) const {
-    const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (fd < 0)
-        return json(json::value_t::discarded);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, control.c_str(), sizeof address.sun_path - 1);
-    std::string answer;
-    const std::string request = line + "\n";
-    if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
-        write(fd, request.data(), request.size()) == static_cast<ssize_t>(request.size()))
-        answer = ReadLine(fd);
-    close(fd);
-    return Parse(answer);
+    return Parse(_process->command(line));
+}
+
+int SimulatedModem::saw(const std::string& text) const {
+    int seen = 0;
+    for (const json& command : dump().value("commands", json::array()))
+        seen += command.get<std::string>().find(text) != std::string::npos;
+    return seen;
 }
 
 Outcome SimulatedModem::run(const std::vector<std::string>& arguments, const std::string& input) const {
@@ -210,6 +167,11 @@ void ExpectStep(const Step& step, const Outcome& run) {
 void RunSteps(const SimulatedModem& modem, const std::vector<Step>& steps) {
     for (const Step& step : steps)
         ExpectStep(step, modem.run(step.args, step.input));
+}
+
+void RunSteps(const std::string& home, const std::vector<Step>& steps) {
+    for (const Step& step : steps)
+        ExpectStep(step, RunDialtone(step.args, home));
 }
 
 } // namespace clitest

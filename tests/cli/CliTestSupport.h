@@ -3,13 +3,14 @@
 // Helpers shared by the tests of the dialtone tool: running the tool with a HOME of its own, and a
 // simulated modem in a device folder of its own with its control socket.
 
-#include <sys/types.h>
-
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
+
+#include "SimulatorProcess.h"
 
 namespace clitest {
 
@@ -46,6 +47,13 @@ Outcome Shell(const std::string& command);
 // JSON without exceptions: a discarded value when the text is not JSON.
 nlohmann::json Parse(const std::string& text);
 
+// The text's lines, without their line feeds.
+std::vector<std::string> Lines(const std::string& text);
+
+// A file's bytes (empty when it cannot be read); a file written with the folders it needs.
+std::string ReadFile(const std::string& path);
+void WriteFile(const std::string& path, const std::string& text);
+
 // The simulator next to the tool in the build tree (src/cli/dialtone, tools/modemsim/dialtone-modemsim).
 std::string SimulatorPath();
 
@@ -62,16 +70,15 @@ public:
                             const std::vector<std::string>& extraArguments = {});
     explicit SimulatedModem(const ScenarioPatch& scenario,
                             const std::vector<std::string>& extraArguments = {});
-    ~SimulatedModem();
-    SimulatedModem(const SimulatedModem&) = delete;
-    SimulatedModem& operator=(const SimulatedModem&) = delete;
 
-    bool ready() const { return !atLink.empty() && !control.empty(); }
+    bool ready() const { return !atLink.empty() && _process->started(); }
 
     // One line to the control socket, its JSON answer (discarded when there is none).
     nlohmann::json command(const std::string& line) const;
     // The simulator's state ("dump").
     nlohmann::json dump() const { return command("dump"); }
+    // How many of the AT commands the modem was sent hold the text.
+    int saw(const std::string& text) const;
 
     // The tool against this modem ("--dev-dir" first), with home as its HOME and the text on its standard
     // input.
@@ -81,13 +88,11 @@ public:
     TempDir devDir;
     TempDir home;
     std::string atLink;
-    std::string control;
 
 private:
     void start(const std::string& scenario, const std::vector<std::string>& extraArguments);
 
-    pid_t _pid = -1;
-    int _out = -1;
+    std::unique_ptr<SimulatorProcess> _process;
 };
 
 // One run of the tool in a table: its arguments, exit status, the texts its standard output holds (all of it
@@ -105,5 +110,7 @@ struct Step {
 void ExpectStep(const Step& step, const Outcome& run);
 // Runs the steps in order against the modem (later rows see what earlier ones changed).
 void RunSteps(const SimulatedModem& modem, const std::vector<Step>& steps);
+// Runs the steps in order with home as HOME and no device folder of a test's.
+void RunSteps(const std::string& home, const std::vector<Step>& steps);
 
 } // namespace clitest

@@ -11,10 +11,9 @@
 namespace {
 
 using clitest::SimulatedModem;
-using clitest::Step;
 using nlohmann::json;
 
-TEST(Dialtone10, ContactsAddUpdateDeleteOnBothPhonebooks) {
+TEST(Dialtone10, ContactsOnBothPhonebooksTheUssdDialogueAndUsageErrors) {
     SimulatedModem modem;
     ASSERT_TRUE(modem.ready());
     // The scenario's phonebooks: SIM 1, 2, 4 in use, so 3 is the first free; modem 1, so 2.
@@ -30,17 +29,12 @@ TEST(Dialtone10, ContactsAddUpdateDeleteOnBothPhonebooks) {
         // clang-format on
         EXPECT_EQ(modem.run({"contacts", "list"}).out.find("Dora"), std::string::npos);
     }
-    clitest::RunSteps(modem,
-                      {{{"--json", "contacts", "info"}, 0, {"\"total\": 250", "\"max_name_length\": 14"}}});
-}
 
-// The USSD dialogue, then what the phonebook and USSD commands refuse.
-TEST(Dialtone10, UssdDialogueAndUsageErrors) {
-    SimulatedModem modem;
-    ASSERT_TRUE(modem.ready());
-    // Without a reply (and no terminal) the dialogue is cancelled; one JSON line per answer.
+    // The phonebooks' sizes; the USSD dialogue (without a reply and no terminal it is cancelled; one JSON
+    // line per answer); then what the phonebook and USSD commands refuse.
     // clang-format off
     clitest::RunSteps(modem, {
+        {{"--json", "contacts", "info"}, 0, {"\"total\": 250", "\"max_name_length\": 14"}},
         {{"ussd", "*135#", "--reply", "2", "--reply", "1"}, 0, {"1 Balance\n2 Data options\n3 Tariff\n1 Day pass 1 GB (1.99 EUR)\n2 Week pass 5 GB (4.99 EUR)\nDay pass booked. Enjoy!\n"}, "", true},
         {{"--json", "ussd", "*135#"}, 0, {R"({"result":"reply-wanted","result_code":1,"text":"1 Balance\n2 Data options\n3 Tariff"})" "\n"}, "", true},
         {{"ussd", "--cancel"}, 0},
@@ -57,8 +51,8 @@ TEST(Dialtone10, UssdDialogueAndUsageErrors) {
     EXPECT_EQ(ussd["session"], false) << ussd.dump();
 }
 
-// The toolkit's menu and selections by identifier, text and position.
-TEST(DialtoneStkCallGps, ToolkitMenuAndSelections) {
+// The toolkit's menu and selections by identifier, text and position; a call; the GPS.
+TEST(DialtoneStkCallGps, ToolkitMenuCallDtmfAndGps) {
     SimulatedModem modem;
     ASSERT_TRUE(modem.ready());
     // clang-format off
@@ -75,12 +69,8 @@ TEST(DialtoneStkCallGps, ToolkitMenuAndSelections) {
     const std::size_t answered = modem.dump()["stk"]["responses"].size();
     clitest::RunSteps(modem, {{{"stk", "select", "7"}, 2, {}, "has no item \"7\""}});
     EXPECT_EQ(modem.dump()["stk"]["responses"].size(), answered);
-}
 
-// A bad key is a usage error and no key reaches the modem; good keys go one by one.
-TEST(DialtoneStkCallGps, DialListDtmfAndHangUp) {
-    SimulatedModem modem;
-    ASSERT_TRUE(modem.ready());
+    // A call: a bad key is a usage error and no key reaches the modem; good keys go one by one.
     // clang-format off
     clitest::RunSteps(modem, {
         {{"call", "dial", "+491701234567"}, 0, {"+491701234567: active\n"}, "", true},
@@ -105,23 +95,16 @@ TEST(DialtoneStkCallGps, DialListDtmfAndHangUp) {
     EXPECT_EQ(modem.dump()["gps"], false);
 }
 
-// dialtone account against the simulated modem: the menu of its SIM (network 262 02), an entry with the
-// network's answer, and the simulator's USSD menu tree walked with --reply.
-// The tool with its own HOME, in English, standard input not a terminal.
-clitest::Outcome Dialtone(const std::vector<std::string>& arguments) {
-    const clitest::TempDir home;
-    return clitest::RunDialtone(arguments, home.path, {{"LC_ALL", ""}, {"LC_MESSAGES", ""}, {"LANG", "C"}});
-}
-
-void Expect(const std::vector<Step>& steps) {
-    for (const Step& step : steps)
-        clitest::ExpectStep(step, Dialtone(step.args));
-}
-
-// Entries by number and by name; the network's questions answered with replies, or shown and ended.
+// dialtone account against the simulated modem: entries of its SIM's menu (network 262 02) by number and by
+// name, the network's questions answered with replies or shown and ended; and another network's SIM, which
+// gets the default menu, with a network that knows the voucher code the default menu's top-up sends.
 TEST(DialtoneAccount, RunsAnEntryAndAnswersTheNetworksQuestions) {
+    clitest::TempDir home;
+    const std::string sim = "--simulate=" + home.path + "/other-sim.json";
+    std::ofstream(home.path + "/other-sim.json") << R"({"sim": {"imsi": "001019876543210"},
+        "ussd": {"menus": {"*102*123456789012#": {"text": "Voucher accepted. New balance 22.34 EUR."}}}})";
     // clang-format off
-    Expect({
+    clitest::RunSteps(home.path, {
         {{"--simulate", "account", "1", "1"}, 0, {"Your balance is 12.34 EUR. Valid until 31.12.2025.\n"}, "", true},
         {{"--simulate", "account", "my number", "Show my number"}, 0, {"Your number is +491721234567.\n"}, "", true},
         {{"--simulate", "--json", "account", "3", "1", "--reply", "2", "--reply", "1"}, 0, {"\"command\": \"*135#\"", "\"answer\": \"1 Balance\\n2 Data options\\n3 Tariff\",\n      \"reply_wanted\": true", "\"sent\": \"2\"", "\"answer\": \"Day pass booked. Enjoy!\",\n      \"reply_wanted\": false,\n      \"sent\": \"1\""}},
@@ -130,18 +113,6 @@ TEST(DialtoneAccount, RunsAnEntryAndAnswersTheNetworksQuestions) {
         {{"--simulate", "account", "1", "4"}, 2, {}, "no entry 4"},
         {{"--simulate", "account", "1"}, 2, {}, "GROUP and ITEM"},
         {{"--simulate", "account", "1", "1", "123"}, 2, {}, "takes 0 input(s), 1 given"},
-    });
-    // clang-format on
-}
-
-TEST(DialtoneAccount, ASimWithoutAFileOfItsOwnGetsTheDefaultMenuAndItsInputs) {
-    // Another network's SIM, and a network that knows the voucher code the default menu's top-up sends.
-    clitest::TempDir scenario;
-    const std::string sim = "--simulate=" + scenario.path + "/other-sim.json";
-    std::ofstream(scenario.path + "/other-sim.json") << R"({"sim": {"imsi": "001019876543210"},
-        "ussd": {"menus": {"*102*123456789012#": {"text": "Voucher accepted. New balance 22.34 EUR."}}}})";
-    // clang-format off
-    Expect({
         {{sim, "account"}, 0, {"  2.1 Top up with a voucher  [*102*]\n        input: Voucher code (12 to 16 characters of 0123456789)\n"}},
         {{sim, "account", "top-up", "1", "123456789012"}, 0, {"Voucher accepted. New balance 22.34 EUR.\n"}, "", true},
         {{sim, "account", "2", "1", "12345678901"}, 2, {}, "Voucher code"},

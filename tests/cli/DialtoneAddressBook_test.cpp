@@ -1,18 +1,15 @@
 // The computer's address book in the tool: without a modem (import, list, search, export), and copied to
 // and from the simulated modem's SIM.
 
-#include <fstream>
-
 #include <gtest/gtest.h>
 
 #include "CliTestSupport.h"
 
 namespace {
 
-using clitest::Outcome;
-using clitest::RunDialtone;
 using clitest::SimulatedModem;
 using clitest::TempDir;
+using clitest::WriteFile;
 
 const char* const kCards =
     "BEGIN:VCARD\r\nVERSION:3.0\r\nFN:Anna Schmidt\r\nTEL;TYPE=CELL:+49 170 7654321\r\n"
@@ -20,45 +17,35 @@ const char* const kCards =
     "BEGIN:VCARD\r\nVERSION:2.1\r\nN;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:M=FCller;J=\r\n"
     "=FCrgen\r\nTEL;CELL:0171999888\r\nEND:VCARD\r\n";
 
-void Write(const std::string& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
-}
-
 TEST(DialtoneAddressBook, ImportListSearchExportWithoutAModem) {
     TempDir home;
     const std::string cards = home.path + "/cards.vcf";
     const std::string broken = home.path + "/broken.vcf";
     const std::string out = home.path + "/out.vcf";
-    Write(cards, kCards);
-    Write(broken, "BEGIN:VCARD\nFN:Carl\nTEL:1\nEND:VCARD\nBEGIN:VCARD\nFN:Dora\n");
+    WriteFile(cards, kCards);
+    WriteFile(broken, "BEGIN:VCARD\nFN:Carl\nTEL:1\nEND:VCARD\nBEGIN:VCARD\nFN:Dora\n");
     // clang-format off
-    struct Row { std::vector<std::string> args; int status; std::string shown; };
-    const Row rows[] = {
-        {{"contacts", "import", cards}, 0, "2 added, 0 merged, 0 already there"},
-        {{"contacts", "import", cards}, 0, "0 added, 0 merged, 2 already there"},
-        {{"contacts", "import", broken}, 1, "line 5: the card has no END:VCARD; nothing was imported"},
-        {{"contacts", "list", "--store", "pc"}, 0, "pc         2  J\xC3\xBCrgen M\xC3\xBCller                  0171999888 (mobile)\n"},
-        {{"--json", "contacts", "search", "7654"}, 0, "\"emails\": [\n        \"anna@example.org\"\n      ],\n      \"index\": 1,"},
-        {{"contacts", "search", "carl"}, 0, "No contacts"},
-        {{"contacts", "export", out}, 0, "Exported 2 contacts from the computer's address book"},
-        {{"contacts", "export", out}, 1, "exists; give another name, or overwrite it with --force"},
-        {{"contacts", "export", out, "--force", "--vcard4"}, 0, "Exported 2"},
-        {{"contacts", "import", out}, 0, "0 added, 0 merged, 2 already there"},
+    const std::vector<clitest::Step> rows = {
+        {{"contacts", "import", cards}, 0, {"2 added, 0 merged, 0 already there"}},
+        {{"contacts", "import", cards}, 0, {"0 added, 0 merged, 2 already there"}},
+        {{"contacts", "import", broken}, 1, {}, "line 5: the card has no END:VCARD; nothing was imported"},
+        {{"contacts", "list", "--store", "pc"}, 0, {"pc         2  J\xC3\xBCrgen M\xC3\xBCller                  0171999888 (mobile)\n"}},
+        {{"--json", "contacts", "search", "7654"}, 0, {"\"emails\": [\n        \"anna@example.org\"\n      ],\n      \"index\": 1,"}},
+        {{"contacts", "search", "carl"}, 0, {"No contacts"}},
+        {{"contacts", "export", out}, 0, {"Exported 2 contacts from the computer's address book"}},
+        {{"contacts", "export", out}, 1, {}, "exists; give another name, or overwrite it with --force"},
+        {{"contacts", "export", out, "--force", "--vcard4"}, 0, {"Exported 2"}},
+        {{"contacts", "import", out}, 0, {"0 added, 0 merged, 2 already there"}},
     };
     // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.args.back());
-        const Outcome run = RunDialtone(row.args, home.path);
-        EXPECT_EQ(run.status, row.status) << run.err;
-        EXPECT_NE((run.out + run.err).find(row.shown), std::string::npos) << run.out << run.err;
-    }
+    clitest::RunSteps(home.path, rows);
 }
 
 TEST(DialtoneAddressBook, CopiedToTheSimAndBack) {
     SimulatedModem modem;
     ASSERT_TRUE(modem.ready());
     const std::string cards = modem.files.path + "/cards.vcf";
-    Write(cards, kCards);
+    WriteFile(cards, kCards);
     // The SIM keeps names of up to 14 characters and has Anna's mobile number already.
     // clang-format off
     clitest::RunSteps(modem, {

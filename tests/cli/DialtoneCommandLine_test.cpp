@@ -21,6 +21,7 @@ namespace {
 
 using clitest::Outcome;
 using clitest::Quote;
+using clitest::Shell;
 using clitest::SimulatedModem;
 using nlohmann::json;
 
@@ -98,10 +99,6 @@ TEST(DialtoneCommandLine, UssdOnATerminalAsksForEachReplyUntilAnEmptyLine) {
     EXPECT_EQ(ussd["session"], false) << ussd.dump();
 }
 
-std::string Shell(const std::string& command) {
-    return clitest::Shell(command).out;
-}
-
 TEST(DialtoneCommandLine, CompletionScriptsLoadAndOfferTheCommands) {
     const clitest::TempDir folder;
     const std::string tool = Quote(DIALTONE_CLI);
@@ -115,6 +112,10 @@ TEST(DialtoneCommandLine, CompletionScriptsLoadAndOfferTheCommands) {
                                                  " $fpath); autoload -Uz compinit; compinit -u -D; "
                                                  "compadd() { shift 2; shift; print -r -- \"$*\"; }; "
                                                  "t() { words=(\"$@\"); CURRENT=$#; _dialtone; }; ");
+    // What the shell's script offers after the words (the command line ends in the quote Quote added).
+    const auto complete = [](const std::string& shell, const std::string& words) {
+        return Shell(shell.substr(0, shell.size() - 1) + "t " + words + "'").out;
+    };
     // clang-format off
     const struct { std::string words; std::string offered; } rows[] = {
         {"dialtone st", "status stats stk"},
@@ -127,13 +128,11 @@ TEST(DialtoneCommandLine, CompletionScriptsLoadAndOfferTheCommands) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.words);
-        EXPECT_EQ(Shell(bash.substr(0, bash.size() - 1) + "t " + row.words + "'"), row.offered + "\n");
+        EXPECT_EQ(complete(bash, row.words), row.offered + "\n");
     }
     // zsh filters by the word typed itself: the script offers every word that may stand there.
-    const std::string offered = Shell(zsh.substr(0, zsh.size() - 1) + "t dialtone st'");
-    EXPECT_NE(offered.find("status info request pin network"), std::string::npos) << offered;
-    EXPECT_NE(Shell(zsh.substr(0, zsh.size() - 1) + "t dialtone network mode \"\"'").find("3g-preferred"),
-              std::string::npos);
+    EXPECT_NE(complete(zsh, "dialtone st").find("status info request pin network"), std::string::npos);
+    EXPECT_NE(complete(zsh, "dialtone network mode \"\"").find("3g-preferred"), std::string::npos);
 }
 
 } // namespace

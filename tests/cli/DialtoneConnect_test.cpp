@@ -23,15 +23,19 @@ namespace {
 
 using clitest::Outcome;
 using clitest::Parse;
+using clitest::ReadFile;
 using clitest::RunDialtone;
 using clitest::TempDir;
+using clitest::WriteFile;
 using nlohmann::json;
 
-TEST(DialtoneConnect, ConnectDisconnectAndTheDaysTraffic) {
+// The first connect creates the dial-up service, then dials the SIM's profile; the link stays up. The
+// disconnect tells the link's traffic; then nothing is left to end, and nothing more is recorded. Then the
+// guard of the tool's connect: a used-up budget refuses the dial until --over-budget, and roaming during a
+// held link ends it (the simulator's registration turned to 5), then refuses to dial.
+TEST(DialtoneConnect, ConnectDisconnectTheDaysTrafficAndTheGuards) {
     ConnectWorld world;
     ASSERT_TRUE(world.modem.ready());
-
-    // The first connect creates the dial-up service, then dials the SIM's profile; the link stays up.
     // clang-format off
     world.expect({
         {{"--wait", "20", "connect"}, 0, {"Connected with"}},
@@ -41,29 +45,12 @@ TEST(DialtoneConnect, ConnectDisconnectAndTheDaysTraffic) {
     // clang-format on
     EXPECT_TRUE(std::filesystem::exists(world.ppp.path + "/peers/VELMODEM1"));
     ASSERT_TRUE(world.linkRunning());
-
-    // The disconnect tells the link's traffic; then nothing is left to end, and nothing more is recorded.
     world.setCounters(4321, 98765);
     // clang-format off
     world.expect({
         {{"--json", "disconnect"}, 0, {"\"received_bytes\": 98765"}},
         {{"disconnect"}, 0, {"Not connected"}},
         {{"--json", "stats"}, 0, {"98765", "4321"}},
-    });
-    // clang-format on
-    EXPECT_FALSE(world.linkRunning());
-}
-
-// The guard of the tool's connect: a used-up budget refuses the dial until --over-budget, and roaming
-// during a held link ends it (the simulator's registration turned to 5), then refuses to dial.
-TEST(DialtoneConnect, BudgetAndRoamingGuard) {
-    ConnectWorld world;
-    ASSERT_TRUE(world.modem.ready());
-    world.expect({{{"--wait", "20", "connect"}, 0, {"Connected with"}}});
-    world.setCounters(1000, 2000);
-    // clang-format off
-    world.expect({
-        {{"disconnect"}, 0},
         {{"budget", "set", "2KB", "--day", "1", "--at-limit", "hangup"}, 0, {"hang up and refuse to dial"}},
         {{"connect"}, 1, {}, "\"dialtone connect --over-budget\" dials anyway"},
         {{"--wait", "20", "connect", "--over-budget"}, 0, {"Connected with"}},
@@ -71,6 +58,7 @@ TEST(DialtoneConnect, BudgetAndRoamingGuard) {
         {{"budget", "roaming", "hangup"}, 0},
     });
     // clang-format on
+    EXPECT_FALSE(world.linkRunning());
     std::thread roam([&world] {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (!world.linkRunning() && std::chrono::steady_clock::now() < deadline)
@@ -119,17 +107,12 @@ TEST(DialtoneConnect, ProfilesListAddDefaultDelete) {
 }
 
 TEST(DialtoneConnect, PasswordIsReadFromStandardInputNotTheCommandLine) {
-    ConnectWorld world;
-    TempDir input;
-    std::ofstream(input.path + "/password") << "s3cret\n";
-    const std::string command = std::string("HOME=") + clitest::Quote(world.modem.home.path) + " " +
-                                clitest::Quote(DIALTONE_CLI) +
-                                " profiles add Secret apn.example --password-stdin <" +
-                                clitest::Quote(input.path + "/password") + " >/dev/null 2>&1";
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    std::ifstream stored(world.modem.home.path + "/.local/share/dialtone/UserAPNList.plist");
-    const std::string text((std::istreambuf_iterator<char>(stored)), std::istreambuf_iterator<char>());
-    EXPECT_NE(text.find("s3cret"), std::string::npos);
+    TempDir home;
+    WriteFile(home.path + "/password", "s3cret\n");
+    const std::vector<std::string> add{"profiles", "add", "Secret", "apn.example", "--password-stdin"};
+    clitest::ExpectStep({add, 0}, RunDialtone(add, home.path, {}, home.path + "/password"));
+    const std::string stored = ReadFile(home.path + "/.local/share/dialtone/UserAPNList.plist");
+    EXPECT_NE(stored.find("s3cret"), std::string::npos);
 }
 
 TEST(DialtoneConnect, EveryFileAndFolderWrittenIsTheOwnersAlone) {
@@ -148,12 +131,8 @@ TEST(DialtoneConnect, EveryFileAndFolderWrittenIsTheOwnersAlone) {
     fs::permissions(data / "OPENLOG", fs::perms::owner_read | fs::perms::owner_write);
 
     // clang-format off
-    const std::vector<std::string> runs[] = {{"--wait", "20", "connect"}, {"disconnect"}, {"sms", "storage", "pc"}, {"profiles", "add", "Office", "office.example"}, {"stats"}};
+    world.expect({{{"--wait", "20", "connect"}, 0}, {{"disconnect"}, 0}, {{"sms", "storage", "pc"}, 0}, {{"profiles", "add", "Office", "office.example"}, 0}, {{"stats"}, 0}});
     // clang-format on
-    for (const auto& arguments : runs) {
-        const Outcome run = world.run(arguments);
-        ASSERT_EQ(run.status, 0) << arguments.back() << ": " << run.err;
-    }
     ASSERT_TRUE(fs::exists(home / ".local" / "state" / "dialtone"));
     int seen = 0;
     for (const auto& entry : fs::recursive_directory_iterator(home)) {
@@ -173,11 +152,6 @@ namespace fs = std::filesystem;
 
 constexpr uid_t kUser = 65534; // nobody
 const std::string kDip = std::to_string(getgrnam("dip") ? getgrnam("dip")->gr_gid : 30);
-
-std::string readAll(const std::string& path) {
-    std::ifstream file(path);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
 
 // The simulated stick and pppd's folders, opened up so that another user can dial: the peers folder
 // stays root's, as /etc/ppp/peers is.
@@ -207,7 +181,7 @@ public:
     }
 
     std::string pkexec() const { return ppp.path + "/pkexec"; }
-    std::string pkexecLog() const { return readAll(ppp.path + "/pkexec.log"); }
+    std::string pkexecLog() const { return ReadFile(ppp.path + "/pkexec.log"); }
 };
 
 TEST(DialtoneConnectAsUser, FirstConnectSetsUpTheServiceThroughPkexecOnce) {
@@ -216,24 +190,19 @@ TEST(DialtoneConnectAsUser, FirstConnectSetsUpTheServiceThroughPkexecOnce) {
     UserWorld world;
     ASSERT_TRUE(world.modem.ready());
 
-    const Outcome outsider = world.runAs("", {"--wait", "20", "connect"});
-    EXPECT_EQ(outsider.status, 1);
-    EXPECT_NE(outsider.err.find("sudo adduser $USER dip"), std::string::npos) << outsider.err;
+    const std::vector<std::string> connect{"--wait", "20", "connect"};
+    clitest::ExpectStep({connect, 1, {}, "sudo adduser $USER dip"}, world.runAs("", connect));
     EXPECT_EQ(world.pkexecLog(), "") << "nothing set up for a user who cannot dial";
 
-    const Outcome connected = world.runAs(kDip, {"--wait", "20", "connect"});
-    ASSERT_EQ(connected.status, 0) << connected.err;
-    EXPECT_NE(connected.err.find("asks for a password once"), std::string::npos) << connected.err;
+    clitest::ExpectStep({connect, 0, {}, "asks for a password once"}, world.runAs(kDip, connect));
     const std::string log = world.pkexecLog();
     EXPECT_NE(log.find("/VELModemService VELMobileConnector"), std::string::npos) << log;
     EXPECT_NE(log.find(" VELMODEM1\n"), std::string::npos) << log;
-    const std::string peer = readAll(world.ppp.path + "/peers/VELMODEM1");
+    const std::string peer = ReadFile(world.ppp.path + "/peers/VELMODEM1");
     EXPECT_NE(peer.find("# owner uid 65534\n"), std::string::npos) << peer;
 
-    const Outcome disconnected = world.runAs(kDip, {"--wait", "20", "disconnect"});
-    EXPECT_EQ(disconnected.status, 0) << disconnected.err;
-    const Outcome again = world.runAs(kDip, {"--wait", "20", "connect"});
-    EXPECT_EQ(again.status, 0) << again.err;
+    clitest::ExpectStep({{"disconnect"}, 0}, world.runAs(kDip, {"--wait", "20", "disconnect"}));
+    clitest::ExpectStep({connect, 0}, world.runAs(kDip, connect));
     EXPECT_EQ(world.pkexecLog(), log) << "the password is asked once";
     world.runAs(kDip, {"--wait", "20", "disconnect"});
 }

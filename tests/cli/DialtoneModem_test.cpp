@@ -33,47 +33,31 @@ using nlohmann::json;
 TEST(DialtoneModem, UsageErrorsExitTwoWithoutTouchingAModem) {
     TempDir home;
     // clang-format off
-    const struct { std::vector<std::string> args; const char* says; } rows[] = {
-        {{"frobnicate"}, "unknown command 'frobnicate'.\nRun 'dialtone --help' for the list."},
-        {{"stauts", "--json"}, "unknown command 'stauts'. Did you mean: status, stats?"},
-        {{"--dev-dir", "/nowhere", "sms", "lsit"}, "unknown sms command 'lsit'. Did you mean: list?\nRun 'dialtone sms --help'"},
-        {{"network"}, "'network' needs a command: info, scan, select, auto, band, mode, reg."},
-        {{"status", "--wait", "0"}, "--wait must be a number of seconds from 0.1 to 86400, not '0'"},
-        {{"network", "band", "gsm900,lte"}, "unknown band 'lte': use all, or one or more of gsm850, gsm900"},
-        {{"network", "mode", "4g-only"}, "unknown mode '4g-only': use one of auto, 2g-only, 3g-only, 2g-preferred, 3g-preferred"},
-        {{"pin", "verify"}, "no PIN given; --pin-stdin reads it"},
-        {{"network", "select", "26x02"}, "MCCMNC must be 5 or 6 digits"},
-        {{"network", "select", "26202", "--act", "x"}, "--act: Value x not in range"},
-        {{"request", "MESSAGE_SMS_SEND", "{not json"}, "is not valid JSON"},
-        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumbr":"+491701"})"}, "BLSmsSendItem has no field \"strNumbr\""},
-        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumber":17})"}, "BLSmsSendItem.strNumber: 17 does not fit"},
-        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLNoSuchRecord"})"}, "takes a BLSmsSendItem, not \"BLNoSuchRecord\""},
-        {{"request", "MESSAGE_NETWORK_SET", R"({"class":"BLNetworkSet","nMode":4294967296})"}, "BLNetworkSet.nMode must be a whole number from 0 to 4"},
-        {{"request", "MESSAGE_NETWORK_SET", R"({"nMode":7})"}, "BLNetworkSet.nMode must be a whole number from 0 to 4, not 7"},
-        {{"request", "MESSAGE_PB_DELETE_ITEM", R"({"nStoreIn":0,"nIndex":-1})"}, "BLPBDeleteItem.nIndex must be a whole number from 1 up, not -1"},
-        {{"request", "MESSAGE_SMS_DELETE", R"("x")"}, "MESSAGE_SMS_DELETE's argument must be a whole number from 0 up"},
-        {{"request", "MESSAGE_SMS_SET_STATUS_REPORT", "true"}, "must be \"TRUE\" or \"FALSE\""},
-        {{"request", "MESSAGE_PIN_CHECK_STATE", "5"}, "MESSAGE_PIN_CHECK_STATE takes no argument"},
-        {{"request", "MESSAGE_CALL_DIAL", R"("123;+CFUN=0")"}, "holds a semicolon (;)"},
+    const std::vector<clitest::Step> rows = {
+        {{"frobnicate"}, 2, {}, "unknown command 'frobnicate'.\nRun 'dialtone --help' for the list."},
+        {{"stauts", "--json"}, 2, {}, "unknown command 'stauts'. Did you mean: status, stats?"},
+        {{"--dev-dir", "/nowhere", "sms", "lsit"}, 2, {}, "unknown sms command 'lsit'. Did you mean: list?\nRun 'dialtone sms --help'"},
+        {{"network"}, 2, {}, "'network' needs a command: info, scan, select, auto, band, mode, reg."},
+        {{"status", "--wait", "0"}, 2, {}, "--wait must be a number of seconds from 0.1 to 86400, not '0'"},
+        {{"network", "band", "gsm900,lte"}, 2, {}, "unknown band 'lte': use all, or one or more of gsm850, gsm900"},
+        {{"network", "mode", "4g-only"}, 2, {}, "unknown mode '4g-only': use one of auto, 2g-only, 3g-only, 2g-preferred, 3g-preferred"},
+        {{"pin", "verify"}, 2, {}, "no PIN given; --pin-stdin reads it"},
+        {{"network", "select", "26x02"}, 2, {}, "MCCMNC must be 5 or 6 digits"},
+        {{"network", "select", "26202", "--act", "x"}, 2, {}, "--act: Value x not in range"},
+        {{"request", "MESSAGE_SMS_SEND", "{not json"}, 2, {}, "is not valid JSON"},
+        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumbr":"+491701"})"}, 2, {}, "BLSmsSendItem has no field \"strNumbr\""},
+        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLSmsSendItem","strNumber":17})"}, 2, {}, "BLSmsSendItem.strNumber: 17 does not fit"},
+        {{"request", "MESSAGE_SMS_SEND", R"({"class":"BLNoSuchRecord"})"}, 2, {}, "takes a BLSmsSendItem, not \"BLNoSuchRecord\""},
+        {{"request", "MESSAGE_NETWORK_SET", R"({"class":"BLNetworkSet","nMode":4294967296})"}, 2, {}, "BLNetworkSet.nMode must be a whole number from 0 to 4"},
+        {{"request", "MESSAGE_NETWORK_SET", R"({"nMode":7})"}, 2, {}, "BLNetworkSet.nMode must be a whole number from 0 to 4, not 7"},
+        {{"request", "MESSAGE_PB_DELETE_ITEM", R"({"nStoreIn":0,"nIndex":-1})"}, 2, {}, "BLPBDeleteItem.nIndex must be a whole number from 1 up, not -1"},
+        {{"request", "MESSAGE_SMS_DELETE", R"("x")"}, 2, {}, "MESSAGE_SMS_DELETE's argument must be a whole number from 0 up"},
+        {{"request", "MESSAGE_SMS_SET_STATUS_REPORT", "true"}, 2, {}, "must be \"TRUE\" or \"FALSE\""},
+        {{"request", "MESSAGE_PIN_CHECK_STATE", "5"}, 2, {}, "MESSAGE_PIN_CHECK_STATE takes no argument"},
+        {{"request", "MESSAGE_CALL_DIAL", R"("123;+CFUN=0")"}, 2, {}, "holds a semicolon (;)"},
     };
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.args.back());
-        const Outcome run = RunDialtone(row.args, home.path);
-        EXPECT_EQ(run.status, 2) << run.err;
-        EXPECT_EQ(run.out, "");
-        EXPECT_NE(run.err.find(row.says), std::string::npos) << run.err;
-    }
-}
-
-TEST(DialtoneModem, NoModemIsAFailureWithErrorCodeInJson) {
-    TempDir home;
-    TempDir emptyDevDir;
-    ExpectStep({{}, 1, {}, "no modem found"},
-               RunDialtone({"--dev-dir", emptyDevDir.path, "status"}, home.path));
-    const Outcome run = RunDialtone({"--dev-dir", emptyDevDir.path, "--json", "info"}, home.path);
-    EXPECT_EQ(run.status, 1);
-    EXPECT_NE(Parse(run.out)["error"].value("code", 0), 0) << run.out;
+    clitest::RunSteps(home.path, rows);
 }
 
 // A name the worker does not know is its failure, not a usage error.
@@ -90,18 +74,6 @@ TEST(DialtoneModem, RequestTakesARecordAndPrintsTheWholeResponse) {
     // clang-format on
 }
 
-TEST(DialtoneModem, APortHeldByAnotherProgramIsAClearError) {
-    SimulatedModem modem("default");
-    ASSERT_TRUE(modem.ready());
-    const int held = open(modem.atLink.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
-    ASSERT_GE(held, 0);
-    ASSERT_EQ(flock(held, LOCK_EX | LOCK_NB), 0);
-    const auto start = std::chrono::steady_clock::now();
-    ExpectStep({{"status"}, 1, {}, "the modem is in use by another program"}, modem.run({"status"}));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
-    close(held);
-}
-
 // Failures whose cause is known say it, with the code, the same sentence and the modem's own cause (when it
 // gave one) in --json.
 TEST(DialtoneModem, KnownCausesAreToldWithWhatToDo) {
@@ -114,44 +86,35 @@ TEST(DialtoneModem, KnownCausesAreToldWithWhatToDo) {
     // clang-format off
     struct Row { const SimulatedModem* modem; std::vector<std::string> arguments; std::string cause; int modemCause; };
     const std::vector<Row> rows = {
-        {&plain, {"contacts", "add", "Alexandra Schmidt-Meyer", "+4917012345", "--store", "sim"}, "the name is 23 characters; this SIM takes at most 14", 0},
-        {&fullBook, {"contacts", "add", "Carla", "+4917012345", "--store", "sim"}, "the sim phonebook is full (2 of 2 used)", 0},
-        {&plain, {"network", "select", "26203"}, "the network refuses the SIM, emergency calls only", 100032},
-        {&plain, {"call", "answer"}, "there is no incoming call", 0},
+        {&plain, {"--json", "contacts", "add", "Alexandra Schmidt-Meyer", "+4917012345", "--store", "sim"}, "the name is 23 characters; this SIM takes at most 14", 0},
+        {&fullBook, {"--json", "contacts", "add", "Carla", "+4917012345", "--store", "sim"}, "the sim phonebook is full (2 of 2 used)", 0},
+        {&plain, {"--json", "network", "select", "26203"}, "the network refuses the SIM, emergency calls only", 100032},
+        {&plain, {"--json", "call", "answer"}, "there is no incoming call", 0},
     };
     // clang-format on
     for (const Row& row : rows) {
-        std::vector<std::string> arguments{"--json"};
-        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
-        const Outcome run = row.modem->run(arguments);
-        ExpectStep({arguments, 1, {row.cause}, row.cause}, run);
+        const Outcome run = row.modem->run(row.arguments);
+        ExpectStep({row.arguments, 1, {row.cause}, row.cause}, run);
         EXPECT_EQ(Parse(run.out)["error"].value("cause_code", 0), row.modemCause) << run.out;
     }
 }
 
-// Every command that needs the SIM says that it is locked and how to unlock it, and sends nothing to it.
-TEST(DialtoneModem, LockedSimIsToldByEveryCommandThatNeedsIt) {
-    SimulatedModem modem("pin-locked");
-    ASSERT_TRUE(modem.ready());
-    // clang-format off
-    const std::vector<std::vector<std::string>> rows = {
-        {"sms", "send", "+491701234567", "Hi"}, {"contacts", "list"}, {"connect"}, {"ussd", "*100#"}, {"stk", "menu"},
-    };
-    // clang-format on
-    for (const auto& row : rows)
-        ExpectStep({row, 1, {}, "the SIM is locked: dialtone pin verify PIN"}, modem.run(row));
-    EXPECT_EQ(modem.dump()["pin"].value("pin_left", -1), 3) << modem.dump().dump();
-}
+// No modem, a stick pulled while a command is under way, a port another program holds: each is a failure
+// that says so, at once.
+TEST(DialtoneModem, AModemOutOfReachIsAFailure) {
+    TempDir home;
+    TempDir emptyDevDir;
+    ExpectStep({{}, 1, {}, "no modem found"},
+               RunDialtone({"--dev-dir", emptyDevDir.path, "status"}, home.path));
+    const Outcome run = RunDialtone({"--dev-dir", emptyDevDir.path, "--json", "info"}, home.path);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(Parse(run.out)["error"].value("code", 0), 0) << run.out;
 
-// A pulled stick: a command under way says so, and status and info no longer show a modem.
-TEST(DialtoneModem, UnpluggedModemIsAFailure) {
     SimulatedModem modem("default");
     ASSERT_TRUE(modem.ready());
     // clang-format off
     const std::vector<std::pair<std::string, std::vector<std::string>>> rows = {
-        {"AT+CPBR", {"contacts", "list"}},
-        {"AT+CSQ", {"status"}},
-        {"AT+CGMR", {"info"}},
+        {"AT+CPBR", {"contacts", "list"}}, {"AT+CSQ", {"status"}}, {"AT+CGMR", {"info"}},
     };
     // clang-format on
     for (const auto& [pulledOn, arguments] : rows) {
@@ -159,19 +122,19 @@ TEST(DialtoneModem, UnpluggedModemIsAFailure) {
         ExpectStep({arguments, 1, {}, "the modem was unplugged"}, modem.run(arguments));
         modem.command("plug");
     }
+
+    const int held = open(modem.atLink.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+    ASSERT_GE(held, 0);
+    ASSERT_EQ(flock(held, LOCK_EX | LOCK_NB), 0);
+    const auto start = std::chrono::steady_clock::now();
+    ExpectStep({{"status"}, 1, {}, "the modem is in use by another program"}, modem.run({"status"}));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    close(held);
 }
 
-// What the tool refuses before the modem is asked: malformed SIM codes and text that would end an AT
-// parameter or command early.
-bool Sent(const json& dump, const std::string& part) {
-    for (const json& command : dump["commands"]) {
-        if (command.get<std::string>().find(part) != std::string::npos)
-            return true;
-    }
-    return false;
-}
-
-TEST(DialtoneInputs, PinTyposCostNoAttemptAndTheRightPinStillWorks) {
+// What the tool refuses before the modem is asked: malformed SIM codes, commands that need the locked SIM,
+// and text that would end an AT parameter or command early.
+TEST(DialtoneInputs, PinTyposAndALockedSimCostNoAttemptAndTheRightPinStillWorks) {
     SimulatedModem modem("pin-locked");
     ASSERT_TRUE(modem.ready());
     // clang-format off
@@ -188,12 +151,16 @@ TEST(DialtoneInputs, PinTyposCostNoAttemptAndTheRightPinStillWorks) {
         {{"pin", "change", "--codes-stdin"}, 2, {}, "standard input ended before the NEW", false, "1234\n"},
         {{"pin", "verify", "--pin-stdin", "1234"}, 2, {}, "either as arguments or with --pin-stdin"},
         {{"request", "MESSAGE_PIN_ENABLE", "[1,2]"}, 2, {}, "takes a BLPINEnableInfo object"},
+        {{"sms", "send", "+491701234567", "Hi"}, 1, {}, "the SIM is locked: dialtone pin verify PIN"},
+        {{"contacts", "list"}, 1, {}, "the SIM is locked: dialtone pin verify PIN"},
+        {{"connect"}, 1, {}, "the SIM is locked: dialtone pin verify PIN"},
+        {{"ussd", "*100#"}, 1, {}, "the SIM is locked: dialtone pin verify PIN"},
+        {{"stk", "menu"}, 1, {}, "the SIM is locked: dialtone pin verify PIN"},
     };
     // clang-format on
     clitest::RunSteps(modem, rows);
-    const json dump = modem.dump();
-    EXPECT_EQ(dump["pin"]["pin_left"], 3);
-    EXPECT_FALSE(Sent(dump, "+CPIN=") || Sent(dump, "+CLCK=") || Sent(dump, "+CPWD=")) << dump["commands"];
+    EXPECT_EQ(modem.dump()["pin"]["pin_left"], 3);
+    EXPECT_EQ(modem.saw("+CPIN=") + modem.saw("+CLCK=") + modem.saw("+CPWD="), 0) << modem.dump()["commands"];
 
     const Outcome right = modem.run({"pin", "verify", "--pin-stdin"}, "1234\r\n");
     EXPECT_EQ(right.status, 0) << right.err;
@@ -251,27 +218,19 @@ TEST(DialtoneInputs, TextThatWouldAppendCommandsNeverReachesTheModem) {
     };
     // clang-format on
     clitest::RunSteps(modem, rows);
-    const json dump = modem.dump();
-    EXPECT_FALSE(Sent(dump, "CFUN=0") || Sent(dump, "CMGD=1,4")) << dump["commands"];
+    EXPECT_EQ(modem.saw("CFUN=0") + modem.saw("CMGD=1,4"), 0) << modem.dump()["commands"];
     EXPECT_TRUE(modem.run({"profiles", "list"}).out.find("Evil") == std::string::npos);
 }
 
 // The tool against sticks that answer in other ways than the one it was written for: each row gives the
-// simulator a scenario with one answer-variant knob and checks what the tool makes of it, and that it
-// does so without waiting for a time-out. The tool reads as it does on a standard 3GPP stick.
-struct Row {
-    const char* scenario; // a patch of the built-in modem
-    std::vector<std::string> args;
-    int status;
-    const char* says; // in standard output, or in standard error on failure
-};
-
-// One row per command: the variants themselves are rows of AnswerVariants (the parsers) and SimVariants
-// (the simulator).
+// simulator a scenario (a patch of the built-in modem) with one answer-variant knob and checks what the tool
+// makes of it (in standard output, or in standard error on failure), and that it does so without waiting
+// for a time-out. The tool reads as it does on a standard 3GPP stick. One row per command: the variants
+// themselves are rows of AnswerVariants (the parsers) and SimVariants (the simulator).
 TEST(DialtoneVariants, EachAnswerVariantIsReadWithoutTimeOut) {
     const std::string number = "Your number is +491721234567.\n";
     // clang-format off
-    const Row rows[] = {
+    const struct { const char* scenario; std::vector<std::string> args; int status; const char* says; } rows[] = {
         {R"({"knobs":{"ussd_format":"packed","urc_mode":"immediate"}})", {"ussd", "*101#"}, 0, number.c_str()},
         {R"({"network":{"scan_delay_ms":0,"operators":[{"long":"Vodafone Deutschland GmbH","numeric":"26202"},{"long":"Telekom Deutschland GmbH","short":"Telekom.de","numeric":"26201"}]},"knobs":{"scan_format":"ucs2"}})", {"network", "scan"}, 0, "available  Telekom Deutschl  Telekom.  26201"},
         {R"({"knobs":{"cpbr_entry":"empty_type"}})", {"contacts", "list"}, 0, "sim        4  Jürgen"},
@@ -288,7 +247,7 @@ TEST(DialtoneVariants, EachAnswerVariantIsReadWithoutTimeOut) {
     };
     // clang-format on
     setenv("DIALTONE_DIALECT", "standard", 1);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.scenario);
         SimulatedModem modem(ScenarioPatch{json::parse(row.scenario)});
         ASSERT_TRUE(modem.ready());
@@ -302,47 +261,35 @@ TEST(DialtoneVariants, EachAnswerVariantIsReadWithoutTimeOut) {
     unsetenv("DIALTONE_DIALECT");
 }
 
-// The tool in the user's language: its words for people are translated, machine-readable output never is.
+// The tool in the user's language: its words for people are translated, machine-readable output (--json,
+// --output key=value) never is. Each row: a text the German output holds, its English form that must be
+// gone, and the machine option whose output keeps an English text.
 TEST(DialtoneLanguage, GermanForPeopleEnglishForScripts) {
-    const clitest::TempDir home;
+    const TempDir home;
     const std::vector<std::pair<std::string, std::string>> german{{"LC_ALL", "de_DE.UTF-8"}};
-    const clitest::Outcome text =
-        clitest::RunDialtone({"--simulate=pin-locked", "sms", "list"}, home.path, german);
-    EXPECT_NE(text.err.find("die SIM-Karte ist gesperrt"), std::string::npos) << text.err;
-
-    struct Case {
-        std::vector<std::string> arguments;
-        const char* german;  // a label the German output must have
-        const char* english; // its English form, which must be gone
-        const char* key;     // a key of the --output key=value document, which stays English
-    };
     // clang-format off
-    const Case cases[] = {
-        {{"status"}, "Netzbetreiber:   ", "Operator:", "network.operator_code: "},
-        {{"stats"}, "Roaming empfangen", "Roaming received", "since_reset.sent_bytes: "},
-        {{"pin", "status"}, "Verbleibende Versuche: PIN", "Attempts left:", "pin_attempts: "},
-        {{"netwrk"}, "unbekannter Befehl 'netwrk'. Meinten Sie: network?", "unknown command", nullptr},
+    const struct { std::vector<std::string> arguments; const char* german; const char* english; const char* machine; const char* kept; } rows[] = {
+        {{"--simulate", "status"}, "Netzbetreiber:   ", "Operator:", "--output=key=value", "network.operator_code: "},
+        {{"--simulate", "stats"}, "Roaming empfangen", "Roaming received", "--output=key=value", "since_reset.sent_bytes: "},
+        {{"--simulate", "pin", "status"}, "Verbleibende Versuche: PIN", "Attempts left:", "--output=key=value", "pin_attempts: "},
+        {{"--simulate=pin-locked", "sms", "list"}, "die SIM-Karte ist gesperrt", "the SIM is locked", "--json", "the SIM is locked"},
+        {{"--simulate", "netwrk"}, "unbekannter Befehl 'netwrk'. Meinten Sie: network?", "unknown command", nullptr, nullptr},
     };
     // clang-format on
-    for (const Case& c : cases) {
-        std::vector<std::string> arguments{"--simulate"};
-        arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
-        const clitest::Outcome shown = clitest::RunDialtone(arguments, home.path, german);
-        const std::string all = shown.out + shown.err;
-        EXPECT_NE(all.find(c.german), std::string::npos) << arguments[1] << ":\n" << all;
-        EXPECT_EQ(all.find(c.english), std::string::npos) << arguments[1] << ":\n" << all;
-        if (!c.key)
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.arguments.back());
+        const Outcome shown = RunDialtone(row.arguments, home.path, german);
+        EXPECT_NE((shown.out + shown.err).find(row.german), std::string::npos) << shown.out << shown.err;
+        EXPECT_EQ((shown.out + shown.err).find(row.english), std::string::npos) << shown.out << shown.err;
+        if (!row.machine)
             continue;
-        arguments.insert(arguments.begin(), "--output=key=value");
-        const clitest::Outcome document = clitest::RunDialtone(arguments, home.path, german);
-        EXPECT_NE(document.out.find(c.key), std::string::npos) << arguments[2] << ":\n" << document.out;
-        EXPECT_EQ(document.out.find(c.german), std::string::npos) << arguments[2] << ":\n" << document.out;
+        std::vector<std::string> arguments{row.machine};
+        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+        const Outcome document = RunDialtone(arguments, home.path, german);
+        EXPECT_NE(document.out.find(row.kept), std::string::npos) << document.out;
+        EXPECT_EQ(document.out.find("gesperrt"), std::string::npos) << document.out;
+        EXPECT_EQ(document.out.find(row.german), std::string::npos) << document.out;
     }
-
-    const clitest::Outcome json =
-        clitest::RunDialtone({"--simulate=pin-locked", "--json", "sms", "list"}, home.path, german);
-    EXPECT_NE(json.out.find("the SIM is locked"), std::string::npos) << json.out;
-    EXPECT_EQ(json.out.find("gesperrt"), std::string::npos) << json.out;
 }
 
 } // namespace

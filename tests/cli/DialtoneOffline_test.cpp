@@ -3,11 +3,7 @@
 
 #include <sys/stat.h>
 
-#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -18,18 +14,13 @@
 
 namespace {
 
+using clitest::Lines;
 using clitest::Outcome;
 using clitest::Parse;
+using clitest::ReadFile;
 using clitest::RunDialtone;
 using clitest::TempDir;
-
-std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    return lines;
-}
+using clitest::WriteFile;
 
 TEST(DialtonePdu, DecodesWhatAModemPrints) {
     // clang-format off
@@ -63,15 +54,11 @@ TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
     const std::vector<std::string> segments = Lines(encoded.out);
     ASSERT_EQ(segments.size(), 2u);
     std::string joined;
-    for (std::size_t i = 0; i < segments.size(); ++i) {
-        const Outcome decoded = RunDialtone({"--json", "pdu", "decode", segments[i]}, "");
+    for (const std::string& segment : segments) {
+        const Outcome decoded = RunDialtone({"--json", "pdu", "decode", segment}, "");
         ASSERT_EQ(decoded.status, 0) << decoded.err;
         EXPECT_NE(decoded.out.find("\"day\": 7"), std::string::npos) << decoded.out;
-        const std::string key = "\"content\": \"";
-        const std::size_t at = decoded.out.find(key);
-        ASSERT_NE(at, std::string::npos);
-        joined +=
-            decoded.out.substr(at + key.size(), decoded.out.find('"', at + key.size()) - at - key.size());
+        joined += Parse(decoded.out).value("content", "");
     }
     EXPECT_EQ(joined, text);
     // No service centre; then RD, VPF 2 and UDHI, with the status report asked for on the next-to-last part.
@@ -86,7 +73,7 @@ TEST(DialtonePdu, EncodedSegmentsDecodeBack) {
 
 TEST(DialtonePdu, FailuresAndUsageErrors) {
     // clang-format off
-    const clitest::Step rows[] = {
+    const std::vector<clitest::Step> rows = {
         {{"pdu", "decode", "07912143658709F1XX"}, 1, {}, "the PDU could not be decoded (result 1)"},
         {{"--json", "pdu", "decode", "0791"}, 1, {"{\n  \"error\": {\n    \"code\": 1,\n    \"message\": \"the PDU could not be decoded\"\n  }\n}\n"}, "could not be decoded", true},
         {{"pdu", "encode", "*100#", "hi"}, 2, {}, "'*100#' is a service code, not a phone number: use dialtone ussd '*100#'"},
@@ -101,13 +88,7 @@ TEST(DialtonePdu, FailuresAndUsageErrors) {
         {{"pdu", "encode", "--help"}, 0, {"--validity"}},
     };
     // clang-format on
-    for (const clitest::Step& row : rows)
-        clitest::ExpectStep(row, RunDialtone(row.args, ""));
-}
-
-void WriteFile(const std::string& path, const std::string& text) {
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    std::ofstream(path) << text;
+    clitest::RunSteps("", rows);
 }
 
 std::string Plist(const std::string& dictBody) {
@@ -178,11 +159,6 @@ TEST(DialtoneStats, Runs) {
 // The tool with damaged data files: it says on standard error where the damaged file was kept, and works.
 namespace fs = std::filesystem;
 
-std::string ReadAll(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 std::vector<fs::path> KeptCopies(const fs::path& file) {
     std::vector<fs::path> kept;
     for (const auto& entry : fs::directory_iterator(file.parent_path())) {
@@ -193,71 +169,57 @@ std::vector<fs::path> KeptCopies(const fs::path& file) {
     return kept;
 }
 
-// A damaged file, or a folder or named pipe (a plain read would block on it) in the file's place.
-TEST(DialtoneDamagedFiles, StatsGoesOnAndSaysWhereTheCopyIs) {
+// A damaged file, a folder or named pipe (a plain read would block on it) in the file's place, and a profile
+// list with wrong entries, which are counted and skipped while the good ones stay.
+TEST(DialtoneDamagedFiles, TheToolGoesOnAndSaysWhereTheCopyIs) {
     enum Kind { File, Folder, Pipe };
+    const std::string traffic = ".local/share/dialtone/DateTraffics.plist";
+    const std::string settings = ".config/dialtone/SystemConfig.plist";
+    const std::string profiles =
+        "<?xml version=\"1.0\"?><plist version=\"1.0\"><array>"
+        "<dict><key>ACCOUNT</key><string>Home</string><key>APN</key><string>home.example</string></dict>"
+        "<dict><key>ACCOUNT</key><string>No APN</string></dict>"
+        "<dict><key>ACCOUNT</key><array/><key>APN</key><string>x</string></dict>"
+        "<string>not a profile</string></array></plist>";
+    const std::vector<std::string> stats{"stats"};
+    const std::vector<std::string> total{"Total"};
     // clang-format off
-    const struct { const char* file; std::string bytes; Kind kind = File; } rows[] = {
-        {"DateTraffics.plist", std::string("bplist00\xd1\x01\x02", 10)},
-        {"DateTraffics.plist", ""},
-        {"SystemConfig.plist", "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>SMS_VP</key>"},
-        {"SystemConfig.plist", "<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>"},
-        {"DateTraffics.plist", "", Folder},
-        {"SystemConfig.plist", "", Pipe},
+    const struct { std::string file; std::string bytes; Kind kind; std::vector<std::string> args; std::vector<std::string> out; std::string says; std::vector<std::string> stays; } rows[] = {
+        {traffic, std::string("bplist00\xd1\x01\x02", 10), File, stats, total, "dialtone: ", {}},
+        {traffic, "", File, stats, total, "dialtone: ", {}},
+        {settings, "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>SMS_VP</key>", File, stats, total, "dialtone: ", {}},
+        {settings, "<?xml version=\"1.0\"?><plist version=\"1.0\"><array/></plist>", File, stats, total, "dialtone: ", {}},
+        {traffic, "", Folder, stats, total, "dialtone: ", {}},
+        {settings, "", Pipe, stats, total, "dialtone: ", {}},
+        {".local/share/dialtone/UserAPNList.plist", profiles, File, {"profiles", "add", "Office", "office.example"}, {}, "UserAPNList.plist holds 3 wrong entries; they are skipped and the file is kept as", {"home.example", "office.example"}},
     };
     // clang-format on
     for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(row.file) + " holding " + std::to_string(row.bytes.size()) +
-                     " bytes, kind " + std::to_string(row.kind));
+        SCOPED_TRACE(row.file + " holding " + std::to_string(row.bytes.size()) + " bytes, kind " +
+                     std::to_string(row.kind));
         TempDir home;
-        const bool setting = std::string(row.file) == "SystemConfig.plist";
-        const fs::path data = fs::path(home.path) / (setting ? ".config" : ".local/share") / "dialtone";
-        fs::create_directories(data);
+        const fs::path file = fs::path(home.path) / row.file;
+        fs::create_directories(file.parent_path());
         if (row.kind == Folder)
-            fs::create_directories(data / row.file / "inside");
+            fs::create_directories(file / "inside");
         else if (row.kind == Pipe)
-            ASSERT_EQ(mkfifo((data / row.file).c_str(), 0600), 0);
+            ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
         else
-            std::ofstream(data / row.file, std::ios::binary) << row.bytes;
+            WriteFile(file, row.bytes);
 
-        const Outcome run = RunDialtone({"stats"}, home.path);
-        EXPECT_EQ(run.status, 0) << run.err;
-        EXPECT_NE(run.out.find("Total"), std::string::npos) << run.out;
-        const std::vector<fs::path> kept = KeptCopies(data / row.file);
+        const Outcome run = RunDialtone(row.args, home.path);
+        clitest::ExpectStep({row.args, 0, row.out, row.says}, run);
+        const std::vector<fs::path> kept = KeptCopies(file);
         ASSERT_EQ(kept.size(), 1u);
         EXPECT_EQ(fs::is_directory(kept[0]), row.kind == Folder);
         EXPECT_EQ(fs::is_fifo(kept[0]), row.kind == Pipe);
         if (row.kind == File) {
-            EXPECT_EQ(ReadAll(kept[0]), row.bytes);
+            EXPECT_EQ(ReadFile(kept[0]), row.bytes);
         }
-        EXPECT_NE(run.err.find("dialtone: "), std::string::npos) << run.err;
         EXPECT_NE(run.err.find(kept[0].string()), std::string::npos) << run.err;
+        for (const std::string& text : row.stays)
+            EXPECT_NE(ReadFile(file).find(text), std::string::npos) << text;
     }
-}
-
-TEST(DialtoneDamagedFiles, WrongProfileEntriesAreCountedAndTheGoodOnesKept) {
-    TempDir home;
-    const fs::path data = fs::path(home.path) / ".local/share/dialtone";
-    fs::create_directories(data);
-    std::ofstream(data / "UserAPNList.plist")
-        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><array>"
-           "<dict><key>ACCOUNT</key><string>Home</string><key>APN</key><string>home.example</string></dict>"
-           "<dict><key>ACCOUNT</key><string>No APN</string></dict>"
-           "<dict><key>ACCOUNT</key><array/><key>APN</key><string>x</string></dict>"
-           "<string>not a profile</string></array></plist>";
-
-    const Outcome run = RunDialtone({"profiles", "add", "Office", "office.example"}, home.path);
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_NE(
-        run.err.find("UserAPNList.plist holds 3 wrong entries; they are skipped and the file is kept as"),
-        std::string::npos)
-        << run.err;
-    const std::vector<fs::path> kept = KeptCopies(data / "UserAPNList.plist");
-    ASSERT_EQ(kept.size(), 1u);
-    EXPECT_NE(ReadAll(kept[0]).find("No APN"), std::string::npos);
-    const std::string stored = ReadAll(data / "UserAPNList.plist");
-    EXPECT_NE(stored.find("home.example"), std::string::npos);
-    EXPECT_NE(stored.find("office.example"), std::string::npos);
 }
 
 } // namespace

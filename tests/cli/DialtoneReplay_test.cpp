@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,15 +12,9 @@
 namespace {
 
 using clitest::Outcome;
+using clitest::ReadFile;
 using clitest::RunDialtone;
 using clitest::TempDir;
-
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // Each shipped recording, played back, makes the tool print what it printed when it was recorded; a
 // recording made meanwhile is the user's alone and is never overwritten.
@@ -40,16 +33,13 @@ TEST(DialtoneReplay, ShippedRecordingsGiveTheRecordedOutput) {
         const std::string again = home.path + "/again.rec";
         args.insert(args.begin(), {"--record", again});
         const Outcome run = RunDialtone(args, home.path);
-        EXPECT_EQ(run.status, 0) << run.err;
-        EXPECT_EQ(run.out, ReadFile(base.replace_extension(".out")));
+        clitest::ExpectStep({args, 0, {ReadFile(base.replace_extension(".out"))}, "", true}, run);
         EXPECT_EQ(run.err.find("answered ERROR"), std::string::npos) << run.err;
         struct stat st {};
         ASSERT_EQ(stat(again.c_str(), &st), 0);
         EXPECT_EQ(st.st_mode & 0777, 0600u);
         EXPECT_NE(ReadFile(again).find(" > AT+CGMI\n"), std::string::npos);
-        const Outcome refused = RunDialtone(args, home.path);
-        EXPECT_EQ(refused.status, 1);
-        EXPECT_NE(refused.err.find("exists already"), std::string::npos) << refused.err;
+        clitest::ExpectStep({args, 1, {}, "exists already"}, RunDialtone(args, home.path));
         ++played;
     }
     EXPECT_GE(played, 2);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -19,8 +18,7 @@ using clitest::SimulatedModem;
 TEST(DialtoneSignal, ReadingsOnBothDialectsAndAWatch) {
     clitest::TempDir home;
     const clitest::Outcome vendor = clitest::RunDialtone({"--simulate", "signal"}, home.path);
-    EXPECT_EQ(vendor.status, 0) << vendor.err;
-    EXPECT_NE(vendor.out.find("-77 dBm (4/5, good)"), std::string::npos) << vendor.out;
+    clitest::ExpectStep({{"--simulate", "signal"}, 0, {"-77 dBm (4/5, good)"}}, vendor);
     EXPECT_EQ(vendor.out.find("RSCP"), std::string::npos) << "the vendor's sticks have no +CESQ";
 
     SimulatedModem modem("standard");
@@ -36,10 +34,10 @@ TEST(DialtoneSignal, ReadingsOnBothDialectsAndAWatch) {
     modem.command("signal drift");
     const clitest::Outcome watch = modem.run({"--json", "signal", "--watch", "--count", "3"});
     ASSERT_EQ(watch.status, 0) << watch.err;
-    std::istringstream lines(watch.out);
-    int count = 0;
+    const std::vector<std::string> lines = clitest::Lines(watch.out);
+    EXPECT_EQ(lines.size(), 3u);
     int best = -200;
-    for (std::string line; std::getline(lines, line); ++count) {
+    for (const std::string& line : lines) {
         const nlohmann::json reading = Parse(line);
         ASSERT_TRUE(reading.is_object()) << line;
         const int dbm = reading.value("rssi_dbm", 0);
@@ -49,7 +47,6 @@ TEST(DialtoneSignal, ReadingsOnBothDialectsAndAWatch) {
         EXPECT_EQ(reading.value("lac", ""), "4F");
         EXPECT_EQ(reading.value("ci", ""), "1234567");
     }
-    EXPECT_EQ(count, 3);
     unsetenv("DIALTONE_DIALECT");
 }
 

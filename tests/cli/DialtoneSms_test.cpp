@@ -5,10 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -62,21 +59,15 @@ TEST(DialtoneSms, LongTextGoesInPartsAndItsReportComesBack) {
     // clang-format on
 }
 
-// Runs the tool while another thread waits for a command starting with commandStart to reach the modem,
+// Runs the tool while another thread waits for a command holding commandStart to reach the modem,
 // then lets the network act.
 template <typename Act>
 Outcome RunWhenSent(const SimulatedModem& modem, const std::vector<std::string>& arguments,
                     const std::string& commandStart, Act act) {
     std::thread network([&] {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (std::chrono::steady_clock::now() < deadline) {
-            bool sent = false;
-            for (const json& command : modem.dump().value("commands", json::array()))
-                sent = sent || command.get<std::string>().rfind(commandStart, 0) == 0;
-            if (sent)
-                break;
+        while (std::chrono::steady_clock::now() < deadline && modem.saw(commandStart) == 0)
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
         act();
     });
     const Outcome outcome = modem.run(arguments);
@@ -187,18 +178,16 @@ TEST(DialtoneSms, EmptyStorageTypedNumbersAndDrafts) {
 TEST(DialtoneSms, ThreadAndSearchWithNamesFromTheAddressBook) {
     SimulatedModem modem;
     ASSERT_TRUE(modem.ready());
-    const std::filesystem::path data = modem.home.path + "/.local/share/dialtone";
-    std::filesystem::create_directories(data);
     const auto contact = [](const char* name, const char* number) {
         return "<dict><key>UID</key><string>"s + name + "</string><key>Name</key><string>" + name +
                "</string><key>Numbers</key><array><dict><key>Label</key><string>mobile</string>"
                "<key>Number</key><string>" +
                number + "</string></dict></array></dict>";
     };
-    std::ofstream(data / "LocalPhoneBook.plist")
-        << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><array>"
-        << contact("Anna Schmidt", "0170 123 45 67") << contact("Anna Berg", "0151 23456789")
-        << "</array></plist>\n";
+    clitest::WriteFile(modem.home.path + "/.local/share/dialtone/LocalPhoneBook.plist",
+                       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><array>" +
+                           contact("Anna Schmidt", "0170 123 45 67") + contact("Anna Berg", "0151 23456789") +
+                           "</array></plist>\n");
     // clang-format off
     clitest::RunSteps(modem, {
         {{"sms", "drafts", "--add", "0170 1234567", "Running late"}, 0},
@@ -214,7 +203,6 @@ TEST(DialtoneSms, ThreadAndSearchWithNamesFromTheAddressBook) {
     // clang-format on
 }
 
-// A RING flood while the USSD answer is on its way: the answer still comes within the wait.
 TEST(DialtoneSms, UssdAnswerArrivesThroughARingFlood) {
     SimulatedModem modem(ScenarioPatch{{{"ussd", {{"delay_ms", 2000}}}}});
     ASSERT_TRUE(modem.ready());
@@ -238,8 +226,7 @@ TEST(DialtoneSms, WatchShowsEveryMessageOfABurstOnce) {
     });
     ASSERT_EQ(watched.status, 0) << watched.err;
     std::map<std::string, int> shown;
-    std::istringstream lines(watched.out);
-    for (std::string line; std::getline(lines, line);)
+    for (const std::string& line : clitest::Lines(watched.out))
         ++shown[Parse(line).value("text", "")];
     EXPECT_EQ(shown.size(), static_cast<size_t>(kMessages));
     for (int i = 0; i < kMessages; ++i)

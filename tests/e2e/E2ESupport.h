@@ -5,8 +5,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include <chrono>
-#include <functional>
+#include "SimulatorProcess.h"
 
 // The simulated modem program in a temporary device folder, with DIALTONE_DEV_DIR pointing there while it
 // lives. Stopped (and waited for) on destruction.
@@ -14,10 +13,8 @@ class SimulatedModem {
 public:
     explicit SimulatedModem(const QStringList& args = {});
     ~SimulatedModem();
-    SimulatedModem(const SimulatedModem&) = delete;
-    SimulatedModem& operator=(const SimulatedModem&) = delete;
 
-    bool started() const { return _pid > 0 && !_ready.isEmpty(); }
+    bool started() const { return _process.started(); }
     QString devDir() const { return _dir.path(); }
     // One control-socket command and its JSON answer (empty on failure).
     QJsonObject control(const QString& line) const;
@@ -26,9 +23,5 @@ public:
 
 private:
     QTemporaryDir _dir;
-    int _pid = -1;
-    QJsonObject _ready;
+    SimulatorProcess _process;
 };
-
-// Runs the calling thread's events until cond holds or the limit passes.
-bool waitUntil(const std::function<bool()>& cond, std::chrono::milliseconds limit);

@@ -77,7 +77,7 @@ TEST_F(FaultsE2E, StickPulledAtEachStepOfStartUp) {
         EXPECT_EQ(_sim->commands().size(), step); // nothing reached the modem after the pull
 
         EXPECT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 1);
-        EXPECT_TRUE(waitUntil([&] { return unplugged->size() == 1; }, 2s));
+        EXPECT_TRUE(waitFor([&] { return unplugged->size() == 1; }, 2s));
 
         ASSERT_TRUE(_sim->control("plug").value("ok").toBool());
         EXPECT_EQ(error(sync(MESSAGE_INIT_WORK_THREAD)), 0);
@@ -110,7 +110,7 @@ TEST_F(FaultsE2E, StickPulledInTheMiddleOfLongCommands) {
         clock.start();
         EXPECT_NE(error(sync(row.request, row.value)), 0);
         EXPECT_LT(clock.elapsed(), 1500);
-        EXPECT_TRUE(waitUntil([&] { return unplugged->size() == 1; }, 3s));
+        EXPECT_TRUE(waitFor([&] { return unplugged->size() == 1; }, 3s));
         EXPECT_EQ(queuedReports(), 0u);
 
         ASSERT_TRUE(_sim->control("plug").value("ok").toBool());
@@ -199,7 +199,7 @@ TEST_F(FaultsE2E, FullSimAndFullModemMemoryWhileMessagesArrive) {
     while (_sim->control("sms +491701234567 Arrives").value("ok").toBool()) {
         ++arrived;
         ASSERT_LE(arrived, 2);
-        ASSERT_TRUE(waitUntil([&] { return static_cast<int>(received->size()) == arrived; }, 6s));
+        ASSERT_TRUE(waitFor([&] { return static_cast<int>(received->size()) == arrived; }, 6s));
         const auto item = value<BLSmsListItem>(received->back().userInfo);
         EXPECT_EQ(item.nStoreIn, SMS_STORAGE_MODEM);
     }
@@ -217,7 +217,7 @@ TEST_F(FaultsE2E, FullSimAndFullModemMemoryWhileMessagesArrive) {
     }
     ASSERT_EQ(error(sync(MESSAGE_SMS_DELETE, newestId)), 0);
     ASSERT_TRUE(_sim->control("sms +491701234567 Room again").value("ok").toBool());
-    EXPECT_TRUE(waitUntil([&] { return static_cast<int>(received->size()) == arrived + 1; }, 6s));
+    EXPECT_TRUE(waitFor([&] { return static_cast<int>(received->size()) == arrived + 1; }, 6s));
     EXPECT_EQ(stored("SM").size(), 10);
 }
 
@@ -255,15 +255,13 @@ TEST_F(FaultsE2E, SendRefusedMidWay) {
 // A message taken out of the modem memory while the computer-side inbox cannot be written stays in the
 // modem (no AT+CMGD) and is moved once the inbox can be written again.
 TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
+    // clang-format off
     // needsPermissions: root writes through a read-only folder
-    struct Row {
-        const char* how;
-        bool needsPermissions;
-    };
-    const Row rows[] = {{"read-only folder", true}, {"no room for the file (a file size limit)", false}};
+    const struct { const char* how; bool needsPermissions; } rows[] = {{"read-only folder", true}, {"no room for the file (a file size limit)", false}};
+    // clang-format on
     rlimit fileSize{};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &fileSize), 0);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.how);
         if (row.needsPermissions && geteuid() == 0)
             continue;
@@ -284,7 +282,7 @@ TEST_F(FaultsE2E, MoveToAnUnwritableInboxKeepsTheMessageInTheModem) {
 
         const qsizetype sentBefore = _sim->commands().size();
         ASSERT_TRUE(_sim->control("sms +491701234567 Keep me").value("ok").toBool());
-        ASSERT_TRUE(waitUntil([&] { return received->size() == 1; }, 6s));
+        ASSERT_TRUE(waitFor([&] { return received->size() == 1; }, 6s));
         const auto item = value<BLSmsListItem>(received->front().userInfo);
         EXPECT_EQ(item.strContent, "Keep me");
         EXPECT_EQ(item.nStoreIn, SMS_STORAGE_MODEM);

@@ -1,5 +1,6 @@
 #include "../core/TempHome.h"
 #include "E2ESupport.h"
+#include "QtEventLoop.h"
 
 #include "ModemLink.h"
 #include "SMS/MessagesController.h"
@@ -30,16 +31,12 @@ protected:
         ASSERT_EQ(_link->open(30000), 0);
         _messages = std::make_unique<MessagesController>(*_link);
     }
-    void TearDown() override {
-        _messages.reset();
-        _link.reset();
-    }
 
     // One step, waited for.
     Outcome run(const std::function<void(MessagesController::Done)>& step) {
         std::optional<Outcome> outcome;
         step([&outcome](const Outcome& answer) { outcome = answer; });
-        EXPECT_TRUE(waitUntil([&outcome] { return outcome.has_value(); }, 60s));
+        EXPECT_TRUE(waitFor([&outcome] { return outcome.has_value(); }, 60s));
         return outcome.value_or(Outcome{-1, 0});
     }
     // One step that answers with a value, waited for; the value.

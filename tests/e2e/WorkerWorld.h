@@ -5,6 +5,7 @@
 
 #include "../core/TempHome.h"
 #include "E2ESupport.h"
+#include "QtEventLoop.h"
 
 #include "ComOperation.h"
 #include "GUIThreadAgent.h"
@@ -35,7 +36,7 @@ protected:
     void startWorker() {
         _agent = std::make_unique<GUIThreadAgent>(nullptr, &_module);
         _agent->setServerSetupCompleteTargetCallBack([this](WorkNotification* wn) { _wn = wn; });
-        ASSERT_TRUE(waitUntil([this] { return _wn != nullptr; }, 15s));
+        ASSERT_TRUE(waitFor([this] { return _wn != nullptr; }, 15s));
     }
     void start(const QStringList& args = {}) {
         plug(args);

@@ -22,16 +22,16 @@ TEST_F(WorkerE2E, UnplugMidCommandEndsItAndALaterInitWorks) {
     auto unplugged = listen(MESSAGE_USB_UNPLUGGED);
     auto status = listen(MESSAGE_CONNECT_STATUS);
     ASSERT_EQ(_wn->sendASyncWorkMessage(MESSAGE_NETWORK_GET_LIST, {}), 0);
-    ASSERT_TRUE(waitUntil([&] { return _sim->commands().contains("AT+COPS=?"); }, 5s));
+    ASSERT_TRUE(waitFor([&] { return _sim->commands().contains("AT+COPS=?"); }, 5s));
 
     QElapsedTimer clock;
     clock.start();
     ASSERT_TRUE(_sim->control("unplug").value("ok").toBool());
-    ASSERT_TRUE(waitUntil([&] { return !lists->empty(); }, 5s));
+    ASSERT_TRUE(waitFor([&] { return !lists->empty(); }, 5s));
     EXPECT_LT(clock.elapsed(), 1500);
     EXPECT_EQ(error(lists->front().userInfo), 30); // cancelled
     EXPECT_EQ(WorkNotification::GetRequester(lists->front().userInfo), "QTimer");
-    ASSERT_TRUE(waitUntil([&] { return !unplugged->empty(); }, 3s));
+    ASSERT_TRUE(waitFor([&] { return !unplugged->empty(); }, 3s));
     EXPECT_EQ(status->size(), 1u);
     EXPECT_FALSE(ApplicationShell::sharedShell().deviceFoundOK());
 
@@ -80,7 +80,7 @@ TEST_F(WorkerE2E, IncomingMessagesArePostedAndAFilteredOneUnderItsOwnName) {
     auto filtered = listen(MESSAGE_RPT_RECEIVE_FILTER_SMS);
     ASSERT_TRUE(_sim->control("sms +491701234567 Hello").value("ok").toBool());
     ASSERT_TRUE(_sim->control("sms +491709999999 Secret").value("ok").toBool());
-    ASSERT_TRUE(waitUntil([&] { return received->size() == 1 && filtered->size() == 1; }, 6s));
+    ASSERT_TRUE(waitFor([&] { return received->size() == 1 && filtered->size() == 1; }, 6s));
     EXPECT_EQ(value<BLSmsListItem>(received->front().userInfo).strAddress, "+491701234567");
     EXPECT_EQ(error(filtered->front().userInfo), 0);
     EXPECT_EQ(WorkNotification::GetRequester(filtered->front().userInfo), "QTimer");

@@ -16,24 +16,11 @@
 #include "ServiceWorld.h"
 
 using namespace servicetest;
-using nlohmann::json;
-
-namespace {
-
-// How many commands starting with commandStart the modem has been sent.
-int ModemSaw(const clitest::SimulatedModem& modem, const std::string& commandStart) {
-    int seen = 0;
-    for (const json& command : modem.dump().value("commands", json::array()))
-        seen += command.get<std::string>().rfind(commandStart, 0) == 0;
-    return seen;
-}
-
-} // namespace
 
 TEST(ServiceClients, AClientKilledInTheMiddleLeavesTheServiceWorking) {
     ServiceWorld world;
     ASSERT_TRUE(world.ready());
-    ASSERT_TRUE(WaitFor([&] { return world.property(QStringLiteral("ModemState")) == "ready"; }, 30s));
+    ASSERT_TRUE(world.becomes(QStringLiteral("ModemState"), QStringLiteral("ready"), 30s));
     // clang-format off
     struct Row { std::vector<std::string> command; std::string middle; };
     const std::vector<Row> rows = {
@@ -43,13 +30,13 @@ TEST(ServiceClients, AClientKilledInTheMiddleLeavesTheServiceWorking) {
     // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.command[row.command.size() - 2] + " " + row.command.back());
-        const int before = ModemSaw(world.modem, row.middle);
+        const int before = world.modem.saw(row.middle);
         const auto client = world.start(row.command);
-        ASSERT_TRUE(WaitFor([&] { return ModemSaw(world.modem, row.middle) > before; }, 30s));
-        ASSERT_TRUE(WaitFor([&] { return world.property(QStringLiteral("Clients")) == 1u; }, 10s));
+        ASSERT_TRUE(WaitFor([&] { return world.modem.saw(row.middle) > before; }, 30s));
+        ASSERT_TRUE(world.becomes(QStringLiteral("Clients"), 1u));
         kill(client->pid(), SIGKILL);
         client->finish();
-        EXPECT_TRUE(WaitFor([&] { return world.property(QStringLiteral("Clients")) == 0u; }, 10s));
+        EXPECT_TRUE(world.becomes(QStringLiteral("Clients"), 0u));
         const clitest::Outcome next = world.dialtone({"--json", "status"});
         EXPECT_EQ(next.status, 0) << next.err;
         EXPECT_EQ(clitest::Parse(next.out)["network"]["provider_name"], "Vodafone.de") << next.out;
@@ -59,8 +46,7 @@ TEST(ServiceClients, AClientKilledInTheMiddleLeavesTheServiceWorking) {
 TEST(ServiceLife, EndsByItselfOnceTheLastClientHasLeft) {
     ServiceWorld world("--idle-exit 2");
     ASSERT_TRUE(world.ready());
-    const clitest::Outcome status = world.dialtone({"status"});
-    ASSERT_EQ(status.status, 0) << status.err;
+    world.expect({{"status"}, 0});
     const pid_t first = world.servicePid();
     ASSERT_GT(first, 0);
     // The property reads of the other tests would keep it: only the process is watched here.
@@ -84,7 +70,7 @@ TEST(ServiceAccess, AnotherUsersCallIsRefused) {
         GTEST_SKIP() << "busctl is not installed";
     ServiceWorld world;
     ASSERT_TRUE(world.ready());
-    ASSERT_TRUE(WaitFor([&] { return world.property(QStringLiteral("ModemState")) == "ready"; }, 30s));
+    ASSERT_TRUE(world.becomes(QStringLiteral("ModemState"), QStringLiteral("ready"), 30s));
     const std::string call = "busctl --address=" + clitest::Quote(world.bus.address) +
                              " call org.dialtone.Modem1 /org/dialtone/Modem1 org.dialtone.Modem1 Request"
                              " 'sa{sv}' MESSAGE_NETWORK_GET_INFO 0";
@@ -105,8 +91,7 @@ TEST(ServiceAccess, AnotherUsersCallIsRefused) {
 TEST(ServiceLife, ALinkOutlivesTheServiceAndTheNextOneFindsItsCounters) {
     ServiceWorld world;
     ASSERT_TRUE(world.ready());
-    const clitest::Outcome connected = world.dialtone({"--wait", "20", "connect"});
-    ASSERT_EQ(connected.status, 0) << connected.err;
+    world.expect({{"--wait", "20", "connect"}, 0});
     const std::string counters = world.modem.home.path + "/ppp/net/ppp0/statistics";
     std::filesystem::create_directories(counters);
     std::ofstream(counters + "/tx_bytes") << "1000\n";
@@ -116,9 +101,7 @@ TEST(ServiceLife, ALinkOutlivesTheServiceAndTheNextOneFindsItsCounters) {
     };
     ASSERT_TRUE(WaitFor(received, 10s));
     // Another process follows the link from the service's reports.
-    const clitest::Outcome monitor = world.dialtone({"--json", "--wait", "2.5", "monitor"});
-    EXPECT_EQ(monitor.status, 0) << monitor.err;
-    EXPECT_NE(monitor.out.find("\"received_bytes\":5000"), std::string::npos) << monitor.out;
+    world.expect({{"--json", "--wait", "2.5", "monitor"}, 0, {"\"received_bytes\":5000"}});
 
     const pid_t killed = world.servicePid();
     kill(killed, SIGKILL);
@@ -132,8 +115,7 @@ TEST(ServiceLife, ALinkOutlivesTheServiceAndTheNextOneFindsItsCounters) {
     const clitest::Outcome disconnected = world.dialtone({"--json", "disconnect"});
     EXPECT_EQ(disconnected.status, 0) << disconnected.err;
     EXPECT_EQ(clitest::Parse(disconnected.out).value("received_bytes", 0ull), 5000u) << disconnected.out;
-    EXPECT_TRUE(
-        WaitFor([&] { return world.property(QStringLiteral("ConnectionState")) == "disconnected"; }, 10s));
+    EXPECT_TRUE(world.becomes(QStringLiteral("ConnectionState"), QStringLiteral("disconnected")));
 }
 
 // The service guards every link, also one a client dialled and left: roaming ends it, with a notice.
@@ -142,9 +124,8 @@ TEST(ServiceLife, TheRoamingGuardEndsALinkNobodyHolds) {
     ASSERT_TRUE(world.ready());
     NotificationLog log;
     ASSERT_TRUE(world.listen(log));
-    ASSERT_EQ(world.dialtone({"budget", "roaming", "hangup"}).status, 0);
-    const clitest::Outcome connected = world.dialtone({"--wait", "20", "connect"});
-    ASSERT_EQ(connected.status, 0) << connected.err;
+    world.expect({{"budget", "roaming", "hangup"}, 0});
+    world.expect({{"--wait", "20", "connect"}, 0});
     world.modem.command("reg 5");
     EXPECT_TRUE(WaitFor(
         [&] {
@@ -153,8 +134,7 @@ TEST(ServiceLife, TheRoamingGuardEndsALinkNobodyHolds) {
             });
         },
         20s));
-    EXPECT_TRUE(
-        WaitFor([&] { return world.property(QStringLiteral("ConnectionState")) == "disconnected"; }, 10s));
+    EXPECT_TRUE(world.becomes(QStringLiteral("ConnectionState"), QStringLiteral("disconnected")));
 }
 
 TEST(ServiceClients, ClientsAtOnceAndAWatchThatFollowsTheModemThroughUnplugAndReplug) {
@@ -168,10 +148,7 @@ TEST(ServiceClients, ClientsAtOnceAndAWatchThatFollowsTheModemThroughUnplugAndRe
     }
     NotificationLog log;
     ASSERT_TRUE(world.listen(log));
-    const auto state = [&](const char* expected) {
-        return WaitFor([&] { return world.property(QStringLiteral("ModemState")) == expected; }, 30s);
-    };
-    ASSERT_TRUE(state("ready"));
+    ASSERT_TRUE(world.becomes(QStringLiteral("ModemState"), QStringLiteral("ready"), 30s));
     // The watch follows once its list is answered (a stick pulled before that ends it).
     const auto watch = world.start({"--json", "--wait", "60", "sms", "watch"});
     const auto listed = [&](const QVariantMap& info) {
@@ -180,9 +157,9 @@ TEST(ServiceClients, ClientsAtOnceAndAWatchThatFollowsTheModemThroughUnplugAndRe
     ASSERT_TRUE(WaitFor([&] { return log.seen(QStringLiteral("MESSAGE_SMS_GET_LIST"), listed); }, 30s));
 
     ASSERT_TRUE(world.modem.command("unplug").value("ok", false));
-    ASSERT_TRUE(state("absent"));
+    ASSERT_TRUE(world.becomes(QStringLiteral("ModemState"), QStringLiteral("absent"), 30s));
     ASSERT_TRUE(world.modem.command("plug").value("ok", false));
-    ASSERT_TRUE(state("ready"));
+    ASSERT_TRUE(world.becomes(QStringLiteral("ModemState"), QStringLiteral("ready"), 30s));
     // A message that comes while another client's command runs (its list may take the message in before
     // the modem announces it) reaches the watch all the same.
     const auto other = world.start({"sms", "list"});

@@ -23,12 +23,6 @@ namespace {
 const QString kService = QStringLiteral("org.dialtone.Modem1");
 const QString kPath = QStringLiteral("/org/dialtone/Modem1");
 
-std::string ReadFile(const std::string& path) {
-    std::stringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
-
 // The environment of this process with the variables ("NAME=value") set and the names removed.
 QProcessEnvironment Environment(const std::vector<std::string>& variables,
                                 std::initializer_list<const char*> removed) {
@@ -191,7 +185,7 @@ pid_t ServiceWorld::servicePid() const {
         std::error_code unreadable;
         if (fs::read_symlink(entry.path() / "exe", unreadable) != program)
             continue;
-        std::istringstream environment(ReadFile((entry.path() / "environ").string()));
+        std::istringstream environment(clitest::ReadFile((entry.path() / "environ").string()));
         for (std::string variable; std::getline(environment, variable, '\0');) {
             if (variable == marker)
                 return static_cast<pid_t>(std::stoi(name));
@@ -213,6 +207,10 @@ QDBusMessage ServiceWorld::call(const QString& method, const QVariantList& argum
 bool ServiceWorld::listen(NotificationLog& log) {
     return bus.connection().connect(QString(), kPath, kService, QStringLiteral("Notification"), &log,
                                     SLOT(take(QString, QDBusMessage)));
+}
+
+bool ServiceWorld::becomes(const QString& name, const QVariant& value, std::chrono::milliseconds limit) {
+    return WaitFor([&] { return property(name) == value; }, limit);
 }
 
 QVariant ServiceWorld::property(const QString& name) {

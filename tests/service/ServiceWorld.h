@@ -103,6 +103,8 @@ public:
     clitest::Outcome dialtone(const std::vector<std::string>& arguments) {
         return start(arguments)->finish();
     }
+    // Runs the tool and checks the run against the row.
+    void expect(const clitest::Step& step) { clitest::ExpectStep(step, dialtone(step.args)); }
 
     // The running dialtoned of this world (found by its executable and device folder), or -1.
     pid_t servicePid() const;
@@ -115,6 +117,8 @@ public:
     // A property of the service read from this process. A read keeps the service from idling, so tests of
     // the idle exit look at the process instead.
     QVariant property(const QString& name);
+    // Whether the property comes to hold the value within the limit.
+    bool becomes(const QString& name, const QVariant& value, std::chrono::milliseconds limit = 10s);
 
     clitest::SimulatedModem modem;
     clitest::TempDir services;

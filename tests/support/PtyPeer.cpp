@@ -21,27 +21,19 @@ bool IsTerminator(char c) {
 } // namespace
 
 PtyPeer::PtyPeer() {
-    int master = -1;
-    int slave = -1;
-    if (openpty(&master, &slave, nullptr, nullptr, nullptr) != 0)
+    if (openpty(&_masterFd, &_slaveFd, nullptr, nullptr, nullptr) != 0) {
+        _masterFd = _slaveFd = -1;
         return;
+    }
     char name[PATH_MAX] = {};
-    if (ttyname_r(slave, name, sizeof(name)) != 0) {
-        close(master);
-        close(slave);
-        return;
-    }
-    fcntl(master, F_SETFL, fcntl(master, F_GETFL) | O_NONBLOCK);
-    fcntl(master, F_SETFD, FD_CLOEXEC);
-    fcntl(slave, F_SETFD, FD_CLOEXEC);
     _wakeFd = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    if (_wakeFd < 0) {
-        close(master);
-        close(slave);
+    if (ttyname_r(_slaveFd, name, sizeof(name)) != 0 || _wakeFd < 0) {
+        stop(); // closes what was opened; isOpen() is false
         return;
     }
-    _masterFd = master;
-    _slaveFd = slave;
+    fcntl(_masterFd, F_SETFL, fcntl(_masterFd, F_GETFL) | O_NONBLOCK);
+    fcntl(_masterFd, F_SETFD, FD_CLOEXEC);
+    fcntl(_slaveFd, F_SETFD, FD_CLOEXEC);
     _slavePath = name;
     _thread = std::thread([this] { run(); });
 }
@@ -68,7 +60,7 @@ void PtyPeer::stop() {
 void PtyPeer::expect(std::string command, Answer answer) {
     std::lock_guard<std::mutex> lock(_mutex);
     _script.push_back({std::move(command), std::move(answer)});
-    notifyLocked();
+    _changed.notify_all();
 }
 
 void PtyPeer::expect(std::string command, std::string answer) {
@@ -100,15 +92,6 @@ bool PtyPeer::waitUntilIdle(std::chrono::milliseconds timeout) const {
 std::vector<std::string> PtyPeer::received() const {
     std::lock_guard<std::mutex> lock(_mutex);
     return _received;
-}
-
-std::vector<std::string> PtyPeer::unexpected() const {
-    std::lock_guard<std::mutex> lock(_mutex);
-    return _unexpected;
-}
-
-void PtyPeer::notifyLocked() {
-    _changed.notify_all();
 }
 
 void PtyPeer::run() {
@@ -156,7 +139,7 @@ void PtyPeer::run() {
             writeAll(text);
             std::lock_guard<std::mutex> lock(_mutex);
             _writing = false;
-            notifyLocked();
+            _changed.notify_all();
         }
     }
 }
@@ -166,10 +149,9 @@ void PtyPeer::onCommand(const std::string& command) {
     {
         std::lock_guard<std::mutex> lock(_mutex);
         _received.push_back(command);
-        notifyLocked();
+        _changed.notify_all();
         if (!_script.empty()) {
             if (_script.front().command != command) {
-                _unexpected.push_back(command);
                 ADD_FAILURE() << "PtyPeer: unexpected command \"" << command << "\", expected \""
                               << _script.front().command << "\"";
                 return;
@@ -179,7 +161,6 @@ void PtyPeer::onCommand(const std::string& command) {
             return;
         }
         if (!_handler) {
-            _unexpected.push_back(command);
             ADD_FAILURE() << "PtyPeer: unexpected command \"" << command << "\" after the script";
             return;
         }
@@ -196,7 +177,7 @@ void PtyPeer::scheduleLocked(Answer& answer) {
         due += piece.delay;
         _outbox.emplace(due, std::move(piece.text));
     }
-    notifyLocked();
+    _changed.notify_all();
 }
 
 void PtyPeer::writeAll(const std::string& text) {

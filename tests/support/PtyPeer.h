@@ -35,8 +35,6 @@ public:
 
     bool isOpen() const { return _masterFd >= 0; }
     const std::string& slavePath() const { return _slavePath; }
-    // The peer's own descriptor on the slave (for reading the terminal settings the channel applied).
-    int slaveFd() const { return _slaveFd; }
 
     // Appends a step: when the next command equals `command` (terminator included), write `answer`.
     void expect(std::string command, Answer answer);
@@ -50,7 +48,6 @@ public:
     // True once every scripted step has been used and all its pieces written.
     bool waitUntilIdle(std::chrono::milliseconds timeout) const;
     std::vector<std::string> received() const;
-    std::vector<std::string> unexpected() const;
 
     // Stops the thread, dropping pieces not yet written. Called by the destructor.
     void stop();
@@ -65,7 +62,6 @@ private:
     void run();
     void onCommand(const std::string& command);
     void writeAll(const std::string& text);
-    void notifyLocked();
     void scheduleLocked(Answer& answer);
 
     int _masterFd = -1;
@@ -79,7 +75,6 @@ private:
     Handler _handler;
     std::multimap<Clock::time_point, std::string> _outbox; // equal times keep their order
     std::vector<std::string> _received;
-    std::vector<std::string> _unexpected;
     bool _writing = false;
     std::atomic<bool> _stopping{false};
 

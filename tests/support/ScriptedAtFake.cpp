@@ -114,12 +114,8 @@ int ScriptedAtFake::Execute(const char* command, const char* expected, int timeo
 }
 
 bool ScriptedAtFake::Done() const {
-    return Remaining() == 0;
-}
-
-std::size_t ScriptedAtFake::Remaining() const {
     std::lock_guard lock(m_mutex);
-    return m_steps.size();
+    return m_steps.empty();
 }
 
 void ScriptedAtFake::VerifyDone() {

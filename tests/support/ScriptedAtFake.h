@@ -66,7 +66,6 @@ public:
 
     // True when every step was used.
     bool Done() const;
-    std::size_t Remaining() const;
     // Fails the test, listing the steps left over, unless the script was used up; then forgets them.
     void VerifyDone();
 
