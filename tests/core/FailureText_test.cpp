@@ -1,5 +1,3 @@
-// The modem's error causes read from its answers, and failures told in words for both front ends.
-
 #include <string>
 
 #include <gtest/gtest.h>

@@ -2,8 +2,6 @@
 
 #include "Pin/PinController.h"
 
-#include <QSignalSpy>
-
 #include <optional>
 
 namespace {

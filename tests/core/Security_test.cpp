@@ -61,20 +61,18 @@ private:
 
 TEST(Security, ChildProcessPassesHostileArgumentsWhole) {
     ensureApplication();
-    const struct {
-        const char* name;
-        std::function<bool(const QString&, const QStringList&)> start;
-    } ways[] = {
-        {"run", [](const QString& p, const QStringList& a) { return ChildProcess::run(p, a, 10000) == 0; }},
-        {"spawn",
-         [](const QString& p, const QStringList& a) {
-             const pid_t pid = ChildProcess::spawn(p, a);
-             int status = -1;
-             return pid > 0 && waitFor([&] { return ChildProcess::reap(pid, status); }) && status == 0;
-         }},
-        {"startDetached",
-         [](const QString& p, const QStringList& a) { return ChildProcess::startDetached(p, a); }},
+    const auto spawn = [](const QString& p, const QStringList& a) {
+        const pid_t pid = ChildProcess::spawn(p, a);
+        int status = -1;
+        return pid > 0 && waitFor([&] { return ChildProcess::reap(pid, status); }) && status == 0;
     };
+    // clang-format off
+    const struct { const char* name; std::function<bool(const QString&, const QStringList&)> start; } ways[] = {
+        {"run", [](const QString& p, const QStringList& a) { return ChildProcess::run(p, a, 10000) == 0; }},
+        {"spawn", spawn},
+        {"startDetached", [](const QString& p, const QStringList& a) { return ChildProcess::startDetached(p, a); }},
+    };
+    // clang-format on
     for (const auto& way : ways) {
         SCOPED_TRACE(way.name);
         ArgumentRecorder recorder;

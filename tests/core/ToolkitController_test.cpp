@@ -3,7 +3,6 @@
 #include "SAT/ToolkitController.h"
 
 #include <QJsonArray>
-#include <QSignalSpy>
 
 #include <optional>
 #include <string>
