@@ -5,8 +5,6 @@
 
 #include <QByteArray>
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cstdio>
 #include <string>

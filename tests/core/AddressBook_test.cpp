@@ -1,8 +1,6 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-#include <gtest/gtest.h>
-
 #include "Contacts/LocalPhoneBook.h"
 #include "Contacts/PhonebookCopy.h"
 #include "Contacts/VCard.h"

@@ -11,8 +11,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <optional>
 

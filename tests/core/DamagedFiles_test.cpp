@@ -11,8 +11,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <optional>
 #include <string>

@@ -2,8 +2,6 @@
 #include "Budget/DataBudget.h"
 #include "TempHome.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 QDate D(const char* iso) {

@@ -15,8 +15,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 

@@ -1,8 +1,6 @@
 #include <QDir>
 #include <QFile>
 
-#include <gtest/gtest.h>
-
 #include "Network/SignalPeakWindow.h"
 #include "Network/SignalSample.h"
 #include "SignalQuality.h"

@@ -4,8 +4,6 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
-#include <gtest/gtest.h>
-
 #include <thread>
 #include <vector>
 

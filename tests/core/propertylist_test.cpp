@@ -8,8 +8,6 @@
 
 #include <plist/plist.h>
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 
 namespace {

@@ -4,8 +4,6 @@
 
 #include <QFileInfo>
 
-#include <gtest/gtest.h>
-
 namespace {
 
 // The operator tables generated from the operator database, as a program in the build tree finds them.
