@@ -5,8 +5,6 @@
 #include "FailureText.h"
 #include "ModemErrorCause.h"
 
-namespace {
-
 TEST(ModemErrorCause, ReadsTheLastCauseNumericOrVerbose) {
     // clang-format off
     struct Row { const char* answer; int cause; };
@@ -71,5 +69,3 @@ TEST(FailureText, SimStatesThatKeepCommandsFromRunning) {
         EXPECT_EQ(code, row.code);
     }
 }
-
-} // namespace

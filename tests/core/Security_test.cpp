@@ -32,8 +32,7 @@ QStringList hostileArguments(const QString& marker) {
 }
 
 // A program that writes each argument it gets, NUL-terminated, to its output file.
-class ArgumentRecorder {
-public:
+struct ArgumentRecorder {
     ArgumentRecorder() {
         TempHome::writeFile(program(),
                             QStringLiteral("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\0' \"$a\"; done "
@@ -52,8 +51,6 @@ public:
             arguments << QString::fromUtf8(bytes.mid(at, end - at));
         return arguments;
     }
-
-private:
     QTemporaryDir _dir;
 };
 

@@ -7,8 +7,6 @@
 #include <thread>
 #include <vector>
 
-namespace {
-
 TEST(CNSLog, NothingWithoutTheMarker) {
     TempHome home;
     CNSLOG(2, "parameter is null");
@@ -37,5 +35,3 @@ TEST(CNSLog, ThreadsAppendWholeLines) {
     for (const QString& line : lines)
         ASSERT_TRUE(whole.match(line).hasMatch()) << line.toStdString();
 }
-
-} // namespace

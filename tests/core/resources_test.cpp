@@ -4,8 +4,6 @@
 
 #include <QFileInfo>
 
-namespace {
-
 // The operator tables generated from the operator database, as a program in the build tree finds them.
 TEST(Resources, GeneratedTablesHoldRealOperators) {
     TempHome home;
@@ -36,5 +34,3 @@ TEST(Resources, GeneratedTablesHoldRealOperators) {
     for (const APNInfo& item : config.fixedApnList())
         EXPECT_FALSE(item.strDNS2.isNull()) << item.strAccount.toStdString();
 }
-
-} // namespace
