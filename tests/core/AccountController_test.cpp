@@ -14,9 +14,13 @@
 
 namespace {
 
-// What the views were told, in order.
-struct ViewLog {
-    explicit ViewLog(AccountController& controller) {
+BLUssdSendCmdInfo sentInfo(const RecordingTransport& transport) {
+    return transport.argument(MESSAGE_USSD_SENDCMD).value<BLUssdSendCmdInfo>();
+}
+
+// The controller on a recorded link, in a home of its own, and what the views were told, in order.
+struct Ussd {
+    Ussd() {
         QObject::connect(&controller, &AccountController::uiBlockChanged,
                          [this](bool blocked) { events.append(blocked ? "block" : "unblock"); });
         QObject::connect(&controller, &AccountController::messageShown,
@@ -27,20 +31,11 @@ struct ViewLog {
             events.append(QStringLiteral("failed:%1:%2/%3").arg(text).arg(o.code).arg(o.cause));
         });
     }
-    QStringList events;
-};
-
-BLUssdSendCmdInfo sentInfo(const RecordingTransport& transport) {
-    return transport.argument(MESSAGE_USSD_SENDCMD).value<BLUssdSendCmdInfo>();
-}
-
-// The controller on a recorded link, in a home of its own.
-struct Ussd {
     bool application = (ensureApplication(), true);
     TempHome home;
     RecordedLink modem;
     AccountController controller{modem.link};
-    ViewLog view{controller};
+    QStringList events;
 };
 
 } // namespace
@@ -71,7 +66,7 @@ TEST(AccountController, DataFileChoiceByIMSIPrefix) {
 
 TEST(AccountController, LoadsTheSimsMenusFromTheResourceFolder) {
     Ussd u;
-    auto& [application, home, modem, controller, view] = u;
+    auto& [application, home, modem, controller, events] = u;
     ASSERT_EQ(controller.loadAccountData("262021234567890"), 0); // the build tree's shipped menus
     ASSERT_FALSE(controller.accountData().groups.empty());
     // DIALTONE_RESOURCE_DIR moves the account data with it; an empty folder means no menus.
@@ -85,7 +80,7 @@ TEST(AccountController, LoadsTheSimsMenusFromTheResourceFolder) {
 
 TEST(AccountController, SendBlocksAndAnswersUnblock) {
     Ussd u;
-    auto& [application, home, modem, controller, view] = u;
+    auto& [application, home, modem, controller, events] = u;
     RecordingTransport& worker = *modem.transport;
     const auto report = [&worker](const QVariant& value) { worker.report(MESSAGE_RPT_RECEIVE_USSD, value); };
 
@@ -104,13 +99,12 @@ TEST(AccountController, SendBlocksAndAnswersUnblock) {
     report(QVariant::fromValue(BLUssdReceive{0, "Day pass booked."}));
     controller.sendUSSDCmd("*101#");
     report(QVariant::fromValue(BLUssdReceive{2, "Session ended"}));
-    EXPECT_EQ(view.events,
-              (QStringList{"block", "unblock", "reply:1 Balance\n2 Data options", "block", "unblock",
-                           "message:Day pass booked.", "block", "unblock", "message:Session ended"}));
+    EXPECT_EQ(events, (QStringList{"block", "unblock", "reply:1 Balance\n2 Data options", "block", "unblock",
+                                   "message:Day pass booked.", "block", "unblock", "message:Session ended"}));
 
     // A report without a record or without text only unblocks; the refused string unblocks with its
     // code and the modem's cause.
-    view.events.clear();
+    events.clear();
     controller.sendUSSDCmd("*100#");
     report(QVariant());
     controller.sendUSSDCmd("*100#");
@@ -123,8 +117,8 @@ TEST(AccountController, SendBlocksAndAnswersUnblock) {
     worker.answer(MESSAGE_USSD_SENDCMD, WORKER_ERR_TIME_OUT);
     ASSERT_TRUE(taken.has_value());
     EXPECT_EQ(taken->code, WORKER_ERR_TIME_OUT);
-    EXPECT_EQ(view.events, (QStringList{"block", "unblock", "block", "unblock", "block", "unblock",
-                                        "failed:*7#:1/0", "block", "unblock", "failed:*8#:2/0"}));
+    EXPECT_EQ(events, (QStringList{"block", "unblock", "block", "unblock", "block", "unblock",
+                                   "failed:*7#:1/0", "block", "unblock", "failed:*8#:2/0"}));
 
     // The override string replaces whatever is sent.
     controller.setUSSDDebugString("*999#");
@@ -137,22 +131,21 @@ TEST(AccountController, SendBlocksAndAnswersUnblock) {
 
 TEST(AccountController, TimeOutUnblocksWithAMessage) {
     Ussd u;
-    auto& [application, home, modem, controller, view] = u;
+    auto& [application, home, modem, controller, events] = u;
     controller.setTimeoutInterval(50);
     controller.sendUSSDCmd("*100#");
     ASSERT_TRUE(waitFor([&] { return !controller.isUIBlocked(); }));
-    EXPECT_EQ(view.events,
-              (QStringList{"block", "unblock", "message:" + AccountController::timeoutMessage()}));
+    EXPECT_EQ(events, (QStringList{"block", "unblock", "message:" + AccountController::timeoutMessage()}));
     EXPECT_FALSE(AccountController::timeoutMessage().isEmpty());
 
     // An answer stops the timer: no time-out later.
-    view.events.clear();
+    events.clear();
     controller.sendUSSDCmd("*100#");
     modem.transport->report(MESSAGE_RPT_RECEIVE_USSD, QVariant::fromValue(BLUssdReceive{0, "ok"}));
     QElapsedTimer clock;
     clock.start();
     waitFor([&] { return clock.elapsed() > 150; });
-    EXPECT_EQ(view.events, (QStringList{"block", "unblock", "message:ok"}));
+    EXPECT_EQ(events, (QStringList{"block", "unblock", "message:ok"}));
 }
 
 TEST(AccountController, PaidTypeFromInternalType) {

@@ -4,9 +4,6 @@
 #include "ResourceLocator.h"
 
 #include <QByteArray>
-#include <QDir>
-
-#include <gtest/gtest.h>
 
 #include <climits>
 #include <cstdio>
@@ -52,39 +49,35 @@ std::string Summary(const _TAccountData& data) {
     return out;
 }
 
-std::string item(const std::string& inside) {
-    return "<ITEM>" + inside + "</ITEM>";
-}
-std::string fullItem() {
-    return item("<ITEM_STRING>" + hex("Top up") +
-                "</ITEM_STRING><ITEM_TYPE_FOR>3</ITEM_TYPE_FOR><TITLE_STRING>" + hex("Top-up") +
-                "</TITLE_STRING><PROMPT_STRING>" + hex("Enter") + "</PROMPT_STRING><INPUT_SETTING>" + kInput +
-                "</INPUT_SETTING><BUTTON_SETTING>" + kButton + "</BUTTON_SETTING>");
-}
-std::string group(const std::string& inside) {
-    return "<GROUP>" + inside + "</GROUP>";
-}
-std::string language(const std::string& attribute, const std::string& inside) {
-    return "<LANGUAGE" + attribute + ">" + inside + "</LANGUAGE>";
+// "<NAME>inside</NAME>"; the name may carry attributes.
+std::string tag(const std::string& name, const std::string& inside) {
+    return "<" + name + ">" + inside + "</" + name.substr(0, name.find(' ')) + ">";
 }
 std::string tip(const std::string& text = hex("Tip")) {
-    return "<TIP>" + text + "</TIP>";
+    return tag("TIP", text);
 }
-std::string root(const std::string& inside) {
-    return "<?xml version=\"1.0\"?><ROOT>" + inside + "</ROOT>";
+std::string fullItem() {
+    return tag("ITEM", "<ITEM_STRING>" + hex("Top up") +
+                           "</ITEM_STRING><ITEM_TYPE_FOR>3</ITEM_TYPE_FOR><TITLE_STRING>" + hex("Top-up") +
+                           "</TITLE_STRING><PROMPT_STRING>" + hex("Enter") +
+                           "</PROMPT_STRING><INPUT_SETTING>" + kInput + "</INPUT_SETTING><BUTTON_SETTING>" +
+                           kButton + "</BUTTON_SETTING>");
 }
 std::string goodGroup(const std::string& name = "Balance") {
-    return group("<GROUP_STRING>" + hex(name) + "</GROUP_STRING><GROUP_TYPE_FOR>1</GROUP_TYPE_FOR>" +
-                 fullItem());
+    return tag("GROUP", "<GROUP_STRING>" + hex(name) + "</GROUP_STRING><GROUP_TYPE_FOR>1</GROUP_TYPE_FOR>" +
+                            fullItem());
 }
-
+std::string root(const std::string& inside) {
+    return "<?xml version=\"1.0\"?>" + tag("ROOT", inside);
+}
 std::string firstLanguage(const std::string& inside) {
-    return root(language(" LANGUAGE_ID=\"0\"", inside));
+    return root(tag("LANGUAGE LANGUAGE_ID=\"0\"", inside));
 }
 // An item without text, title or prompt, followed by `rest`, alone in the first language.
 std::string oneItem(const std::string& rest) {
-    return firstLanguage(tip() + group("<GROUP_STRING>0041</GROUP_STRING>" +
-                                       item("<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/>" + rest)));
+    return firstLanguage(
+        tip() + tag("GROUP", "<GROUP_STRING>0041</GROUP_STRING>" +
+                                 tag("ITEM", "<ITEM_STRING/><TITLE_STRING/><PROMPT_STRING/>" + rest)));
 }
 
 QString writeData(const TempHome& home, const QByteArray& bytes) {
@@ -117,8 +110,8 @@ TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
     // types 0, no inputs, no buttons; one record serves every row, so a read replaces what it held.
     struct Row { const char* name; std::string xml; int language; int result; size_t groups; const char* printed; std::string summary = {}; };
     const std::string ok = tip() + goodGroup();
-    const std::string number = group("<GROUP_STRING>" + hex("Number") + "</GROUP_STRING>" + item("<ITEM_STRING>" + hex("Show") + "</ITEM_STRING><TITLE_STRING>" + hex("T") + "</TITLE_STRING><PROMPT_STRING></PROMPT_STRING>"));
-    const std::string two = root(language(" LANGUAGE_ID=\"0\"", ok) + language(" LANGUAGE_ID=\"1\"", tip(hex("Hinweis")) + goodGroup("Guthaben") + number));
+    const std::string number = tag("GROUP", "<GROUP_STRING>" + hex("Number") + "</GROUP_STRING>" + tag("ITEM", "<ITEM_STRING>" + hex("Show") + "</ITEM_STRING><TITLE_STRING>" + hex("T") + "</TITLE_STRING><PROMPT_STRING></PROMPT_STRING>"));
+    const std::string two = root(tag("LANGUAGE LANGUAGE_ID=\"0\"", ok) + tag("LANGUAGE LANGUAGE_ID=\"1\"", tip(hex("Hinweis")) + goodGroup("Guthaben") + number));
     const std::string full = "/1: Top up/3 Top-up Enter [Voucher 0000 0123456789 16 12] [Check *100#]\n";
     const char* const error = "data prase error:";
     const auto first = firstLanguage;
@@ -126,15 +119,15 @@ TEST(AccountData, NoDataBrokenFilesAndTheirMessages) {
         {"the chosen language", two, 1, 0, 2, nullptr, "1 Hinweis\nGuthaben" + full + "Number/0: Show/0 T  \n"},
         {"-1: the first language", two, -1, 0, 1, nullptr, "0 Tip\nBalance" + full},
         {"not XML", "garbage <<< >", 0, 0, 0, nullptr},
-        {"no ROOT", "<OTHER>" + language(" LANGUAGE_ID=\"0\"", ok) + "</OTHER>", 0, 0, 0, nullptr},
+        {"no ROOT", tag("OTHER", tag("LANGUAGE LANGUAGE_ID=\"0\"", ok)), 0, 0, 0, nullptr},
         {"empty ROOT", root(""), -1, 0, 0, nullptr},
         {"unknown language", first(ok), 5, 0, 0, nullptr},
-        {"language without id skipped", root(language("", ok) + language(" LANGUAGE_ID=\"2\"", ok)), -1, 0, 1, "data prase error resume:\nFunction:GetUSSDDataFromFile \nLine:"},
+        {"language without id skipped", root(tag("LANGUAGE", ok) + tag("LANGUAGE LANGUAGE_ID=\"2\"", ok)), -1, 0, 1, "data prase error resume:\nFunction:GetUSSDDataFromFile \nLine:"},
         {"six-digit tip", first(tip("004100") + goodGroup()), 0, 0, 1, nullptr, "0 \nBalance" + full},
         {"no TIP", first(goodGroup()), 0, -1, 0, "data prase error:\nFunction:GetUSSDDataFromFile \nLine:"},
         {"no GROUP", first(tip()), 0, -1, 0, error},
-        {"group without GROUP_STRING", first(tip() + goodGroup() + group(fullItem())), 0, -1, 0, error},
-        {"item without TITLE_STRING", first(tip() + group("<GROUP_STRING>0041</GROUP_STRING>" + item("<ITEM_STRING>0041</ITEM_STRING><PROMPT_STRING/>"))), 0, -1, 0, error},
+        {"group without GROUP_STRING", first(tip() + goodGroup() + tag("GROUP", fullItem())), 0, -1, 0, error},
+        {"item without TITLE_STRING", first(tip() + tag("GROUP", "<GROUP_STRING>0041</GROUP_STRING>" + tag("ITEM", "<ITEM_STRING>0041</ITEM_STRING><PROMPT_STRING/>"))), 0, -1, 0, error},
         {"input without INPUT_MAXLEN", oneItem("<INPUT_SETTING><INPUT><INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/><INPUT_MINLEN>1</INPUT_MINLEN></INPUT></INPUT_SETTING>"), 0, -1, 0, error},
         {"button without BUTTON_CODE", oneItem("<BUTTON_SETTING><BUTTON><BUTTON_NAME>0041</BUTTON_NAME></BUTTON></BUTTON_SETTING>"), 0, -1, 0, error},
     };
@@ -161,13 +154,12 @@ TEST(AccountData, OddNumbersAreBounded) {
         {"16", 16}, {" -3", -3}, {"abc", 0}, {"", 0}, {"12abc", 12}, {"99999999999999999999", INT32_MAX}, {"-99999999999999999999", INT32_MIN},
     };
     // clang-format on
+    TempHome home;
     for (const auto& row : rows) {
-        TempHome home;
-        const std::string input =
-            "<INPUT_SETTING><INPUT><INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/>"
-            "<INPUT_MAXLEN>" +
-            std::string(row.text) + "</INPUT_MAXLEN><INPUT_MINLEN/></INPUT></INPUT_SETTING>";
-        const QString path = writeData(home, QByteArray::fromStdString(oneItem(input)));
+        const std::string input = "<INPUT_TITLE_STRING/><INPUT_STRING/><INPUT_LIMITATION/>" +
+                                  tag("INPUT_MAXLEN", row.text) + "<INPUT_MINLEN/>";
+        const QString path =
+            writeData(home, QByteArray::fromStdString(oneItem(tag("INPUT_SETTING", tag("INPUT", input)))));
         _TAccountData data;
         ASSERT_EQ(GetUSSDDataFromFile(path, data, 0), 0) << row.text;
         EXPECT_EQ(data.groups.front().items.front().inputs.front().nMaxLen, row.value) << row.text;

@@ -1,9 +1,5 @@
-// The computer's address book: vCard files in and out, search, merging, and copies to the SIM.
-
 #include <QDir>
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 #include "Contacts/LocalPhoneBook.h"
 #include "Contacts/PhonebookCopy.h"
@@ -151,10 +147,8 @@ TEST(LocalPhoneBook, ImportMergesAndKeepsADamagedFileAside) {
         import("BEGIN:VCARD\nFN:Anna S.\nTEL:01701234567\nTEL:+4930111\nEND:VCARD\n");
     EXPECT_EQ(second.count.merged, 1);
     const VCardFile::Import broken = import("BEGIN:VCARD\nFN:Carl\nTEL:1\nEND:VCARD\nBEGIN:VCARD\nFN:\xFF\n");
-    EXPECT_EQ(broken.error.toStdString(),
-              (vcf + ": line 6: FN is not valid UTF-8 and names no other CHARSET; "
-                     "nothing was imported")
-                  .toStdString());
+    EXPECT_EQ(broken.error,
+              vcf + ": line 6: FN is not valid UTF-8 and names no other CHARSET; nothing was imported");
 
     LocalPhoneBook book(path);
     ASSERT_EQ(book.load(), LocalPhoneBook::LoadResult::Ok);

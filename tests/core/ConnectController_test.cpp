@@ -11,8 +11,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <optional>
 
@@ -91,12 +89,9 @@ protected:
         answer(MESSAGE_CONNECT_STATUS, WORKER_OK, status);
     }
     void sampled(quint32 seconds, quint64 sent, quint64 received) {
-        BLConnectStatistics sample;
-        sample.nDurationSeconds = seconds;
-        sample.nSentBytes = sent;
-        sample.nReceivedBytes = received;
         controller->actionTimerStatusChecker();
-        answer(MESSAGE_CONNECT_GET_STATISTICS, WORKER_OK, QVariant::fromValue(sample));
+        answer(MESSAGE_CONNECT_GET_STATISTICS, WORKER_OK,
+               QVariant::fromValue(BLConnectStatistics{seconds, sent, received}));
     }
     // A day's saved counters: sent, received, seconds.
     std::vector<quint64> day(const QDateTime& date) const {

@@ -3,9 +3,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSignalSpy>
-
-#include <gtest/gtest.h>
 
 namespace {
 

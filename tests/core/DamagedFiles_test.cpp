@@ -1,4 +1,4 @@
-// Damaged data files: the program starts with defaults and keeps the damaged file aside, never deleting it.
+// The program starts with defaults after a damaged file and keeps the file aside, never deleting it.
 #include "AppConfig.h"
 #include "DamagedFile.h"
 #include "PropertyList.h"
@@ -10,8 +10,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <optional>
@@ -39,29 +37,19 @@ const QString kImsi = QStringLiteral("262011234567890");
 
 // clang-format off
 const KeptFile kFiles[] = {
-    {"SystemConfig.plist", Root::Dict, [](const TempHome& h) { return h.configFile("SystemConfig.plist"); }, [](const TempHome&) {
-         AppConfig config;
-         EXPECT_EQ(config.getSMSValidityPeriod(), 0) << "defaults after a damaged file";
-         EXPECT_TRUE(config.getConnectSoundEnable()); }},
-    {"UserAPNList.plist", Root::List, [](const TempHome& h) { return h.userFile("UserAPNList.plist"); },
-     [](const TempHome&) { EXPECT_TRUE(AppConfig().getUserApnList().isEmpty()); }},
+    {"SystemConfig.plist", Root::Dict, [](const TempHome& h) { return h.configFile("SystemConfig.plist"); }, [](const TempHome&) { AppConfig config; EXPECT_EQ(config.getSMSValidityPeriod(), 0); EXPECT_TRUE(config.getConnectSoundEnable()); }},
+    {"UserAPNList.plist", Root::List, [](const TempHome& h) { return h.userFile("UserAPNList.plist"); }, [](const TempHome&) { EXPECT_TRUE(AppConfig().getUserApnList().isEmpty()); }},
     {"UserIMSIAPNList.plist", Root::Dict, [](const TempHome& h) { return h.userFile("UserIMSIAPNList.plist"); }, [](const TempHome& h) {
          AppConfig().getFixApnByIMSI(kImsi, QString());
          EXPECT_TRUE(PropertyList::readMap(h.userFile("UserIMSIAPNList.plist")).contains(kImsi)) << "a new per-SIM file"; }},
-    {"LocalSMS.plist", Root::Dict, [](const TempHome& h) { return h.userFile("LocalSMS.plist"); },
-     [](const TempHome&) { EXPECT_TRUE(SMSStorage().getDarftList().isEmpty()); }},
-    {"SMSInBox_<IMSI>", Root::Dict, [](const TempHome& h) { return h.userFile("SMSInBox_" + kImsi); },
-     [](const TempHome&) { EXPECT_TRUE(SMSStorage(kImsi).getOutBoxList().isEmpty()); }},
+    {"LocalSMS.plist", Root::Dict, [](const TempHome& h) { return h.userFile("LocalSMS.plist"); }, [](const TempHome&) { EXPECT_TRUE(SMSStorage().getDarftList().isEmpty()); }},
+    {"SMSInBox_<IMSI>", Root::Dict, [](const TempHome& h) { return h.userFile("SMSInBox_" + kImsi); }, [](const TempHome&) { EXPECT_TRUE(SMSStorage(kImsi).getOutBoxList().isEmpty()); }},
     {"SmsInBoxPC.plist", Root::Dict, [](const TempHome& h) { return h.userFile("SmsInBoxPC.plist"); }, [](const TempHome&) {
-         std::list<TSMSRecordInPC> records;
-         SMSExt::shared().list(kImsi, records);
-         EXPECT_TRUE(records.empty()); }},
+         std::list<TSMSRecordInPC> records; SMSExt::shared().list(kImsi, records); EXPECT_TRUE(records.empty()); }},
     {"DateTraffics.plist", Root::Dict, [](const TempHome& h) { return h.userFile("DateTraffics.plist"); }, [](const TempHome&) {
-         AppConfig config;
-         EXPECT_EQ(TrafficStatics(config).getDateTrafficsDictionary().keys(), QStringList{"CREATION_TIME"}) << "a new day file"; }},
+         AppConfig config; EXPECT_EQ(TrafficStatics(config).getDateTrafficsDictionary().keys(), QStringList{"CREATION_TIME"}) << "a new day file"; }},
     {"defaults.ini", Root::Ini, [](const TempHome&) { return UserDefaults::filePath(); }, [](const TempHome&) {
-         EXPECT_EQ(UserDefaults::value(QStringLiteral("CreatedModemNumber"), 0).toInt(), 0);
-         EXPECT_TRUE(UserDefaults::setValue(QStringLiteral("CreatedModemNumber"), 1)); }},
+         EXPECT_EQ(UserDefaults::value(QStringLiteral("CreatedModemNumber"), 0).toInt(), 0); EXPECT_TRUE(UserDefaults::setValue(QStringLiteral("CreatedModemNumber"), 1)); }},
 };
 // clang-format on
 

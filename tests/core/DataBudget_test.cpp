@@ -2,8 +2,6 @@
 #include "Budget/DataBudget.h"
 #include "TempHome.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 QDate D(const char* iso) {
@@ -65,14 +63,13 @@ TEST(DataBudget, WarningsHangUpsAndDialRefusals) {
     const QDate today = D("2026-11-24");
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        BudgetSettings settings;
-        settings.bytes = 1000;
-        settings.seconds = 100;
-        settings.atLimit = row.atLimit == H ? BudgetLimitAction::HangUp : BudgetLimitAction::Warn;
-        settings.warnedPeriod = DataBudget::periodOf(today, 1).first;
-        settings.warnedLevel = row.warnedBefore;
-        if (row.overridden)
-            settings.overrideUntil = D("2026-11-30");
+        BudgetSettings settings{.bytes = 1000,
+                                .seconds = 100,
+                                .atLimit =
+                                    row.atLimit == H ? BudgetLimitAction::HangUp : BudgetLimitAction::Warn,
+                                .overrideUntil = row.overridden ? D("2026-11-30") : QDate(),
+                                .warnedPeriod = DataBudget::periodOf(today, 1).first,
+                                .warnedLevel = row.warnedBefore};
         const BudgetUse use{row.bytes, row.seconds};
         EXPECT_EQ(DataBudget::budgetStep(settings, use, today, true), row.step);
         EXPECT_EQ(settings.warnedLevel, row.warnedAfter);
@@ -80,12 +77,11 @@ TEST(DataBudget, WarningsHangUpsAndDialRefusals) {
     }
 
     // A new period forgets the warnings and the override of the last one.
-    BudgetSettings settings;
-    settings.bytes = 1000;
-    settings.atLimit = BudgetLimitAction::HangUp;
-    settings.warnedPeriod = D("2026-10-01");
-    settings.warnedLevel = 2;
-    settings.overrideUntil = D("2026-10-31");
+    BudgetSettings settings{.bytes = 1000,
+                            .atLimit = BudgetLimitAction::HangUp,
+                            .overrideUntil = D("2026-10-31"),
+                            .warnedPeriod = D("2026-10-01"),
+                            .warnedLevel = 2};
     EXPECT_EQ(DataBudget::budgetStep(settings, {850, 0}, today, true), BudgetStep::WarnShare);
     EXPECT_TRUE(DataBudget::budgetRefusesDial(settings, {1000, 0}, today));
     EXPECT_EQ(DataBudget::budgetStep(settings, {1000, 0}, today, false), BudgetStep::WarnFull) << "no link";
@@ -103,10 +99,8 @@ TEST(DataBudget, RoamingGuard) {
         {"no link",                     G::HangUp, false, true,  false, BudgetStep::None},
     };
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(DataBudget::roamingStep(row.guard, row.was, row.now, row.linkUp), row.step);
-    }
+    for (const auto& row : rows)
+        EXPECT_EQ(DataBudget::roamingStep(row.guard, row.was, row.now, row.linkUp), row.step) << row.name;
     EXPECT_TRUE(DataBudget::roamingRefusesDial(G::Warn, true, false));
     EXPECT_FALSE(DataBudget::roamingRefusesDial(G::HangUp, true, true)) << "allowed for this session";
     EXPECT_FALSE(DataBudget::roamingRefusesDial(G::Off, true, false));

@@ -1,13 +1,9 @@
-// The modem's error causes read from its answers, and failures told in words for both front ends.
-
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "FailureText.h"
 #include "ModemErrorCause.h"
-
-namespace {
 
 TEST(ModemErrorCause, ReadsTheLastCauseNumericOrVerbose) {
     // clang-format off
@@ -73,5 +69,3 @@ TEST(FailureText, SimStatesThatKeepCommandsFromRunning) {
         EXPECT_EQ(code, row.code);
     }
 }
-
-} // namespace

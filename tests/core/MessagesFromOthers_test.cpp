@@ -5,8 +5,6 @@
 
 #include <QSignalSpy>
 
-#include <gtest/gtest.h>
-
 #include "QtEventLoop.h"
 #include "RecordingTransport.h"
 

@@ -2,10 +2,6 @@
 #include "Network/NetworkController.h"
 #include "SimulatedLink.h"
 
-#include <QSignalSpy>
-
-#include <gtest/gtest.h>
-
 namespace {
 
 // The controller on the simulated modem, which scans at once.

@@ -4,8 +4,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 #include <algorithm>

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
 using PhoneNumbers::Refusal;
 
 // What people type, read with a German and a British SIM, and with no SIM country at all.
@@ -78,5 +76,3 @@ TEST(PhoneNumbers, FormatsAndMatchesStoredNumbers) {
     EXPECT_EQ(HomeRegion::fromImsiOrNetwork("", "23410"), "GB");
     EXPECT_EQ(HomeRegion::fromImsiOrNetwork("", ""), "");
 }
-
-} // namespace

@@ -2,8 +2,6 @@
 
 #include "Pin/PinController.h"
 
-#include <QSignalSpy>
-
 #include <optional>
 
 namespace {
@@ -17,17 +15,14 @@ struct Step { Try what; QString code; QString newCode; int result; int state; in
 // clang-format on
 
 void StartTry(PinController& pin, const Step& step, PinController::Done done) {
-    switch (step.what) {
-    case Try::Verify:
-        return pin.verifyPin(step.code, done);
-    case Try::Puk:
-        return pin.verifyPuk(step.code, step.newCode, done);
-    case Try::RequestOn:
-    case Try::RequestOff:
-        return pin.setPinRequest(step.what == Try::RequestOn, step.code, done);
-    case Try::Change:
-        return pin.changePin(step.code, step.newCode, done);
-    }
+    if (step.what == Try::Verify)
+        pin.verifyPin(step.code, done);
+    else if (step.what == Try::Puk)
+        pin.verifyPuk(step.code, step.newCode, done);
+    else if (step.what == Try::Change)
+        pin.changePin(step.code, step.newCode, done);
+    else
+        pin.setPinRequest(step.what == Try::RequestOn, step.code, done);
 }
 
 } // namespace

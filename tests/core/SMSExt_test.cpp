@@ -2,8 +2,6 @@
 #include <QVariantList>
 #include <QVariantMap>
 
-#include <gtest/gtest.h>
-
 #include <list>
 #include <vector>
 
@@ -61,9 +59,8 @@ TEST(SMSExt, SaveListDeleteThroughTheCallbacks) {
     std::list<TSMSRecordInPC> listed;
     ASSERT_EQ(SMSExt::ListCallback(context, kImsi, listed), 0);
     ASSERT_EQ(listed.size(), 2u);
-    EXPECT_EQ(std::to_string(listed.front().nIndex) + " " + std::to_string(listed.front().nPduLen) + " " +
-                  listed.front().strPdu,
-              std::string("1 28 ") + kPdu);
+    EXPECT_EQ(std::tuple(listed.front().nIndex, listed.front().nPduLen, listed.front().strPdu),
+              std::tuple(1, 28, std::string(kPdu)));
 
     EXPECT_EQ(SMSExt::DeleteCallback(context, kImsi, 1), 0);
     EXPECT_NE(SMSExt::DeleteCallback(context, kImsi, 1), 0);

@@ -7,8 +7,6 @@
 #include <QDateTime>
 #include <QDir>
 
-#include <gtest/gtest.h>
-
 namespace {
 
 const QString kIMSI = QStringLiteral("262021234567890");

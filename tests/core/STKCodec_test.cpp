@@ -1,4 +1,3 @@
-#include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <random>
@@ -28,16 +27,13 @@ std::string Field(const std::string& text) {
 std::string Field(int number) {
     return std::to_string(number);
 }
-std::string Field(const std::list<int>& numbers) {
-    std::string out;
-    for (const int n : numbers)
-        out += std::to_string(n) + ",";
-    return out;
+std::string Field(const TSTKMenuItem& item) {
+    return std::to_string(item.nItemId) + ":" + Field(item.wstrText);
 }
-std::string Field(const std::list<TSTKMenuItem>& items) {
+template <typename T> std::string Field(const std::list<T>& items) {
     std::string out;
-    for (const TSTKMenuItem& item : items)
-        out += std::to_string(item.nItemId) + ":" + Field(item.wstrText) + ",";
+    for (const T& item : items)
+        out += Field(item) + ",";
     return out;
 }
 template <typename... T> std::string F(const T&... fields) {

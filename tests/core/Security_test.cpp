@@ -15,8 +15,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 
@@ -34,8 +32,7 @@ QStringList hostileArguments(const QString& marker) {
 }
 
 // A program that writes each argument it gets, NUL-terminated, to its output file.
-class ArgumentRecorder {
-public:
+struct ArgumentRecorder {
     ArgumentRecorder() {
         TempHome::writeFile(program(),
                             QStringLiteral("#!/bin/sh\nfor a in \"$@\"; do printf '%s\\0' \"$a\"; done "
@@ -54,27 +51,23 @@ public:
             arguments << QString::fromUtf8(bytes.mid(at, end - at));
         return arguments;
     }
-
-private:
     QTemporaryDir _dir;
 };
 
 TEST(Security, ChildProcessPassesHostileArgumentsWhole) {
     ensureApplication();
-    const struct {
-        const char* name;
-        std::function<bool(const QString&, const QStringList&)> start;
-    } ways[] = {
-        {"run", [](const QString& p, const QStringList& a) { return ChildProcess::run(p, a, 10000) == 0; }},
-        {"spawn",
-         [](const QString& p, const QStringList& a) {
-             const pid_t pid = ChildProcess::spawn(p, a);
-             int status = -1;
-             return pid > 0 && waitFor([&] { return ChildProcess::reap(pid, status); }) && status == 0;
-         }},
-        {"startDetached",
-         [](const QString& p, const QStringList& a) { return ChildProcess::startDetached(p, a); }},
+    const auto spawn = [](const QString& p, const QStringList& a) {
+        const pid_t pid = ChildProcess::spawn(p, a);
+        int status = -1;
+        return pid > 0 && waitFor([&] { return ChildProcess::reap(pid, status); }) && status == 0;
     };
+    // clang-format off
+    const struct { const char* name; std::function<bool(const QString&, const QStringList&)> start; } ways[] = {
+        {"run", [](const QString& p, const QStringList& a) { return ChildProcess::run(p, a, 10000) == 0; }},
+        {"spawn", spawn},
+        {"startDetached", [](const QString& p, const QStringList& a) { return ChildProcess::startDetached(p, a); }},
+    };
+    // clang-format on
     for (const auto& way : ways) {
         SCOPED_TRACE(way.name);
         ArgumentRecorder recorder;

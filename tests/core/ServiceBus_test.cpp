@@ -10,12 +10,8 @@
 namespace {
 
 BLSmsListItem Message(int ref, const QString& text) {
-    BLSmsListItem item;
-    item.nRef = ref;
-    item.strAddress = QStringLiteral("+491701234567");
-    item.dateTime = QDateTime(QDate(2024, 5, 16), QTime(18, 2, 7), Qt::UTC);
-    item.strContent = text;
-    return item;
+    const QDateTime time(QDate(2024, 5, 16), QTime(18, 2, 7), Qt::UTC);
+    return {.nRef = ref, .strAddress = "+491701234567", .dateTime = time, .strContent = text};
 }
 
 } // namespace

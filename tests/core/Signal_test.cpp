@@ -1,10 +1,5 @@
-// The signal finder's readings and the signal history: modem answers into figures, the best of the last
-// minute, and readings gathered per minute into the day files.
-
 #include <QDir>
 #include <QFile>
-
-#include <gtest/gtest.h>
 
 #include "Network/SignalPeakWindow.h"
 #include "Network/SignalSample.h"
@@ -77,10 +72,8 @@ TEST(Signal, AnswersAndFiguresWithinTheirRanges) {
         {"value", "RSSI_DBM='-70',LAC=1,CI=-1", "0|0|1|8|"},
     };
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.input);
-        EXPECT_EQ(Read(row.kind, row.input), row.expected);
-    }
+    for (const auto& row : rows)
+        EXPECT_EQ(Read(row.kind, row.input), row.expected) << row.input;
 }
 
 TEST(Signal, BestOfTheLastMinute) {

@@ -18,17 +18,15 @@ struct Row { const char* name; QString text; bool latin; int packets; int remain
 // clang-format on
 
 std::vector<Row> Rows() {
-    QString loneSurrogate;
-    loneSurrogate.append(QChar(0xD800));
-    loneSurrogate.append(QLatin1Char('a'));
+    const QString loneSurrogate = QString(QChar(0xD800)) + 'a';
+    // clang-format off
     return {
         {"empty", QString(), false, 1, 160, 160, 0},
         {"160 plain", QString("a").repeated(160), false, 1, 0, 160, 0},
         {"161 plain", QString("a").repeated(161), false, 2, 145, 153, 0},
         {"euro at 161", QString("a").repeated(159) + QString::fromUtf8("€"), false, 2, 145, 153, 0},
         {"bracket at 161", QString("a").repeated(159) + "[", false, 2, 145, 153, 0},
-        {"escape pair not split", QString("a").repeated(152) + "{" + QString("a").repeated(10), false, 2, 141,
-         153, 0},
+        {"escape pair not split", QString("a").repeated(152) + "{" + QString("a").repeated(10), false, 2, 141, 153, 0},
         {"GSM accents are 7-bit", QString::fromUtf8("é").repeated(160), false, 1, 0, 160, 0},
         {"70 UCS2", kCyrillic.repeated(70), false, 1, 0, 70, 1},
         {"71 UCS2", kCyrillic.repeated(71), false, 2, 63, 67, 1},
@@ -42,6 +40,7 @@ std::vector<Row> Rows() {
         {"Latin off, 160 accented", QString::fromUtf8("À").repeated(160), false, 3, 41, 67, 1},
         {"Latin on, still UCS2", QString::fromUtf8("Àж"), true, 1, 68, 70, 1},
     };
+    // clang-format on
 }
 
 TEST(SmsSegmentCounter, CountsSegmentsAndRoom) {

@@ -2,8 +2,6 @@
 #include "Statistics/StatisticsController.h"
 #include "TempHome.h"
 
-#include <gtest/gtest.h>
-
 #include <vector>
 
 namespace {

@@ -8,8 +8,6 @@
 
 #include <QDir>
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -101,13 +101,9 @@ struct ScratchStream {
     ~ScratchStream() { std::fclose(file); }
     ScratchStream(const ScratchStream&) = delete;
     QByteArray text() const {
-        std::fflush(file);
         std::rewind(file);
-        QByteArray all;
-        char buffer[512];
-        while (const size_t n = std::fread(buffer, 1, sizeof buffer, file))
-            all.append(buffer, static_cast<qsizetype>(n));
-        return all;
+        QFile in;
+        return in.open(file, QIODevice::ReadOnly) ? in.readAll() : QByteArray();
     }
 };
 

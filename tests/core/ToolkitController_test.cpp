@@ -3,18 +3,16 @@
 #include "SAT/ToolkitController.h"
 
 #include <QJsonArray>
-#include <QSignalSpy>
 
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace {
 
-std::vector<std::pair<int, std::string>> ItemsOf(const BLSatCommand& command) {
-    std::vector<std::pair<int, std::string>> items;
+QStringList ItemsOf(const BLSatCommand& command) {
+    QStringList items;
     for (const BLSatMenuItem& item : command.lstItems)
-        items.emplace_back(item.nItemId, item.strText.toStdString());
+        items << QString::number(item.nItemId) + ":" + item.strText;
     return items;
 }
 
@@ -56,8 +54,7 @@ TEST(ToolkitController, MenuAndDialoguesWithTheSimulatedCard) {
     ASSERT_TRUE(menu.arrived());
     ASSERT_TRUE(menu.outcome->ok()) << menu.outcome->code;
     EXPECT_EQ(menu.command.strText, "SIM Services");
-    EXPECT_EQ(ItemsOf(menu.command),
-              (std::vector<std::pair<int, std::string>>{{1, "News"}, {2, "Games"}, {3, "Offers"}}));
+    EXPECT_EQ(ItemsOf(menu.command), (QStringList{"1:News", "2:Games", "3:Offers"}));
     ASSERT_EQ(support.size(), 1);
     EXPECT_TRUE(support.at(0).at(0).toBool());
 

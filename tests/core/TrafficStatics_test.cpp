@@ -4,8 +4,6 @@
 
 #include <QFileInfo>
 
-#include <gtest/gtest.h>
-
 namespace {
 
 QDateTime noonOf(int year, int month, int day) {

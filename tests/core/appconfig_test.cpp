@@ -6,8 +6,6 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
@@ -70,10 +68,9 @@ TEST(AppConfig, FirstRunWritesTheFlagDefaults) {
     TempHome home;
     setenv("DIALTONE_RESOURCE_DIR", (home.path() + "/nowhere").toLocal8Bit().constData(), 1);
     AppConfig config;
-    EXPECT_TRUE(config.fixedApnList().isEmpty() && config.plmnList().isEmpty());
-    EXPECT_TRUE(config.getUserApnList().isEmpty());
-    EXPECT_TRUE(config.getUserIMSIApnList().isEmpty());
-    EXPECT_FALSE(config.getDefaultUserAPNItem());
+    EXPECT_TRUE(config.fixedApnList().isEmpty() && config.plmnList().isEmpty() &&
+                config.getUserApnList().isEmpty() && config.getUserIMSIApnList().isEmpty() &&
+                !config.getDefaultUserAPNItem());
     EXPECT_EQ(config.getSMSValidityPeriod(), 0);
     EXPECT_FALSE(QFileInfo::exists(home.configFile("SystemConfig.plist")));
 

@@ -4,12 +4,8 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
-#include <gtest/gtest.h>
-
 #include <thread>
 #include <vector>
-
-namespace {
 
 TEST(CNSLog, NothingWithoutTheMarker) {
     TempHome home;
@@ -39,5 +35,3 @@ TEST(CNSLog, ThreadsAppendWholeLines) {
     for (const QString& line : lines)
         ASSERT_TRUE(whole.match(line).hasMatch()) << line.toStdString();
 }
-
-} // namespace

@@ -7,8 +7,6 @@
 #include <cstdlib>
 #include <string>
 
-namespace {
-
 // What each function makes of one input, as text.
 TEST(ConvertUtilty, SizesDurationsNumbersAndStates) {
     using C = ConvertUtilty;
@@ -118,5 +116,3 @@ TEST(ConvertUtilty, WideAndUtf16Text) {
     const uint16_t ucs2[] = {0x004F, 0x0032, 0};
     EXPECT_EQ(ConvertUtilty::UnistrtoNstring(ucs2), "O2");
 }
-
-} // namespace

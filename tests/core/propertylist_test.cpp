@@ -8,28 +8,18 @@
 
 #include <plist/plist.h>
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <limits>
 
 namespace {
 
 QVariantMap sampleSettings() {
-    QVariantMap marker{{"if setDefault", "TRUE"}, {"default IMSI", "262011234567890"}};
-    QVariantMap day{{"SENT", QVariant::fromValue<quint64>(18446744073709551615ULL)},
-                    {"RECEIVED", QVariant::fromValue<quint64>(9223372036854775808ULL)},
-                    {"SECONDS", QVariant::fromValue<qint64>(-5)},
-                    {"DATE", QDateTime(QDate(2024, 5, 1), QTime(12, 3, 4), QTimeZone::utc())}};
-    return {{"default APN info", marker},
-            {"SMS_VP", QVariant::fromValue<qint64>(167)},
-            {"SOUND_CONNECT", "FALSE"},
-            {"NAME", QString::fromUtf8("Grüße <&> \"quoted\" 你好")},
-            {"ON", true},
-            {"RATIO", 0.25},
-            {"BLOB", QByteArray("\x00\x01\xff", 3)},
-            {"DAYS", QVariantList{day, QVariantList{}, QVariantMap{}}},
-            {"", "empty key"}};
+    // clang-format off
+    const QVariantMap day{{"SENT", QVariant::fromValue<quint64>(18446744073709551615ULL)}, {"RECEIVED", QVariant::fromValue<quint64>(9223372036854775808ULL)},
+                          {"SECONDS", QVariant::fromValue<qint64>(-5)}, {"DATE", QDateTime(QDate(2024, 5, 1), QTime(12, 3, 4), QTimeZone::utc())}};
+    return {{"default APN info", QVariantMap{{"if setDefault", "TRUE"}, {"default IMSI", "262011234567890"}}}, {"SMS_VP", QVariant::fromValue<qint64>(167)},
+            {"SOUND_CONNECT", "FALSE"}, {"NAME", QString::fromUtf8("Grüße <&> \"quoted\" 你好")}, {"ON", true}, {"RATIO", 0.25},
+            {"BLOB", QByteArray("\x00\x01\xff", 3)}, {"DAYS", QVariantList{day, QVariantList{}, QVariantMap{}}}, {"", "empty key"}};
+    // clang-format on
 }
 
 // The tree with every value's type, as QDebug prints it: integers come back as 64-bit values.

@@ -4,10 +4,6 @@
 
 #include <QFileInfo>
 
-#include <gtest/gtest.h>
-
-namespace {
-
 // The operator tables generated from the operator database, as a program in the build tree finds them.
 TEST(Resources, GeneratedTablesHoldRealOperators) {
     TempHome home;
@@ -38,5 +34,3 @@ TEST(Resources, GeneratedTablesHoldRealOperators) {
     for (const APNInfo& item : config.fixedApnList())
         EXPECT_FALSE(item.strDNS2.isNull()) << item.strAccount.toStdString();
 }
-
-} // namespace
