@@ -126,19 +126,6 @@ int createTun(const std::string& name) {
     return fd;
 }
 
-// An IPv4 UDP packet from the peer to us, as if the network sent something. The interface counts it
-// whatever IP then makes of it, so its header goes without a checksum.
-std::vector<unsigned char> greeting() {
-    std::vector<unsigned char> packet(64, 0);
-    packet[0] = 0x45;
-    packet[3] = static_cast<unsigned char>(packet.size());
-    packet[8] = 64;
-    packet[9] = 17;
-    inet_pton(AF_INET, "10.112.112.112", &packet[12]);
-    inet_pton(AF_INET, "10.64.64.64", &packet[16]);
-    return packet;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -187,8 +174,12 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "fake pppd: no TUN interface: %s\n", std::strerror(errno));
             return 4;
         }
-        const std::vector<unsigned char> packet = greeting();
-        [[maybe_unused]] const ssize_t written = write(tunFd, packet.data(), packet.size());
+        // An IPv4 UDP packet from the peer to us, as if the network sent something. The interface counts
+        // it whatever IP then makes of it, so its header goes without a checksum.
+        unsigned char packet[64] = {0x45, 0, 0, 64, 0, 0, 0, 0, 64, 17}; // length 64, time to live 64, UDP
+        inet_pton(AF_INET, "10.112.112.112", &packet[12]);
+        inet_pton(AF_INET, "10.64.64.64", &packet[16]);
+        [[maybe_unused]] const ssize_t written = write(tunFd, packet, sizeof packet);
     } else {
         mkdir(netDir.c_str(), 0755);
         mkdir((netDir + "/statistics").c_str(), 0755);
