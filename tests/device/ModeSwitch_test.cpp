@@ -142,7 +142,6 @@ TEST(EjectDisk, ExitStatusDecides) {
     EXPECT_FALSE(DeviceUtility::ejectDisk("/media/me/CARD"));
 }
 
-
 // A machine where everything is in place: a table stick with its ports, usb_modeswitch and its data,
 // a setuid-root pppd, a writable peers folder and a resolv.conf. Each fault row breaks one thing.
 struct DoctorWorld {

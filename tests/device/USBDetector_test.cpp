@@ -147,7 +147,6 @@ TEST(ThreadWorkerFlag, EndActionOnStartingThread) {
     EXPECT_TRUE(worker->waitUntilFinished(std::chrono::seconds(10)));
 }
 
-
 // The modem's side of the ttys: answers "AT" with OK on the ttys that speak, counts every command.
 struct AtPeer {
     AtPeer(Testbed& testbed, const QStringList& ttys, const QStringList& speaking) {
