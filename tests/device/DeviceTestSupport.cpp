@@ -73,15 +73,6 @@ QString Testbed::addBlock(const QString& parent, const QString& name, const char
                                             cdrom ? "ID_CDROM" : nullptr, "1", nullptr));
 }
 
-QString Testbed::addRecord(const QByteArray& base, const QByteArray& record) {
-    GError* error = nullptr;
-    EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))
-        << (error ? error->message : "");
-    if (error)
-        g_error_free(error);
-    return "/sys" + QString::fromLatin1(base);
-}
-
 QString Testbed::addStickRecord(const QString& name, const char* vendor, const char* product,
                                 const QList<int>& interfaces, int firstTty, const QByteArray& ttyProperties,
                                 const QByteArray& devpath) {
@@ -99,7 +90,12 @@ QString Testbed::addStickRecord(const QString& name, const char* vendor, const c
                   "A: bInterfaceNumber=" + number + "\n\nP: " + interface + "/" + tty + "/tty/" + tty +
                   "\nN: " + tty + "\nE: DEVNAME=/dev/" + tty + "\nE: SUBSYSTEM=tty\n" + ttyProperties + "\n";
     }
-    return addRecord(base, record);
+    GError* error = nullptr;
+    EXPECT_TRUE(umockdev_testbed_add_from_string(_testbed, record.constData(), &error))
+        << (error ? error->message : "");
+    if (error)
+        g_error_free(error);
+    return "/sys" + QString::fromLatin1(base);
 }
 
 int Testbed::ttyMaster(const QString& devnode) {

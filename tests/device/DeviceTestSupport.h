@@ -34,9 +34,6 @@ public:
     void uevent(const QString& syspath, const char* action);
 
 private:
-    // Adds devices from umockdev's record format; returns the syspath of the first, at base.
-    QString addRecord(const QByteArray& base, const QByteArray& record);
-
     UMockdevTestbed* _testbed;
 };
 

@@ -28,14 +28,9 @@ public:
         env.set("DIALTONE_PEERS_DIR", peers());
         env.set("DIALTONE_PPP_RUN_DIR", path("run"));
         env.set("DIALTONE_PPPD", DIALTONE_FAKE_PPPD);
-        if (realInterfaces) {
-            env.set("DIALTONE_FAKE_PPPD_TUN", "1");
-            env.set("DIALTONE_NET_DIR", "/sys/class/net");
-        } else {
-            QDir().mkpath(net());
-            env.set("DIALTONE_NET_DIR", net());
-            env.set("DIALTONE_FAKE_PPPD_TUN", "0");
-        }
+        QDir().mkpath(net());
+        env.set("DIALTONE_FAKE_PPPD_TUN", realInterfaces ? "1" : "0");
+        env.set("DIALTONE_NET_DIR", realInterfaces ? QString("/sys/class/net") : net());
         QFile::link(QString::fromStdString(modem.slavePath()), dev() + "/cu." + kDevice);
     }
 
@@ -78,9 +73,8 @@ protected:
 // Every process's command line, to look for a secret in.
 inline QByteArray allCommandLines() {
     QByteArray all;
-    for (QDirIterator it("/proc", {"[0-9]*"}, QDir::Dirs); it.hasNext();) {
+    for (QDirIterator it("/proc", {"[0-9]*"}, QDir::Dirs); it.hasNext();)
         all += TempWorld::readFile(it.next() + "/cmdline") + '\n';
-    }
     return all;
 }
 

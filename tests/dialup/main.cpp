@@ -18,35 +18,27 @@ namespace {
 // Byte counters on a real interface need a TUN device in a network namespace of this program's own, with
 // /sys mounted again so that /sys/class/net shows that namespace. That takes root; otherwise the TUN
 // test skips and the counters are tested through a statistics folder only. It must happen before any
-// thread starts.
-void enterPrivateNetwork() {
-    if (geteuid() != 0) {
-        g_tunUnavailable = "needs root for a network namespace";
-        return;
-    }
-    if (unshare(CLONE_NEWNET | CLONE_NEWNS) != 0) {
-        g_tunUnavailable = std::string("unshare: ") + std::strerror(errno);
-        return;
-    }
+// thread starts. Returns why not, or nothing.
+std::string enterPrivateNetwork() {
+    if (geteuid() != 0)
+        return "needs root for a network namespace";
+    if (unshare(CLONE_NEWNET | CLONE_NEWNS) != 0)
+        return std::string("unshare: ") + std::strerror(errno);
     if (mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        mount("sysfs", "/sys", "sysfs", 0, nullptr) != 0) {
-        g_tunUnavailable = std::string("remounting /sys: ") + std::strerror(errno);
-        return;
-    }
+        mount("sysfs", "/sys", "sysfs", 0, nullptr) != 0)
+        return std::string("remounting /sys: ") + std::strerror(errno);
     const int tun = open("/dev/net/tun", O_RDWR | O_CLOEXEC);
-    if (tun < 0) {
-        g_tunUnavailable = std::string("/dev/net/tun: ") + std::strerror(errno);
-        return;
-    }
+    if (tun < 0)
+        return std::string("/dev/net/tun: ") + std::strerror(errno);
     close(tun);
-    g_tunUnavailable.clear();
+    return {};
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    enterPrivateNetwork();
+    g_tunUnavailable = enterPrivateNetwork();
     QCoreApplication app(argc, argv);
     return RUN_ALL_TESTS();
 }

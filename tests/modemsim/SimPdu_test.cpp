@@ -24,8 +24,6 @@ template <class T, class Edit> T With(T value, Edit edit) {
     return value;
 }
 
-// ---- text ---------------------------------------------------------------------------------------------
-
 TEST(SimText, Utf8ToUtf32HandlesValidAndMalformedInput) {
     // clang-format off
     struct Row { std::string utf8; std::u32string expected; };
@@ -39,9 +37,8 @@ TEST(SimText, Utf8ToUtf32HandlesValidAndMalformedInput) {
         {"\x80\xFF", U"\uFFFD\uFFFD"},   // stray continuation, invalid lead
     };
     // clang-format on
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(Utf8ToUtf32(row.utf8), row.expected) << row.utf8;
-    }
     EXPECT_EQ(Utf32ToUtf8(U"\u00E4\u20AC\U0001F600"), "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
     EXPECT_EQ(Utf32ToUtf8(std::u32string(1, char32_t(0xD800))), "\xEF\xBF\xBD");
 }
@@ -51,9 +48,8 @@ TEST(SimText, Gsm7Tables) {
     const std::string defaultTable = "@£$¥èéùìòÇ\nØø\rÅåΔ_ΦΓΛΩΠΨΣΘΞ\u00A0ÆæßÉ !\"#¤%&'()*+,-./0123456789:;<=>?"
                                      "¡ABCDEFGHIJKLMNOPQRSTUVWXYZÄÖÑÜ§¿abcdefghijklmnopqrstuvwxyzäöñüà";
     std::u32string decoded;
-    for (int code = 0; code < 128; ++code) {
+    for (int code = 0; code < 128; ++code)
         decoded.push_back(Gsm7ToUnicode(static_cast<uint8_t>(code)));
-    }
     EXPECT_EQ(Utf32ToUtf8(decoded), defaultTable);
     EXPECT_EQ(Utf32ToUtf8(Gsm7ToText(Bytes{0x1B, 0x0A, 0x1B, 0x14, 0x1B, 0x28, 0x1B, 0x29, 0x1B, 0x2F,
                                            0x1B, 0x3C, 0x1B, 0x3D, 0x1B, 0x3E, 0x1B, 0x40, 0x1B, 0x65})),
@@ -71,9 +67,8 @@ TEST(SimText, Gsm7Tables) {
         {{0x80, 0xFF}, U"\uFFFD\uFFFD"},
     };
     // clang-format on
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(Gsm7ToText(row.septets), row.expected);
-    }
 }
 
 TEST(SimText, UssdRequestFromHost) {
@@ -127,8 +122,6 @@ TEST(SimText, SimAlphaIdentifier) {
     EXPECT_EQ(ToHex(EncodeSimAlphaId("O2 \xE2\x82\xAC")), "4F32201B65");
     EXPECT_EQ(ToHex(EncodeSimAlphaId("\xD0\x9C\xD0\xA2\xD0\xA1")), "80041C04220421");
 }
-
-// ---- SMS-DELIVER and SMS-STATUS-REPORT ------------------------------------------------------------------
 
 DeliverParams Deliver(std::string originator, std::string text,
                       std::string timestamp = "24/03/01,12:00:00+04") {
@@ -251,8 +244,6 @@ TEST(SimPdu, StatusReportEndsAfterTheStatus) {
     EXPECT_EQ(length, 26);
     EXPECT_EQ(EncodeStatusReportPdu(1, "+49", "bad", "", 0, &length), "");
 }
-
-// ---- SMS-SUBMIT from the host ---------------------------------------------------------------------------
 
 // The fields a host's SMS-SUBMIT sets, on one line, so that a row's failure shows them all.
 std::string Fields(const SubmitInfo& s) {
@@ -380,9 +371,8 @@ TEST(SimPdu, MutatedPdusStayInBounds) {
     for (const auto& seed : seeds) {
         Bytes pdu;
         ASSERT_TRUE(FromHex(seed, &pdu));
-        for (size_t n = 0; n <= pdu.size(); ++n) {
+        for (size_t n = 0; n <= pdu.size(); ++n)
             check(Bytes(pdu.begin(), pdu.begin() + n));
-        }
         for (size_t i = 0; i < pdu.size(); ++i) {
             for (uint8_t v : values) {
                 Bytes mutated = pdu;

@@ -16,9 +16,8 @@ ModemHarness::ModemHarness(SimState state) : modem(std::move(state)) {
 SimState ModemHarness::Builtin() {
     SimState s;
     std::string error;
-    if (!LoadScenario("", s, error)) {
+    if (!LoadScenario("", s, error))
         std::abort();
-    }
     return s;
 }
 
@@ -41,9 +40,8 @@ std::string ModemHarness::Run(int ms) {
     TimePoint target = now + std::chrono::milliseconds(ms);
     for (;;) {
         auto wake = modem.NextWake();
-        if (!wake || *wake > target) {
+        if (!wake || *wake > target)
             break;
-        }
         now = std::max(now, *wake);
         modem.Advance(now);
     }

@@ -1,3 +1,5 @@
+#include "../device/TestWorld.h"
+
 #include "ATSublayer.h"
 #include "BLRecords.h"
 #include "BusinessOperator.h"
@@ -6,8 +8,6 @@
 #include "ScriptedAtFake.h"
 #include "WorkNotification.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTimeZone>
 
 #include <gtest/gtest.h>
@@ -17,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -223,20 +224,18 @@ TEST_F(BusinessOperatorTest, UnterminatedFieldsStayInsideAndFailuresPassOn) {
         if (!row.stored)
             continue;
         const auto info = WorkNotification::GetValueObject(response).value<BLEquipmentInfo>();
-        const auto expect = [&](uint32_t bit, const QString& text, int length) {
-            if (row.mask & bit) {
-                EXPECT_EQ(text, QString(length, 'x')) << "bit " << bit;
-            } else {
-                EXPECT_TRUE(text.isNull()) << "bit " << bit;
-            }
-        };
-        expect(EQUIPMENT_MANUFACTURER, info.strManufacturer, 2048);
-        expect(EQUIPMENT_MODEL, info.strModel, 2048);
-        expect(EQUIPMENT_REVISION, info.strRevision, 2048);
-        expect(EQUIPMENT_SERIAL_NUMBER, info.strSerialNumber, 2048);
-        expect(EQUIPMENT_IMSI, info.strImsi, 15);
-        expect(EQUIPMENT_MSISDN, info.strMsisdn, kMsisdnNumberSize);
-        expect(EQUIPMENT_HARDWARE_VERSION, info.strHardwareVersion, 21);
+        const std::tuple<uint32_t, QString, int> fields[] = {
+            {EQUIPMENT_MANUFACTURER, info.strManufacturer, 2048},
+            {EQUIPMENT_MODEL, info.strModel, 2048},
+            {EQUIPMENT_REVISION, info.strRevision, 2048},
+            {EQUIPMENT_SERIAL_NUMBER, info.strSerialNumber, 2048},
+            {EQUIPMENT_IMSI, info.strImsi, 15},
+            {EQUIPMENT_MSISDN, info.strMsisdn, kMsisdnNumberSize},
+            {EQUIPMENT_HARDWARE_VERSION, info.strHardwareVersion, 21}};
+        for (const auto& [bit, text, length] : fields) {
+            EXPECT_EQ(text.isNull(), !(row.mask & bit)) << "bit " << bit;
+            EXPECT_EQ(text, row.mask & bit ? QString(length, 'x') : QString()) << "bit " << bit;
+        }
     }
 
     // The network names likewise; the provider name comes only when present.
@@ -450,13 +449,9 @@ TEST_F(BusinessOperatorTest, ArgumentsAreConvertedAndCapped) {
 }
 
 TEST_F(BusinessOperatorTest, ConnectionRequestsWithoutADialUpService) {
-    QTemporaryDir devDir;
-    QTemporaryDir peersDir;
-    ASSERT_TRUE(devDir.isValid() && peersDir.isValid());
-    QFile node(devDir.filePath("cu.VELMobileConnector0"));
-    ASSERT_TRUE(node.open(QIODevice::WriteOnly));
-    qputenv("DIALTONE_DEV_DIR", devDir.path().toUtf8());
-    qputenv("DIALTONE_PEERS_DIR", peersDir.path().toUtf8());
+    TempWorld world;
+    world.env.set("DIALTONE_PEERS_DIR", world.home());
+    TempWorld::writeFile(world.dev() + "/cu.VELMobileConnector0", {});
     // clang-format off
     const struct { QString deviceName; int result; } rows[] = {
         {"", 38},                    // no device name
@@ -499,8 +494,6 @@ TEST_F(BusinessOperatorTest, ConnectionRequestsWithoutADialUpService) {
     EXPECT_EQ(business.GetStatistics(response), 0);
     EXPECT_EQ(WorkNotification::GetValueObject(response).value<BLConnectStatistics>(), BLConnectStatistics{});
     EXPECT_EQ(business.Disconnect(), 0);
-    qunsetenv("DIALTONE_DEV_DIR");
-    qunsetenv("DIALTONE_PEERS_DIR");
 }
 
 // An answer drops the announcements still queued (of the dialogue it replaces); other reports stay.

@@ -102,9 +102,8 @@ int runConnectScript(const std::string& script, int tty) {
 // A TUN interface named like pppd's, with pppd's default addresses, up.
 int createTun(const std::string& name) {
     const int fd = open("/dev/net/tun", O_RDWR | O_CLOEXEC);
-    if (fd < 0) {
+    if (fd < 0)
         return -1;
-    }
     ifreq request{};
     request.ifr_flags = IFF_TUN | IFF_NO_PI;
     std::strncpy(request.ifr_name, name.c_str(), IFNAMSIZ - 1);
@@ -127,27 +126,13 @@ int createTun(const std::string& name) {
     return fd;
 }
 
-// An IPv4 UDP packet from the peer to us, as if the network sent something. The interface counts it
-// whatever IP then makes of it, so its header goes without a checksum.
-std::vector<unsigned char> greeting() {
-    std::vector<unsigned char> packet(64, 0);
-    packet[0] = 0x45;
-    packet[3] = static_cast<unsigned char>(packet.size());
-    packet[8] = 64;
-    packet[9] = 17;
-    inet_pton(AF_INET, "10.112.112.112", &packet[12]);
-    inet_pton(AF_INET, "10.64.64.64", &packet[16]);
-    return packet;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
     sigset_t stopSignals;
     sigemptyset(&stopSignals);
-    sigaddset(&stopSignals, SIGTERM);
-    sigaddset(&stopSignals, SIGINT);
-    sigaddset(&stopSignals, SIGHUP);
+    for (const int stop : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&stopSignals, stop);
     sigprocmask(SIG_BLOCK, &stopSignals, nullptr);
     const int signals = signalfd(-1, &stopSignals, SFD_CLOEXEC);
 
@@ -157,9 +142,8 @@ int main(int argc, char** argv) {
         parse(words(readFile(env("DIALTONE_PEERS_DIR", "/etc/ppp/peers") + "/" + options.values["call"])),
               options);
     }
-    if (options.values.count("file")) {
+    if (options.values.count("file"))
         parse(words(readFile(options.values["file"])), options);
-    }
     if (options.device.empty()) {
         std::fprintf(stderr, "fake pppd: no device\n");
         return 2;
@@ -190,8 +174,12 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "fake pppd: no TUN interface: %s\n", std::strerror(errno));
             return 4;
         }
-        const std::vector<unsigned char> packet = greeting();
-        [[maybe_unused]] const ssize_t written = write(tunFd, packet.data(), packet.size());
+        // An IPv4 UDP packet from the peer to us, as if the network sent something. The interface counts
+        // it whatever IP then makes of it, so its header goes without a checksum.
+        unsigned char packet[64] = {0x45, 0, 0, 64, 0, 0, 0, 0, 64, 17}; // length 64, time to live 64, UDP
+        inet_pton(AF_INET, "10.112.112.112", &packet[12]);
+        inet_pton(AF_INET, "10.64.64.64", &packet[16]);
+        [[maybe_unused]] const ssize_t written = write(tunFd, packet, sizeof packet);
     } else {
         mkdir(netDir.c_str(), 0755);
         mkdir((netDir + "/statistics").c_str(), 0755);
@@ -208,12 +196,10 @@ int main(int argc, char** argv) {
     int exitCode = 5;
     for (;;) {
         pollfd fds[3] = {{signals, POLLIN, 0}, {tty, 0, 0}, {tunFd, POLLIN, 0}};
-        if (poll(fds, tunFd >= 0 ? 3 : 2, -1) < 0 && errno != EINTR) {
+        if (poll(fds, tunFd >= 0 ? 3 : 2, -1) < 0 && errno != EINTR)
             break;
-        }
-        if (fds[0].revents & POLLIN) {
+        if (fds[0].revents & POLLIN)
             break;
-        }
         if (fds[1].revents & (POLLHUP | POLLERR)) {
             exitCode = 16;
             break;
@@ -226,9 +212,8 @@ int main(int argc, char** argv) {
             }
         }
     }
-    if (!pidFile.empty()) {
+    if (!pidFile.empty())
         unlink(pidFile.c_str());
-    }
     if (tunFd >= 0) {
         close(tunFd);
     } else {
