@@ -101,6 +101,23 @@ inline ScriptedAtFake::Step& Expect(ScriptedAtFake& fake, const ScriptedAtFake::
     return step;
 }
 
+// The storage selection and deletion of one stored message, as the message family sends them.
+inline void ExpectDeletion(ScriptedAtFake& fake, const char* storage, int index,
+                           const char* answer = ScriptedAtFake::kOk) {
+    Expect(fake,
+           At(std::string("AT+CPMS=\"") + storage + "\"\r")
+               .WithTimeout(3000)
+               .WithPrefix("+CPMS: ")
+               .WithFinals({"OK", "ERROR", "+CME ERROR"}),
+           Answer("+CPMS: 3,20,3,20,3,20"));
+    Expect(fake,
+           At("AT+CMGD=" + std::to_string(index) + "\r")
+               .WithTimeout(5000)
+               .WithoutPrefix()
+               .WithFinals({"OK", "+CMS ERROR", "ERROR"}),
+           answer);
+}
+
 // Sends the shape's command once per row, with the row's answer or failure result, and compares what the
 // read gives back. A read of one number (int(int&)) gives "result|value", the value starting at -1; any
 // other read gives its own text (see Fields).

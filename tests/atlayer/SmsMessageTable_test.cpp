@@ -10,7 +10,7 @@
 
 namespace {
 
-using at_test::Fields;
+using namespace at_test;
 
 // One stored SMS-DELIVER as AT+CMGL would list it.
 struct Stored {
@@ -66,19 +66,6 @@ std::vector<TSmsListItem> Merged(const std::list<CMsgListTableItem>& table) {
     for (const CMsgListTableItem& item : table)
         CSmsUtility::MergePackets(item, merged.emplace_back());
     return merged;
-}
-
-// The storage selection and deletion of one stored message, as the table sends them.
-void ExpectDeletion(ScriptedAtFake& fake, const char* storage, int index,
-                    const char* answer = ScriptedAtFake::kOk) {
-    fake.Expect(std::string("AT+CPMS=\"") + storage + "\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n")
-        .WithTimeout(3000)
-        .WithPrefix("+CPMS: ")
-        .WithFinals({"OK", "ERROR", "+CME ERROR"});
-    fake.Expect("AT+CMGD=" + std::to_string(index) + "\r", answer)
-        .WithTimeout(5000)
-        .WithoutPrefix()
-        .WithFinals({"OK", "+CMS ERROR", "ERROR"});
 }
 
 // Which segments join an existing message, which open another, and which are refused as duplicates.
