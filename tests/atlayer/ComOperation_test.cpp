@@ -9,9 +9,9 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <list>
 #include <sys/file.h>
 #include <thread>
@@ -25,14 +25,8 @@ using Clock = std::chrono::steady_clock;
 
 using at_test::TakeReports;
 
-int CountOpenDescriptors() {
-    int count = 0;
-    if (DIR* dir = opendir("/proc/self/fd")) {
-        while (readdir(dir) != nullptr)
-            ++count;
-        closedir(dir);
-    }
-    return count;
+auto CountOpenDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 const std::string kUntouched = "untouched";

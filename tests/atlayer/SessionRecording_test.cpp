@@ -5,7 +5,7 @@
 
 #include "DebugSink.h"
 #include "SessionRecording.h"
-#include "SmsUtility.h"
+#include "SmsPduVectors.h"
 
 namespace {
 
@@ -64,10 +64,7 @@ TEST(SessionRecording, MaskingHidesPeopleAndKeepsTheLineReadable) {
                                              static_cast<int>(masked.size() / 2) - serviceCentre, pdu),
                   0)
             << masked;
-        TMessageListItem item;
-        item.pduData = pdu;
-        TMsgPacket packet;
-        CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
+        const TMsgPacket packet = sms_test::Packet(pdu);
         EXPECT_STREQ(packet.szNumber, row.number);
         EXPECT_EQ(packet.wstrContent, row.text);
     }

@@ -235,12 +235,7 @@ protected:
         std::snprintf(reference, sizeof reference, "%02X", (encoded.data[1] + 1) & 0xFF);
         return std::string("0005") + reference + "0B911316325476F8000005E8329BFD06\x1A";
     }
-    static TSmsSendItem Hello() {
-        TSmsSendItem item;
-        std::snprintf(item.szNumber, sizeof item.szNumber, "+31612345678");
-        item.wstrContent = L"hello";
-        return item;
-    }
+    static TSmsSendItem Hello() { return sms_test::SendItem(L"hello", "+31612345678"); }
     void ExpectPrompt(const char* answer = "\r\n> ") {
         Expect(fake,
                At("AT+CMGS=18\r").WithTimeout(2000).WithoutPrefix().WithFinals({">", "+CMS ERROR", "ERROR"}),

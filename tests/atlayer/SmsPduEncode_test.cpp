@@ -199,13 +199,6 @@ TEST(SmsPduEncode, UserDataLengthLimits) {
 
 // Splitting a text into submits.
 
-TSmsSendItem Item(const std::wstring& text, const char* number = "+4917012345678") {
-    TSmsSendItem item;
-    std::strcpy(item.szNumber, number);
-    item.wstrContent = text;
-    return item;
-}
-
 std::vector<TTpduSubmit> Split(CSmsUtility& sms, const TSmsSendItem& item, int& encodeType) {
     std::list<TTpduSubmit> segments;
     EXPECT_EQ(sms.PacketMsg(item, segments, encodeType), 0);
@@ -234,7 +227,7 @@ TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         int encodeType = -1;
-        const std::vector<TTpduSubmit> segments = Split(sms, Item(row.text), encodeType);
+        const std::vector<TTpduSubmit> segments = Split(sms, sms_test::SendItem(row.text), encodeType);
         EXPECT_EQ(encodeType, row.encodeType);
         ASSERT_EQ(segments.size(), row.lengths.size());
         std::wstring joined;
@@ -276,7 +269,7 @@ TEST(SmsPacketMsg, StatusReportOnTheNextToLastSegment) {
         CSmsUtility sms;
         sms.EnableStatusReport(row.enabled);
         int encodeType = -1;
-        const std::vector<TTpduSubmit> segments = Split(sms, Item(row.text), encodeType);
+        const std::vector<TTpduSubmit> segments = Split(sms, sms_test::SendItem(row.text), encodeType);
         std::vector<int> requested;
         for (const TTpduSubmit& segment : segments)
             requested.push_back(segment.bStatusReportRequest);
@@ -298,7 +291,7 @@ TEST(SmsPacketMsg, LatinReplacement) {
         CSmsUtility sms;
         sms.SetLatinSupport(row.latin);
         int encodeType = -1;
-        const std::vector<TTpduSubmit> segments = Split(sms, Item(row.text), encodeType);
+        const std::vector<TTpduSubmit> segments = Split(sms, sms_test::SendItem(row.text), encodeType);
         ASSERT_EQ(segments.size(), 1u);
         EXPECT_EQ(encodeType, row.encodeType);
         std::wstring text;
