@@ -47,14 +47,8 @@ inline void Show(std::ostream& out, const std::string& text) {
 inline void Show(std::ostream& out, const char* text) {
     out << (text != nullptr ? text : "(null)");
 }
-inline void Show(std::ostream& out, char* text) {
-    Show(out, static_cast<const char*>(text));
-}
 inline void Show(std::ostream& out, const std::wstring& text) {
     out << ::testing::PrintToString(text);
-}
-inline void Show(std::ostream& out, const wchar_t* text) {
-    Show(out, std::wstring(text));
 }
 template <typename T> void Show(std::ostream& out, const T& value) {
     if constexpr (std::is_arithmetic_v<T>)
