@@ -112,9 +112,9 @@ inline void ExpectDeletion(ScriptedAtFake& fake, const char* storage, int index,
            answer);
 }
 
-// Sends the shape's command once per row, with the row's answer or failure result, and compares what the
-// read gives back. A read of one number (int(int&)) gives "result|value", the value starting at -1; any
-// other read gives its own text (see Fields).
+// Sends the shape's command once per row (or `sends` times, for a read that asks more than once), with the
+// row's answer or failure result, and compares what the read gives back. A read of one number (int(int&))
+// gives "result|value", the value starting at -1; any other read gives its own text (see Fields).
 struct Read {
     std::string answer;
     std::string expected;
@@ -122,10 +122,11 @@ struct Read {
 };
 template <typename F>
 void CheckReads(ScriptedAtFake& fake, const ScriptedAtFake::Step& shape, F read,
-                const std::vector<Read>& rows) {
+                const std::vector<Read>& rows, int sends = 1) {
     for (const Read& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        Expect(fake, shape, row.answer, row.failure);
+        for (int i = 0; i < sends; ++i)
+            Expect(fake, shape, row.answer, row.failure);
         if constexpr (std::is_invocable_v<F, int&>) {
             int value = -1;
             const int result = read(value);
