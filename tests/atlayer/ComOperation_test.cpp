@@ -77,10 +77,9 @@ PtyPeer::Answer Pieces(std::initializer_list<std::string> texts, std::chrono::mi
 }
 
 TEST_F(ComOperationTest, TimesOutAfterTheLimitInTicks) {
-    const struct {
-        int32_t seconds;
-        std::chrono::milliseconds atLeast, below;
-    } cases[] = {{0, 0ms, 500ms}, {1, 1000ms, 2500ms}};
+    // clang-format off
+    const struct { int32_t seconds; std::chrono::milliseconds atLeast, below; } cases[] = {{0, 0ms, 500ms}, {1, 1000ms, 2500ms}};
+    // clang-format on
     peer.setHandler([](const std::string&) { return PtyPeer::Answer{}; });
     int32_t count = 0;
     for (const auto& c : cases) {

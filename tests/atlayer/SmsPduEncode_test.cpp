@@ -30,8 +30,7 @@ TEST(SmsPduEncode, SubmitOctets) {
     submit.userData.nLength = 5;
     std::memcpy(submit.userData.data, "hello", 5);
 
-    TProtocalTpduData first;
-    TProtocalTpduData second;
+    TProtocalTpduData first, second;
     ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), 0);
     ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(submit, second), 0);
     // RD and VPF 2; TP-MR; "+46708251358"; PID, DCS; 12 hours; "hello" packed.
@@ -118,9 +117,7 @@ TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
     };
     // clang-format on
     for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << std::hex << int(row.period.nYear) << "y " << int(row.period.nMonth)
-                                        << "m " << int(row.period.nDay) << "d " << int(row.period.nHour)
-                                        << "h " << int(row.period.nMinute) << "min");
+        SCOPED_TRACE(testing::PrintToString(row.period)); // its octets: BCD years first
         EXPECT_EQ(CSmsUtility::EncodeRelativeTime(row.period), row.vp);
     }
 }
@@ -136,8 +133,7 @@ TEST(SmsPduEncode, ValidPeriodSettingsAsSent) {
     };
     // clang-format on
     for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << int(row.setting.bWeek) << "w " << int(row.setting.bDay) << "d "
-                                        << int(row.setting.bHour) << "h");
+        SCOPED_TRACE(at_test::Fields(row.setting.bWeek, row.setting.bDay, row.setting.bHour));
         TMsgTimeStamp period;
         CSmsUtility::TSmsValidPeriodToTMsgTimeStamp(row.setting, period);
         EXPECT_EQ(CSmsUtility::EncodeRelativeTime(period), row.vp);
