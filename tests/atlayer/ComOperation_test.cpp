@@ -40,8 +40,6 @@ UnsolicitedReportList& Queue(ComOperation* com) {
 class ComOperationTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        _previousSink = GetDebugSink();
-        _debug = std::tmpfile(); // the debug lines are written, but their wording is not what is tested here
         SetDebugSink(_debug);
         Clean();
         ASSERT_TRUE(peer.isOpen());
@@ -65,8 +63,8 @@ protected:
     ComOperation* com = ComOperation::GetInstance();
 
 private:
-    std::FILE* _debug = nullptr;
-    std::FILE* _previousSink = nullptr;
+    std::FILE* _debug = std::tmpfile(); // the debug lines are written, but their wording is not tested here
+    std::FILE* _previousSink = GetDebugSink();
 };
 
 PtyPeer::Answer Pieces(std::initializer_list<std::string> texts, std::chrono::milliseconds gap = 20ms) {

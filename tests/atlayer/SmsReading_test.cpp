@@ -107,11 +107,9 @@ protected:
         ExpectSelect(storage);
         ExpectPduMode();
         fake.Expect("AT+CSCS=\"IRA\"\r");
+        const std::string read = "AT+CMGR=" + std::to_string(index) + "\r";
         Expect(fake,
-               At("AT+CMGR=" + std::to_string(index) + "\r")
-                   .WithTimeout(3000)
-                   .WithPrefix("+CMGR: ")
-                   .WithFinals({"OK", "+CMS ERROR", "ERROR"}),
+               At(read).WithTimeout(3000).WithPrefix("+CMGR: ").WithFinals({"OK", "+CMS ERROR", "ERROR"}),
                answer);
     }
     void InitEmpty() {
