@@ -98,17 +98,11 @@ inline ScriptedAtFake::Step& Expect(ScriptedAtFake& fake, const ScriptedAtFake::
 // The storage selection and deletion of one stored message, as the message family sends them.
 inline void ExpectDeletion(ScriptedAtFake& fake, const char* storage, int index,
                            const char* answer = ScriptedAtFake::kOk) {
-    Expect(fake,
-           At(std::string("AT+CPMS=\"") + storage + "\"\r")
-               .WithTimeout(3000)
-               .WithPrefix("+CPMS: ")
-               .WithFinals({"OK", "ERROR", "+CME ERROR"}),
+    const std::string select = std::string("AT+CPMS=\"") + storage + "\"\r";
+    Expect(fake, At(select).WithTimeout(3000).WithPrefix("+CPMS: ").WithFinals({"OK", "ERROR", "+CME ERROR"}),
            Answer("+CPMS: 3,20,3,20,3,20"));
-    Expect(fake,
-           At("AT+CMGD=" + std::to_string(index) + "\r")
-               .WithTimeout(5000)
-               .WithoutPrefix()
-               .WithFinals({"OK", "+CMS ERROR", "ERROR"}),
+    const std::string remove = "AT+CMGD=" + std::to_string(index) + "\r";
+    Expect(fake, At(remove).WithTimeout(5000).WithoutPrefix().WithFinals({"OK", "+CMS ERROR", "ERROR"}),
            answer);
 }
 

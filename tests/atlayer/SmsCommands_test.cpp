@@ -49,12 +49,10 @@ TEST_F(SmsCommandsTest, InitPassesOverRefusedOptionalSettings) {
             if (script[i] == 'T')
                 fake.ExpectFailure(steps[i].command, 2);
             else if (script[i] != '-')
-                Expect(fake,
-                       At(steps[i].command)
-                           .WithTimeout(steps[i].timeout)
-                           .WithoutPrefix()
-                           .WithFinals(steps[i].finals),
-                       script[i] == 'R' ? "\r\n+CMS ERROR: 303\r\n" : kOk);
+                fake.Expect(steps[i].command, script[i] == 'R' ? "\r\n+CMS ERROR: 303\r\n" : kOk)
+                    .WithTimeout(steps[i].timeout)
+                    .WithoutPrefix()
+                    .WithFinals(steps[i].finals);
         }
         EXPECT_EQ(family.Init(), result);
         fake.VerifyDone();

@@ -84,7 +84,7 @@ struct Claim {
     }
 };
 
-class SmsReadingTest : public at_test::FamilyTest<CSmsUtility> {
+class SmsReadingTest : public FamilyTest<CSmsUtility> {
 protected:
     void SetUp() override {
         FamilyTest::SetUp();
