@@ -42,9 +42,7 @@ TEST_F(AnswerVariants, ChannelEndsCommandsAtOnce) {
     CCallUtility call;
     CNetworkUtility network;
     CUssdUility ussd;
-    call.RegisterExecAT(&ChannelExecAT);
-    network.RegisterExecAT(&ChannelExecAT);
-    ussd.RegisterExecAT(&ChannelExecAT);
+    [](auto&... families) { (families.RegisterExecAT(&ChannelExecAT), ...); }(call, network, ussd);
     int value = 0;
     std::list<TCallItemState> calls;
     const auto dial = [&] { return call.Dial("10086"); };

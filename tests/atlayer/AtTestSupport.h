@@ -47,14 +47,8 @@ inline void Show(std::ostream& out, const std::string& text) {
 inline void Show(std::ostream& out, const char* text) {
     out << (text != nullptr ? text : "(null)");
 }
-inline void Show(std::ostream& out, char* text) {
-    Show(out, static_cast<const char*>(text));
-}
 inline void Show(std::ostream& out, const std::wstring& text) {
     out << ::testing::PrintToString(text);
-}
-inline void Show(std::ostream& out, const wchar_t* text) {
-    Show(out, std::wstring(text));
 }
 template <typename T> void Show(std::ostream& out, const T& value) {
     if constexpr (std::is_arithmetic_v<T>)
@@ -101,9 +95,20 @@ inline ScriptedAtFake::Step& Expect(ScriptedAtFake& fake, const ScriptedAtFake::
     return step;
 }
 
-// Sends the shape's command once per row, with the row's answer or failure result, and compares what the
-// read gives back. A read of one number (int(int&)) gives "result|value", the value starting at -1; any
-// other read gives its own text (see Fields).
+// The storage selection and deletion of one stored message, as the message family sends them.
+inline void ExpectDeletion(ScriptedAtFake& fake, const char* storage, int index,
+                           const char* answer = ScriptedAtFake::kOk) {
+    const std::string select = std::string("AT+CPMS=\"") + storage + "\"\r";
+    Expect(fake, At(select).WithTimeout(3000).WithPrefix("+CPMS: ").WithFinals({"OK", "ERROR", "+CME ERROR"}),
+           Answer("+CPMS: 3,20,3,20,3,20"));
+    const std::string remove = "AT+CMGD=" + std::to_string(index) + "\r";
+    Expect(fake, At(remove).WithTimeout(5000).WithoutPrefix().WithFinals({"OK", "+CMS ERROR", "ERROR"}),
+           answer);
+}
+
+// Sends the shape's command once per row (or `sends` times, for a read that asks more than once), with the
+// row's answer or failure result, and compares what the read gives back. A read of one number (int(int&))
+// gives "result|value", the value starting at -1; any other read gives its own text (see Fields).
 struct Read {
     std::string answer;
     std::string expected;
@@ -111,10 +116,11 @@ struct Read {
 };
 template <typename F>
 void CheckReads(ScriptedAtFake& fake, const ScriptedAtFake::Step& shape, F read,
-                const std::vector<Read>& rows) {
+                const std::vector<Read>& rows, int sends = 1) {
     for (const Read& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        Expect(fake, shape, row.answer, row.failure);
+        for (int i = 0; i < sends; ++i)
+            Expect(fake, shape, row.answer, row.failure);
         if constexpr (std::is_invocable_v<F, int&>) {
             int value = -1;
             const int result = read(value);

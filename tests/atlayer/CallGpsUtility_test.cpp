@@ -52,11 +52,10 @@ TEST_F(CallUtilityTest, DtmfTakesOnlyKeypadTones) {
         fake.Expect(std::string("AT+VTS=") + tone + "\r");
         EXPECT_EQ(family.SendDTMF(tone), 0);
     }
-    for (const char tone : std::string("EaF+ ,;\r")) {
+    for (const char tone : std::string("EaF+ ,;\r\0", 9)) {
         SCOPED_TRACE(static_cast<int>(tone));
         EXPECT_EQ(family.SendDTMF(tone), 1);
     }
-    EXPECT_EQ(family.SendDTMF('\0'), 1);
     EXPECT_EQ(fake.Calls().size(), 16u);
 }
 
@@ -86,34 +85,24 @@ TEST(CallListParse, ClccLines) {
 }
 
 TEST_F(CallUtilityTest, RingAndCallEndReadTheCallList) {
-    // clang-format off
-    const struct { std::string lines; int ring; const char* number; bool allEnded; } rows[] = {
-        {"", 1, "", true}, {"+CLCC: 1,1,4,0,0,\"123\",145\r\n", 0, "+123", false},
-        {"+CLCC: 1,1,4,1,0,\"123\",129\r\n", 1, "", true}, // data call
-        {"+CLCC: 1,0,0,0,0,\"555\",129\r\n+CLCC: 2,1,5,0,0,\"666\",129\r\n+CLCC: 3,1,4,0,0,\"777\",129\r\n", 0, "777", false},
-        {"+CLCC: 1,1,4,0,0\r\n", 0, "", false}, // incoming, number withheld
+    // "ring result|number" (from "x"), then the call end's "result|all ended" from a flag starting false,
+    // then true.
+    const auto ringAndEnd = [this] {
+        std::string number = "x";
+        const int ring = family.HandleRing(number);
+        bool fromFalse = false, fromTrue = true;
+        const int end = family.HandleCallEnd(fromFalse), again = family.HandleCallEnd(fromTrue);
+        return Fields(ring, number, end, fromFalse, again, fromTrue);
     };
+    // clang-format off
+    CheckReads(fake, At("AT+CLCC\r"), ringAndEnd, {
+        {"\r\n\r\nOK\r\n", "1|x|0|1|0|1"}, {"\r\n+CLCC: 1,1,4,0,0,\"123\",145\r\n\r\nOK\r\n", "0|+123|0|0|0|0"},
+        {"\r\n+CLCC: 1,1,4,1,0,\"123\",129\r\n\r\nOK\r\n", "1|x|0|1|0|1"}, // data call
+        {"\r\n+CLCC: 1,0,0,0,0,\"555\",129\r\n+CLCC: 2,1,5,0,0,\"666\",129\r\n+CLCC: 3,1,4,0,0,\"777\",129\r\n\r\nOK\r\n", "0|777|0|0|0|0"},
+        {"\r\n+CLCC: 1,1,4,0,0\r\n\r\nOK\r\n", "0||0|0|0|0"}, // incoming, number withheld
+        {"", "1|x|1|0|1|1", 2}, {"", "1|x|1|0|1|1", 30},
+    }, 3);
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.lines));
-        const std::string answer = "\r\n" + row.lines + "\r\nOK\r\n";
-        fake.Expect("AT+CLCC\r", answer);
-        std::string number;
-        EXPECT_EQ(family.HandleRing(number), row.ring);
-        EXPECT_EQ(number, row.number);
-        fake.Expect("AT+CLCC\r", answer);
-        bool allEnded = !row.allEnded;
-        EXPECT_EQ(family.HandleCallEnd(allEnded), 0);
-        EXPECT_EQ(allEnded, row.allEnded);
-    }
-
-    fake.ExpectFailure("AT+CLCC\r", 2);
-    std::string number = "x";
-    EXPECT_EQ(family.HandleRing(number), 1);
-    EXPECT_EQ(number, "x");
-    fake.ExpectFailure("AT+CLCC\r", 30);
-    bool allEnded = false;
-    EXPECT_EQ(family.HandleCallEnd(allEnded), 1);
 }
 
 } // namespace

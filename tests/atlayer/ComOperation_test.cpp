@@ -9,9 +9,9 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <list>
 #include <sys/file.h>
 #include <thread>
@@ -25,14 +25,8 @@ using Clock = std::chrono::steady_clock;
 
 using at_test::TakeReports;
 
-int CountOpenDescriptors() {
-    int count = 0;
-    if (DIR* dir = opendir("/proc/self/fd")) {
-        while (readdir(dir) != nullptr)
-            ++count;
-        closedir(dir);
-    }
-    return count;
+auto CountOpenDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 const std::string kUntouched = "untouched";
@@ -46,8 +40,6 @@ UnsolicitedReportList& Queue(ComOperation* com) {
 class ComOperationTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        _previousSink = GetDebugSink();
-        _debug = std::tmpfile(); // the debug lines are written, but their wording is not what is tested here
         SetDebugSink(_debug);
         Clean();
         ASSERT_TRUE(peer.isOpen());
@@ -71,8 +63,8 @@ protected:
     ComOperation* com = ComOperation::GetInstance();
 
 private:
-    std::FILE* _debug = nullptr;
-    std::FILE* _previousSink = nullptr;
+    std::FILE* _debug = std::tmpfile(); // the debug lines are written, but their wording is not tested here
+    std::FILE* _previousSink = GetDebugSink();
 };
 
 PtyPeer::Answer Pieces(std::initializer_list<std::string> texts, std::chrono::milliseconds gap = 20ms) {
@@ -83,10 +75,9 @@ PtyPeer::Answer Pieces(std::initializer_list<std::string> texts, std::chrono::mi
 }
 
 TEST_F(ComOperationTest, TimesOutAfterTheLimitInTicks) {
-    const struct {
-        int32_t seconds;
-        std::chrono::milliseconds atLeast, below;
-    } cases[] = {{0, 0ms, 500ms}, {1, 1000ms, 2500ms}};
+    // clang-format off
+    const struct { int32_t seconds; std::chrono::milliseconds atLeast, below; } cases[] = {{0, 0ms, 500ms}, {1, 1000ms, 2500ms}};
+    // clang-format on
     peer.setHandler([](const std::string&) { return PtyPeer::Answer{}; });
     int32_t count = 0;
     for (const auto& c : cases) {

@@ -15,8 +15,13 @@ using NetworkUtilityTest = FamilyTest<CNetworkUtility>;
 
 TEST_F(NetworkUtilityTest, SignalLevelAndDbmFromCsq) {
     // "result|level" of the level read, then "result|dbm" of the dBm read of the same answer.
+    const auto levelAndDbm = [this] {
+        int level = -1, dbm = -1;
+        const std::string levelRead = Fields(family.GetRssiLevel(level), level);
+        return levelRead + " " + Fields(family.GetSignalDBValue(dbm), dbm);
+    };
     // clang-format off
-    const struct { std::string answer; const char* expected; int failure = 0; } rows[] = {
+    CheckReads(fake, At("AT+CSQ\r").WithTimeout(1000).WithPrefix("+CSQ: "), levelAndDbm, {
         {Answer("+CSQ: 99,99"), "0|0 0|0"}, {Answer("+CSQ: 0,0"), "0|0 0|114"}, {Answer("+CSQ: 1,99"), "0|0 0|112"}, {Answer("+CSQ: 2,99"), "0|1 0|110"},
         {Answer("+CSQ: 7,99"), "0|1 0|100"}, {Answer("+CSQ: 8,99"), "0|2 0|98"}, {Answer("+CSQ: 11,0"), "0|2 0|92"}, {Answer("+CSQ: 12,0"), "0|3 0|90"},
         {Answer("+CSQ: 15,0"), "0|3 0|84"}, {Answer("+CSQ: 16,0"), "0|4 0|82"}, {Answer("+CSQ: 19,0"), "0|4 0|76"}, {Answer("+CSQ: 20,99"), "0|5 0|74"},
@@ -25,17 +30,8 @@ TEST_F(NetworkUtilityTest, SignalLevelAndDbmFromCsq) {
         {Answer("+CSQ: 1807229228,99"), "0|6 0|-2147483648"}, {Answer("+CSQ: -2147483648,99"), "0|6 0|2147483647"}, {Answer("+CSQ: 1073741881,99"), "0|6 0|-2147483648"},
         {Answer("+CSQ:20,99"), "1|6 1|0"}, // the prefix needs its blank
         {Answer("+CSQ: ,99"), "1|6 1|0"}, {"\r\nOK\r\n", "1|6 1|0"}, {"", "2|6 2|0", 2},
-    };
+    }, 2);
     // clang-format on
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
-        for (int i = 0; i < 2; ++i)
-            fake.Expect("AT+CSQ\r", row.answer, row.failure).WithTimeout(1000).WithPrefix("+CSQ: ");
-        int level = -1, dbm = -1;
-        const std::string levelRead = Fields(family.GetRssiLevel(level), level);
-        const std::string dbmRead = Fields(family.GetSignalDBValue(dbm), dbm);
-        EXPECT_EQ(levelRead + " " + dbmRead, row.expected);
-    }
 }
 
 TEST(NetworkUtilityParse, ItemStringFields) {
@@ -158,24 +154,20 @@ TEST_F(NetworkUtilityTest, SignalReadingsAskForCesqUntilRefused) {
 
 TEST_F(NetworkUtilityTest, SystemSelectionReadsBandModeAndDomain) {
     // "result|band result|mode result|domain"
+    const auto bandModeDomain = [this] {
+        int band = -1, mode = -1, domain = -1;
+        const std::string bandRead = Fields(family.GetBand(band), band);
+        const std::string modeRead = Fields(family.GetMode(mode), mode);
+        return bandRead + " " + modeRead + " " + Fields(family.GetDomain(domain), domain);
+    };
     // clang-format off
-    const std::pair<std::string, const char*> rows[] = {
+    CheckReads(fake, At("AT+SYSSEL?\r").WithTimeout(1000).WithPrefix("+SYSSEL:"), bandModeDomain, {
         {Answer("+SYSSEL: 0,0,0,2"), "0|0 0|0 0|2"}, {Answer("+SYSSEL: 1,2,0,1"), "0|1 0|1 0|1"}, {Answer("+SYSSEL: 3,0,1,0"), "0|3 0|2 0|0"},
         {Answer("+SYSSEL: 0,1,0,2"), "0|0 0|3 0|2"}, {Answer("+SYSSEL: 0,0,2,2"), "0|0 0|4 0|2"}, {Answer("+SYSSEL: 0, 2, 0, 3"), "0|0 0|1 0|3"},
         {Answer("+SYSSEL: 0,1,1,2"), "0|0 0|5 0|2"}, // pair in no row
         {Answer("+SYSSEL: 0,2,0"), "1|-1 1|5 1|-1"}, {"\r\nERROR\r\n", "1|-1 1|5 1|-1"},
-    };
+    }, 3);
     // clang-format on
-    for (const auto& [answer, expected] : rows) {
-        SCOPED_TRACE(ScriptedAtFake::Printable(answer));
-        for (int i = 0; i < 3; ++i)
-            fake.Expect("AT+SYSSEL?\r", answer).WithTimeout(1000).WithPrefix("+SYSSEL:");
-        int band = -1, mode = -1, domain = -1;
-        const std::string bandRead = Fields(family.GetBand(band), band);
-        const std::string modeRead = Fields(family.GetMode(mode), mode);
-        const std::string domainRead = Fields(family.GetDomain(domain), domain);
-        EXPECT_EQ(bandRead + " " + modeRead + " " + domainRead, expected);
-    }
 }
 
 TEST_F(NetworkUtilityTest, SystemSelectionSetCommands) {

@@ -14,24 +14,28 @@ using namespace at_test;
 const std::list<std::string> kCme = {"OK", "+CME ERROR", "ERROR"};
 const std::list<std::string> kCscs = {"OK", "ERROR", "+CME ERROR"};
 
-class PbUtilityTest : public ::testing::Test {
+class PbUtilityTest : public FamilyTest<CPbUtility> {
 protected:
-    void SetUp() override { m_pb.RegisterExecAT(ScriptedAtFake::Callback()); }
-
     static std::string Name(int storage) { return storage == PB_STORAGE_SIM ? "SM" : "ME"; }
     void ExpectSelect(int storage) {
-        Expect(m_fake,
+        Expect(fake,
                At("AT+CPBS=\"" + Name(storage) + "\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCme));
     }
     void ExpectUse(int storage, int used, int total) {
         ExpectSelect(storage);
         const std::string counts = std::to_string(used) + "," + std::to_string(total);
-        m_fake.Expect("AT+CPBS?\r", Answer("+CPBS: \"" + Name(storage) + "\"," + counts))
-            .WithTimeout(1000)
-            .WithPrefix("+CPBS: ");
+        Expect(fake, At("AT+CPBS?\r").WithTimeout(1000).WithPrefix("+CPBS: "),
+               Answer("+CPBS: \"" + Name(storage) + "\"," + counts));
     }
     void ExpectUcs2(const char* answer = ScriptedAtFake::kOk) {
-        Expect(m_fake, At("AT+CSCS=\"UCS2\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscs), answer);
+        Expect(fake, At("AT+CSCS=\"UCS2\"\r").WithTimeout(1000).WithoutPrefix().WithFinals(kCscs), answer);
+    }
+    // An entry written: the character set, the storage, then the command.
+    void ExpectWrite(int storage, const std::string& command, const char* answer = ScriptedAtFake::kOk,
+                     int failure = 0) {
+        ExpectUcs2();
+        ExpectSelect(storage);
+        Expect(fake, At(command).WithTimeout(3000).WithoutPrefix().WithFinals(kCme), answer, failure);
     }
     // A full read of a storage whose entries have these indexes, listed in the order given.
     void ExpectList(int storage, const std::vector<int>& indexes, int total) {
@@ -41,18 +45,12 @@ protected:
         ExpectUcs2();
         std::string lines;
         for (const int index : indexes) {
-            if (!lines.empty())
-                lines += "\r\n";
-            lines +=
-                "+CPBR: " + std::to_string(index) + ",\"1000" + std::to_string(index) + "\",129,\"0041\"";
+            const std::string i = std::to_string(index);
+            lines += (lines.empty() ? "+CPBR: " : "\r\n+CPBR: ") + i + ",\"1000" + i + "\",129,\"0041\"";
         }
-        m_fake.Expect("AT+CPBR=1," + std::to_string(total) + "\r", Answer(lines))
-            .WithTimeout(60000)
-            .WithoutPrefix();
+        Expect(fake, At("AT+CPBR=1," + std::to_string(total) + "\r").WithTimeout(60000).WithoutPrefix(),
+               Answer(lines));
     }
-
-    ScriptedAtFake m_fake;
-    CPbUtility m_pb;
 };
 
 TEST(PbDecodeItem, EntryLines) {
@@ -117,21 +115,21 @@ TEST_F(PbUtilityTest, StorageUseFailures) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.selectAnswer + row.answer));
-        m_fake.Expect("AT+CPBS=\"SM\"\r", row.selectAnswer, row.selectResult);
+        fake.Expect("AT+CPBS=\"SM\"\r", row.selectAnswer, row.selectResult);
         if (!row.answer.empty())
-            m_fake.Expect("AT+CPBS?\r", row.answer);
-        EXPECT_EQ(m_pb.GetStorageInfo(PB_STORAGE_SIM), row.result);
+            fake.Expect("AT+CPBS?\r", row.answer);
+        EXPECT_EQ(family.GetStorageInfo(PB_STORAGE_SIM), row.result);
     }
 }
 
 TEST_F(PbUtilityTest, LengthLimitsWithTheirFallbacks) {
     const auto limits = [this] {
         int name = -1, number = -1;
-        const int result = m_pb.GetMaxLengthPair(name, number);
+        const int result = family.GetMaxLengthPair(name, number);
         return Fields(result, name, number);
     };
     // clang-format off
-    CheckReads(m_fake, At("AT+CPBR=?\r").WithTimeout(1000).WithPrefix("+CPBR: ").WithFinals(kCme), limits, {
+    CheckReads(fake, At("AT+CPBR=?\r").WithTimeout(1000).WithPrefix("+CPBR: ").WithFinals(kCme), limits, {
         {Answer("+CPBR: (1-250),40,14"), "0|14|40"}, {"AT+CPBR=?\r\r\n+CPBR: (1-100),20,18\r\n\r\nOK\r\n", "0|18|20"},
         {Answer("+CPBR: (1-250),,14"), "0|14|0"}, {Answer("+CPBR: (1-250),40"), "0|0|40"}, {Answer("+CPBR: (1-250),40,"), "0|0|40"},
         {Answer("+CPBR: (1-250)"), "0|-1|-1"}, // no comma: both left alone
@@ -155,22 +153,22 @@ TEST_F(PbUtilityTest, ListFailures) {
         ExpectUse(PB_STORAGE_SIM, 2, 250);
         ExpectUcs2(row.charSet);
         if (row.failure >= 0)
-            m_fake.Expect("AT+CPBR=1,250\r", row.answer, row.failure);
+            fake.Expect("AT+CPBR=1,250\r", row.answer, row.failure);
         std::list<TPbBaseItem> items;
-        EXPECT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), row.result);
-        EXPECT_EQ(Fields(items.size(), m_pb.UsedIndexes(PB_STORAGE_SIM).size()),
+        EXPECT_EQ(family.GetList(PB_STORAGE_SIM, items), row.result);
+        EXPECT_EQ(Fields(items.size(), family.UsedIndexes(PB_STORAGE_SIM).size()),
                   Fields(row.items, row.items));
     }
     std::list<TPbBaseItem> items;
-    m_fake.ExpectFailure("AT+CPBS=\"ME\"\r", 30);
-    EXPECT_EQ(m_pb.GetList(PB_STORAGE_MODEM, items), 30);
+    fake.ExpectFailure("AT+CPBS=\"ME\"\r", 30);
+    EXPECT_EQ(family.GetList(PB_STORAGE_MODEM, items), 30);
 }
 
 TEST_F(PbUtilityTest, InitListPutsSimEntriesFirst) {
     ExpectList(PB_STORAGE_SIM, {2, 1}, 250);
     ExpectList(PB_STORAGE_MODEM, {7}, 100);
     std::list<TPbItem> items;
-    ASSERT_EQ(m_pb.InitList(items), 0);
+    ASSERT_EQ(family.InitList(items), 0);
     std::vector<std::pair<int, int>> got;
     for (const TPbItem& item : items)
         got.emplace_back(item.nStore, item.nIndex);
@@ -180,8 +178,8 @@ TEST_F(PbUtilityTest, InitListPutsSimEntriesFirst) {
     // A modem storage that cannot be read appends nothing.
     items.clear();
     ExpectList(PB_STORAGE_SIM, {1}, 250);
-    m_fake.Expect("AT+CPBS=\"ME\"\r", "\r\n+CME ERROR: operation not allowed\r\n");
-    EXPECT_EQ(m_pb.InitList(items), 1);
+    fake.Expect("AT+CPBS=\"ME\"\r", "\r\n+CME ERROR: operation not allowed\r\n");
+    EXPECT_EQ(family.InitList(items), 1);
     EXPECT_TRUE(items.empty());
 }
 
@@ -194,51 +192,43 @@ TEST_F(PbUtilityTest, AddTakesTheFirstFreeIndex) {
         SCOPED_TRACE(::testing::PrintToString(row.used));
         ExpectList(PB_STORAGE_SIM, row.used, 10);
         std::list<TPbBaseItem> items;
-        ASSERT_EQ(m_pb.GetList(PB_STORAGE_SIM, items), 0);
+        ASSERT_EQ(family.GetList(PB_STORAGE_SIM, items), 0);
 
-        ExpectUcs2();
-        ExpectSelect(PB_STORAGE_SIM);
-        m_fake.Expect("AT+CPBW=" + std::to_string(row.index) + ",\"+4930\",145,\"0041\"\r")
-            .WithTimeout(3000)
-            .WithoutPrefix();
+        ExpectWrite(PB_STORAGE_SIM, "AT+CPBW=" + std::to_string(row.index) + ",\"+4930\",145,\"0041\"\r");
         int index = -1;
-        ASSERT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_SIM, L"A", "+4930"}, index), 0);
+        ASSERT_EQ(family.AddItem(TPbNewItem{PB_STORAGE_SIM, L"A", "+4930"}, index), 0);
         EXPECT_EQ(index, row.index);
         std::list<int> expected(row.used.begin(), row.used.end());
         expected.push_back(row.index);
         expected.sort();
-        EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_SIM), expected);
+        EXPECT_EQ(family.UsedIndexes(PB_STORAGE_SIM), expected);
     }
 }
 
 TEST_F(PbUtilityTest, AddCountsAgainstTheCapacity) {
     int index = -1;
     // Never read: no capacity known.
-    EXPECT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 1);
+    EXPECT_EQ(family.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 1);
 
     ExpectList(PB_STORAGE_MODEM, {1}, 2);
     std::list<TPbBaseItem> items;
-    ASSERT_EQ(m_pb.GetList(PB_STORAGE_MODEM, items), 0);
-    ExpectUcs2();
-    ExpectSelect(PB_STORAGE_MODEM);
-    m_fake.Expect("AT+CPBW=2,\"1\",129,\"0041\"\r");
-    ASSERT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 0);
+    ASSERT_EQ(family.GetList(PB_STORAGE_MODEM, items), 0);
+    ExpectWrite(PB_STORAGE_MODEM, "AT+CPBW=2,\"1\",129,\"0041\"\r");
+    ASSERT_EQ(family.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 0);
     EXPECT_EQ(index, 2);
     // Full now: nothing is sent.
     index = -1;
-    EXPECT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 1);
+    EXPECT_EQ(family.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 1);
     EXPECT_EQ(index, -1);
 
     // After a delete there is room again, at the freed index.
     ExpectSelect(PB_STORAGE_MODEM);
-    m_fake.Expect("AT+CPBW=1\r").WithTimeout(3000).WithoutPrefix();
-    ASSERT_EQ(m_pb.DeleteItem(PB_STORAGE_MODEM, 1), 0);
-    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_MODEM), (std::list<int>{2}));
-    ExpectUcs2();
-    ExpectSelect(PB_STORAGE_MODEM);
-    m_fake.ExpectFailure("AT+CPBW=1,\"1\",129,\"0041\"\r", 30);
-    EXPECT_EQ(m_pb.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 2);
-    EXPECT_EQ(m_pb.UsedIndexes(PB_STORAGE_MODEM), (std::list<int>{2}));
+    fake.Expect("AT+CPBW=1\r").WithTimeout(3000).WithoutPrefix();
+    ASSERT_EQ(family.DeleteItem(PB_STORAGE_MODEM, 1), 0);
+    EXPECT_EQ(family.UsedIndexes(PB_STORAGE_MODEM), (std::list<int>{2}));
+    ExpectWrite(PB_STORAGE_MODEM, "AT+CPBW=1,\"1\",129,\"0041\"\r", "", 30);
+    EXPECT_EQ(family.AddItem(TPbNewItem{PB_STORAGE_MODEM, L"A", "1"}, index), 2);
+    EXPECT_EQ(family.UsedIndexes(PB_STORAGE_MODEM), (std::list<int>{2}));
 }
 
 // The number upper-cased, the name as UCS2; a failed exchange is 2 whatever the lower layer said.
@@ -256,17 +246,14 @@ TEST_F(PbUtilityTest, UpdateWritesTheUpperCasedCommand) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.command) + " " + std::to_string(row.failure));
-        ExpectUcs2();
-        ExpectSelect(row.item.nStore);
-        Expect(m_fake, At(row.command).WithTimeout(3000).WithoutPrefix().WithFinals(kCme), row.answer,
-               row.failure);
-        EXPECT_EQ(m_pb.UpdateItem(row.item), row.result);
+        ExpectWrite(row.item.nStore, row.command, row.answer, row.failure);
+        EXPECT_EQ(family.UpdateItem(row.item), row.result);
     }
-    m_fake.ExpectFailure("AT+CSCS=\"UCS2\"\r", 2);
-    EXPECT_EQ(m_pb.UpdateItem(item), 1);
+    fake.ExpectFailure("AT+CSCS=\"UCS2\"\r", 2);
+    EXPECT_EQ(family.UpdateItem(item), 1);
     ExpectUcs2();
-    m_fake.ExpectFailure("AT+CPBS=\"SM\"\r", 30);
-    EXPECT_EQ(m_pb.UpdateItem(item), 30);
+    fake.ExpectFailure("AT+CPBS=\"SM\"\r", 30);
+    EXPECT_EQ(family.UpdateItem(item), 30);
 }
 
 } // namespace

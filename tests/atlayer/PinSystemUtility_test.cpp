@@ -13,14 +13,12 @@ namespace {
 using namespace at_test;
 
 // The SIM's codes and the modem's identity and set-up, both over the scripted fake.
-class PinSystemTest : public ::testing::Test {
+class PinSystemTest : public FamilyTest<CPinUtility> {
 protected:
     void SetUp() override {
-        m_pin.RegisterExecAT(ScriptedAtFake::Callback());
+        FamilyTest::SetUp();
         m_system.RegisterExecAT(ScriptedAtFake::Callback());
     }
-    ScriptedAtFake m_fake;
-    CPinUtility m_pin;
     CSystemUtility m_system;
 };
 using PinUtilityTest = PinSystemTest;
@@ -33,27 +31,27 @@ TEST_F(PinSystemTest, CommandsSendTheirTextAndMapErrors) {
     // clang-format off
     // command: nullptr: nothing is sent
     const struct { std::function<int()> call; const char* command; int timeoutMs; const char* answer; int failure; int result; } rows[] = {
-        {[&] { return m_pin.Verify("1234"); }, "AT+CPIN=\"1234\"\r", 1000, ok, 0, 0},
-        {[&] { return m_pin.Verify("1234"); }, "AT+CPIN=\"1234\"\r", 1000, "AT+CPIN=\"1234\"\r\r\nOK\r\n", 0, 0},
-        {[&] { return m_pin.Verify("0000"); }, "AT+CPIN=\"0000\"\r", 1000, "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
-        {[&] { return m_pin.Verify("0000"); }, "AT+CPIN=\"0000\"\r", 1000, "", 0, 2},
-        {[&] { return m_pin.Verify("0000"); }, "AT+CPIN=\"0000\"\r", 1000, "\r\nERROR\r\n", 0, 1},
-        {[&] { return m_pin.Verify("0000"); }, "AT+CPIN=\"0000\"\r", 1000, "", 2, 2},
-        {[&] { return m_pin.VerifyPuk("12345678", "4321"); }, "AT+CPIN=\"12345678\",\"4321\"\r", 1000, ok, 0, 0},
-        {[&] { return m_pin.VerifyPuk("12345678", "4321"); }, "AT+CPIN=\"12345678\",\"4321\"\r", 1000, "\r\n+CME ERROR: SIM PUK required\r\n", 0, 10},
-        {[&] { return m_pin.Change("1234", "4321"); }, "AT+CPWD=\"SC\",\"1234\",\"4321\"\r", 1000, ok, 0, 0},
-        {[&] { return m_pin.Change("1234", "4321"); }, "AT+CPWD=\"SC\",\"1234\",\"4321\"\r", 1000, "\r\n+CME ERROR: SIM PIN required\r\n", 0, 9},
-        {[&] { return m_pin.Enable(1, "1234"); }, "AT+CLCK=\"SC\",1,\"1234\"\r", 1000, ok, 0, 0},
-        {[&] { return m_pin.Enable(7, "1234"); }, "AT+CLCK=\"SC\",1,\"1234\"\r", 1000, ok, 0, 0},
-        {[&] { return m_pin.Enable(0, "1234"); }, "AT+CLCK=\"SC\",0,\"1234\"\r", 1000, "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
+        {[&] { return family.Verify("1234"); }, "AT+CPIN=\"1234\"\r", 1000, ok, 0, 0},
+        {[&] { return family.Verify("1234"); }, "AT+CPIN=\"1234\"\r", 1000, "AT+CPIN=\"1234\"\r\r\nOK\r\n", 0, 0},
+        {[&] { return family.Verify("0000"); }, "AT+CPIN=\"0000\"\r", 1000, "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
+        {[&] { return family.Verify("0000"); }, "AT+CPIN=\"0000\"\r", 1000, "", 0, 2},
+        {[&] { return family.Verify("0000"); }, "AT+CPIN=\"0000\"\r", 1000, "\r\nERROR\r\n", 0, 1},
+        {[&] { return family.Verify("0000"); }, "AT+CPIN=\"0000\"\r", 1000, "", 2, 2},
+        {[&] { return family.VerifyPuk("12345678", "4321"); }, "AT+CPIN=\"12345678\",\"4321\"\r", 1000, ok, 0, 0},
+        {[&] { return family.VerifyPuk("12345678", "4321"); }, "AT+CPIN=\"12345678\",\"4321\"\r", 1000, "\r\n+CME ERROR: SIM PUK required\r\n", 0, 10},
+        {[&] { return family.Change("1234", "4321"); }, "AT+CPWD=\"SC\",\"1234\",\"4321\"\r", 1000, ok, 0, 0},
+        {[&] { return family.Change("1234", "4321"); }, "AT+CPWD=\"SC\",\"1234\",\"4321\"\r", 1000, "\r\n+CME ERROR: SIM PIN required\r\n", 0, 9},
+        {[&] { return family.Enable(1, "1234"); }, "AT+CLCK=\"SC\",1,\"1234\"\r", 1000, ok, 0, 0},
+        {[&] { return family.Enable(7, "1234"); }, "AT+CLCK=\"SC\",1,\"1234\"\r", 1000, ok, 0, 0},
+        {[&] { return family.Enable(0, "1234"); }, "AT+CLCK=\"SC\",0,\"1234\"\r", 1000, "\r\n+CME ERROR: incorrect password\r\n", 0, 14},
         // A code that is not 4 to 8 digits (8 for a PUK) never reaches the SIM.
-        {[&] { return m_pin.Enable(1, nullptr); }, nullptr, 0, "", 0, 45}, {[&] { return m_pin.Enable(1, "12ab"); }, nullptr, 0, "", 0, 45},
-        {[&] { return m_pin.Verify("12\";+CFUN=0;\""); }, nullptr, 0, "", 0, 45},
-        {[&] { return m_pin.VerifyPuk("1234567", "1234"); }, nullptr, 0, "", 0, 45},
-        {[&] { return m_pin.Change("1234", "12\r"); }, nullptr, 0, "", 0, 45}, {[&] { return m_pin.Verify(nullptr); }, nullptr, 0, "", 0, 1},
-        {[&] { return m_pin.VerifyPuk(nullptr, "1234"); }, nullptr, 0, "", 0, 1},
-        {[&] { return m_pin.VerifyPuk("12345678", nullptr); }, nullptr, 0, "", 0, 1},
-        {[&] { return m_pin.Change(nullptr, "1234"); }, nullptr, 0, "", 0, 1}, {[&] { return m_pin.Change("1234", nullptr); }, nullptr, 0, "", 0, 1},
+        {[&] { return family.Enable(1, nullptr); }, nullptr, 0, "", 0, 45}, {[&] { return family.Enable(1, "12ab"); }, nullptr, 0, "", 0, 45},
+        {[&] { return family.Verify("12\";+CFUN=0;\""); }, nullptr, 0, "", 0, 45},
+        {[&] { return family.VerifyPuk("1234567", "1234"); }, nullptr, 0, "", 0, 45},
+        {[&] { return family.Change("1234", "12\r"); }, nullptr, 0, "", 0, 45}, {[&] { return family.Verify(nullptr); }, nullptr, 0, "", 0, 1},
+        {[&] { return family.VerifyPuk(nullptr, "1234"); }, nullptr, 0, "", 0, 1},
+        {[&] { return family.VerifyPuk("12345678", nullptr); }, nullptr, 0, "", 0, 1},
+        {[&] { return family.Change(nullptr, "1234"); }, nullptr, 0, "", 0, 1}, {[&] { return family.Change("1234", nullptr); }, nullptr, 0, "", 0, 1},
         {[&] { return m_system.SetPdpContext("internet", nullptr); }, "AT+CGDCONT=1,\"IP\",\"internet\"\r", 3000, ok, 0, 0},
         {[&] { return m_system.SetPdpContext("cmnet", "10.0.0.1"); }, "AT+CGDCONT=1,\"IP\",\"cmnet\",\"10.0.0.1\"\r", 3000, ok, 0, 0},
         {[&] { return m_system.SetPdpContext("internet", nullptr); }, "AT+CGDCONT=1,\"IP\",\"internet\"\r", 3000, "\r\nERROR\r\n", 0, 1},
@@ -68,15 +66,15 @@ TEST_F(PinSystemTest, CommandsSendTheirTextAndMapErrors) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.command != nullptr ? ScriptedAtFake::Printable(row.command) : "nothing sent");
         if (row.command != nullptr)
-            m_fake.Expect(row.command, row.answer, row.failure).WithTimeout(row.timeoutMs).WithoutPrefix();
+            fake.Expect(row.command, row.answer, row.failure).WithTimeout(row.timeoutMs).WithoutPrefix();
         EXPECT_EQ(row.call(), row.result);
-        m_fake.VerifyDone();
+        fake.VerifyDone();
     }
 }
 
 TEST_F(PinUtilityTest, GetStateReadsTheLockAnswer) {
     // clang-format off
-    CheckReads(m_fake, At("AT+CLCK=\"SC\",2\r").WithTimeout(5000).WithPrefix("+CLCK"), [this](int& enabled) { return m_pin.GetState(enabled); }, {
+    CheckReads(fake, At("AT+CLCK=\"SC\",2\r").WithTimeout(5000).WithPrefix("+CLCK"), [this](int& enabled) { return family.GetState(enabled); }, {
         {"\r\n+CLCK: 1\r\n\r\nOK\r\n", "0|1"}, {"AT+CLCK=\"SC\",2\r\r\n+CLCK: 0\r\n\r\nOK\r\n", "0|0"}, {"\r\n+CLCK: 2\r\n\r\nOK\r\n", "1|-1"},
         {"\r\n+CLCK:\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CME ERROR: SIM PIN required\r\n", "1|-1"}});
     // clang-format on
@@ -96,16 +94,16 @@ TEST_F(PinUtilityTest, GetInfoPicksTheCounterCommandByState) {
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::Message()
                      << "state " << row.pinState << " " << ScriptedAtFake::Printable(row.answer));
-        m_fake.Expect(row.command, row.answer).WithTimeout(10000).WithoutPrefix();
+        fake.Expect(row.command, row.answer).WithTimeout(10000).WithoutPrefix();
         TPinInfo info{-1, -1};
-        const int result = m_pin.GetInfo(row.pinState, info);
+        const int result = family.GetInfo(row.pinState, info);
         EXPECT_EQ(Fields(result, info.nPinCnt, info.nPukCnt), Fields(row.result, row.first, row.second));
-        m_fake.VerifyDone();
+        fake.VerifyDone();
     }
 
-    m_fake.ExpectFailure("AT+PNNM?\r", 2);
+    fake.ExpectFailure("AT+PNNM?\r", 2);
     TPinInfo info;
-    EXPECT_EQ(m_pin.GetInfo(2, info), 2);
+    EXPECT_EQ(family.GetInfo(2, info), 2);
 }
 
 TEST(SystemUtilityTrim, TrimContentCutsTheFramingOnly) {
@@ -160,7 +158,7 @@ TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
         return Fields(result, msisdn.szNumber, msisdn.chTerminator);
     };
     // clang-format off
-    CheckReads(m_fake, At("AT+CNUM\r").WithTimeout(3000).WithoutPrefix().WithFinals(kFinals), own, {
+    CheckReads(fake, At("AT+CNUM\r").WithTimeout(3000).WithoutPrefix().WithFinals(kFinals), own, {
         {"\r\n+CNUM: \"Voice\",\"+8613912345678\",145,0,4\r\n\r\nOK\r\n", "0|+8613912345678|0"},
         {"\r\n+CNUM: ,\"07700900123\",129\r\n\r\nOK\r\n", "0|07700900123|0"}, {"\r\n+CNUM: \"\",\"+447700900123\",145,,4\r\n\r\nOK\r\n", "0|+447700900123|0"},
         {"\r\n+CNUM: \"Data\",\"+111\",145,0,0\r\n+CNUM: \"Voice\",\"+222\",145,0,4\r\n\r\nOK\r\n", "0|+222|0"},
@@ -174,7 +172,7 @@ TEST_F(SystemUtilityTest, OwnNumberFollowsTheCnumRules) {
 
 TEST_F(SystemUtilityTest, DeviceStartStateReadsTheFuncAnswer) {
     // clang-format off
-    CheckReads(m_fake, At("AT+FUNC=5,?\r").WithTimeout(3000).WithPrefix("+FUNC:"), [this](int& state) { return m_system.GetDeviceStartState(state); }, {
+    CheckReads(fake, At("AT+FUNC=5,?\r").WithTimeout(3000).WithPrefix("+FUNC:"), [this](int& state) { return m_system.GetDeviceStartState(state); }, {
         {"\r\n+FUNC: 1\r\n\r\nOK\r\n", "0|1"}, {"AT+FUNC=5,?\r\r\n+FUNC:0\r\n\r\nOK\r\n", "0|0"}, {"\r\n+CREG: 1\r\n+FUNC: 2\r\n\r\nOK\r\n", "0|2"},
         {"\r\n+FUNC: \r\n\r\nOK\r\n", "1|-1"}, {"\r\nOK\r\n", "1|-1"}, {"\r\nERROR\r\n", "1|-1"}});
     // clang-format on

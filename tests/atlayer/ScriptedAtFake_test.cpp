@@ -34,12 +34,7 @@ TEST(ScriptedAtFake, DeviationsFailTheTest) {
         SCOPED_TRACE(row.name);
         ScriptedAtFake fake;
         row.script(fake);
-        EXPECT_NONFATAL_FAILURE(
-            {
-                row.run();
-                fake.VerifyDone();
-            },
-            row.message);
+        EXPECT_NONFATAL_FAILURE((row.run(), fake.VerifyDone()), row.message);
     }
 }
 

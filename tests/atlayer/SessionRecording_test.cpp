@@ -5,7 +5,7 @@
 
 #include "DebugSink.h"
 #include "SessionRecording.h"
-#include "SmsUtility.h"
+#include "SmsPduVectors.h"
 
 namespace {
 
@@ -58,16 +58,11 @@ TEST(SessionRecording, MaskingHidesPeopleAndKeepsTheLineReadable) {
         ASSERT_EQ(masked.size(), row.line.size());
         if (masked.back() == '\x1A')
             masked.pop_back();
-        const int serviceCentre = 1 + std::stoi(masked.substr(0, 2), nullptr, 16);
+        const int tpduLength =
+            static_cast<int>(masked.size() / 2) - 1 - std::stoi(masked.substr(0, 2), nullptr, 16);
         TPduData pdu;
-        ASSERT_EQ(CSmsUtility::DecodePduData(masked.c_str(),
-                                             static_cast<int>(masked.size() / 2) - serviceCentre, pdu),
-                  0)
-            << masked;
-        TMessageListItem item;
-        item.pduData = pdu;
-        TMsgPacket packet;
-        CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
+        ASSERT_EQ(CSmsUtility::DecodePduData(masked.c_str(), tpduLength, pdu), 0) << masked;
+        const TMsgPacket packet = sms_test::Packet(pdu);
         EXPECT_STREQ(packet.szNumber, row.number);
         EXPECT_EQ(packet.wstrContent, row.text);
     }

@@ -18,22 +18,16 @@ const Finals kCme = {"OK", "ERROR", "+CME ERROR"};
 const Finals kCms = {"OK", "+CMS ERROR", "ERROR"};
 const char* const kOk = ScriptedAtFake::kOk;
 
-class SmsCommandsTest : public ::testing::Test {
+class SmsCommandsTest : public FamilyTest<CSmsUtility> {
 protected:
-    void SetUp() override { m_sms.RegisterExecAT(ScriptedAtFake::Callback()); }
-
     void ExpectFormat(const char* value) {
-        m_fake.Expect("AT+CMGF?\r", std::string("\r\n+CMGF: ") + value + "\r\n\r\nOK\r\n")
-            .WithTimeout(1000)
-            .WithFinals(kCme);
+        Expect(fake, At("AT+CMGF?\r").WithTimeout(1000).WithFinals(kCme),
+               Answer(std::string("+CMGF: ") + value));
     }
-    void ExpectIra() { m_fake.Expect("AT+CSCS=\"IRA\"\r").WithTimeout(1000).WithFinals(kCme); }
+    void ExpectIra() { fake.Expect("AT+CSCS=\"IRA\"\r").WithTimeout(1000).WithFinals(kCme); }
     void ExpectStorages(const char* answer) {
-        m_fake.Expect("AT+CPMS?\r", answer).WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
+        fake.Expect("AT+CPMS?\r", answer).WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
     }
-
-    ScriptedAtFake m_fake;
-    CSmsUtility m_sms;
 };
 
 TEST_F(SmsCommandsTest, InitPassesOverRefusedOptionalSettings) {
@@ -51,7 +45,6 @@ TEST_F(SmsCommandsTest, InitPassesOverRefusedOptionalSettings) {
     };
     for (const auto& [script, result] : rows) {
         SCOPED_TRACE(script);
-        ScriptedAtFake fake;
         for (std::size_t i = 0; i < steps.size(); ++i) {
             if (script[i] == 'T')
                 fake.ExpectFailure(steps[i].command, 2);
@@ -61,21 +54,21 @@ TEST_F(SmsCommandsTest, InitPassesOverRefusedOptionalSettings) {
                     .WithoutPrefix()
                     .WithFinals(steps[i].finals);
         }
-        EXPECT_EQ(m_sms.Init(), result);
+        EXPECT_EQ(family.Init(), result);
         fake.VerifyDone();
     }
 }
 
 TEST_F(SmsCommandsTest, MessageFormatCodesAreTheInverseOfTheAtValues) {
-    m_fake.Expect("AT+CMGF=0\r");
-    EXPECT_EQ(m_sms.SetMessageFormat(1), 0);
-    m_fake.Expect("AT+CMGF=1\r");
-    EXPECT_EQ(m_sms.SetMessageFormat(0), 0);
-    EXPECT_EQ(m_sms.SetMessageFormat(2), 1);
-    m_fake.VerifyDone();
+    fake.Expect("AT+CMGF=0\r");
+    EXPECT_EQ(family.SetMessageFormat(1), 0);
+    fake.Expect("AT+CMGF=1\r");
+    EXPECT_EQ(family.SetMessageFormat(0), 0);
+    EXPECT_EQ(family.SetMessageFormat(2), 1);
+    fake.VerifyDone();
 
     // clang-format off
-    CheckReads(m_fake, At("AT+CMGF?\r"), [this](int& format) { return m_sms.GetMessageFormat(format); }, {
+    CheckReads(fake, At("AT+CMGF?\r"), [this](int& format) { return family.GetMessageFormat(format); }, {
         {"\r\n+CMGF: 0\r\n\r\nOK\r\n", "0|1"}, {"\r\n+CMGF: 1\r\n\r\nOK\r\n", "0|0"},
         {"AT+CMGF?\r\r\n+CMGF: 0\r\n\r\nOK\r\n", "0|1"}, // echo on
         {"\r\n+CMGF: 2\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CMGF: x\r\n\r\nOK\r\n", "1|-1"}, {"\r\nOK\r\n", "1|-1"}});
@@ -97,17 +90,17 @@ TEST_F(SmsCommandsTest, ServiceCentreNumberLengths) {
         std::snprintf(address.szNumber, sizeof address.szNumber, "%s", row.number);
         if (row.sent != nullptr) {
             ExpectIra();
-            m_fake.Expect(row.sent).WithTimeout(1000).WithFinals(kCme);
+            fake.Expect(row.sent).WithTimeout(1000).WithFinals(kCme);
         }
-        EXPECT_EQ(m_sms.SetServiceCentre(address),
+        EXPECT_EQ(family.SetServiceCentre(address),
                   row.sent != nullptr ? 0 : CSmsUtility::kErrNotAPhoneNumber);
-        m_fake.VerifyDone();
+        fake.VerifyDone();
     }
     // No character set, no number.
-    m_fake.Expect("AT+CSCS=\"IRA\"\r", "\r\nERROR\r\n");
+    fake.Expect("AT+CSCS=\"IRA\"\r", "\r\nERROR\r\n");
     TSmsAddress address;
     std::snprintf(address.szNumber, sizeof address.szNumber, "+3165");
-    EXPECT_EQ(m_sms.SetServiceCentre(address), 1);
+    EXPECT_EQ(family.SetServiceCentre(address), 1);
 }
 
 TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
@@ -127,24 +120,24 @@ TEST_F(SmsCommandsTest, ServiceCentreAnswers) {
     for (const auto& row : rows) {
         SCOPED_TRACE(ScriptedAtFake::Printable(row.answer));
         ExpectIra();
-        m_fake.Expect("AT+CSCA?\r", row.answer).WithTimeout(1000).WithFinals(kCme);
+        fake.Expect("AT+CSCA?\r", row.answer).WithTimeout(1000).WithFinals(kCme);
         TSmsAddress address;
-        EXPECT_EQ(m_sms.GetServiceCentre(address), row.result);
+        EXPECT_EQ(family.GetServiceCentre(address), row.result);
         EXPECT_STREQ(address.szNumber, row.number);
         if (row.result == 0) {
             ExpectIra();
-            m_fake.Expect("AT+CSCA?\r", row.answer);
+            fake.Expect("AT+CSCA?\r", row.answer);
             TMsgAddress centre;
-            ASSERT_EQ(m_sms.GetServiceCenterAddress(centre), 0);
+            ASSERT_EQ(family.GetServiceCenterAddress(centre), 0);
             EXPECT_STREQ(centre.szAddress, row.address);
             EXPECT_EQ(centre.nType, row.type);
         }
-        m_fake.VerifyDone();
+        fake.VerifyDone();
     }
     // No character set, no question.
-    m_fake.Expect("AT+CSCS=\"IRA\"\r", "\r\nERROR\r\n");
+    fake.Expect("AT+CSCS=\"IRA\"\r", "\r\nERROR\r\n");
     TSmsAddress address;
-    EXPECT_EQ(m_sms.GetServiceCentre(address), 1);
+    EXPECT_EQ(family.GetServiceCentre(address), 1);
 }
 
 TEST_F(SmsCommandsTest, PreferredStorages) {
@@ -153,11 +146,11 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
     const auto storages = At("AT+CPMS?\r").WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
     const auto memories = [this] {
         int mem1 = -1, mem2 = -1, mem3 = -1;
-        const int result = m_sms.GetPreferredMessageStorage(mem1, mem2, mem3);
+        const int result = family.GetPreferredMessageStorage(mem1, mem2, mem3);
         return Fields(result, mem1, mem2, mem3);
     };
     // clang-format off
-    CheckReads(m_fake, storages, memories, {
+    CheckReads(fake, storages, memories, {
         {kMeSmSm, "0|1|3|3"}, {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20\r\n\r\nOK\r\n", "1|-1|-1|-1"},
         {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",x,20\r\n\r\nOK\r\n", "1|-1|-1|-1"},
         {"\r\n+CPMS: \"ME\",0,100,\"SM\",3,20,\"SM\",3,20\r\n", "1|-1|-1|-1"}, {"\r\nOK\r\n", "1|-1|-1|-1"}});
@@ -175,41 +168,41 @@ TEST_F(SmsCommandsTest, PreferredStorages) {
         SCOPED_TRACE(row.storage);
         ExpectStorages(row.current);
         if (row.rewrite != nullptr)
-            m_fake.Expect(row.rewrite).WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
-        EXPECT_EQ(m_sms.SetPreferredStorage(row.storage), 0);
-        m_fake.VerifyDone();
+            fake.Expect(row.rewrite).WithTimeout(3000).WithPrefix("+CPMS").WithFinals(kCms);
+        EXPECT_EQ(family.SetPreferredStorage(row.storage), 0);
+        fake.VerifyDone();
     }
-    CheckReads(m_fake, storages, [this](int& storage) { return m_sms.GetPreferredStorage(storage); },
+    CheckReads(fake, storages, [this](int& storage) { return family.GetPreferredStorage(storage); },
                {{kMeSmSm, "0|1"}, {kMeMeMe, "0|2"}});
 
     // A failed exchange is 2 whatever the lower layer said; a refusal is 1.
-    m_fake.ExpectFailure("AT+CPMS=\"SM\",\"SM\",\"\"\r", 30);
-    EXPECT_EQ(m_sms.SetPreferredMessageStorage(3, 3, 6), 2);
-    m_fake.Expect("AT+CPMS=\"BM\",\"SR\",\"TA\"\r", "\r\n+CMS ERROR: 302\r\n");
-    EXPECT_EQ(m_sms.SetPreferredMessageStorage(0, 5, 4), 1);
+    fake.ExpectFailure("AT+CPMS=\"SM\",\"SM\",\"\"\r", 30);
+    EXPECT_EQ(family.SetPreferredMessageStorage(3, 3, 6), 2);
+    fake.Expect("AT+CPMS=\"BM\",\"SR\",\"TA\"\r", "\r\n+CMS ERROR: 302\r\n");
+    EXPECT_EQ(family.SetPreferredMessageStorage(0, 5, 4), 1);
 
     ExpectStorages(kMeSmSm);
-    m_fake.Expect("AT+CPMS=\"ME\",\"ME\",\"SM\"\r");
-    EXPECT_EQ(m_sms.SetMemoryOfWrite(1), 0);
+    fake.Expect("AT+CPMS=\"ME\",\"ME\",\"SM\"\r");
+    EXPECT_EQ(family.SetMemoryOfWrite(1), 0);
 }
 
 TEST_F(SmsCommandsTest, StorageState) {
-    m_fake.Expect("AT+CPMS=\"ME\"\r", Answer("+CPMS: 7,100,3,20,3,20")).WithTimeout(1000).WithFinals(kCms);
-    m_fake.Expect("AT+CPMS=\"SM\"\r", Answer("+CPMS: 3,20,7,100,3,20")).WithTimeout(1000).WithFinals(kCms);
+    fake.Expect("AT+CPMS=\"ME\"\r", Answer("+CPMS: 7,100,3,20,3,20")).WithTimeout(1000).WithFinals(kCms);
+    fake.Expect("AT+CPMS=\"SM\"\r", Answer("+CPMS: 3,20,7,100,3,20")).WithTimeout(1000).WithFinals(kCms);
     TSmsStorageState state;
-    ASSERT_EQ(m_sms.GetStorageState(state), 0);
+    ASSERT_EQ(family.GetStorageState(state), 0);
     EXPECT_EQ(Fields(state.nMeUsed, state.nMeTotal, state.nSimUsed, state.nSimTotal), "7|100|3|20");
 
-    m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7\r\n\r\nOK\r\n");
-    EXPECT_EQ(m_sms.GetStorageState(state), 1);
-    m_fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7,100,3,20,3,20\r\n\r\nOK\r\n");
-    m_fake.ExpectFailure("AT+CPMS=\"SM\"\r", 2);
-    EXPECT_EQ(m_sms.GetStorageState(state), 2);
+    fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7\r\n\r\nOK\r\n");
+    EXPECT_EQ(family.GetStorageState(state), 1);
+    fake.Expect("AT+CPMS=\"ME\"\r", "\r\n+CPMS: 7,100,3,20,3,20\r\n\r\nOK\r\n");
+    fake.ExpectFailure("AT+CPMS=\"SM\"\r", 2);
+    EXPECT_EQ(family.GetStorageState(state), 2);
     EXPECT_EQ(state.nMeUsed, 7);
 }
 
 TEST_F(SmsCommandsTest, DeleteRemovesATableItemOnlyWhenTheModemDidDelete) {
-    EXPECT_EQ(m_sms.Delete(42), 1);
+    EXPECT_EQ(family.Delete(42), 1);
     TMessageListItem item;
     item.nStorage = SMS_STORAGE_SIM;
     item.nIndex = 5;
@@ -217,13 +210,12 @@ TEST_F(SmsCommandsTest, DeleteRemovesATableItemOnlyWhenTheModemDidDelete) {
     ASSERT_EQ(CSmsUtility::DecodePduData(sms_test::kDecodeRows[2].hex, 28, item.pduData), 0); // "hellohello"
     bool added = false, deleted = false, replaced = false;
     uint32_t id = 0;
-    ASSERT_EQ(m_sms.AddMsgItemToListTable(item, added, id, deleted, replaced, false), 0);
+    ASSERT_EQ(family.AddMsgItemToListTable(item, added, id, deleted, replaced, false), 0);
 
     for (const auto& [answer, result, left] : {std::tuple{"\r\n+CMS ERROR: 321\r\n", 1, 1u}, {kOk, 0, 0u}}) {
-        m_fake.Expect("AT+CPMS=\"SM\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n");
-        m_fake.Expect("AT+CMGD=5\r", answer).WithTimeout(5000).WithFinals(kCms);
-        EXPECT_EQ(m_sms.Delete(static_cast<int>(id)), result);
-        EXPECT_EQ(m_sms.MessageTable().size(), left);
+        ExpectDeletion(fake, "SM", 5, answer);
+        EXPECT_EQ(family.Delete(static_cast<int>(id)), result);
+        EXPECT_EQ(family.MessageTable().size(), left);
     }
 }
 
@@ -241,25 +233,19 @@ protected:
         std::snprintf(reference, sizeof reference, "%02X", (encoded.data[1] + 1) & 0xFF);
         return std::string("0005") + reference + "0B911316325476F8000005E8329BFD06\x1A";
     }
-    static TSmsSendItem Hello() {
-        TSmsSendItem item;
-        std::snprintf(item.szNumber, sizeof item.szNumber, "+31612345678");
-        item.wstrContent = L"hello";
-        return item;
-    }
+    static TSmsSendItem Hello() { return sms_test::SendItem(L"hello", "+31612345678"); }
     void ExpectPrompt(const char* answer = "\r\n> ") {
-        m_fake.Expect("AT+CMGS=18\r", answer)
-            .WithTimeout(2000)
-            .WithoutPrefix()
-            .WithFinals({">", "+CMS ERROR", "ERROR"});
+        Expect(fake,
+               At("AT+CMGS=18\r").WithTimeout(2000).WithoutPrefix().WithFinals({">", "+CMS ERROR", "ERROR"}),
+               answer);
     }
 };
 
 TEST_F(SmsSendTest, TextModeSendsNothingAndSucceeds) {
     ExpectFormat("1");
-    EXPECT_EQ(m_sms.Send(Hello()), 0);
-    m_fake.Expect("AT+CMGF?\r", "\r\nERROR\r\n");
-    EXPECT_EQ(m_sms.Send(Hello()), 1);
+    EXPECT_EQ(family.Send(Hello()), 0);
+    fake.Expect("AT+CMGF?\r", "\r\nERROR\r\n");
+    EXPECT_EQ(family.Send(Hello()), 1);
 }
 
 TEST_F(SmsSendTest, OnlyNetworkError500IsRetriedOnce) {
@@ -278,10 +264,10 @@ TEST_F(SmsSendTest, OnlyNetworkError500IsRetriedOnce) {
         ExpectFormat("0");
         for (const char* answer : row.answers) {
             ExpectPrompt();
-            m_fake.Expect(pdu, answer);
+            fake.Expect(pdu, answer);
         }
-        EXPECT_EQ(m_sms.Send(Hello()), row.result);
-        m_fake.VerifyDone();
+        EXPECT_EQ(family.Send(Hello()), row.result);
+        fake.VerifyDone();
     }
 }
 
@@ -289,15 +275,15 @@ TEST_F(SmsSendTest, UnansweredPduIsAbortedWithEsc) {
     const std::string pdu = ExpectedPdu();
     ExpectFormat("0");
     ExpectPrompt();
-    m_fake.ExpectFailure(pdu, 2);
-    m_fake.Expect("\x1B").WithTimeout(1000).WithoutPrefix().WithFinals({"OK"});
-    EXPECT_EQ(m_sms.Send(Hello()), 2);
-    m_fake.VerifyDone();
+    fake.ExpectFailure(pdu, 2);
+    fake.Expect("\x1B").WithTimeout(1000).WithoutPrefix().WithFinals({"OK"});
+    EXPECT_EQ(family.Send(Hello()), 2);
+    fake.VerifyDone();
 
     // No prompt: the PDU is not sent.
     ExpectFormat("0");
     ExpectPrompt("\r\n+CMS ERROR: 302\r\n");
-    EXPECT_EQ(m_sms.Send(Hello()), 1);
+    EXPECT_EQ(family.Send(Hello()), 1);
 }
 
 } // namespace

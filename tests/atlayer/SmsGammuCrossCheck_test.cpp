@@ -80,12 +80,11 @@ std::vector<std::vector<std::string>> RunGammu(const std::vector<std::string>& p
 
 // Our decoding of one PDU in the form the script prints.
 std::vector<std::string> Ours(const std::string& hex, int tpduLength) {
-    TMessageListItem item;
-    if (CSmsUtility::DecodePduData(hex.c_str(), tpduLength, item.pduData) != 0)
+    TPduData pdu;
+    if (CSmsUtility::DecodePduData(hex.c_str(), tpduLength, pdu) != 0)
         return {"ERROR"};
-    TMsgPacket packet;
-    CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
-    const TTpduData& tpdu = item.pduData.tpdu;
+    const TMsgPacket packet = sms_test::Packet(pdu);
+    const TTpduData& tpdu = pdu.tpdu;
     const TMsgAddress& address = tpdu.nTpduType == SMS_TPDU_DELIVER  ? tpdu.deliver.originating
                                  : tpdu.nTpduType == SMS_TPDU_SUBMIT ? tpdu.submit.destination
                                                                      : tpdu.statusReport.recipient;
@@ -96,14 +95,9 @@ std::vector<std::string> Ours(const std::string& hex, int tpduLength) {
     const char* type = tpdu.nTpduType == SMS_TPDU_DELIVER  ? "Deliver"
                        : tpdu.nTpduType == SMS_TPDU_SUBMIT ? "Submit"
                                                            : "Status_Report";
-    char when[32] = "-";
-    if (tpdu.nTpduType != SMS_TPDU_SUBMIT) {
-        const TSmsDateTime& t = packet.dateTime;
-        std::snprintf(when, sizeof when, "%04d-%02d-%02d %02d:%02d:%02d", t.nYear, t.nMonth, t.nDay, t.nHour,
-                      t.nMinute, t.nSecond);
-    }
+    const std::string when = tpdu.nTpduType == SMS_TPDU_SUBMIT ? "-" : sms_test::Stamp(packet.dateTime);
     const bool concatenated = packet.bHasHeader != 0;
-    const std::string serviceCentre = item.pduData.serviceCentre.szAddress;
+    const std::string serviceCentre = pdu.serviceCentre.szAddress;
     return {type, Units(number), Units(packet.wstrContent),
             std::to_string(packet.nClass == kSmsNoClass ? -1 : packet.nClass),
             std::to_string(concatenated ? packet.nReference : -1),
@@ -131,12 +125,9 @@ TEST(SmsGammuCrossCheck, DecodesAsGammuDoes) {
     const std::wstring texts[] = {std::wstring(161, L'a'), L"Prices: 10€ {net} [gross] ~ ^ | \\",
                                   std::wstring(69, L'ж') + L"\U0001F600 ok", L"Olá, como estás?", L""};
     for (const std::wstring& text : texts) {
-        TSmsSendItem item;
-        std::strcpy(item.szNumber, "+4917012345678");
-        item.wstrContent = text;
         std::list<TTpduSubmit> segments;
         int encodeType = 0;
-        ASSERT_EQ(sms.PacketMsg(item, segments, encodeType), 0);
+        ASSERT_EQ(sms.PacketMsg(sms_test::SendItem(text), segments, encodeType), 0);
         for (const TTpduSubmit& segment : segments) {
             TProtocalTpduData tpdu;
             ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(segment, tpdu), 0);

@@ -10,7 +10,7 @@
 
 namespace {
 
-using at_test::Fields;
+using namespace at_test;
 
 // One stored SMS-DELIVER as AT+CMGL would list it.
 struct Stored {
@@ -53,12 +53,15 @@ TMessageListItem Deliver(const Stored& s) {
     return item;
 }
 
-// Adds without delete-on-read; returns the result and the table id.
-std::pair<int, uint32_t> Add(CSmsUtility& sms, const Stored& s, bool deleteOnRead = false) {
+// Adds one stored message. The flags go in as given, so that a row can show that each was written.
+struct Added {
     bool added = false, deleted = false, replaced = false;
     uint32_t id = 0;
-    const int result = sms.AddMsgItemToListTable(Deliver(s), added, id, deleted, replaced, deleteOnRead);
-    return {result, id};
+    int result = -1;
+};
+Added Add(CSmsUtility& sms, const Stored& s, bool deleteOnRead = false, Added a = {}) {
+    a.result = sms.AddMsgItemToListTable(Deliver(s), a.added, a.id, a.deleted, a.replaced, deleteOnRead);
+    return a;
 }
 
 std::vector<TSmsListItem> Merged(const std::list<CMsgListTableItem>& table) {
@@ -66,19 +69,6 @@ std::vector<TSmsListItem> Merged(const std::list<CMsgListTableItem>& table) {
     for (const CMsgListTableItem& item : table)
         CSmsUtility::MergePackets(item, merged.emplace_back());
     return merged;
-}
-
-// The storage selection and deletion of one stored message, as the table sends them.
-void ExpectDeletion(ScriptedAtFake& fake, const char* storage, int index,
-                    const char* answer = ScriptedAtFake::kOk) {
-    fake.Expect(std::string("AT+CPMS=\"") + storage + "\"\r", "\r\n+CPMS: 3,20,3,20,3,20\r\n\r\nOK\r\n")
-        .WithTimeout(3000)
-        .WithPrefix("+CPMS: ")
-        .WithFinals({"OK", "ERROR", "+CME ERROR"});
-    fake.Expect("AT+CMGD=" + std::to_string(index) + "\r", answer)
-        .WithTimeout(5000)
-        .WithoutPrefix()
-        .WithFinals({"OK", "+CMS ERROR", "ERROR"});
 }
 
 // Which segments join an existing message, which open another, and which are refused as duplicates.
@@ -99,22 +89,19 @@ TEST(SmsMessageTable, DuplicatesAndLookalikes) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         CSmsUtility sms;
-        ASSERT_EQ(Add(sms, first).first, 0);
-        bool added = true, deleted = true, replaced = true;
-        uint32_t id = 0;
-        EXPECT_EQ(sms.AddMsgItemToListTable(Deliver(row.segment), added, id, deleted, replaced, false),
-                  row.result);
-        EXPECT_EQ(Fields(added, deleted, replaced, sms.MessageTable().size()),
-                  Fields(row.result == 0, false, false, row.items));
+        ASSERT_EQ(Add(sms, first).result, 0);
+        const Added a = Add(sms, row.segment, false, {true, true, true});
+        EXPECT_EQ(Fields(a.result, a.added, a.deleted, a.replaced, sms.MessageTable().size()),
+                  Fields(row.result, row.result == 0, false, false, row.items));
         EXPECT_EQ(sms.MessageTable().front().packets.size(), row.items == 1 && row.result == 0 ? 2u : 1u);
     }
 
     // Single messages: the same index in the same storage is the same message.
     CSmsUtility sms;
-    EXPECT_EQ(Add(sms, {.index = 4}).first, 0);
-    EXPECT_EQ(Add(sms, {.index = 4, .text = L"other"}).first, 1);
-    EXPECT_EQ(Add(sms, {.storage = SMS_STORAGE_MODEM, .index = 4}).first, 0);
-    EXPECT_EQ(Add(sms, {.index = 5}).first, 0);
+    EXPECT_EQ(Add(sms, {.index = 4}).result, 0);
+    EXPECT_EQ(Add(sms, {.index = 4, .text = L"other"}).result, 1);
+    EXPECT_EQ(Add(sms, {.storage = SMS_STORAGE_MODEM, .index = 4}).result, 0);
+    EXPECT_EQ(Add(sms, {.index = 5}).result, 0);
     EXPECT_EQ(sms.MessageTable().size(), 3u);
     const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
     EXPECT_EQ(Fields(merged[0].nCompleted, merged[0].nExpected, merged[0].nTotal), "1|1|1");
@@ -139,19 +126,15 @@ TEST(SmsMessageTable, ReplaceMessages) {
         SCOPED_TRACE(row.what);
         CSmsUtility sms;
         sms.RegisterExecAT(ScriptedAtFake::Callback());
-        const uint32_t oldId = Add(sms, old).second;
+        const uint32_t oldId = Add(sms, old).id;
         ScriptedAtFake fake;
         if (row.deletes)
             ExpectDeletion(fake, "SM", 3, row.deleteAnswer);
-        bool added = false, deleted = true, replaced = false;
-        uint32_t id = 0;
-        ASSERT_EQ(
-            sms.AddMsgItemToListTable(Deliver(row.incoming), added, id, deleted, replaced, row.deleteOnRead),
-            0);
-        EXPECT_EQ(Fields(added, deleted, replaced), Fields(true, false, row.replaced));
+        const Added a = Add(sms, row.incoming, row.deleteOnRead, {.deleted = true});
+        EXPECT_EQ(Fields(a.result, a.added, a.deleted, a.replaced), Fields(0, true, false, row.replaced));
         const std::vector<TSmsListItem> merged = Merged(sms.MessageTable());
         if (row.replaced) {
-            EXPECT_EQ(id, oldId);
+            EXPECT_EQ(a.id, oldId);
             ASSERT_EQ(merged.size(), 1u);
             EXPECT_EQ(
                 Fields(merged[0].wstrContent, merged[0].nTag, merged[0].dateTime.nDay, merged[0].nCompleted),
@@ -159,7 +142,7 @@ TEST(SmsMessageTable, ReplaceMessages) {
             ASSERT_EQ(sms.MessageTable().front().packets.size(), 1u);
             EXPECT_EQ(sms.MessageTable().front().packets.front().nIndex, 4u);
         } else {
-            EXPECT_NE(id, oldId);
+            EXPECT_NE(a.id, oldId);
             ASSERT_EQ(merged.size(), 2u);
             EXPECT_EQ(Fields(merged[0].wstrContent, merged[1].wstrContent), Fields(L"old", L"new"));
         }
@@ -189,15 +172,12 @@ TEST(SmsMessageTable, FlashMessages) {
             ExpectDeletion(fake, "ME", 7);
         else if (row.deletion > 0)
             fake.ExpectFailure("AT+CPMS=\"ME\"\r", row.deletion);
-        bool added = false, deleted = !row.deleted, replaced = false;
-        uint32_t id = 0;
-        ASSERT_EQ(
-            sms.AddMsgItemToListTable(Deliver(row.message), added, id, deleted, replaced, row.deleteOnRead),
-            0);
+        const Added a = Add(sms, row.message, row.deleteOnRead, {.deleted = !row.deleted});
+        ASSERT_EQ(a.result, 0);
         const auto& table = row.deleted ? sms.DeletedTable() : sms.MessageTable();
-        EXPECT_EQ(Fields(deleted, sms.DeletedTable().size(), sms.MessageTable().size(), table.front().nId,
+        EXPECT_EQ(Fields(a.deleted, sms.DeletedTable().size(), sms.MessageTable().size(), table.front().nId,
                          table.front().nClass),
-                  Fields(row.deleted, row.deleted ? 1 : 0, row.deleted ? 0 : 1, id, 0));
+                  Fields(row.deleted, row.deleted ? 1 : 0, row.deleted ? 0 : 1, a.id, 0));
     }
 }
 
@@ -225,10 +205,8 @@ TEST(SmsMessageTable, DataMessagesAreDeletedNotListed) {
         ScriptedAtFake fake;
         if (data.storage == SMS_STORAGE_SIM)
             ExpectDeletion(fake, "SM", 12);
-        bool added = true, deleted = false, replaced = false;
-        uint32_t id = 0;
-        EXPECT_EQ(sms.AddMsgItemToListTable(Deliver(data), added, id, deleted, replaced, false), 0);
-        EXPECT_FALSE(added);
+        const Added a = Add(sms, data, false, {.added = true});
+        EXPECT_EQ(Fields(a.result, a.added), "0|0");
     }
     EXPECT_EQ(Fields(pc.imsi, pc.indexes, sms.MessageTable().size(), sms.DeletedTable().size()),
               Fields("262011234567890", std::vector<int>{9}, 0, 0));

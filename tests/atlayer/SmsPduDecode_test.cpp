@@ -13,7 +13,9 @@ namespace {
 using at_test::Fields;
 using at_test::FromHex;
 using sms_test::kDecodeRows;
+using sms_test::Packet;
 using sms_test::PduRow;
+using sms_test::Stamp;
 
 TEST(SmsPduDecode, RealPdusDecodeToTheirFields) {
     for (const PduRow& row : kDecodeRows) {
@@ -22,20 +24,13 @@ TEST(SmsPduDecode, RealPdusDecodeToTheirFields) {
         ASSERT_EQ(CSmsUtility::DecodePduData(row.hex, row.tpduLength, pdu), 0);
         EXPECT_EQ(Fields(pdu.tpdu.nTpduType, pdu.serviceCentre.szAddress, pdu.serviceCentre.nType),
                   Fields(row.type, row.serviceCentre, row.serviceCentreType));
-        TMessageListItem item;
-        item.pduData = pdu;
-        TMsgPacket packet;
-        CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
+        const TMsgPacket packet = Packet(pdu);
         EXPECT_EQ(packet.wstrContent, row.text);
         EXPECT_EQ(
             Fields(packet.szNumber, packet.nClass, packet.bHasHeader, packet.nReference, packet.nTotal,
                    packet.nSequence),
             Fields(row.number, row.messageClass, row.total != 0, row.reference, row.total, row.sequence));
-        const TSmsDateTime& t = packet.dateTime;
-        char stamp[32];
-        std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d", t.nYear, t.nMonth, t.nDay,
-                      t.nHour, t.nMinute, t.nSecond);
-        EXPECT_EQ(row.type == SMS_TPDU_SUBMIT ? row.time : stamp, std::string(row.time));
+        EXPECT_EQ(row.type == SMS_TPDU_SUBMIT ? row.time : Stamp(packet.dateTime), std::string(row.time));
     }
 }
 
@@ -184,9 +179,7 @@ TEST(SmsPduDecode, TimeStampsAreRepairedAndZonesSigned) {
         EXPECT_EQ(used, 7);
         TSmsDateTime t;
         CSmsUtility::TMsgTimeStampToTSmsDateTime(stamp, t);
-        EXPECT_EQ(std::memcmp(&t, &row.expected, sizeof t), 0)
-            << t.nYear << "-" << int(t.nMonth) << "-" << int(t.nDay) << " " << int(t.nHour) << ":"
-            << int(t.nMinute) << ":" << int(t.nSecond);
+        EXPECT_EQ(Fields(Stamp(t), t.bValid), Fields(Stamp(row.expected), row.expected.bValid));
         EXPECT_EQ(stamp.nTimeZone, row.zone);
     }
 }
@@ -370,11 +363,7 @@ TEST(SmsPduDecode, TruncatedAndMislabelledPdusStayInBounds) {
                 const int result = CSmsUtility::DecodePduData(changed.c_str(), row.tpduLength, pdu);
                 EXPECT_TRUE(result == 0 || result == 1);
                 if (result == 0) {
-                    TMessageListItem item;
-                    item.pduData = pdu;
-                    TMsgPacket packet;
-                    CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
-                    EXPECT_LT(std::strlen(packet.szNumber), static_cast<std::size_t>(kSmsNumberSize));
+                    EXPECT_LT(std::strlen(Packet(pdu).szNumber), static_cast<std::size_t>(kSmsNumberSize));
                 }
             }
         }

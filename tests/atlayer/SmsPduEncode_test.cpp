@@ -30,8 +30,7 @@ TEST(SmsPduEncode, SubmitOctets) {
     submit.userData.nLength = 5;
     std::memcpy(submit.userData.data, "hello", 5);
 
-    TProtocalTpduData first;
-    TProtocalTpduData second;
+    TProtocalTpduData first, second;
     ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(submit, first), 0);
     ASSERT_EQ(CSmsUtility::EncodeTpduSubmit(submit, second), 0);
     // RD and VPF 2; TP-MR; "+46708251358"; PID, DCS; 12 hours; "hello" packed.
@@ -118,9 +117,7 @@ TEST(SmsPduEncode, RelativeTimeKeepsItsRounding) {
     };
     // clang-format on
     for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << std::hex << int(row.period.nYear) << "y " << int(row.period.nMonth)
-                                        << "m " << int(row.period.nDay) << "d " << int(row.period.nHour)
-                                        << "h " << int(row.period.nMinute) << "min");
+        SCOPED_TRACE(testing::PrintToString(row.period)); // its octets: BCD years first
         EXPECT_EQ(CSmsUtility::EncodeRelativeTime(row.period), row.vp);
     }
 }
@@ -136,8 +133,7 @@ TEST(SmsPduEncode, ValidPeriodSettingsAsSent) {
     };
     // clang-format on
     for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << int(row.setting.bWeek) << "w " << int(row.setting.bDay) << "d "
-                                        << int(row.setting.bHour) << "h");
+        SCOPED_TRACE(at_test::Fields(row.setting.bWeek, row.setting.bDay, row.setting.bHour));
         TMsgTimeStamp period;
         CSmsUtility::TSmsValidPeriodToTMsgTimeStamp(row.setting, period);
         EXPECT_EQ(CSmsUtility::EncodeRelativeTime(period), row.vp);
@@ -199,13 +195,6 @@ TEST(SmsPduEncode, UserDataLengthLimits) {
 
 // Splitting a text into submits.
 
-TSmsSendItem Item(const std::wstring& text, const char* number = "+4917012345678") {
-    TSmsSendItem item;
-    std::strcpy(item.szNumber, number);
-    item.wstrContent = text;
-    return item;
-}
-
 std::vector<TTpduSubmit> Split(CSmsUtility& sms, const TSmsSendItem& item, int& encodeType) {
     std::list<TTpduSubmit> segments;
     EXPECT_EQ(sms.PacketMsg(item, segments, encodeType), 0);
@@ -234,7 +223,7 @@ TEST(SmsPacketMsg, SplitsAtTheLimitsAndRoundTrips) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         int encodeType = -1;
-        const std::vector<TTpduSubmit> segments = Split(sms, Item(row.text), encodeType);
+        const std::vector<TTpduSubmit> segments = Split(sms, sms_test::SendItem(row.text), encodeType);
         EXPECT_EQ(encodeType, row.encodeType);
         ASSERT_EQ(segments.size(), row.lengths.size());
         std::wstring joined;
@@ -276,7 +265,7 @@ TEST(SmsPacketMsg, StatusReportOnTheNextToLastSegment) {
         CSmsUtility sms;
         sms.EnableStatusReport(row.enabled);
         int encodeType = -1;
-        const std::vector<TTpduSubmit> segments = Split(sms, Item(row.text), encodeType);
+        const std::vector<TTpduSubmit> segments = Split(sms, sms_test::SendItem(row.text), encodeType);
         std::vector<int> requested;
         for (const TTpduSubmit& segment : segments)
             requested.push_back(segment.bStatusReportRequest);
@@ -298,7 +287,7 @@ TEST(SmsPacketMsg, LatinReplacement) {
         CSmsUtility sms;
         sms.SetLatinSupport(row.latin);
         int encodeType = -1;
-        const std::vector<TTpduSubmit> segments = Split(sms, Item(row.text), encodeType);
+        const std::vector<TTpduSubmit> segments = Split(sms, sms_test::SendItem(row.text), encodeType);
         ASSERT_EQ(segments.size(), 1u);
         EXPECT_EQ(encodeType, row.encodeType);
         std::wstring text;

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 #include "SmsPduTypes.h"
+#include "SmsUtility.h"
 
 // PDUs as modems print them after "+CMGR:"/"+CMGL:", from phones and networks in the field, with what
 // they hold. Shared by the decoder tests and the cross-check against an independent decoder.
@@ -48,6 +50,31 @@ inline const PduRow kDecodeRows[] = {
     {"status report with TP-PI, TP-UDL and text", "07914356060013F1065A098136397339F72190117004638021901170046380300405E8329BFD06", 31, SMS_TPDU_STATUS_REPORT, "34656000311", 1, "639337937", L"hello", 4, 0, 0, 0, "2012-09-11 07:40:36"},
 };
 // clang-format on
+
+// A text to send to a number, as the business layer hands it over.
+inline TSmsSendItem SendItem(const std::wstring& text, const char* number = "+4917012345678") {
+    TSmsSendItem item;
+    std::snprintf(item.szNumber, sizeof item.szNumber, "%s", number);
+    item.wstrContent = text;
+    return item;
+}
+
+// A decoded PDU as the message list shows it.
+inline TMsgPacket Packet(const TPduData& pdu) {
+    TMessageListItem item;
+    item.pduData = pdu;
+    TMsgPacket packet;
+    CSmsUtility::TMessageListItemToTMsgPacket(item, packet);
+    return packet;
+}
+
+// "2011-01-01 12:34:56"
+inline std::string Stamp(const TSmsDateTime& t) {
+    char stamp[32];
+    std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d", t.nYear, t.nMonth, t.nDay, t.nHour,
+                  t.nMinute, t.nSecond);
+    return stamp;
+}
 
 // The text as UCS2 carries it: characters beyond U+FFFF as surrogate pairs.
 inline std::wstring Utf16(const std::wstring& text) {

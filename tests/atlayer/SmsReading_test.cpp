@@ -10,9 +10,7 @@
 
 namespace {
 
-using at_test::Fields;
-
-const char* const kOk = ScriptedAtFake::kOk;
+using namespace at_test;
 
 // Real PDUs (SmsPduVectors.h): "hellohello" from +18005551212, 2011-01-01 12:34:56; a message in two segments
 // (8-bit reference 0x4C); a delivery report for 639337937.
@@ -86,56 +84,48 @@ struct Claim {
     }
 };
 
-class SmsReadingTest : public ::testing::Test {
+class SmsReadingTest : public FamilyTest<CSmsUtility> {
 protected:
     void SetUp() override {
-        m_sms.RegisterExecAT(ScriptedAtFake::Callback());
-        m_sms.SetIMSI("001010123456789");
+        FamilyTest::SetUp();
+        family.SetIMSI("001010123456789");
     }
 
     void ExpectSelect(const char* storage) {
-        m_fake.Expect(std::string("AT+CPMS=\"") + storage + "\"\r", "\r\n+CPMS: 1,20,1,20,1,20\r\n\r\nOK\r\n")
-            .WithTimeout(3000)
-            .WithPrefix("+CPMS: ");
+        Expect(fake, At(std::string("AT+CPMS=\"") + storage + "\"\r").WithTimeout(3000).WithPrefix("+CPMS: "),
+               Answer("+CPMS: 1,20,1,20,1,20"));
     }
-    void ExpectPduMode() { m_fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 0\r\n\r\nOK\r\n"); }
+    void ExpectPduMode() { fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 0\r\n\r\nOK\r\n"); }
     void ExpectList(const char* storage, const std::string& blocks) {
         ExpectSelect(storage);
         ExpectPduMode();
-        m_fake.Expect("AT+CMGL=4\r", blocks + "\r\n\r\nOK\r\n")
-            .WithTimeout(30000)
-            .WithoutPrefix()
-            .WithFinals({"OK", "ERROR", "+CMS ERROR"});
+        Expect(fake,
+               At("AT+CMGL=4\r").WithTimeout(30000).WithoutPrefix().WithFinals({"OK", "ERROR", "+CMS ERROR"}),
+               blocks + "\r\n\r\nOK\r\n");
     }
     void ExpectRead(const char* storage, int index, const std::string& answer) {
         ExpectSelect(storage);
         ExpectPduMode();
-        m_fake.Expect("AT+CSCS=\"IRA\"\r");
-        m_fake.Expect("AT+CMGR=" + std::to_string(index) + "\r", answer)
-            .WithTimeout(3000)
-            .WithPrefix("+CMGR: ")
-            .WithFinals({"OK", "+CMS ERROR", "ERROR"});
-    }
-    void ExpectDelete(const char* storage, int index) {
-        ExpectSelect(storage);
-        m_fake.Expect("AT+CMGD=" + std::to_string(index) + "\r");
+        fake.Expect("AT+CSCS=\"IRA\"\r");
+        const std::string read = "AT+CMGR=" + std::to_string(index) + "\r";
+        Expect(fake,
+               At(read).WithTimeout(3000).WithPrefix("+CMGR: ").WithFinals({"OK", "+CMS ERROR", "ERROR"}),
+               answer);
     }
     void InitEmpty() {
         ExpectList("SM", "");
         ExpectList("ME", "");
         std::list<TSmsListItem> items;
-        ASSERT_EQ(m_sms.GetList(items), 0);
+        ASSERT_EQ(family.GetList(items), 0);
         ASSERT_TRUE(items.empty());
-        m_fake.VerifyDone();
+        fake.VerifyDone();
     }
     void EnableStore(int preferred, const char* storages) {
-        m_sms.RegisterPCCallback(&m_store, &PcStore::List, &PcStore::Save, &PcStore::Delete, 1);
-        m_fake.Expect("AT+CPMS?\r", storages);
-        ASSERT_EQ(m_sms.SetPreferredStorage(preferred), 0);
+        family.RegisterPCCallback(&m_store, &PcStore::List, &PcStore::Save, &PcStore::Delete, 1);
+        fake.Expect("AT+CPMS?\r", storages);
+        ASSERT_EQ(family.SetPreferredStorage(preferred), 0);
     }
 
-    ScriptedAtFake m_fake;
-    CSmsUtility m_sms;
     PcStore m_store;
 };
 
@@ -172,31 +162,31 @@ TEST_F(SmsReadingTest, ListsSimThenModemMemoryAndMergesSegments) {
     ExpectList("SM", CmglBlock(1, 1, 28, kHello));
     ExpectList("ME", CmglBlock(3, 1, 63, kPart2) + CmglBlock(2, 0, 159, kPart1));
     std::list<TSmsListItem> items;
-    ASSERT_EQ(m_sms.GetList(items), 0);
+    ASSERT_EQ(family.GetList(items), 0);
     ASSERT_EQ(items.size(), 2u);
     const TSmsListItem &first = items.front(), &last = items.back();
     EXPECT_EQ(Fields(first.nStoreIn, first.wstrContent, first.szNumber, last.nStoreIn, last.wstrContent,
                      last.nCompleted, last.nTag),
               Fields(SMS_STORAGE_SIM, L"hellohello", "+18005551212", SMS_STORAGE_MODEM, kPartsText, 1,
                      SMS_STATUS_UNREAD));
-    m_fake.VerifyDone();
+    fake.VerifyDone();
 
     // A refused listing leaves nothing listed and no table for reports.
     ExpectSelect("SM");
     ExpectPduMode();
-    m_fake.Expect("AT+CMGL=4\r", "\r\n+CMS ERROR: 310\r\n");
-    EXPECT_EQ(m_sms.GetList(items), 1);
+    fake.Expect("AT+CMGL=4\r", "\r\n+CMS ERROR: 310\r\n");
+    EXPECT_EQ(family.GetList(items), 1);
     EXPECT_TRUE(items.empty());
     TSmsListItem item;
     int kind = -1;
-    EXPECT_EQ(m_sms.Receive("+CMTI: \"SM\",3", item, kind), 1);
+    EXPECT_EQ(family.Receive("+CMTI: \"SM\",3", item, kind), 1);
 
     // Text mode lists nothing and succeeds.
     ExpectSelect("SM");
-    m_fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 1\r\n\r\nOK\r\n");
+    fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 1\r\n\r\nOK\r\n");
     ExpectSelect("ME");
-    m_fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 1\r\n\r\nOK\r\n");
-    EXPECT_EQ(m_sms.GetList(items), 0);
+    fake.Expect("AT+CMGF?\r", "\r\n+CMGF: 1\r\n\r\nOK\r\n");
+    EXPECT_EQ(family.GetList(items), 0);
     EXPECT_TRUE(items.empty());
 }
 
@@ -204,54 +194,54 @@ TEST_F(SmsReadingTest, InitListKeepsOnlyTheNewestReplaceMessage) {
     ExpectList("SM", CmglBlock(1, 1, 28, kReplaceNew) + CmglBlock(2, 1, 28, kReplaceOld) +
                          CmglBlock(3, 1, 28, kHello));
     ExpectList("ME", CmglBlock(4, 1, 28, kReplaceOld));
-    ExpectDelete("SM", 2);
-    ExpectDelete("ME", 4);
+    ExpectDeletion(fake, "SM", 2);
+    ExpectDeletion(fake, "ME", 4);
     std::list<TSmsListItem> items;
-    ASSERT_EQ(m_sms.GetList(items), 0);
+    ASSERT_EQ(family.GetList(items), 0);
     ASSERT_EQ(items.size(), 2u);
-    EXPECT_EQ(m_sms.MessageTable().front().packets.front().nIndex, 1u);
-    EXPECT_EQ(m_sms.MessageTable().back().packets.front().nIndex, 3u);
+    EXPECT_EQ(family.MessageTable().front().packets.front().nIndex, 1u);
+    EXPECT_EQ(family.MessageTable().back().packets.front().nIndex, 3u);
 }
 
 TEST_F(SmsReadingTest, ReportsReadTheAnnouncedMessage) {
     InitEmpty();
     TSmsListItem item;
     int kind = -1;
-    const std::size_t sent = m_fake.Calls().size();
+    const std::size_t sent = fake.Calls().size();
     for (const char* ignored :
          {"+CMTI: \"XY\",3", "+CMTI: \"SMS\",3", "+CMTI: SM,3", "+CMTI: \"SM\",", "RING"})
-        EXPECT_EQ(m_sms.Receive(ignored, item, kind), 1) << ignored;
-    EXPECT_EQ(m_fake.Calls().size(), sent);
+        EXPECT_EQ(family.Receive(ignored, item, kind), 1) << ignored;
+    EXPECT_EQ(fake.Calls().size(), sent);
 
     ExpectRead("SM", 3, Cmgr(0, 28, kHello));
-    ASSERT_EQ(m_sms.Receive("+CMTI: \"SM\",3", item, kind), 0);
+    ASSERT_EQ(family.Receive("+CMTI: \"SM\",3", item, kind), 0);
     EXPECT_EQ(Fields(kind, item.nStoreIn, item.wstrContent), Fields(0, SMS_STORAGE_SIM, L"hellohello"));
-    ASSERT_EQ(m_sms.MessageTable().size(), 1u);
-    EXPECT_EQ(m_sms.MessageTable().front().packets.front().nIndex, 3u);
+    ASSERT_EQ(family.MessageTable().size(), 1u);
+    EXPECT_EQ(family.MessageTable().front().packets.front().nIndex, 3u);
 
     // A delivery report comes back whole and stays out of the table.
     ExpectRead("SR", 1, Cmgr(0, 24, kReport));
-    ASSERT_EQ(m_sms.Receive("+CDSI: \"SR\",1", item, kind), 0);
-    EXPECT_EQ(Fields(item.nRef, item.nCompleted, item.nType, item.szNumber, m_sms.MessageTable().size()),
+    ASSERT_EQ(family.Receive("+CDSI: \"SR\",1", item, kind), 0);
+    EXPECT_EQ(Fields(item.nRef, item.nCompleted, item.nType, item.szNumber, family.MessageTable().size()),
               Fields(0, 1, SMS_TPDU_STATUS_REPORT, "639337937", 1));
 
     // Segments: the first says 1, a later one 2; the last completes the message.
     ExpectRead("ME", 5, Cmgr(0, 63, kPart2));
-    ASSERT_EQ(m_sms.Receive("+CMTI: \"ME\",5", item, kind), 0);
+    ASSERT_EQ(family.Receive("+CMTI: \"ME\",5", item, kind), 0);
     EXPECT_EQ(Fields(kind, item.nCompleted), "1|0");
     ExpectRead("ME", 4, Cmgr(0, 159, kPart1));
-    ASSERT_EQ(m_sms.Receive("+CMTI: \"ME\",4", item, kind), 0);
+    ASSERT_EQ(family.Receive("+CMTI: \"ME\",4", item, kind), 0);
     EXPECT_EQ(Fields(kind, item.nCompleted, item.wstrContent), Fields(2, 1, kPartsText));
 
     // The same stored message announced twice is a duplicate.
     ExpectRead("SM", 3, Cmgr(0, 28, kHello));
-    EXPECT_EQ(m_sms.Receive("+CMTI: \"SM\",3", item, kind), 1);
+    EXPECT_EQ(family.Receive("+CMTI: \"SM\",3", item, kind), 1);
     // A newer replace message takes the older one's place.
     ExpectRead("SM", 6, Cmgr(0, 28, kReplaceOld));
-    ASSERT_EQ(m_sms.Receive("+CMTI: \"SM\",6", item, kind), 0);
+    ASSERT_EQ(family.Receive("+CMTI: \"SM\",6", item, kind), 0);
     ExpectRead("SM", 7, Cmgr(0, 28, kReplaceNew));
-    ExpectDelete("SM", 6);
-    ASSERT_EQ(m_sms.Receive("+CMTI: \"SM\",7", item, kind), 0);
+    ExpectDeletion(fake, "SM", 6);
+    ASSERT_EQ(family.Receive("+CMTI: \"SM\",7", item, kind), 0);
     EXPECT_EQ(kind, 3);
 }
 
@@ -273,28 +263,28 @@ TEST_P(SmsMoveTest, NewMessageMovesOutOfTheModemMemory) {
     EXPECT_EQ(m_store.listCalls, 1);
 
     ExpectRead("ME", 2, Cmgr(0, 28, kHello));
-    m_fake.Expect("AT+CPMS?\r", storages);
-    m_fake.Expect("AT+CPMS=\"ME\",\"SM\",\"SM\"\r");
-    m_fake.Expect("AT+CMGW=28,1\r", "\r\n> ").WithTimeout(2000).WithFinals({">", "+CMS ERROR", "ERROR"});
-    m_fake.Expect(std::string(kHello) + "\x1A", row.written).WithTimeout(10000).WithPrefix("+CMGW: ");
+    fake.Expect("AT+CPMS?\r", storages);
+    fake.Expect("AT+CPMS=\"ME\",\"SM\",\"SM\"\r");
+    fake.Expect("AT+CMGW=28,1\r", "\r\n> ").WithTimeout(2000).WithFinals({">", "+CMS ERROR", "ERROR"});
+    fake.Expect(std::string(kHello) + "\x1A", row.written).WithTimeout(10000).WithPrefix("+CMGW: ");
     ExpectSelect("ME");
     if (row.deletes)
-        m_fake.Expect("AT+CMGD=2\r");
+        fake.Expect("AT+CMGD=2\r");
     TSmsListItem item;
     int kind = -1;
-    ASSERT_EQ(m_sms.Receive("+CMTI: \"ME\",2", item, kind), 0);
-    m_fake.VerifyDone();
+    ASSERT_EQ(family.Receive("+CMTI: \"ME\",2", item, kind), 0);
+    fake.VerifyDone();
     EXPECT_EQ(Fields(item.nStoreIn, item.wstrContent), Fields(row.storage, L"hellohello"));
     if (row.storage == SMS_STORAGE_PC) {
         ASSERT_EQ(m_store.records.size(), 1u);
         EXPECT_EQ(Fields(m_store.records.front().strPdu, m_store.records.front().nPduLen),
                   Fields(kHello, 28));
         // Deleting it goes to the computer-side store.
-        EXPECT_EQ(m_sms.Delete(item.nRef), 0);
+        EXPECT_EQ(family.Delete(item.nRef), 0);
     }
     EXPECT_TRUE(m_store.records.empty());
     if (row.storage == SMS_STORAGE_SIM) {
-        EXPECT_EQ(m_sms.MessageTable().front().packets.front().nIndex, 7u);
+        EXPECT_EQ(family.MessageTable().front().packets.front().nIndex, 7u);
     }
 }
 // clang-format off
@@ -311,19 +301,19 @@ TEST_F(SmsReadingTest, ComputerSideStoreIsListedLastAndReadOnce) {
     m_store.nextIndex = 6;
     ExpectList("SM", CmglBlock(1, 1, 63, kPart2));
     ExpectList("ME", CmglBlock(2, 0, 28, kReplaceOld));
-    ExpectDelete("ME", 2);
+    ExpectDeletion(fake, "ME", 2);
     std::list<TSmsListItem> items;
-    ASSERT_EQ(m_sms.GetList(items), 0);
+    ASSERT_EQ(family.GetList(items), 0);
     std::vector<int> storages;
     for (const TSmsListItem& item : items)
         storages.push_back(item.nStoreIn);
     EXPECT_EQ(storages, (std::vector<int>{SMS_STORAGE_SIM, SMS_STORAGE_PC, SMS_STORAGE_PC}));
     EXPECT_EQ(m_store.records.size(), 2u);
-    m_fake.VerifyDone();
+    fake.VerifyDone();
 
     ExpectList("SM", "");
     ExpectList("ME", "");
-    ASSERT_EQ(m_sms.GetList(items), 0);
+    ASSERT_EQ(family.GetList(items), 0);
     EXPECT_EQ(m_store.listCalls, 1);
     ASSERT_EQ(items.size(), 2u);
     for (const TSmsListItem& item : items) {
@@ -331,7 +321,7 @@ TEST_F(SmsReadingTest, ComputerSideStoreIsListedLastAndReadOnce) {
         EXPECT_EQ(item.nTag, static_cast<int>(SMS_STATUS_READ));
     }
     std::list<TSmsListItem> pc;
-    EXPECT_EQ(m_sms.GetIncomingSMSInPC(pc), 0);
+    EXPECT_EQ(family.GetIncomingSMSInPC(pc), 0);
     EXPECT_EQ(pc.size(), 2u);
 }
 
@@ -339,32 +329,32 @@ TEST_F(SmsReadingTest, FilterClaimsMessages) {
     Claim claim;
     claim.result = 7;
     claim.deleteMessage = true;
-    m_sms.RegisterSMSFilter(&Claim::Filter, &Claim::Notify, &claim, &claim);
+    family.RegisterSMSFilter(&Claim::Filter, &Claim::Notify, &claim, &claim);
 
     ExpectList("SM", CmglBlock(1, 1, 28, kHello) + CmglBlock(2, 1, 63, kPart2));
     ExpectList("ME", "");
-    ExpectDelete("SM", 1);
+    ExpectDeletion(fake, "SM", 1);
     std::list<TSmsListItem> items;
-    ASSERT_EQ(m_sms.GetList(items), 0);
+    ASSERT_EQ(family.GetList(items), 0);
     ASSERT_EQ(items.size(), 1u); // the incomplete message is not offered
     EXPECT_EQ(items.front().nCompleted, 0);
     EXPECT_EQ(claim.number, L"+18005551212");
-    ASSERT_EQ(m_sms.MessageTable().size(), 1u);
+    ASSERT_EQ(family.MessageTable().size(), 1u);
 
     TSmsListItem item;
     int kind = -1;
     ExpectRead("SM", 3, Cmgr(0, 28, kHello));
-    ExpectDelete("SM", 3);
-    EXPECT_EQ(m_sms.Receive("+CMTI: \"SM\",3", item, kind), 1);
-    EXPECT_EQ(m_sms.MessageTable().size(), 1u);
+    ExpectDeletion(fake, "SM", 3);
+    EXPECT_EQ(family.Receive("+CMTI: \"SM\",3", item, kind), 1);
+    EXPECT_EQ(family.MessageTable().size(), 1u);
     EXPECT_EQ(claim.notified, 0);
 
     claim.deleteMessage = false;
     ExpectRead("SM", 4, Cmgr(0, 28, kHello));
-    ASSERT_EQ(m_sms.Receive("+CMTI: \"SM\",4", item, kind), 0);
+    ASSERT_EQ(family.Receive("+CMTI: \"SM\",4", item, kind), 0);
     EXPECT_EQ(claim.notified, 7);
     EXPECT_EQ(claim.notifiedName, L"Account");
-    EXPECT_EQ(m_sms.MessageTable().size(), 2u);
+    EXPECT_EQ(family.MessageTable().size(), 2u);
 }
 
 } // namespace

@@ -26,22 +26,17 @@ ScriptedAtFake::Step Cusd(const std::string& command, int timeoutMs) {
     return At(command).WithTimeout(timeoutMs).WithoutPrefix().WithFinals(kCusdFinals);
 }
 
-class UssdUtilityTest : public ::testing::Test {
+class UssdUtilityTest : public FamilyTest<CUssdUility> {
 protected:
-    void SetUp() override { m_ussd.RegisterExecAT(ScriptedAtFake::Callback()); }
-
-    void ExpectCharSetQuery(const char* answer) { Expect(m_fake, Cscs("AT+CSCS?\r"), answer); }
+    void ExpectCharSetQuery(const char* answer) { Expect(fake, Cscs("AT+CSCS?\r"), answer); }
     // Starts or ends a dialogue the way the network does, with a report.
     void SetDialogue(bool active) {
         ExpectCharSetQuery("\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n");
         TUssdItem item;
-        ASSERT_EQ(m_ussd.Receive(active ? "+CUSD: 1,\"0031\",72" : "+CUSD: 2", item), 0);
-        ASSERT_EQ(m_ussd.IsDialogueActive(), active);
-        m_fake.VerifyDone();
+        ASSERT_EQ(family.Receive(active ? "+CUSD: 1,\"0031\",72" : "+CUSD: 2", item), 0);
+        ASSERT_EQ(family.IsDialogueActive(), active);
+        fake.VerifyDone();
     }
-
-    ScriptedAtFake m_fake;
-    CUssdUility m_ussd;
 };
 
 // The text goes out as UCS2 units of default-alphabet codes. The character set's result does not matter;
@@ -68,13 +63,13 @@ TEST_F(UssdUtilityTest, SendWritesDefaultAlphabetCodesAsUcs2Units) {
         SCOPED_TRACE(row.argument.substr(0, 40) + " " + ScriptedAtFake::Printable(row.answer));
         CUssdUility ussd;
         ussd.RegisterExecAT(ScriptedAtFake::Callback());
-        Expect(m_fake, Cscs("AT+CSCS=\"UCS2\"\r"), row.charSetAnswer, row.charSetFailure);
-        Expect(m_fake, Cusd("AT+CUSD=1,\"" + row.argument + "\",15\r", 5000), row.answer, row.failure);
+        Expect(fake, Cscs("AT+CSCS=\"UCS2\"\r"), row.charSetAnswer, row.charSetFailure);
+        Expect(fake, Cusd("AT+CUSD=1,\"" + row.argument + "\",15\r", 5000), row.answer, row.failure);
         EXPECT_EQ(ussd.SendUssdCmd(row.text.c_str()), row.result);
         EXPECT_EQ(ussd.IsDialogueActive(), row.result == 0);
-        m_fake.VerifyDone();
+        fake.VerifyDone();
     }
-    EXPECT_EQ(m_ussd.SendUssdCmd(nullptr), 1);
+    EXPECT_EQ(family.SendUssdCmd(nullptr), 1);
 }
 
 TEST_F(UssdUtilityTest, SetStateNeedsOk) {
@@ -86,9 +81,9 @@ TEST_F(UssdUtilityTest, SetStateNeedsOk) {
     // clang-format on
     for (const auto& row : rows) {
         SCOPED_TRACE(row.command);
-        Expect(m_fake, Cusd(row.command, 5000), row.answer, row.failure);
+        Expect(fake, Cusd(row.command, 5000), row.answer, row.failure);
         int state = row.state;
-        EXPECT_EQ(m_ussd.SetUssdState(state), row.result);
+        EXPECT_EQ(family.SetUssdState(state), row.result);
     }
 }
 
@@ -108,12 +103,12 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         SetDialogue(row.activeBefore);
-        m_fake.Expect("AT+CUSD?\r", row.stateAnswer, row.stateFailure).WithTimeout(3000);
+        fake.Expect("AT+CUSD?\r", row.stateAnswer, row.stateFailure).WithTimeout(3000);
         if (row.cancelAnswer != nullptr)
-            Expect(m_fake, Cusd("AT+CUSD=2\r", 1000), row.cancelAnswer, row.cancelFailure);
-        EXPECT_EQ(m_ussd.SendUssdCancelCmd(), row.result);
-        EXPECT_EQ(m_ussd.IsDialogueActive(), row.activeAfter);
-        m_fake.VerifyDone();
+            Expect(fake, Cusd("AT+CUSD=2\r", 1000), row.cancelAnswer, row.cancelFailure);
+        EXPECT_EQ(family.SendUssdCancelCmd(), row.result);
+        EXPECT_EQ(family.IsDialogueActive(), row.activeAfter);
+        fake.VerifyDone();
     }
 }
 
@@ -121,10 +116,10 @@ TEST_F(UssdUtilityTest, CancelSendsOnlyWhileADialogueRuns) {
 // order.
 TEST_F(UssdUtilityTest, QueriesReadStateAndCharacterSet) {
     // clang-format off
-    CheckReads(m_fake, Cusd("AT+CUSD?\r", 3000).WithPrefix("+CUSD: "), [this](int& state) { return m_ussd.CheckUssdState(state); }, {
+    CheckReads(fake, Cusd("AT+CUSD?\r", 3000).WithPrefix("+CUSD: "), [this](int& state) { return family.CheckUssdState(state); }, {
         {"\r\n+CUSD: 1\r\n\r\nOK\r\n", "0|1"}, {"AT+CUSD?\r\r\n+CUSD: 0\r\n\r\nOK\r\n", "0|0"}, {"\r\n+CUSD: 2\r\n", "0|2"},
         {"\r\n+CUSD:1\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CUSD: 99999999999999999999\r\n\r\nOK\r\n", "1|-1"}, {"\r\nOK\r\n", "1|-1"}, {"", "2|-1", 2}, {"", "30|-1", 30}});
-    CheckReads(m_fake, Cscs("AT+CSCS?\r"), [this](int& set) { return m_ussd.getEcodingFormat(set); }, {
+    CheckReads(fake, Cscs("AT+CSCS?\r"), [this](int& set) { return family.getEcodingFormat(set); }, {
         {"\r\n+CSCS: \"UCS2\"\r\n\r\nOK\r\n", "0|5"}, {"AT+CSCS?\r\r\n+CSCS: \"IRA\"\r\n\r\nOK\r\n", "0|2"},
         {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", "1|-1"}, {"\r\n+CSCS: \"PCCP437\"\r\n\r\nOK\r\n", "1|-1"}, {"\r\nERROR\r\n", "1|-1"}, {"", "30|-1", 30}});
     // clang-format on
@@ -207,11 +202,11 @@ TEST_F(UssdUtilityTest, ReceiveDecodesTheThreeAlphabets) {
         TUssdItem item;
         item.nType = -1;
         item.wstrContent = L"stale";
-        EXPECT_EQ(m_ussd.Receive(row.line, item), 0);
+        EXPECT_EQ(family.Receive(row.line, item), 0);
         EXPECT_EQ(item.nType, row.nType);
         EXPECT_EQ(item.wstrContent, row.text);
-        EXPECT_EQ(m_ussd.IsDialogueActive(), row.activeAfter);
-        m_fake.VerifyDone();
+        EXPECT_EQ(family.IsDialogueActive(), row.activeAfter);
+        fake.VerifyDone();
     }
 }
 
@@ -219,15 +214,15 @@ TEST_F(UssdUtilityTest, ReceiveReturnsACharSetFailure) {
     const auto receive = [this] {
         TUssdItem item;
         item.nType = -1;
-        const int result = m_ussd.Receive("+CUSD: 1,\"00480069\",72", item);
-        return Fields(result, item.nType, item.wstrContent.size(), m_ussd.IsDialogueActive());
+        const int result = family.Receive("+CUSD: 1,\"00480069\",72", item);
+        return Fields(result, item.nType, item.wstrContent.size(), family.IsDialogueActive());
     };
-    CheckReads(m_fake, At("AT+CSCS?\r"), receive,
+    CheckReads(fake, At("AT+CSCS?\r"), receive,
                {{"", "2|-1|0|0", 2},
                 {"\r\n+CSCS: \"8859-1\"\r\n\r\nOK\r\n", "1|-1|0|0"},
                 {"\r\nERROR\r\n", "1|-1|0|0"}});
     TUssdItem item;
-    EXPECT_EQ(m_ussd.Receive(nullptr, item), 1);
+    EXPECT_EQ(family.Receive(nullptr, item), 1);
 }
 
 // Network texts are untrusted: every cut of a report and an over-long text stay within bounds.
