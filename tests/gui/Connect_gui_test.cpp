@@ -31,14 +31,9 @@ namespace {
 
 // The connect tab once the modem is ready and the button can be pressed; nullptr when it does not get there.
 ConnectPlugin* ReadyConnectTab(GuiWorld& world) {
-    auto* tab = world.ready() ? world.show<ConnectPlugin>("connect") : nullptr;
+    auto* tab = world.showReady<ConnectPlugin>("connect");
     auto* button = tab ? tab->findChild<QPushButton*>("connectButton") : nullptr;
     return button && waitForGui([&] { return button->isEnabled(); }, 20s) ? tab : nullptr;
-}
-
-QString LabelText(QWidget* tab, const char* name) {
-    auto* label = tab->findChild<QLabel*>(QString::fromLatin1(name));
-    return label ? label->text() : QStringLiteral("<no label %1>").arg(QString::fromLatin1(name));
 }
 
 bool ConnectStateIs(ConnectPlugin* tab, int state, std::chrono::milliseconds limit = 30s) {
@@ -68,18 +63,15 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     EXPECT_EQ(button->text(), "Disconnect");
     EXPECT_TRUE(button->isEnabled());
     EXPECT_FALSE(profiles->isEnabled());
-    EXPECT_EQ(LabelText(tab, "connectState"), "Connected");
+    EXPECT_EQ(TextOf(tab, "connectState"), "Connected");
 
     const quint64 sent = 123456, received = 7654321; // as the kernel counts them
     std::ofstream(QString(world.pppDir() + "/net/ppp0/statistics/tx_bytes").toStdString()) << sent << "\n";
     std::ofstream(QString(world.pppDir() + "/net/ppp0/statistics/rx_bytes").toStdString())
         << received << "\n";
-    ASSERT_TRUE(waitForGui([&] {
-        return LabelText(tab, "sent") == LocaleFormat::dataSize(sent) &&
-               LabelText(tab, "received") == LocaleFormat::dataSize(received);
-    })) << LabelText(tab, "sent").toStdString()
-        << " / " << LabelText(tab, "received").toStdString();
-    EXPECT_NE(LabelText(tab, "duration"), "–");
+    ASSERT_TRUE(Shows(Child<QLabel>(tab, "sent"), Exactly(LocaleFormat::dataSize(sent))));
+    ASSERT_TRUE(Shows(Child<QLabel>(tab, "received"), Exactly(LocaleFormat::dataSize(received))));
+    EXPECT_NE(TextOf(tab, "duration"), "–");
     // The dial made the SIM known: a budget set in its dialog counts the link in progress.
     auto* stats = world.show<StatisticsPlugin>("statistics");
     ASSERT_NE(stats, nullptr);
@@ -88,15 +80,13 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     for (const auto& [typed, problem] : {std::pair{"", "Give a size"}, {"16 parsecs", "not a size"}}) {
         Child<QLineEdit>(dialog, "budgetSize")->setText(typed);
         dialog->accept();
-        EXPECT_TRUE(dialog->isVisible() && LabelText(dialog, "budgetProblem").contains(problem)) << typed;
+        EXPECT_TRUE(dialog->isVisible() && TextOf(dialog, "budgetProblem").contains(problem)) << typed;
     }
     Child<QLineEdit>(dialog, "budgetSize")->setText("16 MB");
     dialog->accept();
-    EXPECT_TRUE(waitForGui([&] {
-        return LabelText(stats, "periodReceived") == LocaleFormat::dataSize(received) &&
-               Child<QProgressBar>(stats, "budgetBar")->value() == 46;
-    })) << LabelText(stats, "periodReceived").toStdString()
-        << " " << LabelText(stats, "budgetText").toStdString();
+    EXPECT_TRUE(Shows(Child<QLabel>(stats, "periodReceived"), Exactly(LocaleFormat::dataSize(received))));
+    EXPECT_TRUE(waitForGui([&] { return Child<QProgressBar>(stats, "budgetBar")->value() == 46; }))
+        << TextOf(stats, "budgetText").toStdString();
 
     world.show<ConnectPlugin>("connect");
     button->click();
@@ -105,7 +95,7 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     EXPECT_TRUE(
         waitForGui([&] { return !world.window().statusView()->connected() && button->text() == "Connect"; }));
     EXPECT_TRUE(profiles->isEnabled());
-    EXPECT_EQ(LabelText(tab, "received"), LocaleFormat::dataSize(received)); // the last link's stay in view
+    EXPECT_EQ(TextOf(tab, "received"), LocaleFormat::dataSize(received)); // the last link's stay in view
 
     world.show<StatisticsPlugin>("statistics");
     auto* chart = Child<CNSTrafficChart>(stats, "chart");
@@ -114,8 +104,8 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
         return chart->homeBytes(today) + chart->roamingBytes(today) == sent + received;
     })) << chart->homeBytes(today)
         << " + " << chart->roamingBytes(today);
-    EXPECT_EQ(LabelText(stats, "periodTotal"), LocaleFormat::dataSize(sent + received));
-    EXPECT_EQ(LabelText(stats, "resetReceived"), LocaleFormat::dataSize(received));
+    EXPECT_EQ(TextOf(stats, "periodTotal"), LocaleFormat::dataSize(sent + received));
+    EXPECT_EQ(TextOf(stats, "resetReceived"), LocaleFormat::dataSize(received));
     Child<QPushButton>(stats, "budgetClear")->click();
     EXPECT_TRUE(Child<QProgressBar>(stats, "budgetBar")->isHidden());
 }

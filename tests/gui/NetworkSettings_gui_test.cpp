@@ -32,27 +32,18 @@ QTreeWidgetItem* Row(QTreeWidget* list, int column, const QString& text) {
     return found.isEmpty() ? nullptr : found.front();
 }
 
-QStringList Texts(const QListWidget* list) {
-    QStringList texts;
-    for (int row = 0; row < list->count(); ++row)
-        texts << list->item(row)->text();
-    return texts;
-}
-
 } // namespace
 
 // The scan lists the simulator's operators once each, with their state, while the tab stays usable; a
 // manual choice then registers with that operator and the tab shows it.
 TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
     GuiWorld world;
-    ASSERT_TRUE(world.ready());
-    auto* network = world.show<NetworkPlugin>(QStringLiteral("network"));
+    auto* network = world.showReady<NetworkPlugin>("network");
     ASSERT_NE(network, nullptr);
     auto* search = Child<QPushButton>(network, "search");
     auto* progress = Child<QProgressBar>(network, "searchProgress");
     auto* list = Child<QTreeWidget>(network, "networks");
-    ASSERT_TRUE(waitForGui([&] { return search->isEnabled(); }));
-    search->click();
+    ASSERT_TRUE(ClickWhenEnabled(search));
     EXPECT_TRUE(progress->isVisible());
     EXPECT_FALSE(search->isEnabled());
     ASSERT_TRUE(waitForGui([&] { return list->topLevelItemCount() > 0; }, 30s));
@@ -79,10 +70,8 @@ TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
         const QJsonObject reg = world.dump("network").toObject();
         return reg.value("selection").toInt() == 1 && reg.value("operator").toString() == "26201";
     }));
-    auto* operatorLabel = Child<QLabel>(network, "operator");
-    EXPECT_TRUE(waitForGui([&] { return operatorLabel->text().contains("26201"); }, 15s))
-        << operatorLabel->text().toStdString();
-    EXPECT_TRUE(waitForGui([&] { return Child<QLabel>(network, "selection")->text() == "manual"; }));
+    EXPECT_TRUE(Shows(Child<QLabel>(network, "operator"), "26201", 15s));
+    EXPECT_TRUE(Shows(Child<QLabel>(network, "selection"), Exactly("manual")));
     EXPECT_EQ(Row(list, 2, "26201")->text(4), "current");
     EXPECT_EQ(Row(list, 2, "26202")->text(4), "available");
 }
@@ -99,10 +88,8 @@ TEST(NetworkSettingsGui, StandardStickHasNoToolkitTabAndNoBandOrMode) {
     auto* tabs = Child<QTabWidget>(&world.window(), "modules");
     const int toolkit = tabs->indexOf(world.window().module(QStringLiteral("toolkit")));
     EXPECT_TRUE(waitForGui([&] { return !tabs->isTabVisible(toolkit); }));
-    auto* network = world.show<NetworkPlugin>(QStringLiteral("network"));
-    auto* status = Child<QLabel>(network, "radioStatus");
-    EXPECT_TRUE(waitForGui([&] { return status->text().contains("not supported by this modem"); }))
-        << status->text().toStdString();
+    auto* network = world.show<NetworkPlugin>("network");
+    EXPECT_TRUE(Shows(Child<QLabel>(network, "radioStatus"), "not supported by this modem"));
     for (const char* control : {"band", "mode", "applyRadio"})
         EXPECT_FALSE(Child<QWidget>(network, control)->isEnabled()) << control;
 
@@ -117,23 +104,21 @@ TEST(NetworkSettingsGui, StandardStickHasNoToolkitTabAndNoBandOrMode) {
 // from the files; one without a name is refused in the dialog.
 TEST(NetworkSettingsGui, PinCheckAndAddedProfile) {
     GuiWorld world;
-    ASSERT_TRUE(world.ready());
-    ASSERT_FALSE(world.dump("pin/enabled").toBool());
-    auto* settings = world.show<SettingsPlugin>(QStringLiteral("settings"));
+    auto* settings = world.showReady<SettingsPlugin>("settings");
     ASSERT_NE(settings, nullptr);
+    ASSERT_FALSE(world.dump("pin/enabled").toBool());
     settings->showSection(QStringLiteral("pin"));
     auto* pin = Child<QLineEdit>(settings, "currentPin");
     auto* toggle = Child<QPushButton>(settings, "togglePin");
     auto* status = Child<QLabel>(settings, "pinStatus");
     auto* attempts = Child<QLabel>(settings, "pinAttempts");
-    ASSERT_TRUE(waitForGui([&] { return pin->isEnabled() && attempts->text().startsWith("PIN 3"); }));
+    ASSERT_TRUE(waitForGui([&] { return pin->isEnabled(); }) && Shows(attempts, QRegularExpression("^PIN 3")));
 
     QTest::keyClicks(pin, "4321");
     toggle->click();
     EXPECT_TRUE(pin->text().isEmpty());
-    ASSERT_TRUE(waitForGui([&] { return status->text().contains("wrong"); })) << status->text().toStdString();
-    EXPECT_TRUE(waitForGui([&] { return attempts->text().startsWith("PIN 2"); }))
-        << attempts->text().toStdString();
+    ASSERT_TRUE(Shows(status, "wrong"));
+    EXPECT_TRUE(Shows(attempts, QRegularExpression("^PIN 2")));
     EXPECT_FALSE(world.dump("pin/enabled").toBool());
 
     QTest::keyClicks(pin, "1234");
@@ -146,8 +131,8 @@ TEST(NetworkSettingsGui, PinCheckAndAddedProfile) {
     auto* list = Child<QTreeWidget>(settings, "profileList");
     const int before = list->topLevelItemCount();
     Child<QPushButton>(settings, "addProfile")->click();
-    auto* dialog = settings->findChild<ProfileDialog*>();
-    ASSERT_TRUE(dialog && waitForGui([&] { return dialog->isVisible(); }));
+    auto* dialog = VisibleChild<ProfileDialog>(settings);
+    ASSERT_NE(dialog, nullptr);
     auto* save = Child<QDialogButtonBox>(dialog, "profileButtons")->button(QDialogButtonBox::Save);
     QTest::keyClicks(Child<QLineEdit>(dialog, "profileApn"), "web.example");
     save->click();
@@ -229,16 +214,14 @@ TEST(AccountGui, CodesMenusAndEntryInputs) {
     scenario.write(R"({"sim": {"imsi": "001019876543210"}})");
     scenario.close();
     GuiWorld world({"--scenario", scenario.fileName()});
-    ASSERT_TRUE(world.ready());
-    auto* tab = world.show<AccountPlugin>("account");
+    auto* tab = world.showReady<AccountPlugin>("account");
     ASSERT_NE(tab, nullptr);
     auto* code = Child<QLineEdit>(tab, "code");
     auto* send = Child<QPushButton>(tab, "sendCode");
     auto* answer = Child<QPlainTextEdit>(tab, "answer");
     QTest::keyClicks(code, "*100#");
     send->click();
-    ASSERT_TRUE(waitForGui([&] { return answer->toPlainText().contains("Your balance is 12.34 EUR."); }))
-        << answer->toPlainText().toStdString();
+    ASSERT_TRUE(Shows(answer, "Your balance is 12.34 EUR."));
     EXPECT_FALSE(tab->sessionOpen());
 
     code->clear();
@@ -249,7 +232,7 @@ TEST(AccountGui, CodesMenusAndEntryInputs) {
     EXPECT_FALSE(send->isEnabled()); // one dialogue at a time
     QTest::keyClicks(Child<QLineEdit>(tab, "reply"), "2");
     Child<QPushButton>(tab, "sendReply")->click();
-    ASSERT_TRUE(waitForGui([&] { return answer->toPlainText().contains("Week pass 5 GB"); }));
+    ASSERT_TRUE(Shows(answer, "Week pass 5 GB"));
     EXPECT_TRUE(tab->sessionOpen());
     Child<QPushButton>(tab, "cancelSession")->click();
     EXPECT_FALSE(tab->sessionOpen());
@@ -273,7 +256,7 @@ TEST(AccountGui, CodesMenusAndEntryInputs) {
     EXPECT_EQ(voucher->text(), "1234567890123456");
     topUp->click();
     EXPECT_FALSE(inputError->isVisibleTo(tab));
-    ASSERT_TRUE(waitForGui([&] { return answer->toPlainText().contains("does not offer"); }));
+    ASSERT_TRUE(Shows(answer, "does not offer"));
     const QJsonArray requests = world.dump("ussd/requests").toArray();
     ASSERT_FALSE(requests.isEmpty());
     EXPECT_TRUE(requests.last().toString().contains("*102*1234567890123456#"))
@@ -304,8 +287,7 @@ TEST(AccountInput, FieldLimits) {
 // the list to read so, "type:X" types into the answer field, a button's objectName presses it.
 TEST(ToolkitGui, MenuChoicesShowTheCardsDialogues) {
     GuiWorld world;
-    ASSERT_TRUE(world.ready());
-    auto* tab = world.show<ToolkitPlugin>("toolkit");
+    auto* tab = world.showReady<ToolkitPlugin>("toolkit");
     ASSERT_NE(tab, nullptr);
     auto* items = Child<QListWidget>(tab, "items");
     auto* text = Child<QLabel>(tab, "text");
@@ -331,17 +313,14 @@ TEST(ToolkitGui, MenuChoicesShowTheCardsDialogues) {
                 items->setCurrentRow(step.mid(1).toInt());
                 Child<QPushButton>(tab, "select")->click();
             } else if (step.startsWith("text:")) {
-                ASSERT_TRUE(waitForGui([&] { return text->text() == step.mid(5); }))
-                    << text->text().toStdString();
+                ASSERT_TRUE(Shows(text, Exactly(step.mid(5))));
             } else if (step.startsWith("list:")) {
                 ASSERT_TRUE(waitForGui([&] { return Texts(items).join(',') == step.mid(5); }));
             } else if (step.startsWith("type:")) {
                 QTest::keyClicks(Child<QLineEdit>(tab, "input"), step.mid(5));
             } else {
                 auto* button = Child<QPushButton>(tab, step.toLatin1().constData());
-                ASSERT_TRUE(button->isVisibleTo(tab));
-                ASSERT_TRUE(waitForGui([&] { return button->isEnabled(); }));
-                button->click();
+                ASSERT_TRUE(button->isVisibleTo(tab) && ClickWhenEnabled(button));
             }
         }
         ASSERT_TRUE(waitForGui(atMainMenu)) << Texts(items).join(',').toStdString();

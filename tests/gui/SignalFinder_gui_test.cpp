@@ -12,20 +12,17 @@
 
 using namespace std::chrono_literals;
 
-namespace {
-
 TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
     GuiWorld world;
-    ASSERT_TRUE(world.ready());
     // The simulator's +CSQ: 18 is -77 dBm; the best of the minute is the same while it stays.
-    auto* network = world.show<NetworkPlugin>(QStringLiteral("network"));
+    auto* network = world.showReady<NetworkPlugin>("network");
     ASSERT_NE(network, nullptr);
     Child<QPushButton>(network, "findSignal")->click();
-    auto* gauge = network->findChild<CNSSignalGauge*>(QStringLiteral("gauge"));
+    auto* gauge = Child<CNSSignalGauge>(network, "gauge");
     ASSERT_NE(gauge, nullptr);
     EXPECT_TRUE(waitForGui([&] { return gauge->dbm() == -77 && gauge->bestDbm() == -77; }, 20s));
     // The tone starts and stops quietly, also without a sound device.
-    auto* tone = network->findChild<QCheckBox*>(QStringLiteral("tone"));
+    auto* tone = Child<QCheckBox>(network, "tone");
     tone->setChecked(true);
     tone->setChecked(false);
 
@@ -37,7 +34,7 @@ TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
     history.add(SignalSample{-71, 0, 1, 6, 1, 2}, QDateTime(today, QTime(0, 1)));
     history.add(SignalSample{-93, 0, 1, 6, 1, 3}, QDateTime(today, QTime(0, 5)));
     ASSERT_TRUE(history.flush());
-    auto* statistics = world.show<StatisticsPlugin>(QStringLiteral("statistics"));
+    auto* statistics = world.show<StatisticsPlugin>("statistics");
     ASSERT_NE(statistics, nullptr);
     Child<QComboBox>(statistics, "chartKind")->setCurrentIndex(1);
     auto* chart = Child<CNSSignalChart>(statistics, "signalChart");
@@ -48,5 +45,3 @@ TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
         << chart->accessibleDescription().toStdString();
     EXPECT_FALSE(chart->grab().isNull());
 }
-
-} // namespace
