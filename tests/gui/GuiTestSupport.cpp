@@ -90,8 +90,8 @@ QString TextOf(const QObject* parent, const char* childName) {
 
 namespace {
 
-testing::AssertionResult ShowsWhen(const QObject* widget, const std::function<bool(const QString&)>& wanted,
-                                   std::chrono::milliseconds limit) {
+testing::AssertionResult ShowsWhen(const QObject* widget, std::chrono::milliseconds limit,
+                                   const std::function<bool(const QString&)>& wanted) {
     if (waitForGui([&] { return widget && wanted(TextOf(widget)); }, limit))
         return testing::AssertionSuccess();
     return testing::AssertionFailure() << "shows \"" << TextOf(widget).toStdString() << '"';
@@ -100,12 +100,12 @@ testing::AssertionResult ShowsWhen(const QObject* widget, const std::function<bo
 } // namespace
 
 testing::AssertionResult Shows(const QObject* widget, const QString& part, std::chrono::milliseconds limit) {
-    return ShowsWhen(widget, [&](const QString& text) { return text.contains(part); }, limit);
+    return ShowsWhen(widget, limit, [&](const QString& text) { return text.contains(part); });
 }
 
 testing::AssertionResult Shows(const QObject* widget, const QRegularExpression& pattern,
                                std::chrono::milliseconds limit) {
-    return ShowsWhen(widget, [&](const QString& text) { return pattern.match(text).hasMatch(); }, limit);
+    return ShowsWhen(widget, limit, [&](const QString& text) { return pattern.match(text).hasMatch(); });
 }
 
 QStringList Texts(const QListWidget* list) {

@@ -1,6 +1,4 @@
-// The main window's own behaviour against the simulated modem: every control named for a screen reader,
-// the PIN and PUK prompts on a locked SIM, the status bar, and the "no modem" state through unplugging and
-// replugging, as the window and its tabs show it.
+// The main window's own behaviour against the simulated modem, as the window and its tabs show it.
 
 #include <QAccessible>
 #include <QComboBox>

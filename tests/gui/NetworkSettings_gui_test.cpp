@@ -1,6 +1,7 @@
-// The Network, Settings, Account and Toolkit tabs against the simulated modem, and the checks their fields
-// make before anything is sent.
+// The Network, Settings, Account and Toolkit tabs against the simulated modem, the checks their fields make
+// before anything is sent, the signal finder and the signal history in the Statistics tab.
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFile>
@@ -13,6 +14,7 @@
 
 #include "Account/AccountPlugin.h"
 #include "AppConfig.h"
+#include "CNSSignalGauge.h"
 #include "Connector/ProfileSettingsController.h"
 #include "GuiTestSupport.h"
 #include "ModemDialect.h"
@@ -21,6 +23,9 @@
 #include "Settings/ProfileDialog.h"
 #include "Settings/SettingsPlugin.h"
 #include "Settings/SmsSettingsPage.h"
+#include "Statistics/CNSSignalChart.h"
+#include "Statistics/SignalHistory.h"
+#include "Statistics/StatisticsPlugin.h"
 #include "Toolkit/ToolkitPlugin.h"
 
 using namespace std::chrono_literals;
@@ -49,17 +54,12 @@ TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
     ASSERT_TRUE(waitForGui([&] { return list->topLevelItemCount() > 0; }, 30s));
     EXPECT_FALSE(progress->isVisible());
     EXPECT_TRUE(search->isEnabled());
-    // clang-format off
-    const struct { const char *code, *name, *state; } expected[] = {
-        {"26202", "Vodafone.de", "current"}, {"26201", "Telekom.de", "available"}, {"26207", "o2 - de", "available"}, {"26203", "E-Plus", "forbidden"}};
-    // clang-format on
-    EXPECT_EQ(list->topLevelItemCount(), 4);
-    for (const auto& row : expected) {
-        QTreeWidgetItem* item = Row(list, 2, QLatin1String(row.code));
-        ASSERT_NE(item, nullptr) << row.code;
-        EXPECT_EQ(item->text(0), QLatin1String(row.name));
-        EXPECT_EQ(item->text(4), QLatin1String(row.state)) << row.code;
-    }
+    QStringList listed; // code, name, state
+    for (const QTreeWidgetItem* item : list->findItems("*", Qt::MatchWildcard))
+        listed << item->text(2) + '|' + item->text(0) + '|' + item->text(4);
+    listed.sort();
+    EXPECT_EQ(listed, QStringList({"26201|Telekom.de|available", "26202|Vodafone.de|current",
+                                   "26203|E-Plus|forbidden", "26207|o2 - de|available"}));
 
     Row(list, 2, QStringLiteral("26201"))->setSelected(true);
     EXPECT_TRUE(Child<QRadioButton>(network, "manual")->isChecked());
@@ -112,7 +112,8 @@ TEST(NetworkSettingsGui, PinCheckAndAddedProfile) {
     auto* toggle = Child<QPushButton>(settings, "togglePin");
     auto* status = Child<QLabel>(settings, "pinStatus");
     auto* attempts = Child<QLabel>(settings, "pinAttempts");
-    ASSERT_TRUE(waitForGui([&] { return pin->isEnabled(); }) && Shows(attempts, QRegularExpression("^PIN 3")));
+    ASSERT_TRUE(waitForGui([&] { return pin->isEnabled(); }) &&
+                Shows(attempts, QRegularExpression("^PIN 3")));
 
     QTest::keyClicks(pin, "4321");
     toggle->click();
@@ -331,4 +332,38 @@ TEST(ToolkitGui, MenuChoicesShowTheCardsDialogues) {
         heard << response.toString();
     for (const char* expected : {"11,17,,0", "3,0,,\"Paris\"", "2,0,,2,1,", "1,16,"})
         EXPECT_TRUE(heard.contains(expected)) << expected << " not in " << heard.join(' ').toStdString();
+}
+
+TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
+    GuiWorld world;
+    // The simulator's +CSQ: 18 is -77 dBm; the best of the minute is the same while it stays.
+    auto* network = world.showReady<NetworkPlugin>("network");
+    ASSERT_NE(network, nullptr);
+    Child<QPushButton>(network, "findSignal")->click();
+    auto* gauge = Child<CNSSignalGauge>(network, "gauge");
+    ASSERT_NE(gauge, nullptr);
+    EXPECT_TRUE(waitForGui([&] { return gauge->dbm() == -77 && gauge->bestDbm() == -77; }, 20s));
+    // The tone starts and stops quietly, also without a sound device.
+    auto* tone = Child<QCheckBox>(network, "tone");
+    tone->setChecked(true);
+    tone->setChecked(false);
+
+    // Minutes of today in the history as the recorder writes them: the bearer changes, then after a gap
+    // the cell.
+    SignalHistory history;
+    const QDate today = QDate::currentDate();
+    history.add(SignalSample{-77, 0, 1, 4, 1, 2}, QDateTime(today, QTime(0, 0)));
+    history.add(SignalSample{-71, 0, 1, 6, 1, 2}, QDateTime(today, QTime(0, 1)));
+    history.add(SignalSample{-93, 0, 1, 6, 1, 3}, QDateTime(today, QTime(0, 5)));
+    ASSERT_TRUE(history.flush());
+    auto* statistics = world.show<StatisticsPlugin>("statistics");
+    ASSERT_NE(statistics, nullptr);
+    Child<QComboBox>(statistics, "chartKind")->setCurrentIndex(1);
+    auto* chart = Child<CNSSignalChart>(statistics, "signalChart");
+    EXPECT_EQ(chart->pointCount(), 3);
+    EXPECT_TRUE(
+        chart->accessibleDescription().contains("between -93 and -71 dBm; the bearer changed 1 times, "
+                                                "the cell 1 times"))
+        << chart->accessibleDescription().toStdString();
+    EXPECT_FALSE(chart->grab().isNull());
 }
