@@ -2,8 +2,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QThread>
 #include <QTimer>
 
 #include <cstdlib>
@@ -23,18 +21,6 @@ void ensureGuiApplication() {
         setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/dialtone-tests", 1);
         new QApplication(argc, argv); // kept for the rest of the run
     }
-}
-
-bool waitForGui(const std::function<bool()>& cond, std::chrono::milliseconds limit) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!cond()) {
-        if (clock.elapsed() > limit.count())
-            return false;
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(2);
-    }
-    return true;
 }
 
 GuiWorld::GuiWorld(const QStringList& simulatorArguments) {

@@ -84,8 +84,10 @@ template <class Widget> Widget* Child(QObject* parent, const char* name) {
 }
 
 // Runs events until cond holds or the limit passes.
-bool waitForGui(const std::function<bool()>& cond,
-                std::chrono::milliseconds limit = std::chrono::seconds(10));
+inline bool waitForGui(const std::function<bool()>& cond,
+                       std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+    return waitUntil(cond, limit);
+}
 
 // What the widget shows: a label's, a button's or a field's text, a text box's plain text.
 QString TextOf(const QObject* widget);
