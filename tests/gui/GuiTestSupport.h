@@ -27,6 +27,7 @@
 #include "E2ESupport.h"
 #include "MainWindow.h"
 #include "ModemLink.h"
+#include "QtEventLoop.h"
 
 class ComposeDialog;
 class MessagesPlugin;
@@ -86,7 +87,7 @@ template <class Widget> Widget* Child(QObject* parent, const char* name) {
 // Runs events until cond holds or the limit passes.
 inline bool waitForGui(const std::function<bool()>& cond,
                        std::chrono::milliseconds limit = std::chrono::seconds(10)) {
-    return waitUntil(cond, limit);
+    return waitFor(cond, limit);
 }
 
 // What the widget shows: a label's, a button's or a field's text, a text box's plain text.
