@@ -1,6 +1,4 @@
-// The connect tab dialling through the stand-in pppd, its counters, the statistics tab fed by the ended
-// link, the statistics tab's own pieces (periods, the chart's days), and the password step of a user who
-// cannot write the peers folder.
+// The Connect tab dialling through the stand-in pppd, and the Statistics tab the links feed.
 
 #include <QComboBox>
 #include <QCoreApplication>
@@ -31,14 +29,9 @@ namespace {
 
 // The connect tab once the modem is ready and the button can be pressed; nullptr when it does not get there.
 ConnectPlugin* ReadyConnectTab(GuiWorld& world) {
-    auto* tab = world.ready() ? world.show<ConnectPlugin>("connect") : nullptr;
+    auto* tab = world.showReady<ConnectPlugin>("connect");
     auto* button = tab ? tab->findChild<QPushButton*>("connectButton") : nullptr;
     return button && waitForGui([&] { return button->isEnabled(); }, 20s) ? tab : nullptr;
-}
-
-QString LabelText(QWidget* tab, const char* name) {
-    auto* label = tab->findChild<QLabel*>(QString::fromLatin1(name));
-    return label ? label->text() : QStringLiteral("<no label %1>").arg(QString::fromLatin1(name));
 }
 
 bool ConnectStateIs(ConnectPlugin* tab, int state, std::chrono::milliseconds limit = 30s) {
@@ -68,18 +61,15 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     EXPECT_EQ(button->text(), "Disconnect");
     EXPECT_TRUE(button->isEnabled());
     EXPECT_FALSE(profiles->isEnabled());
-    EXPECT_EQ(LabelText(tab, "connectState"), "Connected");
+    EXPECT_EQ(TextOf(tab, "connectState"), "Connected");
 
     const quint64 sent = 123456, received = 7654321; // as the kernel counts them
     std::ofstream(QString(world.pppDir() + "/net/ppp0/statistics/tx_bytes").toStdString()) << sent << "\n";
     std::ofstream(QString(world.pppDir() + "/net/ppp0/statistics/rx_bytes").toStdString())
         << received << "\n";
-    ASSERT_TRUE(waitForGui([&] {
-        return LabelText(tab, "sent") == LocaleFormat::dataSize(sent) &&
-               LabelText(tab, "received") == LocaleFormat::dataSize(received);
-    })) << LabelText(tab, "sent").toStdString()
-        << " / " << LabelText(tab, "received").toStdString();
-    EXPECT_NE(LabelText(tab, "duration"), "–");
+    ASSERT_TRUE(Shows(Child<QLabel>(tab, "sent"), Exactly(LocaleFormat::dataSize(sent))));
+    ASSERT_TRUE(Shows(Child<QLabel>(tab, "received"), Exactly(LocaleFormat::dataSize(received))));
+    EXPECT_NE(TextOf(tab, "duration"), "–");
     // The dial made the SIM known: a budget set in its dialog counts the link in progress.
     auto* stats = world.show<StatisticsPlugin>("statistics");
     ASSERT_NE(stats, nullptr);
@@ -88,15 +78,13 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     for (const auto& [typed, problem] : {std::pair{"", "Give a size"}, {"16 parsecs", "not a size"}}) {
         Child<QLineEdit>(dialog, "budgetSize")->setText(typed);
         dialog->accept();
-        EXPECT_TRUE(dialog->isVisible() && LabelText(dialog, "budgetProblem").contains(problem)) << typed;
+        EXPECT_TRUE(dialog->isVisible() && TextOf(dialog, "budgetProblem").contains(problem)) << typed;
     }
     Child<QLineEdit>(dialog, "budgetSize")->setText("16 MB");
     dialog->accept();
-    EXPECT_TRUE(waitForGui([&] {
-        return LabelText(stats, "periodReceived") == LocaleFormat::dataSize(received) &&
-               Child<QProgressBar>(stats, "budgetBar")->value() == 46;
-    })) << LabelText(stats, "periodReceived").toStdString()
-        << " " << LabelText(stats, "budgetText").toStdString();
+    EXPECT_TRUE(Shows(Child<QLabel>(stats, "periodReceived"), Exactly(LocaleFormat::dataSize(received))));
+    EXPECT_TRUE(waitForGui([&] { return Child<QProgressBar>(stats, "budgetBar")->value() == 46; }))
+        << TextOf(stats, "budgetText").toStdString();
 
     world.show<ConnectPlugin>("connect");
     button->click();
@@ -105,7 +93,7 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
     EXPECT_TRUE(
         waitForGui([&] { return !world.window().statusView()->connected() && button->text() == "Connect"; }));
     EXPECT_TRUE(profiles->isEnabled());
-    EXPECT_EQ(LabelText(tab, "received"), LocaleFormat::dataSize(received)); // the last link's stay in view
+    EXPECT_EQ(TextOf(tab, "received"), LocaleFormat::dataSize(received)); // the last link's stay in view
 
     world.show<StatisticsPlugin>("statistics");
     auto* chart = Child<CNSTrafficChart>(stats, "chart");
@@ -114,8 +102,8 @@ TEST(ConnectStatisticsGui, ConnectShowsCountersDisconnectRecordsTheDay) {
         return chart->homeBytes(today) + chart->roamingBytes(today) == sent + received;
     })) << chart->homeBytes(today)
         << " + " << chart->roamingBytes(today);
-    EXPECT_EQ(LabelText(stats, "periodTotal"), LocaleFormat::dataSize(sent + received));
-    EXPECT_EQ(LabelText(stats, "resetReceived"), LocaleFormat::dataSize(received));
+    EXPECT_EQ(TextOf(stats, "periodTotal"), LocaleFormat::dataSize(sent + received));
+    EXPECT_EQ(TextOf(stats, "resetReceived"), LocaleFormat::dataSize(received));
     Child<QPushButton>(stats, "budgetClear")->click();
     EXPECT_TRUE(Child<QProgressBar>(stats, "budgetBar")->isHidden());
 }
@@ -206,16 +194,13 @@ TEST(TrafficChartDays, RowsLandOnTheirDayOrNowhere) {
     ensureGuiApplication();
     using I = _TrafficStaticsItem; // sent and received at home, then roaming
     CNSTrafficChart chart;
+    // A second row for a day adds up; a day after the range, "2024-03-01" and "garbage" land nowhere.
+    // clang-format off
     chart.setDays(QDate(2024, 2, 27), QDate(2024, 3, 2),
-                  {{"2024/02/27", I{1, 2, 0, 0, 0}},
-                   {"2024/02/29", I{10, 20, 300, 400, 0}},
-                   {"2024/02/29", I{1, 1, 1, 1, 0}}, // a second row for a day adds up
-                   {"2024/03/03", I{5, 5, 5, 5, 0}}, // after the range
-                   {"2024-03-01", I{7, 7, 7, 7, 0}}, // not a day key
-                   {"garbage", I{9, 9, 9, 9, 0}},
+                  {{"2024/02/27", I{1, 2, 0, 0, 0}}, {"2024/02/29", I{10, 20, 300, 400, 0}}, {"2024/02/29", I{1, 1, 1, 1, 0}},
+                   {"2024/03/03", I{5, 5, 5, 5, 0}}, {"2024-03-01", I{7, 7, 7, 7, 0}}, {"garbage", I{9, 9, 9, 9, 0}},
                    {"2024/03/02", I{UINT64_MAX, 5, 0, 0, 0}}});
     EXPECT_EQ(chart.dayCount(), 5);
-    // clang-format off
     const struct { QDate day; quint64 home, roaming; } rows[] = {
         {QDate(2024, 2, 27), 3, 0}, {QDate(2024, 2, 28), 0, 0}, {QDate(2024, 2, 29), 32, 702}, {QDate(2024, 3, 1), 0, 0},
         {QDate(2024, 3, 2), UINT64_MAX, 0}, {QDate(2024, 3, 3), 0, 0}, {QDate(2024, 2, 26), 0, 0},

@@ -2,13 +2,13 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QThread>
 #include <QTimer>
 
 #include <cstdlib>
 
 #include "DebugSink.h"
+#include "Messages/ComposeDialog.h"
+#include "Messages/MessagesPlugin.h"
 
 void ensureGuiApplication() {
     static int argc = 1;
@@ -21,18 +21,6 @@ void ensureGuiApplication() {
         setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/dialtone-tests", 1);
         new QApplication(argc, argv); // kept for the rest of the run
     }
-}
-
-bool waitForGui(const std::function<bool()>& cond, std::chrono::milliseconds limit) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!cond()) {
-        if (clock.elapsed() > limit.count())
-            return false;
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(2);
-    }
-    return true;
 }
 
 GuiWorld::GuiWorld(const QStringList& simulatorArguments) {
@@ -73,4 +61,97 @@ QJsonValue GuiWorld::dump(const QString& path) {
     for (const QString& key : path.split('/'))
         value = value.toObject().value(key);
     return value;
+}
+
+QString TextOf(const QObject* widget) {
+    if (!widget)
+        return QStringLiteral("<no widget>");
+    const QVariant plain = widget->property("plainText");
+    return plain.isValid() ? plain.toString() : widget->property("text").toString();
+}
+
+QString TextOf(const QObject* parent, const char* childName) {
+    return TextOf(parent->findChild<QWidget*>(QLatin1String(childName)));
+}
+
+namespace {
+
+testing::AssertionResult ShowsWhen(const QObject* widget, std::chrono::milliseconds limit,
+                                   const std::function<bool(const QString&)>& wanted) {
+    if (waitForGui([&] { return widget && wanted(TextOf(widget)); }, limit))
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "shows \"" << TextOf(widget).toStdString() << '"';
+}
+
+} // namespace
+
+testing::AssertionResult Shows(const QObject* widget, const QString& part, std::chrono::milliseconds limit) {
+    return ShowsWhen(widget, limit, [&](const QString& text) { return text.contains(part); });
+}
+
+testing::AssertionResult Shows(const QObject* widget, const QRegularExpression& pattern,
+                               std::chrono::milliseconds limit) {
+    return ShowsWhen(widget, limit, [&](const QString& text) { return pattern.match(text).hasMatch(); });
+}
+
+QStringList Texts(const QListWidget* list) {
+    QStringList texts;
+    for (int row = 0; row < list->count(); ++row)
+        texts << list->item(row)->text();
+    return texts;
+}
+
+QStringList Column(const QAbstractItemView* view, int column) {
+    QStringList texts;
+    for (int row = 0; row < view->model()->rowCount(); ++row)
+        texts << view->model()->index(row, column).data().toString();
+    return texts;
+}
+
+bool ClickRow(QAbstractItemView* view, int column, const QString& text) {
+    const int row = Column(view, column).indexOf(text);
+    if (row < 0)
+        return false;
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {},
+                      view->visualRect(view->model()->index(row, 0)).center());
+    return view->currentIndex().row() == row;
+}
+
+bool ClickWhenEnabled(QAbstractButton* button, std::chrono::milliseconds limit) {
+    if (!waitForGui([&] { return button->isEnabled(); }, limit))
+        return false;
+    button->click();
+    return true;
+}
+
+QString ClickAndAnswer(QAbstractButton* button, QMessageBox::StandardButton answer) {
+    QString asked;
+    bool answered = false;
+    QTimer poll; // a modal box runs its own event loop inside click()
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || answered)
+            return;
+        answered = true;
+        asked = box->text();
+        if (QAbstractButton* choice = box->button(answer))
+            choice->click();
+        else
+            box->reject();
+    });
+    poll.start(20);
+    button->click();
+    waitForGui([&] { return answered; }, std::chrono::seconds(5));
+    return asked;
+}
+
+ComposeDialog* NewMessage(MessagesPlugin* messages, const QString& to, const QString& text) {
+    messages->findChild<QPushButton*>(QStringLiteral("new"))->click();
+    ComposeDialog* compose = messages->composeWindow();
+    if (!compose)
+        return nullptr;
+    QTest::keyClicks(Child<QLineEdit>(compose, "recipients"), to);
+    // Typing 200 characters one by one is slow and adds nothing: the counter follows textChanged.
+    Child<QPlainTextEdit>(compose, "text")->setPlainText(text);
+    return compose;
 }

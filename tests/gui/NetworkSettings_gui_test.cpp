@@ -1,6 +1,7 @@
-// The Network, Settings, Account and Toolkit tabs against the simulated modem, and the checks their fields
-// make before anything is sent.
+// The Network, Settings, Account and Toolkit tabs against the simulated modem, the checks their fields make
+// before anything is sent, the signal finder and the signal history in the Statistics tab.
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFile>
@@ -13,6 +14,7 @@
 
 #include "Account/AccountPlugin.h"
 #include "AppConfig.h"
+#include "CNSSignalGauge.h"
 #include "Connector/ProfileSettingsController.h"
 #include "GuiTestSupport.h"
 #include "ModemDialect.h"
@@ -21,6 +23,9 @@
 #include "Settings/ProfileDialog.h"
 #include "Settings/SettingsPlugin.h"
 #include "Settings/SmsSettingsPage.h"
+#include "Statistics/CNSSignalChart.h"
+#include "Statistics/SignalHistory.h"
+#include "Statistics/StatisticsPlugin.h"
 #include "Toolkit/ToolkitPlugin.h"
 
 using namespace std::chrono_literals;
@@ -32,43 +37,29 @@ QTreeWidgetItem* Row(QTreeWidget* list, int column, const QString& text) {
     return found.isEmpty() ? nullptr : found.front();
 }
 
-QStringList Texts(const QListWidget* list) {
-    QStringList texts;
-    for (int row = 0; row < list->count(); ++row)
-        texts << list->item(row)->text();
-    return texts;
-}
-
 } // namespace
 
 // The scan lists the simulator's operators once each, with their state, while the tab stays usable; a
 // manual choice then registers with that operator and the tab shows it.
 TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
     GuiWorld world;
-    ASSERT_TRUE(world.ready());
-    auto* network = world.show<NetworkPlugin>(QStringLiteral("network"));
+    auto* network = world.showReady<NetworkPlugin>("network");
     ASSERT_NE(network, nullptr);
     auto* search = Child<QPushButton>(network, "search");
     auto* progress = Child<QProgressBar>(network, "searchProgress");
     auto* list = Child<QTreeWidget>(network, "networks");
-    ASSERT_TRUE(waitForGui([&] { return search->isEnabled(); }));
-    search->click();
+    ASSERT_TRUE(ClickWhenEnabled(search));
     EXPECT_TRUE(progress->isVisible());
     EXPECT_FALSE(search->isEnabled());
     ASSERT_TRUE(waitForGui([&] { return list->topLevelItemCount() > 0; }, 30s));
     EXPECT_FALSE(progress->isVisible());
     EXPECT_TRUE(search->isEnabled());
-    // clang-format off
-    const struct { const char *code, *name, *state; } expected[] = {
-        {"26202", "Vodafone.de", "current"}, {"26201", "Telekom.de", "available"}, {"26207", "o2 - de", "available"}, {"26203", "E-Plus", "forbidden"}};
-    // clang-format on
-    EXPECT_EQ(list->topLevelItemCount(), 4);
-    for (const auto& row : expected) {
-        QTreeWidgetItem* item = Row(list, 2, QLatin1String(row.code));
-        ASSERT_NE(item, nullptr) << row.code;
-        EXPECT_EQ(item->text(0), QLatin1String(row.name));
-        EXPECT_EQ(item->text(4), QLatin1String(row.state)) << row.code;
-    }
+    QStringList listed; // code, name, state
+    for (const QTreeWidgetItem* item : list->findItems("*", Qt::MatchWildcard))
+        listed << item->text(2) + '|' + item->text(0) + '|' + item->text(4);
+    listed.sort();
+    EXPECT_EQ(listed, QStringList({"26201|Telekom.de|available", "26202|Vodafone.de|current",
+                                   "26203|E-Plus|forbidden", "26207|o2 - de|available"}));
 
     Row(list, 2, QStringLiteral("26201"))->setSelected(true);
     EXPECT_TRUE(Child<QRadioButton>(network, "manual")->isChecked());
@@ -79,10 +70,8 @@ TEST(NetworkSettingsGui, SearchListsOperatorsAndManualSelectionRegisters) {
         const QJsonObject reg = world.dump("network").toObject();
         return reg.value("selection").toInt() == 1 && reg.value("operator").toString() == "26201";
     }));
-    auto* operatorLabel = Child<QLabel>(network, "operator");
-    EXPECT_TRUE(waitForGui([&] { return operatorLabel->text().contains("26201"); }, 15s))
-        << operatorLabel->text().toStdString();
-    EXPECT_TRUE(waitForGui([&] { return Child<QLabel>(network, "selection")->text() == "manual"; }));
+    EXPECT_TRUE(Shows(Child<QLabel>(network, "operator"), "26201", 15s));
+    EXPECT_TRUE(Shows(Child<QLabel>(network, "selection"), Exactly("manual")));
     EXPECT_EQ(Row(list, 2, "26201")->text(4), "current");
     EXPECT_EQ(Row(list, 2, "26202")->text(4), "available");
 }
@@ -99,10 +88,8 @@ TEST(NetworkSettingsGui, StandardStickHasNoToolkitTabAndNoBandOrMode) {
     auto* tabs = Child<QTabWidget>(&world.window(), "modules");
     const int toolkit = tabs->indexOf(world.window().module(QStringLiteral("toolkit")));
     EXPECT_TRUE(waitForGui([&] { return !tabs->isTabVisible(toolkit); }));
-    auto* network = world.show<NetworkPlugin>(QStringLiteral("network"));
-    auto* status = Child<QLabel>(network, "radioStatus");
-    EXPECT_TRUE(waitForGui([&] { return status->text().contains("not supported by this modem"); }))
-        << status->text().toStdString();
+    auto* network = world.show<NetworkPlugin>("network");
+    EXPECT_TRUE(Shows(Child<QLabel>(network, "radioStatus"), "not supported by this modem"));
     for (const char* control : {"band", "mode", "applyRadio"})
         EXPECT_FALSE(Child<QWidget>(network, control)->isEnabled()) << control;
 
@@ -117,23 +104,22 @@ TEST(NetworkSettingsGui, StandardStickHasNoToolkitTabAndNoBandOrMode) {
 // from the files; one without a name is refused in the dialog.
 TEST(NetworkSettingsGui, PinCheckAndAddedProfile) {
     GuiWorld world;
-    ASSERT_TRUE(world.ready());
-    ASSERT_FALSE(world.dump("pin/enabled").toBool());
-    auto* settings = world.show<SettingsPlugin>(QStringLiteral("settings"));
+    auto* settings = world.showReady<SettingsPlugin>("settings");
     ASSERT_NE(settings, nullptr);
+    ASSERT_FALSE(world.dump("pin/enabled").toBool());
     settings->showSection(QStringLiteral("pin"));
     auto* pin = Child<QLineEdit>(settings, "currentPin");
     auto* toggle = Child<QPushButton>(settings, "togglePin");
     auto* status = Child<QLabel>(settings, "pinStatus");
     auto* attempts = Child<QLabel>(settings, "pinAttempts");
-    ASSERT_TRUE(waitForGui([&] { return pin->isEnabled() && attempts->text().startsWith("PIN 3"); }));
+    ASSERT_TRUE(waitForGui([&] { return pin->isEnabled(); }) &&
+                Shows(attempts, QRegularExpression("^PIN 3")));
 
     QTest::keyClicks(pin, "4321");
     toggle->click();
     EXPECT_TRUE(pin->text().isEmpty());
-    ASSERT_TRUE(waitForGui([&] { return status->text().contains("wrong"); })) << status->text().toStdString();
-    EXPECT_TRUE(waitForGui([&] { return attempts->text().startsWith("PIN 2"); }))
-        << attempts->text().toStdString();
+    ASSERT_TRUE(Shows(status, "wrong"));
+    EXPECT_TRUE(Shows(attempts, QRegularExpression("^PIN 2")));
     EXPECT_FALSE(world.dump("pin/enabled").toBool());
 
     QTest::keyClicks(pin, "1234");
@@ -146,8 +132,8 @@ TEST(NetworkSettingsGui, PinCheckAndAddedProfile) {
     auto* list = Child<QTreeWidget>(settings, "profileList");
     const int before = list->topLevelItemCount();
     Child<QPushButton>(settings, "addProfile")->click();
-    auto* dialog = settings->findChild<ProfileDialog*>();
-    ASSERT_TRUE(dialog && waitForGui([&] { return dialog->isVisible(); }));
+    auto* dialog = VisibleChild<ProfileDialog>(settings);
+    ASSERT_NE(dialog, nullptr);
     auto* save = Child<QDialogButtonBox>(dialog, "profileButtons")->button(QDialogButtonBox::Save);
     QTest::keyClicks(Child<QLineEdit>(dialog, "profileApn"), "web.example");
     save->click();
@@ -229,16 +215,14 @@ TEST(AccountGui, CodesMenusAndEntryInputs) {
     scenario.write(R"({"sim": {"imsi": "001019876543210"}})");
     scenario.close();
     GuiWorld world({"--scenario", scenario.fileName()});
-    ASSERT_TRUE(world.ready());
-    auto* tab = world.show<AccountPlugin>("account");
+    auto* tab = world.showReady<AccountPlugin>("account");
     ASSERT_NE(tab, nullptr);
     auto* code = Child<QLineEdit>(tab, "code");
     auto* send = Child<QPushButton>(tab, "sendCode");
     auto* answer = Child<QPlainTextEdit>(tab, "answer");
     QTest::keyClicks(code, "*100#");
     send->click();
-    ASSERT_TRUE(waitForGui([&] { return answer->toPlainText().contains("Your balance is 12.34 EUR."); }))
-        << answer->toPlainText().toStdString();
+    ASSERT_TRUE(Shows(answer, "Your balance is 12.34 EUR."));
     EXPECT_FALSE(tab->sessionOpen());
 
     code->clear();
@@ -249,7 +233,7 @@ TEST(AccountGui, CodesMenusAndEntryInputs) {
     EXPECT_FALSE(send->isEnabled()); // one dialogue at a time
     QTest::keyClicks(Child<QLineEdit>(tab, "reply"), "2");
     Child<QPushButton>(tab, "sendReply")->click();
-    ASSERT_TRUE(waitForGui([&] { return answer->toPlainText().contains("Week pass 5 GB"); }));
+    ASSERT_TRUE(Shows(answer, "Week pass 5 GB"));
     EXPECT_TRUE(tab->sessionOpen());
     Child<QPushButton>(tab, "cancelSession")->click();
     EXPECT_FALSE(tab->sessionOpen());
@@ -273,7 +257,7 @@ TEST(AccountGui, CodesMenusAndEntryInputs) {
     EXPECT_EQ(voucher->text(), "1234567890123456");
     topUp->click();
     EXPECT_FALSE(inputError->isVisibleTo(tab));
-    ASSERT_TRUE(waitForGui([&] { return answer->toPlainText().contains("does not offer"); }));
+    ASSERT_TRUE(Shows(answer, "does not offer"));
     const QJsonArray requests = world.dump("ussd/requests").toArray();
     ASSERT_FALSE(requests.isEmpty());
     EXPECT_TRUE(requests.last().toString().contains("*102*1234567890123456#"))
@@ -304,8 +288,7 @@ TEST(AccountInput, FieldLimits) {
 // the list to read so, "type:X" types into the answer field, a button's objectName presses it.
 TEST(ToolkitGui, MenuChoicesShowTheCardsDialogues) {
     GuiWorld world;
-    ASSERT_TRUE(world.ready());
-    auto* tab = world.show<ToolkitPlugin>("toolkit");
+    auto* tab = world.showReady<ToolkitPlugin>("toolkit");
     ASSERT_NE(tab, nullptr);
     auto* items = Child<QListWidget>(tab, "items");
     auto* text = Child<QLabel>(tab, "text");
@@ -331,17 +314,14 @@ TEST(ToolkitGui, MenuChoicesShowTheCardsDialogues) {
                 items->setCurrentRow(step.mid(1).toInt());
                 Child<QPushButton>(tab, "select")->click();
             } else if (step.startsWith("text:")) {
-                ASSERT_TRUE(waitForGui([&] { return text->text() == step.mid(5); }))
-                    << text->text().toStdString();
+                ASSERT_TRUE(Shows(text, Exactly(step.mid(5))));
             } else if (step.startsWith("list:")) {
                 ASSERT_TRUE(waitForGui([&] { return Texts(items).join(',') == step.mid(5); }));
             } else if (step.startsWith("type:")) {
                 QTest::keyClicks(Child<QLineEdit>(tab, "input"), step.mid(5));
             } else {
                 auto* button = Child<QPushButton>(tab, step.toLatin1().constData());
-                ASSERT_TRUE(button->isVisibleTo(tab));
-                ASSERT_TRUE(waitForGui([&] { return button->isEnabled(); }));
-                button->click();
+                ASSERT_TRUE(button->isVisibleTo(tab) && ClickWhenEnabled(button));
             }
         }
         ASSERT_TRUE(waitForGui(atMainMenu)) << Texts(items).join(',').toStdString();
@@ -352,4 +332,38 @@ TEST(ToolkitGui, MenuChoicesShowTheCardsDialogues) {
         heard << response.toString();
     for (const char* expected : {"11,17,,0", "3,0,,\"Paris\"", "2,0,,2,1,", "1,16,"})
         EXPECT_TRUE(heard.contains(expected)) << expected << " not in " << heard.join(' ').toStdString();
+}
+
+TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
+    GuiWorld world;
+    // The simulator's +CSQ: 18 is -77 dBm; the best of the minute is the same while it stays.
+    auto* network = world.showReady<NetworkPlugin>("network");
+    ASSERT_NE(network, nullptr);
+    Child<QPushButton>(network, "findSignal")->click();
+    auto* gauge = Child<CNSSignalGauge>(network, "gauge");
+    ASSERT_NE(gauge, nullptr);
+    EXPECT_TRUE(waitForGui([&] { return gauge->dbm() == -77 && gauge->bestDbm() == -77; }, 20s));
+    // The tone starts and stops quietly, also without a sound device.
+    auto* tone = Child<QCheckBox>(network, "tone");
+    tone->setChecked(true);
+    tone->setChecked(false);
+
+    // Minutes of today in the history as the recorder writes them: the bearer changes, then after a gap
+    // the cell.
+    SignalHistory history;
+    const QDate today = QDate::currentDate();
+    history.add(SignalSample{-77, 0, 1, 4, 1, 2}, QDateTime(today, QTime(0, 0)));
+    history.add(SignalSample{-71, 0, 1, 6, 1, 2}, QDateTime(today, QTime(0, 1)));
+    history.add(SignalSample{-93, 0, 1, 6, 1, 3}, QDateTime(today, QTime(0, 5)));
+    ASSERT_TRUE(history.flush());
+    auto* statistics = world.show<StatisticsPlugin>("statistics");
+    ASSERT_NE(statistics, nullptr);
+    Child<QComboBox>(statistics, "chartKind")->setCurrentIndex(1);
+    auto* chart = Child<CNSSignalChart>(statistics, "signalChart");
+    EXPECT_EQ(chart->pointCount(), 3);
+    EXPECT_TRUE(
+        chart->accessibleDescription().contains("between -93 and -71 dBm; the bearer changed 1 times, "
+                                                "the cell 1 times"))
+        << chart->accessibleDescription().toStdString();
+    EXPECT_FALSE(chart->grab().isNull());
 }
