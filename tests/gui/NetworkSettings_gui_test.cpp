@@ -343,6 +343,7 @@ TEST(SignalFinderGui, FinderShowsTheSignalAndTheChartTheHistory) {
     auto* gauge = Child<CNSSignalGauge>(network, "gauge");
     ASSERT_NE(gauge, nullptr);
     EXPECT_TRUE(waitForGui([&] { return gauge->dbm() == -77 && gauge->bestDbm() == -77; }, 20s));
+    EXPECT_FALSE(gauge->grab().isNull()); // drawn as the dialog shows it
     // The tone starts and stops quietly, also without a sound device.
     auto* tone = Child<QCheckBox>(network, "tone");
     tone->setChecked(true);
